@@ -1,0 +1,225 @@
+/* OldTorvIO: the older binary files of a sheet-metal fabrication suite.
+ *
+ * This header is the manual of the library. It compiles as C and as C++.
+ *
+ * Conventions that hold for every function below
+ *
+ *   Status      A function that answers with a status gives one of
+ *                  0  done
+ *                  1  the file ended too early, or holds a value that the library refuses
+ *                 -1  the file's version is not one that this kind of file accepts
+ *                 -2  the file cannot be opened, a required pointer is null, or a save failed
+ *               Some functions give the status as 64 bits, some as 32: see each.
+ *   Paths       NUL-terminated narrow texts, handed to the operating system as they stand.
+ *   Records     Owned by the caller. A C++ program constructs them (the headers in OldTorvIO/
+ *               tell every field); in C they are opaque. A load fills a record that is already
+ *               constructed: what the file's version does not store keeps what the record held.
+ *               A load that fails leaves in the record what had been read up to the fault; the
+ *               record stays safe to read, to load again and to destroy.
+ *   Outputs     Where a function fails, its outputs keep what they held, unless it says otherwise.
+ *               Text outputs have no size argument unless one is named: the caller provides room.
+ *   Null        Loads answer -2 for a null path or record. Other pointers must be valid unless a
+ *               function says what null does.
+ *   Process end A text that does not fit where a function says so, or an index that a function
+ *               says is fatal, ends the process (abort). No file content ever does.
+ *   Threads     Functions on a caller's own record may run at the same time on different records.
+ *               The part builder and the current special tool exist once in the process: one
+ *               thread at a time.
+ *   Memory      Out of memory gives status 1 in a load or query, -2 in a save, null in a Create,
+ *               -1 from the part builder's adding calls (0 from AddPatIntoGroupPat).
+ */
+#ifndef OLDTORVIO_H
+#define OLDTORVIO_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#if defined(OLDTORVIO_BUILDING)
+#define OLDTORVIO_API __declspec(dllexport)
+#elif defined(OLDTORVIO_STATIC)
+#define OLDTORVIO_API
+#else
+#define OLDTORVIO_API __declspec(dllimport)
+#endif
+#else
+#define OLDTORVIO_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+#define OLDTORVIO_NOEXCEPT noexcept
+namespace oldtorvio {
+struct TorvPart;
+struct SheetPartList;
+struct OldSpecialTool;
+}  // namespace oldtorvio
+using oldtorvio::OldSpecialTool;
+using oldtorvio::SheetPartList;
+using oldtorvio::TorvPart;
+extern "C" {
+#else
+#define OLDTORVIO_NOEXCEPT
+typedef struct TorvPart TorvPart;
+typedef struct SheetPartList SheetPartList;
+typedef struct OldSpecialTool OldSpecialTool;
+#endif
+
+/* ---- Part files ---------------------------------------------------------------------------- */
+
+/* Loads the part file `path` into `part`.
+ *
+ * Accepted versions: 2, 3, 5, 52, 54, 60, 61, 62, 71, 80, 90, 91, 92, 100, 101, 102, 110, 111, 112,
+ * 120, 121, 130, 140, 141, 150 to 162, 170, 180. Versions 2, 3 and 5 are recognised and answer 1:
+ * their layouts are not read yet.
+ *
+ * `part->version` holds the file's version word as soon as it has been read, also when the version
+ * is then refused. For an accepted version `partFullDosName` becomes the path (its first 259
+ * characters), the five option fields are reset, and the pattern list and the work list are
+ * emptied; `nestShapeGroups` is never emptied, so a load adds to it. Status -2 leaves the record
+ * untouched. */
+OLDTORVIO_API int64_t LoadOldPart(const char* path, TorvPart* part) OLDTORVIO_NOEXCEPT;
+
+/* Starts a new part in the part builder: everything added before is gone.
+ *
+ * width, height, thickness in the suite's length unit; partKind is kept as a signed number. A text
+ * that is null keeps the default of its field ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty for
+ * the custom texts). Texts hold at most 255 characters, assemblyName and materialName at most 20; a
+ * longer one ends the process, nothing is ever cut. */
+OLDTORVIO_API void InitTorvPart(float width, float height, float thickness, int16_t partKind,
+                                const char* partName, const char* assemblyName, const char* materialName,
+                                const char* customText1, const char* customText2,
+                                const char* customText3) OLDTORVIO_NOEXCEPT;
+
+/* Adds one shape, and the pattern item that says how it is worked, to the part builder.
+ *
+ * x, y        placing point
+ * type        shape type, kept as a signed byte
+ * flags       128 marks a member of a group
+ * values      nine 32-bit values, taken bit by bit
+ * itemWord1   the item's fields of the same names (itemShort1 and itemShort2 with their sign);
+ *             itemWord2 is also the stationValue of a new station
+ * pairA..D    itemPair1 (A, B) and itemPair2 (C, D)
+ * toolName    null: the item names no tool. Otherwise the name of a special tool without folder
+ *             and extension: the folder of special tools (see OpenSpecialToolFile) is searched for
+ *             a file of that name with the extension ".spt", both without regard to case, and the
+ *             part gets a new station and tool from it, once for each call. An empty name takes
+ *             the part's first station, if there is one. A full path above 255 characters ends the
+ *             process.
+ *
+ * Gives the number of shapes in the part, or -1 when the special tool is not found or cannot be
+ * loaded; then nothing has been added. */
+OLDTORVIO_API int32_t AddPatternToTorvPart(float x, float y, uint8_t type, uint32_t flags, const uint32_t* values,
+                                           uint32_t itemWord1, float itemWord2, float pairA, float pairB,
+                                           float pairC, float pairD, const char* toolName, int16_t itemShort1,
+                                           int16_t itemShort2, float itemWord3, float itemWord4) OLDTORVIO_NOEXCEPT;
+
+/* Adds a group to the part builder: a head (shape type 7) at x, y with the angle (radians, reduced
+ * by the tool's symmetry), and behind it a copy of each shape of the special tool file but those of
+ * type 7. The file is the folder of special tools, the name and ".spt" put together as they stand
+ * (no separator is added, no case is folded). A path above 259 characters ends the process, and so
+ * does one above 255 whose file can be loaded.
+ *
+ * Gives the number of shapes in the part, or -1 for a null name, a file that does not exist or that
+ * cannot be loaded; then nothing has been added. */
+OLDTORVIO_API int32_t AddGroupPatIntoTorvPart(float x, float y, float angle,
+                                              const char* toolName) OLDTORVIO_NOEXCEPT;
+
+/* Adds one more member to a group of the part builder. groupIndex is the 1-based position of the
+ * head among the part's shapes; a position past the new member itself ends the process. `ignored`
+ * is not looked at. values: nine 32-bit values.
+ *
+ * Gives the number of shapes in the part, cut to 16 bits, or 0 for a groupIndex below 1; then
+ * nothing has been added. */
+OLDTORVIO_API uint16_t AddPatIntoGroupPat(int32_t groupIndex, float x, float y, uint8_t type, uint64_t ignored,
+                                          const uint32_t* values) OLDTORVIO_NOEXCEPT;
+
+/* Saves the part builder as a part file in the layout of `version`; the builder keeps everything, so
+ * that more can be added and saved again. Only the first pattern is stored.
+ *
+ * 0 saved; -1 for a version that part files do not have (the list of LoadOldPart), which leaves an
+ * empty file; -2 when the file cannot be opened or written, when the builder has no shape yet (such
+ * a part has no pattern), or for a null path. Versions 2, 3 and 5 store the fields of the main
+ * layout, which the loader of those versions cannot read back. A path of 260 characters or more ends
+ * the process. */
+OLDTORVIO_API int64_t SaveTorvPart(const char* path, int16_t version) OLDTORVIO_NOEXCEPT;
+
+/* ---- Questions about part files: each loads the file, answers and forgets it ------------------ */
+
+/* The part's material type and size. materialType: room for the text and its NUL, at most 257 bytes.
+ * -2 for a null path, otherwise the status of the load; on failure all outputs stay. */
+OLDTORVIO_API int64_t GetOldPartInfo(const char* path, char* materialType, float* width, float* height,
+                                     float* thickness) OLDTORVIO_NOEXCEPT;
+
+/* One value as text. key, without regard to case:
+ *   "angle"      rotation of the first pattern in radians, as "%g"; "0" without a pattern
+ *   "Revision"   the revision text
+ *   "MatType"    the material type text
+ *   "Thickness"  the thickness, as "%g"
+ * 1 for any other key or a null pointer, otherwise the status of the load; `value` (room for 257
+ * bytes) changes only with status 0. */
+OLDTORVIO_API int64_t GetOldPartInfo_v1(const char* path, const char* key, char* value) OLDTORVIO_NOEXCEPT;
+
+/* The part's tools as one text, each item closed by ",":
+ *   shape code 108      "%d %s %6.3f": code, base name of the special tool, orientation
+ *   shape code 0        nothing
+ *   any other           "%d %6.3f %6.3f %6.3f %6.3f": code, three dimensions, orientation
+ * With status 0 *length is the text's length without NUL, and the text is copied only if that is
+ * below `size`. -2 for a null path. */
+OLDTORVIO_API int64_t GetOldPartTool(const char* path, char* text, int32_t size, uint32_t* length) OLDTORVIO_NOEXCEPT;
+
+/* Appends to `text`, for each special tool of the part, ",", its full path and ",". `text` must be a
+ * NUL-terminated text with room behind it; it is not cleared. -2 for a null path. */
+OLDTORVIO_API int64_t GetOldSptFromPart(const char* path, char* text) OLDTORVIO_NOEXCEPT;
+
+/* The full paths of the special tools of all parts of a group part file, each closed by ",".
+ * length, size and text as in GetOldPartTool. -2 for a null path. */
+OLDTORVIO_API int64_t GetOldSptFromGroupPart(const char* path, char* text, int32_t size,
+                                             uint32_t* length) OLDTORVIO_NOEXCEPT;
+
+/* ---- Group part files --------------------------------------------------------------------------- */
+
+/* A new empty list, or null when there is no memory. To be freed with DeleteOldPartlistInfo. */
+OLDTORVIO_API SheetPartList* CreateOldPartlistInfo(void) OLDTORVIO_NOEXCEPT;
+
+/* Frees a list from CreateOldPartlistInfo with all its parts. Null is allowed. */
+OLDTORVIO_API void DeleteOldPartlistInfo(SheetPartList* list) OLDTORVIO_NOEXCEPT;
+
+/* Appends each part of a group part file to `list`, in stored order. A file of a version below 152
+ * gives 1 (never -1); there is no upper version. On a fault the parts read before it stay in the
+ * list. */
+OLDTORVIO_API int64_t LoadGroupPart(const char* path, SheetPartList* list) OLDTORVIO_NOEXCEPT;
+
+/* ---- Special tool files --------------------------------------------------------------------------- */
+
+/* Loads a special tool file into `tool`. Accepted versions: those of part files from 52 on without
+ * 61, 62, 71 and 80. `tool->tool.fileVersion` holds the version word, also when it is refused. */
+OLDTORVIO_API int64_t LoadOldSpecialTool(const char* path, OldSpecialTool* tool) OLDTORVIO_NOEXCEPT;
+
+/* Loads a special tool file into the process-wide current special tool and hands out its values.
+ *
+ * *shapeCount becomes 0 before anything else. When the current special tool then holds shapes (also
+ * shapes of an earlier file, where this file stores none; also when the reading failed behind the
+ * shapes), *shapeCount becomes their number and all outputs are set. A missing, short or refused
+ * file, or one without shapes, leaves the other outputs as they were.
+ *
+ * The folder of special tools that the part builder uses is the value of the key
+ * ZRK_DEFAULT_SPECIAL_TOOL_PATH in "win.ini", in the section [Kestrada64bit] or else [Kestrada], or
+ * else "C:\KESTRADA\SPECTOOL\". On POSIX hosts "win.ini" is looked for in
+ * $XDG_CONFIG_HOME/OldTorvIO/ (default ~/.config/OldTorvIO/), then in OldTorvIO/ of each of
+ * $XDG_CONFIG_DIRS (default /etc/xdg). */
+OLDTORVIO_API int32_t OpenSpecialToolFile(
+    const char* path, uint32_t* shapeCount, float* orientation, float* specialValue, float* dimension1,
+    float* dimension2, float* dimension3, int32_t* firstValueCount, float* firstValue0, float* firstValue1,
+    float* firstValue2, float* firstValue3, float* firstValue4, float* firstValue5, int32_t* secondValueCount,
+    float* secondValue0, float* secondValue1, float* secondValue2, float* secondValue3, float* secondValue4,
+    float* secondValue5, float* extraValue0, float* extraValue1, uint8_t* lateFlag) OLDTORVIO_NOEXCEPT;
+
+/* One shape of the current special tool, index from 0: its type (with sign), placing point and
+ * first four values. An index outside 0 to count - 1 leaves all outputs as they were. */
+OLDTORVIO_API void GetShapeAt(int32_t index, int32_t* type, float* x, float* y, float* value0, float* value1,
+                              float* value2, float* value3) OLDTORVIO_NOEXCEPT;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* OLDTORVIO_H */

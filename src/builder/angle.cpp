@@ -1,0 +1,28 @@
+#include "src/builder/angle.h"
+
+#include <numbers>
+
+#include "src/records/tool_layout.h"
+
+namespace oldtorvio {
+
+float reducedAngle(float angle, std::uint32_t symmetryFlags) {
+  double step = 0;
+  if ((symmetryFlags & kHalfTurnSymmetry) != 0)
+    step = std::numbers::pi;
+  else if ((symmetryFlags & kQuarterTurnSymmetry) != 0)
+    step = std::numbers::pi / 2;
+  else
+    return angle;
+
+  for (;;) {
+    const auto wide = static_cast<double>(angle);
+    if (wide >= 0 && wide <= step) return angle;
+    const auto next = static_cast<float>(wide < 0 ? wide + step : wide - step);
+    // Not equal to itself: not a number.
+    if (next == angle || next != next) return angle;
+    angle = next;
+  }
+}
+
+}  // namespace oldtorvio

@@ -1,0 +1,146 @@
+// How a record's stored form is told: once, as a chain of verbs that every walker understands.
+//
+//   template <> struct Layout<MarkEntry> {
+//     static constexpr std::size_t kLeast = 14;              // bytes of its shortest stored form
+//     static bool describe(auto& io, auto& mark) {
+//       return io.fields(F(mark.markWord1, mark.markShort, mark.markWord2, mark.markWord3));
+//     }
+//   };
+//
+// `&&` is the stop rule: behind a failure nothing more is evaluated, so the fields read so far stay
+// and the rest keep what they held. Conditions are arguments of verbs, never bare ifs.
+//
+// Fields and gates. Where a verb takes F(...) it also takes a lambda with a chain of its own.
+//   fields(F(a, b))              stored in this order
+//   since(80, F(a))              stored from version 80 on
+//   since(80, F(a), otherwise(x))  as above, and below it the reader sets a to x
+//   below(110, F(a))             stored below version 110
+//   between(112, 120, F(a))      stored in these versions and no others
+//   when(condition, F(a))        stored when an earlier value says so
+//   leading(n, F(a, b, c))       the first n of these numbers, or of one array of numbers
+//   sized(F(text), n)            n bytes of a fixed text as one item; none is a failed read
+//   lengthText(F(s))             i32 length and that many bytes, kept up to their first NUL
+//   reserved(499)                fill bytes: dropped by the reader, zeros from the writer
+//
+// Rules.
+//   range(F(a), lo, hi)          refused outside; reader and writer alike
+//   repair(record, [](auto& r))  reader only, when all before it succeeded
+//   tail(chain)                  a short read inside ends the record with success; a refusal does not
+//   tailThen(chain, rest)        as tail, and the mandatory rest follows only a whole chain
+//
+// Records and lists. Further arguments go to the element's description. An element that fails is not
+// kept, unless the verb says so.
+//   record(F(r))                 an embedded record
+//   countFirst(F(v))             i32 count; zero leaves the list as it was, anything else empties it
+//   counted(count, F(v))         the same behind a count that a field has taken (see countOf)
+//   countThenClear(F(v))         i32 count; the list is emptied whatever it is
+//   clear(F(v)), append(F(v))    emptied here; i32 count and elements behind what the list holds
+//   appendRun(n, F(v))           n elements behind what the list holds, no count stored
+//   reusedElement(F(v))          as countThenClear, with one element that is read over and over
+//   interleaved(F(v, w))         count-first, elements of v and w in turns; v keeps one whose w failed
+//   columns(F(view))             i32 count and rows of parallel columns; below one keeps the columns
+//   rows(n, [&](auto i) {...})   n rows of parallel arrays, in place
+//   single(F(v))                 one element without count; the writer stores the first alone
+//   trailer(F(v), &R::member)    one number for each element that the list holds
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "src/frame/wire.h"
+
+// The names travel as a type: only a walker that calls names() makes them part of a program.
+#define F(...) ::oldtorvio::frame::bindFields([] { return #__VA_ARGS__; }, __VA_ARGS__)
+
+namespace oldtorvio::frame {
+
+template <class Names, class... T>
+struct Fields {
+  [[no_unique_address]] Names names;
+  std::tuple<T...> members;
+
+  // The only member of an F(...) that names one record or list.
+  auto& only() const {
+    static_assert(sizeof...(T) == 1, "this verb takes one member");
+    return std::get<0>(members);
+  }
+};
+
+template <class Names, class... T>
+constexpr Fields<Names, T...> bindFields(Names names, T&&... members) {
+  return {names, std::tuple<T...>(std::forward<T>(members)...)};
+}
+
+template <class T>
+inline constexpr bool kIsFields = false;
+template <class Names, class... T>
+inline constexpr bool kIsFields<Fields<Names, T...>> = true;
+
+template <class... T>
+struct Otherwise {
+  std::tuple<T...> values;
+};
+template <class... T>
+constexpr Otherwise<T...> otherwise(T... values) {
+  return {{values...}};
+}
+
+template <class Record>
+struct Layout;  // a specialisation describes the record, see above
+
+template <Number T>
+struct Layout<T> {
+  static constexpr std::size_t kLeast = sizeof(T);
+  static bool describe(auto& io, auto& itself) { return io.fields(F(itself)); }
+};
+
+// Why a chain stopped: a tail forgives a short read, never a refusal.
+enum class Stop : std::uint8_t { none, shortRead, refused };
+
+// The gates, alike for every walker.
+template <class Self>
+class Gates {
+ public:
+  explicit Gates(int version) : version_(version) {}
+  int version() const { return version_; }
+
+  template <class X>
+  [[nodiscard]] bool since(int first, const X& x) {
+    return version_ < first || walk(x);
+  }
+  template <class X, class... D>
+  [[nodiscard]] bool since(int first, const X& x, const Otherwise<D...>& defaults) {
+    if (version_ >= first) return walk(x);
+    self().absent(x, defaults);
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool below(int end, const X& x) {
+    return version_ >= end || walk(x);
+  }
+  template <class X>
+  [[nodiscard]] bool between(int first, int last, const X& x) {
+    return version_ < first || version_ > last || walk(x);
+  }
+  template <class X>
+  [[nodiscard]] bool when(bool stored, const X& x) {
+    return !stored || walk(x);
+  }
+
+ protected:
+  Self& self() { return static_cast<Self&>(*this); }
+  template <class X>
+  bool walk(const X& x) {
+    if constexpr (kIsFields<X>)
+      return self().fields(x);
+    else
+      return x();
+  }
+
+ private:
+  int version_;
+};
+
+}  // namespace oldtorvio::frame

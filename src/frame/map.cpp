@@ -1,0 +1,156 @@
+#include "src/frame/map.h"
+
+#include <charconv>
+#include <iterator>
+
+namespace oldtorvio::frame {
+namespace {
+
+// "block(r.x, r.y)" and "as<T>(r.kind)" name what stands in their parentheses; "r.x" names "x".
+std::string nameOf(std::string_view one) {
+  while (!one.empty() && one.front() == ' ') one.remove_prefix(1);
+  if (const auto open = one.find('('); open != std::string_view::npos) {
+    std::string all;
+    for (const std::string& inner : fieldNames(one.substr(open + 1, one.rfind(')') - open - 1)))
+      all.append(all.empty() ? "" : ", ").append(inner);
+    return all;
+  }
+  if (const auto dot = one.find('.'); dot != std::string_view::npos) one.remove_prefix(dot + 1);
+  return std::string(one);
+}
+
+template <class T>
+void printShortest(std::string& to, T value) {
+  char digits[64];
+  to.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
+}
+
+void printHex(std::string& to, unsigned value) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  to += kDigits[(value >> 4U) & 0xFU];
+  to += kDigits[value & 0xFU];
+}
+
+}  // namespace
+
+std::vector<std::string> fieldNames(std::string_view stringised) {
+  std::vector<std::string> names;
+  int depth = 0;
+  std::size_t from = 0;
+  for (std::size_t i = 0; i <= stringised.size(); ++i) {
+    const char c = i < stringised.size() ? stringised[i] : ',';
+    if (c == '(' || c == '<' || c == '[') ++depth;
+    if (c == ')' || c == '>' || c == ']') --depth;
+    if (c != ',' || depth != 0) continue;
+    names.push_back(nameOf(stringised.substr(from, i - from)));
+    from = i + 1;
+  }
+  return names;
+}
+
+void printValue(std::string& to, std::int64_t value) { printShortest(to, value); }
+void printValue(std::string& to, float value) { printShortest(to, value); }
+void printValue(std::string& to, double value) { printShortest(to, value); }
+
+void printText(std::string& to, const char* field, std::size_t width) {
+  std::size_t length = 0;
+  while (length < width && field[length] != '\0') ++length;
+  to += '"';
+  for (std::size_t i = 0; i < length; ++i) {
+    const auto c = static_cast<unsigned char>(field[i]);
+    if (c == '"' || c == '\\') to += '\\';
+    if (c < 0x20 || c >= 0x7F) {
+      to += "\\x";
+      printHex(to, c);
+    } else {
+      to += static_cast<char>(c);
+    }
+  }
+  to += '"';
+  if (length == width) to += " (no NUL)";
+  std::size_t behind = 0;
+  for (std::size_t i = length; i < width; ++i) behind += field[i] != '\0' ? 1U : 0U;
+  if (behind > 0) to.append(" (").append(std::to_string(behind)).append(" bytes not zero behind the NUL)");
+}
+
+void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width) {
+  for (std::size_t i = 0; i < width; ++i) {
+    if (i > 0) to += ' ';
+    printHex(to, bytes[i]);
+  }
+}
+
+bool Mapper::text(std::string& to, std::uint64_t size) {
+  const std::uint64_t at = in_.position();
+  if (!in_.append(to, size)) {
+    endsHere("text", size);
+    return false;
+  }
+  std::string value;
+  printText(value, to.data(), to.size());
+  lastOffset_ = at;
+  sink_({at, size, pathOf("text"), std::move(value)});
+  return true;
+}
+
+bool Mapper::drop(std::size_t size) {
+  const std::uint64_t at = in_.position();
+  if (!in_.skip(size)) {
+    endsHere("reserved", size);
+    return false;
+  }
+  lastOffset_ = at;
+  sink_({at, size, pathOf("reserved"), "(dropped)"});
+  return true;
+}
+
+const std::byte* Mapper::take(const std::string& name, std::size_t size) {
+  const std::byte* from = in_.run(size);
+  if (from == nullptr) endsHere(name, size);
+  return from;
+}
+
+void Mapper::endsHere(const std::string& name, std::uint64_t size) {
+  fault_ = Fault{in_.position(), pathOf(name),
+                 "needs " + std::to_string(size) + " bytes, the file has " + std::to_string(in_.left())};
+  in_.toEnd();
+  (void)fellShort();
+}
+
+void Mapper::tell(std::uint64_t size, const std::string& name, std::string value) {
+  lastOffset_ = in_.position();
+  in_.consume(static_cast<std::size_t>(size));
+  sink_({lastOffset_, size, pathOf(name), std::move(value)});
+}
+
+void Mapper::forgiven() {
+  remark("ends short at " + fault_->path + ", which is tolerated there");
+  fault_.reset();
+}
+
+void Mapper::remark(std::string text) { sink_({in_.position(), 0, path_.substr(0, path_.size() - (path_.empty() ? 0 : 1)), std::move(text)}); }
+
+void Mapper::enterPath(const std::string& name, std::int64_t index) {
+  const std::size_t before = path_.size();
+  path_ = pathOf(name);
+  if (index >= 0) path_.append("[").append(std::to_string(index)).append("]");
+  path_ += '.';
+  outer_.push_back(before);
+}
+
+void Mapper::leave() {
+  path_.resize(outer_.back());
+  outer_.pop_back();
+}
+
+// The name itself stands for an element without fields of its own; "[i]" for the present row.
+std::string Mapper::pathOf(const std::string& name) const {
+  if (name == "itself" && !path_.empty()) return path_.substr(0, path_.size() - 1);
+  std::string path = path_ + name;
+  constexpr std::string_view kRow = "[i]";
+  if (const auto at = path.find(kRow); at != std::string::npos)
+    path.replace(at, kRow.size(), "[" + std::to_string(row_) + "]");
+  return path;
+}
+
+}  // namespace oldtorvio::frame

@@ -1,0 +1,49 @@
+// What the library asks of the operating system, once for each system: the only place where a
+// description of the host belongs.
+#pragma once
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace oldtorvio::frame {
+
+// Open files close with their owner. A file that was written is closed with close(), whose answer
+// may be the first to tell that the disk is full.
+class File {
+ public:
+  // Null paths, folders and files that cannot be opened give a closed File.
+  static File openToRead(const char* path) noexcept;
+  static File openToWrite(const char* path) noexcept;
+
+  File(File&& other) noexcept : handle_(other.handle_) { other.handle_ = nullptr; }
+  File& operator=(File&&) = delete;
+  ~File() { (void)close(); }
+
+  explicit operator bool() const { return handle_ != nullptr; }
+  std::FILE* handle() const { return handle_; }
+  bool close() noexcept;
+
+ private:
+  explicit File(std::FILE* handle) : handle_(handle) {}
+  std::FILE* handle_;
+};
+
+// Bytes of a regular file, nothing for a pipe or device.
+std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept;
+
+// The value of a key of "win.ini", at most `size` - 1 characters, empty when there is none. Section
+// and key without regard to case; outer blanks and one pair of quotes are taken off.
+std::string profileText(std::string_view section, std::string_view key, std::size_t size);
+
+// The folder and file functions for special tools take "\" and "/" alike on every host.
+// Calls visit(name) for each file of the folder (no folders) in the system's order until it gives
+// false.
+void walkFolder(const std::string& folder, const std::function<bool(const std::string& name)>& visit);
+bool fileExists(const std::string& path);
+// The path as this host's file functions take it.
+std::string nativePath(std::string_view path);
+
+}  // namespace oldtorvio::frame

@@ -1,0 +1,115 @@
+#if !defined(_WIN32)
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+#include "src/frame/platform.h"
+#include "src/frame/profile_text.h"
+
+namespace oldtorvio::frame {
+namespace {
+
+bool isFolder(const std::string& path) {
+  struct stat info {};
+  return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+std::FILE* unbuffered(std::FILE* file) {
+  // Both streams move large blocks of their own: a second buffer would only copy them once more.
+  if (file != nullptr) (void)std::setvbuf(file, nullptr, _IONBF, 0);
+  return file;
+}
+
+std::string contentOf(const std::string& path) {
+  constexpr std::size_t kLargestConfiguration = 1U << 20U;
+  std::string all;
+  File file = File::openToRead(path.c_str());
+  if (!file) return all;
+  char block[1024];
+  for (std::size_t n = 0; all.size() < kLargestConfiguration && (n = std::fread(block, 1, sizeof block, file.handle())) > 0;)
+    all.append(block, n);
+  return all;
+}
+
+}  // namespace
+
+File File::openToRead(const char* path) noexcept {
+  if (path == nullptr) return File(nullptr);
+  std::FILE* file = std::fopen(path, "rb");
+  // This system opens folders and only fails to read them.
+  struct stat info {};
+  if (file != nullptr && ::fstat(::fileno(file), &info) == 0 && S_ISDIR(info.st_mode)) {
+    (void)std::fclose(file);
+    file = nullptr;
+  }
+  return File(unbuffered(file));
+}
+
+File File::openToWrite(const char* path) noexcept {
+  return File(path == nullptr ? nullptr : unbuffered(std::fopen(path, "wb")));
+}
+
+bool File::close() noexcept {
+  std::FILE* file = handle_;
+  handle_ = nullptr;
+  return file == nullptr || std::fclose(file) == 0;
+}
+
+std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept {
+  struct stat info {};
+  if (::fstat(::fileno(file), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size < 0) return std::nullopt;
+  return static_cast<std::uint64_t>(info.st_size);
+}
+
+std::string profileText(std::string_view section, std::string_view key, std::size_t size) {
+  const auto environment = [](const char* name) {
+    const char* value = std::getenv(name);
+    return std::string(value == nullptr ? "" : value);
+  };
+  // Relative entries would be looked up in the working directory, which anybody may own.
+  const auto lookIn = [&](const std::string& folder) {
+    if (folder.empty() || folder.front() != '/') return std::string();
+    return profileValue(contentOf(folder + "/OldTorvIO/win.ini"), section, key, size);
+  };
+
+  std::string home = environment("XDG_CONFIG_HOME");
+  if (home.empty() && !environment("HOME").empty()) home = environment("HOME") + "/.config";
+  std::string value = lookIn(home);
+  if (!value.empty()) return value;
+
+  std::string folders = environment("XDG_CONFIG_DIRS");
+  if (folders.empty()) folders = "/etc/xdg";
+  for (std::size_t from = 0; from <= folders.size() && value.empty();) {
+    const std::size_t to = std::min(folders.find(':', from), folders.size());
+    value = lookIn(folders.substr(from, to - from));
+    from = to + 1;
+  }
+  return value;
+}
+
+std::string nativePath(std::string_view path) {
+  std::string native(path);
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return native;
+}
+
+void walkFolder(const std::string& folder, const std::function<bool(const std::string& name)>& visit) {
+  const std::string native = nativePath(folder);
+  const auto closeFolder = [](DIR* open) { (void)::closedir(open); };
+  const std::unique_ptr<DIR, decltype(closeFolder)> open(::opendir(native.c_str()), closeFolder);
+  if (!open) return;
+  while (const dirent* entry = ::readdir(open.get())) {
+    const std::string name(entry->d_name);
+    if (isFolder(native + "/" + name)) continue;
+    if (!visit(name)) return;
+  }
+}
+
+bool fileExists(const std::string& path) { return ::access(nativePath(path).c_str(), F_OK) == 0; }
+
+}  // namespace oldtorvio::frame
+#endif

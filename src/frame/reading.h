@@ -1,0 +1,297 @@
+// The verbs of everything that reads, told once. A walker derives from Reading<Self> and supplies
+//   fields(F)             moves fields, one by one as far as they are there
+//   fieldOf(names, i, m)  moves one field, which the names call by position i
+//   numbers(names, p, n)  moves n numbers, each kept if it is there whole
+//   sizedField(names, field, n)  the first n bytes of a fixed field, as one item
+//   text(string, n)       appends n bytes or nothing
+//   drop(n)               reserved bytes
+//   left()                bytes up to the end of the file
+// and may hide the hooks at the end to follow where it is.
+#pragma once
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "src/frame/describe.h"
+
+namespace oldtorvio::frame {
+
+template <class Self>
+class Reading : public Gates<Self> {
+ public:
+  using Gates<Self>::Gates;
+
+  static constexpr bool kReads = true;
+  Stop stop() const { return stop_; }
+
+  template <class X, class... D>
+  void absent(const X& x, const Otherwise<D...>& defaults) {
+    assign(x.members, defaults.values, std::index_sequence_for<D...>());
+  }
+
+  template <class X>
+  [[nodiscard]] bool leading(std::int64_t count, const X& x) {
+    if constexpr (std::is_array_v<std::remove_reference_t<std::tuple_element_t<0, decltype(x.members)>>>) {
+      auto& row = x.only();
+      return count < 1 || self().numbers(x.names, row, static_cast<std::size_t>(count));
+    } else {
+      std::size_t i = 0;
+      const auto one = [&](auto& m) { return static_cast<std::int64_t>(i) >= count || self().fieldOf(x.names, i++, m); };
+      return std::apply([&](auto&... m) { return (one(m) && ...); }, x.members);
+    }
+  }
+  template <class X>
+  [[nodiscard]] bool sized(const X& x, std::int32_t size) {
+    auto& field = x.only();
+    if (size < 1 || static_cast<std::size_t>(size) > sizeof field) return refuse(x, size);
+    return self().sizedField(x.names, field, static_cast<std::size_t>(size));
+  }
+  template <class X>
+  [[nodiscard]] bool lengthText(const X& x) {
+    std::int32_t length = 0;
+    self().enter(x.names);
+    bool ok = self().fields(F(length));
+    if (ok && length > 0) {
+      std::string text;
+      ok = self().text(text, static_cast<std::uint64_t>(length));
+      if (ok) {
+        text.resize(std::min(text.find('\0'), text.size()));
+        x.only() = std::move(text);
+      }
+    }
+    self().leave();
+    return ok;
+  }
+  [[nodiscard]] bool reserved(std::size_t size) { return self().drop(size); }
+
+  template <class X, class T>
+  [[nodiscard]] bool range(const X& x, T lowest, T highest) {
+    const auto& value = x.only();
+    return (lowest <= value && value <= highest) || refuse(x, value);
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool repair(R& record, const Fn& fn) {
+    fn(record);
+    return true;
+  }
+  template <class Fn>
+  [[nodiscard]] bool tail(const Fn& chain) {
+    return chain() || forgive();
+  }
+  template <class Fn, class Rest>
+  [[nodiscard]] bool tailThen(const Fn& chain, const Rest& rest) {
+    return chain() ? rest() : forgive();
+  }
+
+  template <class X, class... A>
+  [[nodiscard]] bool record(const X& x, const A&... more) {
+    self().enter(x.names);
+    const bool ok = describeOne(x.only(), more...);
+    self().leave();
+    return ok;
+  }
+
+  template <class V>
+  std::int32_t countOf(const V&) const {
+    return 0;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool countFirst(const X& x, const A&... more) {
+    std::int32_t count = 0;
+    return readCount(x, count) && counted(count, x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool counted(std::int32_t count, const X& x, const A&... more) {
+    if (count != 0) x.only().clear();
+    return appendRun(count, x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
+    std::int32_t count = 0;
+    return readCount(x, count) && clear(x) && appendRun(count, x, more...);
+  }
+  template <class X>
+  [[nodiscard]] bool clear(const X& x) {
+    x.only().clear();
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool append(const X& x, const A&... more) {
+    std::int32_t count = 0;
+    return readCount(x, count) && appendRun(count, x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool appendRun(std::int64_t count, const X& x, const A&... more) {
+    auto& list = x.only();
+    using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
+    makeRoom(list, count, Layout<Element>::kLeast);
+    for (std::int64_t i = 0; i < count; ++i) {
+      self().enter(x.names, i);
+      const bool ok = describeOne(list.emplace_back(), more...);
+      self().leave();
+      if (!ok) {
+        list.pop_back();
+        return false;
+      }
+    }
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool reusedElement(const X& x, const A&... more) {
+    auto& list = x.only();
+    using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
+    std::int32_t count = 0;
+    if (!readCount(x, count)) return false;
+    list.clear();
+    makeRoom(list, count, Layout<Element>::kLeast);
+    Element element;
+    for (std::int32_t i = 0; i < count; ++i) {
+      self().enter(x.names, i);
+      const bool ok = describeOne(element, more...);
+      self().leave();
+      if (!ok) return false;
+      list.push_back(element);
+    }
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool interleaved(const X& x, const A&... more) {
+    auto& [first, second] = x.members;
+    using One = typename std::remove_cvref_t<decltype(first)>::value_type;
+    using Other = typename std::remove_cvref_t<decltype(second)>::value_type;
+    std::int32_t count = 0;
+    if (!readCount(x, count)) return false;
+    if (count == 0) return true;
+    first.clear();
+    second.clear();
+    constexpr std::size_t kLeast = Layout<One>::kLeast + Layout<Other>::kLeast;
+    makeRoom(first, count, kLeast);
+    makeRoom(second, count, kLeast);
+    for (std::int32_t i = 0; i < count; ++i) {
+      self().enter(x.names, i, 0);
+      bool ok = describeOne(first.emplace_back());
+      self().leave();
+      if (!ok) {
+        first.pop_back();
+        return false;
+      }
+      self().enter(x.names, i, 1);
+      ok = describeOne(second.emplace_back(), more...);
+      self().leave();
+      if (!ok) {
+        second.pop_back();
+        return false;
+      }
+    }
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool columns(const X& x) {
+    auto& view = x.only();
+    using Row = typename std::remove_cvref_t<decltype(view)>::Row;
+    std::int32_t count = 0;
+    if (!readCount(x, count)) return false;
+    if (count < 1) return true;
+    view.clear();
+    view.reserve(roomFor(count, Layout<Row>::kLeast));
+    for (std::int32_t i = 0; i < count; ++i) {
+      Row row;
+      self().enter(x.names, i);
+      const bool ok = describeOne(row);
+      self().leave();
+      if (!ok) return false;
+      view.append(row);
+    }
+    return true;
+  }
+  template <class Fn>
+  [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
+    bool ok = true;
+    for (std::int64_t i = 0; ok && i < count; ++i) {
+      self().atRow(i);
+      ok = row(static_cast<std::size_t>(i));
+    }
+    return ok;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool single(const X& x, const A&... more) {
+    return appendRun(1, x, more...);
+  }
+  template <class X, class M>
+  [[nodiscard]] bool trailer(const X& x, M member) {
+    std::int64_t i = 0;
+    for (auto& element : x.only()) {
+      self().enter(x.names, i++);
+      const bool ok = trailerOf(element.*member);
+      self().leave();
+      if (!ok) return false;
+    }
+    return true;
+  }
+
+  // Hooks: where the walk is. `list` tells apart the lists of an F(...) that names several.
+  template <class Names>
+  void enter(const Names&, std::int64_t /*index*/ = -1, std::size_t /*list*/ = 0) {}
+  void leave() {}
+  void atRow(std::int64_t) {}
+  template <class X, class T>
+  void refused(const X&, const T&) {}
+  void forgiven() {}
+
+ protected:
+  using Gates<Self>::self;
+
+  bool fellShort() {
+    stop_ = Stop::shortRead;
+    return false;
+  }
+  bool forgive() {
+    if (stop_ != Stop::shortRead) return false;
+    stop_ = Stop::none;
+    self().forgiven();
+    return true;
+  }
+  template <class X, class T>
+  bool refuse(const X& x, const T& value) {
+    stop_ = Stop::refused;
+    self().refused(x, value);
+    return false;
+  }
+
+ private:
+  template <class R, class... A>
+  bool describeOne(R& record, const A&... more) {
+    return Layout<R>::describe(self(), record, more...);
+  }
+  template <class X>
+  bool readCount(const X& x, std::int32_t& count) {
+    self().enter(x.names);
+    const bool ok = self().fields(F(count));
+    self().leave();
+    return ok;
+  }
+  bool trailerOf(auto& trailerValue) { return self().fields(F(trailerValue)); }
+
+  // A count is what the file claims; what is left of the file bounds what it can hold.
+  std::size_t roomFor(std::int64_t count, std::size_t least) {
+    const std::uint64_t most = self().left() / least;
+    return static_cast<std::size_t>(std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0)), most));
+  }
+  template <class V>
+  void makeRoom(V& list, std::int64_t count, std::size_t least) {
+    list.reserve(list.size() + roomFor(count, least));
+  }
+
+  template <class M, class D, std::size_t... I>
+  static void assign(const M& members, const D& defaults, std::index_sequence<I...>) {
+    static_assert(std::tuple_size_v<M> == sizeof...(I), "one default for each field");
+    ((std::get<I>(members) = static_cast<std::remove_cvref_t<std::tuple_element_t<I, M>>>(std::get<I>(defaults))), ...);
+  }
+
+  Stop stop_ = Stop::none;
+};
+
+}  // namespace oldtorvio::frame

@@ -1,0 +1,108 @@
+#include "src/frame/stream.h"
+
+#include <algorithm>
+
+#include "src/frame/platform.h"
+
+namespace oldtorvio::frame {
+namespace {
+
+// Large enough that the system calls vanish, small enough to stay in the processor's cache.
+constexpr std::size_t kWindow = 64U << 10U;
+constexpr std::size_t kFirstBuffer = 4U << 10U;
+static_assert(kWindow > InStream::kLargestRun);
+
+}  // namespace
+
+InStream::InStream(std::span<const std::byte> memory)
+    : begin_(memory.data()), at_(begin_), end_(begin_ + memory.size()) {}
+
+InStream::InStream(std::FILE* file) : file_(file) {
+  const auto size = sizeOfFile(file);
+  sizeKnown_ = size.has_value();
+  behind_ = size.value_or(0);
+  capacity_ = sizeKnown_ ? static_cast<std::size_t>(std::min<std::uint64_t>(behind_, kWindow)) : kWindow;
+  window_ = std::make_unique_for_overwrite<std::byte[]>(capacity_);
+  begin_ = at_ = end_ = window_.get();
+  load();
+}
+
+// Fills the window behind end_ as far as it and the file go.
+void InStream::load() {
+  std::byte* const to = window_.get() + (end_ - begin_);
+  const std::size_t room = capacity_ - static_cast<std::size_t>(end_ - begin_);
+  const std::size_t wanted = sizeKnown_ ? static_cast<std::size_t>(std::min<std::uint64_t>(room, behind_)) : room;
+  const std::size_t got = wanted == 0 ? 0 : std::fread(to, 1, wanted, file_);
+  end_ += got;
+  if (!sizeKnown_) return;
+  // A file that got shorter, or that cannot be read on, ends here.
+  behind_ = got < wanted ? 0 : behind_ - got;
+}
+
+const std::byte* InStream::refill(std::size_t size) {
+  if (file_ == nullptr || (sizeKnown_ && left() < size)) return nullptr;
+  const std::size_t kept = static_cast<std::size_t>(end_ - at_);
+  base_ += static_cast<std::uint64_t>(at_ - begin_);
+  std::memmove(window_.get(), at_, kept);
+  at_ = begin_;
+  end_ = begin_ + kept;
+  load();
+  return static_cast<std::size_t>(end_ - at_) >= size ? at_ : nullptr;
+}
+
+bool InStream::append(std::string& text, std::uint64_t size) {
+  if (sizeKnown_ && size > left()) return false;
+  const std::size_t before = text.size();
+  while (size > 0) {
+    const std::size_t step = static_cast<std::size_t>(std::min<std::uint64_t>(size, kLargestRun));
+    const std::byte* from = run(step);
+    if (from == nullptr) {
+      text.resize(before);
+      return false;
+    }
+    text.append(reinterpret_cast<const char*>(from), step);
+    consume(step);
+    size -= step;
+  }
+  return true;
+}
+
+bool InStream::skip(std::uint64_t size) {
+  while (size > 0) {
+    const std::size_t step = static_cast<std::size_t>(std::min<std::uint64_t>(size, kLargestRun));
+    if (run(step) == nullptr) return false;
+    consume(step);
+    size -= step;
+  }
+  return true;
+}
+
+void InStream::toEnd() {
+  base_ += behind_;
+  behind_ = 0;
+  at_ = end_;
+}
+
+OutStream::OutStream(std::FILE* file) : file_(file) {}
+
+bool OutStream::flush() {
+  if (file_ != nullptr && !failed_ && used_ > 0) failed_ = std::fwrite(buffer_.get(), 1, used_, file_) != used_;
+  if (file_ != nullptr) used_ = 0;
+  return !failed_;
+}
+
+bool OutStream::makeRoom(std::size_t size) {
+  if (file_ != nullptr && capacity_ >= kWindow) {
+    if (!flush()) return false;
+    if (size <= capacity_) return true;
+  }
+  std::size_t larger = std::max(capacity_ * 2, kFirstBuffer);
+  while (larger - used_ < size) larger *= 2;
+  auto grown = std::make_unique_for_overwrite<std::byte[]>(larger);
+  if (used_ > 0) std::memcpy(grown.get(), buffer_.get(), used_);
+  buffer_ = std::move(grown);
+  capacity_ = larger;
+  return true;
+}
+
+}  // namespace oldtorvio::frame

@@ -1,0 +1,95 @@
+// Byte streams: a bounded window over a file (or a block of memory) to read from, and a buffer to
+// write to that reaches the file in large blocks.
+//
+// Invariants: a read that cannot be met in full leaves the stream at the end of the file and the
+// target untouched. Nothing is allocated for a size that the file merely claims.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace oldtorvio::frame {
+
+class InStream {
+ public:
+  explicit InStream(std::span<const std::byte> memory);
+  // Reads from the file's present position (assumed to be its start) to its end. The file stays the
+  // caller's and must outlive the stream.
+  explicit InStream(std::FILE* file);
+
+  InStream(const InStream&) = delete;
+  InStream& operator=(const InStream&) = delete;
+
+  // What is left up to the end: exact for memory and regular files, at least what the window holds
+  // for anything else.
+  std::uint64_t left() const { return static_cast<std::uint64_t>(end_ - at_) + behind_; }
+  std::uint64_t position() const { return base_ + static_cast<std::uint64_t>(at_ - begin_); }
+
+  // A pointer to `size` bytes in the window (size at most kLargestRun), or null when fewer are left;
+  // nothing is consumed.
+  const std::byte* run(std::size_t size) {
+    if (static_cast<std::size_t>(end_ - at_) >= size) [[likely]] return at_;
+    return refill(size);
+  }
+  void consume(std::size_t size) { at_ += size; }
+
+  // Appends exactly `size` bytes to `text`, or nothing.
+  bool append(std::string& text, std::uint64_t size);
+  bool skip(std::uint64_t size);
+  void toEnd();
+
+  static constexpr std::size_t kLargestRun = 4096;
+
+ private:
+  const std::byte* refill(std::size_t size);
+  void load();
+
+  const std::byte* begin_ = nullptr;
+  const std::byte* at_ = nullptr;
+  const std::byte* end_ = nullptr;
+  std::uint64_t base_ = 0;     // position of begin_ in the file
+  std::uint64_t behind_ = 0;   // bytes of the file behind the window
+  bool sizeKnown_ = true;
+  std::FILE* file_ = nullptr;
+  std::unique_ptr<std::byte[]> window_;
+  std::size_t capacity_ = 0;
+};
+
+class OutStream {
+ public:
+  OutStream() = default;                       // collects in memory: see bytes()
+  explicit OutStream(std::FILE* file);         // the file stays the caller's
+
+  OutStream(const OutStream&) = delete;
+  OutStream& operator=(const OutStream&) = delete;
+
+  // Room for `size` bytes at the end of what is stored, or null when the file takes no more. The
+  // caller fills all of it.
+  std::byte* room(std::size_t size) {
+    if (capacity_ - used_ < size) [[unlikely]]
+      if (!makeRoom(size)) return nullptr;
+    std::byte* at = buffer_.get() + used_;
+    used_ += size;
+    return at;
+  }
+  // Hands what is collected to the file. False once anything could not be written.
+  bool flush();
+
+  std::span<const std::byte> bytes() const { return {buffer_.get(), used_}; }
+
+ private:
+  bool makeRoom(std::size_t size);
+
+  std::unique_ptr<std::byte[]> buffer_;
+  std::size_t used_ = 0;
+  std::size_t capacity_ = 0;
+  std::FILE* file_ = nullptr;
+  bool failed_ = false;
+};
+
+}  // namespace oldtorvio::frame

@@ -1,0 +1,42 @@
+// The file versions that each kind of file accepts. The gaps are deliberate.
+#pragma once
+#include <array>
+#include <cstddef>
+#include <initializer_list>
+
+namespace oldtorvio::frame {
+
+class VersionSet {
+ public:
+  struct Run {
+    int first, last;
+    constexpr Run(int one) : first(one), last(one) {}  // NOLINT: a single version reads best as a number
+    constexpr Run(int from, int to) : first(from), last(to) {}
+  };
+
+  constexpr VersionSet(std::initializer_list<Run> runs) {
+    for (const Run& run : runs)
+      for (int v = run.first; v <= run.last; ++v) member_[static_cast<std::size_t>(v)] = true;
+  }
+  constexpr bool has(int version) const {
+    return version >= 0 && version <= kHighest && member_[static_cast<std::size_t>(version)];
+  }
+
+  static constexpr int kHighest = 180;
+
+ private:
+  std::array<bool, kHighest + 1> member_{};
+};
+
+inline constexpr VersionSet kPartVersions{2,   3,   5,   52,  54,  60,  61,  62,  71,  80,  90,  91,  92,         100, 101,
+                                          102, 110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+
+inline constexpr VersionSet kSpecialToolVersions{0,   1,   52,  54,  60,  90,  91,  92,  100,        101, 102, 110,
+                                                 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+
+// Files below this version have layouts of their own, or none that is still read.
+inline constexpr int kFirstMainVersion = 52;
+// Group part files start here and have no list and no upper version.
+inline constexpr int kFirstGroupPartVersion = 152;
+
+}  // namespace oldtorvio::frame

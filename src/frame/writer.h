@@ -1,0 +1,191 @@
+// The writer: walks a description over a record, which stays untouched, and stores it.
+#pragma once
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include "src/frame/describe.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio::frame {
+
+class Writer : public Gates<Writer> {
+ public:
+  Writer(OutStream& out, int version) : Gates(version), out_(out) {}
+
+  static constexpr bool kReads = false;
+
+  template <class Names, class... T>
+  [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
+    std::byte* to = out_.room((wire::ItemOf<T>::kWidth + ...));
+    if (to == nullptr) [[unlikely]] return false;
+    std::apply([&](auto&... m) { ((wire::ItemOf<T>::store(m, to), to += wire::ItemOf<T>::kWidth), ...); }, f.members);
+    return true;
+  }
+  template <class X, class... D>
+  void absent(const X&, const Otherwise<D...>&) {}
+
+  template <class X>
+  [[nodiscard]] bool leading(std::int64_t count, const X& x) {
+    if constexpr (std::is_array_v<std::remove_reference_t<std::tuple_element_t<0, decltype(x.members)>>>) {
+      return count < 1 || numbers(x.only(), static_cast<std::size_t>(count));
+    } else {
+      std::int64_t i = 0;
+      const auto one = [&](auto& m) { return i++ >= count || numbers(&m, 1); };
+      return std::apply([&](auto&... m) { return (one(m) && ...); }, x.members);
+    }
+  }
+  template <class X>
+  [[nodiscard]] bool sized(const X& x, std::int32_t size) {
+    const auto& field = x.only();
+    if (size < 1 || static_cast<std::size_t>(size) > sizeof field) return false;
+    std::byte* to = out_.room(static_cast<std::size_t>(size));
+    if (to == nullptr) return false;
+    std::memcpy(to, field, static_cast<std::size_t>(size));
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool lengthText(const X& x) {
+    const std::string& text = x.only();
+    std::int32_t length = 0;
+    if (!countFor(text, length) || !fields(F(length))) return false;
+    for (std::size_t i = 0; i < text.size();) {
+      const std::size_t step = std::min<std::size_t>(text.size() - i, InStream::kLargestRun);
+      std::byte* to = out_.room(step);
+      if (to == nullptr) return false;
+      std::memcpy(to, text.data() + i, step);
+      i += step;
+    }
+    return true;
+  }
+  [[nodiscard]] bool reserved(std::size_t size) {
+    std::byte* to = out_.room(size);
+    if (to == nullptr) return false;
+    std::memset(to, 0, size);
+    return true;
+  }
+
+  template <class X, class T>
+  [[nodiscard]] bool range(const X& x, T lowest, T highest) {
+    return lowest <= x.only() && x.only() <= highest;
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool repair(const R&, const Fn&) {
+    return true;
+  }
+  template <class Fn>
+  [[nodiscard]] bool tail(const Fn& chain) {
+    return chain();
+  }
+  template <class Fn, class Rest>
+  [[nodiscard]] bool tailThen(const Fn& chain, const Rest& rest) {
+    return chain() && rest();
+  }
+
+  template <class X, class... A>
+  [[nodiscard]] bool record(const X& x, const A&... more) {
+    return describeOne(x.only(), more...);
+  }
+
+  // A list too long for its count cannot be stored: -1 then makes every verb that takes it fail.
+  template <class V>
+  std::int32_t countOf(const V& list) const {
+    return list.size() > kMostElements ? -1 : static_cast<std::int32_t>(list.size());
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool countFirst(const X& x, const A&... more) {
+    return append(x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool counted(std::int32_t count, const X& x, const A&... more) {
+    return count >= 0 && appendRun(count, x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
+    return append(x, more...);
+  }
+  template <class X>
+  [[nodiscard]] bool clear(const X&) {
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool append(const X& x, const A&... more) {
+    std::int32_t count = 0;
+    return countFor(x.only(), count) && fields(F(count)) && appendRun(count, x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool appendRun(std::int64_t, const X& x, const A&... more) {
+    for (const auto& element : x.only())
+      if (!describeOne(element, more...)) return false;
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool reusedElement(const X& x, const A&... more) {
+    return append(x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool interleaved(const X& x, const A&... more) {
+    const auto& [first, second] = x.members;
+    std::int32_t count = 0;
+    if (first.size() != second.size() || !countFor(first, count) || !fields(F(count))) return false;
+    for (std::size_t i = 0; i < first.size(); ++i)
+      if (!describeOne(first[i]) || !describeOne(second[i], more...)) return false;
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool columns(const X& x) {
+    const auto& view = x.only();
+    std::int32_t count = 0;
+    if (!view.sameLengths() || !countFor(view, count) || !fields(F(count))) return false;
+    for (std::size_t i = 0; i < view.size(); ++i)
+      if (!describeOne(view.row(i))) return false;
+    return true;
+  }
+  template <class Fn>
+  [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
+    for (std::int64_t i = 0; i < count; ++i)
+      if (!row(static_cast<std::size_t>(i))) return false;
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool single(const X& x, const A&... more) {
+    return !x.only().empty() && describeOne(x.only().front(), more...);
+  }
+  template <class X, class M>
+  [[nodiscard]] bool trailer(const X& x, M member) {
+    for (const auto& element : x.only())
+      if (!fields(F(element.*member))) return false;
+    return true;
+  }
+
+ private:
+  static constexpr std::size_t kMostElements = std::numeric_limits<std::int32_t>::max();
+
+  template <class R, class... A>
+  bool describeOne(const R& record, const A&... more) {
+    return Layout<R>::describe(*this, record, more...);
+  }
+  template <class V>
+  bool countFor(const V& list, std::int32_t& count) const {
+    count = countOf(list);
+    return count >= 0;
+  }
+  template <class T>
+  bool numbers(const T* members, std::size_t count) {
+    std::byte* to = out_.room(count * sizeof(T));
+    if (to == nullptr) return false;
+    for (std::size_t i = 0; i < count; ++i) wire::Item<T>::store(members[i], to + i * sizeof(T));
+    return true;
+  }
+
+  OutStream& out_;
+};
+
+template <class R, class... A>
+bool writeRecord(OutStream& stream, int version, const R& record, const A&... more) {
+  Writer writer(stream, version);
+  return Layout<R>::describe(writer, record, more...);
+}
+
+}  // namespace oldtorvio::frame

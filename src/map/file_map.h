@@ -1,0 +1,37 @@
+// Whole files explained: what each byte is, and where a damaged file breaks.
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "src/frame/map.h"
+
+namespace oldtorvio::map {
+
+enum class FileKind : std::uint8_t { part, groupPart, specialTool };
+
+struct KindName {
+  FileKind kind;
+  std::string_view name;         // as the tool prints and takes it
+};
+std::span<const KindName> fileKinds();
+std::string_view nameOf(FileKind kind);
+
+// What a walk over a file found. The status is the one that the load of that kind gives.
+struct FileReport {
+  std::int64_t status = 0;
+  std::optional<int> version;    // none when the file has no two bytes
+  std::uint64_t walked = 0;      // bytes up to the end of the last field
+  std::uint64_t size = 0;        // bytes of the file
+  std::optional<frame::Fault> fault;
+
+  bool endsExactly() const { return status == 0 && walked == size; }
+};
+
+// Walks the file as one of that kind and tells every field to the sink, the version word first.
+FileReport mapFile(const char* path, FileKind kind, const frame::MapSink& sink);
+FileReport checkFile(const char* path, FileKind kind);
+
+}  // namespace oldtorvio::map

@@ -1,0 +1,86 @@
+#include "src/part/part_io.h"
+
+#include "src/frame/entry.h"
+#include "src/part/part_layout.h"
+
+namespace oldtorvio {
+
+using frame::Reader;
+using frame::readRecord;
+using frame::resultOf;
+using frame::Writer;
+using frame::writeRecord;
+
+int ReadPattern(InStream& stream, int version, bool embedded, Pattern& pattern) {
+  return resultOf(readRecord(stream, version, pattern, embedded));
+}
+bool WritePattern(OutStream& stream, int version, const Pattern& pattern) {
+  // The head is stored as the record holds it wherever the pattern stands.
+  return writeRecord(stream, version, pattern, true);
+}
+int ReadEmbeddedPatternList(InStream& stream, int version, bool embedded, PatternList& list) {
+  Reader io(stream, version);
+  return resultOf(io.append(F(list), embedded));
+}
+bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList& list) {
+  Writer io(stream, version);
+  return io.append(F(list), true);
+}
+
+int ReadPlacedShapeList(InStream& stream, int version, PlacedShapeList& list) {
+  return resultOf(readRecord(stream, version, list));
+}
+bool WritePlacedShapeList(OutStream& stream, int version, const PlacedShapeList& list) {
+  return writeRecord(stream, version, list);
+}
+bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups) {
+  Reader io(stream, version);
+  return io.append(F(groups));
+}
+bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups) {
+  Writer io(stream, version);
+  return io.append(F(groups));
+}
+bool ReadContourGroups(InStream& stream, int version, std::vector<ContourGroup>& groups) {
+  Reader io(stream, version);
+  return io.clear(F(groups)) && io.append(F(groups));
+}
+bool WriteContourGroups(OutStream& stream, int version, const std::vector<ContourGroup>& groups) {
+  Writer io(stream, version);
+  return io.append(F(groups));
+}
+bool ReadBindingSets(InStream& stream, int version, std::vector<BindingSet>& sets) {
+  Reader io(stream, version);
+  return io.countThenClear(F(sets));
+}
+bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingSet>& sets) {
+  Writer io(stream, version);
+  return io.countThenClear(F(sets));
+}
+
+int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly) {
+  const PartForm form{embedded ? PartForm::sheet : PartForm::file, 0, stopEarly};
+  return resultOf(readRecord(stream, version, part, form));
+}
+bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part) {
+  return writeRecord(stream, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file});
+}
+
+std::int64_t SavePart(const char* path, const TorvPart& part, int version) {
+  return frame::saveFile(
+      path, version, [](int v) { return frame::kPartVersions.has(v); },
+      [&](OutStream& stream) { return WritePartBody(stream, version, false, part); });
+}
+
+std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version, std::int32_t nameBlockSize) {
+  return frame::saveFile(
+      path, version, [](int v) { return v >= frame::kFirstGroupPartVersion; },
+      [&](OutStream& stream) {
+        if (list.parts.empty()) return false;
+        const frame::GroupPartFile<const std::vector<TorvPart>> file{
+            list.parts, static_cast<std::int32_t>(list.parts.size() - 1), nameBlockSize};
+        return writeRecord(stream, version, file);
+      });
+}
+
+}  // namespace oldtorvio

@@ -1,0 +1,40 @@
+// Readers and writers of the part family: patterns, part extensions, the part body, group files.
+//
+// Results as in src/records/record_io.h. `embedded` is true for a part inside a sheet.
+#pragma once
+#include "OldTorvIO/records.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio {
+
+using frame::InStream;
+using frame::OutStream;
+
+int ReadPattern(InStream& stream, int version, bool embedded, Pattern& pattern);
+bool WritePattern(OutStream& stream, int version, const Pattern& pattern);
+int ReadEmbeddedPatternList(InStream& stream, int version, bool embedded, PatternList& list);
+bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList& list);
+
+int ReadPlacedShapeList(InStream& stream, int version, PlacedShapeList& list);
+bool WritePlacedShapeList(OutStream& stream, int version, const PlacedShapeList& list);
+// These three give true for success, readers too.
+bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups);
+bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups);
+bool ReadContourGroups(InStream& stream, int version, std::vector<ContourGroup>& groups);
+bool WriteContourGroups(OutStream& stream, int version, const std::vector<ContourGroup>& groups);
+bool ReadBindingSets(InStream& stream, int version, std::vector<BindingSet>& sets);
+bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingSet>& sets);
+
+// The body behind the version word. stopEarly ends the reading with 0 behind the descriptions.
+int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly = false);
+bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part);
+
+// Saves any part as a part file: what SaveTorvPart does with the part builder.
+std::int64_t SavePart(const char* path, const TorvPart& part, int version);
+// Saves the parts as a group part file. The list must hold at least one part and nameBlockSize lie in
+// 1 to 256, or the result is -2; a version below 152 gives -1. For samples and tests: no export
+// writes group files.
+std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version,
+                           std::int32_t nameBlockSize = 256);
+
+}  // namespace oldtorvio

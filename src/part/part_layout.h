@@ -1,0 +1,259 @@
+// Stored form of a part: patterns, the part extensions, the body in all its places, group files.
+#pragma once
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "OldTorvIO/part_list.h"
+#include "src/frame/describe.h"
+#include "src/records/shape_layout.h"
+#include "src/records/small_layouts.h"
+#include "src/records/tool_layout.h"
+
+namespace oldtorvio {
+
+// Kinds in this band make a pattern a group.
+inline bool isGroupKind(std::int32_t kind, int version) {
+  return kind >= 32000 && kind <= (version < 110 ? 32004 : 32006);
+}
+
+// Where a part body stands, which decides what it holds beside the body proper.
+struct PartForm {
+  enum Place { file, group, sheet } place = file;
+  std::int32_t nameBlockSize = 0;  // of a group file's name blocks
+  bool stopEarly = false;          // end behind the descriptions
+
+  bool embedded() const { return place == sheet; }
+};
+
+// One entry of all five bind columns.
+struct ToolBinding {
+  std::uint32_t first[2] = {};
+  std::uint32_t second[2] = {};
+  std::uint32_t third = 0, fourth = 0, fifth = 0;
+};
+
+template <class P>  // Pattern or const Pattern
+class BindColumns {
+ public:
+  using Row = ToolBinding;
+  explicit BindColumns(P& pattern) : p_(pattern) {}
+
+  std::size_t size() const { return p_.bindFirst.size(); }
+  bool sameLengths() const {
+    return p_.bindSecond.size() == size() && p_.bindThird.size() == size() && p_.bindFourth.size() == size() &&
+           p_.bindFifth.size() == size();
+  }
+  ToolBinding row(std::size_t i) const {
+    return {{p_.bindFirst[i].first, p_.bindFirst[i].second},
+            {p_.bindSecond[i].first, p_.bindSecond[i].second},
+            p_.bindThird[i],
+            p_.bindFourth[i],
+            p_.bindFifth[i]};
+  }
+  void clear() {
+    each([](auto& column) { column.clear(); });
+  }
+  void reserve(std::size_t count) {
+    each([count](auto& column) { column.reserve(count); });
+  }
+  void append(const ToolBinding& row) {
+    p_.bindFirst.emplace_back(row.first[0], row.first[1]);
+    p_.bindSecond.emplace_back(row.second[0], row.second[1]);
+    p_.bindThird.push_back(row.third);
+    p_.bindFourth.push_back(row.fourth);
+    p_.bindFifth.push_back(row.fifth);
+  }
+
+ private:
+  template <class Fn>
+  void each(const Fn& fn) {
+    fn(p_.bindFirst);
+    fn(p_.bindSecond);
+    fn(p_.bindThird);
+    fn(p_.bindFourth);
+    fn(p_.bindFifth);
+  }
+
+  P& p_;
+};
+
+namespace frame {
+
+template <>
+struct Layout<ToolBinding> {
+  static constexpr std::size_t kLeast = 16;
+  static bool describe(auto& io, auto& b) {
+    return io.fields(F(b.first, b.second))
+        && io.since(156, F(b.third))
+        && io.since(160, F(b.fourth, b.fifth));
+  }
+};
+
+template <>
+struct Layout<Pattern> {
+  static constexpr std::size_t kLeast = 44;
+  static bool describe(auto& io, auto& p, bool embedded) {
+    BindColumns bindings(p);
+    return io.fields(F(p.headWord, p.gridCount1, p.gridCount2, p.gridStep1, p.gridStep2,
+                       block(p.originX, p.originY, p.rotationCos, p.rotationSin), p.patternWord, p.groupKind))
+        && io.repair(p, [&](auto& r) { if (!isGroupKind(r.groupKind, io.version())) r.groupKind = 0; })
+        && io.when(isGroupKind(p.groupKind, io.version()), [&] {
+             return io.fields(F(p.groupBlock, p.groupWords))
+                 && io.since(110, F(p.bindWord1, p.bindWord2, p.bindWord3, p.bindByte, p.bindWord4));
+           })
+        // A short read in the late group data ends the pattern: head and lists stay as they are.
+        && io.tailThen([&] {
+                         return io.when(isGroupKind(p.groupKind, io.version()), [&] {
+                           return io.since(110, [&] { return io.fields(F(p.bindShorts)) && io.columns(F(bindings)); })
+                               && io.since(151, F(p.lateWord1, p.lateWord2, p.lateWord3))
+                               && io.between(151, 155, [&] {
+                                    return io.repair(p, [](auto& r) {
+                                      std::fill(r.bindThird.begin(), r.bindThird.end(), r.lateWord3);
+                                    });
+                                  });
+                         });
+                       },
+                       [&] {
+                         return io.repair(p, [embedded](auto& r) { if (!embedded) resetHead(r); })
+                             && io.countFirst(F(p.items))
+                             && io.since(80, [&] { return io.countFirst(F(p.profiles)) && io.countFirst(F(p.stepTables)); });
+                       });
+  }
+
+ private:
+  // In a part file of its own a pattern stands once, where the part stands.
+  static void resetHead(Pattern& p) {
+    p.headWord = 0;
+    p.gridCount1 = p.gridCount2 = 1;
+    p.gridStep1 = p.gridStep2 = 0;
+  }
+};
+
+template <>
+struct Layout<PlacedShapeList> {
+  static constexpr std::size_t kLeast = 12;
+  static bool describe(auto& io, auto& l) {
+    return io.fields(F(l.placedBlock)) && io.reusedElement(F(l.shapes.shapes));
+  }
+};
+
+template <>
+struct Layout<ShapeGroup> {
+  static constexpr std::size_t kLeast = 16;
+  static bool describe(auto& io, auto& g) {
+    return io.fields(F(g.groupWord))
+        && io.since(152, F(g.groupByte), otherwise(0))
+        && io.record(F(g.shapes));
+  }
+};
+
+template <>
+struct Layout<ContourGroup> {
+  static constexpr std::size_t kLeast = 16;
+  static bool describe(auto& io, auto& g) {
+    return io.fields(F(g.contourWord1, g.contourWord2, g.contourWord3))
+        && io.countThenClear(F(g.shapes))
+        && io.since(155, F(g.contourByte));
+  }
+};
+
+template <>
+struct Layout<BindingEntry> {
+  static constexpr std::size_t kLeast = 57;
+  static bool describe(auto& io, auto& e) {
+    return io.fields(F(e.entryWord2, e.entryWord1)) && io.record(F(e.shape));
+  }
+};
+
+template <>
+struct Layout<BindingSet> {
+  static constexpr std::size_t kLeast = 12;
+  static bool describe(auto& io, auto& s) {
+    return io.fields(F(s.setWord)) && io.countThenClear(F(s.numbers)) && io.countThenClear(F(s.entries));
+  }
+};
+
+template <>
+struct Layout<TorvPart> {
+  static constexpr std::size_t kLeast = 384;
+  static bool describe(auto& io, auto& p, const PartForm& form) {
+    const bool embedded = form.embedded();
+    return io.when(form.place == PartForm::group, [&] { return io.sized(F(p.partName), form.nameBlockSize); })
+        && io.fields(F(p.width, p.height, p.productName, p.assemblyName, p.materialName, p.partKind, p.partWord1,
+                       p.thickness, p.partWord2))
+        && io.record(F(p.shapes))
+        && io.record(F(p.setupList))
+        && io.fields(F(p.noteText))
+        && io.since(80, F(p.headFlag), otherwise(0))
+        && io.since(80, [&] { return io.fields(F(p.hasOptions)) && io.reserved(499); })
+        && io.clear(F(p.patterns))
+        && io.when(!embedded, [&] {
+             return io.record(F(p.toolStations))
+                 && io.single(F(p.patterns), embedded)
+                 // The shapes are the master: the items follow them one for one.
+                 && io.repair(p, [](auto& r) { r.patterns.back().items.resize(r.shapes.shapes.size()); });
+           })
+        && io.when(embedded, [&] { return io.append(F(p.patterns), embedded); })
+        && io.fields(F(p.processSlotCount))
+        && io.range(F(p.processSlotCount), 0, 250)
+        && io.rows(p.processSlotCount, [&](std::size_t i) { return io.record(F(p.processSlots[i])); })
+        && io.countFirst(F(p.marks))
+        && io.countFirst(F(p.profiles))
+        && io.countFirst(F(p.stepTables))
+        && io.fields(F(p.tailWord1, p.tailWord2))
+        && io.since(62, F(p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC, p.lateIndex))
+        && io.below(62, [&] {
+             return io.repair(p, [](auto& r) {
+               r.descriptionA[0] = r.descriptionB[0] = r.revision[0] = r.materialType[0] = r.descriptionC[0] = '\0';
+               r.lateIndex = -1;
+             });
+           })
+        && io.when(!form.stopEarly, [&] { return describeLatePart(io, p, embedded); });
+  }
+
+ private:
+  static bool describeLatePart(auto& io, auto& p, bool embedded) {
+    return io.clear(F(p.workList))
+        && io.since(71, F(p.workKind), otherwise(2))
+        && io.since(71, [&] { return io.append(F(p.workList)); })
+        && io.since(80, [&] {
+             return describeShapeTrailer(io, p.shapes)
+                 && io.when(p.hasOptions != 0, F(p.optionWord, p.optionReal, p.optionCount, p.optionValue, p.optionText));
+           })
+        && io.since(102, [&] { return io.record(F(p.placedShapes)); })
+        && io.since(110, F(p.customTextA, p.customTextB, p.customWord1, p.customWord2, p.customText1, p.customText2,
+                           p.customText3, p.customWord3, p.customWord4))
+        && io.since(111, F(p.customTextD, p.customTextC))
+        && io.since(112, F(p.customTextE))
+        && io.since(140, F(p.lateBlock1, p.lateBlock2))
+        && io.since(151, [&] { return io.append(F(p.nestShapeGroups)); })
+        && io.since(152, F(p.lateWords))
+        && io.since(154, [&] { return io.clear(F(p.contourGroups)) && io.append(F(p.contourGroups)); })
+        && io.since(161, [&] { return io.countThenClear(F(p.bindingSets)); })
+        && io.since(162, [&] { return io.when(embedded, F(p.woNumber)); })
+        && io.since(180, F(p.finalTextA, p.finalTextB, p.finalTextC, p.finalTextD, p.finalWord1, p.finalWord2));
+  }
+};
+
+// A group part file behind its version word: one part and then extraPartCount more.
+template <class Parts>  // a vector of TorvPart, const in a writer
+struct GroupPartFile {
+  Parts& parts;
+  std::int32_t extraPartCount = 0;
+  std::int32_t nameBlockSize = 256;
+};
+
+template <class Parts>
+struct Layout<GroupPartFile<Parts>> {
+  static bool describe(auto& io, auto& g) {
+    constexpr std::int32_t kWidest = sizeof(TorvPart::partName);
+    return io.fields(F(g.extraPartCount, g.nameBlockSize))
+        && io.range(F(g.nameBlockSize), 1, kWidest)
+        && io.appendRun(std::int64_t{1} + std::max(g.extraPartCount, 0), F(g.parts),
+                        PartForm{PartForm::group, g.nameBlockSize});
+  }
+};
+
+}  // namespace frame
+}  // namespace oldtorvio

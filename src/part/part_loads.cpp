@@ -1,0 +1,55 @@
+// Part and group part files: the loads, and the lists that group files are loaded into.
+#include <new>
+
+#include "OldTorvIO.h"
+#include "OldTorvIO/part_list.h"
+#include "src/frame/entry.h"
+#include "src/frame/text.h"
+#include "src/part/part_layout.h"
+
+namespace oldtorvio {
+namespace {
+
+using namespace frame;
+
+// What every accepted part file sets before its body is read, whatever the record held.
+void prepareForLoad(TorvPart& part, std::string_view path) {
+  part.optionWord = 0;
+  part.optionCount = 1;
+  part.optionReal = 0.05;
+  part.optionValue = 0;
+  part.optionText[0] = '\0';
+  setText(part.partFullDosName, path.substr(0, sizeof part.partFullDosName - 1));
+}
+
+}  // namespace
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+using namespace oldtorvio::frame;
+
+extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
+  if (part == nullptr) return kNotOpened;
+  return loadFile(
+      path, [&](int version) { part->version = version; }, [](int version) { return kPartVersions.has(version); },
+      [&](InStream& stream, int version) -> std::int64_t {
+        prepareForLoad(*part, path);
+        if (version < kFirstMainVersion) return kDamaged;
+        return resultOf(readRecord(stream, version, *part, PartForm{}));
+      });
+}
+
+extern "C" int64_t LoadGroupPart(const char* path, SheetPartList* list) noexcept {
+  if (list == nullptr) return kNotOpened;
+  const auto keepNothing = [](int) {};
+  const auto acceptAll = [](int) { return true; };  // a version too low is damage here, never -1
+  return loadFile(path, keepNothing, acceptAll, [&](InStream& stream, int version) -> std::int64_t {
+    if (version < kFirstGroupPartVersion) return kDamaged;
+    GroupPartFile<std::vector<TorvPart>> file{list->parts};
+    return resultOf(readRecord(stream, version, file));
+  });
+}
+
+extern "C" SheetPartList* CreateOldPartlistInfo() noexcept { return new (std::nothrow) SheetPartList; }
+
+extern "C" void DeleteOldPartlistInfo(SheetPartList* list) noexcept { delete list; }

@@ -1,0 +1,125 @@
+// Flat questions about part and group part files: load, answer, forget.
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "OldTorvIO.h"
+#include "OldTorvIO/part_list.h"
+#include "src/frame/entry.h"
+#include "src/frame/text.h"
+#include "src/records/tool_layout.h"
+
+namespace oldtorvio {
+namespace {
+
+using namespace frame;
+
+// Loads the part and, if that gives 0, lets answer(part) tell the status. The record lives on the
+// heap: callers' stacks may be small.
+template <class Answer>
+std::int64_t askPart(const char* path, Answer&& answer) noexcept {
+  return guarded(kDamaged, [&]() -> std::int64_t {
+    const auto part = std::make_unique<TorvPart>();
+    const std::int64_t status = LoadOldPart(path, part.get());
+    return status == kDone ? answer(*part) : status;
+  });
+}
+
+// Calls visit(tool) for the tool of each station, in order.
+template <class Visit>
+void eachTool(const ToolStationList& list, Visit&& visit) {
+  const std::size_t count = std::min(list.stations.size(), list.tools.size());
+  for (std::size_t i = 0; i < count; ++i) visit(list.tools[i]);
+}
+
+void appendToolItem(std::string& to, const OldTool& tool) {
+  if (tool.shapeCode == 0) return;
+  appendInteger(to, tool.shapeCode);
+  to += ' ';
+  if (tool.shapeCode == kSpecialTool) {
+    to += baseName(textOf(tool.specialToolPath));
+    to += ' ';
+  } else {
+    for (const float dimension : {tool.dimension1, tool.dimension2, tool.dimension3}) {
+      appendFixed3(to, static_cast<double>(dimension));
+      to += ' ';
+    }
+  }
+  appendFixed3(to, static_cast<double>(tool.orientation));
+  to += ',';
+}
+
+double angleOf(const TorvPart& part) {
+  if (part.patterns.empty()) return 0;
+  const Pattern& first = part.patterns.front();
+  return std::atan2(static_cast<double>(first.rotationSin), static_cast<double>(first.rotationCos));
+}
+
+}  // namespace
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+using namespace oldtorvio::frame;
+
+extern "C" int64_t GetOldPartInfo(const char* path, char* materialType, float* width, float* height,
+                                  float* thickness) noexcept {
+  return askPart(path, [&](const TorvPart& part) {
+    giveText(materialType, textOf(part.materialType));
+    *width = part.width;
+    *height = part.height;
+    *thickness = part.thickness;
+    return kDone;
+  });
+}
+
+extern "C" int64_t GetOldPartInfo_v1(const char* path, const char* key, char* value) noexcept {
+  if (path == nullptr || key == nullptr || value == nullptr) return kDamaged;
+  return askPart(path, [&](const TorvPart& part) {
+    if (equalNoCase(key, "angle"))
+      giveText(value, general(angleOf(part)));
+    else if (equalNoCase(key, "Revision"))
+      giveText(value, textOf(part.revision));
+    else if (equalNoCase(key, "MatType"))
+      giveText(value, textOf(part.materialType));
+    else if (equalNoCase(key, "Thickness"))
+      giveText(value, general(static_cast<double>(part.thickness)));
+    else
+      return kDamaged;
+    return kDone;
+  });
+}
+
+extern "C" int64_t GetOldPartTool(const char* path, char* text, int32_t size, uint32_t* length) noexcept {
+  return askPart(path, [&](const TorvPart& part) {
+    std::string items;
+    eachTool(part.toolStations, [&](const OldTool& tool) { appendToolItem(items, tool); });
+    giveBoundedText(items, text, size, *length);
+    return kDone;
+  });
+}
+
+extern "C" int64_t GetOldSptFromPart(const char* path, char* text) noexcept {
+  return askPart(path, [&](const TorvPart& part) {
+    std::string paths;
+    eachTool(part.toolStations, [&](const OldTool& tool) {
+      if (tool.shapeCode == kSpecialTool) paths.append(",").append(textOf(tool.specialToolPath)).append(",");
+    });
+    if (!paths.empty()) giveText(text + std::string_view(text).size(), paths);
+    return kDone;
+  });
+}
+
+extern "C" int64_t GetOldSptFromGroupPart(const char* path, char* text, int32_t size, uint32_t* length) noexcept {
+  return guarded(kDamaged, [&]() -> std::int64_t {
+    SheetPartList list;
+    const std::int64_t status = LoadGroupPart(path, &list);
+    if (status != kDone) return status;
+    std::string paths;
+    for (const TorvPart& part : list.parts)
+      eachTool(part.toolStations, [&](const OldTool& tool) {
+        if (tool.shapeCode == kSpecialTool) paths.append(textOf(tool.specialToolPath)).append(",");
+      });
+    giveBoundedText(paths, text, size, *length);
+    return kDone;
+  });
+}

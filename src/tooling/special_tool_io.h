@@ -1,0 +1,24 @@
+// Special tool files and the folder that holds them.
+#pragma once
+#include <string>
+
+#include "OldTorvIO/records.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio {
+
+using frame::InStream;
+using frame::OutStream;
+
+// The file behind its version word; results as in src/records/record_io.h.
+int ReadSpecialTool(InStream& stream, int version, OldSpecialTool& tool);
+bool WriteSpecialTool(OutStream& stream, int version, const OldSpecialTool& tool);
+
+// For samples and tests: no export writes special tool files. A version that the loader would refuse
+// gives -1.
+std::int64_t SaveSpecialTool(const char* path, const OldSpecialTool& tool, int version);
+
+// The configured folder as it stands, with or without a final "\".
+std::string GetSpecialToolFolder();
+
+}  // namespace oldtorvio

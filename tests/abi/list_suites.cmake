@@ -1,0 +1,12 @@
+# Writes one add_test a test suite of a GoogleTest program.
+execute_process(COMMAND ${BINARY} --gtest_list_tests OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" lines "${listing}")
+set(script "")
+foreach(line ${lines})
+  if(line MATCHES "^([A-Za-z0-9_/]+)\\.")
+    set(suite ${CMAKE_MATCH_1})
+    string(APPEND script "add_test([==[${suite}]==] [==[${BINARY}]==] [==[--gtest_filter=${suite}.*]==])\n")
+    string(APPEND script "set_tests_properties([==[${suite}]==] PROPERTIES SKIP_REGULAR_EXPRESSION [==[\\[  SKIPPED \\].*\\[  PASSED  \\] 0 tests]==])\n")
+  endif()
+endforeach()
+file(WRITE ${OUTPUT} "${script}")

@@ -1,0 +1,74 @@
+// Files and folders of one test's own, removed with it, and a "win.ini" to find special tools by.
+#pragma once
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+
+#include "tests/support/bytes.h"
+
+namespace testing_support {
+
+class TempFolder {
+ public:
+  TempFolder() {
+    static int counter = 0;
+    const auto base = std::filesystem::temp_directory_path();
+    do {
+      folder_ = base / ("oldtorvio_test_" + std::to_string(std::rand()) + "_" + std::to_string(++counter));
+    } while (!std::filesystem::create_directory(folder_));
+  }
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  std::string path(const std::string& name = "") const {
+    return name.empty() ? folder_.string() : (folder_ / name).string();
+  }
+  // Writes a file and gives its path.
+  std::string write(const std::string& name, const Bytes& bytes) const {
+    std::ofstream to(path(name), std::ios::binary);
+    to.write(reinterpret_cast<const char*>(bytes.span().data()), static_cast<std::streamsize>(bytes.size()));
+    return path(name);
+  }
+  static Bytes read(const std::string& path) {
+    std::ifstream from(path, std::ios::binary);
+    const std::string all((std::istreambuf_iterator<char>(from)), std::istreambuf_iterator<char>());
+    return Bytes::of(std::as_bytes(std::span(all.data(), all.size())));
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+// While it lives, special tools are looked for by the given text of "win.ini" and no other.
+class WinIni {
+ public:
+  explicit WinIni(const std::string& content) {
+    std::filesystem::create_directory(folder_.path("OldTorvIO"));
+    std::ofstream(folder_.path("OldTorvIO") + "/win.ini", std::ios::binary) << content;
+    setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
+    setenv("XDG_CONFIG_DIRS", folder_.path("nothing").c_str(), 1);
+  }
+  ~WinIni() {
+    unsetenv("XDG_CONFIG_HOME");
+    unsetenv("XDG_CONFIG_DIRS");
+  }
+  WinIni(const WinIni&) = delete;
+  WinIni& operator=(const WinIni&) = delete;
+
+  // A configuration whose folder of special tools is `folder`.
+  static std::string folderSetting(const std::string& folder) {
+    return "[Kestrada64bit]\nZRK_DEFAULT_SPECIAL_TOOL_PATH=" + folder + "\n";
+  }
+
+ private:
+  TempFolder folder_;
+};
+
+}  // namespace testing_support
