@@ -23,8 +23,8 @@ class FreadReader : public frame::Reading<FreadReader> {
   [[nodiscard]] bool fieldOf(const Names&, std::size_t, M& member) {
     return one(member);
   }
-  template <class Names, class T>
-  [[nodiscard]] bool numbers(const Names&, T* members, std::size_t count) {
+  template <class Names, std::size_t N, class T>
+  [[nodiscard]] bool numbers(const Names&, T (&members)[N], std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
       if (!one(members[i])) return false;
     return true;

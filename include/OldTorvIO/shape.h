@@ -25,7 +25,6 @@ struct Shape {
   std::uint32_t trailerValue = 0;    // stored by the owner of the list, apart from the shape
   std::int32_t valueCount = 9;       // how many of values are stored, 0 to 9
   std::int32_t extraCount = 2;       // how many of extraValues are stored, 0 to 2
-  char text[256] = {};               // raw bytes, not necessarily NUL-terminated
   std::uint32_t rangeValue = 0;      // versions 112 to 120 only
   std::uint8_t lateByte1 = 0, lateByte2 = 0, lateByte3 = 0;  // since 151
   std::uint32_t lateWord1 = 0;       // since 151
@@ -33,6 +32,7 @@ struct Shape {
   std::uint32_t lateWord2 = 0;       // since 158
   std::string note;                  // since 160
   std::uint32_t tailPair[2] = {};    // since 161
+  char text[256] = {};               // raw bytes, kept last for its size; not necessarily NUL-terminated
 };
 
 struct ShapeList {

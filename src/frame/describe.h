@@ -90,6 +90,11 @@ constexpr Otherwise<T...> otherwise(T... values) {
 template <class Record>
 struct Layout;  // a specialisation describes the record, see above
 
+// Small elements that files hold by the thousand say so with `static constexpr bool kSprints = true`:
+// reader and writer then take a quicker way through them.
+template <class R>
+concept Sprints = Layout<R>::kSprints;
+
 template <Number T>
 struct Layout<T> {
   static constexpr std::size_t kLeast = sizeof(T);

@@ -55,8 +55,8 @@ class Mapper : public Reading<Mapper> {
   [[nodiscard]] bool fieldOf(const Names& names, std::size_t i, M& member) {
     return item(fieldNames(names())[i], member);
   }
-  template <class Names, class T>
-  [[nodiscard]] bool numbers(const Names& names, T* members, std::size_t count) {
+  template <class Names, std::size_t N, class T>
+  [[nodiscard]] bool numbers(const Names& names, T (&members)[N], std::size_t count) {
     return numberRow(fieldNames(names()).front(), members, count);
   }
   template <class Names, std::size_t N>

@@ -5,6 +5,48 @@
 
 namespace oldtorvio::frame {
 
+// The quick way through one small element: its place in the file is a local, which stays in a
+// register, where a place in the stream would go through memory after every run of fields. It knows
+// success only. Anything else (the window ends, a value is refused) is left to the reader, which
+// starts the element again.
+class Sprinter : public Reading<Sprinter> {
+ public:
+  Sprinter(const std::byte* at, const std::byte* end, int version) : Reading(version), at_(at), end_(end) {}
+  const std::byte* at() const { return at_; }
+
+  template <class Names, class... T>
+  [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
+    constexpr std::size_t kTotal = (wire::ItemOf<T>::kWidth + ...);
+    if (static_cast<std::size_t>(end_ - at_) < kTotal) [[unlikely]] return missed();
+    std::apply([&](auto&... m) { ((wire::ItemOf<T>::load(m, at_), at_ += wire::ItemOf<T>::kWidth), ...); }, f.members);
+    return true;
+  }
+  template <class Names, std::size_t N, class T>
+  [[nodiscard]] bool numbers(const Names&, T (&members)[N], std::size_t count) {
+    if (static_cast<std::size_t>(end_ - at_) < sizeof members) [[unlikely]] return missed();
+    if (count == N) {
+      wire::Item<T[N]>::load(members, at_);
+    } else {
+      for (std::size_t i = 0; i < count; ++i) wire::Item<T>::load(members[i], at_ + i * sizeof(T));
+    }
+    at_ += count * sizeof(T);
+    return true;
+  }
+  bool text(std::string& to, std::uint64_t size) {
+    if (static_cast<std::uint64_t>(end_ - at_) < size) [[unlikely]] return missed();
+    to.assign(reinterpret_cast<const char*>(at_), static_cast<std::size_t>(size));
+    at_ += size;
+    return true;
+  }
+
+ private:
+  // Not as a short read: a tail must not forgive what the window, not the file, is short of.
+  bool missed() { return refuseSilently(); }
+
+  const std::byte* at_;
+  const std::byte* end_;
+};
+
 class Reader : public Reading<Reader> {
  public:
   Reader(InStream& in, int version) : Reading(version), in_(in) {}
@@ -29,16 +71,10 @@ class Reader : public Reading<Reader> {
   [[nodiscard]] bool fieldOf(const Names&, std::size_t, M& member) {
     return one(member);
   }
-  template <class Names, class T>
-  [[nodiscard]] bool numbers(const Names&, T* members, std::size_t count) {
-    const std::byte* from = in_.run(count * sizeof(T));
-    if (from == nullptr) [[unlikely]] {
-      for (std::size_t i = 0; i < count; ++i)
-        if (!one(members[i])) return false;
-      return true;
-    }
-    for (std::size_t i = 0; i < count; ++i) wire::Item<T>::load(members[i], from + i * sizeof(T));
-    in_.consume(count * sizeof(T));
+  template <class Names, std::size_t N, class T>
+  [[nodiscard]] bool numbers(const Names&, T (&members)[N], std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+      if (!one(members[i])) return false;
     return true;
   }
 
@@ -54,7 +90,24 @@ class Reader : public Reading<Reader> {
   bool drop(std::size_t size) { return in_.skip(size) || endsHere(); }
   std::uint64_t left() const { return in_.left(); }
 
+  template <class R, class... A>
+  bool freshElement(R& element, const A&... more) {
+    if constexpr (Sprints<R>) {
+      if (sprint(element, more...)) return true;
+      element = R();
+    }
+    return describeOne(element, more...);
+  }
+
  private:
+  template <class R, class... A>
+  [[gnu::flatten]] bool sprint(R& element, const A&... more) {
+    const auto window = in_.window();
+    Sprinter quick(window.data(), window.data() + window.size(), version());
+    if (!Layout<R>::describe(quick, element, more...)) return false;
+    in_.consume(static_cast<std::size_t>(quick.at() - window.data()));
+    return true;
+  }
   template <class M>
   [[gnu::noinline, gnu::cold]] bool one(M& member) {
     using Item = wire::ItemOf<M>;

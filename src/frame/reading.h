@@ -1,7 +1,7 @@
 // The verbs of everything that reads, told once. A walker derives from Reading<Self> and supplies
 //   fields(F)             moves fields, one by one as far as they are there
 //   fieldOf(names, i, m)  moves one field, which the names call by position i
-//   numbers(names, p, n)  moves n numbers, each kept if it is there whole
+//   numbers(names, row, n)  moves the first n numbers of an array, each kept if it is there whole
 //   sizedField(names, field, n)  the first n bytes of a fixed field, as one item
 //   text(string, n)       appends n bytes or nothing
 //   drop(n)               reserved bytes
@@ -24,7 +24,6 @@ class Reading : public Gates<Self> {
  public:
   using Gates<Self>::Gates;
 
-  static constexpr bool kReads = true;
   Stop stop() const { return stop_; }
 
   template <class X, class... D>
@@ -130,7 +129,7 @@ class Reading : public Gates<Self> {
     makeRoom(list, count, Layout<Element>::kLeast);
     for (std::int64_t i = 0; i < count; ++i) {
       self().enter(x.names, i);
-      const bool ok = describeOne(list.emplace_back(), more...);
+      const bool ok = self().freshElement(list.emplace_back(), more...);
       self().leave();
       if (!ok) {
         list.pop_back();
@@ -200,7 +199,7 @@ class Reading : public Gates<Self> {
     for (std::int32_t i = 0; i < count; ++i) {
       Row row;
       self().enter(x.names, i);
-      const bool ok = describeOne(row);
+      const bool ok = self().freshElement(row);
       self().leave();
       if (!ok) return false;
       view.append(row);
@@ -237,6 +236,11 @@ class Reading : public Gates<Self> {
   void enter(const Names&, std::int64_t /*index*/ = -1, std::size_t /*list*/ = 0) {}
   void leave() {}
   void atRow(std::int64_t) {}
+  // Reads one element of a list, which is at its defaults; a walker may know a quicker way.
+  template <class R, class... A>
+  bool freshElement(R& element, const A&... more) {
+    return describeOne(element, more...);
+  }
   template <class X, class T>
   void refused(const X&, const T&) {}
   void forgiven() {}
@@ -244,8 +248,17 @@ class Reading : public Gates<Self> {
  protected:
   using Gates<Self>::self;
 
+  template <class R, class... A>
+  bool describeOne(R& record, const A&... more) {
+    return Layout<R>::describe(self(), record, more...);
+  }
+
   bool fellShort() {
     stop_ = Stop::shortRead;
+    return false;
+  }
+  bool refuseSilently() {
+    stop_ = Stop::refused;
     return false;
   }
   bool forgive() {
@@ -262,10 +275,6 @@ class Reading : public Gates<Self> {
   }
 
  private:
-  template <class R, class... A>
-  bool describeOne(R& record, const A&... more) {
-    return Layout<R>::describe(self(), record, more...);
-  }
   template <class X>
   bool readCount(const X& x, std::int32_t& count) {
     self().enter(x.names);

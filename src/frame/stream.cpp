@@ -10,6 +10,7 @@ namespace {
 // Large enough that the system calls vanish, small enough to stay in the processor's cache.
 constexpr std::size_t kWindow = 64U << 10U;
 constexpr std::size_t kFirstBuffer = 4U << 10U;
+constexpr std::size_t kLargestBuffer = 256U << 10U;
 static_assert(kWindow > InStream::kLargestRun);
 
 }  // namespace
@@ -92,7 +93,7 @@ bool OutStream::flush() {
 }
 
 bool OutStream::makeRoom(std::size_t size) {
-  if (file_ != nullptr && capacity_ >= kWindow) {
+  if (file_ != nullptr && capacity_ >= kLargestBuffer) {
     if (!flush()) return false;
     if (size <= capacity_) return true;
   }

@@ -37,6 +37,8 @@ class InStream {
     return refill(size);
   }
   void consume(std::size_t size) { at_ += size; }
+  // What can be had without moving the window.
+  std::span<const std::byte> window() const { return {at_, end_}; }
 
   // Appends exactly `size` bytes to `text`, or nothing.
   bool append(std::string& text, std::uint64_t size);
@@ -77,6 +79,9 @@ class OutStream {
     used_ += size;
     return at;
   }
+  // Room that is there already, and taking from it.
+  std::span<std::byte> free() { return {buffer_.get() + used_, capacity_ - used_}; }
+  void take(std::size_t size) { used_ += size; }
   // Hands what is collected to the file. False once anything could not be written.
   bool flush();
 

@@ -10,11 +10,30 @@
 
 namespace oldtorvio::frame {
 
-class Writer : public Gates<Writer> {
+// Room that is there already. Its place is a local of the walker, which stays in a register, where a
+// place in the stream would go through memory after every run of fields.
+class LocalRoom {
  public:
-  Writer(OutStream& out, int version) : Gates(version), out_(out) {}
+  explicit LocalRoom(std::span<std::byte> all) : at_(all.data()), end_(all.data() + all.size()) {}
+  std::byte* at() const { return at_; }
+  std::byte* room(std::size_t size) {
+    if (static_cast<std::size_t>(end_ - at_) < size) [[unlikely]] return nullptr;
+    std::byte* const from = at_;
+    at_ += size;
+    return from;
+  }
 
-  static constexpr bool kReads = false;
+ private:
+  std::byte* at_;
+  std::byte* end_;
+};
+
+template <class Room>  // OutStream&, or LocalRoom for one small element
+class WriterInto : public Gates<WriterInto<Room>> {
+ public:
+  WriterInto(Room out, int version) : Gates<WriterInto>(version), out_(out) {}
+
+  const std::remove_reference_t<Room>& out() const { return out_; }
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
@@ -29,7 +48,7 @@ class Writer : public Gates<Writer> {
   template <class X>
   [[nodiscard]] bool leading(std::int64_t count, const X& x) {
     if constexpr (std::is_array_v<std::remove_reference_t<std::tuple_element_t<0, decltype(x.members)>>>) {
-      return count < 1 || numbers(x.only(), static_cast<std::size_t>(count));
+      return count < 1 || row(x.only(), static_cast<std::size_t>(count));
     } else {
       std::int64_t i = 0;
       const auto one = [&](auto& m) { return i++ >= count || numbers(&m, 1); };
@@ -117,7 +136,7 @@ class Writer : public Gates<Writer> {
   template <class X, class... A>
   [[nodiscard]] bool appendRun(std::int64_t, const X& x, const A&... more) {
     for (const auto& element : x.only())
-      if (!describeOne(element, more...)) return false;
+      if (!writeElement(element, more...)) return false;
     return true;
   }
   template <class X, class... A>
@@ -139,7 +158,7 @@ class Writer : public Gates<Writer> {
     std::int32_t count = 0;
     if (!view.sameLengths() || !countFor(view, count) || !fields(F(count))) return false;
     for (std::size_t i = 0; i < view.size(); ++i)
-      if (!describeOne(view.row(i))) return false;
+      if (!writeElement(view.row(i))) return false;
     return true;
   }
   template <class Fn>
@@ -154,8 +173,15 @@ class Writer : public Gates<Writer> {
   }
   template <class X, class M>
   [[nodiscard]] bool trailer(const X& x, M member) {
-    for (const auto& element : x.only())
-      if (!fields(F(element.*member))) return false;
+    const auto& list = x.only();
+    std::byte* to = nullptr;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      using Number = std::remove_cvref_t<decltype(list[i].*member)>;
+      constexpr std::size_t kAtOnce = InStream::kLargestRun / sizeof(Number);
+      if (i % kAtOnce == 0) to = out_.room(std::min(list.size() - i, kAtOnce) * sizeof(Number));
+      if (to == nullptr) return false;
+      wire::Item<Number>::store(list[i].*member, to + i % kAtOnce * sizeof(Number));
+    }
     return true;
   }
 
@@ -166,10 +192,33 @@ class Writer : public Gates<Writer> {
   bool describeOne(const R& record, const A&... more) {
     return Layout<R>::describe(*this, record, more...);
   }
+  // An element that is not sure to fit the room at hand starts again on the careful way.
+  template <class R, class... A>
+  bool writeElement(const R& element, const A&... more) {
+    if constexpr (Sprints<R> && std::is_reference_v<Room>)
+      if (sprint(element, more...)) return true;
+    return describeOne(element, more...);
+  }
+  template <class R, class... A>
+  [[gnu::flatten]] bool sprint(const R& element, const A&... more) {
+    const std::span<std::byte> free = out_.free();
+    WriterInto<LocalRoom> quick(LocalRoom(free), this->version());
+    if (!Layout<R>::describe(quick, element, more...)) return false;
+    out_.take(static_cast<std::size_t>(quick.out().at() - free.data()));
+    return true;
+  }
   template <class V>
   bool countFor(const V& list, std::int32_t& count) const {
     count = countOf(list);
     return count >= 0;
+  }
+  template <class T, std::size_t N>
+  bool row(const T (&members)[N], std::size_t count) {
+    if (count != N) return numbers(members, count);
+    std::byte* to = out_.room(sizeof members);
+    if (to == nullptr) return false;
+    wire::Item<T[N]>::store(members, to);
+    return true;
   }
   template <class T>
   bool numbers(const T* members, std::size_t count) {
@@ -179,8 +228,10 @@ class Writer : public Gates<Writer> {
     return true;
   }
 
-  OutStream& out_;
+  Room out_;
 };
+
+using Writer = WriterInto<OutStream&>;
 
 template <class R, class... A>
 bool writeRecord(OutStream& stream, int version, const R& record, const A&... more) {

@@ -83,6 +83,7 @@ namespace frame {
 template <>
 struct Layout<ToolBinding> {
   static constexpr std::size_t kLeast = 16;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& b) {
     return io.fields(F(b.first, b.second))
         && io.since(156, F(b.third))

@@ -8,6 +8,7 @@ namespace oldtorvio::frame {
 template <>
 struct Layout<Shape> {
   static constexpr std::size_t kLeast = 49;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& s) {
     return io.fields(F(s.type, s.auxWord, s.flags, block(s.x, s.y), s.valueCount))
         && io.range(F(s.valueCount), 0, 9)

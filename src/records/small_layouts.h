@@ -111,6 +111,7 @@ struct Layout<ProfileRecord> {
 template <>
 struct Layout<PatternItem> {
   static constexpr std::size_t kLeast = 8;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& i) {
     return io.fields(F(i.itemWord1, i.toolNumber))
         && io.since(62, F(i.itemWord2, block(i.itemPair1[0], i.itemPair1[1]), block(i.itemPair2[0], i.itemPair2[1]),
