@@ -1,0 +1,285 @@
+// Special tool files, the current special tool, and the folder of special tools.
+#include <gtest/gtest.h>
+
+#include "OldTorvIO.h"
+#include "src/tooling/special_tool_io.h"
+#include "tests/support/files.h"
+#include "tests/support/part_files.h"
+
+namespace {
+
+using namespace testing_support;
+
+const std::vector<int> kAccepted{52,  54,  60,  90,  91,  92,  100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141,
+                                 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+
+struct Answers {
+  std::uint32_t shapeCount = 99;
+  float orientation = -1, specialValue = -1, dimension[3] = {-1, -1, -1}, first[6], second[6], extra[2] = {-1, -1};
+  std::int32_t firstCount = -1, secondCount = -1;
+  std::uint8_t lateFlag = 77;
+  std::int32_t status = -99;
+
+  explicit Answers(const std::string& path) {
+    for (int i = 0; i < 6; ++i) first[i] = second[i] = -1;
+    status = OpenSpecialToolFile(path.c_str(), &shapeCount, &orientation, &specialValue, &dimension[0], &dimension[1],
+                                 &dimension[2], &firstCount, &first[0], &first[1], &first[2], &first[3], &first[4],
+                                 &first[5], &secondCount, &second[0], &second[1], &second[2], &second[3], &second[4],
+                                 &second[5], &extra[0], &extra[1], &lateFlag);
+  }
+  bool untouched() const {
+    return orientation == -1 && specialValue == -1 && dimension[0] == -1 && firstCount == -1 && first[5] == -1 &&
+           secondCount == -1 && second[0] == -1 && extra[1] == -1 && lateFlag == 77;
+  }
+};
+
+TEST(SpecialToolFile, LoadsAtEveryAcceptedVersionByteForByte) {
+  const TempFolder folder;
+  for (const int version : kAccepted)
+    for (const std::int32_t code : {1, 108}) {
+      SCOPED_TRACE(version);
+      Maker maker;
+      OldSpecialTool made;
+      storedSpecialTool(maker, version, code, made);
+      const std::string path = folder.write("a.spt", Bytes().i16(version).add(maker.bytes));
+      OldSpecialTool tool;
+      ASSERT_EQ(LoadOldSpecialTool(path.c_str(), &tool), 0);
+      Checker checker;
+      storedSpecialTool(checker, version, code, tool);
+      EXPECT_EQ(tool.tool.fileVersion, version);
+      EXPECT_EQ(written([&](auto& s) { return WriteSpecialTool(s, version, made); }), maker.bytes);
+      for (std::size_t cut = 0; cut < maker.bytes.size(); ++cut) {
+        OldSpecialTool part;
+        ASSERT_EQ(readFrom(maker.bytes.cut(cut), [&](auto& s) { return ReadSpecialTool(s, version, part); }), 1) << cut;
+      }
+    }
+}
+
+TEST(SpecialToolFile, AllVersionWordsGiveWhatTheListSays) {
+  const TempFolder folder;
+  for (int word = 0; word < 65536; ++word) {
+    const std::string path = folder.write("v.spt", Bytes().u16(static_cast<std::uint16_t>(word)));
+    const bool accepted = std::find(kAccepted.begin(), kAccepted.end(), word) != kAccepted.end();
+    OldSpecialTool tool;
+    ASSERT_EQ(LoadOldSpecialTool(path.c_str(), &tool), accepted ? 1 : -1) << word;
+    ASSERT_EQ(tool.tool.fileVersion, static_cast<std::int16_t>(word)) << "kept also when it is refused";
+    if (word < 400 || word % 4096 == 0) {
+      const Answers answers(path);
+      ASSERT_EQ(answers.status, accepted ? 1 : -1) << word;
+    }
+  }
+}
+
+TEST(SpecialToolFile, MissingEmptyOneByteAndFolderPaths) {
+  const TempFolder folder;
+  OldSpecialTool tool;
+  tool.tool.fileVersion = 5;
+  EXPECT_EQ(LoadOldSpecialTool(folder.path("none").c_str(), &tool), -2);
+  EXPECT_EQ(LoadOldSpecialTool("", &tool), -2);
+  EXPECT_EQ(LoadOldSpecialTool(folder.path().c_str(), &tool), -2);
+  EXPECT_EQ(LoadOldSpecialTool(nullptr, &tool), -2);
+  EXPECT_EQ(LoadOldSpecialTool(folder.write("short", Bytes().u8(52)).c_str(), &tool), 1);
+  EXPECT_EQ(LoadOldSpecialTool(folder.write("empty", Bytes()).c_str(), &tool), 1);
+  EXPECT_EQ(LoadOldSpecialTool(folder.write("x", Bytes()).c_str(), nullptr), -2);
+  EXPECT_EQ(tool.tool.fileVersion, 5);
+}
+
+TEST(SpecialToolFile, FirstSymmetryByteAddsToWhatTheDimensionSays) {
+  const struct {
+    float dimension3;
+    std::uint8_t byte;
+    std::uint32_t flags;
+  } cases[] = {{2.0F, 1, 3}, {1.0F, 2, 3}, {0, 0, 0}, {0, 1, 1}, {0, 2, 2}, {0, 3, 0}, {0, 255, 0}, {1.0F, 1, 1}};
+  for (const auto& one : cases) {
+    OldSpecialTool tool;
+    const Bytes file = specialToolFile(110, {1}, one.dimension3, one.byte);
+    ASSERT_EQ(readFrom(Bytes::of(file.span().subspan(2)), [&](auto& s) { return ReadSpecialTool(s, 110, tool); }), 0);
+    EXPECT_EQ(tool.tool.symmetryFlags, one.flags) << one.dimension3 << " " << int{one.byte};
+    OldSpecialTool again;
+    const Bytes stored = written([&](auto& s) { return WriteSpecialTool(s, 110, tool); });
+    ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, 110, again); }), 0);
+    EXPECT_EQ(again.tool.symmetryFlags, one.flags);
+  }
+}
+
+TEST(SpecialToolFile, WriterRefusesVersionsThatTheLoaderRefuses) {
+  const TempFolder folder;
+  const OldSpecialTool tool;
+  EXPECT_EQ(SaveSpecialTool(folder.path("a").c_str(), tool, 53), -1);
+  EXPECT_EQ(SaveSpecialTool(folder.path("a").c_str(), tool, 1), -1);
+  EXPECT_EQ(SaveSpecialTool(folder.path("a").c_str(), tool, 52), 0);
+  EXPECT_EQ(SaveSpecialTool(folder.path("no/such/folder").c_str(), tool, 52), -2);
+}
+
+TEST(CurrentSpecialTool, HandsOutItsValuesAndShapes) {
+  const TempFolder folder;
+  const Answers a(folder.write("a.spt", specialToolFile(110, {3, -4}, 2.0F, 0, 3)));
+  EXPECT_EQ(a.status, 0);
+  EXPECT_EQ(a.shapeCount, 2U);
+  EXPECT_EQ(a.orientation, 0.5F);
+  EXPECT_EQ(a.specialValue, 50.0F);
+  EXPECT_EQ(a.dimension[0], 11.0F);
+  EXPECT_EQ(a.dimension[1], 12.0F);
+  EXPECT_EQ(a.dimension[2], 2.0F);
+  EXPECT_EQ(a.firstCount, 3);
+  EXPECT_EQ(a.secondCount, 4);
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(a.first[i], 20.0F + static_cast<float>(i));
+    EXPECT_EQ(a.second[i], 30.0F + static_cast<float>(i));
+  }
+  EXPECT_EQ(a.extra[0], 40.0F);
+  EXPECT_EQ(a.extra[1], 41.0F);
+  EXPECT_EQ(a.lateFlag, 0);
+
+  Maker maker;
+  Shape told;
+  storedShape(maker, 110, ShapeForm{-4, 9, 2, false, ""}, told);
+  std::int32_t type = 0;
+  float x = 0, y = 0, v[4] = {};
+  GetShapeAt(1, &type, &x, &y, &v[0], &v[1], &v[2], &v[3]);
+  EXPECT_EQ(type, -4) << "widened with its sign";
+  EXPECT_EQ(x, told.x);
+  EXPECT_EQ(y, told.y);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(v[i], told.values[i]);
+}
+
+TEST(CurrentSpecialTool, ShapeIndexOutsideTheListLeavesTheOutputs) {
+  const TempFolder folder;
+  const Answers a(folder.write("a.spt", specialToolFile(110, {3, 4})));
+  for (const std::int32_t index : {-1, 2, 3, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
+    std::int32_t type = 42;
+    float x = 42, y = 42, v[4] = {42, 42, 42, 42};
+    GetShapeAt(index, &type, &x, &y, &v[0], &v[1], &v[2], &v[3]);
+    EXPECT_EQ(type, 42);
+    for (const float one : {x, y, v[0], v[1], v[2], v[3]}) EXPECT_EQ(one, 42.0F);
+  }
+}
+
+TEST(CurrentSpecialTool, MissingShortAndRefusedFilesOnlyClearTheShapeCount) {
+  const TempFolder folder;
+  ASSERT_EQ(Answers(folder.write("a.spt", specialToolFile(110, {3}))).status, 0);
+  const std::pair<std::string, std::int32_t> cases[] = {{folder.path("missing.spt"), -2},
+                                                        {folder.write("short.spt", Bytes().u8(110)), 1},
+                                                        {folder.write("refused.spt", Bytes().i16(53)), -1}};
+  for (const auto& [path, status] : cases) {
+    const Answers a(path);
+    EXPECT_EQ(a.status, status);
+    EXPECT_EQ(a.shapeCount, 0U);
+    EXPECT_TRUE(a.untouched());
+  }
+}
+
+TEST(CurrentSpecialTool, FileThatFailsBehindItsShapesStillFillsTheOutputs) {
+  const TempFolder folder;
+  const Bytes whole = specialToolFile(110, {3, 4, 5});
+  const Answers a(folder.write("a.spt", whole.cut(whole.size() - 2)));
+  EXPECT_EQ(a.status, 1);
+  EXPECT_EQ(a.shapeCount, 3U);
+  EXPECT_EQ(a.dimension[0], 11.0F);
+}
+
+TEST(CurrentSpecialTool, FileWithoutShapesReportsThoseOfTheFileBefore) {
+  const TempFolder folder;
+  ASSERT_EQ(Answers(folder.write("a.spt", specialToolFile(110, {3, 4}))).shapeCount, 2U);
+  const Answers a(folder.write("b.spt", specialToolFile(110, {}, 7.0F)));
+  EXPECT_EQ(a.status, 0);
+  EXPECT_EQ(a.shapeCount, 2U);
+  EXPECT_EQ(a.dimension[2], 7.0F);
+}
+
+TEST(CurrentSpecialTool, FieldThatALaterFileDoesNotStoreKeepsItsValue) {
+  const TempFolder folder;
+  ASSERT_EQ(Answers(folder.write("a.spt", specialToolFile(60, {3}))).extra[0], 40.0F);
+  const Answers a(folder.write("b.spt", specialToolFile(54, {3})));
+  EXPECT_EQ(a.status, 0);
+  EXPECT_EQ(a.extra[0], 40.0F);
+}
+
+TEST(CurrentSpecialTool, IsEmptyInAFreshProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const TempFolder folder;
+  const std::string path = folder.write("a.spt", specialToolFile(110, {}));
+  EXPECT_EXIT(
+      {
+        const Answers a(path);
+        std::exit(a.status == 0 && a.shapeCount == 0 && a.untouched() ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+// ---- the folder of special tools -----------------------------------------------------------------
+
+TEST(SpecialToolFolder, ComesFromTheConfiguration) {
+  const std::string fallback = "C:\\KESTRADA\\SPECTOOL\\";
+  const std::string key = "ZRK_DEFAULT_SPECIAL_TOOL_PATH=";
+  const std::pair<std::string, std::string> cases[] = {
+      {"", fallback},
+      {"[Kestrada64bit]\n" + key + "D:\\A\\\n", "D:\\A\\"},
+      {"[Kestrada]\n" + key + "D:\\B\n", "D:\\B"},
+      {"[Kestrada]\n" + key + "D:\\B\n[Kestrada64bit]\n" + key + "D:\\A\n", "D:\\A"},
+      {"[Kestrada64bit]\n" + key + "\n[Kestrada]\n" + key + "D:\\B\n", "D:\\B"},
+      {"[KESTRADA64BIT]\r\nzrk_default_special_tool_path = D:\\A \r\n", "D:\\A"},
+      {"[Kestrada64bit]\n" + key + "\"D:\\A B\\\"\n", "D:\\A B\\"},
+      {"[Kestrada64bit]\n" + key + "  'D:\\A B'  \n", "D:\\A B"},
+      {"[Kestrada64bit]\n" + key + "\" x \"\n", " x "},
+      {"[Kestrada64bit]\n; " + key + "D:\\A\n", fallback},
+      {"[Other]\n" + key + "D:\\A\n", fallback},
+      {"[Kestrada64bit]\n" + key + "D:\\A\n" + key + "D:\\B\n", "D:\\A"},
+      {key + "D:\\A\n", fallback},
+      {"[Kestrada64bit]\nnonsense\n" + key + "D:\\A", "D:\\A"},
+      {"[Kestrada64bit]\n[Kestrada64bit]\n" + key + "D:\\A", fallback},
+      {"[Kestrada64bit\n" + key + "D:\\A", fallback},
+      {"[Kestrada64bit]\n" + key + std::string(300, 'x'), std::string(260, 'x')},
+  };
+  for (const auto& [content, folder] : cases) {
+    const WinIni ini(content);
+    EXPECT_EQ(GetSpecialToolFolder(), folder) << content;
+  }
+}
+
+TEST(SpecialToolFolder, LooksInTheUsersConfigurationAndThenInTheSystems) {
+  const TempFolder user, first, second;
+  const auto configure = [](const TempFolder& folder, const std::string& value) {
+    std::filesystem::create_directories(folder.path("OldTorvIO"));
+    std::ofstream(folder.path("OldTorvIO") + "/win.ini") << WinIni::folderSetting(value);
+  };
+  setenv("XDG_CONFIG_HOME", user.path().c_str(), 1);
+  setenv("XDG_CONFIG_DIRS", ("relative::" + first.path() + ":" + second.path()).c_str(), 1);
+  EXPECT_EQ(GetSpecialToolFolder(), "C:\\KESTRADA\\SPECTOOL\\");
+  configure(second, "second");
+  EXPECT_EQ(GetSpecialToolFolder(), "second");
+  configure(first, "first");
+  EXPECT_EQ(GetSpecialToolFolder(), "first");
+  configure(user, "user");
+  EXPECT_EQ(GetSpecialToolFolder(), "user");
+
+  const TempFolder home;
+  std::filesystem::create_directories(home.path(".config/OldTorvIO"));
+  std::ofstream(home.path(".config/OldTorvIO/win.ini")) << WinIni::folderSetting("home");
+  const std::string before = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "";
+  unsetenv("XDG_CONFIG_HOME");
+  setenv("HOME", home.path().c_str(), 1);
+  EXPECT_EQ(GetSpecialToolFolder(), "home");
+  unsetenv("HOME");
+  EXPECT_EQ(GetSpecialToolFolder(), "first");
+  unsetenv("XDG_CONFIG_DIRS");
+  (void)GetSpecialToolFolder();  // the system's own folder, whatever it holds
+  setenv("HOME", before.c_str(), 1);
+}
+
+TEST(SpecialToolFolder, IsNeverLookedUpInTheWorkingDirectory) {
+  const TempFolder here;
+  std::filesystem::create_directories(here.path("OldTorvIO"));
+  std::ofstream(here.path("OldTorvIO/win.ini")) << WinIni::folderSetting("here");
+  std::ofstream(here.path("win.ini")) << WinIni::folderSetting("here");
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(here.path());
+  setenv("XDG_CONFIG_HOME", ".", 1);
+  setenv("XDG_CONFIG_DIRS", ".", 1);
+  EXPECT_EQ(GetSpecialToolFolder(), "C:\\KESTRADA\\SPECTOOL\\");
+  unsetenv("XDG_CONFIG_HOME");
+  unsetenv("XDG_CONFIG_DIRS");
+  std::filesystem::current_path(before);
+}
+
+}  // namespace
