@@ -38,23 +38,18 @@ struct Layout<OldTool> {
         && io.when(tool.shapeCode != kTriangle, F(tool.dimension1, tool.dimension2, tool.dimension3))
         && io.repair(tool, [](auto& t) { if (t.shapeCode == kSpecialTool) t.symmetryFlags = symmetryOf(t.dimension3); })
         && io.fields(F(tool.firstValueCount))
-        && values(io, tool.firstValues)
+        // Four entries below version 110: the middle two do not exist there and are 0.
+        && io.since(110, F(tool.firstValues))
+        && io.below(110, F(tool.firstValues[0], tool.firstValues[1], tool.firstValues[2], tool.firstValues[5]))
+        && io.below(110, [&] { return io.repair(tool.firstValues, [](auto& all) { all[3] = all[4] = 0; }); })
         && io.fields(F(tool.secondValueCount))
-        && values(io, tool.secondValues)
+        && io.since(110, F(tool.secondValues))
+        && io.below(110, F(tool.secondValues[0], tool.secondValues[1], tool.secondValues[2], tool.secondValues[5]))
+        && io.below(110, [&] { return io.repair(tool.secondValues, [](auto& all) { all[3] = all[4] = 0; }); })
         && io.fields(F(tool.auxWord2, tool.auxWord3))
         && io.since(60, F(tool.extraValues))
         && io.since(110, F(tool.lateWords))
         && io.since(111, F(tool.tailBlock, tool.tailText));
-  }
-
- private:
-  // Four entries below version 110: the middle two do not exist there and are 0.
-  static bool values(auto& io, auto& v) {
-    return io.since(110, F(v))
-        && io.below(110, [&] {
-             return io.fields(F(v[0], v[1], v[2], v[5]))
-                 && io.repair(v, [](auto& all) { all[3] = all[4] = 0; });
-           });
   }
 };
 

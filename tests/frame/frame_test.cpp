@@ -1,0 +1,220 @@
+// Streams, texts, numbers and version lists.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <limits>
+
+#include "src/frame/entry.h"
+#include "src/frame/text.h"
+#include "tests/support/bytes.h"
+#include "tests/support/files.h"
+
+namespace {
+
+using namespace oldtorvio::frame;
+using namespace testing_support;
+
+TEST(InStream, FailedReadLeavesTheStreamAtTheEndAndTheFieldAsItWas) {
+  const Bytes bytes = Bytes().i32(7).zeros(3);
+  InStream stream(bytes.span());
+  Reader io(stream, 180);
+  std::int32_t first = 1, second = 2;
+  EXPECT_FALSE(io.fields(F(first, second)));
+  EXPECT_EQ(first, 7);
+  EXPECT_EQ(second, 2);
+  EXPECT_EQ(stream.left(), 0U);
+  EXPECT_EQ(stream.position(), 7U);
+  EXPECT_EQ(io.stop(), Stop::shortRead);
+}
+
+TEST(InStream, RowsKeepTheirWholeNumbersAndBlocksAllOrNothing) {
+  const Bytes bytes = Bytes().i32(1).i32(2).u8(3);
+  std::uint32_t row[3] = {9, 9, 9};
+  std::uint8_t raw[12] = {};
+  float x = 5, y = 6, z = 7;
+  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(F(row)); });
+  EXPECT_EQ(row[1], 2U);
+  EXPECT_EQ(row[2], 9U);
+  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(F(raw)); });
+  EXPECT_EQ(raw[0], 0);
+  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(F(block(x, y, z))); });
+  EXPECT_EQ(x, 5.0F);
+}
+
+TEST(InStream, ZeroSizeItemFails) {
+  const Bytes bytes = Bytes().zeros(10);
+  char text[4] = {};
+  for (const std::int32_t size : {0, -1, 5}) {
+    InStream stream(bytes.span());
+    Reader io(stream, 180);
+    EXPECT_FALSE(io.sized(F(text), size));
+    EXPECT_EQ(stream.position(), 0U) << "and moves nothing";
+  }
+}
+
+TEST(InStream, ShortSizedFieldFails) {
+  const Bytes bytes = Bytes().zeros(2);
+  char text[4] = "abc";
+  EXPECT_FALSE(readFrom(bytes, [&](InStream& s) { return Reader(s, 180).sized(F(text), 3); }));
+  EXPECT_STREQ(text, "abc");
+}
+
+TEST(InStream, TailForgivesAShortReadButNeverARefusal) {
+  const Bytes bytes = Bytes().i32(5);
+  std::int32_t value = 0, more = 0;
+  EXPECT_TRUE(readFrom(bytes, [&](InStream& s) {
+    Reader io(s, 180);
+    return io.tail([&] { return io.fields(F(value, more)); });
+  }));
+  EXPECT_FALSE(readFrom(bytes, [&](InStream& s) {
+    Reader io(s, 180);
+    return io.tail([&] { return io.fields(F(value)) && io.range(F(value), 6, 7); });
+  }));
+}
+
+TEST(InStream, LeadingTakesTheFirstOfSeveralNumbers) {
+  const Bytes bytes = Bytes().i32(1).i32(2).i32(3);
+  for (int count = -1; count <= 4; ++count) {
+    std::int32_t a = 0, b = 0, c = 0;
+    std::size_t consumed = 0;
+    EXPECT_TRUE(readFrom(bytes, [&](InStream& s) { return Reader(s, 180).leading(count, F(a, b, c)); }, &consumed));
+    EXPECT_EQ(consumed, static_cast<std::size_t>(std::clamp(count, 0, 3)) * 4);
+    EXPECT_EQ(b, count >= 2 ? 2 : 0);
+  }
+}
+
+TEST(InStream, FileThatGotShorterEndsWhereItEnds) {
+  const TempFolder folder;
+  const std::string path = folder.write("f", Bytes().zeros(200000));
+  const File file = File::openToRead(path.c_str());
+  InStream stream(file.handle());
+  std::filesystem::resize_file(path, 70000);
+  EXPECT_TRUE(stream.skip(70000));
+  EXPECT_FALSE(stream.skip(1));
+  EXPECT_EQ(stream.left(), 0U);
+}
+
+TEST(InStream, TextLongerThanTheFileIsNotAppended) {
+  const Bytes bytes = Bytes().fill(5000, 'a');
+  std::string text = "held";
+  InStream stream(bytes.span());
+  EXPECT_FALSE(stream.append(text, 5001));
+  EXPECT_EQ(text, "held");
+  EXPECT_TRUE(stream.append(text, 5000));
+  EXPECT_EQ(text.size(), 5004U);
+}
+
+TEST(InStream, TextFromAPipeThatEndsTooEarlyIsNotAppended) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const std::string sent(5000, 'a');
+  ASSERT_EQ(write(ends[1], sent.data(), sent.size()), 5000);
+  close(ends[1]);
+  std::FILE* file = fdopen(ends[0], "rb");
+  {
+    InStream stream(file);
+    std::string text = "held";
+    EXPECT_FALSE(stream.append(text, 2000000000));
+    EXPECT_EQ(text, "held");
+  }
+  std::fclose(file);
+}
+
+TEST(OutStream, HandsLargeContentToTheFileInOrder) {
+  const TempFolder folder;
+  const std::string path = folder.path("f");
+  Bytes expected;
+  {
+    File file = File::openToWrite(path.c_str());
+    OutStream stream(file.handle());
+    Writer io(stream, 180);
+    for (std::uint32_t i = 0; i < 200000; ++i) {
+      ASSERT_TRUE(io.fields(F(i)));
+      expected.u32(i);
+    }
+    ASSERT_TRUE(stream.flush());
+    ASSERT_TRUE(file.close());
+  }
+  EXPECT_EQ(TempFolder::read(path), expected);
+}
+
+TEST(OutStream, OnceFailedStaysFailed) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
+  File file = File::openToWrite("/dev/full");
+  OutStream stream(file.handle());
+  Writer io(stream, 180);
+  const char text[4096] = {};
+  const std::uint8_t bytes[4096] = {};
+  bool ok = true;
+  for (int i = 0; ok && i < 1000; ++i) ok = io.fields(F(text));
+  EXPECT_FALSE(ok);
+  EXPECT_FALSE(stream.flush());
+  EXPECT_FALSE(io.fields(F(bytes, bytes)) && stream.flush());
+  const std::string note(100000, 'n');
+  EXPECT_FALSE(io.lengthText(F(note)) && io.reserved(4096) && stream.flush());
+}
+
+TEST(Text, FieldsKeepWhatStandsBehindTheNul) {
+  char field[8] = {'1', '2', '3', '4', '5', '6', '7', '8'};
+  EXPECT_EQ(textOf(field), "12345678");
+  setText(field, "ab");
+  EXPECT_EQ(textOf(field), "ab");
+  EXPECT_EQ(field[3], '4');
+  setText(field, "");
+  EXPECT_EQ(textOf(field), "");
+  EXPECT_EQ(field[1], 'b');
+  EXPECT_DEATH(setText(field, "12345678"), "");
+}
+
+TEST(Text, ComparisonFoldsLettersAToZOnly) {
+  EXPECT_TRUE(equalNoCase("aZ09_", "Az09_"));
+  EXPECT_FALSE(equalNoCase("a", "ab"));
+  EXPECT_FALSE(equalNoCase("[", "{"));
+  EXPECT_FALSE(equalNoCase("@", "`"));
+  EXPECT_FALSE(equalNoCase("\xC4", "\xE4"));
+  for (int a = 0; a < 256; ++a)
+    for (int b = 0; b < 256; ++b) {
+      const char x = static_cast<char>(a), y = static_cast<char>(b);
+      const auto lower = [](int c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
+      ASSERT_EQ(equalNoCase({&x, 1}, {&y, 1}), lower(a) == lower(b));
+    }
+}
+
+TEST(Text, NumbersPrintAsInTheCLocale) {
+  const double values[] = {0, -0.0, 1, -1, 0.5, 1e-5, 123456, 1234567, 1e100, -1e-300, 3.14159265358979,
+                           std::numeric_limits<double>::max(), std::numeric_limits<double>::denorm_min()};
+  for (const double value : values) {
+    char told[400];
+    (void)std::snprintf(told, sizeof told, "%g", value);
+    EXPECT_EQ(general(value), told);
+    (void)std::snprintf(told, sizeof told, "%6.3f", value);
+    std::string fixed;
+    appendFixed3(fixed, value);
+    EXPECT_EQ(fixed, told);
+  }
+  std::string integer;
+  appendInteger(integer, std::numeric_limits<std::int64_t>::min());
+  EXPECT_EQ(integer, "-9223372036854775808");
+}
+
+TEST(Versions, ListsHoldExactlyTheirNumbers) {
+  int parts = 0, specialTools = 0;
+  for (int v = -70000; v < 70000; ++v) {
+    parts += kPartVersions.has(v) ? 1 : 0;
+    specialTools += kSpecialToolVersions.has(v) ? 1 : 0;
+  }
+  EXPECT_EQ(parts, 39);
+  EXPECT_EQ(specialTools, 34);
+  EXPECT_TRUE(kPartVersions.has(100));
+  EXPECT_FALSE(kPartVersions.has(53));
+  EXPECT_FALSE(kPartVersions.has(6));
+  EXPECT_FALSE(kSpecialToolVersions.has(61));
+  EXPECT_FALSE(kSpecialToolVersions.has(80));
+}
+
+TEST(EndProcess, Aborts) { EXPECT_EXIT(oldtorvio::EndProcess(), testing::KilledBySignal(SIGABRT), ""); }
+
+}  // namespace

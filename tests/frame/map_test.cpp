@@ -1,0 +1,199 @@
+// The words of the map.
+#include <gtest/gtest.h>
+
+#include "src/frame/map.h"
+#include "src/frame/writer.h"
+#include "src/map/detect.h"
+#include "src/map/file_map.h"
+#include "src/part/part_io.h"
+#include "tests/support/files.h"
+#include "tests/support/part_files.h"
+
+namespace {
+
+using namespace oldtorvio::frame;
+using namespace testing_support;
+namespace map = oldtorvio::map;
+
+TEST(Map, NamesComeFromTheTextOfTheFields) {
+  const auto names = fieldNames("r.width, as<std::int16_t>(r.kind), block(p.x, p.y), r.list.count, plain, t.row[i]");
+  EXPECT_EQ(names, (std::vector<std::string>{"width", "kind", "x, y", "list.count", "plain", "row[i]"}));
+}
+
+TEST(Map, TextsAreQuotedEscapedAndTellWhatStandsBehindThem) {
+  const auto printed = [](std::string_view field) {
+    std::string to;
+    printText(to, field.data(), field.size());
+    return to;
+  };
+  EXPECT_EQ(printed(std::string_view("ab\0\0", 4)), "\"ab\"");
+  EXPECT_EQ(printed("ab"), "\"ab\" (no NUL)");
+  EXPECT_EQ(printed(std::string_view("a\0x\0y", 5)), "\"a\" (2 bytes not zero behind the NUL)");
+  EXPECT_EQ(printed(std::string_view("\"\\\n\xE4\0", 5)), "\"\\\"\\\\\\x0a\\xe4\"");
+}
+
+// A record with every kind of field.
+struct Sample {
+  std::int16_t small = -2;
+  float real = 0.5F;
+  double wide = 0.25;
+  std::uint8_t raw[3] = {1, 0xAB, 0};
+  std::uint32_t row[2] = {7, 8};
+  std::int32_t kind = 3;
+  std::string note = "n";
+  std::vector<std::uint32_t> numbers = {5, 6};
+  char name[4] = "nam";
+};
+
+}  // namespace
+
+template <>
+struct oldtorvio::frame::Layout<Sample> {
+  static constexpr std::size_t kLeast = 1;
+  static bool describe(auto& io, auto& s) {
+    return io.fields(F(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind)))
+        && io.lengthText(F(s.note))
+        && io.countFirst(F(s.numbers))
+        && io.sized(F(s.name), 2)
+        && io.reserved(3)
+        && io.range(F(s.kind), 0, 3)
+        && io.tail([&] { return io.fields(F(s.wide)); });
+  }
+};
+
+namespace {
+
+std::vector<std::string> linesOf(const Bytes& bytes, std::optional<Fault>* fault = nullptr) {
+  std::vector<std::string> lines;
+  InStream stream(bytes.span());
+  Mapper mapper(stream, 180, [&](const MapLine& l) {
+    lines.push_back(std::to_string(l.offset) + "+" + std::to_string(l.size) + " " + l.path + " = " + l.value);
+  });
+  Sample sample;
+  (void)Layout<Sample>::describe(mapper, sample);
+  if (fault != nullptr) *fault = mapper.fault();
+  return lines;
+}
+
+TEST(Map, TellsEveryKindOfField) {
+  const Bytes bytes = written([](OutStream& s) { return writeRecord(s, 180, Sample()); });
+  EXPECT_EQ(linesOf(bytes), (std::vector<std::string>{
+                                "0+2 small = -2", "2+12 real, wide = 0.5 0.25", "14+3 raw = 01 ab 00", "17+4 row[0] = 7",
+                                "21+4 row[1] = 8", "25+2 kind = 3", "27+4 note.length = 1", "31+1 note.text = \"n\" (no NUL)",
+                                "32+4 numbers.count = 2", "36+4 numbers[0] = 5", "40+4 numbers[1] = 6", "44+2 name = \"na\" (no NUL)",
+                                "46+3 reserved = (dropped)", "49+8 wide = 0.25"}));
+}
+
+TEST(Map, TellsWhereAndWhyAFileBreaks) {
+  const Bytes bytes = written([](OutStream& s) { return writeRecord(s, 180, Sample()); });
+  const struct {
+    std::size_t cut;
+    std::uint64_t offset;
+    const char* path;
+    const char* reason;
+  } cases[] = {{1, 0, "small", "needs 2 bytes, the file has 1"},
+               {13, 2, "real, wide", "needs 12 bytes, the file has 11"},
+               {23, 21, "row[1]", "needs 4 bytes, the file has 2"},
+               {31, 31, "note.text", "needs 1 bytes, the file has 0"},
+               {42, 40, "numbers[1]", "needs 4 bytes, the file has 2"},
+               {45, 44, "name", "needs 2 bytes, the file has 1"},
+               {48, 46, "reserved", "needs 3 bytes, the file has 2"}};
+  for (const auto& one : cases) {
+    std::optional<Fault> fault;
+    (void)linesOf(bytes.cut(one.cut), &fault);
+    ASSERT_TRUE(fault.has_value()) << one.cut;
+    EXPECT_EQ(fault->offset, one.offset);
+    EXPECT_EQ(fault->path, one.path);
+    EXPECT_EQ(fault->reason, one.reason);
+  }
+  std::optional<Fault> fault;
+  EXPECT_EQ(linesOf(bytes.cut(52), &fault).back(), "52+0  = ends short at wide, which is tolerated there");
+  EXPECT_FALSE(fault.has_value());
+}
+
+TEST(Map, RefusedValueIsTheFault) {
+  Sample sample;
+  sample.kind = 4;
+  const Bytes front = written([&](OutStream& s) {
+    (void)writeRecord(s, 180, sample);
+    return true;
+  });
+  std::optional<Fault> fault;
+  (void)linesOf(front, &fault);
+  ASSERT_TRUE(fault.has_value());
+  EXPECT_EQ(fault->path, "kind");
+  EXPECT_EQ(fault->reason, "the value 4 is refused");
+}
+
+// ---- whole files ---------------------------------------------------------------------------------
+
+Bytes partFile(int version) {
+  Maker maker;
+  const auto part = std::make_unique<TorvPart>();
+  storedPart(maker, version, {}, *part);
+  return Bytes().i16(version).add(maker.bytes);
+}
+
+TEST(FileMap, SoundFilesAreWalkedToTheirEnd) {
+  const TempFolder folder;
+  for (const int version : partVersions()) {
+    const Bytes file = partFile(version);
+    const std::string path = folder.write("p", file);
+    for (const map::FileReport& report :
+         {map::checkFile(path.c_str(), map::FileKind::part), map::mapFile(path.c_str(), map::FileKind::part, [](const MapLine&) {})}) {
+      EXPECT_EQ(report.status, 0);
+      EXPECT_EQ(report.version, version);
+      EXPECT_EQ(report.walked, file.size());
+      EXPECT_EQ(report.size, file.size());
+      EXPECT_TRUE(report.endsExactly());
+    }
+  }
+}
+
+TEST(FileMap, BytesBehindTheLastFieldAreReportedAndNoFault) {
+  const TempFolder folder;
+  const std::string path = folder.write("p", partFile(180).zeros(5));
+  std::string last;
+  const auto report = map::mapFile(path.c_str(), map::FileKind::part, [&](const MapLine& line) { last = line.value; });
+  EXPECT_EQ(report.status, 0);
+  EXPECT_FALSE(report.endsExactly());
+  EXPECT_EQ(report.walked + 5, report.size);
+  EXPECT_EQ(last, "5 bytes behind the last field are not looked at");
+}
+
+TEST(FileMap, StatusIsThatOfTheLoad) {
+  const TempFolder folder;
+  const auto statusOf = [&](const Bytes& bytes, map::FileKind kind) {
+    return map::checkFile(folder.write("p", bytes).c_str(), kind).status;
+  };
+  EXPECT_EQ(map::checkFile(folder.path("none").c_str(), map::FileKind::part).status, -2);
+  EXPECT_EQ(statusOf(Bytes().u8(1), map::FileKind::part), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(53), map::FileKind::part), -1);
+  EXPECT_EQ(statusOf(Bytes().i16(5), map::FileKind::part), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(52), map::FileKind::part), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(151), map::FileKind::groupPart), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(80), map::FileKind::specialTool), -1);
+  EXPECT_EQ(statusOf(Bytes().i16(1), map::FileKind::specialTool), -1);
+  EXPECT_EQ(statusOf(specialToolFile(52, {1}), map::FileKind::specialTool), 0);
+}
+
+TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
+  const TempFolder folder;
+  using Kind = map::FileKind;
+  oldtorvio::SheetPartList list;
+  list.parts.emplace_back().patterns.emplace_back();
+  ASSERT_EQ(oldtorvio::SaveGroupPart(folder.path("g").c_str(), list, 180), 0);
+  EXPECT_EQ(map::detectKind(folder.path("g")), Kind::groupPart);
+  for (const int version : partVersions()) EXPECT_EQ(map::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
+  for (const int version : {52, 60, 111, 162, 180}) {
+    EXPECT_EQ(map::detectKind(folder.write("s", specialToolFile(version, {1, 2}))), Kind::specialTool) << version;
+    EXPECT_EQ(map::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool) << "the extension decides";
+  }
+  EXPECT_EQ(map::detectKind(folder.write("d", partFile(61).cut(500))), Kind::part) << "no other kind has version 61";
+  EXPECT_EQ(map::detectKind(folder.write("x", Bytes().i16(99))), std::nullopt);
+  EXPECT_EQ(map::detectKind(folder.write("e", Bytes())), std::nullopt);
+  EXPECT_EQ(map::detectKind(folder.path("none")), std::nullopt);
+  EXPECT_EQ(map::nameOf(Kind::groupPart), "group-part");
+}
+
+}  // namespace

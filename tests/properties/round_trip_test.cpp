@@ -1,0 +1,197 @@
+// Random content of every kind at every version: what is saved loads, and saves as the same bytes.
+// The short form runs in every build; OLDTORVIO_LONG_TESTS=1 takes a hundred times the content.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+#include "OldTorvIO.h"
+#include "src/frame/writer.h"
+#include "src/part/part_io.h"
+#include "src/part/part_layout.h"
+#include "src/tooling/special_tool_io.h"
+#include "src/tooling/special_tool_layout.h"
+#include "tests/support/files.h"
+#include "tests/support/part_files.h"
+#include "tests/support/random_records.h"
+
+namespace {
+
+using namespace testing_support;
+
+int rounds() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr ? 500 : 5; }
+
+TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
+  for (int round = 0; round < rounds(); ++round)
+    for (const int version : allVersions())
+      for (const bool embedded : {false, true}) {
+        RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
+        const auto made = std::make_unique<TorvPart>();
+        random.part(*made, version);
+        // What a load derives or repairs, settled beforehand: the mirror is then perfect.
+        for (auto* shapes : {&made->shapes.shapes, &made->placedShapes.shapes.shapes})
+          for (Shape& s : *shapes) s.rangeValue = s.auxValue4;
+        for (ShapeGroup& g : made->nestShapeGroups)
+          for (Shape& s : g.shapes.shapes) s.rangeValue = s.auxValue4;
+        const Bytes stored = written([&](auto& s) { return WritePartBody(s, version, embedded, *made); });
+        const auto loaded = std::make_unique<TorvPart>();
+        std::size_t consumed = 0;
+        ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadPartBody(s, version, embedded, *loaded); }, &consumed), 0);
+        ASSERT_EQ(consumed, stored.size());
+        // placedShapes reads with one element: texts and notes that a shape lacks come from the one before.
+        for (std::size_t i = 0; i < made->placedShapes.shapes.shapes.size() && version >= 160; ++i)
+          if (made->placedShapes.shapes.shapes[i].note.empty())
+            loaded->placedShapes.shapes.shapes[i].note.clear();
+        ASSERT_EQ(written([&](auto& s) { return WritePartBody(s, version, embedded, *loaded); }), stored) << version;
+      }
+}
+
+TEST(RoundTrip, GroupPartFilesAtEveryVersion) {
+  const TempFolder folder;
+  for (int round = 0; round < rounds(); ++round)
+    for (int version = 152; version <= 180; ++version) {
+      RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
+      SheetPartList made;
+      for (int n = random.upTo(2); n >= 0; --n) random.part(made.parts.emplace_back(), version);
+      for (TorvPart& part : made.parts) part.placedShapes.shapes.shapes.resize(1);
+      const std::string first = folder.path("first"), second = folder.path("second");
+      const std::int32_t nameSize = 1 + random.upTo(255);
+      ASSERT_EQ(SaveGroupPart(first.c_str(), made, version, nameSize), 0);
+      SheetPartList loaded;
+      ASSERT_EQ(LoadGroupPart(first.c_str(), &loaded), 0);
+      ASSERT_EQ(SaveGroupPart(second.c_str(), loaded, version, nameSize), 0);
+      ASSERT_EQ(TempFolder::read(second), TempFolder::read(first));
+    }
+}
+
+TEST(RoundTrip, SpecialToolFilesAtEveryVersion) {
+  for (int round = 0; round < 10 * rounds(); ++round)
+    for (const int version : allVersions()) {
+      RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
+      OldSpecialTool made = random.specialTool(), loaded;
+      for (Shape& s : made.shapes.shapes) s.rangeValue = s.auxValue4;
+      const Bytes stored = written([&](auto& s) { return WriteSpecialTool(s, version, made); });
+      ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, version, loaded); }), 0);
+      const Bytes again = written([&](auto& s) { return WriteSpecialTool(s, version, loaded); });
+      ASSERT_EQ(again, stored);
+    }
+}
+
+// ---- reload over another version -----------------------------------------------------------------
+
+template <class T>
+std::string valueOf(const T& field) {
+  return {reinterpret_cast<const char*>(&field), sizeof field};
+}
+
+TEST(Reload, PartOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsTheRest) {
+  const struct {
+    const char* name;
+    int since;
+    bool isReset;  // a load of an older file sets its default
+    std::string (*value)(const TorvPart&);
+  } fields[] = {
+      {"width", 52, false, [](const TorvPart& p) { return valueOf(p.width); }},
+      {"lateIndex", 62, true, [](const TorvPart& p) { return valueOf(p.lateIndex); }},
+      {"workKind", 71, true, [](const TorvPart& p) { return valueOf(p.workKind); }},
+      {"workList", 71, true, [](const TorvPart& p) { return std::to_string(p.workList.size()); }},
+      {"headFlag", 80, true, [](const TorvPart& p) { return valueOf(p.headFlag); }},
+      {"hasOptions", 80, false, [](const TorvPart& p) { return valueOf(p.hasOptions); }},
+      {"placedBlock", 102, false, [](const TorvPart& p) { return valueOf(p.placedShapes.placedBlock); }},
+      {"customTextA", 110, false, [](const TorvPart& p) { return valueOf(p.customTextA); }},
+      {"customTextC", 111, false, [](const TorvPart& p) { return valueOf(p.customTextC); }},
+      {"customTextE", 112, false, [](const TorvPart& p) { return valueOf(p.customTextE); }},
+      {"lateBlock2", 140, false, [](const TorvPart& p) { return valueOf(p.lateBlock2); }},
+      {"lateWords", 152, false, [](const TorvPart& p) { return valueOf(p.lateWords); }},
+      {"contourGroups", 154, false, [](const TorvPart& p) { return std::to_string(p.contourGroups.size()); }},
+      {"bindingSets", 161, false, [](const TorvPart& p) { return std::to_string(p.bindingSets.size()); }},
+      {"finalTextD", 180, false, [](const TorvPart& p) { return valueOf(p.finalTextD); }},
+  };
+  const TempFolder folder;
+  const auto fresh = std::make_unique<TorvPart>();
+  for (const int first : partVersions())
+    for (const int second : partVersions()) {
+      const auto save = [&](int version, std::uint32_t seed) {
+        RandomRecords random(seed);
+        const auto made = std::make_unique<TorvPart>();
+        random.part(*made, version);
+        // A count of zero would keep what the first load left: that rule has tests of its own.
+        made->shapes.shapes.resize(2);
+        made->patterns[0].items.resize(2);
+        made->setupList.entries.resize(1);
+        made->toolStations.stations.resize(1);
+        made->toolStations.stations[0].valueCount = 1;
+        made->toolStations.tools.resize(1);
+        made->marks.resize(1);
+        made->profiles.resize(1);
+        made->stepTables.resize(1);
+        made->placedShapes.shapes.shapes.resize(1);
+        const std::string path = folder.path(std::to_string(seed));
+        EXPECT_EQ(SavePart(path.c_str(), *made, version), 0);
+        return path;
+      };
+      const std::string a = save(first, 1), b = save(second, 2);
+      const auto before = std::make_unique<TorvPart>(), part = std::make_unique<TorvPart>(), alone = std::make_unique<TorvPart>();
+      ASSERT_EQ(LoadOldPart(a.c_str(), before.get()), 0);
+      ASSERT_EQ(LoadOldPart(a.c_str(), part.get()), 0);
+      ASSERT_EQ(LoadOldPart(b.c_str(), part.get()), 0);
+      ASSERT_EQ(LoadOldPart(b.c_str(), alone.get()), 0);
+      for (const auto& field : fields) {
+        const TorvPart& source = second >= field.since ? *alone : field.isReset ? *fresh : *before;
+        ASSERT_EQ(field.value(*part), field.value(source)) << field.name << " of " << second << " over " << first;
+      }
+      const std::size_t kept = before->nestShapeGroups.size();
+      ASSERT_EQ(part->nestShapeGroups.size(), kept + alone->nestShapeGroups.size());
+      part->nestShapeGroups.erase(part->nestShapeGroups.begin(), part->nestShapeGroups.begin() + static_cast<std::ptrdiff_t>(kept));
+      const Bytes again = written([&](auto& s) { return WritePartBody(s, second, false, *part); });
+      ASSERT_EQ(again, written([&](auto& s) { return WritePartBody(s, second, false, *alone); })) << second << " over " << first;
+    }
+}
+
+TEST(Reload, SpecialToolOverEveryOtherVersionHoldsWhatTheLaterFileStores) {
+  for (const int first : allVersions())
+    for (const int second : allVersions()) {
+      OldSpecialTool tool, alone;
+      const Bytes a = Bytes::of(specialToolFile(first, {1, 2}, 2.0F, 1).span().subspan(2));
+      const Bytes b = Bytes::of(specialToolFile(second, {3}, 1.0F).span().subspan(2));
+      ASSERT_EQ(readFrom(a, [&](auto& s) { return ReadSpecialTool(s, first, tool); }), 0);
+      ASSERT_EQ(readFrom(b, [&](auto& s) { return ReadSpecialTool(s, second, tool); }), 0);
+      ASSERT_EQ(readFrom(b, [&](auto& s) { return ReadSpecialTool(s, second, alone); }), 0);
+      ASSERT_EQ(written([&](auto& s) { return WriteSpecialTool(s, second, tool); }),
+                written([&](auto& s) { return WriteSpecialTool(s, second, alone); }));
+      ASSERT_EQ(tool.tool.extraValues[0], second >= 60 || first >= 60 ? 40.0F : 0.0F);
+      ASSERT_EQ(tool.tool.symmetryFlags, 1U);
+    }
+}
+
+// ---- least sizes ---------------------------------------------------------------------------------
+
+template <class Record, class... More>
+void expectLeastSize(const char* name, const More&... more) {
+  const auto record = std::make_unique<Record>();
+  const Bytes stored = written([&](auto& s) { return frame::writeRecord(s, 52, *record, more...); });
+  EXPECT_GE(stored.size(), frame::Layout<Record>::kLeast) << name;
+}
+
+TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
+  expectLeastSize<OldTool>("tool", false);
+  expectLeastSize<ToolStation>("station");
+  expectLeastSize<ProcessSlot>("slot");
+  expectLeastSize<SetupEntry>("setup entry");
+  expectLeastSize<ProfileRecord>("profile");
+  expectLeastSize<PatternItem>("item");
+  expectLeastSize<WorkEntry>("work");
+  expectLeastSize<MarkEntry>("mark");
+  expectLeastSize<Pattern>("pattern", true);
+  expectLeastSize<PlacedShapeList>("placed shapes");
+  expectLeastSize<ContourGroup>("contour group");
+  expectLeastSize<BindingSet>("binding set");
+  expectLeastSize<TorvPart>("part", PartForm{PartForm::sheet});
+  Shape least;
+  least.valueCount = least.extraCount = 0;
+  EXPECT_EQ(written([&](auto& s) { return frame::writeRecord(s, 52, least); }).size(), frame::Layout<Shape>::kLeast);
+  // A step table may end in front of its count.
+  EXPECT_EQ(frame::Layout<StepTable>::kLeast, 20U);
+}
+
+}  // namespace
