@@ -73,9 +73,9 @@ typedef struct OldSpecialTool OldSpecialTool;
  *
  * `part->version` holds the file's version word as soon as it has been read, also when the version
  * is then refused. For an accepted version `partFullDosName` becomes the path (its first 259
- * characters), the five option fields are reset, and the pattern list and the work list are
- * emptied; `nestShapeGroups` is never emptied, so a load adds to it. Status -2 leaves the record
- * untouched. */
+ * characters) and the five option fields are reset. The pattern list and the work list are emptied
+ * where the reading comes to them; `nestShapeGroups` is never emptied, so a load adds to it. Status -2
+ * leaves the record untouched. */
 OLDTORVIO_API int64_t LoadOldPart(const char* path, TorvPart* part) OLDTORVIO_NOEXCEPT;
 
 /* Starts a new part in the part builder: everything added before is gone.

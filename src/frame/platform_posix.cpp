@@ -98,13 +98,13 @@ std::string nativePath(std::string_view path) {
 }
 
 void walkFolder(const std::string& folder, const std::function<bool(const std::string& name)>& visit) {
-  const std::string native = nativePath(folder);
+  const std::string native = nativePath(folder) + '/';
   const auto closeFolder = [](DIR* open) { (void)::closedir(open); };
   const std::unique_ptr<DIR, decltype(closeFolder)> open(::opendir(native.c_str()), closeFolder);
   if (!open) return;
   while (const dirent* entry = ::readdir(open.get())) {
     const std::string name(entry->d_name);
-    if (isFolder(native + "/" + name)) continue;
+    if (isFolder(native + name)) continue;
     if (!visit(name)) return;
   }
 }

@@ -73,8 +73,7 @@ class OutStream {
   // Room for `size` bytes at the end of what is stored, or null when the file takes no more. The
   // caller fills all of it.
   std::byte* room(std::size_t size) {
-    if (capacity_ - used_ < size) [[unlikely]]
-      if (!makeRoom(size)) return nullptr;
+    if (capacity_ - used_ < size && !makeRoom(size)) [[unlikely]] return nullptr;
     std::byte* at = buffer_.get() + used_;
     used_ += size;
     return at;

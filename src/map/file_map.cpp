@@ -1,5 +1,6 @@
 #include "src/map/file_map.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
@@ -20,16 +21,13 @@ constexpr std::array kKinds{
 
 // Empty when the version is accepted, otherwise why not.
 std::string refusal(FileKind kind, int version) {
-  switch (kind) {
-    case FileKind::part:
-      if (!kPartVersions.has(version)) return "no version of a part file";
-      return version < kFirstMainVersion ? "the layout of this version is not read" : "";
-    case FileKind::groupPart:
-      return version < kFirstGroupPartVersion ? "below the first version of group part files" : "";
-    case FileKind::specialTool:
-      return version < kFirstMainVersion || !kSpecialToolVersions.has(version) ? "no version of a special tool file" : "";
+  if (kind == FileKind::part) {
+    if (!kPartVersions.has(version)) return "no version of a part file";
+    return version < kFirstMainVersion ? "the layout of this version is not read" : "";
   }
-  return "";
+  if (kind == FileKind::groupPart)
+    return version < kFirstGroupPartVersion ? "below the first version of group part files" : "";
+  return version < kFirstMainVersion || !kSpecialToolVersions.has(version) ? "no version of a special tool file" : "";
 }
 
 std::int64_t refusalStatus(FileKind kind, int version) {
@@ -38,22 +36,17 @@ std::int64_t refusalStatus(FileKind kind, int version) {
 
 template <class Io>
 bool walkBody(FileKind kind, Io& io) {
-  switch (kind) {
-    case FileKind::part: {
-      const auto part = std::make_unique<TorvPart>();
-      return Layout<TorvPart>::describe(io, *part, PartForm{});
-    }
-    case FileKind::groupPart: {
-      std::vector<TorvPart> parts;
-      GroupPartFile<std::vector<TorvPart>> file{parts};
-      return Layout<decltype(file)>::describe(io, file);
-    }
-    case FileKind::specialTool: {
-      const auto tool = std::make_unique<OldSpecialTool>();
-      return Layout<OldSpecialTool>::describe(io, *tool);
-    }
+  if (kind == FileKind::part) {
+    const auto part = std::make_unique<TorvPart>();
+    return Layout<TorvPart>::describe(io, *part, PartForm{});
   }
-  return false;
+  if (kind == FileKind::groupPart) {
+    std::vector<TorvPart> parts;
+    GroupPartFile<std::vector<TorvPart>> file{parts};
+    return Layout<decltype(file)>::describe(io, file);
+  }
+  const auto tool = std::make_unique<OldSpecialTool>();
+  return Layout<OldSpecialTool>::describe(io, *tool);
 }
 
 }  // namespace
@@ -61,9 +54,7 @@ bool walkBody(FileKind kind, Io& io) {
 std::span<const KindName> fileKinds() { return kKinds; }
 
 std::string_view nameOf(FileKind kind) {
-  for (const KindName& one : kKinds)
-    if (one.kind == kind) return one.name;
-  return "";
+  return std::find_if(kKinds.begin(), kKinds.end(), [kind](const KindName& one) { return one.kind == kind; })->name;
 }
 
 FileReport mapFile(const char* path, FileKind kind, const MapSink& sink) {

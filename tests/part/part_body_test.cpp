@@ -925,7 +925,8 @@ void expectSame(const TorvPart& got, const TorvPart& want) {
   for (std::size_t i = 0; i < got.contourGroups.size(); ++i) {
     const ContourGroup &g = got.contourGroups[i], &w = want.contourGroups[i];
     EXPECT_TRUE(g.contourWord1 == w.contourWord1 && g.contourWord2 == w.contourWord2 &&
-                g.contourWord3 == w.contourWord3 && g.contourByte == w.contourByte && g.shapes.size() == w.shapes.size())
+                g.contourWord3 == w.contourWord3 && g.contourByte == w.contourByte &&
+                g.shapes.size() == w.shapes.size())
         << "contour group " << i;
   }
   ASSERT_EQ(got.bindingSets.size(), want.bindingSets.size());

@@ -36,6 +36,13 @@ class TempFolder {
     to.write(reinterpret_cast<const char*>(bytes.span().data()), static_cast<std::streamsize>(bytes.size()));
     return path(name);
   }
+  // The same into a file of the same size, in place: much quicker where it is done by the thousand.
+  std::string overwrite(const std::string& name, const Bytes& bytes) const {
+    std::fstream to(path(name), std::ios::binary | std::ios::in | std::ios::out);
+    if (!to) return write(name, bytes);
+    to.write(reinterpret_cast<const char*>(bytes.span().data()), static_cast<std::streamsize>(bytes.size()));
+    return path(name);
+  }
   static Bytes read(const std::string& path) {
     std::ifstream from(path, std::ios::binary);
     const std::string all((std::istreambuf_iterator<char>(from)), std::istreambuf_iterator<char>());

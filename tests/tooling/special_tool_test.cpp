@@ -58,7 +58,7 @@ TEST(SpecialToolFile, LoadsAtEveryAcceptedVersionByteForByte) {
 TEST(SpecialToolFile, AllVersionWordsGiveWhatTheListSays) {
   const TempFolder folder;
   for (int word = 0; word < 65536; ++word) {
-    const std::string path = folder.write("v.spt", Bytes().u16(static_cast<std::uint16_t>(word)));
+    const std::string path = folder.overwrite("v.spt", Bytes().u16(static_cast<std::uint16_t>(word)));
     const bool accepted = std::find(kAccepted.begin(), kAccepted.end(), word) != kAccepted.end();
     OldSpecialTool tool;
     ASSERT_EQ(LoadOldSpecialTool(path.c_str(), &tool), accepted ? 1 : -1) << word;
