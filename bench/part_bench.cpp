@@ -163,7 +163,8 @@ int main(int argc, char** argv) {
   const GroupCase group;
 
   using benchmark::RegisterBenchmark;
-  for (const auto& [name, one] : {std::pair<std::string, const PartCase*>{"SmallPart", &small}, {"LargePart", &large}}) {
+  for (const auto& [name, one] :
+       {std::pair<std::string, const PartCase*>{"SmallPart", &small}, {"LargePart", &large}}) {
     RegisterBenchmark(("Load" + name + "/library").c_str(), loadPart, std::cref(*one));
     RegisterBenchmark(("Load" + name + "/floor").c_str(), loadPartFloor, std::cref(*one));
     RegisterBenchmark(("Load" + name + "/fread").c_str(), loadPartFread, std::cref(*one));

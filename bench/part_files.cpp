@@ -87,10 +87,10 @@ void fillNumbers(Source& from, const std::vector<T>& like, std::vector<T>& to) {
 }
 
 void fillPart(Source& from, const TorvPart& like, TorvPart& to) {
-  for (char(*text)[256] : {&to.noteText, &to.descriptionA, &to.descriptionB, &to.materialType, &to.descriptionC,
-                           &to.customTextA, &to.customTextB, &to.customText1, &to.customText2, &to.customText3,
-                           &to.customTextC, &to.customTextD, &to.customTextE, &to.finalTextA, &to.finalTextB,
-                           &to.finalTextC, &to.finalTextD})
+  for (char(*text)[256] :
+       {&to.noteText, &to.descriptionA, &to.descriptionB, &to.materialType, &to.descriptionC, &to.customTextA,
+        &to.customTextB, &to.customText1, &to.customText2, &to.customText3, &to.customTextC, &to.customTextD,
+        &to.customTextE, &to.finalTextA, &to.finalTextB, &to.finalTextC, &to.finalTextD})
     from.fill(*text, sizeof *text);
   fillShapes(from, like.shapes.shapes, to.shapes.shapes);
   to.toolStations.stations.reserve(like.toolStations.stations.size());

@@ -84,10 +84,9 @@ OLDTORVIO_API int64_t LoadOldPart(const char* path, TorvPart* part) OLDTORVIO_NO
  * that is null keeps the default of its field ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty for
  * the custom texts). Texts hold at most 255 characters, assemblyName and materialName at most 20; a
  * longer one ends the process, nothing is ever cut. */
-OLDTORVIO_API void InitTorvPart(float width, float height, float thickness, int16_t partKind,
-                                const char* partName, const char* assemblyName, const char* materialName,
-                                const char* customText1, const char* customText2,
-                                const char* customText3) OLDTORVIO_NOEXCEPT;
+OLDTORVIO_API void InitTorvPart(float width, float height, float thickness, int16_t partKind, const char* partName,
+                                const char* assemblyName, const char* materialName, const char* customText1,
+                                const char* customText2, const char* customText3) OLDTORVIO_NOEXCEPT;
 
 /* Adds one shape, and the pattern item that says how it is worked, to the part builder.
  *
@@ -108,9 +107,9 @@ OLDTORVIO_API void InitTorvPart(float width, float height, float thickness, int1
  * Gives the number of shapes in the part, or -1 when the special tool is not found or cannot be
  * loaded; then nothing has been added. */
 OLDTORVIO_API int32_t AddPatternToTorvPart(float x, float y, uint8_t type, uint32_t flags, const uint32_t* values,
-                                           uint32_t itemWord1, float itemWord2, float pairA, float pairB,
-                                           float pairC, float pairD, const char* toolName, int16_t itemShort1,
-                                           int16_t itemShort2, float itemWord3, float itemWord4) OLDTORVIO_NOEXCEPT;
+                                           uint32_t itemWord1, float itemWord2, float pairA, float pairB, float pairC,
+                                           float pairD, const char* toolName, int16_t itemShort1, int16_t itemShort2,
+                                           float itemWord3, float itemWord4) OLDTORVIO_NOEXCEPT;
 
 /* Adds a group to the part builder: a head (shape type 7) at x, y with the angle (radians, reduced
  * by the tool's symmetry), and behind it a copy of each shape of the special tool file but those of
@@ -120,8 +119,7 @@ OLDTORVIO_API int32_t AddPatternToTorvPart(float x, float y, uint8_t type, uint3
  *
  * Gives the number of shapes in the part, or -1 for a null name, a file that does not exist or that
  * cannot be loaded; then nothing has been added. */
-OLDTORVIO_API int32_t AddGroupPatIntoTorvPart(float x, float y, float angle,
-                                              const char* toolName) OLDTORVIO_NOEXCEPT;
+OLDTORVIO_API int32_t AddGroupPatIntoTorvPart(float x, float y, float angle, const char* toolName) OLDTORVIO_NOEXCEPT;
 
 /* Adds one more member to a group of the part builder. groupIndex is the 1-based position of the
  * head among the part's shapes; a position past the new member itself ends the process. `ignored`
@@ -206,12 +204,14 @@ OLDTORVIO_API int64_t LoadOldSpecialTool(const char* path, OldSpecialTool* tool)
  * else "C:\KESTRADA\SPECTOOL\". On POSIX hosts "win.ini" is looked for in
  * $XDG_CONFIG_HOME/OldTorvIO/ (default ~/.config/OldTorvIO/), then in OldTorvIO/ of each of
  * $XDG_CONFIG_DIRS (default /etc/xdg). */
-OLDTORVIO_API int32_t OpenSpecialToolFile(
-    const char* path, uint32_t* shapeCount, float* orientation, float* specialValue, float* dimension1,
-    float* dimension2, float* dimension3, int32_t* firstValueCount, float* firstValue0, float* firstValue1,
-    float* firstValue2, float* firstValue3, float* firstValue4, float* firstValue5, int32_t* secondValueCount,
-    float* secondValue0, float* secondValue1, float* secondValue2, float* secondValue3, float* secondValue4,
-    float* secondValue5, float* extraValue0, float* extraValue1, uint8_t* lateFlag) OLDTORVIO_NOEXCEPT;
+OLDTORVIO_API int32_t OpenSpecialToolFile(const char* path, uint32_t* shapeCount, float* orientation,
+                                          float* specialValue, float* dimension1, float* dimension2, float* dimension3,
+                                          int32_t* firstValueCount, float* firstValue0, float* firstValue1,
+                                          float* firstValue2, float* firstValue3, float* firstValue4,
+                                          float* firstValue5, int32_t* secondValueCount, float* secondValue0,
+                                          float* secondValue1, float* secondValue2, float* secondValue3,
+                                          float* secondValue4, float* secondValue5, float* extraValue0,
+                                          float* extraValue1, uint8_t* lateFlag) OLDTORVIO_NOEXCEPT;
 
 /* One shape of the current special tool, index from 0: its type (with sign), placing point and
  * first four values. An index outside 0 to count - 1 leaves all outputs as they were. */

@@ -11,23 +11,23 @@ namespace oldtorvio {
 // value of the shape before it.
 struct PlacedShapeList {
   std::uint8_t placedBlock[8] = {};
-  ShapeList shapes;                // listKind and listTag are not stored here
+  ShapeList shapes;  // listKind and listTag are not stored here
 };
 
 struct ShapeGroup {
   ShapeList shapes;
   std::int32_t groupWord = 0;
-  std::uint8_t groupByte = 0;      // since 152
+  std::uint8_t groupByte = 0;  // since 152
 };
 
 struct ContourGroup {
   std::vector<Shape> shapes;
   std::uint32_t contourWord1 = 0, contourWord2 = 0, contourWord3 = 0;
-  std::uint8_t contourByte = 0;    // since 155
+  std::uint8_t contourByte = 0;  // since 155
 };
 
 struct BindingEntry {
-  std::uint32_t entryWord1 = 0;    // stored behind entryWord2
+  std::uint32_t entryWord1 = 0;  // stored behind entryWord2
   std::uint32_t entryWord2 = 0;
   Shape shape;
 };

@@ -8,8 +8,8 @@
 namespace oldtorvio {
 
 struct SheetPartList {
-  std::vector<TorvPart> parts;     // in stored order
-  std::int32_t nameWidth = 256;    // stored width of each part's names in a sheet
+  std::vector<TorvPart> parts;   // in stored order
+  std::int32_t nameWidth = 256;  // stored width of each part's names in a sheet
 };
 
 }  // namespace oldtorvio

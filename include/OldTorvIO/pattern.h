@@ -19,22 +19,22 @@ struct Pattern {
   std::uint32_t gridStep1 = 0, gridStep2 = 0;
   float originX = 0, originY = 0;
   float rotationCos = 1.0F, rotationSin = 0;
-  PatternItemList items;                 // in a part file one for each shape of the part
-  std::uint32_t patternWord = 0;         // group id of the placement
-  std::uint8_t groupBlock[8] = {};       // groups only
-  std::int32_t groupKind = 0;            // a load makes a kind outside the band 0
-  std::uint32_t groupWords[7] = {};      // groups only
-  ProfileList profiles;                  // since 80
-  std::int32_t transformKind = 1;        // memory only
-  float transform[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};  // memory only
-  ShapeList scratchShapes;               // memory only
-  StepTableList stepTables;              // since 80
+  PatternItemList items;                                      // in a part file one for each shape of the part
+  std::uint32_t patternWord = 0;                              // group id of the placement
+  std::uint8_t groupBlock[8] = {};                            // groups only
+  std::int32_t groupKind = 0;                                 // a load makes a kind outside the band 0
+  std::uint32_t groupWords[7] = {};                           // groups only
+  ProfileList profiles;                                       // since 80
+  std::int32_t transformKind = 1;                             // memory only
+  float transform[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};           // memory only
+  ShapeList scratchShapes;                                    // memory only
+  StepTableList stepTables;                                   // since 80
   std::uint32_t bindWord1 = 0, bindWord2 = 0, bindWord3 = 0;  // groups, since 110
-  std::uint32_t lateWord1 = 0;           // groups, since 151
-  std::uint8_t bindByte = 0;             // groups, since 110
-  std::uint32_t bindWord4 = 0;           // groups, since 110
+  std::uint32_t lateWord1 = 0;                                // groups, since 151
+  std::uint8_t bindByte = 0;                                  // groups, since 110
+  std::uint32_t bindWord4 = 0;                                // groups, since 110
   std::uint16_t bindShorts[8] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
-  std::uint32_t lateWord2 = 0, lateWord3 = 0;  // groups, since 151
+  std::uint32_t lateWord2 = 0, lateWord3 = 0;                       // groups, since 151
   std::vector<std::pair<std::uint32_t, std::uint32_t>> bindFirst;   // groups, since 110
   std::vector<std::pair<std::uint32_t, std::uint32_t>> bindSecond;  // groups, since 110
   std::vector<std::uint32_t> bindThird;   // since 156; at 151 to 155 a load fills it with lateWord3

@@ -7,7 +7,7 @@ namespace oldtorvio {
 
 // Stored in this order at every version, 42 bytes.
 struct SetupEntry {
-  std::uint16_t setupShort1 = 0;   // the entry's type
+  std::uint16_t setupShort1 = 0;  // the entry's type
   std::uint16_t setupShort2 = 0;
   std::uint8_t setupByte1 = 0;
   std::uint16_t setupShort3 = 0;
@@ -21,7 +21,7 @@ struct SetupEntry {
   std::uint16_t setupShort5 = 0;
   std::uint32_t setupWord3 = 0;
   float setupReal1 = -1.0F, setupReal2 = -1.0F;
-  std::uint32_t memoryWord = 0;    // memory only
+  std::uint32_t memoryWord = 0;  // memory only
 };
 
 // A list without entries stores its count alone: current and the tail fields are then lost.

@@ -7,9 +7,9 @@
 namespace oldtorvio {
 
 struct OldSpecialTool {
-  OldTool tool;                // tool.fileVersion holds the file's version word
+  OldTool tool;  // tool.fileVersion holds the file's version word
   float specialValue = 0;
-  ShapeList shapes;            // outline
+  ShapeList shapes;  // outline
   SetupList setupList;
 };
 

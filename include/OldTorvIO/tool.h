@@ -11,28 +11,28 @@ namespace oldtorvio {
 struct OldTool {
   float orientation = 0;
   std::int32_t shapeCode = 0;
-  std::string name;                       // memory only; a load empties it
-  std::int32_t specialToolIndex = 0;      // in an inventory: 1-based index of the special tool's file
-  std::uint32_t auxWord1 = 0;             // carried
+  std::string name;                                      // memory only; a load empties it
+  std::int32_t specialToolIndex = 0;                     // in an inventory: 1-based index of the special tool's file
+  std::uint32_t auxWord1 = 0;                            // carried
   float dimension1 = 0, dimension2 = 0, dimension3 = 0;  // size; for code 108 dimension3 is also the
                                                          // symmetry: 1 half turn, 2 quarter turn
-  std::int32_t firstValueCount = 0;       // how many of firstValues count
-  float firstValues[6] = {};              // below version 110 the file has no [3] and [4]: they are 0
+  std::int32_t firstValueCount = 0;                      // how many of firstValues count
+  float firstValues[6] = {};                             // below version 110 the file has no [3] and [4]: they are 0
   std::int32_t secondValueCount = 0;
-  float secondValues[6] = {};             // as firstValues
-  std::uint32_t auxWord2 = 0, auxWord3 = 0;  // carried
-  std::uint32_t symmetryFlags = 0;        // derived for code 108: 1 repeats after a half turn,
-                                          // 2 after a quarter turn
+  float secondValues[6] = {};                           // as firstValues
+  std::uint32_t auxWord2 = 0, auxWord3 = 0;             // carried
+  std::uint32_t symmetryFlags = 0;                      // derived for code 108: 1 repeats after a half turn,
+                                                        // 2 after a quarter turn
   std::int32_t runtimeIndexA = -1, runtimeIndexB = -1;  // memory only
-  float extraValues[2] = {};              // since 60
-  std::uint8_t specialBlock[24] = {};     // since 90, code 108 only
-  std::int16_t fileVersion = 0;           // version word of the special tool file it came from
-  char specialToolPath[256] = {};         // full path of the special tool file (code 108)
-  std::uint8_t lateFlag = 0;              // memory only
-  std::uint8_t lateFlag2 = 0;             // memory only
-  std::uint32_t lateWords[4] = {};        // since 110
-  std::uint8_t tailBlock[8] = {};         // since 111
-  char tailText[256] = {};                // since 111
+  float extraValues[2] = {};                            // since 60
+  std::uint8_t specialBlock[24] = {};                   // since 90, code 108 only
+  std::int16_t fileVersion = 0;                         // version word of the special tool file it came from
+  char specialToolPath[256] = {};                       // full path of the special tool file (code 108)
+  std::uint8_t lateFlag = 0;                            // memory only
+  std::uint8_t lateFlag2 = 0;                           // memory only
+  std::uint32_t lateWords[4] = {};                      // since 110
+  std::uint8_t tailBlock[8] = {};                       // since 111
+  char tailText[256] = {};                              // since 111
 };
 
 }  // namespace oldtorvio

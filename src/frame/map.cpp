@@ -128,7 +128,9 @@ void Mapper::forgiven() {
   fault_.reset();
 }
 
-void Mapper::remark(std::string text) { sink_({in_.position(), 0, path_.substr(0, path_.size() - (path_.empty() ? 0 : 1)), std::move(text)}); }
+void Mapper::remark(std::string text) {
+  sink_({in_.position(), 0, path_.substr(0, path_.size() - (path_.empty() ? 0 : 1)), std::move(text)});
+}
 
 void Mapper::enterPath(const std::string& name, std::int64_t index) {
   const std::size_t before = path_.size();

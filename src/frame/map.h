@@ -15,9 +15,9 @@ namespace oldtorvio::frame {
 
 struct MapLine {
   std::uint64_t offset = 0;
-  std::uint64_t size = 0;     // 0 for a remark
-  std::string path;           // shapes.shapes[3].x
-  std::string value;          // a remark has its text here
+  std::uint64_t size = 0;  // 0 for a remark
+  std::string path;        // shapes.shapes[3].x
+  std::string value;       // a remark has its text here
 };
 
 using MapSink = std::function<void(const MapLine&)>;
@@ -147,8 +147,8 @@ class Mapper : public Reading<Mapper> {
 
   InStream& in_;
   MapSink sink_;
-  std::string path_;                     // ends with "." unless empty
-  std::vector<std::size_t> outer_;       // lengths of the paths around it
+  std::string path_;                // ends with "." unless empty
+  std::vector<std::size_t> outer_;  // lengths of the paths around it
   std::int64_t row_ = 0;
   std::uint64_t lastOffset_ = 0;
   std::optional<Fault> fault_;

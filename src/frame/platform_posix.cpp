@@ -30,7 +30,8 @@ std::string contentOf(const std::string& path) {
   File file = File::openToRead(path.c_str());
   if (!file) return all;
   char block[1024];
-  for (std::size_t n = 0; all.size() < kLargestConfiguration && (n = std::fread(block, 1, sizeof block, file.handle())) > 0;)
+  for (std::size_t n = 0;
+       all.size() < kLargestConfiguration && (n = std::fread(block, 1, sizeof block, file.handle())) > 0;)
     all.append(block, n);
   return all;
 }

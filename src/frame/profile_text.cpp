@@ -33,7 +33,8 @@ std::string profileValue(std::string_view content, std::string_view section, std
     if (line.front() == '[') {
       if (inSection) return {};
       const std::size_t close = line.find(']');
-      inSection = close != std::string_view::npos && equalNoCase(withoutOuterBlanks(line.substr(1, close - 1)), section);
+      inSection =
+          close != std::string_view::npos && equalNoCase(withoutOuterBlanks(line.substr(1, close - 1)), section);
       continue;
     }
     const std::size_t equals = line.find('=');

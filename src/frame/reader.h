@@ -17,13 +17,15 @@ class Sprinter : public Reading<Sprinter> {
   template <class Names, class... T>
   [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
     constexpr std::size_t kTotal = (wire::ItemOf<T>::kWidth + ...);
-    if (static_cast<std::size_t>(end_ - at_) < kTotal) [[unlikely]] return missed();
+    if (static_cast<std::size_t>(end_ - at_) < kTotal) [[unlikely]]
+      return missed();
     std::apply([&](auto&... m) { ((wire::ItemOf<T>::load(m, at_), at_ += wire::ItemOf<T>::kWidth), ...); }, f.members);
     return true;
   }
   template <class Names, std::size_t N, class T>
   [[nodiscard]] bool numbers(const Names&, T (&members)[N], std::size_t count) {
-    if (static_cast<std::size_t>(end_ - at_) < sizeof members) [[unlikely]] return missed();
+    if (static_cast<std::size_t>(end_ - at_) < sizeof members) [[unlikely]]
+      return missed();
     if (count == N) {
       wire::Item<T[N]>::load(members, at_);
     } else {
@@ -33,7 +35,8 @@ class Sprinter : public Reading<Sprinter> {
     return true;
   }
   bool text(std::string& to, std::uint64_t size) {
-    if (static_cast<std::uint64_t>(end_ - at_) < size) [[unlikely]] return missed();
+    if (static_cast<std::uint64_t>(end_ - at_) < size) [[unlikely]]
+      return missed();
     to.assign(reinterpret_cast<const char*>(at_), static_cast<std::size_t>(size));
     at_ += size;
     return true;
@@ -60,7 +63,8 @@ class Reader : public Reading<Reader> {
     return std::apply(
         [&](auto&... m) {
           const std::byte* from = in_.run(kTotal);
-          if (from == nullptr) [[unlikely]] return (one(m) && ...);
+          if (from == nullptr) [[unlikely]]
+            return (one(m) && ...);
           ((wire::ItemOf<T>::load(m, from), from += wire::ItemOf<T>::kWidth), ...);
           in_.consume(kTotal);
           return true;

@@ -38,7 +38,9 @@ class Reading : public Gates<Self> {
       return count < 1 || self().numbers(x.names, row, static_cast<std::size_t>(count));
     } else {
       std::size_t i = 0;
-      const auto one = [&](auto& m) { return static_cast<std::int64_t>(i) >= count || self().fieldOf(x.names, i++, m); };
+      const auto one = [&](auto& m) {
+        return static_cast<std::int64_t>(i) >= count || self().fieldOf(x.names, i++, m);
+      };
       return std::apply([&](auto&... m) { return (one(m) && ...); }, x.members);
     }
   }

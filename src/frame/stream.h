@@ -33,7 +33,8 @@ class InStream {
   // A pointer to `size` bytes in the window (size at most kLargestRun), or null when fewer are left;
   // nothing is consumed.
   const std::byte* run(std::size_t size) {
-    if (static_cast<std::size_t>(end_ - at_) >= size) [[likely]] return at_;
+    if (static_cast<std::size_t>(end_ - at_) >= size) [[likely]]
+      return at_;
     return refill(size);
   }
   void consume(std::size_t size) { at_ += size; }
@@ -54,8 +55,8 @@ class InStream {
   const std::byte* begin_ = nullptr;
   const std::byte* at_ = nullptr;
   const std::byte* end_ = nullptr;
-  std::uint64_t base_ = 0;     // position of begin_ in the file
-  std::uint64_t behind_ = 0;   // bytes of the file behind the window
+  std::uint64_t base_ = 0;    // position of begin_ in the file
+  std::uint64_t behind_ = 0;  // bytes of the file behind the window
   bool sizeKnown_ = true;
   std::FILE* file_ = nullptr;
   std::unique_ptr<std::byte[]> window_;
@@ -64,8 +65,8 @@ class InStream {
 
 class OutStream {
  public:
-  OutStream() = default;                       // collects in memory: see bytes()
-  explicit OutStream(std::FILE* file);         // the file stays the caller's
+  OutStream() = default;                // collects in memory: see bytes()
+  explicit OutStream(std::FILE* file);  // the file stays the caller's
 
   OutStream(const OutStream&) = delete;
   OutStream& operator=(const OutStream&) = delete;
@@ -73,7 +74,8 @@ class OutStream {
   // Room for `size` bytes at the end of what is stored, or null when the file takes no more. The
   // caller fills all of it.
   std::byte* room(std::size_t size) {
-    if (capacity_ - used_ < size && !makeRoom(size)) [[unlikely]] return nullptr;
+    if (capacity_ - used_ < size && !makeRoom(size)) [[unlikely]]
+      return nullptr;
     std::byte* at = buffer_.get() + used_;
     used_ += size;
     return at;

@@ -43,7 +43,7 @@ bool equalNoCase(std::string_view a, std::string_view b);
 std::string_view baseName(std::string_view path);
 
 void appendInteger(std::string& to, std::int64_t value);
-void appendFixed3(std::string& to, double value);   // as "%6.3f"
-std::string general(double value);                  // as "%g"
+void appendFixed3(std::string& to, double value);  // as "%6.3f"
+std::string general(double value);                 // as "%g"
 
 }  // namespace oldtorvio::frame

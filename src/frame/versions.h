@@ -28,11 +28,11 @@ class VersionSet {
   std::array<bool, kHighest + 1> member_{};
 };
 
-inline constexpr VersionSet kPartVersions{2,   3,   5,   52,  54,  60,  61,  62,  71,  80,  90,  91,  92,         100, 101,
-                                          102, 110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+inline constexpr VersionSet kPartVersions{2,   3,   5,   52,  54,  60,  61,  62,  71,  80,  90,         91,  92, 100,
+                                          101, 102, 110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 
-inline constexpr VersionSet kSpecialToolVersions{0,   1,   52,  54,  60,  90,  91,  92,  100,        101, 102, 110,
-                                                 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+inline constexpr VersionSet kSpecialToolVersions{0,   1,   52,  54,  60,  90,  91,  92,  100,        101, 102,
+                                                 110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 
 // Files below this version have layouts of their own, or none that is still read.
 inline constexpr int kFirstMainVersion = 52;

@@ -41,13 +41,21 @@ namespace wire {
 template <std::size_t N>
 struct BitsOf;
 template <>
-struct BitsOf<1> { using type = std::uint8_t; };
+struct BitsOf<1> {
+  using type = std::uint8_t;
+};
 template <>
-struct BitsOf<2> { using type = std::uint16_t; };
+struct BitsOf<2> {
+  using type = std::uint16_t;
+};
 template <>
-struct BitsOf<4> { using type = std::uint32_t; };
+struct BitsOf<4> {
+  using type = std::uint32_t;
+};
 template <>
-struct BitsOf<8> { using type = std::uint64_t; };
+struct BitsOf<8> {
+  using type = std::uint64_t;
+};
 
 template <class Bits>
 Bits littleEndian(Bits bits) {
@@ -112,9 +120,7 @@ struct Item<As<Stored, T>> {
     Item<Stored>::load(stored, from);
     as.member = static_cast<T>(stored);
   }
-  static void store(const As<Stored, T>& as, std::byte* to) {
-    Item<Stored>::store(static_cast<Stored>(as.member), to);
-  }
+  static void store(const As<Stored, T>& as, std::byte* to) { Item<Stored>::store(static_cast<Stored>(as.member), to); }
 };
 
 template <class... T>
@@ -122,10 +128,18 @@ struct Item<Block<T...>> {
   static constexpr std::size_t kWidth = (Item<std::remove_const_t<T>>::kWidth + ...);
   static constexpr bool kIsRow = false;
   static void load(const Block<T...>& block, const std::byte* from) {
-    std::apply([&](auto&... m) { ((Item<std::remove_cvref_t<T>>::load(m, from), from += Item<std::remove_cvref_t<T>>::kWidth), ...); }, block.members);
+    std::apply(
+        [&](auto&... m) {
+          ((Item<std::remove_cvref_t<T>>::load(m, from), from += Item<std::remove_cvref_t<T>>::kWidth), ...);
+        },
+        block.members);
   }
   static void store(const Block<T...>& block, std::byte* to) {
-    std::apply([&](auto&... m) { ((Item<std::remove_cvref_t<T>>::store(m, to), to += Item<std::remove_cvref_t<T>>::kWidth), ...); }, block.members);
+    std::apply(
+        [&](auto&... m) {
+          ((Item<std::remove_cvref_t<T>>::store(m, to), to += Item<std::remove_cvref_t<T>>::kWidth), ...);
+        },
+        block.members);
   }
 };
 

@@ -17,7 +17,8 @@ class LocalRoom {
   explicit LocalRoom(std::span<std::byte> all) : at_(all.data()), end_(all.data() + all.size()) {}
   std::byte* at() const { return at_; }
   std::byte* room(std::size_t size) {
-    if (static_cast<std::size_t>(end_ - at_) < size) [[unlikely]] return nullptr;
+    if (static_cast<std::size_t>(end_ - at_) < size) [[unlikely]]
+      return nullptr;
     std::byte* const from = at_;
     at_ += size;
     return from;
@@ -38,7 +39,8 @@ class WriterInto : public Gates<WriterInto<Room>> {
   template <class Names, class... T>
   [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
     std::byte* to = out_.room((wire::ItemOf<T>::kWidth + ...));
-    if (to == nullptr) [[unlikely]] return false;
+    if (to == nullptr) [[unlikely]]
+      return false;
     std::apply([&](auto&... m) { ((wire::ItemOf<T>::store(m, to), to += wire::ItemOf<T>::kWidth), ...); }, f.members);
     return true;
   }

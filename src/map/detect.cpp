@@ -21,7 +21,8 @@ std::optional<Likelihood> likelihood(const FileReport& report) {
 std::optional<FileKind> detectKind(const std::string& path) {
   constexpr std::string_view kSpecialToolExtension = ".spt";
   if (path.size() >= kSpecialToolExtension.size() &&
-      frame::equalNoCase(std::string_view(path).substr(path.size() - kSpecialToolExtension.size()), kSpecialToolExtension))
+      frame::equalNoCase(std::string_view(path).substr(path.size() - kSpecialToolExtension.size()),
+                         kSpecialToolExtension))
     return FileKind::specialTool;
 
   std::optional<FileKind> best;

@@ -31,7 +31,8 @@ std::string refusal(FileKind kind, int version) {
 }
 
 std::int64_t refusalStatus(FileKind kind, int version) {
-  return kind == FileKind::groupPart || (kind == FileKind::part && kPartVersions.has(version)) ? kDamaged : kWrongVersion;
+  return kind == FileKind::groupPart || (kind == FileKind::part && kPartVersions.has(version)) ? kDamaged
+                                                                                               : kWrongVersion;
 }
 
 template <class Io>

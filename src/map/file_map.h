@@ -14,7 +14,7 @@ enum class FileKind : std::uint8_t { part, groupPart, specialTool };
 
 struct KindName {
   FileKind kind;
-  std::string_view name;         // as the tool prints and takes it
+  std::string_view name;  // as the tool prints and takes it
 };
 std::span<const KindName> fileKinds();
 std::string_view nameOf(FileKind kind);
@@ -22,9 +22,9 @@ std::string_view nameOf(FileKind kind);
 // What a walk over a file found. The status is the one that the load of that kind gives.
 struct FileReport {
   std::int64_t status = 0;
-  std::optional<int> version;    // none when the file has no two bytes
-  std::uint64_t walked = 0;      // bytes up to the end of the last field
-  std::uint64_t size = 0;        // bytes of the file
+  std::optional<int> version;  // none when the file has no two bytes
+  std::uint64_t walked = 0;    // bytes up to the end of the last field
+  std::uint64_t size = 0;      // bytes of the file
   std::optional<frame::Fault> fault;
 
   bool endsExactly() const { return status == 0 && walked == size; }

@@ -34,7 +34,6 @@ std::int64_t SavePart(const char* path, const TorvPart& part, int version);
 // Saves the parts as a group part file. The list must hold at least one part and nameBlockSize lie in
 // 1 to 256, or the result is -2; a version below 152 gives -1. For samples and tests: no export
 // writes group files.
-std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version,
-                           std::int32_t nameBlockSize = 256);
+std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version, std::int32_t nameBlockSize = 256);
 
 }  // namespace oldtorvio

@@ -152,7 +152,8 @@ TEST_F(PartBuilder, PlainShapeOnAnEmptyBuilderMakesTheFirstPatternAndNoStation) 
 }
 
 TEST_F(PartBuilder, ArgumentsGoToTheFieldsOfShapeAndItem) {
-  EXPECT_EQ(AddPatternToTorvPart(1.5F, 2.5F, 200, 0xF0F0F0F0U, kValues, 7, 8.5F, 1, 2, 3, 4, nullptr, -5, 6, 9.5F, 10.5F), 1);
+  EXPECT_EQ(
+      AddPatternToTorvPart(1.5F, 2.5F, 200, 0xF0F0F0F0U, kValues, 7, 8.5F, 1, 2, 3, 4, nullptr, -5, 6, 9.5F, 10.5F), 1);
   const auto part = content();
   const Shape& s = part->shapes.shapes[0];
   EXPECT_EQ(s.x, 1.5F);
@@ -245,7 +246,8 @@ TEST_F(NamedTools, EmptyNameTakesTheFirstStationWithoutASearch) {
 }
 
 TEST_F(NamedTools, OnlyFilesOfTheFolderThatBearTheNameAreFound) {
-  for (const char* name : {"folder", "abc", "abc.spt", "deep", "sub", "punch", "punch1.spt", "..", "none", "broken", "refused"})
+  for (const char* name :
+       {"folder", "abc", "abc.spt", "deep", "sub", "punch", "punch1.spt", "..", "none", "broken", "refused"})
     EXPECT_EQ(addNamed(name), -1) << name;
   EXPECT_EQ(addNamed("bare"), 1) << "a file without the extension bears its whole name";
   EXPECT_EQ(addNamed("abc.spt.bak"), 2);

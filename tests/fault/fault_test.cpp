@@ -43,17 +43,28 @@ struct Kind {
 
 const std::vector<Kind>& kinds() {
   static const std::vector<Kind> all{
-      {map::FileKind::part, "part", {52, 62, 80, 110, 151, 161, 180}, [](int v) { return partFile(v, 32001); },
+      {map::FileKind::part,
+       "part",
+       {52, 62, 80, 110, 151, 161, 180},
+       [](int v) { return partFile(v, 32001); },
        [](const char* path) {
          const auto part = std::make_unique<TorvPart>();
          return LoadOldPart(path, part.get());
        }},
-      {map::FileKind::groupPart, "group", {152, 161, 180}, groupFile,
+      {map::FileKind::groupPart,
+       "group",
+       {152, 161, 180},
+       groupFile,
        [](const char* path) {
          SheetPartList list;
          return LoadGroupPart(path, &list);
        }},
-      {map::FileKind::specialTool, "special tool", {52, 110, 160, 180}, [](int v) { return specialToolFile(v, {1, 2}); },
+      {map::FileKind::specialTool,
+       "special tool",
+       {52, 110, 160, 180},
+       [](int v) {
+         return specialToolFile(v, {1, 2});
+       },
        [](const char* path) {
          OldSpecialTool tool;
          return LoadOldSpecialTool(path, &tool);
@@ -219,9 +230,9 @@ TEST(OutOfMemory, LoadsAndQueriesGiveOne) {
   expectOnFailure<std::int64_t>(1, [&] { return GetOldSptFromPart(part.c_str(), text); });
   expectOnFailure<std::int64_t>(1, [&] { return GetOldSptFromGroupPart(group.c_str(), text, 4096, &length); });
   expectOnFailure<std::int32_t>(1, [&] {
-    return OpenSpecialToolFile(tool.c_str(), &length, &number, &number, &number, &number, &number, &count, &number, &number,
-                               &number, &number, &number, &number, &count, &number, &number, &number, &number, &number,
-                               &number, &number, &number, &late);
+    return OpenSpecialToolFile(tool.c_str(), &length, &number, &number, &number, &number, &number, &count, &number,
+                               &number, &number, &number, &number, &number, &count, &number, &number, &number, &number,
+                               &number, &number, &number, &number, &late);
   });
   expectOnFailure<bool>(false, [] {
     SheetPartList* const list = CreateOldPartlistInfo();
@@ -282,8 +293,10 @@ TEST(OutOfMemory, AddingCallsAddNothing) {
           ASSERT_EQ(content(), before) << n;
         }
     };
-    attempt(std::int32_t{-1}, [&] { return AddPatternToTorvPart(1, 2, 3, 4, values, 0, 0, 0, 0, 0, 0, "named", 0, 0, 0, 0); });
-    attempt(std::int32_t{-1}, [&] { return AddPatternToTorvPart(1, 2, 3, 4, values, 0, 0, 0, 0, 0, 0, nullptr, 0, 0, 0, 0); });
+    attempt(std::int32_t{-1},
+            [&] { return AddPatternToTorvPart(1, 2, 3, 4, values, 0, 0, 0, 0, 0, 0, "named", 0, 0, 0, 0); });
+    attempt(std::int32_t{-1},
+            [&] { return AddPatternToTorvPart(1, 2, 3, 4, values, 0, 0, 0, 0, 0, 0, nullptr, 0, 0, 0, 0); });
     attempt(std::int32_t{-1}, [&] { return AddGroupPatIntoTorvPart(1, 2, 3, "named"); });
     attempt(std::uint16_t{0}, [&] { return AddPatIntoGroupPat(1, 2, 3, 4, 0, values); });
   }
@@ -307,7 +320,8 @@ void callEverything(const std::string& folder, bool withBuilder) {
   EXPECT_EQ(LoadGroupPart(group.c_str(), list), 0);
   EXPECT_EQ(LoadOldSpecialTool(tool.c_str(), special), 0);
   EXPECT_EQ(GetOldPartInfo(part.c_str(), text, &number, &number, &number), 0);
-  for (const char* key : {"angle", "Revision", "MatType", "Thickness"}) EXPECT_EQ(GetOldPartInfo_v1(part.c_str(), key, text), 0);
+  for (const char* key : {"angle", "Revision", "MatType", "Thickness"})
+    EXPECT_EQ(GetOldPartInfo_v1(part.c_str(), key, text), 0);
   EXPECT_EQ(GetOldPartTool(part.c_str(), text, 8192, &length), 0);
   text[0] = '\0';
   EXPECT_EQ(GetOldSptFromPart(part.c_str(), text), 0);
@@ -318,9 +332,10 @@ void callEverything(const std::string& folder, bool withBuilder) {
     EXPECT_EQ(AddGroupPatIntoTorvPart(1, 2, 3, "named"), 3);
     EXPECT_EQ(AddPatIntoGroupPat(2, 1, 2, 3, 0, values), 4);
     EXPECT_EQ(SaveTorvPart((folder + "/saved").c_str(), 180), 0);
-    EXPECT_EQ(OpenSpecialToolFile(tool.c_str(), &length, &number, &number, &number, &number, &number, &count, &number, &number,
-                                  &number, &number, &number, &number, &count, &number, &number, &number, &number, &number,
-                                  &number, &number, &number, &late), 0);
+    EXPECT_EQ(OpenSpecialToolFile(tool.c_str(), &length, &number, &number, &number, &number, &number, &count, &number,
+                                  &number, &number, &number, &number, &number, &count, &number, &number, &number,
+                                  &number, &number, &number, &number, &number, &late),
+              0);
     GetShapeAt(0, &count, &number, &number, &number, &number, &number, &number);
   }
   DeleteOldPartlistInfo(list);

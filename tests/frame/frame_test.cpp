@@ -1,6 +1,5 @@
 // Streams, texts, numbers and version lists.
 #include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <csignal>
@@ -80,7 +79,8 @@ TEST(InStream, LeadingTakesTheFirstOfSeveralNumbers) {
   for (int count = -1; count <= 4; ++count) {
     std::int32_t a = 0, b = 0, c = 0;
     std::size_t consumed = 0;
-    EXPECT_TRUE(readFrom(bytes, [&](InStream& s) { return Reader(s, 180).leading(count, F(a, b, c)); }, &consumed));
+    EXPECT_TRUE(readFrom(
+        bytes, [&](InStream& s) { return Reader(s, 180).leading(count, F(a, b, c)); }, &consumed));
     EXPECT_EQ(consumed, static_cast<std::size_t>(std::clamp(count, 0, 3)) * 4);
     EXPECT_EQ(b, count >= 2 ? 2 : 0);
   }
@@ -184,8 +184,19 @@ TEST(Text, ComparisonFoldsLettersAToZOnly) {
 }
 
 TEST(Text, NumbersPrintAsInTheCLocale) {
-  const double values[] = {0, -0.0, 1, -1, 0.5, 1e-5, 123456, 1234567, 1e100, -1e-300, 3.14159265358979,
-                           std::numeric_limits<double>::max(), std::numeric_limits<double>::denorm_min()};
+  const double values[] = {0,
+                           -0.0,
+                           1,
+                           -1,
+                           0.5,
+                           1e-5,
+                           123456,
+                           1234567,
+                           1e100,
+                           -1e-300,
+                           3.14159265358979,
+                           std::numeric_limits<double>::max(),
+                           std::numeric_limits<double>::denorm_min()};
   for (const double value : values) {
     char told[400];
     (void)std::snprintf(told, sizeof told, "%g", value);

@@ -1,7 +1,8 @@
 // The words of the map.
+#include "src/frame/map.h"
+
 #include <gtest/gtest.h>
 
-#include "src/frame/map.h"
 #include "src/frame/writer.h"
 #include "src/map/detect.h"
 #include "src/map/file_map.h"
@@ -51,13 +52,9 @@ template <>
 struct oldtorvio::frame::Layout<Sample> {
   static constexpr std::size_t kLeast = 1;
   static bool describe(auto& io, auto& s) {
-    return io.fields(F(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind)))
-        && io.lengthText(F(s.note))
-        && io.countFirst(F(s.numbers))
-        && io.sized(F(s.name), 2)
-        && io.reserved(3)
-        && io.range(F(s.kind), 0, 3)
-        && io.tail([&] { return io.fields(F(s.wide)); });
+    return io.fields(F(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind))) &&
+           io.lengthText(F(s.note)) && io.countFirst(F(s.numbers)) && io.sized(F(s.name), 2) && io.reserved(3) &&
+           io.range(F(s.kind), 0, 3) && io.tail([&] { return io.fields(F(s.wide)); });
   }
 };
 
@@ -77,11 +74,12 @@ std::vector<std::string> linesOf(const Bytes& bytes, std::optional<Fault>* fault
 
 TEST(Map, TellsEveryKindOfField) {
   const Bytes bytes = written([](OutStream& s) { return writeRecord(s, 180, Sample()); });
-  EXPECT_EQ(linesOf(bytes), (std::vector<std::string>{
-                                "0+2 small = -2", "2+12 real, wide = 0.5 0.25", "14+3 raw = 01 ab 00", "17+4 row[0] = 7",
-                                "21+4 row[1] = 8", "25+2 kind = 3", "27+4 note.length = 1", "31+1 note.text = \"n\" (no NUL)",
-                                "32+4 numbers.count = 2", "36+4 numbers[0] = 5", "40+4 numbers[1] = 6", "44+2 name = \"na\" (no NUL)",
-                                "46+3 reserved = (dropped)", "49+8 wide = 0.25"}));
+  EXPECT_EQ(linesOf(bytes),
+            (std::vector<std::string>{"0+2 small = -2", "2+12 real, wide = 0.5 0.25", "14+3 raw = 01 ab 00",
+                                      "17+4 row[0] = 7", "21+4 row[1] = 8", "25+2 kind = 3", "27+4 note.length = 1",
+                                      "31+1 note.text = \"n\" (no NUL)", "32+4 numbers.count = 2",
+                                      "36+4 numbers[0] = 5", "40+4 numbers[1] = 6", "44+2 name = \"na\" (no NUL)",
+                                      "46+3 reserved = (dropped)", "49+8 wide = 0.25"}));
 }
 
 TEST(Map, TellsWhereAndWhyAFileBreaks) {
@@ -91,13 +89,11 @@ TEST(Map, TellsWhereAndWhyAFileBreaks) {
     std::uint64_t offset;
     const char* path;
     const char* reason;
-  } cases[] = {{1, 0, "small", "needs 2 bytes, the file has 1"},
-               {13, 2, "real, wide", "needs 12 bytes, the file has 11"},
-               {23, 21, "row[1]", "needs 4 bytes, the file has 2"},
-               {31, 31, "note.text", "needs 1 bytes, the file has 0"},
-               {42, 40, "numbers[1]", "needs 4 bytes, the file has 2"},
-               {45, 44, "name", "needs 2 bytes, the file has 1"},
-               {48, 46, "reserved", "needs 3 bytes, the file has 2"}};
+  } cases[] = {
+      {1, 0, "small", "needs 2 bytes, the file has 1"},        {13, 2, "real, wide", "needs 12 bytes, the file has 11"},
+      {23, 21, "row[1]", "needs 4 bytes, the file has 2"},     {31, 31, "note.text", "needs 1 bytes, the file has 0"},
+      {42, 40, "numbers[1]", "needs 4 bytes, the file has 2"}, {45, 44, "name", "needs 2 bytes, the file has 1"},
+      {48, 46, "reserved", "needs 3 bytes, the file has 2"}};
   for (const auto& one : cases) {
     std::optional<Fault> fault;
     (void)linesOf(bytes.cut(one.cut), &fault);
@@ -139,8 +135,8 @@ TEST(FileMap, SoundFilesAreWalkedToTheirEnd) {
   for (const int version : partVersions()) {
     const Bytes file = partFile(version);
     const std::string path = folder.write("p", file);
-    for (const map::FileReport& report :
-         {map::checkFile(path.c_str(), map::FileKind::part), map::mapFile(path.c_str(), map::FileKind::part, [](const MapLine&) {})}) {
+    for (const map::FileReport& report : {map::checkFile(path.c_str(), map::FileKind::part),
+                                          map::mapFile(path.c_str(), map::FileKind::part, [](const MapLine&) {})}) {
       EXPECT_EQ(report.status, 0);
       EXPECT_EQ(report.version, version);
       EXPECT_EQ(report.walked, file.size());
@@ -184,7 +180,8 @@ TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
   list.parts.emplace_back().patterns.emplace_back();
   ASSERT_EQ(oldtorvio::SaveGroupPart(folder.path("g").c_str(), list, 180), 0);
   EXPECT_EQ(map::detectKind(folder.path("g")), Kind::groupPart);
-  for (const int version : partVersions()) EXPECT_EQ(map::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
+  for (const int version : partVersions())
+    EXPECT_EQ(map::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
   for (const int version : {52, 60, 111, 162, 180}) {
     EXPECT_EQ(map::detectKind(folder.write("s", specialToolFile(version, {1, 2}))), Kind::specialTool) << version;
     EXPECT_EQ(map::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool) << "the extension decides";

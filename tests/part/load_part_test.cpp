@@ -371,9 +371,9 @@ Bytes emptyBody(int version, bool options = false) {
 }
 
 const std::vector<int>& allAccepted() {
-  static const std::vector<int> all{2,   3,   5,   52,  54,  60,  61,  62,  71,  80,  90,  91,  92,  100,
-                                    101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 150, 151, 152, 153,
-                                    154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+  static const std::vector<int> all{2,   3,   5,   52,  54,  60,  61,  62,  71,  80,  90,  91,  92,
+                                    100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 150, 151,
+                                    152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
   return all;
 }
 bool isAccepted(int word) { return std::count(allAccepted().begin(), allAccepted().end(), word) == 1; }
@@ -471,8 +471,8 @@ TEST(LoadOldPartByHand, EveryVersionWordIsRememberedWithItsSignAndARefusedOneTou
 
 TEST(LoadOldPartByHand, EdgesOfTheListAreSingleNumbers) {
   const TempFolder folder;
-  for (const int version : {4, 6, 51, 53, 55, 63, 70, 72, 79, 81, 93, 99, 103, 109, 113, 119, 122, 131, 139, 142, 149,
-                            163, 169, 171, 179, 181, 500, 501, 502}) {
+  for (const int version : {4,   6,   51,  53,  55,  63,  70,  72,  79,  81,  93,  99,  103, 109, 113,
+                            119, 122, 131, 139, 142, 149, 163, 169, 171, 179, 181, 500, 501, 502}) {
     const Bytes file = Bytes().i16(version).add(emptyBody(version));
     const auto part = std::make_unique<TorvPart>();
     EXPECT_EQ(LoadOldPart(folder.write("v", file).c_str(), part.get()), -1) << version;

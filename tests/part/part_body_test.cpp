@@ -33,7 +33,8 @@ struct MadePart {
 };
 
 int read(const Bytes& bytes, int version, bool embedded, TorvPart& part, std::size_t* consumed = nullptr) {
-  return readFrom(bytes, [&](auto& s) { return ReadPartBody(s, version, embedded, part); }, consumed);
+  return readFrom(
+      bytes, [&](auto& s) { return ReadPartBody(s, version, embedded, part); }, consumed);
 }
 
 std::vector<PartForm2> allForms() {
@@ -56,7 +57,8 @@ TEST(PartBody, LoadsTheFieldsOfItsVersionAndStoresTheSameBytes) {
       Checker checker;
       storedPart(checker, version, form, *part);
       bool ok = false;
-      ASSERT_EQ(written([&](auto& s) { return WritePartBody(s, version, form.embedded, *made.part); }, &ok), made.bytes);
+      ASSERT_EQ(written([&](auto& s) { return WritePartBody(s, version, form.embedded, *made.part); }, &ok),
+                made.bytes);
       ASSERT_TRUE(ok);
       if (HasFailure()) return;
     }
@@ -106,7 +108,8 @@ TEST(PartBody, MapTellsEveryByteOnceAndACutFileAsFarAsItGoes) {
       const auto lines = linesOf(made.bytes.cut(cut), version, &fault);
       ASSERT_TRUE(fault.has_value());
       std::size_t same = 0;
-      while (same < lines.size() && lines[same].path == whole[same].path && lines[same].value == whole[same].value) ++same;
+      while (same < lines.size() && lines[same].path == whole[same].path && lines[same].value == whole[same].value)
+        ++same;
       ASSERT_EQ(same, lines.size());
       ASSERT_TRUE(same == 0 || lines.back().offset + lines.back().size <= cut);
       ASSERT_LE(fault->offset, cut);
@@ -239,9 +242,11 @@ TEST(PartBody, PartWithoutAPatternCannotBeStoredAsAPartFileButInASheet) {
 
 TEST(PartBody, CutReservedRunGivesOne) {
   const MadePart made(80, PartForm2{});
-  const std::size_t behindNote = written([&](auto& s) {
-                                   return WriteShapeList(s, 80, made.part->shapes) && WriteSetupList(s, made.part->setupList);
-                                 }).size() + 8 + 63 + 16 + 256;
+  const std::size_t behindNote =
+      written([&](auto& s) {
+        return WriteShapeList(s, 80, made.part->shapes) && WriteSetupList(s, made.part->setupList);
+      }).size() +
+      8 + 63 + 16 + 256;
   const auto part = std::make_unique<TorvPart>();
   for (const std::size_t into : {2U, 250U, 500U}) {
     EXPECT_EQ(read(made.bytes.cut(behindNote + into), 80, false, *part), 1);
@@ -255,7 +260,8 @@ TEST(PartBody, ReservedRunIsDroppedAndStoredAsZeros) {
   Bytes filled;
   const std::size_t at = written([&](auto& s) {
                            return WriteShapeList(s, 80, made.part->shapes) && WriteSetupList(s, made.part->setupList);
-                         }).size() + 8 + 63 + 16 + 256 + 2;
+                         }).size() +
+                         8 + 63 + 16 + 256 + 2;
   filled.add(made.bytes.cut(at)).fill(499, 0xEE).add(Bytes::of(made.bytes.span().subspan(at + 499)));
   ASSERT_EQ(read(filled, 80, false, *part), 0);
   EXPECT_EQ(written([&](auto& s) { return WritePartBody(s, 80, false, *part); }), made.bytes);
@@ -307,9 +313,9 @@ TEST(PartBody, FreshPartHasTheToldDefaults) {
   EXPECT_EQ(p->shapes.listKind, 1);
   EXPECT_EQ(p->shapes.listTag, -1);
   for (int i = 0; i < 9; ++i) EXPECT_EQ(p->transform[i], i % 4 == 0 ? 1.0F : 0.0F);
-  for (const std::int32_t zero : {p->recordWord, p->version, p->optionWord, p->optionValue, p->tailWord2, p->customWord1,
-                                  p->finalWord2, p->lateWords[5], static_cast<std::int32_t>(p->lateBlock2[7]),
-                                  static_cast<std::int32_t>(p->processSlotCount)})
+  for (const std::int32_t zero :
+       {p->recordWord, p->version, p->optionWord, p->optionValue, p->tailWord2, p->customWord1, p->finalWord2,
+        p->lateWords[5], static_cast<std::int32_t>(p->lateBlock2[7]), static_cast<std::int32_t>(p->processSlotCount)})
     EXPECT_EQ(zero, 0);
 }
 
@@ -336,9 +342,9 @@ struct Row {
 
 struct Rows {
   std::vector<Row> all;
-  std::size_t stopAt = 0;       // number of bytes in front of the end of the descriptions
-  std::size_t stopRows = 0;     // and of rows
-  PatternList stored;           // the patterns as the file holds them
+  std::size_t stopAt = 0;    // number of bytes in front of the end of the descriptions
+  std::size_t stopRows = 0;  // and of rows
+  PatternList stored;        // the patterns as the file holds them
   Bytes bytes() const {
     Bytes b;
     for (const Row& row : all) b.add(row.stored);
@@ -483,8 +489,10 @@ class Builder {
 
   void buildStations() {
     add(Bytes().u32(41), [](TorvPart& p) { p.toolStations.headerWord = 41; });
-    if (version_ >= 61) add(Bytes().u32(42), [](TorvPart& p) { p.toolStations.secondHeaderWord = 42; });
-    else step([](TorvPart& p) { p.toolStations.secondHeaderWord = 0; });
+    if (version_ >= 61)
+      add(Bytes().u32(42), [](TorvPart& p) { p.toolStations.secondHeaderWord = 42; });
+    else
+      step([](TorvPart& p) { p.toolStations.secondHeaderWord = 0; });
     const auto mode = [](std::uint32_t value) {
       return [value](TorvPart& p) {
         p.toolStations.stationModeWord = value;
@@ -492,8 +500,10 @@ class Builder {
         p.toolStations.extraWords[0] = p.toolStations.extraWords[1] = 0;
       };
     };
-    if (version_ >= 90) add(Bytes().u32(0xFFFF0A02), mode(0xFFFF0A02));
-    else step(mode(2));
+    if (version_ >= 90)
+      add(Bytes().u32(0xFFFF0A02), mode(0xFFFF0A02));
+    else
+      step(mode(2));
     if (version_ >= 100) {
       add(Bytes().i32(2), [](TorvPart&) {});
       add(Bytes().u32(43), [](TorvPart& p) { p.toolStations.extraWords[0] = 43; });
@@ -609,8 +619,7 @@ class Builder {
     add(Bytes().i32(shapes), [=](TorvPart& p) {
       if (shapes != 0) p.shapes.shapes.clear();
     });
-    for (int i = 0; i < shapes; ++i)
-      shape(Bytes(), [](TorvPart& p) -> std::vector<Shape>& { return p.shapes.shapes; });
+    for (int i = 0; i < shapes; ++i) shape(Bytes(), [](TorvPart& p) -> std::vector<Shape>& { return p.shapes.shapes; });
     add(Bytes().i32(1), [](TorvPart& p) { p.setupList.entries.clear(); });
     add(setupBytes(33), [](TorvPart& p) { p.setupList.entries.push_back(setupOf(33)); });
     addSetupCurrent();
@@ -805,8 +814,10 @@ int applyRows(const Rows& rows, std::size_t cut, TorvPart& part) {
 
 template <class T>
 void same(const char* name, const T& got, const T& want) {
-  if constexpr (std::is_array_v<T>) EXPECT_EQ(std::memcmp(got, want, sizeof got), 0) << name;
-  else EXPECT_EQ(got, want) << name;
+  if constexpr (std::is_array_v<T>)
+    EXPECT_EQ(std::memcmp(got, want, sizeof got), 0) << name;
+  else
+    EXPECT_EQ(got, want) << name;
 }
 
 void sameShapes(const char* name, const std::vector<Shape>& got, const std::vector<Shape>& want) {
@@ -940,17 +951,18 @@ void expectSame(const TorvPart& got, const TorvPart& want) {
 // A part that holds something in every field and list.
 std::unique_ptr<TorvPart> usedPart() {
   auto p = std::make_unique<TorvPart>();
-  for (char* text : {p->partName, p->partFullDosName, p->descriptionA, p->descriptionB, p->materialType,
-                     p->descriptionC, p->optionText, p->noteText, p->customTextA, p->customTextB, p->customText1,
-                     p->customText2, p->customText3, p->customTextC, p->customTextD, p->customTextE, p->woNumber,
-                     p->finalTextA, p->finalTextB, p->finalTextC, p->finalTextD})
+  for (char* text :
+       {p->partName,    p->partFullDosName, p->descriptionA, p->descriptionB, p->materialType, p->descriptionC,
+        p->optionText,  p->noteText,        p->customTextA,  p->customTextB,  p->customText1,  p->customText2,
+        p->customText3, p->customTextC,     p->customTextD,  p->customTextE,  p->woNumber,     p->finalTextA,
+        p->finalTextB,  p->finalTextC,      p->finalTextD})
     std::memset(text, 'u', 256);
   for (char* text : {p->productName, p->assemblyName, p->materialName, p->revision}) std::memset(text, 'u', 21);
-  for (std::int32_t* word : {&p->recordWord, &p->partKind, &p->partWord1, &p->lateIndex, &p->version,
-                             &p->transformKind, &p->memoryWord1, &p->partWord2, &p->memoryWord2, &p->workKind,
-                             &p->optionWord, &p->optionCount, &p->optionValue, &p->tailWord1, &p->tailWord2,
-                             &p->memoryWord3, &p->customWord1, &p->customWord2, &p->customWord3, &p->customWord4,
-                             &p->finalWord1, &p->finalWord2})
+  for (std::int32_t* word :
+       {&p->recordWord,  &p->partKind,    &p->partWord1,   &p->lateIndex,   &p->version,     &p->transformKind,
+        &p->memoryWord1, &p->partWord2,   &p->memoryWord2, &p->workKind,    &p->optionWord,  &p->optionCount,
+        &p->optionValue, &p->tailWord1,   &p->tailWord2,   &p->memoryWord3, &p->customWord1, &p->customWord2,
+        &p->customWord3, &p->customWord4, &p->finalWord1,  &p->finalWord2})
     *word = 0x7A7A7A7A;
   for (std::int32_t& word : p->lateWords) word = 0x7B7B7B7B;
   p->width = p->height = p->thickness = 9.75F;
@@ -1003,7 +1015,8 @@ std::string nameOf(int version, const Form& form) {
 }
 
 int readBody(const Bytes& bytes, int version, bool embedded, TorvPart& part, std::size_t* consumed = nullptr) {
-  return readFrom(bytes, [&](auto& s) { return ReadPartBody(s, version, embedded, part); }, consumed);
+  return readFrom(
+      bytes, [&](auto& s) { return ReadPartBody(s, version, embedded, part); }, consumed);
 }
 
 TEST(PartBodyRows, EveryVersionLoadsItsRowsIntoAFreshAndIntoAUsedPart) {
@@ -1179,10 +1192,11 @@ TEST(PartBodyRows, NegativeWorkListAndPatternCountsReadNothing) {
 
 TEST(PartBodyRows, FreshPartIsEmptyInEveryListAndText) {
   const auto p = std::make_unique<TorvPart>();
-  for (const char* text : {p->partFullDosName, p->descriptionA, p->descriptionB, p->revision, p->materialType,
-                           p->descriptionC, p->optionText, p->noteText, p->customTextA, p->customTextB, p->customText1,
-                           p->customText2, p->customText3, p->customTextC, p->customTextD, p->customTextE, p->woNumber,
-                           p->finalTextA, p->finalTextB, p->finalTextC, p->finalTextD})
+  for (const char* text :
+       {p->partFullDosName, p->descriptionA, p->descriptionB, p->revision,    p->materialType, p->descriptionC,
+        p->optionText,      p->noteText,     p->customTextA,  p->customTextB, p->customText1,  p->customText2,
+        p->customText3,     p->customTextC,  p->customTextD,  p->customTextE, p->woNumber,     p->finalTextA,
+        p->finalTextB,      p->finalTextC,   p->finalTextD})
     EXPECT_STREQ(text, "");
   EXPECT_TRUE(p->shapes.shapes.empty());
   EXPECT_TRUE(p->setupList.entries.empty());
@@ -1198,9 +1212,9 @@ TEST(PartBodyRows, FreshPartIsEmptyInEveryListAndText) {
   EXPECT_TRUE(p->nestShapeGroups.empty());
   EXPECT_TRUE(p->contourGroups.empty());
   EXPECT_TRUE(p->bindingSets.empty());
-  for (const std::int32_t zero : {p->recordWord, p->memoryWord2, p->memoryWord3, p->customWord2, p->customWord3,
-                                  p->customWord4, p->finalWord1, static_cast<std::int32_t>(p->headFlag),
-                                  static_cast<std::int32_t>(p->hasOptions)})
+  for (const std::int32_t zero :
+       {p->recordWord, p->memoryWord2, p->memoryWord3, p->customWord2, p->customWord3, p->customWord4, p->finalWord1,
+        static_cast<std::int32_t>(p->headFlag), static_cast<std::int32_t>(p->hasOptions)})
     EXPECT_EQ(zero, 0);
   for (const ProcessSlot& slot : p->processSlots) {
     EXPECT_EQ(slot.firstLength, 0.25F);

@@ -422,7 +422,8 @@ TYPED_TEST(PartExtensionList, LoadsTheTabledBytesAtEveryVersionAndNotAByteMore) 
     std::size_t consumed = 0;
     const Bytes bytes = TypeParam::bytes(version);
     const Bytes longer = Bytes(bytes).fill(9, 0xEE);
-    ASSERT_TRUE(readFrom(longer, [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed));
+    ASSERT_TRUE(readFrom(
+        longer, [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed));
     EXPECT_EQ(consumed, bytes.size());
     TypeParam::same(got, TypeParam::loaded(version));
   }
@@ -437,7 +438,8 @@ TYPED_TEST(PartExtensionList, CutAtAnyByteFailsExceptInTheTailOfALastShape) {
       typename TypeParam::Record got{};
       std::size_t consumed = 0;
       const bool tolerated = endsWithShape && version >= 161 && cut + 8 >= bytes.size();
-      const bool ok = readFrom(bytes.cut(cut), [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed);
+      const bool ok = readFrom(
+          bytes.cut(cut), [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed);
       ASSERT_EQ(ok, tolerated) << "version " << version << ", cut at " << cut;
       ASSERT_EQ(consumed, cut);
     }
@@ -450,8 +452,10 @@ TYPED_TEST(PartExtensionList, ElementsInFrontOfACutStay) {
     const Bytes bytes = TypeParam::bytes(version);
     const auto whole = TypeParam::loaded(version);
     const auto sizeOf = [](const typename TypeParam::Record& r) {
-      if constexpr (std::is_same_v<TypeParam, PlacedCase>) return r.shapes.shapes.size();
-      else return r.size();
+      if constexpr (std::is_same_v<TypeParam, PlacedCase>)
+        return r.shapes.shapes.size();
+      else
+        return r.size();
     };
     std::size_t before = 0;
     for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
@@ -495,7 +499,8 @@ TYPED_TEST(PartExtensionList, ShapeWithTooManyValuesFailsInReaderAndWriter) {
     const Bytes refused = Bytes(TypeParam::bytes(version).cut(countAt)).i32(10).zeros(5000);
     typename TypeParam::Record got{};
     std::size_t consumed = 0;
-    ASSERT_FALSE(readFrom(refused, [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed));
+    ASSERT_FALSE(readFrom(
+        refused, [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed));
     ASSERT_EQ(consumed, countAt + 4);
   }
 }
@@ -518,7 +523,8 @@ TYPED_TEST(PartExtensionList, CountsOfZeroAndBelowReadNothingMore) {
       auto got = TypeParam::loaded(version);
       std::size_t consumed = 0;
       const Bytes bytes = Bytes().fill(countAt, 0x33).i32(count).fill(50, 0x77);
-      ASSERT_TRUE(readFrom(bytes, [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed));
+      ASSERT_TRUE(readFrom(
+          bytes, [&](auto& s) { return TypeParam::read(s, version, got); }, &consumed));
       EXPECT_EQ(consumed, countAt + 4);
       if constexpr (std::is_same_v<TypeParam, PlacedCase>) {
         EXPECT_TRUE(got.shapes.shapes.empty());
@@ -603,7 +609,8 @@ TEST(BindingSetsByHand, NegativeCountsReadNoNumbersAndNoEntries) {
   const Bytes file = Bytes().i32(2).u32(1).i32(-5).i32(-6).u32(2).i32(0).i32(-1);
   std::vector<BindingSet> sets;
   std::size_t consumed = 0;
-  ASSERT_TRUE(readFrom(file, [&](auto& s) { return ReadBindingSets(s, 161, sets); }, &consumed));
+  ASSERT_TRUE(readFrom(
+      file, [&](auto& s) { return ReadBindingSets(s, 161, sets); }, &consumed));
   EXPECT_EQ(consumed, file.size());
   ASSERT_EQ(sets.size(), 2U);
   EXPECT_EQ(sets[1].setWord, 2U);
@@ -616,8 +623,8 @@ TEST(BindingSetsByHand, NegativeCountsReadNoNumbersAndNoEntries) {
 TEST(BindingSetsByHand, InnerCountsThatTheFileCannotMeetFail) {
   for (const std::int64_t count : {23LL, 2000000000LL, 2147483647LL}) {
     std::vector<BindingSet> sets;
-    EXPECT_FALSE(readFrom(Bytes().i32(1).u32(1).i32(count).zeros(88),
-                          [&](auto& s) { return ReadBindingSets(s, 161, sets); }));
+    EXPECT_FALSE(
+        readFrom(Bytes().i32(1).u32(1).i32(count).zeros(88), [&](auto& s) { return ReadBindingSets(s, 161, sets); }));
     EXPECT_FALSE(readFrom(Bytes().i32(1).u32(1).i32(0).i32(count).zeros(84),
                           [&](auto& s) { return ReadBindingSets(s, 161, sets); }));
     EXPECT_TRUE(sets.empty());

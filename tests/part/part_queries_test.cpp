@@ -86,7 +86,8 @@ TEST_F(PartQueries, KeysAreTakenWithoutRegardToCase) {
 
 TEST_F(PartQueries, UnknownKeysAndNullsGiveOneAndLeaveTheValue) {
   char text[32] = "unchanged";
-  for (const char* key : {"Width", "", "angle ", "angl", "Material"}) EXPECT_EQ(GetOldPartInfo_v1(saved(), key, text), 1);
+  for (const char* key : {"Width", "", "angle ", "angl", "Material"})
+    EXPECT_EQ(GetOldPartInfo_v1(saved(), key, text), 1);
   EXPECT_EQ(GetOldPartInfo_v1(nullptr, "angle", text), 1);
   EXPECT_EQ(GetOldPartInfo_v1(saved(), nullptr, text), 1);
   EXPECT_EQ(GetOldPartInfo_v1(saved(), "angle", nullptr), 1);
@@ -97,8 +98,8 @@ TEST_F(PartQueries, AngleIsThatOfTheFirstPattern) {
   const struct {
     float cosine, sine;
     const char* text;
-  } cases[] = {{1, 0, "0"}, {0, 1, "1.5708"}, {-1, 0, "3.14159"}, {0, -1, "-1.5708"}, {0, 0, "0"},
-               {1, -0.0F, "-0"}, {1, 1e-6F, "1e-06"}, {std::numeric_limits<float>::quiet_NaN(), 0, "nan"}};
+  } cases[] = {{1, 0, "0"}, {0, 1, "1.5708"}, {-1, 0, "3.14159"},  {0, -1, "-1.5708"},
+               {0, 0, "0"}, {1, -0.0F, "-0"}, {1, 1e-6F, "1e-06"}, {std::numeric_limits<float>::quiet_NaN(), 0, "nan"}};
   for (const auto& one : cases) {
     part_->patterns[0].rotationCos = one.cosine;
     part_->patterns[0].rotationSin = one.sine;
@@ -107,8 +108,13 @@ TEST_F(PartQueries, AngleIsThatOfTheFirstPattern) {
 }
 
 TEST_F(PartQueries, ThicknessIsPrintedShort) {
-  const std::pair<float, const char*> cases[] = {{0, "0"}, {1e10F, "1e+10"}, {123456.0F, "123456"}, {1234567.0F, "1.23457e+06"},
-                                                 {-0.0001F, "-0.0001"}, {0.00001F, "1e-05"}, {0.1F, "0.1"},
+  const std::pair<float, const char*> cases[] = {{0, "0"},
+                                                 {1e10F, "1e+10"},
+                                                 {123456.0F, "123456"},
+                                                 {1234567.0F, "1.23457e+06"},
+                                                 {-0.0001F, "-0.0001"},
+                                                 {0.00001F, "1e-05"},
+                                                 {0.1F, "0.1"},
                                                  {std::numeric_limits<float>::infinity(), "inf"},
                                                  {-std::numeric_limits<float>::infinity(), "-inf"},
                                                  {std::numeric_limits<float>::quiet_NaN(), "nan"},
@@ -129,11 +135,16 @@ TEST_F(PartQueries, ToolStringHasAnItemForEachToolButCodeZero) {
 }
 
 TEST_F(PartQueries, NumbersOfTheToolStringArePaddedToSix) {
-  const std::pair<float, const char*> cases[] = {{-0.5F, "-0.500"}, {123.4567F, "123.457"}, {0.0005F, " 0.001"},
-                                                 {0.00049F, " 0.000"}, {-12345.0F, "-12345.000"}, {2.5F, " 2.500"},
-                                                 {std::numeric_limits<float>::infinity(), "   inf"},
-                                                 {std::numeric_limits<float>::quiet_NaN(), "   nan"},
-                                                 {std::numeric_limits<float>::max(), "340282346638528859811704183484516925440.000"}};
+  const std::pair<float, const char*> cases[] = {
+      {-0.5F, "-0.500"},
+      {123.4567F, "123.457"},
+      {0.0005F, " 0.001"},
+      {0.00049F, " 0.000"},
+      {-12345.0F, "-12345.000"},
+      {2.5F, " 2.500"},
+      {std::numeric_limits<float>::infinity(), "   inf"},
+      {std::numeric_limits<float>::quiet_NaN(), "   nan"},
+      {std::numeric_limits<float>::max(), "340282346638528859811704183484516925440.000"}};
   for (const auto& [value, text] : cases) {
     part_->toolStations = ToolStationList();
     addTool(toolOf(-3, value));
@@ -142,9 +153,17 @@ TEST_F(PartQueries, NumbersOfTheToolStringArePaddedToSix) {
 }
 
 TEST_F(PartQueries, BaseNamesDropDriveFolderAndExtension) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"", ""}, {"a", "a"}, {"a.spt", "a"}, {"C:a.spt", "a"}, {"C:\\x\\a.spt", "a"}, {"/x/y.z/a", "a"}, {"x\\y/a.b.c", "a.b"},
-      {"x/", ""}, {".spt", ""}, {"1:a", "1:a"}, {"x.y\\a", "a"}};
+  const std::pair<const char*, const char*> cases[] = {{"", ""},
+                                                       {"a", "a"},
+                                                       {"a.spt", "a"},
+                                                       {"C:a.spt", "a"},
+                                                       {"C:\\x\\a.spt", "a"},
+                                                       {"/x/y.z/a", "a"},
+                                                       {"x\\y/a.b.c", "a.b"},
+                                                       {"x/", ""},
+                                                       {".spt", ""},
+                                                       {"1:a", "1:a"},
+                                                       {"x.y\\a", "a"}};
   for (const auto& [path, base] : cases) {
     part_->toolStations = ToolStationList();
     addTool(toolOf(108, 0, 0, path));
@@ -176,8 +195,10 @@ TEST_F(PartQueries, SpecialToolsAreAppendedEachBetweenCommas) {
 
 TEST_F(PartQueries, FailedLoadsGiveTheirStatusAndLeaveTheOutputs) {
   const std::string missing = folder_.path("none"), refused = folder_.write("r", Bytes().i16(53)),
-                    cut = folder_.write("c", TempFolder::read(saved()).cut(50)), oldest = folder_.write("o", Bytes().i16(3).zeros(500));
-  const std::pair<const char*, std::int64_t> cases[] = {{missing.c_str(), -2}, {refused.c_str(), -1}, {cut.c_str(), 1}, {oldest.c_str(), 1}};
+                    cut = folder_.write("c", TempFolder::read(saved()).cut(50)),
+                    oldest = folder_.write("o", Bytes().i16(3).zeros(500));
+  const std::pair<const char*, std::int64_t> cases[] = {
+      {missing.c_str(), -2}, {refused.c_str(), -1}, {cut.c_str(), 1}, {oldest.c_str(), 1}};
   char text[64] = "unchanged";
   float w = -1, h = -1, t = -1;
   std::uint32_t length = 99;
@@ -237,7 +258,8 @@ TEST_F(PartQueries, HostsCommaLocaleChangesNoNumber) {
   const std::string command = "localedef -i de_DE -f UTF-8 '" + folder_.path("comma") + "' >/dev/null 2>&1";
   (void)std::system(command.c_str());
   setenv("LOCPATH", folder_.path().c_str(), 1);
-  const bool hasComma = std::setlocale(LC_ALL, "comma") != nullptr && std::string(std::localeconv()->decimal_point) == ",";
+  const bool hasComma =
+      std::setlocale(LC_ALL, "comma") != nullptr && std::string(std::localeconv()->decimal_point) == ",";
   unsetenv("LOCPATH");
   if (!hasComma) GTEST_SKIP() << "the sources of a locale with a decimal comma are not installed";
   EXPECT_EQ(tools(), "1  0.500  0.000  0.000  0.000,");

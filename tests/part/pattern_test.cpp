@@ -183,7 +183,7 @@ namespace rows_of_a_pattern {
 enum class Missing { kGivesOne, kEndsWithZero };
 
 struct Row {
-  Bytes stored;                         // nothing for a step that reads nothing
+  Bytes stored;  // nothing for a step that reads nothing
   std::function<void(Pattern&)> apply;
   Missing missing = Missing::kGivesOne;
 };
@@ -425,7 +425,8 @@ std::string nameOf(int version, const Form& form) {
 }
 
 int readPattern(const Bytes& bytes, int version, bool embedded, Pattern& p, std::size_t* consumed = nullptr) {
-  return readFrom(bytes, [&](auto& s) { return ReadPattern(s, version, embedded, p); }, consumed);
+  return readFrom(
+      bytes, [&](auto& s) { return ReadPattern(s, version, embedded, p); }, consumed);
 }
 
 TEST(PatternRows, EveryVersionLoadsItsRowsIntoAFreshAndIntoAUsedPattern) {

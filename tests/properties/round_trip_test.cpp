@@ -36,12 +36,13 @@ TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
         const Bytes stored = written([&](auto& s) { return WritePartBody(s, version, embedded, *made); });
         const auto loaded = std::make_unique<TorvPart>();
         std::size_t consumed = 0;
-        ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadPartBody(s, version, embedded, *loaded); }, &consumed), 0);
+        ASSERT_EQ(readFrom(
+                      stored, [&](auto& s) { return ReadPartBody(s, version, embedded, *loaded); }, &consumed),
+                  0);
         ASSERT_EQ(consumed, stored.size());
         // placedShapes reads with one element: texts and notes that a shape lacks come from the one before.
         for (std::size_t i = 0; i < made->placedShapes.shapes.shapes.size() && version >= 160; ++i)
-          if (made->placedShapes.shapes.shapes[i].note.empty())
-            loaded->placedShapes.shapes.shapes[i].note.clear();
+          if (made->placedShapes.shapes.shapes[i].note.empty()) loaded->placedShapes.shapes.shapes[i].note.clear();
         ASSERT_EQ(written([&](auto& s) { return WritePartBody(s, version, embedded, *loaded); }), stored) << version;
       }
 }
@@ -131,7 +132,8 @@ TEST(Reload, PartOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsTheRest
         return path;
       };
       const std::string a = save(first, 1), b = save(second, 2);
-      const auto before = std::make_unique<TorvPart>(), part = std::make_unique<TorvPart>(), alone = std::make_unique<TorvPart>();
+      const auto before = std::make_unique<TorvPart>(), part = std::make_unique<TorvPart>(),
+                 alone = std::make_unique<TorvPart>();
       ASSERT_EQ(LoadOldPart(a.c_str(), before.get()), 0);
       ASSERT_EQ(LoadOldPart(a.c_str(), part.get()), 0);
       ASSERT_EQ(LoadOldPart(b.c_str(), part.get()), 0);
@@ -142,9 +144,11 @@ TEST(Reload, PartOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsTheRest
       }
       const std::size_t kept = before->nestShapeGroups.size();
       ASSERT_EQ(part->nestShapeGroups.size(), kept + alone->nestShapeGroups.size());
-      part->nestShapeGroups.erase(part->nestShapeGroups.begin(), part->nestShapeGroups.begin() + static_cast<std::ptrdiff_t>(kept));
+      part->nestShapeGroups.erase(part->nestShapeGroups.begin(),
+                                  part->nestShapeGroups.begin() + static_cast<std::ptrdiff_t>(kept));
       const Bytes again = written([&](auto& s) { return WritePartBody(s, second, false, *part); });
-      ASSERT_EQ(again, written([&](auto& s) { return WritePartBody(s, second, false, *alone); })) << second << " over " << first;
+      ASSERT_EQ(again, written([&](auto& s) { return WritePartBody(s, second, false, *alone); }))
+          << second << " over " << first;
     }
 }
 

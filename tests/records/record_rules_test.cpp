@@ -58,12 +58,24 @@ TEST(Tool, SymmetryComesFromTheThirdDimensionOfASpecialTool) {
   const struct {
     float dimension3;
     std::uint32_t flags;
-  } cases[] = {{1.0F, 1}, {1.00005F, 1}, {0.99995F, 1}, {1.0002F, 0}, {2.0F, 2}, {2.00005F, 2}, {2.0002F, 0}, {0, 0},
-               {1.5F, 0}, {-1.0F, 0}, {std::numeric_limits<float>::quiet_NaN(), 0}, {3.0F, 0}};
+  } cases[] = {{1.0F, 1},
+               {1.00005F, 1},
+               {0.99995F, 1},
+               {1.0002F, 0},
+               {2.0F, 2},
+               {2.00005F, 2},
+               {2.0002F, 0},
+               {0, 0},
+               {1.5F, 0},
+               {-1.0F, 0},
+               {std::numeric_limits<float>::quiet_NaN(), 0},
+               {3.0F, 0}};
   for (const auto& one : cases) {
     OldTool tool;
     tool.symmetryFlags = 0xFF;
-    ASSERT_EQ(readFrom(toolBytes(110, 108, false, one.dimension3), [&](auto& s) { return ReadOldTool(s, 110, false, tool); }), 0);
+    ASSERT_EQ(
+        readFrom(toolBytes(110, 108, false, one.dimension3), [&](auto& s) { return ReadOldTool(s, 110, false, tool); }),
+        0);
     EXPECT_EQ(tool.symmetryFlags, one.flags) << one.dimension3;
   }
   OldTool round;
@@ -102,7 +114,8 @@ TEST(Tool, LateWordsComeWithVersion110AndTheTailWith111) {
   EXPECT_EQ(toolBytes(111, 1, true).size(), toolBytes(110, 1, true).size() + 264);
   for (const int version : {109, 110, 111}) {
     const OldTool tool;
-    EXPECT_EQ(written([&](auto& s) { return WriteOldTool(s, version, true, tool); }).size(), toolBytes(version, 1, true).size());
+    EXPECT_EQ(written([&](auto& s) { return WriteOldTool(s, version, true, tool); }).size(),
+              toolBytes(version, 1, true).size());
   }
 }
 
@@ -119,7 +132,8 @@ TEST(Tool, NameIsEmptyAfterEveryRead) {
 
 TEST(ToolStationList, ModeCodeIsBits8To11OfTheModeWord) {
   ToolStationList list;
-  ASSERT_EQ(readFrom(Bytes().i32(0).i32(0).i32(0x0A02).i32(0), [&](auto& s) { return ReadToolStationList(s, 90, list); }), 0);
+  ASSERT_EQ(
+      readFrom(Bytes().i32(0).i32(0).i32(0x0A02).i32(0), [&](auto& s) { return ReadToolStationList(s, 90, list); }), 0);
   EXPECT_EQ(list.stationModeCode, 10U);
   ASSERT_EQ(readFrom(Bytes().i32(0).i32(0).i32(0), [&](auto& s) { return ReadToolStationList(s, 80, list); }), 0);
   EXPECT_EQ(list.stationModeWord, 2U);
@@ -133,7 +147,8 @@ TEST(ToolStationList, ExtraWordCountMustBeOneOrTwo) {
     Bytes bytes = Bytes().i32(0).i32(0).i32(0).i32(count);
     for (int i = 0; i < std::min(count, 2); ++i) bytes.i32(7 + i);
     const bool good = count == 1 || count == 2;
-    EXPECT_EQ(readFrom(bytes.i32(0), [&](auto& s) { return ReadToolStationList(s, 100, list); }), good ? 0 : 1) << count;
+    EXPECT_EQ(readFrom(bytes.i32(0), [&](auto& s) { return ReadToolStationList(s, 100, list); }), good ? 0 : 1)
+        << count;
     EXPECT_EQ(list.extraWords[0], good ? 7U : 0U);
     EXPECT_EQ(list.extraWords[1], count == 2 ? 8U : 0U);
   }
@@ -203,7 +218,9 @@ TEST(ToolStation, EndBehindWordHIsToleratedAtVersion130) {
 TEST(ToolStation, MorePairValuesRunOnIntoTheWordsBehindAndAreReadOver) {
   const ToolStation fresh;
   const std::size_t inFront = written([&](auto& s) { return WriteToolStation(s, 99, fresh); }).size() + 4;
-  const auto front = [&](int version) { return written([&](auto& s) { return WriteToolStation(s, version, fresh); }).cut(inFront); };
+  const auto front = [&](int version) {
+    return written([&](auto& s) { return WriteToolStation(s, version, fresh); }).cut(inFront);
+  };
   for (std::int32_t count = -1; count <= 10; ++count)
     for (const int version : {100, 110, 112, 130}) {
       Bytes bytes = front(version);
@@ -215,7 +232,8 @@ TEST(ToolStation, MorePairValuesRunOnIntoTheWordsBehindAndAreReadOver) {
       if (version >= 130) bytes.i32(106).i32(107);
       ToolStation s;
       std::size_t consumed = 0;
-      const int result = readFrom(bytes, [&](auto& in) { return ReadToolStation(in, version, s); }, &consumed);
+      const int result = readFrom(
+          bytes, [&](auto& in) { return ReadToolStation(in, version, s); }, &consumed);
       if (count > 9) {
         EXPECT_EQ(result, 1);
         EXPECT_EQ(consumed, inFront + 4) << "refused as soon as the count has been read";
@@ -260,7 +278,8 @@ TEST(ShapeList, CountOfZeroKeepsTheShapesAndANegativeOneDropsThem) {
 
 TEST(Shape, CountsOutsideTheirRangeAreRefusedByReaderAndWriter) {
   const auto attempt = [](std::int32_t values, std::int32_t extras) {
-    Bytes bytes = Bytes().u8(1).i32(0).i32(0).zeros(8).i32(values).zeros(static_cast<std::size_t>(std::clamp(values, 0, 9)) * 4);
+    Bytes bytes =
+        Bytes().u8(1).i32(0).i32(0).zeros(8).i32(values).zeros(static_cast<std::size_t>(std::clamp(values, 0, 9)) * 4);
     bytes.i32(0).i32(0).i32(extras).zeros(static_cast<std::size_t>(std::clamp(extras, 0, 2)) * 4).zeros(1000);
     Shape shape, made;
     made.valueCount = values;
@@ -331,7 +350,9 @@ TEST(Shape, NoteOfLengthZeroOrBelowStaysAsItWas) {
 
 TEST(Shape, NoteEndsAtItsFirstNul) {
   Shape loaded;
-  ASSERT_EQ(readFrom(shapeUpToNote().i32(5).raw({'a', 'b', 0, 'c', 'd'}), [&](auto& s) { return ReadShape(s, 160, loaded); }), 0);
+  ASSERT_EQ(
+      readFrom(shapeUpToNote().i32(5).raw({'a', 'b', 0, 'c', 'd'}), [&](auto& s) { return ReadShape(s, 160, loaded); }),
+      0);
   EXPECT_EQ(loaded.note, "ab");
 }
 
@@ -339,7 +360,9 @@ TEST(Shape, NoteThatTheFileCannotHoldGivesOneAndLeavesTheNote) {
   for (const std::int32_t length : {6, 2000000000}) {
     Shape loaded;
     loaded.note = "held";
-    EXPECT_EQ(readFrom(shapeUpToNote().i32(length).raw({1, 2, 3, 4, 5}), [&](auto& s) { return ReadShape(s, 160, loaded); }), 1);
+    EXPECT_EQ(
+        readFrom(shapeUpToNote().i32(length).raw({1, 2, 3, 4, 5}), [&](auto& s) { return ReadShape(s, 160, loaded); }),
+        1);
     EXPECT_EQ(loaded.note, "held");
   }
 }
@@ -410,7 +433,8 @@ TEST(ProcessSlot, BelowVersion80FiveFieldsReturnToTheirDefaultsAndTheToolWordsSt
     if (version >= 80) bytes.f32(1).f32(2).f32(3).f32(4).i32(5);
     ASSERT_EQ(readFrom(bytes, [&](auto& s) { return ReadProcessSlot(s, version, slot); }), 0);
     EXPECT_EQ(slot.firstLength, version >= 80 ? 1.0F : 0.25F);
-    EXPECT_EQ(std::bit_cast<std::uint32_t>(slot.secondAngle), version >= 80 ? std::bit_cast<std::uint32_t>(4.0F) : 0x3F490FDBU);
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(slot.secondAngle),
+              version >= 80 ? std::bit_cast<std::uint32_t>(4.0F) : 0x3F490FDBU);
     EXPECT_EQ(slot.slotKind, version >= 80 ? 5 : 3);
     EXPECT_EQ(slot.toolUse, 1);
   }
@@ -433,7 +457,10 @@ TEST(StepTable, CountsOf0AndBelowReadNoEntriesAndCountsAbove20AreRefused) {
     StepTable t;
     Bytes bytes = Bytes().zeros(20).i8(count).zeros(static_cast<std::size_t>(std::clamp(count, 0, 20)) * 7).zeros(2);
     std::size_t consumed = 0;
-    EXPECT_EQ(readFrom(bytes, [&](auto& s) { return ReadStepTable(s, 90, t); }, &consumed), count > 20 ? 1 : 0) << count;
+    EXPECT_EQ(readFrom(
+                  bytes, [&](auto& s) { return ReadStepTable(s, 90, t); }, &consumed),
+              count > 20 ? 1 : 0)
+        << count;
     EXPECT_EQ(consumed, count > 20 ? 21U : bytes.size());
     EXPECT_EQ(t.stepCount, count);
     bool ok = false;
@@ -472,7 +499,9 @@ TEST(SetupList, WithoutEntriesStoresFourBytesAndLosesTheRest) {
 TEST(SetupList, NegativeCountEmptiesTheEntriesAndGoesOnToTheRest) {
   SetupList list;
   list.entries.resize(2);
-  EXPECT_EQ(readFrom(Bytes().i32(-1).u16(7).zeros(40).zeros(8).i32(8).i32(9), [&](auto& s) { return ReadSetupList(s, list); }), 0);
+  EXPECT_EQ(readFrom(Bytes().i32(-1).u16(7).zeros(40).zeros(8).i32(8).i32(9),
+                     [&](auto& s) { return ReadSetupList(s, list); }),
+            0);
   EXPECT_TRUE(list.entries.empty());
   EXPECT_EQ(list.current.setupShort1, 7);
   EXPECT_EQ(list.tailWord1, 8U);
@@ -481,7 +510,9 @@ TEST(SetupList, NegativeCountEmptiesTheEntriesAndGoesOnToTheRest) {
 
 TEST(ProfileRecord, StoresItsBlocksFromVersion80) {
   const ProfileRecord fresh;
-  const auto sizeAt = [&](int version) { return written([&](auto& s) { return WriteProfileRecord(s, version, fresh); }).size(); };
+  const auto sizeAt = [&](int version) {
+    return written([&](auto& s) { return WriteProfileRecord(s, version, fresh); }).size();
+  };
   EXPECT_EQ(sizeAt(53), 48U);
   EXPECT_EQ(sizeAt(79), 52U);
   EXPECT_EQ(sizeAt(80), 52U + 56 + 2 * (28 + 21 + 1) + 16);
@@ -495,7 +526,9 @@ TEST(ProfileRecord, StoresItsBlocksFromVersion80) {
 
 TEST(MotionBlock, HoldsSevenWordsTwoMoreFrom151AndThreeMoreFrom152) {
   const MotionBlock fresh;
-  const auto sizeAt = [&](int version) { return written([&](auto& s) { return WriteMotionBlock(s, version, fresh); }).size(); };
+  const auto sizeAt = [&](int version) {
+    return written([&](auto& s) { return WriteMotionBlock(s, version, fresh); }).size();
+  };
   const std::size_t steps = 21 + 1 + 1;
   EXPECT_EQ(sizeAt(150), 7U * 4 + steps);
   EXPECT_EQ(sizeAt(151), 9U * 4 + steps);
@@ -504,7 +537,9 @@ TEST(MotionBlock, HoldsSevenWordsTwoMoreFrom151AndThreeMoreFrom152) {
 
 TEST(PatternItem, Stores8Then44Then48Bytes) {
   const PatternItem fresh;
-  const auto sizeAt = [&](int version) { return written([&](auto& s) { return WritePatternItem(s, version, fresh); }).size(); };
+  const auto sizeAt = [&](int version) {
+    return written([&](auto& s) { return WritePatternItem(s, version, fresh); }).size();
+  };
   EXPECT_EQ(sizeAt(61), 8U);
   EXPECT_EQ(sizeAt(62), 44U);
   EXPECT_EQ(sizeAt(89), 44U);
@@ -516,13 +551,17 @@ TEST(PatternItem, Below62TheMiddleFieldsBecomeZeroAndTheLateWordStays) {
   item.itemWord2 = item.itemPair1[0] = item.itemPair2[1] = item.itemShort1 = item.itemShort2 = 9;
   item.itemWord3 = item.itemWord4 = item.lateWord = 9;
   ASSERT_EQ(readFrom(Bytes().i32(1).i32(2), [&](auto& s) { return ReadPatternItem(s, 61, item); }), 0);
-  EXPECT_EQ(item.itemWord2 + item.itemPair1[0] + item.itemPair2[1] + item.itemShort1 + item.itemShort2 + item.itemWord3 + item.itemWord4, 0U);
+  EXPECT_EQ(item.itemWord2 + item.itemPair1[0] + item.itemPair2[1] + item.itemShort1 + item.itemShort2 +
+                item.itemWord3 + item.itemWord4,
+            0U);
   EXPECT_EQ(item.lateWord, 9U);
 }
 
 TEST(WorkEntry, Stores29BytesAtVersion59And65AtVersion130) {
   const WorkEntry fresh;
-  const auto sizeAt = [&](int version) { return written([&](auto& s) { return WriteWorkEntry(s, version, fresh); }).size(); };
+  const auto sizeAt = [&](int version) {
+    return written([&](auto& s) { return WriteWorkEntry(s, version, fresh); }).size();
+  };
   EXPECT_EQ(sizeAt(59), 29U);
   EXPECT_EQ(sizeAt(60), 45U);
   EXPECT_EQ(sizeAt(61), 49U);

@@ -25,7 +25,9 @@ void expectStoredForm(const Stored& stored, const Read& read, const Write& write
 
     Record record;
     std::size_t consumed = 0;
-    EXPECT_EQ(readFrom(whole, [&](auto& s) { return read(s, version, record); }, &consumed), 0);
+    EXPECT_EQ(readFrom(
+                  whole, [&](auto& s) { return read(s, version, record); }, &consumed),
+              0);
     EXPECT_EQ(consumed, whole.size());
     Checker checker;
     stored(checker, version, record);
@@ -37,7 +39,8 @@ void expectStoredForm(const Stored& stored, const Read& read, const Write& write
     for (std::size_t cut = 0; cut < whole.size(); ++cut) {
       Record part;
       std::size_t ended = 0;
-      const int result = readFrom(whole.cut(cut), [&](auto& s) { return read(s, version, part); }, &ended);
+      const int result = readFrom(
+          whole.cut(cut), [&](auto& s) { return read(s, version, part); }, &ended);
       EXPECT_EQ(result, tolerates(version, cut, whole.size()) ? 0 : 1) << "cut at " << cut;
       EXPECT_EQ(ended, cut) << "a failed read leaves the stream at the end";
       if (!checksCutFields) continue;
@@ -55,7 +58,8 @@ TEST(StoredRecords, ToolOfEveryShapeCodeWithAndWithoutItsPath) {
     for (const bool path : {true, false})
       expectStoredForm<OldTool>([&](auto& m, int v, OldTool& t) { storedTool(m, v, path, code, t); },
                                 [&](auto& s, int v, OldTool& t) { return ReadOldTool(s, v, path, t); },
-                                [&](auto& s, int v, const OldTool& t) { return WriteOldTool(s, v, path, t); }, kNothing);
+                                [&](auto& s, int v, const OldTool& t) { return WriteOldTool(s, v, path, t); },
+                                kNothing);
 }
 
 TEST(StoredRecords, ToolStation) {
@@ -67,7 +71,9 @@ TEST(StoredRecords, ToolStation) {
 
 TEST(StoredRecords, ToolStationList) {
   expectStoredForm<ToolStationList>(
-      [](auto& m, int v, ToolStationList& r) { storedStations(m, v, {1, 108, 107, 0}, r); },
+      [](auto& m, int v, ToolStationList& r) {
+        storedStations(m, v, {1, 108, 107, 0}, r);
+      },
       [](auto& s, int v, ToolStationList& r) { return ReadToolStationList(s, v, r); },
       [](auto& s, int v, const ToolStationList& r) { return WriteToolStationList(s, v, r); }, kNothing, false);
 }
@@ -88,13 +94,15 @@ TEST(StoredRecords, ShapeList) {
   expectStoredForm<ShapeList>([](auto& m, int v, ShapeList& r) { storedShapeList(m, v, someShapes(), r); },
                               [](auto& s, int v, ShapeList& r) { return ReadShapeList(s, v, r); },
                               [](auto& s, int v, const ShapeList& r) { return WriteShapeList(s, v, r); },
-                              [](int v, std::size_t cut, std::size_t size) { return v >= 161 && cut >= size - 8; }, false);
+                              [](int v, std::size_t cut, std::size_t size) { return v >= 161 && cut >= size - 8; },
+                              false);
 }
 
 TEST(StoredRecords, ProcessSlot) {
   expectStoredForm<ProcessSlot>([](auto& m, int v, ProcessSlot& r) { storedSlot(m, v, r); },
                                 [](auto& s, int v, ProcessSlot& r) { return ReadProcessSlot(s, v, r); },
-                                [](auto& s, int v, const ProcessSlot& r) { return WriteProcessSlot(s, v, r); }, kNothing);
+                                [](auto& s, int v, const ProcessSlot& r) { return WriteProcessSlot(s, v, r); },
+                                kNothing);
 }
 
 TEST(StoredRecords, StepTableToleratesAnEndInFrontOfItsCount) {
@@ -148,7 +156,8 @@ TEST(StoredRecords, ProfileListAndStepTableList) {
       [](auto& s, int v, ProfileList& r) { return ReadProfileList(s, v, r); },
       [](auto& s, int v, const ProfileList& r) { return WriteProfileList(s, v, r); },
       [](int v, std::size_t cut, std::size_t size) {
-        const std::size_t late = (v >= 150 ? 4U : 0U) + (v >= 151 ? 8U : 0U) + (v >= 152 ? 1U : 0U) + (v >= 161 ? 4U : 0U);
+        const std::size_t late =
+            (v >= 150 ? 4U : 0U) + (v >= 151 ? 8U : 0U) + (v >= 152 ? 1U : 0U) + (v >= 161 ? 4U : 0U);
         return cut >= size - late;
       },
       false);
@@ -165,7 +174,8 @@ TEST(StoredRecords, ProfileListAndStepTableList) {
 TEST(StoredRecords, PatternItemAndItsList) {
   expectStoredForm<PatternItem>([](auto& m, int v, PatternItem& r) { storedItem(m, v, r); },
                                 [](auto& s, int v, PatternItem& r) { return ReadPatternItem(s, v, r); },
-                                [](auto& s, int v, const PatternItem& r) { return WritePatternItem(s, v, r); }, kNothing);
+                                [](auto& s, int v, const PatternItem& r) { return WritePatternItem(s, v, r); },
+                                kNothing);
   expectStoredForm<PatternItemList>(
       [](auto& m, int v, PatternItemList& r) {
         m.size(r, 3);
@@ -208,18 +218,17 @@ TEST(StoredRecords, PatternPlainAndAsAGroupInBothForms) {
   for (const bool embedded : {true, false})
     for (const std::int32_t kind : {0, 32000, 32004}) {
       const PatternForm form{kind, embedded, 2, 3};
-      expectStoredForm<Pattern>(
-          [&](auto& m, int v, Pattern& r) { storedPattern(m, v, form, r); },
-          [&](auto& s, int v, Pattern& r) { return ReadPattern(s, v, embedded, r); },
-          [](auto& s, int v, const Pattern& r) { return WritePattern(s, v, r); },
-          [&](int v, std::size_t cut, std::size_t size) {
-            const TolerantRange late = lateGroupData(v, 3);
-            const bool inGroup = kind != 0 && v >= 110 && cut >= late.from && cut < late.to;
-            // The pattern ends with a step table of one step, which may end in front of its count.
-            const std::size_t steps = 7 + 1 + (v >= 90 ? 1U : 0U);
-            return inGroup || (v >= 80 && cut == size - steps - 1);
-          },
-          false);
+      expectStoredForm<Pattern>([&](auto& m, int v, Pattern& r) { storedPattern(m, v, form, r); },
+                                [&](auto& s, int v, Pattern& r) { return ReadPattern(s, v, embedded, r); },
+                                [](auto& s, int v, const Pattern& r) { return WritePattern(s, v, r); },
+                                [&](int v, std::size_t cut, std::size_t size) {
+                                  const TolerantRange late = lateGroupData(v, 3);
+                                  const bool inGroup = kind != 0 && v >= 110 && cut >= late.from && cut < late.to;
+                                  // The pattern ends with a step table of one step, which may end in front of its count.
+                                  const std::size_t steps = 7 + 1 + (v >= 90 ? 1U : 0U);
+                                  return inGroup || (v >= 80 && cut == size - steps - 1);
+                                },
+                                false);
     }
 }
 

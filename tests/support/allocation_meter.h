@@ -9,9 +9,9 @@ namespace testing_support {
 class AllocationMeter {
  public:
   AllocationMeter();
-  std::size_t peak() const;      // bytes held at most beyond what was held before
-  std::size_t largest() const;   // largest single allocation
-  std::size_t count() const;     // allocations
+  std::size_t peak() const;     // bytes held at most beyond what was held before
+  std::size_t largest() const;  // largest single allocation
+  std::size_t count() const;    // allocations
 };
 
 // While it lives, the n-th allocation (from 0) of this thread fails, and with `forGood` all behind it.

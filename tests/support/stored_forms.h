@@ -79,11 +79,16 @@ class Maker {
  private:
   template <class T>
   void append(T value) {
-    if constexpr (std::is_same_v<T, float>) bytes.f32(value);
-    else if constexpr (std::is_same_v<T, double>) bytes.f64(value);
-    else if constexpr (sizeof(T) == 1) bytes.u8(static_cast<std::uint8_t>(value));
-    else if constexpr (sizeof(T) == 2) bytes.u16(static_cast<std::uint16_t>(value));
-    else bytes.u32(static_cast<std::uint32_t>(value));
+    if constexpr (std::is_same_v<T, float>)
+      bytes.f32(value);
+    else if constexpr (std::is_same_v<T, double>)
+      bytes.f64(value);
+    else if constexpr (sizeof(T) == 1)
+      bytes.u8(static_cast<std::uint8_t>(value));
+    else if constexpr (sizeof(T) == 2)
+      bytes.u16(static_cast<std::uint16_t>(value));
+    else
+      bytes.u32(static_cast<std::uint32_t>(value));
   }
   Values values_;
 };
@@ -155,13 +160,17 @@ void each(M& m, T (&row)[N]) {
 // A default other than zero, for a field that a cut may leave at it.
 template <class M, class T>
 void numberOr(M& m, T& field, T fresh) {
-  if constexpr (M::kMakes) m.number(field);
-  else m.number(field, fresh);
+  if constexpr (M::kMakes)
+    m.number(field);
+  else
+    m.number(field, fresh);
 }
 template <class M, class T, class V>
 void fixedOr(M& m, T& field, V value, T fresh) {
-  if constexpr (M::kMakes) m.fixed(field, value);
-  else m.fixed(field, value, fresh);
+  if constexpr (M::kMakes)
+    m.fixed(field, value);
+  else
+    m.fixed(field, value, fresh);
 }
 
 // ---- tools ---------------------------------------------------------------------------------------
@@ -182,7 +191,8 @@ void storedTool(M& m, int version, bool pathIsStored, std::int32_t shapeCode, Ol
     m.number(t.dimension2);
   }
   m.number(t.dimension3);
-  for (auto [count, row] : {std::pair{&t.firstValueCount, &t.firstValues}, std::pair{&t.secondValueCount, &t.secondValues}}) {
+  for (auto [count, row] :
+       {std::pair{&t.firstValueCount, &t.firstValues}, std::pair{&t.secondValueCount, &t.secondValues}}) {
     m.number(*count);
     for (int i : {0, 1, 2}) m.number((*row)[i]);
     if (version >= 110) {
@@ -262,10 +272,14 @@ void storedStation(M& m, int version, ToolStation& s) {
 template <class M>
 void storedStations(M& m, int version, const std::vector<std::int32_t>& codes, ToolStationList& l) {
   m.number(l.headerWord);
-  if (version >= 61) m.number(l.secondHeaderWord);
-  else m.absent(l.secondHeaderWord, 0U);
-  if (version >= 90) m.number(l.stationModeWord);
-  else m.absent(l.stationModeWord, 2U);
+  if (version >= 61)
+    m.number(l.secondHeaderWord);
+  else
+    m.absent(l.secondHeaderWord, 0U);
+  if (version >= 90)
+    m.number(l.stationModeWord);
+  else
+    m.absent(l.stationModeWord, 2U);
   m.absent(l.stationModeCode, (l.stationModeWord >> 8U) & 0xFU);
   if (version >= 100) {
     m.stored(2);
@@ -308,8 +322,10 @@ void storedShape(M& m, int version, const ShapeForm& form, Shape& s) {
   m.number(s.auxValue2);
   m.number(s.auxValue3);
   m.number(s.auxValue4);
-  if (version >= 112 && version <= 120) m.number(s.rangeValue);
-  else m.absent(s.rangeValue, 0U);
+  if (version >= 112 && version <= 120)
+    m.number(s.rangeValue);
+  else
+    m.absent(s.rangeValue, 0U);
   if (version >= 151) {
     m.number(s.lateByte1);
     m.number(s.lateByte2);
@@ -387,8 +403,10 @@ void storedSteps(M& m, int version, int steps, StepTable& t) {
     numberOr(m, t.stepByteB[at], std::uint8_t{1});
     m.number(t.stepByteC[at]);
   }
-  if (version >= 80) m.number(t.tableFlag);
-  else m.absent(t.tableFlag, std::uint8_t{0});
+  if (version >= 80)
+    m.number(t.tableFlag);
+  else
+    m.absent(t.tableFlag, std::uint8_t{0});
   if (version >= 90) m.number(t.lateFlag);
 }
 
@@ -627,8 +645,10 @@ void storedExtensions(M& m, int version, TorvPart& p) {
     m.size(p.nestShapeGroups, 2);
     for (ShapeGroup& g : p.nestShapeGroups) {
       m.number(g.groupWord);
-      if (version >= 152) m.number(g.groupByte);
-      else m.absent(g.groupByte, std::uint8_t{0});
+      if (version >= 152)
+        m.number(g.groupByte);
+      else
+        m.absent(g.groupByte, std::uint8_t{0});
       storedShapeList(m, version, someShapes(), g.shapes);
     }
   }
@@ -783,9 +803,9 @@ inline std::vector<int> allVersions() {
   return all;
 }
 inline const std::vector<int>& partVersions() {
-  static const std::vector<int> all{52,  54,  60,  61,  62,  71,  80,  90,  91,  92,  100, 101, 102, 110, 111, 112,
-                                    120, 121, 130, 140, 141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160,
-                                    161, 162, 170, 180};
+  static const std::vector<int> all{52,  54,  60,  61,  62,  71,  80,  90,  91,  92,  100, 101,
+                                    102, 110, 111, 112, 120, 121, 130, 140, 141, 150, 151, 152,
+                                    153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
   return all;
 }
 

@@ -10,8 +10,8 @@ namespace {
 
 using namespace testing_support;
 
-const std::vector<int> kAccepted{52,  54,  60,  90,  91,  92,  100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141,
-                                 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+const std::vector<int> kAccepted{52,  54,  60,  90,  91,  92,  100, 101, 102, 110, 111, 112, 120, 121, 130, 140,
+                                 141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
 
 struct Answers {
   std::uint32_t shapeCount = 99;
@@ -146,7 +146,8 @@ TEST(CurrentSpecialTool, HandsOutItsValuesAndShapes) {
 TEST(CurrentSpecialTool, ShapeIndexOutsideTheListLeavesTheOutputs) {
   const TempFolder folder;
   const Answers a(folder.write("a.spt", specialToolFile(110, {3, 4})));
-  for (const std::int32_t index : {-1, 2, 3, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
+  for (const std::int32_t index :
+       {-1, 2, 3, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
     std::int32_t type = 42;
     float x = 42, y = 42, v[4] = {42, 42, 42, 42};
     GetShapeAt(index, &type, &x, &y, &v[0], &v[1], &v[2], &v[3]);

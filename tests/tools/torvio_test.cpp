@@ -38,19 +38,21 @@ class Torvio : public testing::Test {
 TEST_F(Torvio, MapPrintsOffsetSizePathAndValueOfEveryField) {
   const Outcome run = torvio("map " + tool_);
   EXPECT_EQ(run.code, 0);
-  for (const char* line : {"00000000      2 version = 60\n", "00000002      4 tool.orientation = 0.5\n",
-                           "00000006      4 tool.shapeCode = 108\n", " tool.firstValues[5] = 25\n", "     59 reserved = (dropped)\n",
-                           " shapes.shapes.count = 1\n", "      1 shapes.shapes[0].type = 3\n", "      8 shapes.shapes[0].x, y = ",
-                           " setupList.entryCount = 0\n"})
+  for (const char* line :
+       {"00000000      2 version = 60\n", "00000002      4 tool.orientation = 0.5\n",
+        "00000006      4 tool.shapeCode = 108\n", " tool.firstValues[5] = 25\n", "     59 reserved = (dropped)\n",
+        " shapes.shapes.count = 1\n", "      1 shapes.shapes[0].type = 3\n",
+        "      8 shapes.shapes[0].x, y = ", " setupList.entryCount = 0\n"})
     EXPECT_NE(run.output.find(line), std::string::npos) << line << run.output;
 }
 
 TEST_F(Torvio, MapOfADamagedFileEndsWithTheFault) {
   const Outcome run = torvio("map " + cut_);
   EXPECT_EQ(run.code, 1);
-  EXPECT_TRUE(run.output.ends_with("00000002      4 tool.orientation = 0.5\n00000006      4 tool.shapeCode = 108\n"
-                                   "0000000a      4 tool.specialToolIndex = 0\n0000000e      4 tool.auxWord1 = 0\n"
-                                   "FAULT at 00000012 in tool.dimension1: needs 4 bytes, the file has 2\n"))
+  EXPECT_TRUE(
+      run.output.ends_with("00000002      4 tool.orientation = 0.5\n00000006      4 tool.shapeCode = 108\n"
+                           "0000000a      4 tool.specialToolIndex = 0\n0000000e      4 tool.auxWord1 = 0\n"
+                           "FAULT at 00000012 in tool.dimension1: needs 4 bytes, the file has 2\n"))
       << run.output;
 }
 
@@ -60,11 +62,12 @@ TEST_F(Torvio, CheckPrintsOneLineAFile) {
   EXPECT_EQ(run.code, 1);
   const std::string size = std::to_string(specialToolFile(60, {3}).size());
   const std::string more = std::to_string(specialToolFile(60, {3}).size() + 7);
-  EXPECT_EQ(run.output,
-            tool_ + ": special-tool, version 60, status 0, " + size + " of " + size + " bytes\n" +
-            cut_ + ": special-tool, version 60, status 1, 18 of 20 bytes, at 00000012 in tool.dimension1: needs 4 bytes, the file has 2\n" +
-            longer + ": special-tool, version 60, status 0, " + size + " of " + more + " bytes, the rest is not looked at\n" +
-            folder_.path("none") + ": unknown kind, version -, status -2, 0 of 0 bytes, cannot be opened\n");
+  EXPECT_EQ(run.output, tool_ + ": special-tool, version 60, status 0, " + size + " of " + size + " bytes\n" + cut_ +
+                            ": special-tool, version 60, status 1, 18 of 20 bytes, at 00000012 in tool.dimension1: "
+                            "needs 4 bytes, the file has 2\n" +
+                            longer + ": special-tool, version 60, status 0, " + size + " of " + more +
+                            " bytes, the rest is not looked at\n" + folder_.path("none") +
+                            ": unknown kind, version -, status -2, 0 of 0 bytes, cannot be opened\n");
   EXPECT_EQ(torvio("check " + tool_ + " " + longer).code, 0);
 }
 
@@ -79,12 +82,16 @@ TEST_F(Torvio, KindCanBeForced) {
 TEST_F(Torvio, FileOfNoKindIsToldSo) {
   const Outcome run = torvio("check " + folder_.write("x", Bytes().i16(99).zeros(9)));
   EXPECT_EQ(run.code, 1);
-  EXPECT_NE(run.output.find("unknown kind, version 99, status -1, 2 of 11 bytes, at 00000000 in version: 99: no version of a part file"),
-            std::string::npos) << run.output;
+  EXPECT_NE(
+      run.output.find(
+          "unknown kind, version 99, status -1, 2 of 11 bytes, at 00000000 in version: 99: no version of a part file"),
+      std::string::npos)
+      << run.output;
 }
 
 TEST_F(Torvio, MisuseGivesTwoAndHelpZero) {
-  for (const char* arguments : {"", "map", "check", "nonsense", "map a b", "check --kind nonsense x", "check --nonsense x"})
+  for (const char* arguments :
+       {"", "map", "check", "nonsense", "map a b", "check --kind nonsense x", "check --nonsense x"})
     EXPECT_EQ(torvio(arguments).code, 2) << arguments;
   for (const char* arguments : {"--help", "map --help", "check --help", "--version"}) {
     const Outcome run = torvio(arguments);
