@@ -9,7 +9,8 @@ namespace {
 
 // Large enough that the system calls vanish, small enough to stay in the processor's cache.
 constexpr std::size_t kWindow = 64U << 10U;
-constexpr std::size_t kFirstBuffer = 4U << 10U;
+constexpr std::size_t kFirstBuffer = 16U << 10U;
+constexpr std::size_t kPage = 4U << 10U;
 constexpr std::size_t kLargestBuffer = 256U << 10U;
 static_assert(kWindow > InStream::kLargestRun);
 
@@ -86,18 +87,23 @@ void InStream::toEnd() {
 
 OutStream::OutStream(std::FILE* file) : file_(file) {}
 
-bool OutStream::flush() {
-  if (file_ != nullptr && !failed_ && used_ > 0) failed_ = std::fwrite(buffer_.get(), 1, used_, file_) != used_;
-  if (file_ != nullptr) used_ = 0;
+bool OutStream::flush() { return handOver(used_); }
+
+bool OutStream::handOver(std::size_t size) {
+  if (file_ == nullptr) return true;
+  if (!failed_ && size > 0) failed_ = std::fwrite(buffer_.get(), 1, size, file_) != size;
+  used_ -= size;
+  if (used_ > 0) std::memmove(buffer_.get(), buffer_.get() + size, used_);
   return !failed_;
 }
 
 bool OutStream::makeRoom(std::size_t size) {
   if (file_ != nullptr && capacity_ >= kLargestBuffer) {
-    if (!flush()) return false;
-    if (size <= capacity_) return true;
+    // Whole pages only: the system then never has to come back to a page that it has half written.
+    if (!handOver(used_ - used_ % kPage)) return false;
+    if (size <= capacity_ - used_) return true;
   }
-  std::size_t larger = std::max(capacity_ * 2, kFirstBuffer);
+  std::size_t larger = std::max(capacity_ * 4, kFirstBuffer);
   while (larger - used_ < size) larger *= 2;
   auto grown = std::make_unique_for_overwrite<std::byte[]>(larger);
   if (used_ > 0) std::memcpy(grown.get(), buffer_.get(), used_);

@@ -90,6 +90,8 @@ class OutStream {
 
  private:
   bool makeRoom(std::size_t size);
+  // Writes the first `size` bytes of the buffer and moves the rest to its front.
+  bool handOver(std::size_t size);
 
   std::unique_ptr<std::byte[]> buffer_;
   std::size_t used_ = 0;
