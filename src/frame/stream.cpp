@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kWindow = 64U << 10U;
 constexpr std::size_t kFirstBuffer = 16U << 10U;
 constexpr std::size_t kPage = 4U << 10U;
-constexpr std::size_t kLargestBuffer = 256U << 10U;
+constexpr std::size_t kLargestBuffer = 1024U << 10U;
 static_assert(kWindow > InStream::kLargestRun);
 
 }  // namespace
