@@ -13,7 +13,7 @@ namespace frame = oldtorvio::frame;
 class FreadReader : public frame::Reading<FreadReader> {
  public:
   FreadReader(std::FILE* file, int version)
-      : Reading(version), file_(file), left_(frame::sizeOfFile(file).value_or(0)) {}
+      : Reading(version), file_(file), size_(frame::sizeOfFile(file).value_or(0)), left_(size_) {}
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const frame::Fields<Names, T...>& f) {
@@ -29,9 +29,13 @@ class FreadReader : public frame::Reading<FreadReader> {
       if (!one(members[i])) return false;
     return true;
   }
-  template <class Names, std::size_t N>
-  [[nodiscard]] bool sizedField(const Names&, char (&field)[N], std::size_t size) {
-    return take(field, size);
+  template <class Names, class M>
+  [[nodiscard]] bool indexed(const Names&, std::size_t, M& member) {
+    return one(member);
+  }
+  template <class Names, class M>
+  [[nodiscard]] bool sizedField(const Names&, M& field, std::size_t size) {
+    return take(std::data(field), size);
   }
   bool text(std::string& to, std::uint64_t size) {
     if (size > left_) return fellShort();
@@ -45,6 +49,8 @@ class FreadReader : public frame::Reading<FreadReader> {
     return true;
   }
   std::uint64_t left() const { return left_; }
+  bool has(std::size_t size) const { return size <= left_; }
+  std::uint64_t position() const { return size_ - left_; }
 
  private:
   template <class M>
@@ -68,6 +74,7 @@ class FreadReader : public frame::Reading<FreadReader> {
   }
 
   std::FILE* file_;
+  std::uint64_t size_;
   std::uint64_t left_;
 };
 

@@ -35,7 +35,7 @@ bool freadLoad(const std::string& path, Record& record, const More&... more) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
   bench::FreadReader io(file, bench::kVersion);
   std::int16_t version = 0;
-  const bool ok = io.fields(F(version)) && frame::Layout<Record>::describe(io, record, more...);
+  const bool ok = io.fields(F(version)) && io.whole(record, more...);
   std::fclose(file);
   return ok;
 }

@@ -18,24 +18,43 @@
 //   between(112, 120, F(a))      stored in these versions and no others
 //   when(condition, F(a))        stored when an earlier value says so
 //   leading(n, F(a, b, c))       the first n of these numbers, or of one array of numbers
-//   sized(F(text), n)            n bytes of a fixed text as one item; none is a failed read
+//   slice(F(a), first, last)     these entries of an array of numbers or texts
+//   sliceAs<T>(F(a), first, last)  as slice, each stored as a T
+//   nonZero(F(a))                the reader keeps what the record holds where the file stores 0
+//   sized(F(text), n)            n bytes of a fixed text or block as one item; none is a failed read
+//   bytesOrOne(F(text), n)       n single bytes; a file that ends behind the first passes as well
 //   lengthText(F(s))             i32 length and that many bytes, kept up to their first NUL
+//   lengthTextOrEmpty(F(s), n)   as lengthText; a length below 1 empties s, one above n is refused
+//   textItem<256>(F(s))          a string stored as a fixed text
 //   reserved(499)                fill bytes: dropped by the reader, zeros from the writer
+//   padded(500, chain)           the chain, then fill bytes until both take 500
 //
 // Rules.
 //   range(F(a), lo, hi)          refused outside; reader and writer alike
+//   atMost(F(a), hi)             refused above
+//   notReadOn()                  refuses: what follows is not read by anyone
 //   repair(record, [](auto& r))  reader only, when all before it succeeded
-//   tail(chain)                  a short read inside ends the record with success; a refusal does not
-//   tailThen(chain, rest)        as tail, and the mandatory rest follows only a whole chain
+//   tail(F(a))                   a short read inside ends the record with success; a refusal does not
+//   lenient(chain)               any failure inside ends the record with success
+//   ignored(chain)               a failure inside changes nothing: the walk goes on behind it
+//   skipUnless(F(a), chain)      where a cannot be read the chain is skipped and the walk goes on
+//
+// Where reader and writer differ.
+//   differs(chain, chain)        what the reader walks, what the writer walks
+//   onlyRead([&](auto& io) {...})  what no writer stores
+//   either(a, b)                 a value: a for a reader, b for the writer
+//   rewrite(record, [](auto& r)) writer only, when all before it succeeded: changes the record
 //
 // Records and lists. Further arguments go to the element's description. An element that fails is not
 // kept, unless the verb says so.
 //   record(F(r))                 an embedded record
+//   replaced(F(r))               as record, read into a fresh one that then takes its place
 //   countFirst(F(v))             i32 count; zero leaves the list as it was, anything else empties it
 //   counted(count, F(v))         the same behind a count that a field has taken (see countOf)
 //   countThenClear(F(v))         i32 count; the list is emptied whatever it is
 //   clear(F(v)), append(F(v))    emptied here; i32 count and elements behind what the list holds
 //   appendRun(n, F(v))           n elements behind what the list holds, no count stored
+//   element(F(v), i, chain)      reading only: the chain is told as entry i of v
 //   reusedElement(F(v))          as countThenClear, with one element that is read over and over
 //   interleaved(F(v, w))         count-first, elements of v and w in turns; v keeps one whose w failed
 //   columns(F(view))             i32 count and rows of parallel columns; below one keeps the columns
@@ -93,7 +112,7 @@ struct Layout;  // a specialisation describes the record, see above
 // Small elements that files hold by the thousand say so with `static constexpr bool kSprints = true`:
 // reader and writer then take a quicker way through them.
 template <class R>
-concept Sprints = Layout<R>::kSprints;
+concept Sprints = Layout<std::remove_const_t<R>>::kSprints;
 
 template <Number T>
 struct Layout<T> {
@@ -101,8 +120,8 @@ struct Layout<T> {
   static bool describe(auto& io, auto& itself) { return io.fields(F(itself)); }
 };
 
-// Why a chain stopped: a tail forgives a short read, never a refusal.
-enum class Stop : std::uint8_t { none, shortRead, refused };
+// Why a chain stopped: a tail forgives a short read, never a refusal, and then the record has ended.
+enum class Stop : std::uint8_t { none, shortRead, refused, ended };
 
 // The gates, alike for every walker.
 template <class Self>

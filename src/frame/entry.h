@@ -38,6 +38,20 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
   });
 }
 
+// Creates `path` and stores what write(stream) gives. A failed write leaves what had been stored before.
+template <class Write>
+std::int64_t saveUnversioned(const char* path, Write&& write) noexcept {
+  return guarded(kNotSaved, [&]() -> std::int64_t {
+    File file = File::openToWrite(path);
+    if (!file) return kNotOpened;
+    OutStream stream(file.handle());
+    const bool stored = write(stream);
+    const bool flushed = stream.flush();
+    const bool closed = file.close();
+    return stored && flushed && closed ? kDone : kNotSaved;
+  });
+}
+
 // Creates `path`, tests the version, stores the version word and what write(stream) gives. A refused
 // version leaves an empty file; a failed write leaves what had been stored before it.
 template <class Accepts, class Write>

@@ -31,6 +31,18 @@ void printHex(std::string& to, unsigned value) {
   to += kDigits[value & 0xFU];
 }
 
+// "01 x 10000, 00 x 30000": long blocks are mostly runs.
+void printRuns(std::string& to, const std::uint8_t* bytes, std::size_t width) {
+  for (std::size_t i = 0; i < width;) {
+    std::size_t end = i + 1;
+    while (end < width && bytes[end] == bytes[i]) ++end;
+    if (i > 0) to += ", ";
+    printHex(to, bytes[i]);
+    if (end - i > 1) to.append(" x ").append(std::to_string(end - i));
+    i = end;
+  }
+}
+
 }  // namespace
 
 std::vector<std::string> fieldNames(std::string_view stringised) {
@@ -74,6 +86,8 @@ void printText(std::string& to, const char* field, std::size_t width) {
 }
 
 void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width) {
+  constexpr std::size_t kPlain = 64;
+  if (width > kPlain) return printRuns(to, bytes, width);
   for (std::size_t i = 0; i < width; ++i) {
     if (i > 0) to += ' ';
     printHex(to, bytes[i]);
@@ -123,8 +137,10 @@ void Mapper::tell(std::uint64_t size, const std::string& name, std::string value
   sink_({lastOffset_, size, pathOf(name), std::move(value)});
 }
 
+void Mapper::refusedHere() { fault_ = Fault{in_.position(), pathOf("rest"), "is not read in a file of this version"}; }
+
 void Mapper::forgiven() {
-  remark("ends short at " + fault_->path + ", which is tolerated there");
+  remark("fails at " + fault_->path + " (" + fault_->reason + "), which is tolerated there");
   fault_.reset();
 }
 
@@ -137,11 +153,12 @@ void Mapper::enterPath(const std::string& name, std::int64_t index) {
   path_ = pathOf(name);
   if (index >= 0) path_.append("[").append(std::to_string(index)).append("]");
   path_ += '.';
-  outer_.push_back(before);
+  outer_.push_back({before, row_});
 }
 
 void Mapper::leave() {
-  path_.resize(outer_.back());
+  path_.resize(outer_.back().pathLength);
+  row_ = outer_.back().row;
   outer_.pop_back();
 }
 

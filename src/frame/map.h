@@ -59,20 +59,29 @@ class Mapper : public Reading<Mapper> {
   [[nodiscard]] bool numbers(const Names& names, T (&members)[N], std::size_t count) {
     return numberRow(fieldNames(names()).front(), members, count);
   }
-  template <class Names, std::size_t N>
-  [[nodiscard]] bool sizedField(const Names& names, char (&field)[N], std::size_t size) {
+  template <class Names, class M>
+  [[nodiscard]] bool indexed(const Names& names, std::size_t i, M& member) {
+    return item(fieldNames(names()).front() + '[' + std::to_string(i) + ']', member);
+  }
+  template <class Names, class M>
+  [[nodiscard]] bool sizedField(const Names& names, M& field, std::size_t size) {
     const std::string name = fieldNames(names()).front();
     const std::byte* from = take(name, size);
     if (from == nullptr) return false;
-    std::memcpy(field, from, size);
+    std::memcpy(std::data(field), from, size);
     std::string value;
-    printText(value, field, size);
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(field[0])>, char>)
+      printText(value, std::data(field), size);
+    else
+      printBytes(value, std::data(field), size);
     tell(size, name, std::move(value));
     return true;
   }
   bool text(std::string& to, std::uint64_t size);
   bool drop(std::size_t size);
   std::uint64_t left() const { return in_.left(); }
+  bool has(std::size_t size) { return in_.run(size) != nullptr; }
+  std::uint64_t position() const { return in_.position(); }
 
   template <class Names>
   void enter(const Names& names, std::int64_t index = -1, std::size_t list = 0) {
@@ -86,6 +95,7 @@ class Mapper : public Reading<Mapper> {
     printValue(reason, static_cast<std::int64_t>(value));
     fault_ = Fault{lastOffset_, pathOf(fieldNames(x.names()).front()), reason + " is refused"};
   }
+  void refusedHere();
   void forgiven();
   // A line of its own that belongs to no byte.
   void remark(std::string text);
@@ -147,8 +157,12 @@ class Mapper : public Reading<Mapper> {
 
   InStream& in_;
   MapSink sink_;
-  std::string path_;                // ends with "." unless empty
-  std::vector<std::size_t> outer_;  // lengths of the paths around it
+  std::string path_;  // ends with "." unless empty
+  struct Outer {
+    std::size_t pathLength;
+    std::int64_t row;
+  };
+  std::vector<Outer> outer_;  // what a record is inside of
   std::int64_t row_ = 0;
   std::uint64_t lastOffset_ = 0;
   std::optional<Fault> fault_;

@@ -82,17 +82,36 @@ class Reader : public Reading<Reader> {
     return true;
   }
 
-  template <class Names, std::size_t N>
-  [[nodiscard]] bool sizedField(const Names&, char (&field)[N], std::size_t size) {
+  template <class Names, class M>
+  [[nodiscard]] bool indexed(const Names&, std::size_t, M& member) {
+    return one(member);
+  }
+  // As fields: checked once, and entry by entry only where the whole slice is not there.
+  template <class X>
+  [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
+    auto& all = x.only();
+    using Item = wire::ItemOf<decltype(all[0])>;
+    const std::byte* from = in_.run((last - first + 1) * Item::kWidth);
+    if (from == nullptr) return Reading::slice(x, first, last);
+    for (std::size_t i = first; i <= last; ++i, from += Item::kWidth) Item::load(all[i], from);
+    in_.consume((last - first + 1) * Item::kWidth);
+    return true;
+  }
+
+  template <class Names, class M>
+  [[nodiscard]] bool sizedField(const Names&, M& field, std::size_t size) {
+    static_assert(sizeof(field[0]) == 1);
     const std::byte* from = in_.run(size);
     if (from == nullptr) return endsHere();
-    std::memcpy(field, from, size);
+    std::memcpy(std::data(field), from, size);
     in_.consume(size);
     return true;
   }
   bool text(std::string& to, std::uint64_t size) { return in_.append(to, size) || endsHere(); }
   bool drop(std::size_t size) { return in_.skip(size) || endsHere(); }
   std::uint64_t left() const { return in_.left(); }
+  bool has(std::size_t size) { return in_.run(size) != nullptr; }
+  std::uint64_t position() const { return in_.position(); }
 
   template <class R, class... A>
   bool freshElement(R& element, const A&... more) {
@@ -100,7 +119,7 @@ class Reader : public Reading<Reader> {
       if (sprint(element, more...)) return true;
       element = R();
     }
-    return describeOne(element, more...);
+    return whole(element, more...);
   }
 
  private:
@@ -142,7 +161,7 @@ inline int resultOf(bool walked) { return walked ? 0 : 1; }
 template <class R, class... A>
 bool readRecord(InStream& stream, int version, R& record, const A&... more) {
   Reader reader(stream, version);
-  return Layout<R>::describe(reader, record, more...);
+  return reader.whole(record, more...);
 }
 
 }  // namespace oldtorvio::frame

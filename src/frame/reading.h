@@ -1,17 +1,19 @@
 // The verbs of everything that reads, told once. A walker derives from Reading<Self> and supplies
 //   fields(F)             moves fields, one by one as far as they are there
 //   fieldOf(names, i, m)  moves one field, which the names call by position i
+//   indexed(names, i, m)  moves one field, entry i of the array that the names call
 //   numbers(names, row, n)  moves the first n numbers of an array, each kept if it is there whole
 //   sizedField(names, field, n)  the first n bytes of a fixed field, as one item
 //   text(string, n)       appends n bytes or nothing
 //   drop(n)               reserved bytes
 //   left()                bytes up to the end of the file
+//   has(n)                whether n more bytes are there
+//   position()            bytes since the beginning
 // and may hide the hooks at the end to follow where it is.
 #pragma once
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -66,32 +68,144 @@ class Reading : public Gates<Self> {
     self().leave();
     return ok;
   }
+  template <class X>
+  [[nodiscard]] bool lengthTextOrEmpty(const X& x, std::int32_t longest) {
+    std::int32_t length = 0;
+    self().enter(x.names);
+    bool ok = self().fields(F(length)) && atMost(F(length), longest);
+    std::string text;
+    ok = ok && (length < 1 || self().text(text, static_cast<std::uint64_t>(length)));
+    if (ok) {
+      text.resize(std::min(text.find('\0'), text.size()));
+      x.only() = std::move(text);
+    }
+    self().leave();
+    return ok;
+  }
+  template <std::size_t Width, class X>
+  [[nodiscard]] bool textItem(const X& x) {
+    char text[Width];
+    if (!self().sizedField(x.names, text, Width)) return false;
+    x.only().assign(text, std::find(text, text + Width, '\0'));
+    return true;
+  }
   [[nodiscard]] bool reserved(std::size_t size) { return self().drop(size); }
+  template <class Fn>
+  [[nodiscard]] bool padded(std::size_t size, const Fn& chain) {
+    const std::uint64_t from = self().position();
+    return chain() && self().drop(size - static_cast<std::size_t>(self().position() - from));
+  }
+
+  template <class X>
+  [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
+    for (std::size_t i = first; i <= last; ++i)
+      if (!self().indexed(x.names, i, x.only()[i])) return false;
+    return true;
+  }
+  template <class Stored, class X>
+  [[nodiscard]] bool sliceAs(const X& x, std::size_t first, std::size_t last) {
+    for (std::size_t i = first; i <= last; ++i)
+      if (auto one = as<Stored>(x.only()[i]); !self().indexed(x.names, i, one)) return false;
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool nonZero(const X& x) {
+    std::remove_cvref_t<decltype(x.only())> stored = 0;
+    if (!self().fieldOf(x.names, 0, stored)) return false;
+    if (stored != 0) x.only() = stored;
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool bytesOrOne(const X& x, std::size_t size) {
+    auto& text = x.only();
+    if (self().has(size)) return self().sizedField(x.names, text, size);
+    for (std::size_t i = 0; i < size; ++i)
+      if (!self().indexed(x.names, i, text[i])) return i == 1 && forgive();
+    return true;
+  }
 
   template <class X, class T>
   [[nodiscard]] bool range(const X& x, T lowest, T highest) {
     const auto& value = x.only();
     return (lowest <= value && value <= highest) || refuse(x, value);
   }
+  template <class X>
+  [[nodiscard]] bool atMost(const X& x, std::int64_t highest) {
+    const auto& value = x.only();
+    return value <= highest || refuse(x, value);
+  }
+  [[nodiscard]] bool notReadOn() {
+    self().refusedHere();
+    return refuseSilently();
+  }
   template <class R, class Fn>
   [[nodiscard]] bool repair(R& record, const Fn& fn) {
     fn(record);
     return true;
   }
-  template <class Fn>
-  [[nodiscard]] bool tail(const Fn& chain) {
-    return chain() || forgive();
+  template <class X>
+  [[nodiscard]] bool tail(const X& x) {
+    if (this->walk(x)) return true;
+    if (forgive()) stop_ = Stop::ended;
+    return false;
   }
-  template <class Fn, class Rest>
-  [[nodiscard]] bool tailThen(const Fn& chain, const Rest& rest) {
-    return chain() ? rest() : forgive();
+  template <class X>
+  [[nodiscard]] bool lenient(const X& x) {
+    if (this->walk(x)) return true;
+    self().forgiven();
+    stop_ = Stop::ended;
+    return false;
+  }
+  template <class X>
+  [[nodiscard]] bool ignored(const X& x) {
+    if (this->walk(x)) return true;
+    self().forgiven();
+    stop_ = Stop::none;
+    return true;
+  }
+  template <class X, class Rest>
+  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
+    return this->walk(x) ? rest() : forgive();
+  }
+  template <class Read, class Written>
+  [[nodiscard]] bool differs(const Read& read, const Written&) {
+    return read();
+  }
+  template <class Read>
+  [[nodiscard]] bool onlyRead(const Read& read) {
+    return read(self());
+  }
+  template <class T>
+  constexpr T either(T forReaders, T) const {
+    return forReaders;
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool rewrite(const R&, const Fn&) {
+    return true;
   }
 
+  // One whole record, whoever holds it: where a tail ended it, it is whole as well.
+  template <class R, class... A>
+  [[nodiscard]] bool whole(R& record, const A&... more) {
+    if (Layout<R>::describe(self(), record, more...)) return true;
+    if (stop_ != Stop::ended) return false;
+    stop_ = Stop::none;
+    return true;
+  }
   template <class X, class... A>
   [[nodiscard]] bool record(const X& x, const A&... more) {
     self().enter(x.names);
-    const bool ok = describeOne(x.only(), more...);
+    const bool ok = whole(x.only(), more...);
     self().leave();
+    return ok;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool replaced(const X& x, const A&... more) {
+    std::remove_cvref_t<decltype(x.only())> fresh;
+    self().enter(x.names);
+    const bool ok = whole(fresh, more...);
+    self().leave();
+    if (ok) x.only() = std::move(fresh);
     return ok;
   }
 
@@ -140,6 +254,13 @@ class Reading : public Gates<Self> {
     }
     return true;
   }
+  template <class X, class Fn>
+  [[nodiscard]] bool element(const X& x, std::size_t index, const Fn& chain) {
+    self().enter(x.names, static_cast<std::int64_t>(index));
+    const bool ok = chain();
+    self().leave();
+    return ok;
+  }
   template <class X, class... A>
   [[nodiscard]] bool reusedElement(const X& x, const A&... more) {
     auto& list = x.only();
@@ -151,7 +272,7 @@ class Reading : public Gates<Self> {
     Element element;
     for (std::int32_t i = 0; i < count; ++i) {
       self().enter(x.names, i);
-      const bool ok = describeOne(element, more...);
+      const bool ok = whole(element, more...);
       self().leave();
       if (!ok) return false;
       list.push_back(element);
@@ -173,14 +294,14 @@ class Reading : public Gates<Self> {
     makeRoom(second, count, kLeast);
     for (std::int32_t i = 0; i < count; ++i) {
       self().enter(x.names, i, 0);
-      bool ok = describeOne(first.emplace_back());
+      bool ok = whole(first.emplace_back());
       self().leave();
       if (!ok) {
         first.pop_back();
         return false;
       }
       self().enter(x.names, i, 1);
-      ok = describeOne(second.emplace_back(), more...);
+      ok = whole(second.emplace_back(), more...);
       self().leave();
       if (!ok) {
         second.pop_back();
@@ -241,19 +362,15 @@ class Reading : public Gates<Self> {
   // Reads one element of a list, which is at its defaults; a walker may know a quicker way.
   template <class R, class... A>
   bool freshElement(R& element, const A&... more) {
-    return describeOne(element, more...);
+    return whole(element, more...);
   }
   template <class X, class T>
   void refused(const X&, const T&) {}
+  void refusedHere() {}
   void forgiven() {}
 
  protected:
   using Gates<Self>::self;
-
-  template <class R, class... A>
-  bool describeOne(R& record, const A&... more) {
-    return Layout<R>::describe(self(), record, more...);
-  }
 
   bool fellShort() {
     stop_ = Stop::shortRead;

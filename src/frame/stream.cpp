@@ -93,6 +93,7 @@ bool OutStream::handOver(std::size_t size) {
   if (file_ == nullptr) return true;
   if (!failed_ && size > 0) failed_ = std::fwrite(buffer_.get(), 1, size, file_) != size;
   used_ -= size;
+  handedOver_ += size;
   if (used_ > 0) std::memmove(buffer_.get(), buffer_.get() + size, used_);
   return !failed_;
 }

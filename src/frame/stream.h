@@ -46,7 +46,7 @@ class InStream {
   bool skip(std::uint64_t size);
   void toEnd();
 
-  static constexpr std::size_t kLargestRun = 4096;
+  static constexpr std::size_t kLargestRun = 40960;
 
  private:
   const std::byte* refill(std::size_t size);
@@ -87,6 +87,8 @@ class OutStream {
   bool flush();
 
   std::span<const std::byte> bytes() const { return {buffer_.get(), used_}; }
+  // Bytes stored so far, also those that the file has already.
+  std::uint64_t position() const { return handedOver_ + used_; }
 
  private:
   bool makeRoom(std::size_t size);
@@ -95,6 +97,7 @@ class OutStream {
 
   std::unique_ptr<std::byte[]> buffer_;
   std::size_t used_ = 0;
+  std::uint64_t handedOver_ = 0;
   std::size_t capacity_ = 0;
   std::FILE* file_ = nullptr;
   bool failed_ = false;

@@ -26,6 +26,19 @@ void setText(char (&field)[N], std::string_view text) {
   field[text.size()] = '\0';
 }
 
+// As setText, for a path that a load was given: of a longer one the field keeps what fits.
+template <std::size_t N>
+void setPath(char (&field)[N], std::string_view path) {
+  setText(field, path.substr(0, N - 1));
+}
+
+// Sets a field to another's text and NUL, as setText does; a text without a NUL fills it.
+template <std::size_t N>
+void copyText(char (&field)[N], const char (&from)[N]) {
+  const std::string_view text = textOf(from);
+  std::memcpy(field, from, std::min(text.size() + 1, N));
+}
+
 // Copies a text and its NUL to a caller's buffer, whose size the caller answers for.
 inline void giveText(char* to, std::string_view text) {
   if (!text.empty()) std::memcpy(to, text.data(), text.size());

@@ -18,7 +18,7 @@ class VersionSet {
     for (const Run& run : runs)
       for (int v = run.first; v <= run.last; ++v) member_[static_cast<std::size_t>(v)] = true;
   }
-  constexpr bool has(int version) const {
+  [[nodiscard]] constexpr bool has(int version) const {
     return version >= 0 && version <= kHighest && member_[static_cast<std::size_t>(version)];
   }
 
@@ -34,8 +34,36 @@ inline constexpr VersionSet kPartVersions{2,   3,   5,   52,  54,  60,  61,  62,
 inline constexpr VersionSet kSpecialToolVersions{0,   1,   52,  54,  60,  90,  91,  92,  100,        101, 102,
                                                  110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 
+// Sheets and machines are tested against this list as well before their own.
+inline constexpr VersionSet kToolInventoryVersions{1,   6,   52,  54,  60,  80,  90,  91,  92,         100, 101, 102,
+                                                   110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+
+inline constexpr VersionSet kMacroVersions{3,   5,   52,  54,  60,  61,  62,  80,  90,  91,         92,  100, 101,
+                                           102, 110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+
+// A material of one of these versions is a parameter table and nothing else.
+constexpr bool isParamTableVersion(int version) {
+  return version == 52 || version == 60 || (version >= 500 && version <= 502);
+}
+inline constexpr VersionSet kLongMaterialVersions{61,  62,  71,  80,  90,  91,  92,  101,        102, 110,
+                                                  111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+constexpr bool isMaterialVersion(int version) {
+  return isParamTableVersion(version) || kLongMaterialVersions.has(version);
+}
+
 // Files below this version have layouts of their own, or none that is still read.
 inline constexpr int kFirstMainVersion = 52;
+inline constexpr int kVersion5 = 5;  // of parts
+
+constexpr bool isSpecialToolVersion(int version) {
+  return version >= kFirstMainVersion && kSpecialToolVersions.has(version);
+}
+constexpr bool isToolInventoryVersion(int version) { return version >= 54 && kToolInventoryVersions.has(version); }
+constexpr bool isMacroVersion(int version) { return version >= kFirstMainVersion && kMacroVersions.has(version); }
+// Machines have no list, but the queries on the current machine take those of inventories alone.
+constexpr bool isMachineVersion(int version) { return version >= kFirstMainVersion && version <= VersionSet::kHighest; }
+constexpr bool isKnownSheetVersion(int version) { return isToolInventoryVersion(version); }
+
 // Group part files start here and have no list and no upper version.
 inline constexpr int kFirstGroupPartVersion = 152;
 

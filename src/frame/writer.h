@@ -60,11 +60,9 @@ class WriterInto : public Gates<WriterInto<Room>> {
   template <class X>
   [[nodiscard]] bool sized(const X& x, std::int32_t size) {
     const auto& field = x.only();
+    static_assert(sizeof(field[0]) == 1);
     if (size < 1 || static_cast<std::size_t>(size) > sizeof field) return false;
-    std::byte* to = out_.room(static_cast<std::size_t>(size));
-    if (to == nullptr) return false;
-    std::memcpy(to, field, static_cast<std::size_t>(size));
-    return true;
+    return bytes(std::data(field), static_cast<std::size_t>(size));
   }
   template <class X>
   [[nodiscard]] bool lengthText(const X& x) {
@@ -73,12 +71,21 @@ class WriterInto : public Gates<WriterInto<Room>> {
     if (!countFor(text, length) || !fields(F(length))) return false;
     for (std::size_t i = 0; i < text.size();) {
       const std::size_t step = std::min<std::size_t>(text.size() - i, InStream::kLargestRun);
-      std::byte* to = out_.room(step);
-      if (to == nullptr) return false;
-      std::memcpy(to, text.data() + i, step);
+      if (!bytes(text.data() + i, step)) return false;
       i += step;
     }
     return true;
+  }
+  template <class X>
+  [[nodiscard]] bool lengthTextOrEmpty(const X& x, std::int32_t longest) {
+    return x.only().size() <= static_cast<std::size_t>(longest) && lengthText(x);
+  }
+  // The text up to its NUL; one that does not fit is never cut.
+  template <std::size_t Width, class X>
+  [[nodiscard]] bool textItem(const X& x) {
+    const std::string& text = x.only();
+    const std::size_t length = std::min(text.find('\0'), text.size());
+    return length <= Width && bytes(text.data(), length) && reserved(Width - length);
   }
   [[nodiscard]] bool reserved(std::size_t size) {
     std::byte* to = out_.room(size);
@@ -86,27 +93,83 @@ class WriterInto : public Gates<WriterInto<Room>> {
     std::memset(to, 0, size);
     return true;
   }
+  template <class Fn>
+  [[nodiscard]] bool padded(std::size_t size, const Fn& chain) {
+    const std::uint64_t from = out_.position();
+    return chain() && reserved(size - static_cast<std::size_t>(out_.position() - from));
+  }
+
+  template <class X>
+  [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
+    auto& all = x.only();
+    using Item = wire::ItemOf<decltype(all[0])>;
+    std::byte* to = out_.room((last - first + 1) * Item::kWidth);
+    if (to == nullptr) return false;
+    for (std::size_t i = first; i <= last; ++i, to += Item::kWidth) Item::store(all[i], to);
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool nonZero(const X& x) {
+    return fields(x);
+  }
 
   template <class X, class T>
   [[nodiscard]] bool range(const X& x, T lowest, T highest) {
     return lowest <= x.only() && x.only() <= highest;
   }
+  template <class X>
+  [[nodiscard]] bool atMost(const X& x, std::int64_t highest) {
+    return x.only() <= highest;
+  }
   template <class R, class Fn>
   [[nodiscard]] bool repair(const R&, const Fn&) {
     return true;
   }
-  template <class Fn>
-  [[nodiscard]] bool tail(const Fn& chain) {
-    return chain();
+  template <class X>
+  [[nodiscard]] bool tail(const X& x) {
+    return this->walk(x);
   }
-  template <class Fn, class Rest>
-  [[nodiscard]] bool tailThen(const Fn& chain, const Rest& rest) {
-    return chain() && rest();
+  template <class X>
+  [[nodiscard]] bool lenient(const X& x) {
+    return this->walk(x);
+  }
+  template <class X>
+  [[nodiscard]] bool ignored(const X& x) {
+    return this->walk(x);
+  }
+  template <class X, class Rest>
+  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
+    return this->walk(x) && rest();
+  }
+  template <class Read, class Written>
+  [[nodiscard]] bool differs(const Read&, const Written& written) {
+    return written();
+  }
+  template <class Read>
+  [[nodiscard]] bool onlyRead(const Read&) {
+    return true;
+  }
+  template <class T>
+  constexpr T either(T, T forWriters) const {
+    return forWriters;
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool rewrite(R& record, const Fn& fn) {
+    fn(record);
+    return true;
   }
 
+  template <class R, class... A>
+  [[nodiscard]] bool whole(R& record, const A&... more) {
+    return Layout<std::remove_const_t<R>>::describe(*this, record, more...);
+  }
   template <class X, class... A>
   [[nodiscard]] bool record(const X& x, const A&... more) {
-    return describeOne(x.only(), more...);
+    return whole(x.only(), more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool replaced(const X& x, const A&... more) {
+    return whole(x.only(), more...);
   }
 
   // A list too long for its count cannot be stored: -1 then makes every verb that takes it fail.
@@ -151,7 +214,7 @@ class WriterInto : public Gates<WriterInto<Room>> {
     std::int32_t count = 0;
     if (first.size() != second.size() || !countFor(first, count) || !fields(F(count))) return false;
     for (std::size_t i = 0; i < first.size(); ++i)
-      if (!describeOne(first[i]) || !describeOne(second[i], more...)) return false;
+      if (!whole(first[i]) || !whole(second[i], more...)) return false;
     return true;
   }
   template <class X>
@@ -171,7 +234,7 @@ class WriterInto : public Gates<WriterInto<Room>> {
   }
   template <class X, class... A>
   [[nodiscard]] bool single(const X& x, const A&... more) {
-    return !x.only().empty() && describeOne(x.only().front(), more...);
+    return !x.only().empty() && whole(x.only().front(), more...);
   }
   template <class X, class M>
   [[nodiscard]] bool trailer(const X& x, M member) {
@@ -190,16 +253,18 @@ class WriterInto : public Gates<WriterInto<Room>> {
  private:
   static constexpr std::size_t kMostElements = std::numeric_limits<std::int32_t>::max();
 
-  template <class R, class... A>
-  bool describeOne(const R& record, const A&... more) {
-    return Layout<R>::describe(*this, record, more...);
+  bool bytes(const void* from, std::size_t size) {
+    std::byte* to = out_.room(size);
+    if (to == nullptr) return false;
+    if (size > 0) std::memcpy(to, from, size);
+    return true;
   }
   // An element that is not sure to fit the room at hand starts again on the careful way.
   template <class R, class... A>
   bool writeElement(const R& element, const A&... more) {
     if constexpr (Sprints<R> && std::is_reference_v<Room>)
       if (sprint(element, more...)) return true;
-    return describeOne(element, more...);
+    return whole(element, more...);
   }
   template <class R, class... A>
   [[gnu::flatten]] bool sprint(const R& element, const A&... more) {
@@ -236,9 +301,9 @@ class WriterInto : public Gates<WriterInto<Room>> {
 using Writer = WriterInto<OutStream&>;
 
 template <class R, class... A>
-bool writeRecord(OutStream& stream, int version, const R& record, const A&... more) {
+bool writeRecord(OutStream& stream, int version, R&& record, const A&... more) {
   Writer writer(stream, version);
-  return Layout<R>::describe(writer, record, more...);
+  return writer.whole(record, more...);
 }
 
 }  // namespace oldtorvio::frame

@@ -104,22 +104,20 @@ struct Layout<Pattern> {
                  && io.since(110, F(p.bindWord1, p.bindWord2, p.bindWord3, p.bindByte, p.bindWord4));
            })
         // A short read in the late group data ends the pattern: head and lists stay as they are.
-        && io.tailThen([&] {
-                         return io.when(isGroupKind(p.groupKind, io.version()), [&] {
-                           return io.since(110, [&] { return io.fields(F(p.bindShorts)) && io.columns(F(bindings)); })
-                               && io.since(151, F(p.lateWord1, p.lateWord2, p.lateWord3))
-                               && io.between(151, 155, [&] {
-                                    return io.repair(p, [](auto& r) {
-                                      std::fill(r.bindThird.begin(), r.bindThird.end(), r.lateWord3);
-                                    });
-                                  });
-                         });
-                       },
-                       [&] {
-                         return io.repair(p, [embedded](auto& r) { if (!embedded) resetHead(r); })
-                             && io.countFirst(F(p.items))
-                             && io.since(80, [&] { return io.countFirst(F(p.profiles)) && io.countFirst(F(p.stepTables)); });
-                       });
+        && io.tail([&] {
+             return io.when(isGroupKind(p.groupKind, io.version()), [&] {
+               return io.since(110, [&] { return io.fields(F(p.bindShorts)) && io.columns(F(bindings)); })
+                   && io.since(151, F(p.lateWord1, p.lateWord2, p.lateWord3))
+                   && io.between(151, 155, [&] {
+                        return io.repair(p, [](auto& r) {
+                          std::fill(r.bindThird.begin(), r.bindThird.end(), r.lateWord3);
+                        });
+                      });
+             });
+           })
+        && io.repair(p, [embedded](auto& r) { if (!embedded) resetHead(r); })
+        && io.countFirst(F(p.items))
+        && io.since(80, [&] { return io.countFirst(F(p.profiles)) && io.countFirst(F(p.stepTables)); });
   }
 
  private:

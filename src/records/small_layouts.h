@@ -1,8 +1,6 @@
 // Stored forms of the small records: process slots, step tables, setup lists, motion blocks and
 // profiles, pattern items, work entries, marks.
 #pragma once
-#include <limits>
-
 #include "OldTorvIO/mark.h"
 #include "OldTorvIO/pattern_item.h"
 #include "OldTorvIO/process_slot.h"
@@ -31,29 +29,30 @@ template <>
 struct Layout<StepTable> {
   static constexpr std::size_t kLeast = 20;
   static bool describe(auto& io, auto& t) {
-    constexpr int kLowest = std::numeric_limits<std::int8_t>::min();
     constexpr int kMostSteps = 20;
     return io.fields(F(t.tableWord1, t.tableBlock, t.tableWord2, t.tableWord3))
-        && io.tailThen([&] { return io.fields(F(t.stepCount)); },
-                       [&] {
-                         return io.range(F(t.stepCount), kLowest, kMostSteps)
-                             && io.rows(t.stepCount,
-                                        [&](std::size_t i) {
-                                          return io.fields(F(t.stepByteA[i], t.stepWord[i], t.stepByteB[i], t.stepByteC[i]));
-                                        })
-                             && io.since(80, F(t.tableFlag), otherwise(0))
-                             && io.since(90, F(t.lateFlag));
-                       });
+        && io.tail(F(t.stepCount))
+        && io.atMost(F(t.stepCount), kMostSteps)
+        && io.rows(t.stepCount, [&](std::size_t i) {
+             return io.fields(F(t.stepByteA[i], t.stepWord[i], t.stepByteB[i], t.stepByteC[i]));
+           })
+        && io.since(80, F(t.tableFlag), otherwise(0))
+        && io.since(90, F(t.lateFlag));
   }
 };
+
+// As parts of version 5 store it.
+inline bool describeShortSetupEntry(auto& io, auto& e) {
+  return io.fields(F(e.setupShort1, e.setupShort2, e.setupByte1, e.setupShort3, e.setupByte2, e.setupShort4,
+                     e.setupByte3, e.setupBlock, e.setupWord1, e.setupByte4, e.setupWord2, e.setupShort5,
+                     e.setupWord3));
+}
 
 template <>
 struct Layout<SetupEntry> {
   static constexpr std::size_t kLeast = 42;
   static bool describe(auto& io, auto& e) {
-    return io.fields(F(e.setupShort1, e.setupShort2, e.setupByte1, e.setupShort3, e.setupByte2, e.setupShort4,
-                       e.setupByte3, e.setupBlock, e.setupWord1, e.setupByte4, e.setupWord2, e.setupShort5,
-                       e.setupWord3, e.setupReal1, e.setupReal2));
+    return describeShortSetupEntry(io, e) && io.fields(F(e.setupReal1, e.setupReal2));
   }
 };
 
@@ -78,11 +77,11 @@ struct Layout<MotionBlock> {
   static bool describe(auto& io, auto& m) {
     return io.fields(F(m.motionKind, m.motionWord, m.motionValue, m.motionLength1, m.motionAngle1, m.motionAngle2,
                        m.motionLength2))
-        && io.tailThen([&] {
-                         return io.since(151, F(m.lateWord1, m.lateWord2))
-                             && io.since(152, F(m.lateWord3, m.lateWord4, m.lateWord5));
-                       },
-                       [&] { return io.record(F(m.steps)); });
+        && io.tail([&] {
+             return io.since(151, F(m.lateWord1, m.lateWord2))
+                 && io.since(152, F(m.lateWord3, m.lateWord4, m.lateWord5));
+           })
+        && io.record(F(m.steps));
   }
 };
 

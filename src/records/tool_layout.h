@@ -1,8 +1,6 @@
 // Stored form of OldTool, ToolStation and ToolStationList.
 #pragma once
 #include <cmath>
-#include <limits>
-
 #include "OldTorvIO/tool_station.h"
 #include "src/frame/describe.h"
 
@@ -69,7 +67,7 @@ struct Layout<ToolStation> {
              // More than two pair values run on into the words behind them; what the version stores
              // of those is then read over.
              return io.fields(F(s.wordD, pairCount))
-                 && io.range(F(pairCount), std::numeric_limits<std::int32_t>::min(), 9)
+                 && io.atMost(F(pairCount), 9)
                  && io.leading(pairCount, F(s.pairValues[0], s.pairValues[1], s.wordE, s.wordF, s.realF, s.wordG,
                                             s.wordH, s.wordI, s.wordJ))
                  && io.fields(F(s.wordE, s.wordF, s.realF));

@@ -61,19 +61,6 @@ TEST(InStream, ShortSizedFieldFails) {
   EXPECT_STREQ(text, "abc");
 }
 
-TEST(InStream, TailForgivesAShortReadButNeverARefusal) {
-  const Bytes bytes = Bytes().i32(5);
-  std::int32_t value = 0, more = 0;
-  EXPECT_TRUE(readFrom(bytes, [&](InStream& s) {
-    Reader io(s, 180);
-    return io.tail([&] { return io.fields(F(value, more)); });
-  }));
-  EXPECT_FALSE(readFrom(bytes, [&](InStream& s) {
-    Reader io(s, 180);
-    return io.tail([&] { return io.fields(F(value)) && io.range(F(value), 6, 7); });
-  }));
-}
-
 TEST(InStream, LeadingTakesTheFirstOfSeveralNumbers) {
   const Bytes bytes = Bytes().i32(1).i32(2).i32(3);
   for (int count = -1; count <= 4; ++count) {

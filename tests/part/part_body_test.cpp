@@ -87,7 +87,7 @@ std::vector<frame::MapLine> linesOf(const Bytes& bytes, int version, std::option
     if (line.size > 0) lines.push_back(line);
   });
   const auto part = std::make_unique<TorvPart>();
-  (void)frame::Layout<TorvPart>::describe(mapper, *part, PartForm{});
+  (void)mapper.whole(*part, PartForm{});
   if (fault != nullptr) *fault = mapper.fault();
   return lines;
 }
