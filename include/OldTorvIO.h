@@ -23,8 +23,8 @@
  *   Process end A text that does not fit where a function says so, or an index that a function
  *               says is fatal, ends the process (abort). No file content ever does.
  *   Threads     Functions on a caller's own record may run at the same time on different records.
- *               The part builder and the current special tool exist once in the process: one
- *               thread at a time.
+ *               The part builder, the current special tool, the current tool inventory and the
+ *               current machine exist once in the process: one thread at a time.
  *   Memory      Out of memory gives status 1 in a load or query, -2 in a save, null in a Create,
  *               -1 from the part builder's adding calls (0 from AddPatIntoGroupPat).
  */
@@ -51,8 +51,16 @@ namespace oldtorvio {
 struct TorvPart;
 struct SheetPartList;
 struct OldSpecialTool;
+struct OldToolInventory;
+struct OldMacro;
+struct OldMaterial;
+struct OldMachine;
 }  // namespace oldtorvio
+using oldtorvio::OldMachine;
+using oldtorvio::OldMacro;
+using oldtorvio::OldMaterial;
 using oldtorvio::OldSpecialTool;
+using oldtorvio::OldToolInventory;
 using oldtorvio::SheetPartList;
 using oldtorvio::TorvPart;
 extern "C" {
@@ -61,6 +69,10 @@ extern "C" {
 typedef struct TorvPart TorvPart;
 typedef struct SheetPartList SheetPartList;
 typedef struct OldSpecialTool OldSpecialTool;
+typedef struct OldToolInventory OldToolInventory;
+typedef struct OldMacro OldMacro;
+typedef struct OldMaterial OldMaterial;
+typedef struct OldMachine OldMachine;
 #endif
 
 /* ---- Part files ---------------------------------------------------------------------------- */
@@ -68,8 +80,9 @@ typedef struct OldSpecialTool OldSpecialTool;
 /* Loads the part file `path` into `part`.
  *
  * Accepted versions: 2, 3, 5, 52, 54, 60, 61, 62, 71, 80, 90, 91, 92, 100, 101, 102, 110, 111, 112,
- * 120, 121, 130, 140, 141, 150 to 162, 170, 180. Versions 2, 3 and 5 are recognised and answer 1:
- * their layouts are not read yet.
+ * 120, 121, 130, 140, 141, 150 to 162, 170, 180. A file of version 2 or 3 is read as far as its
+ * setup entries and shapes and then always answers 1; width, height, shapes, setupList and one
+ * pattern hold what it gave.
  *
  * `part->version` holds the file's version word as soon as it has been read, also when the version
  * is then refused. For an accepted version `partFullDosName` becomes the path (its first 259
@@ -217,6 +230,114 @@ OLDTORVIO_API int32_t OpenSpecialToolFile(const char* path, uint32_t* shapeCount
  * first four values. An index outside 0 to count - 1 leaves all outputs as they were. */
 OLDTORVIO_API void GetShapeAt(int32_t index, int32_t* type, float* x, float* y, float* value0, float* value1,
                               float* value2, float* value3) OLDTORVIO_NOEXCEPT;
+
+/* ---- Tool inventories ---------------------------------------------------------------------------- */
+
+/* Loads a tool inventory into `inventory`. Accepted versions: 54, 60, 80, 90, 91, 92, 100, 101, 102,
+ * 110, 111, 112, 120, 121, 130, 140, 141, 150 to 162, 170, 180. `inventory->version` and
+ * `inventory->path` (its first 255 characters) are set before the version is judged. tools and
+ * specialToolFiles are emptied; a file without entries keeps those of the record. */
+OLDTORVIO_API int64_t LoadOldToolInventory(const char* path, OldToolInventory* inventory) OLDTORVIO_NOEXCEPT;
+
+/* Loads a tool inventory into the process-wide current inventory; *count becomes its number of tools.
+ * -2 for a file that cannot be opened, 1 without a whole version word, -1 for a version that is not
+ * accepted. A fault behind the version word gives 0 with a count of 0: a damaged file looks like an
+ * empty one. */
+OLDTORVIO_API int32_t LoadOldToolInventoryForCount(const char* path, uint32_t* count) OLDTORVIO_NOEXCEPT;
+
+/* One tool of the current inventory, index from 0. An index outside its tools ends the process, and so
+ * does a special tool (shape code 108) whose file is not in the inventory's list.
+ *
+ * name        the kind of the tool ("ROUND", "SQUARE", ...), or the base name of a special tool's
+ *             file; room for 257 bytes. A code without a text leaves it as it was.
+ * counts      firstValueCount and secondValueCount as stored; of the values behind each, as many are
+ *             set as it says if it is 1 to 6, otherwise none. */
+OLDTORVIO_API void GetOldToolInventoryInformation(int32_t index, char* name, float* dimension1, float* dimension2,
+                                                  float* dimension3, float* orientation, int32_t* firstValueCount,
+                                                  float* firstValue0, float* firstValue1, float* firstValue2,
+                                                  float* firstValue3, float* firstValue4, float* firstValue5,
+                                                  int32_t* secondValueCount, float* secondValue0, float* secondValue1,
+                                                  float* secondValue2, float* secondValue3, float* secondValue4,
+                                                  float* secondValue5) OLDTORVIO_NOEXCEPT;
+
+/* ---- Macros ---------------------------------------------------------------------------------------- */
+
+/* Loads a macro file into `macro`. Accepted versions: those of tool inventories, and 52, 61 and 62.
+ * `macro->version` holds the version word, also when it is refused. */
+OLDTORVIO_API int64_t LoadOldMacro(const char* path, OldMacro* macro) OLDTORVIO_NOEXCEPT;
+
+/* ---- Materials ------------------------------------------------------------------------------------- */
+
+/* Loads a material file into `material`. Accepted versions: 52, 60, 61, 62, 71, 80, 90, 91, 92, 101,
+ * 102, 110, 111, 112, 120, 121, 130, 140, 141, 150 to 162, 170, 180, 500, 501, 502.
+ *
+ * `material->path` (its first 263 characters) and `material->version` are set before the version is
+ * judged. A file of version 52, 60, 500, 501 or 502 is a parameter table and sets `params` alone,
+ * and `name` to the table's name if that has 1 to 255 characters. In any other file the parameter
+ * table stands in front of the material and has a version of its own; one without a layout gives -1
+ * before the material is read. */
+OLDTORVIO_API int64_t LoadOldMaterial(const char* path, OldMaterial* material) OLDTORVIO_NOEXCEPT;
+
+/* ---- Machines -------------------------------------------------------------------------------------- */
+
+/* Loads a machine file into `machine`. Accepted versions: 52 to 180, without gaps. `machine->version`
+ * holds the version word, also when it is refused. A machine that holds trailer values of a sheet's
+ * shapes gives 1: it loads as part of its sheet only. */
+OLDTORVIO_API int64_t LoadOldMachine(const char* path, OldMachine* machine) OLDTORVIO_NOEXCEPT;
+
+/* What LoadOldMachineInformation tells of a machine. */
+typedef struct MachineInformation {
+  int32_t infoKind;    /* 1: a machine without station limits, 2: one without a work area */
+  int32_t infoVersion; /* version word of the file */
+  float infoSizeX;     /* first pair of dimensions, in the suite's length unit */
+  float infoSizeY;
+  char infoText1[256]; /* a text that fills its field has no NUL; bytes behind a NUL stay */
+  char infoText2[256];
+  int32_t infoStationWord;
+  uint32_t infoExtra1;
+  uint32_t infoExtra2;
+  int32_t infoStationMode;  /* 0 to 15 */
+  int32_t infoStationCount; /* stations for LoadOldStationToolFromMachine */
+} MachineInformation;
+
+/* Loads a machine file into the process-wide current machine and tells of it. -2 for a file that
+ * cannot be opened, 1 without a whole version word, -1 for a version that tool inventories do not
+ * have. Any fault behind the version word gives 0 and leaves `information` as it was. What a file
+ * does not store keeps the value of the machine before. */
+OLDTORVIO_API int32_t LoadOldMachineInformation(const char* path, MachineInformation* information) OLDTORVIO_NOEXCEPT;
+
+/* One station of the current machine and its tool, index from 0; an index outside its stations ends
+ * the process.
+ *
+ * values      six numbers: those that count, then zeros
+ * shapeCode,  of the tool; 0 and zeros for a station without tools
+ * dimensions  three numbers
+ * offsets     three numbers
+ * specialToolPath  the tool's file, at most 256 characters and a NUL; set only if shapeCode is 108
+ * Every other output is the station's value of that name (wordF with its sign). */
+OLDTORVIO_API void LoadOldStationToolFromMachine(int32_t index, int32_t* stationNumber, int32_t* stationType,
+                                                 float* orientation, float* realF, float* stationValue,
+                                                 int32_t* valueCount, float* values, float* limit0, float* limit1,
+                                                 float* limit2, float* limit3, int32_t* shapeCode, float* dimensions,
+                                                 float* offsets, char* specialToolPath, float* pairValue0,
+                                                 float* pairValue1, int32_t* wordF) OLDTORVIO_NOEXCEPT;
+
+/* Loads a machine file into the current machine, with the results of LoadOldMachineInformation (64
+ * bits), and hands out its name, kind and three further texts. Each text needs room for 257 bytes. On
+ * any fault the outputs stay. */
+OLDTORVIO_API int64_t GetOldVLMQMachineName(const char* path, char* displayName, uint32_t* kind, char* text2,
+                                            char* secondText, char* lateText) OLDTORVIO_NOEXCEPT;
+
+/* Size, clamps, station limits and work area of a machine file of version 52 to 180; the current
+ * machine does not change. clampCount and blockMode are 32-bit integers handed out in the four bytes
+ * of a float, not converted: the caller takes the bits. The station limits are the smallest and
+ * largest over all stations (999999 and 0 without stations), 0 for a machine of kind 1; the area is 0
+ * for one of kind 2. -2 for a null path, otherwise the status of the load; outputs change only with
+ * status 0. */
+OLDTORVIO_API int64_t GetMachineDatasForQD(const char* path, float* sizeX, float* sizeY, float* clampCount,
+                                           float* blockMode, float* stationMinX, float* stationMinY, float* stationMaxX,
+                                           float* stationMaxY, float* area0, float* area1, float* area2,
+                                           float* area3) OLDTORVIO_NOEXCEPT;
 
 #ifdef __cplusplus
 }

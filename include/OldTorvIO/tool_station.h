@@ -51,7 +51,7 @@ struct ToolStationList {
   std::uint32_t stationModeWord = 0;   // 2 below version 90
   std::uint32_t spareWord = 0;         // memory only
   std::vector<OldTool> tools;
-  std::uint32_t extraWords[2] = {};   // since 100
+  std::uint32_t extraWords[2] = {};   // since 100; 0 below
   std::uint32_t stationModeCode = 0;  // derived: bits 8 to 11 of stationModeWord
 };
 

@@ -13,9 +13,8 @@ bool WriteSpecialTool(OutStream& stream, int version, const OldSpecialTool& tool
 }
 
 std::int64_t SaveSpecialTool(const char* path, const OldSpecialTool& tool, int version) {
-  return frame::saveFile(
-      path, version, [](int v) { return v >= frame::kFirstMainVersion && frame::kSpecialToolVersions.has(v); },
-      [&](OutStream& stream) { return WriteSpecialTool(stream, version, tool); });
+  return frame::saveFile(path, version, frame::isSpecialToolVersion,
+                         [&](OutStream& stream) { return WriteSpecialTool(stream, version, tool); });
 }
 
 std::string GetSpecialToolFolder() {

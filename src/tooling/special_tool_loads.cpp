@@ -16,8 +16,7 @@ OldSpecialTool currentSpecialTool;
 // *loaded tells whether the version was accepted and the record read, whatever came of it.
 std::int64_t load(const char* path, OldSpecialTool& tool, bool* loaded = nullptr) noexcept {
   return loadFile(
-      path, [&](int version) { tool.tool.fileVersion = static_cast<std::int16_t>(version); },
-      [](int version) { return version >= kFirstMainVersion && kSpecialToolVersions.has(version); },
+      path, [&](int version) { tool.tool.fileVersion = static_cast<std::int16_t>(version); }, isSpecialToolVersion,
       [&](InStream& stream, int version) -> std::int64_t {
         if (loaded != nullptr) *loaded = true;
         return ReadSpecialTool(stream, version, tool);

@@ -1,0 +1,43 @@
+// Readers and writers of the machine family: shape programs, the tables of a machine, its body.
+//
+// Results as in src/records/record_io.h.
+#pragma once
+#include "OldTorvIO/records.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio {
+
+using frame::InStream;
+using frame::OutStream;
+
+int ReadClampInfo(InStream& stream, ClampInfo& info);
+bool WriteClampInfo(OutStream& stream, const ClampInfo& info);
+int ReadMachineFrame(InStream& stream, int version, MachineFrame& frame);
+bool WriteMachineFrame(OutStream& stream, int version, const MachineFrame& frame);
+int ReadWorkArea(InStream& stream, WorkArea& area);
+bool WriteWorkArea(OutStream& stream, const WorkArea& area);
+int ReadShapeProgram(InStream& stream, int version, ShapeProgram& program);
+bool WriteShapeProgram(OutStream& stream, int version, const ShapeProgram& program);
+int ReadShapeProgramEx(InStream& stream, int version, ShapeProgramEx& program);
+bool WriteShapeProgramEx(OutStream& stream, int version, const ShapeProgramEx& program);
+int ReadMachineGrid(InStream& stream, MachineGrid& grid);
+bool WriteMachineGrid(OutStream& stream, const MachineGrid& grid);
+int ReadGridSegment(InStream& stream, GridSegment& segment);
+bool WriteGridSegment(OutStream& stream, const GridSegment& segment);
+int ReadMachineExtension(InStream& stream, MachineExtension& extension);
+bool WriteMachineExtension(OutStream& stream, const MachineExtension& extension);
+int ReadMachineUnitTable(InStream& stream, int version, MachineUnitTable& table);
+bool WriteMachineUnitTable(OutStream& stream, int version, const MachineUnitTable& table);
+
+// The body behind the version word. shapes: the list whose trailer values may stand in the machine,
+// or null; a body that holds them then gives 1.
+int ReadOldMachine(InStream& stream, int version, ShapeList* shapes, OldMachine& machine);
+// writeShapeFlag not 0: shapesPresent becomes 1 in the record and is stored, and so are the trailer
+// values of shapes. The material's choices change as WriteOldMaterialBody tells.
+bool WriteOldMachine(OutStream& stream, int version, const ShapeList* shapes, OldMachine& machine, bool writeShapeFlag);
+
+// For samples and tests: no export writes machine files. A version outside 52 to 180 gives -1. Below
+// version 152 the file holds words that the loader does not expect there.
+std::int64_t SaveMachine(const char* path, OldMachine& machine, int version);
+
+}  // namespace oldtorvio

@@ -1,0 +1,163 @@
+// Machine files: the load into a caller's record, and what is asked of the current machine and of a file.
+#include <algorithm>
+#include <bit>
+#include <memory>
+
+#include "OldTorvIO.h"
+#include "src/frame/entry.h"
+#include "src/frame/text.h"
+#include "src/machine/machine_io.h"
+#include "src/records/tool_layout.h"
+
+namespace oldtorvio {
+namespace {
+
+using namespace frame;
+
+// Loaded over itself and never reset: what a file does not store keeps the value of the one before.
+OldMachine currentMachine;
+
+// Loads the current machine and, when that succeeded, lets answer(version) answer. A load that fails
+// behind the version word is no failure here.
+template <class Answer>
+std::int64_t loadCurrent(const char* path, Answer&& answer) noexcept {
+  return loadFile(
+      path,
+      [&](int version) {
+        currentMachine.version = static_cast<std::int16_t>(version);
+        setPath(currentMachine.path, path);
+      },
+      isKnownSheetVersion,
+      [&](InStream& stream, int version) -> std::int64_t {
+        const auto status = guarded(
+            kDamaged, [&]() -> std::int64_t { return ReadOldMachine(stream, version, nullptr, currentMachine); });
+        if (status == kDone) answer(version);
+        return kDone;
+      });
+}
+
+struct StationLimits {
+  float minX = 999999.0F, minY = 999999.0F, maxX = 0, maxY = 0;
+};
+
+StationLimits limitsOf(const ToolStationList& list) {
+  StationLimits all;
+  for (const ToolStation& station : list.stations) {
+    all.minX = std::min(all.minX, station.limits[0]);
+    all.minY = std::min(all.minY, station.limits[1]);
+    all.maxX = std::max(all.maxX, station.limits[2]);
+    all.maxY = std::max(all.maxY, station.limits[3]);
+  }
+  return all;
+}
+
+constexpr int kWithoutStationLimits = 1;
+constexpr int kWithoutWorkArea = 2;
+
+}  // namespace
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+
+extern "C" int64_t LoadOldMachine(const char* path, OldMachine* machine) noexcept {
+  if (machine == nullptr) return kNotOpened;
+  return loadFile(
+      path, [&](int version) { machine->version = static_cast<std::int16_t>(version); }, isMachineVersion,
+      [&](InStream& stream, int version) { return ReadOldMachine(stream, version, nullptr, *machine); });
+}
+
+extern "C" int32_t LoadOldMachineInformation(const char* path, MachineInformation* information) noexcept {
+  return static_cast<std::int32_t>(loadCurrent(path, [&](int version) {
+    const OldMachine& m = currentMachine;
+    information->infoKind = m.machineKind;
+    information->infoVersion = version;
+    information->infoSizeX = m.sizeX;
+    information->infoSizeY = m.sizeY;
+    copyText(information->infoText1, m.secondText);
+    copyText(information->infoText2, m.machineText2);
+    information->infoStationWord = static_cast<std::int32_t>(m.stationWord);
+    information->infoExtra1 = m.stationsA.extraWords[0];
+    information->infoExtra2 = m.stationsA.extraWords[1];
+    information->infoStationMode = static_cast<std::int32_t>(m.stationsA.stationModeCode);
+    information->infoStationCount = static_cast<std::int32_t>(m.stationsA.stations.size());
+  }));
+}
+
+extern "C" void LoadOldStationToolFromMachine(int32_t index, int32_t* stationNumber, int32_t* stationType,
+                                              float* orientation, float* realF, float* stationValue,
+                                              int32_t* valueCount, float* values, float* limit0, float* limit1,
+                                              float* limit2, float* limit3, int32_t* shapeCode, float* dimensions,
+                                              float* offsets, char* specialToolPath, float* pairValue0,
+                                              float* pairValue1, int32_t* wordF) noexcept {
+  const ToolStationList& list = currentMachine.stationsA;
+  // A load that failed inside a tool left a station without one.
+  if (index < 0 || static_cast<std::size_t>(index) >= std::min(list.stations.size(), list.tools.size())) EndProcess();
+  const ToolStation& station = list.stations[static_cast<std::size_t>(index)];
+  const OldTool& tool = list.tools[static_cast<std::size_t>(index)];
+
+  *stationNumber = station.stationNumber;
+  *stationType = station.stationType;
+  *orientation = station.orientation;
+  *realF = station.realF;
+  *stationValue = station.stationValue;
+  *valueCount = station.valueCount;
+  *limit0 = station.limits[0];
+  *limit1 = station.limits[1];
+  *limit2 = station.limits[2];
+  *limit3 = station.limits[3];
+  *pairValue0 = station.pairValues[0];
+  *pairValue1 = station.pairValues[1];
+  *wordF = station.wordF;
+  const bool hasTool = station.toolCount >= 1;
+  *shapeCode = hasTool ? tool.shapeCode : 0;
+  dimensions[0] = hasTool ? tool.dimension1 : 0;
+  dimensions[1] = hasTool ? tool.dimension2 : 0;
+  dimensions[2] = hasTool ? tool.dimension3 : 0;
+  for (int i = 0; i < 6; ++i) values[i] = i < station.valueCount ? station.values[i] : 0;
+  std::copy(std::begin(station.offsets), std::end(station.offsets), offsets);
+  if (*shapeCode == kSpecialTool) giveText(specialToolPath, textOf(tool.specialToolPath));
+}
+
+extern "C" int64_t GetOldVLMQMachineName(const char* path, char* displayName, uint32_t* kind, char* text2,
+                                         char* secondText, char* lateText) noexcept {
+  return loadCurrent(path, [&](int) {
+    const OldMachine& m = currentMachine;
+    giveText(displayName, textOf(m.displayName));
+    *kind = static_cast<std::uint32_t>(m.machineKind);
+    giveText(text2, textOf(m.machineText2));
+    giveText(secondText, textOf(m.secondText));
+    giveText(lateText, textOf(m.lateText1));
+  });
+}
+
+extern "C" int64_t GetMachineDatasForQD(const char* path, float* sizeX, float* sizeY, float* clampCount,
+                                        float* blockMode, float* stationMinX, float* stationMinY, float* stationMaxX,
+                                        float* stationMaxY, float* area0, float* area1, float* area2,
+                                        float* area3) noexcept {
+  const auto keepNothing = [](int) {};
+  return loadFile(path, keepNothing, isMachineVersion, [&](InStream& stream, int version) -> std::int64_t {
+    const auto machine = std::make_unique<OldMachine>();
+    const int status = ReadOldMachine(stream, version, nullptr, *machine);
+    if (status != 0) return status;
+
+    *sizeX = machine->sizeX;
+    *sizeY = machine->sizeY;
+    // Integers in the outputs' four bytes, as their callers expect them.
+    *clampCount = std::bit_cast<float>(machine->clampInfo.clampCount);
+    *blockMode = std::bit_cast<float>(machine->blockMode);
+    StationLimits limits = limitsOf(machine->stationsA);
+    if (machine->machineKind == kWithoutStationLimits) limits = {0, 0, 0, 0};
+    *stationMinX = limits.minX;
+    *stationMinY = limits.minY;
+    *stationMaxX = limits.maxX;
+    *stationMaxY = limits.maxY;
+    WorkArea area = machine->workArea;
+    if (machine->machineKind == kWithoutWorkArea)
+      std::fill(std::begin(area.areaValues), std::end(area.areaValues), 0.0F);
+    *area0 = area.areaValues[0];
+    *area1 = area.areaValues[1];
+    *area2 = area.areaValues[2];
+    *area3 = area.areaValues[3];
+    return kDone;
+  });
+}

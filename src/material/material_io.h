@@ -1,0 +1,42 @@
+// Readers and writers of the material family: parameter tables, the tables of a material, its body.
+//
+// Results as in src/records/record_io.h.
+#pragma once
+#include "OldTorvIO/records.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio {
+
+using frame::InStream;
+using frame::OutStream;
+
+// Under the version word of its own that a table begins with. -1 for a version without a layout: then
+// table.version holds it and nothing else is touched.
+int ReadParamTable(InStream& stream, ParamTable& table);
+bool WriteParamTable(OutStream& stream, const ParamTable& table);
+
+int ReadSettingList(InStream& stream, int version, SettingList& list);
+bool WriteSettingList(OutStream& stream, int version, const SettingList& list);
+int ReadMaterialToolSetTable(InStream& stream, int version, MaterialToolSetTable& table);
+bool WriteMaterialToolSetTable(OutStream& stream, int version, const MaterialToolSetTable& table);
+int ReadMaterialPalette(InStream& stream, int version, MaterialPalette& palette);
+bool WriteMaterialPalette(OutStream& stream, int version, const MaterialPalette& palette);
+int ReadMaterialStageTable(InStream& stream, int version, MaterialStageTable& table);
+bool WriteMaterialStageTable(OutStream& stream, int version, const MaterialStageTable& table);
+int ReadMaterialEntryList(InStream& stream, int version, std::vector<MaterialEntry>& list);
+bool WriteMaterialEntryList(OutStream& stream, int version, const std::vector<MaterialEntry>& list);
+int ReadMaterialRuleLists(InStream& stream, int version, MaterialRuleLists& rules);
+bool WriteMaterialRuleLists(OutStream& stream, int version, const MaterialRuleLists& rules);
+int ReadMaterialHeadRecord(InStream& stream, int version, MaterialHeadRecord& head);
+bool WriteMaterialHeadRecord(OutStream& stream, int version, const MaterialHeadRecord& head);
+
+// Everything but path, version and params. The writer stores the choices as they stand and then
+// brings those above their limit back into their bank, in the record.
+int ReadOldMaterialBody(InStream& stream, int version, OldMaterial& material);
+bool WriteOldMaterialBody(OutStream& stream, int version, OldMaterial& material);
+
+// For samples and tests: no export writes material files. A version that the loader would refuse
+// gives -1. Versions 52, 60, 500, 501 and 502 store params alone, under params.version.
+std::int64_t SaveMaterial(const char* path, OldMaterial& material, int version);
+
+}  // namespace oldtorvio

@@ -1,0 +1,46 @@
+// The load of material files.
+#include <string_view>
+
+#include "OldTorvIO.h"
+#include "src/frame/entry.h"
+#include "src/frame/text.h"
+#include "src/material/material_io.h"
+
+using namespace oldtorvio;
+using namespace oldtorvio::frame;
+
+namespace {
+
+// The whole file is a parameter table, and its version word the one that has just been read: the file
+// is read again from its beginning.
+std::int64_t loadShort(const char* path, OldMaterial& material) {
+  const File file = File::openToRead(path);
+  if (!file) return kNotOpened;
+  InStream stream(file.handle());
+  const int status = ReadParamTable(stream, material.params);
+  if (status != 0) return status;
+  const std::string_view name = textOf(material.params.name);
+  if (!name.empty() && name.size() < sizeof material.params.name) material.name = name;
+  return kDone;
+}
+
+std::int64_t loadLong(InStream& stream, int version, OldMaterial& material) {
+  const int status = ReadParamTable(stream, material.params);
+  return status != 0 ? status : ReadOldMaterialBody(stream, version, material);
+}
+
+}  // namespace
+
+extern "C" int64_t LoadOldMaterial(const char* path, OldMaterial* material) noexcept {
+  if (material == nullptr) return kNotOpened;
+  return loadFile(
+      path,
+      [&](int version) {
+        setPath(material->path, path);
+        material->version = static_cast<std::uint16_t>(version);
+      },
+      isMaterialVersion,
+      [&](InStream& stream, int version) {
+        return isParamTableVersion(version) ? loadShort(path, *material) : loadLong(stream, version, *material);
+      });
+}

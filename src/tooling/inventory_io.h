@@ -1,0 +1,21 @@
+// Tool inventory files.
+#pragma once
+#include "OldTorvIO/tool_inventory.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio {
+
+using frame::InStream;
+using frame::OutStream;
+
+// Results as in src/records/record_io.h.
+int ReadInventoryEntry(InStream& stream, int version, InventoryEntry& entry);
+bool WriteInventoryEntry(OutStream& stream, int version, const InventoryEntry& entry);
+// The file behind its version word.
+int ReadToolInventory(InStream& stream, int version, OldToolInventory& inventory);
+bool WriteToolInventory(OutStream& stream, int version, const OldToolInventory& inventory);
+
+// For samples and tests: no export writes inventories. A version that the loader would refuse gives -1.
+std::int64_t SaveToolInventory(const char* path, const OldToolInventory& inventory, int version);
+
+}  // namespace oldtorvio

@@ -1,0 +1,103 @@
+// Tool inventories: the load into a caller's record, and the current inventory that two exports share.
+#include <algorithm>
+#include <string_view>
+
+#include "OldTorvIO.h"
+#include "src/frame/end_process.h"
+#include "src/frame/entry.h"
+#include "src/frame/text.h"
+#include "src/records/tool_layout.h"
+#include "src/tooling/inventory_io.h"
+
+namespace oldtorvio {
+namespace {
+
+using namespace frame;
+
+// Loaded over itself and never reset: what a file does not store keeps the value of the one before.
+OldToolInventory currentToolInventory;
+
+template <class Read>
+std::int64_t load(const char* path, OldToolInventory& inventory, Read&& read) noexcept {
+  return loadFile(
+      path,
+      [&](int version) {
+        inventory.version = static_cast<std::int16_t>(version);
+        setPath(inventory.path, path);
+      },
+      isToolInventoryVersion, read);
+}
+
+struct ToolKind {
+  std::int32_t shapeCode;
+  std::string_view name;
+};
+constexpr ToolKind kToolKinds[] = {
+    {1, "ROUND"},      {3, "RECTANGLE"},  {9, "RIGHT ANGLE SHEAR"}, {33, "LASER CUTTING TOOL"},
+    {103, "SQUARE"},   {104, "SINGLE D"}, {105, "DOUBLE D"},        {106, "OBROUND"},
+    {107, "TRIANGLE"}, {109, "CORNERR"},  {110, "ROUNDED C"},       {112, "GR"},
+};
+
+// A kind without a name leaves the caller's buffer as it is.
+void giveName(const OldTool& tool, char* name) {
+  if (tool.shapeCode == kSpecialTool) {
+    const auto& files = currentToolInventory.specialToolFiles;
+    const std::int64_t index = std::int64_t{tool.specialToolIndex} - 1;
+    if (index < 0 || static_cast<std::size_t>(index) >= files.size()) EndProcess();
+    const auto& file = files[static_cast<std::size_t>(index)];
+    giveText(name, baseName({file.data(),
+                             static_cast<std::size_t>(std::find(file.begin(), file.end(), '\0') - file.begin())}));
+    return;
+  }
+  for (const ToolKind& kind : kToolKinds)
+    if (kind.shapeCode == tool.shapeCode) giveText(name, kind.name);
+}
+
+void giveValues(std::int32_t count, const float (&values)[6], float* const (&to)[6]) {
+  if (count < 1 || count > 6) return;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) *to[i] = values[i];
+}
+
+}  // namespace
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+
+extern "C" int64_t LoadOldToolInventory(const char* path, OldToolInventory* inventory) noexcept {
+  if (inventory == nullptr) return kNotOpened;
+  return load(path, *inventory,
+              [&](InStream& stream, int version) { return ReadToolInventory(stream, version, *inventory); });
+}
+
+extern "C" int32_t LoadOldToolInventoryForCount(const char* path, uint32_t* count) noexcept {
+  *count = 0;
+  return static_cast<std::int32_t>(load(path, currentToolInventory, [&](InStream& stream, int version) {
+    const auto status =
+        guarded(kDamaged, [&]() -> std::int64_t { return ReadToolInventory(stream, version, currentToolInventory); });
+    if (status == kDone) *count = static_cast<std::uint32_t>(currentToolInventory.tools.size());
+    return kDone;
+  }));
+}
+
+extern "C" void GetOldToolInventoryInformation(int32_t index, char* name, float* dimension1, float* dimension2,
+                                               float* dimension3, float* orientation, int32_t* firstValueCount,
+                                               float* firstValue0, float* firstValue1, float* firstValue2,
+                                               float* firstValue3, float* firstValue4, float* firstValue5,
+                                               int32_t* secondValueCount, float* secondValue0, float* secondValue1,
+                                               float* secondValue2, float* secondValue3, float* secondValue4,
+                                               float* secondValue5) noexcept {
+  const std::vector<OldTool>& tools = currentToolInventory.tools;
+  if (index < 0 || static_cast<std::size_t>(index) >= tools.size()) EndProcess();
+  const OldTool& tool = tools[static_cast<std::size_t>(index)];
+  giveName(tool, name);
+  *dimension1 = tool.dimension1;
+  *dimension2 = tool.dimension2;
+  *dimension3 = tool.dimension3;
+  *orientation = tool.orientation;
+  *firstValueCount = tool.firstValueCount;
+  giveValues(tool.firstValueCount, tool.firstValues,
+             {firstValue0, firstValue1, firstValue2, firstValue3, firstValue4, firstValue5});
+  *secondValueCount = tool.secondValueCount;
+  giveValues(tool.secondValueCount, tool.secondValues,
+             {secondValue0, secondValue1, secondValue2, secondValue3, secondValue4, secondValue5});
+}

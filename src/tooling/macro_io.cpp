@@ -1,0 +1,30 @@
+#include "src/tooling/macro_io.h"
+
+#include "OldTorvIO.h"
+#include "src/frame/entry.h"
+#include "src/tooling/macro_layout.h"
+
+namespace oldtorvio {
+
+int ReadMacro(InStream& stream, int version, OldMacro& macro) {
+  return frame::resultOf(frame::readRecord(stream, version, macro));
+}
+bool WriteMacro(OutStream& stream, int version, const OldMacro& macro) {
+  return frame::writeRecord(stream, version, macro);
+}
+
+std::int64_t SaveMacro(const char* path, const OldMacro& macro, int version) {
+  return frame::saveFile(path, version, frame::isMacroVersion,
+                         [&](OutStream& stream) { return WriteMacro(stream, version, macro); });
+}
+
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+
+extern "C" int64_t LoadOldMacro(const char* path, OldMacro* macro) noexcept {
+  if (macro == nullptr) return frame::kNotOpened;
+  return frame::loadFile(
+      path, [&](int version) { macro->version = static_cast<std::int16_t>(version); }, frame::isMacroVersion,
+      [&](InStream& stream, int version) { return ReadMacro(stream, version, *macro); });
+}

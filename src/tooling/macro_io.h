@@ -1,0 +1,18 @@
+// Macro files.
+#pragma once
+#include "OldTorvIO/macro.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio {
+
+using frame::InStream;
+using frame::OutStream;
+
+// The file behind its version word. Results as in src/records/record_io.h.
+int ReadMacro(InStream& stream, int version, OldMacro& macro);
+bool WriteMacro(OutStream& stream, int version, const OldMacro& macro);
+
+// For samples and tests: no export writes macros. A version that the loader would refuse gives -1.
+std::int64_t SaveMacro(const char* path, const OldMacro& macro, int version);
+
+}  // namespace oldtorvio
