@@ -5,7 +5,12 @@
 #include <memory>
 
 #include "src/frame/entry.h"
+#include "src/machine/machine_layout.h"
+#include "src/material/material_layout.h"
+#include "src/part/old_part_layout.h"
 #include "src/part/part_layout.h"
+#include "src/tooling/inventory_layout.h"
+#include "src/tooling/macro_layout.h"
 #include "src/tooling/special_tool_layout.h"
 
 namespace oldtorvio::map {
@@ -13,41 +18,98 @@ namespace {
 
 using namespace frame;
 
+// Each kind of file once: its name, what its load does with a version, and its walk.
 constexpr std::array kKinds{
     KindName{FileKind::part, "part"},
     KindName{FileKind::groupPart, "group-part"},
     KindName{FileKind::specialTool, "special-tool"},
+    KindName{FileKind::machine, "machine"},
+    KindName{FileKind::material, "material"},
+    KindName{FileKind::toolInventory, "tool-inventory"},
+    KindName{FileKind::macro, "macro"},
 };
 
-// Empty when the version is accepted, otherwise why not.
-std::string refusal(FileKind kind, int version) {
-  if (kind == FileKind::part) {
-    if (!kPartVersions.has(version)) return "no version of a part file";
-    return version < kFirstMainVersion ? "the layout of this version is not read" : "";
+bool accepts(FileKind kind, int version) {
+  switch (kind) {
+    case FileKind::part:
+      return kPartVersions.has(version);
+    case FileKind::groupPart:
+      return version >= kFirstGroupPartVersion;
+    case FileKind::specialTool:
+      return isSpecialToolVersion(version);
+    case FileKind::machine:
+      return isMachineVersion(version);
+    case FileKind::material:
+      return isMaterialVersion(version);
+    case FileKind::toolInventory:
+      return isToolInventoryVersion(version);
+    default:
+      return isMacroVersion(version);
   }
-  if (kind == FileKind::groupPart)
-    return version < kFirstGroupPartVersion ? "below the first version of group part files" : "";
-  return version < kFirstMainVersion || !kSpecialToolVersions.has(version) ? "no version of a special tool file" : "";
 }
 
-std::int64_t refusalStatus(FileKind kind, int version) {
-  return kind == FileKind::groupPart || (kind == FileKind::part && kPartVersions.has(version)) ? kDamaged
-                                                                                               : kWrongVersion;
+// A version too low is damage in a group part file, as its load has it.
+std::int64_t refusalStatus(FileKind kind) { return kind == FileKind::groupPart ? kDamaged : kWrongVersion; }
+
+// The version word of a short material belongs to the table that is the whole file.
+bool isWholeTable(FileKind kind, int version) { return kind == FileKind::material && isParamTableVersion(version); }
+
+std::int64_t statusOf(bool walked) { return walked ? kDone : kDamaged; }
+
+template <class Io>
+std::int64_t walkPart(Io& io) {
+  const auto part = std::make_unique<TorvPart>();
+  Version5Part version5{*part};
+  Version3Part version3{*part};
+  if (io.version() >= kFirstMainVersion) return statusOf(io.whole(*part, PartForm{}));
+  return statusOf(io.version() == kVersion5 ? io.whole(version5) : io.whole(version3));
 }
 
 template <class Io>
-bool walkBody(FileKind kind, Io& io) {
-  if (kind == FileKind::part) {
-    const auto part = std::make_unique<TorvPart>();
-    return Layout<TorvPart>::describe(io, *part, PartForm{});
+std::int64_t walkMaterial(Io& io) {
+  const auto record = std::make_unique<OldMaterial>();
+  OldMaterial& material = *record;
+  if (!io.record(F(material.params))) {
+    const bool hasNoLayout = io.stop() == Stop::refused && paramFormToRead(material.params.version) == ParamForm::none;
+    return hasNoLayout ? kWrongVersion : kDamaged;
   }
-  if (kind == FileKind::groupPart) {
-    std::vector<TorvPart> parts;
-    GroupPartFile<std::vector<TorvPart>> file{parts};
-    return Layout<decltype(file)>::describe(io, file);
+  return statusOf(isParamTableVersion(io.version()) || io.whole(material));
+}
+
+template <class Record, class Io, class... A>
+std::int64_t walkRecord(Io& io, const A&... more) {
+  const auto record = std::make_unique<Record>();
+  return statusOf(io.whole(*record, more...));
+}
+
+// The file behind its version word, or from its beginning if it is a whole table.
+template <class Io>
+std::int64_t walkBody(FileKind kind, Io& io) {
+  switch (kind) {
+    case FileKind::part:
+      return walkPart(io);
+    case FileKind::groupPart: {
+      std::vector<TorvPart> parts;
+      GroupPartFile<std::vector<TorvPart>> file{parts};
+      return statusOf(io.whole(file));
+    }
+    case FileKind::specialTool:
+      return walkRecord<OldSpecialTool>(io);
+    case FileKind::machine:
+      return walkRecord<OldMachine>(io, MachineForm<ShapeList>{});
+    case FileKind::material:
+      return walkMaterial(io);
+    case FileKind::toolInventory:
+      return walkRecord<OldToolInventory>(io);
+    default:
+      return walkRecord<OldMacro>(io);
   }
-  const auto tool = std::make_unique<OldSpecialTool>();
-  return Layout<OldSpecialTool>::describe(io, *tool);
+}
+
+std::optional<int> versionOf(const File& file) {
+  InStream stream(file.handle());
+  std::int16_t version = 0;
+  return readRecord(stream, 0, version) ? std::optional<int>(version) : std::nullopt;
 }
 
 }  // namespace
@@ -68,32 +130,34 @@ FileReport mapFile(const char* path, FileKind kind, const MapSink& sink) {
   }
   InStream stream(file.handle());
   report.size = stream.left();
+  report.version = versionOf(File::openToRead(path));
 
   // The sink also keeps count: a walk that stops eats what is left of the file.
   const MapSink counting = [&](const MapLine& line) {
     if (line.size > 0) report.walked = line.offset + line.size;
     sink(line);
   };
-  Mapper head(stream, 0, counting);
-  std::int16_t version = 0;
-  if (!head.fields(F(version))) {
-    report.status = kDamaged;
-    report.fault = head.fault();
-    return report;
+  if (!report.version || !isWholeTable(kind, *report.version)) {
+    Mapper head(stream, 0, counting);
+    std::int16_t version = 0;
+    if (!head.fields(F(version))) {
+      report.status = kDamaged;
+      report.fault = head.fault();
+      return report;
+    }
+    if (!accepts(kind, version)) {
+      report.status = refusalStatus(kind);
+      report.fault =
+          Fault{0, "version", std::to_string(version) + " is no version of a " + std::string(nameOf(kind)) + " file"};
+      return report;
+    }
   }
-  report.version = version;
-  if (const std::string why = refusal(kind, version); !why.empty()) {
-    report.status = refusalStatus(kind, version);
-    report.fault = Fault{0, "version", std::to_string(version) + ": " + why};
-    return report;
-  }
-  Mapper body(stream, version, counting);
-  if (!walkBody(kind, body)) {
-    report.status = kDamaged;
+  Mapper body(stream, *report.version, counting);
+  report.status = walkBody(kind, body);
+  if (report.status != kDone)
     report.fault = body.fault();
-  } else if (stream.left() > 0) {
+  else if (stream.left() > 0)
     body.remark(std::to_string(stream.left()) + " bytes behind the last field are not looked at");
-  }
   return report;
 }
 
@@ -102,10 +166,11 @@ FileReport checkFile(const char* path, FileKind kind) {
   if (const File file = File::openToRead(path)) {
     InStream stream(file.handle());
     const std::uint64_t size = stream.left();
-    std::int16_t version = 0;
-    if (readRecord(stream, 0, version) && refusal(kind, version).empty()) {
-      Reader io(stream, version);
-      if (walkBody(kind, io)) return {kDone, version, stream.position(), size, std::nullopt};
+    const auto version = versionOf(File::openToRead(path));
+    if (version && accepts(kind, *version)) {
+      if (!isWholeTable(kind, *version)) (void)stream.skip(sizeof(std::int16_t));
+      Reader io(stream, *version);
+      if (walkBody(kind, io) == kDone) return {kDone, version, stream.position(), size, std::nullopt};
     }
   }
   return mapFile(path, kind, [](const MapLine&) {});

@@ -10,7 +10,7 @@
 
 namespace oldtorvio::map {
 
-enum class FileKind : std::uint8_t { part, groupPart, specialTool };
+enum class FileKind : std::uint8_t { part, groupPart, specialTool, machine, material, toolInventory, macro };
 
 struct KindName {
   FileKind kind;

@@ -5,6 +5,7 @@
 #include "OldTorvIO/part_list.h"
 #include "src/frame/entry.h"
 #include "src/frame/text.h"
+#include "src/part/old_part_layout.h"
 #include "src/part/part_layout.h"
 
 namespace oldtorvio {
@@ -19,7 +20,7 @@ void prepareForLoad(TorvPart& part, std::string_view path) {
   part.optionReal = 0.05;
   part.optionValue = 0;
   part.optionText[0] = '\0';
-  setText(part.partFullDosName, path.substr(0, sizeof part.partFullDosName - 1));
+  setPath(part.partFullDosName, path);
 }
 
 }  // namespace
@@ -34,8 +35,11 @@ extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
       path, [&](int version) { part->version = version; }, [](int version) { return kPartVersions.has(version); },
       [&](InStream& stream, int version) -> std::int64_t {
         prepareForLoad(*part, path);
-        if (version < kFirstMainVersion) return kDamaged;
-        return resultOf(readRecord(stream, version, *part, PartForm{}));
+        if (version >= kFirstMainVersion) return resultOf(readRecord(stream, version, *part, PartForm{}));
+        Version5Part version5{*part};
+        if (version == kVersion5) return resultOf(readRecord(stream, version, version5));
+        Version3Part version3{*part};
+        return resultOf(readRecord(stream, version, version3));
       });
 }
 
