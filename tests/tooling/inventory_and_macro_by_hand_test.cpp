@@ -1,0 +1,743 @@
+// Tool inventories and macros: their stored rows typed once more, and what the loaders, the count and
+// the query answer.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <limits>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "OldTorvIO.h"
+#include "src/records/record_io.h"
+#include "src/tooling/inventory_io.h"
+#include "src/tooling/macro_io.h"
+#include "tests/support/bytes.h"
+#include "tests/support/files.h"
+#include "tests/support/stored_forms.h"
+
+namespace {
+
+using namespace testing_support;
+
+std::set<int> withLateRun(std::set<int> some) {
+  some.insert({90, 91, 92, 100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 170, 180});
+  for (int v = 150; v <= 162; ++v) some.insert(v);
+  return some;
+}
+const std::set<int> kInventoryVersions = withLateRun({54, 60, 80});
+const std::set<int> kMacroVersions = withLateRun({52, 54, 60, 61, 62, 80});
+
+// Where the gates of the two files and of what they embed lie.
+const std::vector<int> kGates{54, 59, 60, 79, 80, 89, 90, 109, 110, 111, 129, 130, 149, 150, 180};
+
+template <class T>
+bool sameRaw(const T& a, const T& b) {
+  return std::memcmp(&a, &b, sizeof(T)) == 0;
+}
+
+// ---- inventories ---------------------------------------------------------------------------------
+
+template <class M>
+void storedEntry(M& m, int version, int steps, InventoryEntry& e) {
+  numberOr(m, e.entryHead, std::uint16_t{256});
+  m.number(e.entryWord);
+  m.block(e.entryNameA);
+  m.number(e.entryByteA);
+  m.number(e.entryByteB);
+  m.block(e.entryNameB);
+  m.number(e.entryShortA);
+  m.number(e.entryShortB);
+  if (version >= 130)
+    m.block(e.entryNameC);
+  else
+    m.absent(std::string(e.entryNameC), std::string("0"));
+  if (version >= 150) {
+    m.number(e.entryLateWord);
+    each(m, e.entryLateReals);
+  } else {
+    m.absent(e.entryLateWord, 0U);
+    m.absent(e.entryLateReals[1], 0.0F);
+  }
+  storedSteps(m, version, steps, e.entrySteps);
+}
+
+struct InventoryForm {
+  std::vector<std::int32_t> codes{1, 107, 108};
+  std::size_t entries = 2, files = 2;
+};
+
+template <class M>
+void storedInventory(M& m, int version, const InventoryForm& form, OldToolInventory& inventory) {
+  m.size(inventory.tools, form.codes.size());
+  for (int i = 0; i < 20; ++i) {
+    m.number(inventory.pairFirst[i]);
+    m.number(inventory.pairSecond[i]);
+  }
+  for (std::size_t i = 0; i < form.codes.size(); ++i) storedTool(m, version, false, form.codes[i], inventory.tools[i]);
+  m.size(inventory.entries, form.entries);
+  for (std::size_t i = 0; i < form.entries; ++i) storedEntry(m, version, static_cast<int>(i) + 2, inventory.entries[i]);
+  m.size(inventory.specialToolFiles, form.files);
+  for (auto& file : inventory.specialToolFiles)
+    for (char& one : file) m.number(one);
+}
+
+std::pair<Bytes, OldToolInventory> madeInventory(int version, const InventoryForm& form = {}) {
+  Maker maker;
+  OldToolInventory made;
+  storedInventory(maker, version, form, made);
+  return {maker.bytes, made};
+}
+
+// A record that something was loaded into before.
+OldToolInventory usedInventory() {
+  OldToolInventory used;
+  used.tools.resize(5);
+  used.entries.resize(6);
+  for (InventoryEntry& e : used.entries) e.entryWord = 4711;
+  used.specialToolFiles.resize(7);
+  for (int i = 0; i < 20; ++i) used.pairFirst[i] = used.pairSecond[i] = 0xAAAAAAAAU;
+  return used;
+}
+
+int readInventory(const Bytes& bytes, int version, OldToolInventory& into, std::size_t* consumed = nullptr) {
+  return readFrom(
+      bytes, [&](InStream& s) { return ReadToolInventory(s, version, into); }, consumed);
+}
+
+TEST(InventoryByHand, StartsEmpty) {
+  const OldToolInventory fresh;
+  EXPECT_TRUE(fresh.tools.empty() && fresh.entries.empty() && fresh.specialToolFiles.empty());
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(fresh.pairFirst[i] | fresh.pairSecond[i], 0U);
+  EXPECT_EQ(fresh.path[0], '\0');
+  EXPECT_EQ(fresh.version, 0);
+}
+
+TEST(InventoryByHand, StartsAnEntryAtItsDefaults) {
+  const InventoryEntry fresh;
+  EXPECT_EQ(fresh.entryWord, 0U);
+  EXPECT_EQ(fresh.entryHead, 256);
+  EXPECT_STREQ(fresh.entryNameC, "0");
+  EXPECT_TRUE(fresh.entryNameA[0] == 0 && fresh.entryNameB[0] == 0);
+  EXPECT_TRUE(fresh.entryByteA == 0 && fresh.entryByteB == 0 && fresh.entryShortA == 0 && fresh.entryShortB == 0);
+  EXPECT_TRUE(fresh.entryLateWord == 0 && fresh.entryLateReals[0] == 0 && fresh.entryLateReals[1] == 0);
+  EXPECT_EQ(fresh.entrySteps.stepByteA[0], 255);
+}
+
+TEST(InventoryByHand, StoresAnEntryByteForByteAtEveryVersion) {
+  for (int version = 54; version <= 180; ++version)
+    for (const int steps : {0, 3, 20}) {
+      SCOPED_TRACE(version);
+      Maker maker;
+      InventoryEntry made, read;
+      storedEntry(maker, version, steps, made);
+      std::size_t consumed = 0;
+      ASSERT_EQ(readFrom(
+                    Bytes(maker.bytes).fill(9, 0xEE), [&](InStream& s) { return ReadInventoryEntry(s, version, read); },
+                    &consumed),
+                0);
+      EXPECT_EQ(consumed, maker.bytes.size());
+      Checker checker;
+      storedEntry(checker, version, steps, read);
+      bool ok = false;
+      EXPECT_EQ(written([&](OutStream& s) { return WriteInventoryEntry(s, version, made); }, &ok), maker.bytes);
+      EXPECT_TRUE(ok);
+    }
+}
+
+// Only the late word and reals, and the table's count of steps, may be missing.
+TEST(InventoryByHand, ToleratesACutEntryOnlyFromItsLateWordToItsLateReals) {
+  for (const int version : {129, 130, 149, 150, 180}) {
+    const std::size_t rowTen = 2 + 4 + 256 + 1 + 1 + 256 + 2 + 2 + (version >= 130 ? 256U : 0U);
+    const std::size_t rowTwelve = rowTen + (version >= 150 ? 12 : 0);
+    Maker maker;
+    InventoryEntry made;
+    storedEntry(maker, version, 2, made);
+    for (std::size_t cut = 0; cut < maker.bytes.size(); ++cut) {
+      SCOPED_TRACE(testing::Message() << version << " cut at " << cut);
+      const bool tolerated = (cut >= rowTen && cut < rowTwelve) || cut == rowTwelve + 20;
+      InventoryEntry read;
+      ASSERT_EQ(readFrom(maker.bytes.cut(cut), [&](InStream& s) { return ReadInventoryEntry(s, version, read); }),
+                tolerated ? 0 : 1);
+      Checker checker(cut);
+      storedEntry(checker, version, 2, read);
+    }
+  }
+}
+
+TEST(InventoryByHand, LoadsAtEveryAcceptedVersionByteForByte) {
+  const TempFolder folder;
+  for (const int version : kInventoryVersions) {
+    SCOPED_TRACE(version);
+    const auto [bytes, made] = madeInventory(version);
+    const std::string path = folder.write("tools.inv", Bytes().i16(version).add(bytes).fill(5, 0xEE));
+    for (const bool used : {false, true}) {
+      OldToolInventory inventory = used ? usedInventory() : OldToolInventory();
+      ASSERT_EQ(LoadOldToolInventory(path.c_str(), &inventory), 0);
+      EXPECT_EQ(inventory.version, version);
+      EXPECT_EQ(std::string(inventory.path), path);
+      Checker checker;
+      storedInventory(checker, version, {}, inventory);
+    }
+    std::uint32_t count = 77;
+    EXPECT_EQ(LoadOldToolInventoryForCount(path.c_str(), &count), 0);
+    EXPECT_EQ(count, 3U);
+    bool ok = false;
+    EXPECT_EQ(written([&, v = version, &one = made](OutStream& s) { return WriteToolInventory(s, v, one); }, &ok),
+              bytes);
+    EXPECT_TRUE(ok);
+    const std::string saved = folder.path("saved.inv");
+    EXPECT_EQ(SaveToolInventory(saved.c_str(), made, version), 0);
+    EXPECT_EQ(TempFolder::read(saved), Bytes().i16(version).add(bytes));
+  }
+}
+
+TEST(InventoryByHand, ReadsTheSameRowsAtEveryGate) {
+  for (const int version : kGates) {
+    SCOPED_TRACE(version);
+    for (const InventoryForm& form : {InventoryForm{}, InventoryForm{{}, 1, 1}, InventoryForm{{108, 3}, 0, 0}}) {
+      const auto [bytes, made] = madeInventory(version, form);
+      OldToolInventory inventory;
+      std::size_t consumed = 0;
+      ASSERT_EQ(readInventory(Bytes(bytes).fill(9, 0xEE), version, inventory, &consumed), 0);
+      EXPECT_EQ(consumed, bytes.size());
+      Checker checker;
+      storedInventory(checker, version, form, inventory);
+    }
+  }
+}
+
+TEST(InventoryByHand, ReadsNothingBehindTheToolCountBelowVersion54) {
+  for (const int version : {52, 53}) {
+    OldToolInventory inventory = usedInventory();
+    EXPECT_EQ(readInventory(madeInventory(54).first, version, inventory), 1);
+    EXPECT_EQ(inventory.tools.size(), 5U);
+    EXPECT_EQ(inventory.entries.size(), 6U);
+    EXPECT_EQ(inventory.specialToolFiles.size(), 7U);
+    EXPECT_EQ(inventory.pairFirst[0], 0xAAAAAAAAU);
+  }
+}
+
+// Lists are emptied behind the count (tools: behind the pairs), and hold what arrived whole.
+TEST(InventoryByHand, GivesOneAndKeepsWhatArrivedAtEveryCut) {
+  for (const int version : {54, 80, 111, 130, 150}) {
+    const InventoryForm form;
+    const auto [bytes, made] = madeInventory(version, form);
+    const std::size_t pairsEnd = 4 + 20 * 8;
+    std::vector<std::size_t> toolEnds, entryEnds, entryTails;
+    std::size_t at = pairsEnd;
+    for (const std::int32_t code : form.codes) {
+      Maker maker;
+      OldTool tool;
+      storedTool(maker, version, false, code, tool);
+      toolEnds.push_back(at += maker.bytes.size());
+    }
+    const std::size_t entryCountEnd = at += 4;
+    for (const std::size_t steps : {2U, 3U}) {
+      const std::size_t rowTen = at + 524 + (version >= 130 ? 256U : 0U);
+      const std::size_t table = rowTen + (version >= 150 ? 12 : 0);
+      for (std::size_t tail = rowTen; tail < table; ++tail) entryTails.push_back(tail);
+      entryTails.push_back(table + 20);
+      entryEnds.push_back(at = table + 21 + 7 * steps + (version >= 80 ? 1 : 0) + (version >= 90 ? 1 : 0));
+    }
+    const std::size_t fileCountEnd = at += 4;
+    ASSERT_EQ(bytes.size(), fileCountEnd + 2 * 256);
+    const auto behind = [](const std::vector<std::size_t>& ends, std::size_t cut) {
+      std::size_t n = 0;
+      for (const std::size_t end : ends) n += end <= cut ? 1 : 0;
+      return n;
+    };
+    for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
+      SCOPED_TRACE(testing::Message() << version << " cut at " << cut);
+      OldToolInventory inventory = usedInventory();
+      ASSERT_EQ(readInventory(bytes.cut(cut), version, inventory), 1);
+      ASSERT_EQ(inventory.tools.size(), cut < pairsEnd ? 5 : behind(toolEnds, cut));
+      bool tail = false;
+      for (const std::size_t one : entryTails) tail = tail || one == cut;
+      ASSERT_EQ(inventory.entries.size(), cut < entryCountEnd ? 6 : behind(entryEnds, cut) + (tail ? 1 : 0));
+      ASSERT_EQ(inventory.specialToolFiles.size(), cut < fileCountEnd ? 7 : (cut - fileCountEnd) / 256);
+      for (std::size_t i = 0; i < 20; ++i) {
+        ASSERT_EQ(inventory.pairFirst[i], cut >= 4 + 8 * i + 4 ? made.pairFirst[i] : 0xAAAAAAAAU) << i;
+        ASSERT_EQ(inventory.pairSecond[i], cut >= 4 + 8 * i + 8 ? made.pairSecond[i] : 0xAAAAAAAAU) << i;
+      }
+    }
+  }
+}
+
+TEST(InventoryByHand, KeepsOldEntriesButNoOldToolsOrFileNamesWhereTheCountIsZero) {
+  for (const int version : kGates)
+    for (const std::int32_t tools : {0, -1, -0x7FFFFFFF - 1})
+      for (const std::int32_t entries : {0, -1, -0x7FFFFFFF - 1})
+        for (const std::int32_t files : {0, -1, -0x7FFFFFFF - 1}) {
+          OldToolInventory inventory = usedInventory();
+          const Bytes bytes = Bytes().i32(tools).fill(160, 0x11).i32(entries).i32(files);
+          std::size_t consumed = 0;
+          ASSERT_EQ(readInventory(Bytes(bytes).fill(300, 0xEE), version, inventory, &consumed), 0);
+          EXPECT_EQ(consumed, bytes.size());
+          EXPECT_EQ(inventory.tools.size(), 0U);
+          EXPECT_EQ(inventory.entries.size(), entries == 0 ? 6U : 0U) << entries;
+          EXPECT_EQ(inventory.specialToolFiles.size(), 0U);
+          EXPECT_EQ(inventory.pairSecond[19], 0x11111111U);
+        }
+}
+
+TEST(InventoryByHand, RefusesCountsThatTheFileCannotHold) {
+  const Bytes head = Bytes().i32(0).zeros(160);
+  for (const std::int32_t count : {1000000, 2000000000, 0x7FFFFFFF}) {
+    OldToolInventory inventory;
+    EXPECT_EQ(readInventory(Bytes().i32(count).zeros(160).zeros(100), 150, inventory), 1);
+    EXPECT_EQ(readInventory(Bytes(head).i32(count).zeros(100), 150, inventory), 1);
+    EXPECT_EQ(readInventory(Bytes(head).i32(0).i32(count).zeros(100), 150, inventory), 1);
+    EXPECT_TRUE(inventory.tools.empty() && inventory.entries.empty() && inventory.specialToolFiles.empty());
+  }
+}
+
+TEST(InventoryByHand, BeginsEachElementFresh) {
+  OldToolInventory inventory = usedInventory();
+  inventory.tools[0].lateWords[0] = 9;
+  inventory.entries[0].entryLateWord = 9;
+  inventory.entries[0].entryNameC[0] = 'x';
+  const auto [bytes, made] = madeInventory(54);
+  ASSERT_EQ(readInventory(bytes, 54, inventory), 0);
+  EXPECT_EQ(inventory.tools[0].lateWords[0], 0U);
+  EXPECT_EQ(inventory.entries[0].entryLateWord, 0U);
+  EXPECT_STREQ(inventory.entries[0].entryNameC, "0");
+}
+
+TEST(InventoryByHand, AcceptsTheVersionsOfItsListFrom54On) {
+  const TempFolder folder;
+  for (int word = 0; word < 65536; ++word) {
+    const std::string path = folder.overwrite("w.inv", Bytes().u16(static_cast<std::uint16_t>(word)));
+    const bool listed = kInventoryVersions.contains(word);
+    OldToolInventory inventory;
+    ASSERT_EQ(LoadOldToolInventory(path.c_str(), &inventory), listed ? 1 : -1) << word;
+    ASSERT_EQ(inventory.version, static_cast<std::int16_t>(word));
+    ASSERT_EQ(std::string(inventory.path), path);
+    std::uint32_t count = 5;
+    ASSERT_EQ(LoadOldToolInventoryForCount(path.c_str(), &count), listed ? 0 : -1) << word;
+    ASSERT_EQ(count, 0U);
+    if (word <= 200 && !listed) {
+      ASSERT_EQ(SaveToolInventory(folder.path("s.inv").c_str(), inventory, word), -1) << word;
+    }
+  }
+}
+
+TEST(InventoryByHand, AnswersMissingAndShortFilesWithoutTouchingTheRecord) {
+  const TempFolder folder;
+  const std::pair<std::string, int> cases[] = {{folder.path("none.inv"), -2},
+                                               {"", -2},
+                                               {folder.write("empty.inv", Bytes()), 1},
+                                               {folder.write("one.inv", Bytes().u8(150)), 1}};
+  for (const auto& [path, status] : cases) {
+    OldToolInventory inventory;
+    inventory.version = 33;
+    inventory.path[0] = 'p';
+    EXPECT_EQ(LoadOldToolInventory(path.c_str(), &inventory), status) << path;
+    EXPECT_EQ(inventory.version, 33);
+    EXPECT_STREQ(inventory.path, "p");
+    std::uint32_t count = 5;
+    EXPECT_EQ(LoadOldToolInventoryForCount(path.c_str(), &count), status) << path;
+    EXPECT_EQ(count, 0U);
+  }
+}
+
+TEST(InventoryByHand, KeepsItsPathAndCutsOneThatIsTooLong) {
+  const TempFolder folder;
+  const std::string deep = std::string(200, 'd') + "/" + std::string(100, 'f');
+  std::filesystem::create_directories(folder.path(std::string(200, 'd')));
+  const Bytes bytes = Bytes().i16(54).add(madeInventory(54).first);
+  for (const std::string& name : {std::string("a.inv"), deep}) {
+    const std::string path = folder.write(name, bytes);
+    OldToolInventory inventory;
+    std::memset(inventory.path, 'x', sizeof inventory.path);
+    ASSERT_EQ(LoadOldToolInventory(path.c_str(), &inventory), 0);
+    const std::string kept = path.substr(0, 255);
+    EXPECT_EQ(std::string(inventory.path), kept);
+    if (kept.size() < 255) {
+      EXPECT_EQ(inventory.path[kept.size() + 1], 'x');
+    }
+    std::uint32_t count = 0;
+    EXPECT_EQ(LoadOldToolInventoryForCount(path.c_str(), &count), 0);
+    EXPECT_EQ(count, 3U);
+  }
+}
+
+// ---- the query of one tool -----------------------------------------------------------------------
+
+Bytes toolForm(int version, const OldTool& t) {
+  Bytes b = Bytes().f32(t.orientation).i32(t.shapeCode);
+  if (t.shapeCode == 108 && version >= 90) b.fill(24, 0x5A);
+  b.i32(t.specialToolIndex).u32(t.auxWord1);
+  const bool triangle = t.shapeCode == 107;
+  b.f32(triangle ? t.dimension2 : t.dimension1).f32(triangle ? t.dimension1 : t.dimension2).f32(t.dimension3);
+  for (const auto& [count, values] :
+       {std::pair{t.firstValueCount, t.firstValues}, std::pair{t.secondValueCount, t.secondValues}}) {
+    b.i32(count);
+    for (int i = 0; i < 6; ++i)
+      if (version >= 110 || (i != 3 && i != 4)) b.f32(values[i]);
+  }
+  b.u32(0).u32(0);
+  if (version >= 60) b.zeros(8);
+  if (version >= 110) b.zeros(16);
+  if (version >= 111) b.zeros(8 + 256);
+  return b;
+}
+
+Bytes inventoryOf(int version, const std::vector<OldTool>& tools, const std::vector<std::string>& files) {
+  Bytes b = Bytes().i16(version).i32(static_cast<std::int64_t>(tools.size())).zeros(160);
+  for (const OldTool& tool : tools) b.add(toolForm(version, tool));
+  b.i32(0).i32(static_cast<std::int64_t>(files.size()));
+  for (const std::string& file : files) b.text(256, file);
+  return b;
+}
+
+OldTool someTool(std::int32_t code, std::int32_t first = 0, std::int32_t second = 0) {
+  OldTool t;
+  t.orientation = 7.5F;
+  t.shapeCode = code;
+  t.dimension1 = 3;
+  t.dimension2 = 4;
+  t.dimension3 = 5;
+  t.firstValueCount = first;
+  t.secondValueCount = second;
+  for (int i = 0; i < 6; ++i) {
+    t.firstValues[i] = 10.0F + static_cast<float>(i);
+    t.secondValues[i] = 20.0F + static_cast<float>(i);
+  }
+  return t;
+}
+
+struct Info {
+  char name[257];
+  float dimension[3] = {-1, -1, -1}, orientation = -1, first[6], second[6];
+  std::int32_t firstCount = -99, secondCount = -99;
+
+  explicit Info(std::int32_t index) {
+    std::memset(name, 0, sizeof name);
+    std::memcpy(name, "as it was", 9);
+    for (int i = 0; i < 6; ++i) first[i] = second[i] = -1;
+    GetOldToolInventoryInformation(index, name, &dimension[0], &dimension[1], &dimension[2], &orientation, &firstCount,
+                                   &first[0], &first[1], &first[2], &first[3], &first[4], &first[5], &secondCount,
+                                   &second[0], &second[1], &second[2], &second[3], &second[4], &second[5]);
+  }
+};
+
+std::uint32_t counted(const TempFolder& folder, const Bytes& bytes) {
+  std::uint32_t count = 99;
+  EXPECT_EQ(LoadOldToolInventoryForCount(folder.write("t.inv", bytes).c_str(), &count), 0);
+  return count;
+}
+
+TEST(InventoryByHand, NamesToolsByTheirShapeCodeAndLeavesTheNameOfOthers) {
+  const std::vector<std::pair<int, std::string>> texts{
+      {1, "ROUND"},      {3, "RECTANGLE"},  {9, "RIGHT ANGLE SHEAR"}, {33, "LASER CUTTING TOOL"},
+      {103, "SQUARE"},   {104, "SINGLE D"}, {105, "DOUBLE D"},        {106, "OBROUND"},
+      {107, "TRIANGLE"}, {108, "BIG"},      {109, "CORNERR"},         {110, "ROUNDED C"},
+      {112, "GR"}};
+  std::vector<int> codes{std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), 65537, 1025};
+  for (int code = -10; code <= 270; ++code) codes.push_back(code);
+  const TempFolder folder;
+  for (const int version : {54, 60, 90, 110, 111, 180}) {
+    std::vector<OldTool> tools;
+    for (const int code : codes) tools.push_back(someTool(code));
+    for (OldTool& tool : tools) tool.specialToolIndex = 2;
+    ASSERT_EQ(counted(folder, inventoryOf(version, tools, {"small.spt", "C:\\x\\BIG.spt"})), tools.size());
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+      const Info info(static_cast<std::int32_t>(i));
+      std::string want = "as it was";
+      for (const auto& [code, text] : texts)
+        if (code == codes[i]) want = text;
+      EXPECT_EQ(std::string(info.name), want) << codes[i];
+      EXPECT_EQ(info.dimension[0], 3.0F);
+      EXPECT_EQ(info.dimension[1], 4.0F);
+      EXPECT_EQ(info.dimension[2], 5.0F);
+      EXPECT_EQ(info.orientation, 7.5F);
+    }
+  }
+}
+
+TEST(InventoryByHand, GivesAsManyValuesAsTheCountSaysIfItIsOneToSix) {
+  std::vector<OldTool> tools;
+  for (int first = -2; first <= 8; ++first)
+    for (int second = -2; second <= 8; ++second) tools.push_back(someTool(1, first, second));
+  tools.push_back(someTool(1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()));
+  const TempFolder folder;
+  for (const int version : {54, 102, 110, 150}) {
+    ASSERT_EQ(counted(folder, inventoryOf(version, tools, {})), tools.size());
+    for (std::size_t n = 0; n < tools.size(); ++n) {
+      const Info info(static_cast<std::int32_t>(n));
+      const int first = tools[n].firstValueCount, second = tools[n].secondValueCount;
+      EXPECT_EQ(info.firstCount, first);
+      EXPECT_EQ(info.secondCount, second);
+      for (int i = 0; i < 6; ++i) {
+        const bool lost = version < 110 && (i == 3 || i == 4);
+        const float at = static_cast<float>(i);
+        EXPECT_EQ(info.first[i], first > 6 || i >= first ? -1.0F : lost ? 0.0F : 10 + at) << first << " at " << i;
+        EXPECT_EQ(info.second[i], second > 6 || i >= second ? -1.0F : lost ? 0.0F : 20 + at) << second << " at " << i;
+      }
+    }
+  }
+}
+
+TEST(InventoryByHand, NamesASpecialToolByTheBaseNameOfItsFile) {
+  const std::vector<std::pair<std::string, std::string>> names{{"C:\\x\\BIG.spt", "BIG"},
+                                                               {"a/b.c/d.e.f", "d.e"},
+                                                               {"c:name.spt", "name"},
+                                                               {"mixed\\way/to.x\\tool.SPT", "tool"},
+                                                               {"plain", "plain"},
+                                                               {"C:\\x.y\\NOEXT", "NOEXT"},
+                                                               {"folder\\", ""},
+                                                               {"name.", "name"},
+                                                               {"", ""},
+                                                               {std::string(256, 'n'), std::string(256, 'n')},
+                                                               {std::string(252, 'n') + ".spt", std::string(252, 'n')}};
+  std::vector<OldTool> tools;
+  std::vector<std::string> files;
+  for (const auto& [file, name] : names) {
+    files.push_back(file);
+    tools.push_back(someTool(108));
+    tools.back().specialToolIndex = static_cast<std::int32_t>(files.size());
+  }
+  const TempFolder folder;
+  counted(folder, inventoryOf(150, tools, files));
+  for (std::size_t i = 0; i < names.size(); ++i)
+    EXPECT_EQ(std::string(Info(static_cast<std::int32_t>(i)).name), names[i].second) << names[i].first;
+}
+
+TEST(InventoryByHand, EndsTheProcessForAToolOrAFileNameThatIsNotThere) {
+  const TempFolder folder;
+  std::vector<OldTool> tools;
+  for (const std::int32_t index : {0, -1, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+    tools.push_back(someTool(108));
+    tools.back().specialToolIndex = index;
+  }
+  tools.push_back(someTool(1));
+  tools.back().specialToolIndex = 99;
+  const auto size = static_cast<std::int32_t>(counted(folder, inventoryOf(150, tools, {"a.spt", "b.spt"})));
+  ASSERT_EQ(size, 6);
+  for (std::int32_t i = 0; i < 5; ++i) EXPECT_DEATH(Info{i}, "") << i;
+  EXPECT_STREQ(Info(5).name, "ROUND");
+  for (const std::int32_t i : {-1, size, std::numeric_limits<int>::max()}) EXPECT_DEATH(Info{i}, "") << i;
+}
+
+TEST(InventoryByHand, ReportsADamagedFileAsAnEmptyOneAndKeepsWhatWasRead) {
+  const TempFolder folder;
+  const Bytes whole = inventoryOf(150, {someTool(3), someTool(103)}, {"a.spt"});
+  const std::size_t firstEnd = 2 + 4 + 160 + toolForm(150, someTool(3)).size();
+  for (std::size_t cut = 2; cut < whole.size(); ++cut) {
+    const std::string path = folder.write("cut.inv", whole.cut(cut));
+    std::uint32_t count = 99;
+    ASSERT_EQ(LoadOldToolInventoryForCount(path.c_str(), &count), 0) << cut;
+    ASSERT_EQ(count, 0U) << cut;
+    if (cut >= firstEnd) {
+      ASSERT_STREQ(Info(0).name, "RECTANGLE") << cut;
+    }
+    OldToolInventory inventory;
+    ASSERT_EQ(LoadOldToolInventory(path.c_str(), &inventory), 1) << cut;
+  }
+}
+
+TEST(InventoryByHand, LeavesTheCurrentToolsWhereAFileIsMissingShortOrRefused) {
+  const TempFolder folder;
+  counted(folder, inventoryOf(60, {someTool(112)}, {}));
+  std::uint32_t count = 9;
+  EXPECT_EQ(LoadOldToolInventoryForCount(folder.path("none").c_str(), &count), -2);
+  EXPECT_EQ(LoadOldToolInventoryForCount(folder.write("s", Bytes().u8(1)).c_str(), &count), 1);
+  for (const int version : {1, 6, 52, 53, 61, 62, 71, 181, -150})
+    EXPECT_EQ(LoadOldToolInventoryForCount(folder.write("r", Bytes().i16(version).add(madeInventory(54).first)).c_str(),
+                                           &count),
+              -1)
+        << version;
+  EXPECT_STREQ(Info(0).name, "GR");
+}
+
+TEST(InventoryByHand, WithoutToolsAtVersion150ReadsTheRestAllTheSame) {
+  const TempFolder folder;
+  const InventoryForm form{{}, 2, 2};
+  const std::string path = folder.write("n.inv", Bytes().i16(150).add(madeInventory(150, form).first));
+  std::uint32_t count = 9;
+  EXPECT_EQ(LoadOldToolInventoryForCount(path.c_str(), &count), 0);
+  EXPECT_EQ(count, 0U);
+  OldToolInventory inventory;
+  EXPECT_EQ(LoadOldToolInventory(path.c_str(), &inventory), 0);
+  Checker checker;
+  storedInventory(checker, 150, form, inventory);
+}
+
+// ---- macros --------------------------------------------------------------------------------------
+
+struct MacroForm {
+  std::vector<ShapeForm> shapes = someShapes();
+  std::size_t items = 2;
+  std::vector<std::int32_t> codes{1, 108};
+};
+
+template <class M>
+void storedMacro(M& m, int version, const MacroForm& form, OldMacro& macro) {
+  m.block(macro.macroHead);
+  m.block(macro.macroHeadSecond);
+  m.number(macro.macroHeadWord);
+  m.block(macro.macroBlock);
+  m.block(macro.macroBlockLong);
+  storedShapeList(m, version, form.shapes, macro.shapes);
+  m.size(macro.items, form.items);
+  for (PatternItem& item : macro.items) storedItem(m, version, item);
+  if (version >= 60) {
+    storedStations(m, version, form.codes, macro.stationList);
+    each(m, macro.macroTailWords);
+  } else {
+    m.absent(macro.stationList.stations.size(), std::size_t{0});
+    m.absent(macro.stationList.stationModeWord, 0U);
+    m.absent(macro.macroTailWords[1], 0U);
+  }
+  for (Shape& shape : macro.shapes.shapes) {
+    if (version >= 80)
+      m.number(shape.trailerValue);
+    else
+      m.absent(shape.trailerValue, 0U);
+  }
+}
+
+std::pair<Bytes, OldMacro> madeMacro(int version, const MacroForm& form = {}) {
+  Maker maker;
+  OldMacro made;
+  storedMacro(maker, version, form, made);
+  return {maker.bytes, made};
+}
+
+int readMacro(const Bytes& bytes, int version, OldMacro& macro, std::size_t* consumed = nullptr) {
+  return readFrom(
+      bytes, [&](InStream& s) { return ReadMacro(s, version, macro); }, consumed);
+}
+
+TEST(MacroByHand, ReadsAndWritesItsRowsAtEveryVersion) {
+  for (const int version : allVersions())
+    for (const MacroForm& form : {MacroForm{}, MacroForm{{}, 0, {}}, MacroForm{someShapes(), 0, {107, 0, 3}}}) {
+      SCOPED_TRACE(version);
+      const auto [bytes, made] = madeMacro(version, form);
+      OldMacro macro;
+      std::size_t consumed = 0;
+      ASSERT_EQ(readMacro(Bytes(bytes).fill(9, 0xEE), version, macro, &consumed), 0);
+      EXPECT_EQ(consumed, bytes.size());
+      Checker checker;
+      storedMacro(checker, version, form, macro);
+      bool ok = false;
+      EXPECT_EQ(written([&, v = version, &one = made](OutStream& s) { return WriteMacro(s, v, one); }, &ok), bytes);
+      EXPECT_TRUE(ok);
+    }
+}
+
+TEST(MacroByHand, LoadsAndSavesAtEveryAcceptedVersion) {
+  const TempFolder folder;
+  for (const int version : kMacroVersions) {
+    SCOPED_TRACE(version);
+    const auto [bytes, made] = madeMacro(version);
+    const Bytes file = Bytes().i16(version).add(bytes);
+    OldMacro macro;
+    ASSERT_EQ(LoadOldMacro(folder.write("m.mac", file).c_str(), &macro), 0);
+    EXPECT_EQ(macro.version, version);
+    Checker checker;
+    storedMacro(checker, version, {}, macro);
+    EXPECT_EQ(SaveMacro(folder.path("s.mac").c_str(), made, version), 0);
+    EXPECT_EQ(TempFolder::read(folder.path("s.mac")), file);
+  }
+}
+
+TEST(MacroByHand, AcceptsTheVersionsOfItsListFrom52On) {
+  const TempFolder folder;
+  for (int word = 0; word < 65536; ++word) {
+    const std::string path = folder.overwrite("w.mac", Bytes().u16(static_cast<std::uint16_t>(word)));
+    OldMacro macro;
+    const bool listed = kMacroVersions.contains(word);
+    ASSERT_EQ(LoadOldMacro(path.c_str(), &macro), listed ? 1 : -1) << word;
+    ASSERT_EQ(macro.version, static_cast<std::int16_t>(word));
+    if (word <= 200 && !listed) {
+      ASSERT_EQ(SaveMacro(folder.path("s.mac").c_str(), macro, word), -1) << word;
+    }
+  }
+}
+
+TEST(MacroByHand, AnswersMissingAndShortFilesWithoutTouchingTheRecord) {
+  const TempFolder folder;
+  const std::pair<std::string, int> cases[] = {{folder.path("none.mac"), -2},
+                                               {"", -2},
+                                               {folder.write("empty.mac", Bytes()), 1},
+                                               {folder.write("one.mac", Bytes().u8(150)), 1}};
+  for (const auto& [path, status] : cases) {
+    OldMacro macro;
+    macro.version = 33;
+    EXPECT_EQ(LoadOldMacro(path.c_str(), &macro), status) << path;
+    EXPECT_EQ(macro.version, 33);
+  }
+}
+
+TEST(MacroByHand, GivesOneAtEveryCutAndKeepsTheRowsInFrontOfIt) {
+  for (const int version : {52, 54, 60, 62, 80, 110, 180}) {
+    const auto [bytes, made] = madeMacro(version);
+    Maker shapes;
+    ShapeList shapeList;
+    storedShapeList(shapes, version, someShapes(), shapeList);
+    const std::size_t shapesEnd = 72 + shapes.bytes.size();
+    const std::size_t itemSize = version < 62 ? 8 : version < 90 ? 44 : 48;
+    const std::size_t trailer = bytes.size() - (version >= 80 ? 12 : 0);
+    const std::size_t tail = trailer - (version >= 60 ? 8 : 0);
+    for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
+      SCOPED_TRACE(testing::Message() << version << " cut at " << cut);
+      OldMacro macro;
+      ASSERT_EQ(readMacro(bytes.cut(cut), version, macro), 1);
+      const OldMacro fresh;
+      ASSERT_TRUE(sameRaw(macro.macroHead, cut >= 16 ? made.macroHead : fresh.macroHead));
+      ASSERT_TRUE(sameRaw(macro.macroHeadSecond, cut >= 24 ? made.macroHeadSecond : fresh.macroHeadSecond));
+      ASSERT_EQ(macro.macroHeadWord, cut >= 28 ? made.macroHeadWord : 0U);
+      ASSERT_TRUE(sameRaw(macro.macroBlock, cut >= 36 ? made.macroBlock : fresh.macroBlock));
+      ASSERT_TRUE(sameRaw(macro.macroBlockLong, cut >= 72 ? made.macroBlockLong : fresh.macroBlockLong));
+      ASSERT_EQ(macro.shapes.listTag, cut >= 76 ? made.shapes.listTag : -1);
+      if (cut >= shapesEnd) {
+        ASSERT_EQ(macro.shapes.shapes.size(), 3U);
+      }
+      const std::size_t items = cut < shapesEnd + 4 ? 0 : std::min<std::size_t>((cut - shapesEnd - 4) / itemSize, 2);
+      ASSERT_EQ(macro.items.size(), items);
+      if (cut >= tail) {
+        ASSERT_EQ(macro.stationList.tools.size(), 2U);
+      }
+      ASSERT_EQ(macro.macroTailWords[0], cut >= tail + 4 ? made.macroTailWords[0] : 0U);
+      ASSERT_EQ(macro.macroTailWords[1], cut >= tail + 8 ? made.macroTailWords[1] : 0U);
+      for (std::size_t i = 0; i < 3 && cut >= trailer; ++i)
+        ASSERT_EQ(macro.shapes.shapes[i].trailerValue,
+                  cut >= trailer + 4 * i + 4 ? made.shapes.shapes[i].trailerValue : 0U);
+    }
+  }
+}
+
+TEST(MacroByHand, KeepsWhatTheVersionLacksInAUsedRecord) {
+  for (const int version : {52, 54, 59}) {
+    OldMacro macro = madeMacro(180).second;
+    const OldMacro before = macro;
+    ASSERT_EQ(readMacro(madeMacro(version).first, version, macro), 0);
+    EXPECT_EQ(macro.stationList.stations.size(), 2U);
+    EXPECT_EQ(macro.stationList.headerWord, before.stationList.headerWord);
+    EXPECT_TRUE(sameRaw(macro.macroTailWords, before.macroTailWords));
+    for (const Shape& shape : macro.shapes.shapes) EXPECT_EQ(shape.trailerValue, 0U);
+  }
+}
+
+// A stored shape count of 0 keeps the shapes, and then the trailer has a value for each of them.
+TEST(MacroByHand, TakesOneTrailerValueForEachShapeThatItHolds) {
+  const MacroForm none{{}, 0, {}};
+  for (const int version : {62, 79, 80, 180}) {
+    const Bytes bytes = madeMacro(version, none).first;
+    const Bytes more = Bytes(bytes).u32(71).u32(72).u32(73);
+    OldMacro macro;
+    macro.shapes.shapes.resize(3);
+    std::size_t consumed = 0;
+    ASSERT_EQ(readMacro(more, version, macro, &consumed), 0);
+    EXPECT_EQ(consumed, bytes.size() + (version >= 80 ? 12 : 0));
+    for (std::uint32_t i = 0; i < 3; ++i)
+      EXPECT_EQ(macro.shapes.shapes[i].trailerValue, version >= 80 ? 71U + i : 0U) << version;
+    EXPECT_EQ(readMacro(bytes, version, macro), version >= 80 ? 1 : 0);
+  }
+}
+
+}  // namespace
