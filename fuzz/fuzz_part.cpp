@@ -25,10 +25,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     frame::InStream head(file);
     if (!fuzzing::readVersion(head, version)) return 0;
   }
-  if (version < frame::kFirstMainVersion || !frame::kPartVersions.has(version)) return 0;
+  if (!frame::kPartVersions.has(version)) return 0;
   const auto body = file.subspan(2);
-
   const auto part = std::make_unique<TorvPart>();
+  if (version < frame::kFirstMainVersion) {
+    // Twice, the second time over the record in use.
+    frame::InStream first(body), second(body);
+    const int result = ReadOldestPart(first, version, *part);
+    fuzzing::expect(result == 1 || version == frame::kVersion5);
+    fuzzing::expect(ReadOldestPart(second, version, *part) == result);
+    for (const Shape& shape : part->shapes.shapes) fuzzing::expect(shape.valueCount == 9);
+    return 0;
+  }
+
   frame::InStream stream(body);
   const int result = ReadPartBody(stream, version, false, *part);
   if (result == 0) {

@@ -1,6 +1,7 @@
 #include "src/part/part_io.h"
 
 #include "src/frame/entry.h"
+#include "src/part/old_part_layout.h"
 #include "src/part/part_layout.h"
 
 namespace oldtorvio {
@@ -61,6 +62,12 @@ bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingS
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly) {
   const PartForm form{embedded ? PartForm::sheet : PartForm::file, 0, stopEarly};
   return resultOf(readRecord(stream, version, part, form));
+}
+int ReadOldestPart(InStream& stream, int version, TorvPart& part) {
+  frame::Version5Part version5{part};
+  frame::Version3Part version3{part};
+  const bool isVersion5 = version == frame::kVersion5;
+  return resultOf(isVersion5 ? readRecord(stream, version, version5) : readRecord(stream, version, version3));
 }
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part) {
   return writeRecord(stream, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file});

@@ -27,6 +27,8 @@ bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingS
 
 // The body behind the version word. stopEarly ends the reading with 0 behind the descriptions.
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly = false);
+// The body of versions 2, 3 (always 1) and 5, which nothing writes.
+int ReadOldestPart(InStream& stream, int version, TorvPart& part);
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part);
 
 // Saves any part as a part file: what SaveTorvPart does with the part builder.

@@ -5,7 +5,7 @@
 #include "OldTorvIO/part_list.h"
 #include "src/frame/entry.h"
 #include "src/frame/text.h"
-#include "src/part/old_part_layout.h"
+#include "src/part/part_io.h"
 #include "src/part/part_layout.h"
 
 namespace oldtorvio {
@@ -35,11 +35,8 @@ extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
       path, [&](int version) { part->version = version; }, [](int version) { return kPartVersions.has(version); },
       [&](InStream& stream, int version) -> std::int64_t {
         prepareForLoad(*part, path);
-        if (version >= kFirstMainVersion) return resultOf(readRecord(stream, version, *part, PartForm{}));
-        Version5Part version5{*part};
-        if (version == kVersion5) return resultOf(readRecord(stream, version, version5));
-        Version3Part version3{*part};
-        return resultOf(readRecord(stream, version, version3));
+        return version >= kFirstMainVersion ? ReadPartBody(stream, version, false, *part)
+                                            : ReadOldestPart(stream, version, *part);
       });
 }
 

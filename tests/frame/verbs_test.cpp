@@ -1,0 +1,366 @@
+// What the verbs of a description do, each in a record of its own.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "src/frame/map.h"
+#include "src/frame/reader.h"
+#include "src/frame/writer.h"
+#include "tests/support/bytes.h"
+
+namespace {
+
+using namespace testing_support;
+
+struct Tailed {
+  std::int32_t head = 0, first = 0, second = 0, last = 0;
+};
+struct Refusing {
+  std::int32_t head = 0, kind = 0;
+};
+struct Outer {
+  Tailed inner;
+  std::int32_t behind = 0;
+};
+struct Lenient {
+  Refusing inner;
+  std::int32_t last = 0;
+};
+struct Ignoring {
+  Refusing inner;
+  std::int32_t last = 0;
+};
+struct Skipping {
+  std::int32_t word = 0;
+  std::vector<std::int32_t> list;
+};
+struct Differing {
+  std::int32_t number = 0, marked = 0;
+};
+struct Texts {
+  std::string name = "before", fixed = "before";
+  char letters[4] = {'a', 'b', 'c', 'd'};
+};
+struct Numbers {
+  std::int32_t all[6] = {10, 11, 12, 13, 14, 15};
+  char words[3][2] = {};
+};
+struct Padded {
+  std::int32_t count = 0;
+  std::array<std::uint8_t, 8> bytes = {};
+  std::int32_t last = 0;
+};
+struct Replacing {
+  Tailed inner{7, 7, 7, 7};
+};
+
+}  // namespace
+
+namespace oldtorvio::frame {
+
+template <>
+struct Layout<Tailed> {
+  static constexpr std::size_t kLeast = 4;
+  static bool describe(auto& io, auto& t) {
+    return io.fields(F(t.head)) && io.tail(F(t.first, t.second)) && io.fields(F(t.last));
+  }
+};
+template <>
+struct Layout<Refusing> {
+  static bool describe(auto& io, auto& r) { return io.fields(F(r.head, r.kind)) && io.range(F(r.kind), 1, 2); }
+};
+template <>
+struct Layout<Outer> {
+  static bool describe(auto& io, auto& o) { return io.record(F(o.inner)) && io.fields(F(o.behind)); }
+};
+template <>
+struct Layout<Lenient> {
+  static bool describe(auto& io, auto& l) {
+    return io.lenient([&] { return io.record(F(l.inner)); }) && io.fields(F(l.last));
+  }
+};
+template <>
+struct Layout<Ignoring> {
+  static bool describe(auto& io, auto& i) {
+    return io.ignored([&] { return io.record(F(i.inner)); }) && io.fields(F(i.last));
+  }
+};
+template <>
+struct Layout<Skipping> {
+  static bool describe(auto& io, auto& s) {
+    return io.skipUnless(F(s.word), [&] { return io.countThenClear(F(s.list)); });
+  }
+};
+template <>
+struct Layout<Differing> {
+  static bool describe(auto& io, auto& d) {
+    return io.differs([&] { return io.fields(F(as<std::int8_t>(d.number))); },
+                      [&] { return io.fields(F(d.number)); }) &&
+           io.rewrite(d, [](auto& r) { r.marked = 1; }) && io.when(io.either(false, true), F(d.marked));
+  }
+};
+template <>
+struct Layout<Texts> {
+  static bool describe(auto& io, auto& t) {
+    return io.lengthTextOrEmpty(F(t.name), 5) && io.template textItem<6>(F(t.fixed)) &&
+           io.onlyRead([&](auto& reader) { return reader.bytesOrOne(F(t.letters), 3); });
+  }
+};
+template <>
+struct Layout<Numbers> {
+  static bool describe(auto& io, auto& n) {
+    return io.slice(F(n.all), 1, 2) && io.nonZero(F(n.all[3])) &&
+           io.onlyRead([&](auto& reader) { return reader.template sliceAs<std::int16_t>(F(n.all), 4, 5); }) &&
+           io.slice(F(n.words), 0, 1);
+  }
+};
+template <>
+struct Layout<Padded> {
+  static bool describe(auto& io, auto& p) {
+    return io.padded(16, [&] {
+      return io.fields(F(p.count)) && io.when(p.count > 0, [&] { return io.sized(F(p.bytes), p.count); });
+    }) && io.fields(F(p.last));
+  }
+};
+template <>
+struct Layout<Replacing> {
+  static bool describe(auto& io, auto& r) { return io.replaced(F(r.inner)); }
+};
+
+}  // namespace oldtorvio::frame
+
+namespace {
+
+using namespace oldtorvio;
+using frame::InStream;
+using frame::OutStream;
+using frame::readRecord;
+using frame::writeRecord;
+
+constexpr int kVersion = 100;
+
+template <class Record>
+bool readWhole(const Bytes& bytes, Record& record, std::size_t* consumed = nullptr) {
+  return readFrom(
+      bytes, [&](InStream& s) { return readRecord(s, kVersion, record); }, consumed);
+}
+
+// What the map says of the same bytes, line by line.
+template <class Record>
+std::vector<std::string> mapped(const Bytes& bytes, bool* walked = nullptr) {
+  std::vector<std::string> lines;
+  InStream stream(bytes.span());
+  frame::Mapper io(stream, kVersion,
+                   [&](const frame::MapLine& line) { lines.push_back(line.path + " = " + line.value); });
+  Record record;
+  const bool ok = io.whole(record);
+  if (walked != nullptr) *walked = ok;
+  if (!ok) lines.push_back("FAULT " + io.fault()->path + ": " + io.fault()->reason);
+  return lines;
+}
+
+TEST(Verbs, TailEndsItsRecordWithSuccessWherever) {
+  const Bytes whole = Bytes().i32(1).i32(2).i32(3).i32(4);
+  for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
+    Tailed t;
+    EXPECT_EQ(readWhole(Bytes(whole).cut(cut), t), (cut >= 4 && cut < 12) || cut == 16) << cut;
+    EXPECT_EQ(t.first, cut >= 8 ? 2 : 0);
+    EXPECT_EQ(t.second, cut >= 12 ? 3 : 0);
+    EXPECT_EQ(t.last, cut >= 16 ? 4 : 0);
+  }
+  // What holds the record goes on, and then there is nothing left.
+  Outer outer;
+  EXPECT_FALSE(readWhole(Bytes(whole).cut(8), outer));
+  EXPECT_EQ(outer.inner.first, 2);
+  EXPECT_TRUE(readWhole(Bytes(whole).i32(5), outer));
+  EXPECT_EQ(outer.behind, 5);
+}
+
+TEST(Verbs, TailForgivesNoRefusal) {
+  Refusing r;
+  std::int32_t behind = 0;
+  const auto walk = [&](const Bytes& bytes) {
+    return readFrom(bytes, [&](InStream& s) {
+      frame::Reader io(s, kVersion);
+      return io.tail([&] { return io.record(F(r)); }) && io.fields(F(behind));
+    });
+  };
+  EXPECT_FALSE(walk(Bytes().i32(1).i32(3).i32(9)));
+  EXPECT_TRUE(walk(Bytes().i32(1).i32(2).i32(9)));
+  EXPECT_EQ(behind, 9);
+}
+
+TEST(Verbs, LenientEndsTheRecordWithSuccessWhateverFailedAndItsOwnerGoesOn) {
+  for (const auto& [bytes, wanted] : {std::pair{Bytes().i32(1).i32(2).i32(9), 9},
+                                      std::pair{Bytes().i32(1).i32(3).i32(9), 0}, std::pair{Bytes().i32(1), 0}}) {
+    Lenient l;
+    EXPECT_TRUE(readWhole(bytes, l));
+    EXPECT_EQ(l.last, wanted);
+  }
+  Lenient l;
+  std::size_t consumed = 0;
+  EXPECT_TRUE(readWhole(Bytes().i32(1).i32(3).i32(9), l, &consumed));
+  EXPECT_EQ(consumed, 8U) << "the refused value is consumed, what stands behind it is not";
+}
+
+TEST(Verbs, IgnoredGoesOnBehindAFailure) {
+  Ignoring i;
+  EXPECT_TRUE(readWhole(Bytes().i32(1).i32(3).i32(9), i));
+  EXPECT_EQ(i.last, 9);
+  EXPECT_FALSE(readWhole(Bytes().i32(1), i)) << "a short read leaves nothing to go on with";
+  EXPECT_EQ(i.last, 9);
+}
+
+TEST(Verbs, SkipUnlessLeavesOutWhatStandsBehindAShortRead) {
+  const Bytes whole = Bytes().i32(1).i32(2).i32(3).i32(4);
+  for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
+    Skipping s;
+    s.list = {7};
+    EXPECT_EQ(readWhole(Bytes(whole).cut(cut), s), cut < 4 || cut == 16) << cut;
+    EXPECT_EQ(s.list.size(), cut < 8 ? 1U : (cut - 8) / 4) << cut;
+  }
+}
+
+TEST(Verbs, ReaderAndWriterDifferInPlainSight) {
+  Differing d;
+  d.number = 0x1234;
+  const Bytes stored = written([&](OutStream& s) { return writeRecord(s, kVersion, d); });
+  EXPECT_EQ(stored, Bytes().i32(0x1234).i32(1));
+  EXPECT_EQ(d.marked, 1) << "the writer changes the record";
+  Differing back;
+  std::size_t consumed = 0;
+  EXPECT_TRUE(readWhole(stored, back, &consumed));
+  EXPECT_EQ(back.number, 0x34);
+  EXPECT_EQ(back.marked, 0);
+  EXPECT_EQ(consumed, 1U);
+}
+
+TEST(Verbs, LengthTextOrEmptyEmptiesAtZeroAndBelowAndHasALongest) {
+  const Bytes fixed = Bytes().text(6, "fixed"), letters = Bytes().text(3, "xyz");
+  const struct {
+    Bytes bytes;
+    bool read;
+    const char* name;
+  } cases[] = {
+      {Bytes().i32(3).text(3, "abc"), true, "abc"},
+      {Bytes().i32(5).text(5, "ab"), true, "ab"},
+      {Bytes().i32(0), true, ""},
+      {Bytes().i32(-7), true, ""},
+      {Bytes().i32(6).text(6, "abcdef"), false, "before"},
+      {Bytes().i32(2000000000), false, "before"},
+  };
+  for (const auto& one : cases) {
+    Texts t;
+    EXPECT_EQ(readWhole(Bytes(one.bytes).add(fixed).add(letters), t), one.read);
+    EXPECT_EQ(t.name, one.name);
+    EXPECT_EQ(t.fixed, one.read ? "fixed" : "before");
+  }
+  Texts cut;
+  EXPECT_FALSE(readWhole(Bytes().i32(3).text(2, "ab"), cut));
+  EXPECT_EQ(cut.name, "before");
+  Texts tooLong;
+  tooLong.name = "abcdef";
+  OutStream out;
+  EXPECT_FALSE(writeRecord(out, kVersion, tooLong));
+}
+
+TEST(Verbs, TextItemFillsWithZerosAndIsNeverCut) {
+  Texts t;
+  t.name = "n";
+  t.fixed = std::string("abc\0def", 7);
+  EXPECT_EQ(written([&](OutStream& s) { return writeRecord(s, kVersion, t); }),
+            Bytes().i32(1).text(1, "n").text(6, "abc"));
+  t.fixed = "sixsix";
+  EXPECT_EQ(written([&](OutStream& s) { return writeRecord(s, kVersion, t); }),
+            Bytes().i32(1).text(1, "n").text(6, "sixsix"));
+  Texts back;
+  EXPECT_TRUE(readWhole(Bytes().i32(0).text(6, "sixsix").zeros(3), back));
+  EXPECT_EQ(back.fixed, "sixsix");
+  t.fixed = "seven77";
+  OutStream out;
+  EXPECT_FALSE(writeRecord(out, kVersion, t));
+  EXPECT_EQ(out.bytes().size(), 5U);
+}
+
+TEST(Verbs, BytesOrOneTakesAllOrExactlyOne) {
+  const Bytes head = Bytes().i32(0).text(6, "fixed");
+  for (std::size_t count = 0; count <= 3; ++count) {
+    Texts t;
+    EXPECT_EQ(readWhole(Bytes(head).add(Bytes().text(3, "xyz").cut(count)), t), count == 1 || count == 3) << count;
+    EXPECT_EQ(t.letters[0], count >= 1 ? 'x' : 'a');
+    EXPECT_EQ(t.letters[3], 'd');
+  }
+}
+
+TEST(Verbs, SlicesAreReadEntryByEntryAsFarAsTheyGo) {
+  const Bytes whole = Bytes().i32(1).i32(2).i32(0).i16(-4).i16(5).text(2, "ab").text(2, "c");
+  Numbers n;
+  EXPECT_TRUE(readWhole(whole, n));
+  const std::int32_t wanted[] = {10, 1, 2, 13, -4, 5};
+  EXPECT_TRUE(std::equal(std::begin(wanted), std::end(wanted), n.all)) << "a stored zero keeps 13";
+  EXPECT_EQ(std::string(n.words[0], 4), std::string("abc\0", 4));
+  for (std::size_t cut = 0; cut < whole.size(); ++cut) {
+    Numbers part;
+    EXPECT_FALSE(readWhole(Bytes(whole).cut(cut), part)) << cut;
+    EXPECT_EQ(part.all[1], cut >= 4 ? 1 : 11);
+    EXPECT_EQ(part.all[2], cut >= 8 ? 2 : 12);
+    EXPECT_EQ(part.all[4], cut >= 14 ? -4 : 14);
+    EXPECT_EQ(part.words[0][0], cut >= 18 ? 'a' : '\0');
+  }
+  n.all[3] = 0;
+  EXPECT_EQ(written([&](OutStream& s) { return writeRecord(s, kVersion, n); }),
+            Bytes().i32(1).i32(2).i32(0).text(2, "ab").text(2, "c"));
+}
+
+TEST(Verbs, PaddedFillsUpFromItsBeginningWhateverStoodInIt) {
+  for (int count = 0; count <= 8; ++count) {
+    Padded p{count, {1, 2, 3, 4, 5, 6, 7, 8}, 99};
+    const Bytes stored = written([&](OutStream& s) { return s.room(3) != nullptr && writeRecord(s, kVersion, p); });
+    ASSERT_EQ(stored.size(), 23U);
+    Padded back;
+    const Bytes behind = Bytes::of(stored.span().subspan(3));
+    EXPECT_TRUE(readWhole(behind, back));
+    EXPECT_EQ(back.last, 99);
+    EXPECT_EQ(back.bytes[7], count == 8 ? 8 : 0);
+    EXPECT_FALSE(readWhole(Bytes(behind).cut(15), back)) << "a cut in the fill bytes";
+  }
+}
+
+TEST(Verbs, ReplacedTakesTheWholeRecordOrLeavesTheOld) {
+  Replacing r;
+  EXPECT_FALSE(readWhole(Bytes().i16(1), r));
+  EXPECT_EQ(r.inner.head, 7);
+  EXPECT_TRUE(readWhole(Bytes().i32(1), r)) << "its tail";
+  EXPECT_EQ(r.inner.head, 1);
+  EXPECT_EQ(r.inner.first, 0) << "fresh, not what it held";
+}
+
+TEST(Verbs, MapTellsWhatIsToleratedAndNamesEachEntry) {
+  EXPECT_EQ(mapped<Tailed>(Bytes().i32(1)),
+            (std::vector<std::string>{"head = 1",
+                                      " = fails at first (needs 4 bytes, the file has 0), which is tolerated there"}));
+  EXPECT_EQ(mapped<Ignoring>(Bytes().i32(1).i32(3).i32(9)),
+            (std::vector<std::string>{"inner.head = 1", "inner.kind = 3",
+                                      " = fails at inner.kind (the value 3 is refused), which is tolerated there",
+                                      "last = 9"}));
+  EXPECT_EQ(mapped<Numbers>(Bytes().i32(1).i32(2).i32(0).i16(-4).i16(5).text(2, "ab").text(2, "c")),
+            (std::vector<std::string>{"all[1] = 1", "all[2] = 2", "all[3] = 0", "all[4] = -4", "all[5] = 5",
+                                      "words[0] = \"ab\" (no NUL)", "words[1] = \"c\""}));
+  bool walked = true;
+  EXPECT_EQ(mapped<Refusing>(Bytes().i32(1).i32(3), &walked).back(), "FAULT kind: the value 3 is refused");
+  EXPECT_FALSE(walked);
+  EXPECT_EQ(mapped<Padded>(Bytes().i32(2).u8(5).u8(6).zeros(10).i32(1)),
+            (std::vector<std::string>{"count = 2", "bytes = 05 06", "reserved = (dropped)", "last = 1"}));
+}
+
+TEST(Verbs, LongBlocksAreMappedAsRuns) {
+  std::string text;
+  std::vector<std::uint8_t> block(100, 1);
+  block[50] = 0xAB;
+  frame::printBytes(text, block.data(), block.size());
+  EXPECT_EQ(text, "01 x 50, ab, 01 x 49");
+}
+
+}  // namespace
