@@ -2,12 +2,10 @@
 // field.
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "OldTorvIO.h"
 #include "bench/fread_walker.h"
 #include "bench/part_files.h"
+#include "bench/suites.h"
 #include "src/part/part_io.h"
 #include "src/part/part_layout.h"
 
@@ -15,13 +13,10 @@ namespace {
 
 using namespace oldtorvio;
 
-const bench::Folder folder;
-
-void require(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "the benchmark is wrong: %s\n", what);
-  std::exit(1);
-}
+using bench::finish;
+using bench::folder;
+using bench::freadLoad;
+using bench::require;
 
 std::vector<std::byte> bytesOf(const TorvPart& part) {
   frame::OutStream out;
@@ -29,23 +24,12 @@ std::vector<std::byte> bytesOf(const TorvPart& part) {
   return {out.bytes().begin(), out.bytes().end()};
 }
 
-// The version word and the body, one fread a field.
-template <class Record, class... More>
-bool freadLoad(const std::string& path, Record& record, const More&... more) {
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  bench::FreadReader io(file, bench::kVersion);
-  std::int16_t version = 0;
-  const bool ok = io.fields(F(version)) && io.whole(record, more...);
-  std::fclose(file);
-  return ok;
-}
-
 struct PartCase {
   std::string path;
   std::unique_ptr<TorvPart> part;
   std::vector<std::byte> content;
 
-  PartCase(const char* name, std::unique_ptr<TorvPart> made) : path(folder.path(name)), part(std::move(made)) {
+  PartCase(const char* name, std::unique_ptr<TorvPart> made) : path(folder().path(name)), part(std::move(made)) {
     require(SavePart(path.c_str(), *part, bench::kVersion) == 0, "a part that cannot be saved");
     content = bench::contentOf(path);
     TorvPart library, fread;
@@ -56,7 +40,7 @@ struct PartCase {
 };
 
 struct GroupCase {
-  std::string path = folder.path("group");
+  std::string path = folder().path("group");
   SheetPartList list = bench::groupOfParts();
   std::vector<std::byte> content;
 
@@ -65,10 +49,6 @@ struct GroupCase {
     content = bench::contentOf(path);
   }
 };
-
-void finish(benchmark::State& state, std::size_t bytes) {
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(bytes));
-}
 
 void loadPart(benchmark::State& state, const PartCase& one) {
   for (auto _ : state) {
@@ -95,15 +75,22 @@ void loadPartFread(benchmark::State& state, const PartCase& one) {
   finish(state, one.content.size());
 }
 void savePart(benchmark::State& state, const PartCase& one) {
-  const std::string path = folder.path("saved");
+  const std::string path = folder().path("saved");
   for (auto _ : state)
     if (SavePart(path.c_str(), *one.part, bench::kVersion) != 0) state.SkipWithError("save");
   finish(state, one.content.size());
 }
 void saveFloor(benchmark::State& state, const std::vector<std::byte>& content) {
-  const std::string path = folder.path("saved");
+  const std::string path = folder().path("saved");
   for (auto _ : state) bench::floorSave(path, content);
   finish(state, content.size());
+}
+void queryPart(benchmark::State& state, const PartCase& one) {
+  char materialType[257];
+  float width = 0, height = 0, thickness = 0;
+  for (auto _ : state)
+    if (GetOldPartInfo(one.path.c_str(), materialType, &width, &height, &thickness) != 0) state.SkipWithError("query");
+  finish(state, one.content.size());
 }
 void loadGroup(benchmark::State& state, const GroupCase& one) {
   for (auto _ : state) {
@@ -131,7 +118,7 @@ void loadGroupFread(benchmark::State& state, const GroupCase& one) {
   finish(state, one.content.size());
 }
 void saveGroup(benchmark::State& state, const GroupCase& one) {
-  const std::string path = folder.path("saved");
+  const std::string path = folder().path("saved");
   for (auto _ : state)
     if (SaveGroupPart(path.c_str(), one.list, bench::kVersion) != 0) state.SkipWithError("save");
   finish(state, one.content.size());
@@ -157,10 +144,10 @@ void walkMemoryWrite(benchmark::State& state, const PartCase& one) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  const PartCase small("small", bench::smallPart());
-  const PartCase large("large", bench::largePart());
-  const GroupCase group;
+void bench::registerParts() {
+  static const PartCase small("small", bench::smallPart());
+  static const PartCase large("large", bench::largePart());
+  static const GroupCase group;
 
   using benchmark::RegisterBenchmark;
   for (const auto& [name, one] :
@@ -178,9 +165,6 @@ int main(int argc, char** argv) {
   RegisterBenchmark("SaveGroupPart/floor", saveFloor, std::cref(group.content));
   RegisterBenchmark("LargePartInMemory/read", walkMemoryRead, std::cref(large));
   RegisterBenchmark("LargePartInMemory/write", walkMemoryWrite, std::cref(large));
-
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
+  RegisterBenchmark("GetOldPartInfo/query", queryPart, std::cref(large));
+  RegisterBenchmark("GetOldPartInfo/load", loadPart, std::cref(large));
 }

@@ -1,16 +1,13 @@
 // The files that are measured, and what the baselines need to know of them.
 #pragma once
-#include <cstddef>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "OldTorvIO/records.h"
+#include "bench/floor.h"
 
 namespace bench {
-
-inline constexpr int kVersion = 180;
 
 // One tool at one station, ten shapes.
 std::unique_ptr<oldtorvio::TorvPart> smallPart();
@@ -19,24 +16,8 @@ std::unique_ptr<oldtorvio::TorvPart> largePart();
 // 200 parts; every tenth has 200 shapes.
 oldtorvio::SheetPartList groupOfParts();
 
-std::vector<std::byte> contentOf(const std::string& path);
-
-// A folder that goes with the program.
-class Folder {
- public:
-  Folder();
-  ~Folder();
-  std::string path(const char* name) const { return (folder_ / name).string(); }
-
- private:
-  std::filesystem::path folder_;
-};
-
 // The floor of a load. `stored` is read with one call; then records are constructed as `like` has
 // them and their lists and texts filled by memcpy from the bytes read, without looking at them.
 void floorLoad(const std::string& path, const oldtorvio::TorvPart& like, oldtorvio::TorvPart& to);
 void floorLoad(const std::string& path, const oldtorvio::SheetPartList& like, oldtorvio::SheetPartList& to);
-// The floor of a save: a buffer of the same bytes filled by memcpy, written with one call.
-void floorSave(const std::string& path, const std::vector<std::byte>& content);
-
 }  // namespace bench

@@ -45,6 +45,9 @@ def table(medians):
         to_floor = f"{ratio(medians, library, floor, 0)} ({ratio(medians, library, floor, 1)})"
         to_fread = f"{ratio(medians, fread, library, 0)} ({ratio(medians, fread, library, 1)})" if fread in medians else "-"
         yield f"| {case} | {' | '.join(times)} | {to_floor} | {to_fread} |"
+    for name in [name for name in medians if name.endswith("/query")]:
+        load = name.replace("/query", "/load")
+        yield f"| {name.split('/')[0]} | {time_text(medians[name][0])} | load {time_text(medians[load][0])} | - | {ratio(medians, name, load, 0)} ({ratio(medians, name, load, 1)}) of the load | - |"
     for name, (real, _, rate) in medians.items():
         if name.startswith("LargePartInMemory/"):
             yield f"| {name.replace('/', ': ')} | {time_text(real)}, {rate / 1e9:.2f} GB/s | - | - | - | - |"

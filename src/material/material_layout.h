@@ -34,6 +34,7 @@ namespace frame {
 template <>
 struct Layout<SettingEntry> {
   static constexpr std::size_t kLeast = 41;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& e) {
     return io.fields(F(e.entryWord1, e.entryWord2, e.entryWide, e.entryText, e.entryWord3));
   }

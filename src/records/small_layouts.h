@@ -15,6 +15,7 @@ namespace oldtorvio::frame {
 template <>
 struct Layout<ProcessSlot> {
   static constexpr std::size_t kLeast = 24;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& s) {
     constexpr ProcessSlot kFresh;
     return io.fields(F(s.slotWord1, s.slotWord2, s.slotBlock, s.slotWord3, s.slotWord4))
@@ -28,6 +29,7 @@ struct Layout<ProcessSlot> {
 template <>
 struct Layout<StepTable> {
   static constexpr std::size_t kLeast = 20;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& t) {
     constexpr int kMostSteps = 20;
     return io.fields(F(t.tableWord1, t.tableBlock, t.tableWord2, t.tableWord3))

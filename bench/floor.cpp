@@ -1,0 +1,104 @@
+#include "bench/floor.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "src/frame/text.h"
+
+namespace bench {
+
+using namespace oldtorvio;
+
+std::vector<char> readAtOnce(const std::string& path) {
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  (void)std::setvbuf(file, nullptr, _IONBF, 0);
+  std::fseek(file, 0, SEEK_END);
+  std::vector<char> bytes;
+  const auto size = static_cast<std::size_t>(std::ftell(file));
+  std::fseek(file, 0, SEEK_SET);
+  bytes.resize(size);
+  if (std::fread(bytes.data(), 1, size, file) != size) std::abort();
+  std::fclose(file);
+  return bytes;
+}
+
+std::vector<std::byte> contentOf(const std::string& path) {
+  const std::vector<char> bytes = readAtOnce(path);
+  const auto* from = reinterpret_cast<const std::byte*>(bytes.data());
+  return {from, from + bytes.size()};
+}
+
+Folder::Folder() : folder_(std::filesystem::temp_directory_path() / "oldtorvio_bench") {
+  std::filesystem::create_directories(folder_);
+}
+Folder::~Folder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+void floorSave(const std::string& path, const std::vector<std::byte>& content) {
+  // Made anew for each save, as a save cannot keep one either.
+  const auto buffer = std::make_unique_for_overwrite<std::byte[]>(content.size());
+  std::memcpy(buffer.get(), content.data(), content.size());
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  (void)std::setvbuf(file, nullptr, _IONBF, 0);
+  if (std::fwrite(buffer.get(), 1, content.size(), file) != content.size()) std::abort();
+  std::fclose(file);
+}
+
+void fillShapes(Source& from, const std::vector<Shape>& like, std::vector<Shape>& to) {
+  to.reserve(like.size());
+  for (const Shape& one : like) {
+    Shape& shape = to.emplace_back();
+    // The numbers that version 180 stores, and the text and note where there is one.
+    from.fill(&shape, 96);
+    shape.textFlag = one.textFlag;
+    if (one.textFlag > 0) from.fill(shape.text, sizeof shape.text);
+    if (!one.note.empty()) shape.note.assign(one.note.data(), one.note.size());
+  }
+}
+
+void fillStations(Source& from, const ToolStationList& like, ToolStationList& to) {
+  to.stations.reserve(like.stations.size());
+  to.tools.reserve(like.stations.size());
+  for (std::size_t i = 0; i < like.stations.size(); ++i) {
+    from.fill(static_cast<void*>(&to.stations.emplace_back()), 200);
+    OldTool& tool = to.tools.emplace_back();
+    from.fill(tool.tailText, sizeof tool.tailText);
+    from.fill(&tool.firstValues, 96);
+  }
+}
+
+Shape shapeNumber(int i) {
+  Shape shape;
+  shape.type = static_cast<std::int8_t>(1 + i % 5);
+  shape.auxWord = i;
+  shape.x = static_cast<float>(i) * 0.5F;
+  shape.y = static_cast<float>(i) * 0.25F;
+  for (float& value : shape.values) value = static_cast<float>(i);
+  if (i % 16 == 0) {
+    shape.textFlag = 1;
+    frame::setText(shape.text, "shape " + std::to_string(i));
+  }
+  if (i % 8 == 0) shape.note = "a note on shape " + std::to_string(i);
+  return shape;
+}
+
+void addStation(ToolStationList& list, int number) {
+  ToolStation& station = list.stations.emplace_back();
+  station.stationNumber = number;
+  station.toolCount = 1;
+  station.valueCount = 1;
+  OldTool& tool = list.tools.emplace_back();
+  tool.shapeCode = 1;
+  tool.dimension1 = static_cast<float>(number);
+}
+
+void require(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "the benchmark is wrong: %s\n", what);
+  std::exit(1);
+}
+
+}  // namespace bench

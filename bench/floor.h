@@ -1,0 +1,65 @@
+// What the baselines share: files read and written at once, records filled by memcpy.
+#pragma once
+#include <cstddef>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "OldTorvIO/shape.h"
+#include "OldTorvIO/tool_station.h"
+
+namespace bench {
+
+inline constexpr int kVersion = 180;
+
+// The whole file with one call.
+std::vector<char> readAtOnce(const std::string& path);
+std::vector<std::byte> contentOf(const std::string& path);
+
+// A folder that goes with the program.
+class Folder {
+ public:
+  Folder();
+  ~Folder();
+  std::string path(const char* name) const { return (folder_ / name).string(); }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+// The floor of a save: a buffer of the same bytes filled by memcpy, written with one call.
+void floorSave(const std::string& path, const std::vector<std::byte>& content);
+
+// Fills from a block of stored bytes, over and over: what is copied does not matter, how much does.
+class Source {
+ public:
+  explicit Source(const std::vector<char>& bytes) : bytes_(bytes) {}
+  void fill(void* to, std::size_t size) {
+    if (bytes_.size() - at_ < size) at_ = 0;
+    std::memcpy(to, bytes_.data() + at_, size);
+    at_ += size;
+  }
+
+ private:
+  const std::vector<char>& bytes_;
+  std::size_t at_ = 0;
+};
+
+template <class T>
+void fillNumbers(Source& from, const std::vector<T>& like, std::vector<T>& to) {
+  to.resize(like.size());
+  for (T& one : to) from.fill(static_cast<void*>(&one), sizeof one);
+}
+
+void fillShapes(Source& from, const std::vector<oldtorvio::Shape>& like, std::vector<oldtorvio::Shape>& to);
+void fillStations(Source& from, const oldtorvio::ToolStationList& like, oldtorvio::ToolStationList& to);
+
+// A shape of its own for each number; every 16th has a text and every 8th a note.
+oldtorvio::Shape shapeNumber(int i);
+void addStation(oldtorvio::ToolStationList& list, int number);
+
+// Ends the program when the benchmark itself is wrong.
+void require(bool holds, const char* what);
+
+}  // namespace bench
