@@ -1,4 +1,5 @@
-/* Builds a part through the shared library alone, saves it at three versions and asks each file. */
+/* Builds a part through the shared library alone, saves it at three versions and asks each file; then
+ * asks the samples of a machine and of a tool inventory. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -43,6 +44,71 @@ static void ask(const char* path) {
   printf("  special tools \"%s\"\n", text);
 }
 
+/* An integer that was handed out in the bytes of a float. */
+static int32_t integer_in(float bytes) {
+  int32_t integer;
+  memcpy(&integer, &bytes, sizeof integer);
+  return integer;
+}
+
+static void ask_station(int32_t index) {
+  int32_t number, type, value_count, shape_code, word;
+  float orientation, real, value, values[6], limits[4], dimensions[3], offsets[3], pair[2];
+  char path[257] = ""; /* stays as it is for all but a special tool */
+  LoadOldStationToolFromMachine(index, &number, &type, &orientation, &real, &value, &value_count, values, &limits[0],
+                                &limits[1], &limits[2], &limits[3], &shape_code, dimensions, offsets, path, &pair[0],
+                                &pair[1], &word);
+  printf("  station %d: tool %d, %g x %g, reaches %g, %g to %g, %g, %d values from %g on", (int)number, (int)shape_code,
+         dimensions[0], dimensions[1], limits[0], limits[1], limits[2], limits[3], (int)value_count, values[0]);
+  printf(path[0] != '\0' ? ", \"%s\"\n" : "%s\n", path);
+}
+
+static void ask_machine(const char* path) {
+  MachineInformation machine = {0};
+  char name[257] = "", text[257] = "", second[257] = "", late[257] = "";
+  uint32_t kind = 0;
+  float size[2], clamps, mode, stations[4], area[4];
+  int32_t i;
+
+  expect(LoadOldMachineInformation(path, &machine) == 0 && machine.infoStationCount == 3, "three stations");
+  printf("  \"%.256s\" in \"%.256s\", version %d, station mode %d, extra words %u and %u\n", machine.infoText2,
+         machine.infoText1, (int)machine.infoVersion, (int)machine.infoStationMode, (unsigned)machine.infoExtra1,
+         (unsigned)machine.infoExtra2);
+  for (i = 0; i < machine.infoStationCount; ++i) ask_station(i);
+  expect(GetOldVLMQMachineName(path, name, &kind, text, second, late) == 0, "the machine's name");
+  printf("  name \"%s\", kind %u, texts \"%s\", \"%s\", \"%s\"\n", name, (unsigned)kind, text, second, late);
+  expect(GetMachineDatasForQD(path, &size[0], &size[1], &clamps, &mode, &stations[0], &stations[1], &stations[2],
+                              &stations[3], &area[0], &area[1], &area[2], &area[3]) == 0,
+         "the machine's size");
+  printf("  %g x %g, %d clamps, block mode %d, stations %g, %g to %g, %g, area %g, %g, %g, %g\n", size[0], size[1],
+         (int)integer_in(clamps), (int)integer_in(mode), stations[0], stations[1], stations[2], stations[3], area[0],
+         area[1], area[2], area[3]);
+}
+
+static void ask_tool(int32_t index) {
+  char name[257] = "";
+  float dimensions[3], orientation, first[6], second[6];
+  int32_t first_count, second_count, i;
+  GetOldToolInventoryInformation(index, name, &dimensions[0], &dimensions[1], &dimensions[2], &orientation,
+                                 &first_count, &first[0], &first[1], &first[2], &first[3], &first[4], &first[5],
+                                 &second_count, &second[0], &second[1], &second[2], &second[3], &second[4], &second[5]);
+  printf("  \"%s\" %g x %g, turned by %g", name, dimensions[0], dimensions[1], orientation);
+  expect(first_count <= 6, "at most six values");
+  for (i = 0; i < first_count; ++i) printf("%s %g", i == 0 ? ", values" : "", first[i]);
+  printf("\n");
+}
+
+static void ask_inventory(const char* path) {
+  uint32_t count = 0, i;
+  expect(LoadOldToolInventoryForCount(path, &count) == 0 && count == 3, "three tools");
+  for (i = 0; i < count; ++i) ask_tool((int32_t)i);
+}
+
+static void in_folder(char* path, size_t size, const char* folder, const char* name) {
+  expect(snprintf(path, size, "%s/%s", folder, name) < 260, "a short folder name");
+  printf("%s\n", name);
+}
+
 int main(int argc, char** argv) {
   static const int16_t versions[] = {62, 110, 180};
   char path[1024];
@@ -57,5 +123,10 @@ int main(int argc, char** argv) {
   }
   expect(SaveTorvPart(path, 63) == -1, "a version that part files do not have");
   expect(SaveTorvPart(path, 180) == 0, "the builder after a refused save");
+
+  in_folder(path, sizeof path, argv[1], "punch.mch");
+  ask_machine(path);
+  in_folder(path, sizeof path, argv[1], "shop.inv");
+  ask_inventory(path);
   return 0;
 }

@@ -1,7 +1,7 @@
 """The same library from Python: ctypes and the shared library alone."""
 import ctypes
 import sys
-from ctypes import byref, c_char_p, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32, c_uint64, c_void_p
+from ctypes import byref, c_char, c_char_p, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32, c_uint64, c_void_p
 
 library_path, folder = sys.argv[1:]
 torv = ctypes.CDLL(library_path)
@@ -21,9 +21,18 @@ for name, result, arguments in [
     ("LoadGroupPart", c_int64, [c_char_p, c_void_p]),
     ("OpenSpecialToolFile", c_int32, [c_char_p] + [c_void_p] * 23),
     ("GetShapeAt", None, [c_int32] + [c_void_p] * 7),
+    ("LoadOldMachineInformation", c_int32, [c_char_p, c_void_p]),
+    ("LoadOldToolInventoryForCount", c_int32, [c_char_p, c_void_p]),
 ]:
     function = getattr(torv, name)
     function.restype, function.argtypes = result, arguments
+
+
+class MachineInformation(ctypes.Structure):
+    _fields_ = [("infoKind", c_int32), ("infoVersion", c_int32), ("infoSizeX", c_float), ("infoSizeY", c_float),
+                ("infoText1", c_char * 256), ("infoText2", c_char * 256), ("infoStationWord", c_int32),
+                ("infoExtra1", c_uint32), ("infoExtra2", c_uint32), ("infoStationMode", c_int32),
+                ("infoStationCount", c_int32)]
 
 
 def check(holds, what):
@@ -68,3 +77,18 @@ for index in range(count.value):
     kind, place = c_int32(), [c_float() for _ in range(6)]
     torv.GetShapeAt(index, byref(kind), *map(byref, place))
     print(f"  shape {index}: type {kind.value} at {place[0].value:g}, {place[1].value:g}")
+
+machine = MachineInformation()
+check(torv.LoadOldMachineInformation(path("punch.mch"), byref(machine)) == 0, "the machine")
+check(machine.infoVersion == 162 and machine.infoStationCount == 3, "a machine with three stations")
+print(f"punch.mch\n  {machine.infoText2.decode()} in {machine.infoText1.decode()}, kind {machine.infoKind},",
+      f"{machine.infoSizeX:g} x {machine.infoSizeY:g}, {machine.infoStationCount} stations")
+check(torv.LoadOldMachineInformation(path("steel.mat"), byref(machine)) == 0, "a file that is no machine")
+check(machine.infoVersion == 162, "the information after a file that is no machine")
+check(torv.LoadOldMachineInformation(path("old.part"), byref(machine)) == -1, "a version that machines do not have")
+
+tools = c_uint32()
+check(torv.LoadOldToolInventoryForCount(path("shop.inv"), byref(tools)) == 0 and tools.value == 3, "three tools")
+print(f"shop.inv\n  {tools.value} tools")
+check(torv.LoadOldToolInventoryForCount(path("tab.mac"), byref(tools)) == 0 and tools.value == 0, "no inventory")
+check(torv.LoadOldToolInventoryForCount(path("no such file"), byref(tools)) == -2, "a file that does not exist")

@@ -11,14 +11,16 @@ export XDG_CONFIG_HOME=$work/config XDG_CONFIG_DIRS=$work/none
 mkdir -p "$work/config/OldTorvIO" "$work/files"
 printf '[Kestrada64bit]\nZRK_DEFAULT_SPECIAL_TOOL_PATH=%s/\n' "$work/files" >"$work/config/OldTorvIO/win.ini"
 
-echo '== samples: two special tools and a group part file'
+echo '== samples: special tools, a group part file, a machine, materials, an inventory, a macro, a part of version 5'
 "$build/examples/make_samples" "$work/files"
-echo '== a C program builds, saves and asks'
+echo '== a C program builds, saves and asks, also the machine and the inventory'
 "$build/examples/example_demo" "$work/files"
 echo '== a Python program does the same, and reads the samples'
 python3 "$here/demo.py" "$build/libOldTorvIO.so" "$work/files"
+echo '== a C++ program loads a material, a macro and the part of version 5 into records'
+"$build/examples/example_records" "$work/files"
 cd "$work/files"
 echo '== torvio check'
 "$build/tools/torvio" check ./*
-echo '== torvio map cover_62.part'
-"$build/tools/torvio" map cover_62.part
+echo '== torvio map tab.mac'
+"$build/tools/torvio" map tab.mac

@@ -1,8 +1,10 @@
 #include "tools/commands.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "src/map/detect.h"
+#include "src/map/format_table.h"
 
 namespace torvio {
 namespace {
@@ -64,6 +66,21 @@ int checkCommand(const std::vector<std::string>& paths, std::optional<map::FileK
   bool allSound = true;
   for (const std::string& path : paths) allSound = checkOne(path, forced) && allSound;
   return allSound ? 0 : 1;
+}
+
+std::vector<std::string> formatNames() {
+  std::vector<std::string> names;
+  for (const map::KindName& kind : map::fileKinds()) names.emplace_back(kind.name);
+  for (const std::string_view record : map::recordNames()) names.emplace_back(record);
+  return names;
+}
+
+int formatCommand(const std::string& name) {
+  const auto kinds = map::fileKinds();
+  const auto kind = std::find_if(kinds.begin(), kinds.end(), [&](const auto& one) { return one.name == name; });
+  const std::string table = kind == kinds.end() ? map::recordTable(name) : map::formatTable(kind->kind);
+  (void)std::fwrite(table.data(), 1, table.size(), stdout);
+  return 0;
 }
 
 }  // namespace torvio

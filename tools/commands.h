@@ -1,4 +1,4 @@
-// What torvio does, apart from its command line. Both give the exit code: 0 when all files are
+// What torvio does, apart from its command line. Each command gives the exit code: 0 when all files are
 // sound, 1 when one is not.
 #pragma once
 #include <optional>
@@ -15,5 +15,9 @@ int mapCommand(const std::string& path, std::optional<oldtorvio::map::FileKind> 
 
 // Prints one line a file: path, kind, version, status, bytes walked of bytes there, fault.
 int checkCommand(const std::vector<std::string>& paths, std::optional<oldtorvio::map::FileKind> forced);
+
+// Prints the stored form of a kind of file, or of a record that files embed, as a Markdown table.
+int formatCommand(const std::string& name);
+std::vector<std::string> formatNames();
 
 }  // namespace torvio

@@ -11,7 +11,7 @@ namespace {
 constexpr int kMisuse = 2;
 
 int run(int argc, char** argv) {
-  CLI::App app{"Explains old part, group part and special tool files byte by byte."};
+  CLI::App app{"Explains the older files of the suite byte by byte."};
   app.set_version_flag("--version", TORVIO_VERSION);
   app.require_subcommand(1);
   app.footer("Exit code: 0 all files are sound, 1 one is not, 2 misuse.");
@@ -34,11 +34,18 @@ int run(int argc, char** argv) {
   check->add_option("FILE", files, "The files")->required();
   addKind(*check);
 
+  std::string name;
+  CLI::App* format = app.add_subcommand("format", "Print the stored form of a kind of file as a Markdown table");
+  format->add_option("KIND", name, "A kind of file, or a record that files embed")
+      ->required()
+      ->check(CLI::IsMember(torvio::formatNames()));
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kMisuse;
   }
+  if (*format) return torvio::formatCommand(name);
   return *map ? torvio::mapCommand(file, forced) : torvio::checkCommand(files, forced);
 }
 

@@ -1,6 +1,8 @@
 // The tables of a material: tool sets, palette, stages, entries, rules, head.
 #pragma once
+#include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <vector>
 
 #include "OldTorvIO/profile.h"
@@ -82,9 +84,33 @@ struct SizeRule {
 // Fresh lists hold default rules. A list that a file stores replaces them; behind stored angleRules
 // that are not exactly six, a load appends the six defaults.
 struct MaterialRuleLists {
-  static std::vector<AngleRule> defaultAngleRules();
-  static std::vector<SizeRule> defaultSizeRulesA();
-  static std::vector<SizeRule> defaultSizeRulesB();
+  // The counts are 0 although angles are there.
+  static std::vector<AngleRule> defaultAngleRules() {
+    return {
+        angleRule(1, 20.5F, {0}),
+        angleRule(5, 30.5F, {1.5707964F, 4.712389F}),
+        angleRule(7, 50.5F, {0, 2.6179938F, 3.6651914F}),
+        angleRule(16, 20.5F, {1.5707964F, 4.712389F}),
+        angleRule(22, 30.5F, {0, 1.5707964F, 3.1415927F, 4.712389F}),
+        angleRule(23, 60.5F, {1.5707964F, 2.3561945F, 3.1415927F, 4.712389F, 5.497787F, 0}),
+    };
+  }
+  static std::vector<SizeRule> defaultSizeRulesA() {
+    constexpr std::uint32_t kTen = 0x41200000;  // the bits of 10.0
+    return {
+        {kTen, 10.0F, 20.5F, 20.5F, 0.025F},
+        {kTen, 10.0F, 30.5F, 30.5F, 0.025F},
+        {kTen, 10.0F, 60.5F, 60.5F, 0.025F},
+    };
+  }
+  static std::vector<SizeRule> defaultSizeRulesB() {
+    return {
+        {1, 0.025F, 0, 0, 12.0F, 12.0F},
+        {5, 0.025F, 5.5F, 0, 35.0F, 35.0F},
+        {7, 0.025F, 5.5F, 0, 59.0F, 59.0F},
+        {9, 0.025F, 5.5F, 7.5F, 100.0F, 100.0F},
+    };
+  }
 
   std::vector<AngleRule> angleRules = defaultAngleRules();
   std::vector<AngleRule> pairRules = defaultAngleRules();  // since 155
@@ -94,6 +120,15 @@ struct MaterialRuleLists {
   std::uint8_t ruleFlag4 = 0;  // since 161
   std::uint32_t ruleWord1 = 0, ruleWord2 = 0;
   float ruleAngle1 = 1.5707964F, ruleAngle2 = 1.5707964F;  // radians
+
+ private:
+  static AngleRule angleRule(std::uint8_t code, float sizeLimit, std::initializer_list<float> angles) {
+    AngleRule rule;
+    rule.ruleCode = code;
+    std::copy(angles.begin(), angles.end(), rule.ruleAngles);
+    rule.sizeLimitX = rule.sizeLimitY = sizeLimit;
+    return rule;
+  }
 };
 
 struct MaterialHeadRecord {

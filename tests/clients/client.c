@@ -7,6 +7,95 @@
 static int failures = 0;
 #define EXPECT(holds) ((holds) ? (void)0 : (void)(printf("line %d: %s\n", __LINE__, #holds), ++failures))
 
+static int written(const char* path, const uint8_t* bytes, size_t size) {
+  FILE* file = fopen(path, "wb");
+  if (file == NULL) return 0;
+  const int whole = fwrite(bytes, 1, size, file) == size;
+  return fclose(file) == 0 && whole;
+}
+
+static int32_t integer_in(float bytes) {
+  int32_t integer;
+  memcpy(&integer, &bytes, sizeof integer);
+  return integer;
+}
+
+/* An inventory of version 54 with one square tool; all else is zero. */
+static void ask_an_inventory(const char* path) {
+  enum { kToolCount = 2, kShapeCode = 170, kDimension1 = 182, kSize = 250 };
+  uint8_t bytes[kSize] = {54};
+  char name[257] = "unchanged";
+  uint32_t count = 9;
+  float f[16];
+  int32_t n[2] = {9, 9};
+  size_t i;
+  for (i = 0; i < sizeof f / sizeof *f; ++i) f[i] = 9;
+  bytes[kToolCount] = 1;
+  bytes[kShapeCode] = 103;
+  bytes[kDimension1 + 2] = 0x80; /* 1.0 */
+  bytes[kDimension1 + 3] = 0x3F;
+
+  EXPECT(LoadOldToolInventory(path, NULL) == -2);
+  EXPECT(LoadOldToolInventoryForCount("/no/such/file", &count) == -2 && count == 0);
+  EXPECT(written(path, bytes, kSize - 1));
+  EXPECT(LoadOldToolInventoryForCount(path, &count) == 0 && count == 0);
+  EXPECT(written(path, bytes, kSize));
+  EXPECT(LoadOldToolInventoryForCount(path, &count) == 0 && count == 1);
+  GetOldToolInventoryInformation(0, name, &f[0], &f[1], &f[2], &f[3], &n[0], &f[4], &f[5], &f[6], &f[7], &f[8], &f[9],
+                                 &n[1], &f[10], &f[11], &f[12], &f[13], &f[14], &f[15]);
+  EXPECT(strcmp(name, "SQUARE") == 0 && f[0] == 1 && f[1] == 0 && f[2] == 0 && f[3] == 0);
+  EXPECT(n[0] == 0 && n[1] == 0);
+  for (i = 4; i < sizeof f / sizeof *f; ++i) EXPECT(f[i] == 9); /* no values count */
+}
+
+/* A machine of version 54 with one station and its rectangular tool; all else is zero. */
+static void ask_a_machine(const char* path) {
+  enum { kTextWidth = 2, kMachineText1 = 6, kKind = 7, kStationCount = 601, kStation = 605, kStationType = 613 };
+  enum { kToolCount = 617, kShapeCode = 692, kBlockMode = 764, kClampCount = 806, kSize = 902 };
+  uint8_t bytes[kSize] = {54};
+  MachineInformation machine;
+  char text[4][257];
+  uint32_t kind = 9;
+  float f[21], q[12];
+  int32_t n[5] = {9, 9, 9, 9, 9};
+  size_t i;
+  for (i = 0; i < 4; ++i) strcpy(text[i], "unchanged");
+  for (i = 0; i < sizeof f / sizeof *f; ++i) f[i] = 9;
+  for (i = 0; i < sizeof q / sizeof *q; ++i) q[i] = 9;
+  memset(&machine, 0, sizeof machine);
+  bytes[kTextWidth] = 1;
+  bytes[kMachineText1] = 'M';
+  bytes[kKind] = 3;
+  bytes[kStationCount] = 1;
+  bytes[kStation] = 7;
+  bytes[kStationType] = 2;
+  bytes[kToolCount] = 1;
+  bytes[kShapeCode] = 3;
+  bytes[kBlockMode] = 3; /* a mode without blocks */
+  bytes[kClampCount] = 2;
+
+  EXPECT(LoadOldMachine(path, NULL) == -2);
+  EXPECT(LoadOldMachineInformation("/no/such/file", &machine) == -2 && machine.infoVersion == 0);
+  EXPECT(written(path, bytes, kSize - 1));
+  EXPECT(LoadOldMachineInformation(path, &machine) == 0 && machine.infoVersion == 0);
+  EXPECT(written(path, bytes, kSize));
+  EXPECT(LoadOldMachineInformation(path, &machine) == 0);
+  EXPECT(machine.infoVersion == 54 && machine.infoKind == 3 && machine.infoStationCount == 1);
+  LoadOldStationToolFromMachine(0, &n[0], &n[1], &f[0], &f[1], &f[2], &n[2], &f[3], &f[9], &f[10], &f[11], &f[12],
+                                &n[3], &f[13], &f[16], text[0], &f[19], &f[20], &n[4]);
+  EXPECT(n[0] == 7 && n[1] == 2 && n[2] == 0 && n[3] == 3 && n[4] == 0 && strcmp(text[0], "unchanged") == 0);
+  for (i = 0; i < sizeof f / sizeof *f; ++i) EXPECT(f[i] == 0);
+  EXPECT(GetOldVLMQMachineName("/no/such/file", text[0], &kind, text[1], text[2], text[3]) == -2 && kind == 9);
+  EXPECT(GetOldVLMQMachineName(path, text[0], &kind, text[1], text[2], text[3]) == 0 && kind == 3);
+  for (i = 0; i < 4; ++i) EXPECT(text[i][0] == '\0');
+  EXPECT(GetMachineDatasForQD(path, &q[0], &q[1], &q[2], &q[3], &q[4], &q[5], &q[6], &q[7], &q[8], &q[9], &q[10],
+                              &q[11]) == 0);
+  EXPECT(integer_in(q[2]) == 2 && integer_in(q[3]) == 3);
+  for (i = 0; i < sizeof q / sizeof *q; ++i) EXPECT(i == 2 || i == 3 || q[i] == 0);
+  EXPECT(GetMachineDatasForQD(NULL, &q[0], &q[1], &q[2], &q[3], &q[4], &q[5], &q[6], &q[7], &q[8], &q[9], &q[10],
+                              &q[11]) == -2);
+}
+
 int main(int argc, char** argv) {
   const uint32_t values[9] = {0};
   char path[1024], text[1024] = "unchanged";
@@ -44,6 +133,10 @@ int main(int argc, char** argv) {
   EXPECT(number == 6 && f == 4);
   DeleteOldPartlistInfo(list);
   DeleteOldPartlistInfo(NULL);
+  EXPECT(LoadOldMaterial(path, NULL) == -2);
+  EXPECT(LoadOldMacro(path, NULL) == -2);
+  ask_an_inventory(path);
+  ask_a_machine(path);
   (void)remove(path);
   printf("%d failures\n", failures);
   return failures == 0 ? 0 : 1;

@@ -2,13 +2,19 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <functional>
 #include <memory>
 #include <thread>
+#include <utility>
 
 #include "OldTorvIO.h"
 #include "src/frame/map.h"
+#include "src/machine/machine_io.h"
 #include "src/map/file_map.h"
+#include "src/material/material_io.h"
 #include "src/part/part_io.h"
+#include "src/tooling/inventory_io.h"
+#include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/allocation_meter.h"
 #include "tests/support/files.h"
@@ -33,13 +39,91 @@ Bytes groupFile(int version) {
   return Bytes().i16(version).i32(0).i32(256).text(256, "A").add(Bytes::of(part.span().subspan(2)));
 }
 
+// The other kinds hold random content, with an element at least where a list brings others.
+Bytes machineFile(int version) {
+  RandomRecords random(7, 1);
+  const auto m = std::make_unique<OldMachine>();
+  random.machine(*m, version);
+  m->limitsPresent = m->secondTextPresent = 1;
+  m->blockMode = 2;
+  m->gridMode = 2;
+  m->gridA.cellByteCount = m->gridB.cellByteCount = 20;
+  m->hasExtension = m->stepListPresent = 1;
+  m->triadCount = 2;
+  m->programMode = version % 2 == 0 ? 1 : 2;
+  m->segments.resize(1);
+  m->stepTables.resize(1);
+  m->material.name = "STEEL";
+  for (auto* list : {&m->stationsA, &m->stationsB, &m->stationsC}) {
+    list->stations.assign(1, random.station());
+    list->tools.assign(1, random.tool());
+  }
+  m->stationsA.stations[0].toolCount = 1;
+  m->stationsA.tools[0].shapeCode = 3;
+  for (ShapeProgram* program : {&m->programA, &m->programC, static_cast<ShapeProgram*>(&m->programB),
+                                static_cast<ShapeProgram*>(&m->programD), &m->material.head.optionA}) {
+    program->programGroups.resize(1);
+    program->programGroups[0].groupShapes.shapes.resize(1);
+  }
+  m->unitTable.units.resize(1);
+  return Bytes().i16(version).add(written([&](auto& s) { return WriteOldMachine(s, version, nullptr, *m, false); }));
+}
+
+Bytes materialFile(int version) {
+  RandomRecords random(8, 1);
+  const auto m = std::make_unique<OldMaterial>();
+  random.material(*m);
+  random.paramTable(m->params, version);
+  const bool isTableAlone = version == 52 || version == 60;
+  m->entryList.resize(1);
+  m->toolSets.setCount = 1;
+  m->palette.groupCount = 1;
+  m->settingListCount = 1;
+  m->settingLists[0].resize(1);
+  m->rules.pairRules.resize(1);
+  m->head.optionA.programGroups.resize(1);
+  m->head.optionA.programGroups[0].groupShapes.shapes.resize(1);
+  const Bytes table = written([&](auto& s) { return WriteParamTable(s, m->params); });
+  if (isTableAlone) return table;
+  return Bytes().i16(version).add(table).add(written([&](auto& s) { return WriteOldMaterialBody(s, version, *m); }));
+}
+
+Bytes inventoryFile(int version) {
+  RandomRecords random(9, 1);
+  OldToolInventory v = random.toolInventory();
+  v.tools.assign(2, random.tool());
+  v.tools[0].shapeCode = 1;
+  v.tools[1].shapeCode = 108;
+  v.tools[1].specialToolIndex = 1;
+  v.entries.resize(1);
+  v.specialToolFiles.assign(1, {"C:\\TOOLS\\STAR.SPT"});
+  return Bytes().i16(version).add(written([&](auto& s) { return WriteToolInventory(s, version, v); }));
+}
+
+Bytes macroFile(int version) {
+  RandomRecords random(10, 1);
+  OldMacro m = random.macro();
+  m.shapes.shapes.assign(2, random.shape());
+  m.items.resize(2);
+  m.stationList.stations.assign(1, random.station());
+  m.stationList.tools.assign(1, random.tool());
+  return Bytes().i16(version).add(written([&](auto& s) { return WriteMacro(s, version, m); }));
+}
+
 struct Kind {
   map::FileKind kind;
   std::string name;
   std::vector<int> versions;
   Bytes (*file)(int version);
   std::int64_t (*load)(const char* path);
+  std::size_t recordSize;  // of what `load` loads into
 };
+
+template <class Record, auto load>
+std::int64_t loadAnew(const char* path) {
+  const auto record = std::make_unique<Record>();
+  return load(path, record.get());
+}
 
 const std::vector<Kind>& kinds() {
   static const std::vector<Kind> all{
@@ -47,10 +131,8 @@ const std::vector<Kind>& kinds() {
        "part",
        {52, 62, 80, 110, 151, 161, 180},
        [](int v) { return partFile(v, 32001); },
-       [](const char* path) {
-         const auto part = std::make_unique<TorvPart>();
-         return LoadOldPart(path, part.get());
-       }},
+       loadAnew<TorvPart, LoadOldPart>,
+       sizeof(TorvPart)},
       {map::FileKind::groupPart,
        "group",
        {152, 161, 180},
@@ -58,7 +140,8 @@ const std::vector<Kind>& kinds() {
        [](const char* path) {
          SheetPartList list;
          return LoadGroupPart(path, &list);
-       }},
+       },
+       sizeof(TorvPart)},
       {map::FileKind::specialTool,
        "special tool",
        {52, 110, 160, 180},
@@ -68,13 +151,38 @@ const std::vector<Kind>& kinds() {
        [](const char* path) {
          OldSpecialTool tool;
          return LoadOldSpecialTool(path, &tool);
-       }},
+       },
+       sizeof(OldSpecialTool)},
+      {map::FileKind::machine,
+       "machine",
+       {52, 61, 80, 110, 152, 161, 180},
+       machineFile,
+       loadAnew<OldMachine, LoadOldMachine>,
+       sizeof(OldMachine)},
+      {map::FileKind::material,
+       "material",
+       {52, 61, 90, 130, 152, 161, 180},
+       materialFile,
+       loadAnew<OldMaterial, LoadOldMaterial>,
+       sizeof(OldMaterial)},
+      {map::FileKind::toolInventory,
+       "tool inventory",
+       {54, 60, 110, 150, 180},
+       inventoryFile,
+       loadAnew<OldToolInventory, LoadOldToolInventory>,
+       sizeof(OldToolInventory)},
+      {map::FileKind::macro,
+       "macro",
+       {52, 60, 80, 160, 180},
+       macroFile,
+       loadAnew<OldMacro, LoadOldMacro>,
+       sizeof(OldMacro)},
   };
   return all;
 }
 
 bool isCount(const std::string& path) {
-  for (const char* end : {".count", ".length", "Count", "nameBlockSize"})
+  for (const char* end : {".count", ".length", "Count", "nameBlockSize", "textWidth", "nameLength"})
     if (path.ends_with(end)) return true;
   return false;
 }
@@ -88,20 +196,26 @@ TEST(HostileFiles, EveryCountThatClaimsTwoBillionIsAFaultAndTakesNoMemory) {
       (void)map::mapFile(folder.write("whole", whole).c_str(), kind.kind, [&](const frame::MapLine& line) {
         if (line.size == 4 && isCount(line.path)) counts.push_back(line);
       });
-      ASSERT_GT(counts.size(), 2U);
+      // A table that is a whole file counts the bytes of its name and nothing else.
+      ASSERT_GT(counts.size(), kind.kind == map::FileKind::material && version == 52 ? 0U : 2U) << kind.name;
       for (const frame::MapLine& count : counts) {
         // These are carried without being counted by, and may claim anything.
-        const bool carried = count.path.ends_with("ValueCount") || count.path.ends_with("toolCount") ||
-                             count.path.ends_with("optionCount");
-        const bool station = count.path.find("stations[") != std::string::npos && count.path.ends_with(".valueCount");
+        const bool carried = count.path.ends_with("ValueCount") || count.path.ends_with("optionCount");
+        const bool station = count.path.find("stations[") != std::string::npos &&
+                             (count.path.ends_with(".valueCount") || count.path.ends_with(".toolCount"));
         if (carried || station) continue;
         for (const std::size_t behind : {0U, 60U}) {
           Bytes file = whole.cut(static_cast<std::size_t>(count.offset));
           file.i32(2000000000).fill(behind, 1);
-          const std::string path = folder.write("claims", file);
+          const std::string path = folder.overwrite("claims", file);
+          std::filesystem::resize_file(path, file.size());
           const AllocationMeter meter;
-          EXPECT_EQ(kind.load(path.c_str()), 1) << kind.name << " " << version << " " << count.path;
-          EXPECT_LT(meter.peak(), kMiB) << count.path;
+          const std::int64_t status = kind.load(path.c_str());
+          // A material goes on behind a second option that fails, and then may end in its reserved bytes.
+          const bool isForgiven = behind > 0 && kind.kind == map::FileKind::material &&
+                                  count.path.starts_with("head.optionB.") && status == 0;
+          EXPECT_TRUE(status == 1 || isForgiven) << kind.name << " " << version << " " << count.path;
+          EXPECT_LT(meter.peak(), kMiB + kind.recordSize) << kind.name << " " << version << " " << count.path;
         }
       }
     }
@@ -159,6 +273,112 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFile) {
   }
 }
 
+TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFileForTheOtherKinds) {
+  const TempFolder folder;
+  constexpr std::size_t kMany = 20000;
+  const std::string path = folder.path("big");
+  const auto check = [&](const char* what, auto save, auto load, std::size_t recordSize) {
+    std::filesystem::remove(path);
+    ASSERT_EQ(save(), 0) << what;
+    const auto size = static_cast<std::size_t>(std::filesystem::file_size(path));
+    ASSERT_GT(size, 4 * kMany) << what;
+    const AllocationMeter meter;
+    ASSERT_EQ(load(path.c_str()), 0) << what;
+    EXPECT_LE(meter.peak(), 16 * size + recordSize + kMiB) << what << " of " << size << " bytes";
+  };
+  Shape least;
+  least.valueCount = least.extraCount = 0;
+
+  for (const int version : {61, 180}) {
+    const auto ofMaterial = [&](const char* what, auto fill) {
+      const auto m = std::make_unique<OldMaterial>();
+      m->params.version = 60;
+      m->params.nameLength = 1;
+      fill(*m);
+      check(
+          what, [&] { return SaveMaterial(path.c_str(), *m, version); }, loadAnew<OldMaterial, LoadOldMaterial>,
+          sizeof(OldMaterial));
+    };
+    ofMaterial("entries", [&](OldMaterial& m) { m.entryList.resize(kMany); });
+    ofMaterial("settings", [&](OldMaterial& m) { m.palette.listA.resize(kMany); });
+    ofMaterial("rules", [&](OldMaterial& m) {
+      m.rules.angleRules.resize(kMany);
+      m.rules.pairRules.resize(kMany);
+      m.rules.sizeRulesA.resize(kMany);
+      m.rules.sizeRulesB.resize(kMany);
+    });
+    ofMaterial("groups", [&](OldMaterial& m) { m.head.optionA.programGroups.resize(kMany); });
+    ofMaterial("quads, slots, steps", [&](OldMaterial& m) {
+      ShapeProgramGroup& group = m.head.optionB.programGroups.emplace_back();
+      group.groupQuads.resize(kMany);
+      group.groupSlots.resize(kMany);
+      group.groupSteps.resize(kMany);
+    });
+    ofMaterial("shapes", [&](OldMaterial& m) {
+      m.head.optionA.programGroups.emplace_back().groupShapes.shapes.assign(kMany, least);
+    });
+  }
+  for (const int version : {52, 180}) {
+    const auto ofMachine = [&](const char* what, auto fill) {
+      const auto m = std::make_unique<OldMachine>();
+      m->textWidth = m->secondTextWidth = 256;
+      fill(*m);
+      check(
+          what, [&] { return SaveMachine(path.c_str(), *m, version); }, loadAnew<OldMachine, LoadOldMachine>,
+          sizeof(OldMachine));
+    };
+    ofMachine("segments", [&](OldMachine& m) { m.segments.resize(kMany); });
+    ofMachine("extension words", [&](OldMachine& m) {
+      m.hasExtension = 1;
+      m.extension.extensionWords.resize(kMany);
+    });
+    ofMachine("stations", [&](OldMachine& m) {
+      m.stationsA.stations.resize(kMany);
+      m.stationsA.tools.resize(kMany);
+    });
+    ofMachine("steps", [&](OldMachine& m) {
+      m.stepListPresent = 1;
+      m.stepTables.resize(kMany);
+    });
+    ofMachine("groups", [&](OldMachine& m) {
+      m.programMode = 1;
+      m.programA.programGroups.resize(kMany);
+    });
+    if (version >= 110)
+      ofMachine("units", [&](OldMachine& m) {
+        m.unitTable.units.resize(kMany);
+        m.unitTable.units[0].unitEntries.resize(kMany);
+      });
+
+    OldMacro macro;
+    const auto ofMacro = [&](const char* what) {
+      check(
+          what, [&] { return SaveMacro(path.c_str(), macro, version); }, loadAnew<OldMacro, LoadOldMacro>,
+          sizeof(OldMacro));
+      macro = OldMacro();
+    };
+    macro.shapes.shapes.assign(kMany, least);
+    ofMacro("shapes of a macro");
+    macro.items.resize(kMany);
+    ofMacro("items of a macro");
+  }
+  for (const int version : {54, 180}) {
+    OldToolInventory inventory;
+    const auto ofInventory = [&](const char* what) {
+      check(
+          what, [&] { return SaveToolInventory(path.c_str(), inventory, version); },
+          loadAnew<OldToolInventory, LoadOldToolInventory>, sizeof(OldToolInventory));
+      inventory = OldToolInventory();
+    };
+    inventory.tools.resize(kMany);
+    ofInventory("tools");
+    inventory.entries.resize(kMany / 4);
+    ofInventory("entries of an inventory");
+    inventory.specialToolFiles.resize(kMany / 4);
+    ofInventory("files of special tools");
+  }
+}
+
 TEST(HostileFiles, FlippedBitsNeverHarm) {
   for (const Kind& kind : kinds()) {
     const TempFolder folder;
@@ -168,11 +388,14 @@ TEST(HostileFiles, FlippedBitsNeverHarm) {
       std::vector<std::byte> bytes(whole.span().begin(), whole.span().end());
       for (std::size_t bit = 0; bit < bytes.size() * 8; bit += step) {
         bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
-        const std::string path = folder.write("flip", Bytes::of(bytes));
+        const std::string path = folder.overwrite("flip" + std::to_string(version), Bytes::of(bytes));
         const AllocationMeter meter;
         const std::int64_t status = kind.load(path.c_str());
-        EXPECT_TRUE(status == 0 || status == 1 || (status == -1 && bit < 16));
-        EXPECT_LE(meter.peak(), 16 * bytes.size() + sizeof(TorvPart) + kMiB);
+        // A material has a second version word, its table's, behind the file's.
+        const std::size_t versionBits = kind.kind == map::FileKind::material ? 32 : 16;
+        EXPECT_TRUE(status == 0 || status == 1 || (status == -1 && bit < versionBits))
+            << kind.name << " " << version << " bit " << bit << " gives " << status;
+        EXPECT_LE(meter.peak(), 16 * bytes.size() + kind.recordSize + kMiB) << kind.name << " bit " << bit;
         bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
       }
     }
@@ -220,7 +443,7 @@ TEST(OutOfMemory, LoadsAndQueriesGiveOne) {
       expectOnFailure<std::int64_t>(1, [&] { return LoadOldPart(path.c_str(), record); });
       EXPECT_EQ(LoadOldPart(path.c_str(), record), 0) << "the record is still good";
       delete record;
-    } else {
+    } else if (kind.kind == map::FileKind::groupPart || kind.kind == map::FileKind::specialTool) {
       expectOnFailure<std::int64_t>(1, [&] { return kind.load(path.c_str()); });
     }
   }
@@ -239,6 +462,129 @@ TEST(OutOfMemory, LoadsAndQueriesGiveOne) {
     DeleteOldPartlistInfo(list);
     return list != nullptr;
   });
+}
+
+// As expectOnFailure, each time with a record of its own, which is made while there is memory and
+// has to load the file once there is memory again.
+template <class Record>
+void expectOneOnFailure(const std::string& path, std::int64_t (*load)(const char*, Record*)) {
+  std::size_t failures = 0;
+  for (const bool forGood : {false, true})
+    for (std::size_t n = 0;; ++n) {
+      const auto record = std::make_unique<Record>();
+      std::int64_t status = 0;
+      bool happened = false;
+      {
+        const FailingAllocation failing(n, forGood);
+        status = load(path.c_str(), record.get());
+        happened = failing.happened();
+      }
+      ASSERT_EQ(status, happened ? 1 : 0) << "allocation " << n;
+      if (!happened) break;
+      ++failures;
+      ASSERT_EQ(load(path.c_str(), record.get()), 0) << "allocation " << n;
+      ASSERT_LT(n, 100000U);
+    }
+  EXPECT_GT(failures, 2U);
+}
+
+TEST(OutOfMemory, LoadsOfTheOtherKindsGiveOneAndTheRecordLoadsAgain) {
+  const TempFolder folder;
+  for (const int version : {54, 161, 180}) {
+    expectOneOnFailure<OldMachine>(folder.write("machine", machineFile(version)), LoadOldMachine);
+    expectOneOnFailure<OldToolInventory>(folder.write("inventory", inventoryFile(version)), LoadOldToolInventory);
+    expectOneOnFailure<OldMacro>(folder.write("macro", macroFile(version)), LoadOldMacro);
+  }
+  for (const int version : {61, 161, 180})
+    expectOneOnFailure<OldMaterial>(folder.write("material", materialFile(version)), LoadOldMaterial);
+  for (const int version : {52, 60}) {
+    // A table has no lists: the windows over the file, which is opened twice, and the name.
+    const std::string path = folder.write("table", materialFile(version));
+    const auto record = std::make_unique<OldMaterial>();
+    expectOnFailure<std::int64_t>(1, [&] { return LoadOldMaterial(path.c_str(), record.get()); });
+    EXPECT_EQ(LoadOldMaterial(path.c_str(), record.get()), 0);
+  }
+}
+
+TEST(OutOfMemory, QueriesAboutAMachineFileGiveOneAndLeaveTheirOutputs) {
+  const TempFolder folder;
+  const std::string path = folder.write("m", machineFile(180));
+  float out[12];
+  std::fill(std::begin(out), std::end(out), -7.0F);
+  expectOnFailure<std::int64_t>(1, [&] {
+    const std::int64_t status = GetMachineDatasForQD(path.c_str(), &out[0], &out[1], &out[2], &out[3], &out[4], &out[5],
+                                                     &out[6], &out[7], &out[8], &out[9], &out[10], &out[11]);
+    if (status != 0)
+      for (const float one : out) EXPECT_EQ(one, -7.0F);
+    else
+      std::fill(std::begin(out), std::end(out), -7.0F);
+    return status;
+  });
+}
+
+// Those on what exists once in the process answer 0 where memory runs out behind the version word.
+// files: a file for each attempt, since what the loads before have taken is there already.
+void expectZeroBehindTheVersionWordOnFailure(const std::function<Bytes(std::size_t attempt)>& files,
+                                             const std::function<std::int32_t(const char*)>& load,
+                                             const std::function<bool()>& hasAnswered) {
+  const TempFolder folder;
+  std::size_t inFront = 0;
+  {
+    const std::string refused = folder.write("refused", Bytes().i16(53).zeros(100));
+    const AllocationMeter meter;
+    ASSERT_EQ(load(refused.c_str()), -1);
+    inFront = meter.count();
+  }
+  ASSERT_GT(inFront, 0U);
+  std::size_t attempt = 0;
+  for (const bool forGood : {false, true}) {
+    bool happened = true;
+    for (std::size_t n = 0; happened; ++n, ++attempt) {
+      const std::string path = folder.write(std::to_string(attempt), files(attempt));
+      std::int32_t status = 0;
+      {
+        const FailingAllocation failing(n, forGood);
+        status = load(path.c_str());
+        happened = failing.happened();
+      }
+      ASSERT_EQ(status, happened && n < inFront ? 1 : 0) << "allocation " << n;
+      ASSERT_EQ(hasAnswered(), !happened) << "allocation " << n;
+      ASSERT_TRUE(happened || n > inFront) << "nothing was allocated behind the version word";
+      ASSERT_LT(n, 100000U);
+      std::filesystem::remove(path);
+    }
+  }
+}
+
+TEST(OutOfMemory, LoadsOfTheCurrentMachineGiveZeroBehindTheVersionWordAndLeaveTheirOutputs) {
+  const Bytes machine = machineFile(180);
+  const auto sameFile = [&](std::size_t) { return machine; };
+  MachineInformation information{};
+  expectZeroBehindTheVersionWordOnFailure(
+      sameFile, [&](const char* path) { return LoadOldMachineInformation(path, &information); },
+      [&] { return std::exchange(information.infoVersion, 0) == 180; });
+  char text[4][257] = {};
+  std::uint32_t kind = 0;
+  expectZeroBehindTheVersionWordOnFailure(
+      sameFile,
+      [&](const char* path) {
+        return static_cast<std::int32_t>(GetOldVLMQMachineName(path, text[0], &kind, text[1], text[2], text[3]));
+      },
+      [&] { return std::exchange(kind, 0U) != 0; });
+}
+
+TEST(OutOfMemory, LoadsOfTheCurrentInventoryGiveZeroBehindTheVersionWordAndACountOfZero) {
+  std::uint32_t count = 0;
+  expectZeroBehindTheVersionWordOnFailure(
+      [](std::size_t attempt) {
+        OldToolInventory inventory;
+        inventory.tools.resize(100 + attempt);
+        inventory.entries.resize(100 + attempt);
+        inventory.specialToolFiles.resize(100 + attempt);
+        return Bytes().i16(180).add(written([&](auto& s) { return WriteToolInventory(s, 180, inventory); }));
+      },
+      [&](const char* path) { return LoadOldToolInventoryForCount(path, &count); },
+      [&] { return std::exchange(count, 0U) >= 100; });
 }
 
 TEST(OutOfMemory, SavesGiveMinusTwo) {
@@ -304,6 +650,30 @@ TEST(OutOfMemory, AddingCallsAddNothing) {
 
 // ---- stack and threads ---------------------------------------------------------------------------
 
+// Those of which the process has one.
+void callCurrentMachineAndInventory(const std::string& machine, const std::string& inventory) {
+  MachineInformation information;
+  char text[4][257] = {};
+  float n[20] = {};
+  std::int32_t i[5] = {};
+  std::uint32_t count = 0;
+  EXPECT_EQ(LoadOldMachineInformation(machine.c_str(), &information), 0);
+  EXPECT_EQ(information.infoVersion, 180);
+  EXPECT_EQ(information.infoStationCount, 1);
+  LoadOldStationToolFromMachine(0, &i[0], &i[1], &n[0], &n[1], &n[2], &i[2], &n[3], &n[9], &n[10], &n[11], &n[12],
+                                &i[3], &n[13], &n[16], text[0], &n[19], &n[0], &i[4]);
+  EXPECT_EQ(i[3], 3);
+  EXPECT_EQ(GetOldVLMQMachineName(machine.c_str(), text[0], &count, text[1], text[2], text[3]), 0);
+  EXPECT_EQ(LoadOldToolInventoryForCount(inventory.c_str(), &count), 0);
+  EXPECT_EQ(count, 2U);
+  for (const std::int32_t index : {0, 1}) {
+    GetOldToolInventoryInformation(index, text[index], &n[0], &n[1], &n[2], &n[3], &i[0], &n[4], &n[5], &n[6], &n[7],
+                                   &n[8], &n[9], &i[1], &n[10], &n[11], &n[12], &n[13], &n[14], &n[15]);
+  }
+  EXPECT_STREQ(text[0], "ROUND");
+  EXPECT_STREQ(text[1], "STAR");
+}
+
 // Every export once, on content that makes it work.
 void callEverything(const std::string& folder, bool withBuilder) {
   const std::string part = folder + "/p.part", group = folder + "/g", tool = folder + "/named.spt";
@@ -326,7 +696,31 @@ void callEverything(const std::string& folder, bool withBuilder) {
   text[0] = '\0';
   EXPECT_EQ(GetOldSptFromPart(part.c_str(), text), 0);
   EXPECT_EQ(GetOldSptFromGroupPart(group.c_str(), text, 8192, &length), 0);
+  const std::string machine = folder + "/machine", material = folder + "/material", inventory = folder + "/inventory",
+                    macro = folder + "/macro";
+  auto* const oldMachine = new OldMachine;
+  auto* const oldMaterial = new OldMaterial;
+  auto* const oldInventory = new OldToolInventory;
+  auto* const oldMacro = new OldMacro;
+  float n[20] = {};
+  EXPECT_EQ(LoadOldMachine(machine.c_str(), oldMachine), 0);
+  EXPECT_EQ(LoadOldMaterial(material.c_str(), oldMaterial), 0);
+  EXPECT_EQ(LoadOldMaterial((folder + "/table").c_str(), oldMaterial), 0);
+  EXPECT_EQ(LoadOldToolInventory(inventory.c_str(), oldInventory), 0);
+  EXPECT_EQ(LoadOldMacro(macro.c_str(), oldMacro), 0);
+  EXPECT_EQ(GetMachineDatasForQD(machine.c_str(), &n[0], &n[1], &n[2], &n[3], &n[4], &n[5], &n[6], &n[7], &n[8], &n[9],
+                                 &n[10], &n[11]),
+            0);
+  EXPECT_EQ(oldMachine->stationsA.stations.size(), 1U);
+  EXPECT_EQ(oldInventory->tools.size(), 2U);
+  EXPECT_EQ(oldMacro->shapes.shapes.size(), 2U);
+  EXPECT_EQ(oldMaterial->version, 60);
+  delete oldMacro;
+  delete oldInventory;
+  delete oldMaterial;
+  delete oldMachine;
   if (withBuilder) {
+    callCurrentMachineAndInventory(machine, inventory);
     InitTorvPart(1, 2, 3, 4, "a", "b", "c", "d", "e", "f");
     EXPECT_EQ(AddPatternToTorvPart(1, 2, 3, 4, values, 0, 0, 0, 0, 0, 0, "NAMED", 0, 0, 0, 0), 1);
     EXPECT_EQ(AddGroupPatIntoTorvPart(1, 2, 3, "named"), 3);
@@ -349,6 +743,11 @@ class WholeLibrary : public testing::Test {
     folder_.write("p.part", partFile(180, 32001));
     folder_.write("g", groupFile(180));
     folder_.write("named.spt", specialToolFile(162, {1}));
+    folder_.write("machine", machineFile(180));
+    folder_.write("material", materialFile(180));
+    folder_.write("table", materialFile(60));
+    folder_.write("inventory", inventoryFile(180));
+    folder_.write("macro", macroFile(180));
   }
   TempFolder folder_;
   WinIni ini_{WinIni::folderSetting(folder_.path() + "/")};

@@ -1,5 +1,8 @@
 // Records with random content that every writer can store.
 #pragma once
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstring>
 #include <random>
 #include <string>
@@ -216,6 +219,160 @@ class RandomRecords {
     return s;
   }
 
+  // ---- machines, materials, inventories, macros. What a load derives or repairs is settled in the
+  // ---- record beforehand, so that the mirror of its file is perfect.
+
+  // A table that the writer stores in the layout of its version word: 52, or 60 to 499.
+  void paramTable(oldtorvio::ParamTable& t, int version) {
+    bits(t.title, t.intParams, t.realParams, t.textParams, t.name);
+    t.version = static_cast<std::uint16_t>(version);
+    // A zero in the file would keep what the record held.
+    for (const int zeroKeeps : {490, 492}) t.intParams[zeroKeeps] |= 1;
+    t.nameLength = 1 + upTo(255);
+  }
+  // Everything but path, version and params.
+  void material(oldtorvio::OldMaterial& m) {
+    m.name = letters(most_ == 0 ? 0 : upTo(40) == 0 ? 10000 : upTo(30));
+    some(m.entryList, [&] {
+      oldtorvio::MaterialEntry e;
+      bits(e.entryKey, e.entryText);
+      return e;
+    });
+    toolSetTable(m.toolSets);
+    palette(m.palette);
+    bits(m.stages.stageWord1, m.stages.stageWord2, m.stages.stageTail);
+    for (oldtorvio::MotionBlock& block : m.stages.blocks) block = motionBlock();
+    ruleLists(m.rules);
+    bits(m.modeA, m.modeB, m.modeC);
+    if (m.modeB == 6) m.modeB = 10;
+    bits(m.setting1, m.setting2, m.setting3, m.setting4, m.setting5, m.setting6, m.setting7, m.setting8, m.setting9,
+         m.setting10, m.setting11, m.setting12, m.setting13, m.setting14, m.setting15, m.setting16, m.setting17,
+         m.setting18, m.setting19, m.setting20, m.setting21, m.setting22, m.setting23, m.setting24, m.setting25,
+         m.setting26, m.setting27, m.setting28, m.setting29, m.setting30, m.setting31, m.setting32, m.setting33,
+         m.setting34, m.setting35, m.setting36, m.setting37, m.setting38, m.setting39, m.setting40, m.setting41,
+         m.setting42, m.setting43, m.setting44, m.setting45, m.setting46, m.setting47, m.setting48, m.setting49,
+         m.setting50, m.setting51, m.setting52, m.setting53, m.setting54, m.setting55, m.setting56, m.setting57,
+         m.setting58, m.setting59, m.setting60, m.setting61, m.setting62, m.setting63, m.setting64, m.setting65,
+         m.setting66, m.setting67, m.setting68, m.setting69, m.setting70, m.setting71, m.setting72, m.setting73,
+         m.setting74, m.setting75, m.setting76, m.setting77, m.setting78, m.setting79, m.setting80, m.setting81,
+         m.setting82, m.setting83, m.setting84, m.setting85, m.setting86, m.setting87, m.setting88, m.setting89,
+         m.setting90, m.setting91, m.setting92, m.setting93, m.setting94, m.setting95, m.setting96, m.setting97,
+         m.setting98, m.setting99, m.setting100, m.setting101, m.setting102, m.setting103, m.setting104, m.setting105,
+         m.setting106, m.setting107, m.setting108, m.setting109, m.setting110, m.setting111, m.setting112, m.setting113,
+         m.setting114, m.setting115, m.setting116, m.setting117, m.setting118, m.setting119, m.setting120, m.setting121,
+         m.setting122, m.setting123, m.setting124, m.setting125, m.setting126, m.setting127, m.setting128, m.setting163,
+         m.setting164, m.setting165, m.setting166);
+    std::int32_t* const choices[8] = {&m.choice1, &m.choice2, &m.choice3, &m.choice4,
+                                      &m.choice5, &m.choice6, &m.choice7, &m.choice8};
+    static constexpr int kLimits[8] = {4, 8, 4, 6, 8, 4, 6, 8};
+    for (int i = 0; i < 8; ++i) *choices[i] = (flip() ? 1000 : 0) + upTo(kLimits[i]);
+    m.settingListCount = static_cast<std::int16_t>(countUpTo(6));
+    for (oldtorvio::SettingList& list : m.settingLists) list = settingList();
+    bits(m.head.headWords, m.head.headWord11, m.head.headTail1, m.head.headTail2, m.head.headTail3);
+    program(m.head.optionA);
+    programEx(m.head.optionB);
+  }
+  void machine(oldtorvio::OldMachine& m, int version) {
+    // A save tells this width of every text, whatever the record says.
+    m.textWidth = m.secondTextWidth = 256;
+    m.shapesPresent = 0;
+    m.smallValue = upTo(127);
+    bits(m.machineText1, m.machineKind, m.limitA, m.limitB, m.limitC, m.limitWord, m.secondText, m.sizeX, m.sizeY,
+         m.clampValue1, m.clampValue2, m.clampWord, m.machineText2, m.machineText3, m.stationWord, m.blockA, m.blockB,
+         m.gridWord1, m.gridAngle, m.gridWord3, m.segmentBox, m.gridFlag1, m.gridFlag2, m.ncPath, m.ncExtension,
+         m.wideValue1, m.wideValue2, m.lateByteA, m.lateWord8, m.flagTriple, m.triadWord1, m.triadWord2, m.triads,
+         m.unitWord, m.numberColumns, m.displayName, m.displayTail, m.lateWord1, m.lateWord2, m.lateWord3, m.lateWord4,
+         m.lateWord5, m.lateText1, m.lateWord6, m.lateText2, m.lateExtension, m.lateWord7, m.lateByteB, m.lateByteC,
+         m.setupWords, m.endText1, m.endWord, m.endText2);
+    bits(m.machineWord1, m.machineWord2, m.machineWord3, m.machineWord4, m.machineWord5, m.machineWord6, m.machineWord7,
+         m.machineWord8, m.machineWord9, m.machineWord10, m.machineWord11, m.machineWord12, m.machineWord13,
+         m.machineWord14, m.machineWord15, m.machineWord16, m.machineWord17, m.machineWord18, m.machineWord19,
+         m.machineWord20, m.machineWord21, m.machineWord22, m.machineWord23, m.machineWord24, m.machineWord25,
+         m.machineWord26, m.machineWord27, m.machineWord28, m.machineWord29, m.machineWord30, m.machineWord31,
+         m.machineWord32, m.machineWord33, m.machineWord34, m.machineWord35, m.machineWord36, m.machineWord37,
+         m.machineWord38, m.machineWord39, m.machineWord40, m.machineWord41, m.machineWord42, m.machineWord43,
+         m.machineWord44, m.machineWord45, m.machineWord46, m.machineWord47, m.machineWord48, m.machineWord49,
+         m.machineWord50, m.machineWord51, m.machineWord52, m.machineWord53, m.machineWord54, m.machineWord55,
+         m.machineWord56, m.machineWord57, m.machineWord58, m.machineWord59, m.machineWord60, m.machineWord61,
+         m.machineWord62, m.machineWord63, m.machineWord64, m.machineWord65, m.machineWord66, m.machineWord67,
+         m.machineWord68, m.machineWord69, m.machineWord70, m.machineWord71, m.machineWord72, m.machineWord73,
+         m.machineWord74, m.machineWord75, m.machineWord76, m.machineWord77, m.machineWord78, m.machineWord79,
+         m.machineWord80, m.machineWord81, m.machineWord82, m.machineWord83, m.machineWord84, m.machineWord85,
+         m.machineWord86, m.machineWord87, m.machineWord88, m.machineWord89, m.machineWord90, m.machineWord91,
+         m.machineWord92, m.machineWord93, m.machineWord94, m.machineWord95, m.machineWord96, m.machineWord97,
+         m.machineWord98, m.machineWord99, m.machineWord100, m.machineWord101, m.machineWord102, m.machineWord103,
+         m.machineWord104, m.machineWord105, m.machineWord106, m.machineWord107, m.machineWord108, m.machineWord109,
+         m.machineWord110, m.machineWord111, m.machineWord112, m.machineWord113, m.machineWord114, m.machineWord115,
+         m.machineWord116, m.machineWord117, m.machineWord118, m.machineWord119, m.machineWord120, m.machineWord121,
+         m.machineWord122, m.machineWord123, m.machineWord124, m.machineWord125, m.machineWord126, m.machineWord127,
+         m.machineWord128, m.machineWord129, m.machineWord130, m.machineWord131, m.machineWord132);
+    // One nearer to zero becomes the sizeX.
+    if (std::fabs(static_cast<double>(m.machineWord1)) < 0.0001) m.machineWord1 = 0.5F;
+    m.limitsPresent = static_cast<std::uint8_t>(upTo(2));
+    m.secondTextPresent = static_cast<std::uint8_t>(upTo(2));
+    bits(m.frame.frameValue1, m.frame.frameValue2, m.frame.frameValue3, m.frame.frameValue4, m.frame.frameValue5,
+         m.frame.frameValue6, m.frame.frameValue7, m.frame.frameValue8, m.frame.frameValue9, m.frame.frameValue10,
+         m.frame.frameValue11);
+    m.clampInfo = clampInfo();
+    bits(m.workArea.areaValues, m.workArea.areaTail);
+    m.stationsA = stationList();
+    m.stationsB = stationList();
+    m.stationsC = stationList();
+    m.blockMode = static_cast<std::uint32_t>(upTo(3));
+    m.gridMode = upTo(3);
+    grid(m.gridA);
+    grid(m.gridB);
+    some(m.segments, [&] {
+      oldtorvio::GridSegment s;
+      bits(s.segmentHead, s.segmentValue, s.segmentWord, s.segmentKind);
+      return s;
+    });
+    m.hasExtension = upTo(3) - 1;
+    extension(m.extension);
+    m.programMode = upTo(3);
+    program(m.programA);
+    programEx(m.programB);
+    program(m.programC);
+    programEx(m.programD);
+    m.stepListPresent = upTo(2) - 1;
+    some(m.stepTables, [&] { return stepTable(); });
+    material(m.material);
+    m.triadCount = countUpTo(most_ == 0 ? 0 : 255);
+    unitTable(m.unitTable);
+    for (auto* column : {&m.textColumnA, &m.textColumnB})
+      for (std::string& text : *column) text = letters(flip() ? 256 : upTo(12));
+    m.setup3.clampInfo = clampInfo();
+    bits(m.setup3.sizeX, m.setup3.sizeY, m.setup3.clampValue1, m.setup3.clampValue2, m.setup3.machineWord91,
+         m.setup3.machineWord92);
+    settle(m, version);
+  }
+  oldtorvio::OldToolInventory toolInventory() {
+    oldtorvio::OldToolInventory v;
+    bits(v.pairFirst, v.pairSecond);
+    some(v.tools, [&] { return tool(); });
+    some(v.entries, [&] {
+      oldtorvio::InventoryEntry e;
+      bits(e.entryWord, e.entryNameA, e.entryByteA, e.entryByteB, e.entryNameB, e.entryShortA, e.entryShortB,
+           e.entryNameC, e.entryHead, e.entryLateWord, e.entryLateReals);
+      e.entrySteps = stepTable();
+      return e;
+    });
+    some(v.specialToolFiles, [&] {
+      std::array<char, 256> file;
+      bits(file);
+      return file;
+    });
+    return v;
+  }
+  oldtorvio::OldMacro macro() {
+    oldtorvio::OldMacro m;
+    bits(m.macroHead, m.macroHeadSecond, m.macroHeadWord, m.macroBlock, m.macroBlockLong, m.macroTailWords);
+    m.shapes = settledShapeList();
+    some(m.items, [&] { return item(); });
+    m.stationList = stationList();
+    return m;
+  }
+
   template <class List, class Make>
   void some(List& list, Make&& make) {
     list.clear();
@@ -226,6 +383,145 @@ class RandomRecords {
   void fillBits(void* to, std::size_t size) {
     auto* at = static_cast<unsigned char*>(to);
     for (std::size_t i = 0; i < size; ++i) at[i] = static_cast<unsigned char>(engine_());
+  }
+
+  // A count as files hold them: none below 1.
+  int countUpTo(int most) { return upTo(4) == 0 ? -upTo(3) : upTo(most); }
+  std::string letters(int length) {
+    std::string text;
+    for (; length > 0; --length) text += static_cast<char>('!' + upTo(90));
+    return text;
+  }
+  oldtorvio::ShapeList settledShapeList() {
+    oldtorvio::ShapeList l = shapeList();
+    for (oldtorvio::Shape& s : l.shapes) s.rangeValue = s.auxValue4;
+    return l;
+  }
+  oldtorvio::SettingList settingList() {
+    oldtorvio::SettingList l;
+    some(l, [&] {
+      oldtorvio::SettingEntry e;
+      bits(e.entryWord1, e.entryWord2, e.entryWide, e.entryText, e.entryWord3);
+      return e;
+    });
+    return l;
+  }
+  void toolSetTable(oldtorvio::MaterialToolSetTable& t) {
+    bits(t.toleranceA, t.toleranceB, t.toleranceC, t.toleranceD);
+    t.setCount = countUpTo(6);
+    for (oldtorvio::MaterialToolSet& s : t.sets) {
+      bits(s.setWord1, s.setWord2, s.setWord3, s.setWord4, s.setWord5, s.setWord6);
+      s.stepsA = stepTable();
+      s.stepsB = stepTable();
+    }
+  }
+  void palette(oldtorvio::MaterialPalette& p) {
+    bits(p.paletteMode, p.red, p.green, p.blue);
+    p.colourCount = static_cast<std::int16_t>(countUpTo(20));
+    p.groupCount = static_cast<std::int16_t>(countUpTo(5));
+    for (auto* list : {&p.listA, &p.listB, &p.listC}) *list = settingList();
+    for (auto* groups :
+         {&p.groupsA, &p.groupsB, &p.groupsC, &p.groupsD, &p.groupsE, &p.groupsF, &p.groupsG, &p.groupsH})
+      for (oldtorvio::SettingGroup& g : *groups) {
+        bits(g.groupWord);
+        g.groupList = settingList();
+      }
+  }
+  oldtorvio::AngleRule angleRule(int mostAngles) {
+    oldtorvio::AngleRule r;
+    bits(r.ruleCode, r.ruleValues, r.ruleAngles, r.sizeLimitX, r.sizeLimitY);
+    r.angleCount = static_cast<std::int8_t>(upTo(mostAngles + 3) - 3);
+    return r;
+  }
+  oldtorvio::SizeRule sizeRule() {
+    oldtorvio::SizeRule r;
+    bits(r.sizeValue1, r.sizeValue2, r.sizeValue3, r.sizeValue4, r.sizeValue5, r.sizeValue6, r.sizeFlagA, r.sizeFlagB);
+    return r;
+  }
+  void ruleLists(oldtorvio::MaterialRuleLists& l) {
+    bits(l.ruleFlag1, l.ruleFlag2, l.ruleFlag3, l.ruleFlag4, l.ruleWord1, l.ruleWord2, l.ruleAngle1, l.ruleAngle2);
+    // A load adds the default rules behind any other number.
+    l.angleRules.clear();
+    for (int i = 0; i < 6; ++i) l.angleRules.push_back(angleRule(10));
+    some(l.pairRules, [&] { return angleRule(5); });
+    some(l.sizeRulesA, [&] { return sizeRule(); });
+    some(l.sizeRulesB, [&] { return sizeRule(); });
+  }
+  void program(oldtorvio::ShapeProgram& p) {
+    bits(p.programWord1, p.programWord2, p.programWord3, p.programWord4, p.programWord5, p.programWord6,
+         p.programValue1, p.programValue2, p.programValue3, p.programValue4, p.programWord7);
+    some(p.programGroups, [&] {
+      oldtorvio::ShapeProgramGroup g;
+      g.groupShapes = settledShapeList();
+      some(g.groupQuads, [&] {
+        oldtorvio::GroupQuad q;
+        bits(q.quadWords);
+        return q;
+      });
+      some(g.groupSlots, [&] { return slot(); });
+      some(g.groupSteps, [&] { return stepTable(); });
+      return g;
+    });
+  }
+  void programEx(oldtorvio::ShapeProgramEx& p) {
+    program(p);
+    bits(p.extFlag1, p.extValue1, p.extValue2, p.extFlag2, p.extValue3, p.extFlag3);
+  }
+  oldtorvio::ClampInfo clampInfo() {
+    oldtorvio::ClampInfo c;
+    bits(c.clampWord1, c.clampWord2, c.clampWord3, c.clampWord4, c.clampPositions, c.clampSpacing);
+    c.clampCount = countUpTo(8);
+    return c;
+  }
+  void grid(oldtorvio::MachineGrid& g) {
+    bits(g.gridHead1, g.gridHead2, g.cellSizeX, g.cellSizeY, g.gridValue1, g.gridValue2);
+    g.gridWidth = upTo(65535);
+    g.cellByteCount = 1 + (most_ > 0 && upTo(30) == 0 ? upTo(39999) : upTo(most_ == 0 ? 9 : 99));
+    fillBits(g.gridCells.data(), static_cast<std::size_t>(g.cellByteCount));
+  }
+  void extension(oldtorvio::MachineExtension& e) {
+    bits(e.extensionValue1, e.extensionValue2, e.extensionValue3, e.extensionValue4, e.extensionValue5,
+         e.extensionValue6, e.extensionValue7, e.extensionValue8, e.extensionValue9, e.extensionValue10,
+         e.extensionValue11, e.extensionValue12, e.extensionValue13, e.extensionValue14, e.extensionValue15,
+         e.extensionValue16, e.extensionValue17, e.extensionValue18, e.extensionValue19, e.extensionValue20,
+         e.extensionValue21, e.extensionValue22, e.extensionValue23, e.extensionValue24, e.extensionValue25,
+         e.extensionValue26, e.extensionValue27, e.extensionValue28, e.extensionValue29, e.extensionValue30,
+         e.extensionValue31, e.extensionValue32, e.extensionValue33, e.extensionValue34, e.extensionValue35,
+         e.extensionValue36, e.extensionValue37, e.extensionValue38, e.extensionValue39, e.extensionValue40,
+         e.extensionValue41, e.extensionValue42, e.extensionValue43, e.extensionValue44, e.extensionValue45,
+         e.extensionValue46, e.extensionValue47, e.extensionValue48, e.extensionValue49, e.extensionValue50);
+    some(e.extensionWords, [&] { return static_cast<std::int32_t>(engine_()); });
+  }
+  void unitTable(oldtorvio::MachineUnitTable& t) {
+    bits(t.unitFlag1, t.unitFlag2, t.unitValue1, t.unitValue2, t.unitValue3, t.unitValue4, t.unitValue5, t.unitValue6,
+         t.unitValue7, t.unitValue8, t.unitValue9, t.unitValue10, t.unitValue11, t.unitValue12, t.unitValue13,
+         t.unitValue14, t.unitValue15, t.unitValue16, t.unitValue17, t.unitValue18, t.unitValue19, t.unitValue20,
+         t.unitValue21, t.unitValue22, t.unitFlag4, t.unitFlag5);
+    some(t.units, [&] {
+      oldtorvio::MachineUnit u;
+      bits(u.unitKey1, u.unitKey2);
+      some(u.unitEntries, [&] {
+        oldtorvio::MachineUnitEntry e;
+        bits(e.entryValue1, e.entryValue2, e.entryValue3, e.entryValue4, e.entryValue5, e.entryValue6, e.entryValue7,
+             e.entryValue8);
+        return e;
+      });
+      return u;
+    });
+  }
+  static void settle(oldtorvio::OldMachine& m, int version) {
+    const float larger = std::max(m.workArea.areaValues[0], m.workArea.areaValues[1]);
+    if (larger > m.limitB) m.limitB = larger;
+    m.limitA = m.limitB;
+    m.setup2 = {m.sizeX, m.sizeY, m.clampInfo, m.clampValue1, m.clampValue2, m.machineWord91, m.machineWord92};
+    if (version < 154) m.setup3 = m.setup2;
+    // A save stores these at every version, a load takes none of them.
+    if (version < 152) m.lateByteC = 0;
+    if (version < 151) {
+      m.machineWord124 = m.machineWord126 = m.machineWord128 = m.machineWord131 = m.machineWord132 = 0;
+      m.machineWord125 = m.machineWord127 = 1.5F;
+      m.machineWord129 = m.machineWord130 = 1;
+    }
   }
 
   std::mt19937 engine_;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "src/map/format_table.h"
 #include "src/part/part_io.h"
 #include "tests/support/files.h"
 #include "tests/support/part_files.h"
@@ -88,11 +89,21 @@ TEST_F(Torvio, FileOfNoKindIsToldSo) {
       << run.output;
 }
 
+TEST_F(Torvio, FormatPrintsTheTableOfAKindOrOfARecord) {
+  const Outcome kind = torvio("format macro");
+  EXPECT_EQ(kind.code, 0);
+  EXPECT_EQ(kind.output, oldtorvio::map::formatTable(oldtorvio::map::FileKind::macro));
+  const Outcome record = torvio("format clamp-info");
+  EXPECT_EQ(record.code, 0);
+  EXPECT_EQ(record.output, oldtorvio::map::recordTable("clamp-info"));
+  EXPECT_NE(record.output, "");
+}
+
 TEST_F(Torvio, MisuseGivesTwoAndHelpZero) {
-  for (const char* arguments :
-       {"", "map", "check", "nonsense", "map a b", "check --kind nonsense x", "check --nonsense x"})
+  for (const char* arguments : {"", "map", "check", "nonsense", "map a b", "check --kind nonsense x",
+                                "check --nonsense x", "format", "format nonsense", "format macro part"})
     EXPECT_EQ(torvio(arguments).code, 2) << arguments;
-  for (const char* arguments : {"--help", "map --help", "check --help", "--version"}) {
+  for (const char* arguments : {"--help", "map --help", "check --help", "format --help", "--version"}) {
     const Outcome run = torvio(arguments);
     EXPECT_EQ(run.code, 0) << arguments;
     EXPECT_FALSE(run.output.empty());

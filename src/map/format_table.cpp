@@ -1,0 +1,186 @@
+#include "src/map/format_table.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "src/machine/machine_layout.h"
+#include "src/map/format_teller.h"
+#include "src/material/material_layout.h"
+#include "src/part/old_part_layout.h"
+#include "src/part/part_layout.h"
+#include "src/tooling/inventory_layout.h"
+#include "src/tooling/macro_layout.h"
+#include "src/tooling/special_tool_layout.h"
+
+namespace oldtorvio::map {
+
+// Records that several kinds of file embed, and those that stand in one kind more than once.
+template <>
+inline constexpr std::string_view kTableOf<Shape> = "shape";
+template <>
+inline constexpr std::string_view kTableOf<ShapeList> = "shape list";
+template <>
+inline constexpr std::string_view kTableOf<OldTool> = "tool";
+template <>
+inline constexpr std::string_view kTableOf<ToolStation> = "tool station";
+template <>
+inline constexpr std::string_view kTableOf<ToolStationList> = "tool station list";
+template <>
+inline constexpr std::string_view kTableOf<ProcessSlot> = "process slot";
+template <>
+inline constexpr std::string_view kTableOf<StepTable> = "step table";
+template <>
+inline constexpr std::string_view kTableOf<SetupEntry> = "setup entry";
+template <>
+inline constexpr std::string_view kTableOf<SetupList> = "setup list";
+template <>
+inline constexpr std::string_view kTableOf<MotionBlock> = "motion block";
+template <>
+inline constexpr std::string_view kTableOf<ProfileRecord> = "profile";
+template <>
+inline constexpr std::string_view kTableOf<PatternItem> = "pattern item";
+template <>
+inline constexpr std::string_view kTableOf<WorkEntry> = "work entry";
+template <>
+inline constexpr std::string_view kTableOf<MarkEntry> = "mark";
+template <>
+inline constexpr std::string_view kTableOf<Pattern> = "pattern";
+template <>
+inline constexpr std::string_view kTableOf<TorvPart> = "part body";
+template <>
+inline constexpr std::string_view kTableOf<ParamTable> = "parameter table";
+template <>
+inline constexpr std::string_view kTableOf<OldMaterial> = "material body";
+template <>
+inline constexpr std::string_view kTableOf<ShapeProgram> = "shape program";
+template <>
+inline constexpr std::string_view kTableOf<ShapeProgramEx> = "extended shape program";
+template <>
+inline constexpr std::string_view kTableOf<SettingEntry> = "setting entry";
+template <>
+inline constexpr std::string_view kTableOf<SettingGroup> = "setting group";
+template <>
+inline constexpr std::string_view kTableOf<MaterialToolSet> = "tool set";
+template <>
+inline constexpr std::string_view kTableOf<AngleRule> = "angle rule";
+template <>
+inline constexpr std::string_view kTableOf<SizeRule> = "size rule";
+template <>
+inline constexpr std::string_view kTableOf<ClampInfo> = "clamp info";
+template <>
+inline constexpr std::string_view kTableOf<MachineGrid> = "machine grid";
+template <>
+inline constexpr std::string_view kTableOf<MachineExtension> = "machine extension";
+template <>
+inline constexpr std::string_view kTableOf<MachineUnitTable> = "unit table";
+
+namespace {
+
+template <class Record, class... A>
+void walkFresh(FormatTeller& teller, const A&... more) {
+  const auto record = std::make_unique<Record>();
+  (void)teller.whole(*record, more...);
+}
+
+template <class OldPart>
+void walkOldPart(FormatTeller& teller) {
+  const auto part = std::make_unique<TorvPart>();
+  // A list for an index that a file gives; its last place tells itself by its name.
+  constexpr std::size_t kShapes = 3001;
+  part->shapes.shapes.resize(kShapes);
+  teller.call(kShapes - 1, "the last of shapes");
+  OldPart old{*part};
+  (void)teller.whole(old);
+}
+
+void walkMachine(FormatTeller& teller) {
+  const auto machine = std::make_unique<OldMachine>();
+  machine->textWidth = teller.numberCalled("textWidth");
+  machine->secondTextWidth = machine->textWidth;
+  ShapeList shapes;
+  (void)teller.whole(*machine, MachineForm<ShapeList>{&shapes});
+}
+
+void walkMaterial(FormatTeller& teller) {
+  const auto record = std::make_unique<OldMaterial>();
+  OldMaterial& material = *record;
+  (void)teller.record(F(material.params));
+  (void)teller.whole(material);
+}
+
+struct RecordTable {
+  std::string_view name;
+  void (*walk)(FormatTeller&);
+  FormatTeller::Place place = FormatTeller::Place::open;
+};
+
+constexpr std::array kRecords{
+    RecordTable{"part-2-3", walkOldPart<frame::Version3Part>},
+    RecordTable{"part-5", walkOldPart<frame::Version5Part>},
+    RecordTable{"pattern", [](FormatTeller& t) { walkFresh<Pattern>(t, false); }},
+    RecordTable{"parameter-table", [](FormatTeller& t) { walkFresh<ParamTable>(t); }},
+    RecordTable{"material-body", [](FormatTeller& t) { walkFresh<OldMaterial>(t); }},
+    RecordTable{"setting-entry", [](FormatTeller& t) { walkFresh<SettingEntry>(t); }},
+    RecordTable{"setting-group", [](FormatTeller& t) { walkFresh<SettingGroup>(t); }},
+    RecordTable{"tool-set", [](FormatTeller& t) { walkFresh<MaterialToolSet>(t); }},
+    RecordTable{"angle-rule", [](FormatTeller& t) { walkFresh<AngleRule>(t, false); }},
+    RecordTable{"size-rule-a", [](FormatTeller& t) { walkFresh<SizeRule>(t, SizeRuleForm::a); },
+                FormatTeller::Place::given},
+    RecordTable{"size-rule-b", [](FormatTeller& t) { walkFresh<SizeRule>(t, SizeRuleForm::b); },
+                FormatTeller::Place::given},
+    RecordTable{"shape-program", [](FormatTeller& t) { walkFresh<ShapeProgram>(t); }},
+    RecordTable{"extended-shape-program", [](FormatTeller& t) { walkFresh<ShapeProgramEx>(t); }},
+    RecordTable{"clamp-info", [](FormatTeller& t) { walkFresh<ClampInfo>(t); }},
+    RecordTable{"machine-grid", [](FormatTeller& t) { walkFresh<MachineGrid>(t); }},
+    RecordTable{"machine-extension", [](FormatTeller& t) { walkFresh<MachineExtension>(t); }},
+    RecordTable{"unit-table", [](FormatTeller& t) { walkFresh<MachineUnitTable>(t); }},
+};
+
+void walkBody(FileKind kind, FormatTeller& teller) {
+  switch (kind) {
+    case FileKind::part:
+      return walkFresh<TorvPart>(teller, PartForm{});
+    case FileKind::groupPart: {
+      std::vector<TorvPart> parts;
+      frame::GroupPartFile<std::vector<TorvPart>> file{parts};
+      (void)teller.whole(file);
+      return;
+    }
+    case FileKind::specialTool:
+      return walkFresh<OldSpecialTool>(teller);
+    case FileKind::machine:
+      return walkMachine(teller);
+    case FileKind::material:
+      return walkMaterial(teller);
+    case FileKind::toolInventory:
+      return walkFresh<OldToolInventory>(teller);
+    default:
+      return walkFresh<OldMacro>(teller);
+  }
+}
+
+}  // namespace
+
+std::string formatTable(FileKind kind) {
+  const auto walk = [kind](FormatTeller& teller) {
+    std::int16_t version = 0;
+    (void)teller.fields(F(version));
+    walkBody(kind, teller);
+  };
+  // A part body says much by its place, and that of a part file is known.
+  return FormatTeller::table(walk, kind == FileKind::part ? FormatTeller::Place::given : FormatTeller::Place::open);
+}
+
+std::string recordTable(std::string_view name) {
+  const auto found = std::find_if(kRecords.begin(), kRecords.end(), [&](const auto& one) { return one.name == name; });
+  return found == kRecords.end() ? std::string() : FormatTeller::table(found->walk, found->place);
+}
+
+std::vector<std::string_view> recordNames() {
+  std::vector<std::string_view> names;
+  for (const RecordTable& one : kRecords) names.push_back(one.name);
+  return names;
+}
+
+}  // namespace oldtorvio::map

@@ -1,0 +1,215 @@
+#include "src/map/format_teller.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <iterator>
+
+namespace oldtorvio::map {
+namespace {
+
+struct Numbered {
+  std::string stem;
+  int number = -1;  // none
+};
+
+Numbered numbered(const std::string& name) {
+  std::size_t digits = name.size();
+  while (digits > 0 && std::isdigit(static_cast<unsigned char>(name[digits - 1])) != 0) --digits;
+  if (digits == name.size() || digits == 0 || name.size() - digits > 6) return {name, -1};
+  return {name.substr(0, digits), std::stoi(name.substr(digits))};
+}
+
+bool follows(const std::string& name, const std::string& before) {
+  const Numbered one = numbered(name), other = numbered(before);
+  return other.number >= 0 && one.stem == other.stem && one.number == other.number + 1;
+}
+
+// "word1, word2, word3, tail" is "word1 to word3, tail".
+std::string joinNames(const std::vector<std::string>& names) {
+  constexpr std::size_t kShortestRun = 3;
+  std::string all;
+  for (std::size_t i = 0; i < names.size();) {
+    std::size_t end = i + 1;
+    while (end < names.size() && follows(names[end], names[end - 1])) ++end;
+    if (end - i < kShortestRun) end = i + 1;
+    all.append(all.empty() ? "" : ", ").append(names[i]);
+    if (end - i > 1) all.append(" to ").append(names[end - 1]);
+    i = end;
+  }
+  return all;
+}
+
+// Which of the values say yes, in words: they are in order, and a run at an end of them goes on.
+std::string valuesText(const std::vector<std::int64_t>& values, const std::vector<bool>& yes, bool isSigned) {
+  const auto noes = std::count(yes.begin(), yes.end(), false);
+  const auto onlyNo = std::find(yes.begin(), yes.end(), false);
+  const bool noIsInside = onlyNo != yes.end() - 1 && (!isSigned || onlyNo != yes.begin());
+  if (noes == 1 && noIsInside) return "not " + std::to_string(values[static_cast<std::size_t>(onlyNo - yes.begin())]);
+  std::string all;
+  for (std::size_t i = 0; i < values.size();) {
+    std::size_t end = i;
+    while (end < values.size() && yes[end]) ++end;
+    if (end > i) {
+      const std::string first = std::to_string(values[i]), last = std::to_string(values[end - 1]);
+      std::string run = end - i == 1 ? first : end - i == 2 ? first + " or " + last : first + " to " + last;
+      if (end == values.size()) run = values[i] == 1 ? "above 0" : first + " or above";
+      if (i == 0 && isSigned) run = values[end - 1] == -1 ? "below 0" : last + " or below";
+      all.append(all.empty() ? "" : ", ").append(run);
+    }
+    i = std::max(end, i + 1);
+  }
+  return all;
+}
+
+constexpr const char* kUnknownQuestion = "depends on earlier fields or on where it stands";
+
+}  // namespace
+
+std::string FormatTeller::table(const Walk& walk, Place place) {
+  FormatTeller teller(learnQuestions(walk, place));
+  walk(teller);
+  return teller.markdown();
+}
+
+// The first field, which may be a version that chooses a layout, is tried with many values, the
+// others with the few that flags, counts and modes have.
+std::vector<FormatTeller::Question> FormatTeller::learnQuestions(const Walk& walk, Place place) {
+  constexpr std::int64_t kLowest = -2, kHighest = 3, kHighestOfTheFirst = 600;
+  FormatTeller first(Probe{});
+  walk(first);
+  std::vector<Question> questions;
+  for (const bool stored : first.answers_)
+    questions.push_back(place == Place::open ? Question{kUnknownQuestion} : Question{"", !stored});
+  std::vector<std::size_t> askers(questions.size());
+  if (questions.empty()) return questions;
+
+  for (std::size_t field = 0; field < first.wholeNumbers_; ++field) {
+    std::vector<std::int64_t> values;
+    std::vector<std::vector<bool>> answers;
+    std::string name;
+    bool isSigned = false;
+    for (std::int64_t value = kLowest; value <= (field == 0 ? kHighestOfTheFirst : kHighest); ++value) {
+      FormatTeller probe(Probe{field, value});
+      walk(probe);
+      if (probe.probed_.empty()) continue;
+      values.push_back(value);
+      answers.push_back(probe.answers_);
+      name = probe.probed_;
+      isSigned = probe.probedIsSigned_;
+    }
+    for (std::size_t k = 0; k < questions.size(); ++k) {
+      std::vector<bool> yes;
+      for (const std::vector<bool>& one : answers) yes.push_back(one[k]);
+      if (std::count(yes.begin(), yes.end(), true) % static_cast<std::ptrdiff_t>(yes.size()) == 0) continue;
+      questions[k] = {++askers[k] == 1 ? "if " + name + " is " + valuesText(values, yes, isSigned)
+                                       : std::string("depends on earlier fields")};
+    }
+  }
+  return questions;
+}
+
+FormatTeller::Question FormatTeller::ask(bool stored) {
+  if (telling()) return questions_[whens_++];
+  answers_.push_back(stored);
+  return {};
+}
+
+std::int32_t FormatTeller::numberCalled(const std::string& name) {
+  nextCalled_ += 2;
+  call(nextCalled_, name);
+  call(std::int64_t{1} + nextCalled_, "1 + " + name);
+  return nextCalled_;
+}
+
+std::int32_t FormatTeller::shortNumberCalled(const std::string& name) {
+  call(++nextShort_, name);
+  return nextShort_;
+}
+
+bool FormatTeller::isSize(std::string_view name) {
+  for (const std::string_view end : {"Count", "count", "Length", "Width", "Size"})
+    if (name.ends_with(end)) return true;
+  return false;
+}
+
+std::string FormatTeller::valueText(std::int64_t value) const {
+  const auto called = called_.find(value);
+  return called == called_.end() ? std::to_string(value) : called->second;
+}
+
+// A size that earlier values make, other than as it stands, is nought here.
+bool FormatTeller::reserved(std::size_t size) {
+  remark("reserved", sizeText(static_cast<std::int64_t>(size)) + " bytes", "dropped");
+  return true;
+}
+
+void FormatTeller::remark(const std::string& names, const std::string& stored, const std::string& condition) {
+  if (telling()) rows_.push_back({{path_ + names}, stored, conditions_, condition});
+}
+
+// Of a block each name has the path.
+std::string FormatTeller::pathOf(std::string names) const {
+  for (std::size_t at = 0; (at = names.find(", ", at)) != std::string::npos; at += path_.size() + 2)
+    names.insert(at + 2, path_);
+  return path_ + names;
+}
+
+void FormatTeller::add(std::size_t i, const std::string& stored, const std::string& told) {
+  if (!telling()) return;
+  const std::string condition = defaults_.empty() ? told : defaults_[i] + " below";
+  if (names_[i] == "itself") names_[i] = "value";
+  const bool goesOn = rows_.size() > runFrom_ && rows_.back().stored == stored && rows_.back().condition == condition;
+  if (goesOn && !stored.starts_with("block"))
+    rows_.back().names.push_back(name(i));
+  else
+    rows_.push_back({{name(i)}, stored, conditions_, condition});
+}
+
+// At the row of the field where it has just been told under the same conditions, or on its own.
+void FormatTeller::addRule(const std::string& name, const std::string& text) {
+  for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
+    if (std::find(row->names.begin(), row->names.end(), name) == row->names.end()) continue;
+    if (conditionText(row->conditions) != conditionText(conditions_)) break;
+    row->condition.append(row->condition.empty() ? "" : "; ");
+    row->condition.append(row->names.size() > 1 ? name + " " : "").append(text);
+    return;
+  }
+  rows_.push_back({{name}, "", conditions_, text});
+}
+
+// Defaults are singles and small whole numbers: six digits tell them.
+std::string FormatTeller::numberText(double value) {
+  char digits[32];
+  return {digits, std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::general, 6).ptr};
+}
+
+std::string FormatTeller::conditionText(const std::vector<Condition>& conditions) {
+  int since = 0;
+  std::vector<std::string> texts;
+  const auto isWriter = [](const Condition& one) { return one.text == kWriter; };
+  const bool writes = std::any_of(conditions.begin(), conditions.end(), isWriter);
+  for (const Condition& one : conditions) {
+    since = std::max(since, one.since);
+    if (writes && one.text == kTail) continue;
+    if (!one.text.empty() && std::find(texts.begin(), texts.end(), one.text) == texts.end()) texts.push_back(one.text);
+  }
+  std::string all = since > 0 ? "since " + std::to_string(since) : std::string();
+  for (const std::string& text : texts) all.append(all.empty() ? "" : ", ").append(text);
+  return all;
+}
+
+std::string FormatTeller::markdown() const {
+  std::string table = "| # | field | stored as | condition |\n|---|---|---|---|\n";
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    const TableRow& row = rows_[i];
+    std::string condition = conditionText(row.conditions);
+    if (!row.condition.empty()) condition.append(condition.empty() ? "" : "; ").append(row.condition);
+    table.append("| ").append(std::to_string(i + 1)).append(" | ").append(joinNames(row.names)).append(" | ");
+    table.append(row.stored).append(row.names.size() > 1 ? " each" : "").append(row.stored.empty() ? "| " : " | ");
+    table.append(condition).append(condition.empty() ? "|\n" : " |\n");
+  }
+  return table;
+}
+
+}  // namespace oldtorvio::map
