@@ -7,11 +7,30 @@
 #include <string>
 
 #include "src/frame/versions.h"
+#include "src/machine/machine_io.h"
+#include "src/material/material_io.h"
 #include "src/part/part_io.h"
+#include "src/tooling/inventory_io.h"
+#include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/random_records.h"
 
 using namespace oldtorvio;
+
+namespace {
+
+// Nothing writes these versions: a file of small numbers, so that counts are small as well.
+void oldestParts(const std::filesystem::path& folder) {
+  for (const char version : {'\2', '\3', '\5'})
+    for (const int step : {1, 2, 7}) {
+      std::string bytes{version, 0};
+      for (int i = 0; i < 700; ++i) bytes += static_cast<char>(i % step == 0 ? 1 + i % 17 : 0);
+      std::ofstream(folder / ("oldest_" + std::to_string(version) + "_" + std::to_string(step)), std::ios::binary)
+          << bytes;
+    }
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 2) {
@@ -19,7 +38,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path root(argv[1]);
-  for (const char* kind : {"part", "group_part", "special_tool"}) std::filesystem::create_directories(root / kind);
+  for (const char* kind : {"part", "group_part", "special_tool", "machine", "material", "tooling"})
+    std::filesystem::create_directories(root / kind);
 
   const auto shortened = [](const std::filesystem::path& path) {
     const auto size = std::filesystem::file_size(path);
@@ -43,10 +63,32 @@ int main(int argc, char** argv) {
       (void)SaveGroupPart((root / "group_part" / name).c_str(), list, version, 1 + random.upTo(255));
       shortened(root / "group_part" / name);
     }
+    if (version % 4 == 0 && frame::isMachineVersion(version)) {
+      testing_support::RandomRecords few(static_cast<std::uint32_t>(version), version % 8 == 0 ? 0 : 1);
+      const auto machine = std::make_unique<OldMachine>();
+      few.machine(*machine, version);
+      machine->gridMode = 0;  // cells are large and say little
+      (void)SaveMachine((root / "machine" / name).c_str(), *machine, version);
+    }
+    if (frame::isMaterialVersion(version)) {
+      testing_support::RandomRecords few(static_cast<std::uint32_t>(version), 1);
+      const auto material = std::make_unique<OldMaterial>();
+      few.material(*material);
+      material->params = {};
+      material->params.version = frame::isParamTableVersion(version) ? static_cast<std::uint16_t>(version) : 52;
+      material->params.nameLength = 4;
+      (void)SaveMaterial((root / "material" / name).c_str(), *material, version);
+      if (version % 3 == 0) shortened(root / "material" / name);
+    }
+    if (frame::isToolInventoryVersion(version))
+      (void)SaveToolInventory((root / "tooling" / (name + "_inventory")).c_str(), random.toolInventory(), version);
+    if (frame::isMacroVersion(version))
+      (void)SaveMacro((root / "tooling" / (name + "_macro")).c_str(), random.macro(), version);
     if (frame::kSpecialToolVersions.has(version)) {
       (void)SaveSpecialTool((root / "special_tool" / name).c_str(), random.specialTool(), version);
       if (version % 3 == 0) shortened(root / "special_tool" / name);
     }
   }
+  oldestParts(root / "part");
   return 0;
 }
