@@ -119,9 +119,10 @@ class Reading : public Gates<Self> {
   [[nodiscard]] bool bytesOrOne(const X& x, std::size_t size) {
     auto& text = x.only();
     if (self().has(size)) return self().sizedField(x.names, text, size);
-    for (std::size_t i = 0; i < size; ++i)
-      if (!self().indexed(x.names, i, text[i])) return i == 1 && forgive();
-    return true;
+    // Not all are there, so one of them fails.
+    std::size_t i = 0;
+    while (self().indexed(x.names, i, text[i])) ++i;
+    return i == 1 && forgive();
   }
 
   template <class X, class T>

@@ -1,0 +1,116 @@
+// The map of machines, materials, tool inventories and the oldest parts: every byte told, every fault
+// where the load has it.
+#include <gtest/gtest.h>
+
+#include "OldTorvIO.h"
+#include "src/machine/machine_io.h"
+#include "src/map/file_map.h"
+#include "src/material/material_io.h"
+#include "tests/support/files.h"
+#include "tests/support/random_records.h"
+
+namespace {
+
+using namespace oldtorvio;
+using namespace testing_support;
+using frame::MapLine;
+using map::FileKind;
+using map::FileReport;
+
+struct Told {
+  FileReport report;
+  std::uint64_t bytes = 0;  // of all lines together
+  std::string last;         // value of the last line
+};
+
+Told told(const std::string& path, FileKind kind) {
+  Told all;
+  all.report = map::mapFile(path.c_str(), kind, [&](const MapLine& line) {
+    all.bytes += line.size;
+    all.last = line.value;
+  });
+  return all;
+}
+
+// Every file cut anywhere: the map and the load agree on the status, and the map tells every byte that
+// it walked once. A step above 1 leaves out cuts of a long file.
+template <class Load>
+void expectMapFollowsLoad(const Bytes& file, FileKind kind, const Load& load, std::size_t step = 1) {
+  const TempFolder folder;
+  for (std::size_t cut = 2; cut <= file.size(); cut += cut + step > file.size() && cut < file.size()
+                                                           ? file.size() - cut
+                                                           : step) {
+    const std::string path = folder.write("f", file.cut(cut));
+    const Told map = told(path, kind);
+    const FileReport check = map::checkFile(path.c_str(), kind);
+    EXPECT_EQ(map.report.status, load(path)) << cut;
+    EXPECT_EQ(check.status, map.report.status) << cut;
+    EXPECT_EQ(check.walked, map.report.walked) << cut;
+    EXPECT_LE(map.bytes, cut) << cut;
+    EXPECT_EQ(map.report.fault.has_value(), map.report.status != 0) << cut;
+  }
+  const Told whole = told(folder.write("f", file), kind);
+  EXPECT_EQ(whole.bytes, file.size());
+}
+
+// A parameter table in the layout of that version, numbers alone and a short name of five bytes.
+Bytes shortTable(int version) {
+  Bytes file;
+  file.i16(version);
+  const std::size_t numbers = version == 502 ? (35 + 25) * 2 + (35 + 25) * 4 : version == 501 ? 35 * 2 + 35 * 4 : 48;
+  return file.zeros(numbers).text(5, "STEEL");
+}
+
+TEST(KindsMap, ShortParameterTablesAreToldAsTheyAreLoaded) {
+  for (const int version : {501, 502}) {
+    const Bytes file = shortTable(version);
+    const auto material = std::make_unique<OldMaterial>();
+    expectMapFollowsLoad(file, FileKind::material,
+                         [&](const std::string& path) { return LoadOldMaterial(path.c_str(), material.get()); });
+  }
+}
+
+TEST(KindsMap, NameOfOneByteIsToldAsTolerated) {
+  const TempFolder folder;
+  const Bytes file = shortTable(501);
+  const Told one = told(folder.write("one", file.cut(file.size() - 4)), FileKind::material);
+  EXPECT_EQ(one.report.status, 0);
+  EXPECT_NE(one.last.find("which is tolerated there"), std::string::npos) << one.last;
+  const Told two = told(folder.write("two", file.cut(file.size() - 3)), FileKind::material);
+  EXPECT_EQ(two.report.status, 1);
+  EXPECT_EQ(two.report.fault->path.find("params.name"), 0U) << two.report.fault->path;
+}
+
+TEST(KindsMap, MaterialsAndMachinesAreToldAsTheyAreLoaded) {
+  for (const int version : {61, 112, 152, 180}) {
+    RandomRecords random(static_cast<std::uint32_t>(version), 1);
+    const TempFolder folder;
+    const auto material = std::make_unique<OldMaterial>();
+    random.material(*material);
+    random.paramTable(material->params, version);
+    if (version != 152) {
+      ASSERT_EQ(SaveMaterial(folder.path("m").c_str(), *material, version), 0) << version;
+      expectMapFollowsLoad(
+          folder.read(folder.path("m")), FileKind::material,
+          [&](const std::string& path) { return LoadOldMaterial(path.c_str(), material.get()); }, 997);
+    }
+    const auto machine = std::make_unique<OldMachine>();
+    random.machine(*machine, version);
+    ASSERT_EQ(SaveMachine(folder.path("n").c_str(), *machine, version), 0) << version;
+    expectMapFollowsLoad(
+        folder.read(folder.path("n")), FileKind::machine,
+        [&](const std::string& path) { return LoadOldMachine(path.c_str(), machine.get()); }, 499);
+  }
+}
+
+TEST(KindsMap, WhatNobodyReadsOfTheOldestPartsIsTheFault) {
+  const TempFolder folder;
+  const std::string path = folder.write("old", Bytes().i16(3).zeros(4000));
+  const Told map = told(path, FileKind::part);
+  EXPECT_EQ(map.report.status, 1);
+  ASSERT_TRUE(map.report.fault);
+  EXPECT_EQ(map.report.fault->reason, "is not read in a file of this version");
+  EXPECT_EQ(map.report.fault->offset, map.report.walked);
+}
+
+}  // namespace
