@@ -23,8 +23,9 @@
  *   Process end A text that does not fit where a function says so, or an index that a function
  *               says is fatal, ends the process (abort). No file content ever does.
  *   Threads     Functions on a caller's own record may run at the same time on different records.
- *               The part builder, the current special tool, the current tool inventory and the
- *               current machine exist once in the process: one thread at a time.
+ *               The part builder, the current special tool, the current tool inventory, the
+ *               current machine and the current sheet exist once in the process: one thread at a
+ *               time.
  *   Memory      Out of memory gives status 1 in a load or query, -2 in a save, null in a Create,
  *               -1 from the part builder's adding calls (0 from AddPatIntoGroupPat).
  */
@@ -55,10 +56,12 @@ struct OldToolInventory;
 struct OldMacro;
 struct OldMaterial;
 struct OldMachine;
+struct OldSheet;
 }  // namespace oldtorvio
 using oldtorvio::OldMachine;
 using oldtorvio::OldMacro;
 using oldtorvio::OldMaterial;
+using oldtorvio::OldSheet;
 using oldtorvio::OldSpecialTool;
 using oldtorvio::OldToolInventory;
 using oldtorvio::SheetPartList;
@@ -73,6 +76,7 @@ typedef struct OldToolInventory OldToolInventory;
 typedef struct OldMacro OldMacro;
 typedef struct OldMaterial OldMaterial;
 typedef struct OldMachine OldMachine;
+typedef struct OldSheet OldSheet;
 #endif
 
 /* ---- Part files ---------------------------------------------------------------------------- */
@@ -338,6 +342,126 @@ OLDTORVIO_API int64_t GetMachineDatasForQD(const char* path, float* sizeX, float
                                            float* blockMode, float* stationMinX, float* stationMinY, float* stationMaxX,
                                            float* stationMaxY, float* area0, float* area1, float* area2,
                                            float* area3) OLDTORVIO_NOEXCEPT;
+
+/* ---- Sheets ---------------------------------------------------------------------------------------- */
+
+/* A new empty sheet ("NEW SHEET", 60 by 45, 0.048 thick), or null when there is no memory. It can be
+ * saved as it is. To be freed with DeleteSheetInfo. */
+OLDTORVIO_API OldSheet* CreateSheetInfo(void) OLDTORVIO_NOEXCEPT;
+
+/* Frees a sheet from CreateSheetInfo or GetOldSheetHandle. Null is allowed. The two are the same. */
+OLDTORVIO_API void DeleteSheetInfo(OldSheet* sheet) OLDTORVIO_NOEXCEPT;
+OLDTORVIO_API void FreeSheetHandle(OldSheet* sheet) OLDTORVIO_NOEXCEPT;
+
+/* Loads a sheet file into `sheet`. Accepted versions: 52 to 180, and 500 to 32767, which are read with
+ * the newest layout. `sheet->version` holds the version word, also when it is refused. */
+OLDTORVIO_API int64_t LoadOldSheet(const char* path, OldSheet* sheet) OLDTORVIO_NOEXCEPT;
+
+/* Saves a sheet in the layout of `version`, 52 to 180; `sheet->version` is not looked at.
+ *
+ * 0 saved; -1 for another version, which leaves a file of two bytes; -2 when the file cannot be opened
+ * or written, when the sheet holds what no file can (a width of 0, counts beyond their arrays), or for
+ * a null sheet. A sheet whose parameter table has version 0 gets an empty table of the file's version,
+ * and its machine a text width of 256 if it has none. In the record the choices of the machine's
+ * material change as told there. `sheet->blocks` with exactly one element ends the process; such a list
+ * comes only from a damaged file. */
+OLDTORVIO_API int64_t SaveOldSheet(const char* path, OldSheet* sheet, uint16_t version) OLDTORVIO_NOEXCEPT;
+
+/* Loads a sheet file into the process-wide current sheet, which nothing reads. -2 for a file that cannot
+ * be opened, 1 without a whole version word, -1 for a version that tool inventories do not have; a fault
+ * behind the version word gives 0. */
+OLDTORVIO_API int32_t LoadOldSheetInformation(const char* path) OLDTORVIO_NOEXCEPT;
+
+/* Loads a sheet file into a new sheet and stores it in *sheet. -2 for a file that cannot be opened or a
+ * null `sheet`, -1 for a version that tool inventories do not have, otherwise the status of the load;
+ * with a status other than 0 *sheet stays. To be freed with FreeSheetHandle. */
+OLDTORVIO_API int64_t GetOldSheetHandle(const char* path, OldSheet** sheet) OLDTORVIO_NOEXCEPT;
+
+/* ---- Questions about a loaded sheet ---------------------------------------------------------------- */
+
+/* One value of a loaded sheet as text. key, without regard to case:
+ *   "Material_Group", "sheet_mat_type"       the texts
+ *   "width", "height", "sheet_thickness"     as "%f"
+ *   "part_count", "sheet_sequence_size"      numbers of parts and of work entries
+ *   "partfulldosname_and_count"              for each part "%s |%d |": path, quantity
+ *   "partfulldosname_and_count_and_wonumber" for each part "%s |%d |%s |": path, quantity, work order
+ *   "partname_and_count_and_wonumber"        the same with the part's name
+ *   "part_details_01"                        for each part "%s|%f|%f|%d|%s|;|": path, width, height,
+ *                                            quantity, work order
+ *   "preSkeletonDosName"                     the name, taken as a format without values: "%%" gives
+ *                                            "%", a directive what it prints for zero or an empty
+ *                                            text; at most 259 characters
+ *   "totalSknPartCutArea"                    sum over the skeleton's cut shapes, as "%f"
+ *   "sheet_utilization"                      as "%f"
+ * The lists lose their last "|". The quantity of a part is the sum over its patterns of gridCount1 times
+ * gridCount2, in 32 bits.
+ * -2 for any null pointer, otherwise 0; an unknown key leaves `value`, which needs room for the answer. */
+OLDTORVIO_API int64_t GetOldSheetInfoByName(const OldSheet* sheet, const char* key, char* value) OLDTORVIO_NOEXCEPT;
+
+/* For each part the group ids above zero of its patterns, "%d|" each, and ",". -2 for a null sheet. */
+OLDTORVIO_API int64_t GetOldSheetInfoPartGroupIDs(const OldSheet* sheet, char* value) OLDTORVIO_NOEXCEPT;
+
+/* ---- Questions about sheet files: each loads the file, answers and forgets it ----------------------- */
+
+/* What a sheet is made of and the tools that its nest really uses.
+ *
+ * materialName, materialFile  the parameter table's name and ".mat"; room for 261 bytes
+ * other texts                 of those names; room for 261 bytes each
+ * partNames                   "," and for each part its name and ","
+ * tools                       "," and for each distinct tool, in order of first use, an item as in
+ *                             GetOldPartTool; an item equal to the one before it is left out
+ * Of these two *length is the text's length without NUL; the text is copied only if that is below the
+ * size. -2 for a file that cannot be opened, 1 without a whole version word, -1 for a version that tool
+ * inventories do not have; a fault behind the version word gives 0 and leaves all outputs. A tool number
+ * one past the last station ends the process. */
+OLDTORVIO_API int64_t GetOldSheetInfo(const char* path, char* materialName, char* materialGroup, char* materialType,
+                                      char* materialText3, char* materialText4, char* materialText5, char* machinePath,
+                                      char* sheetLabel, char* materialFile, float* width, float* height,
+                                      float* thickness, double* lateValue, char* partNames, int32_t partNamesSize,
+                                      int32_t* partNamesLength, char* tools, int32_t toolsSize,
+                                      int32_t* toolsLength) OLDTORVIO_NOEXCEPT;
+
+/* The sheet's clamps. positions: eight numbers, those of the sheet's machine; first, second and third
+ * are carried words handed out as the floats that their bits are. Results as in GetOldSheetInfo. */
+OLDTORVIO_API int64_t GetOldClampInfo(const char* path, uint32_t* word, float* first, float* second, float* third,
+                                      float* positions, uint32_t* count, float* spacing) OLDTORVIO_NOEXCEPT;
+
+/* Two of the sheet's five part texts, the third and the fifth; room for 257 bytes each. Results as in
+ * GetOldSheetInfo. */
+OLDTORVIO_API int64_t GetOldVLMQMaterialName(const char* path, char* text3, char* text5) OLDTORVIO_NOEXCEPT;
+
+/* The utilization of the plate; 0 below version 102. Results as in GetOldSheetInfo. */
+OLDTORVIO_API int64_t GetOldSkeletonUtil(const char* path, float* utilization) OLDTORVIO_NOEXCEPT;
+
+/* All 601 driver flags of a sheet of any version that LoadOldSheet accepts. The status is that of the
+ * load; the flags are set with status 0 and 1, as far as they were read (all zero before), and stay
+ * with -1 and -2. */
+OLDTORVIO_API int64_t GetSheetDriverFlags(const char* path, int32_t* flags) OLDTORVIO_NOEXCEPT;
+
+/* The number of work entries of a sheet of any version that LoadOldSheet accepts. The status is that of
+ * the load; *count is set with status 0. */
+OLDTORVIO_API int64_t GetSheetSequenceListSize(const char* path, uint32_t* count) OLDTORVIO_NOEXCEPT;
+
+/* ---- Edits of sheet files ---------------------------------------------------------------------------- */
+/* Each loads the file, changes one thing and saves it under the same path and version. What a load does
+ * not keep is lost. -2 for a file that cannot be opened, 1 without a whole version word, -1 for a version
+ * that is not one of 1, 6, 52 and those of tool inventories; behind that 0, whatever came of it: the
+ * result does not tell whether the file changed. */
+
+/* Sets the machine's NC path, unless it differs in case only. A path of 256 characters or more that
+ * would be stored ends the process. Files below version 62 do not store it. */
+OLDTORVIO_API int64_t ReplaceSheetMachineNcPath(const char* path, const char* ncPath) OLDTORVIO_NOEXCEPT;
+
+/* Empties the part list and makes the shapes of a part file the skeleton. -2 also for a part that cannot
+ * be loaded. Files below version 100 do not store a skeleton. */
+OLDTORVIO_API int64_t ReplaceSheetSknPatListWithPartPatList(const char* path, const char* partPath) OLDTORVIO_NOEXCEPT;
+
+/* Sets the work order number of each part whose path has the base name partName (with regard to case)
+ * and, unless oldNumber is null, whose number is oldNumber. -2 also if any other pointer is null. A
+ * number of 256 characters or more that would be stored ends the process. Files below version 162 do
+ * not store it. */
+OLDTORVIO_API int64_t UpdateSheetPartWONumber(const char* path, const char* partName, const char* oldNumber,
+                                              const char* newNumber) OLDTORVIO_NOEXCEPT;
 
 #ifdef __cplusplus
 }

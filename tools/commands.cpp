@@ -45,6 +45,8 @@ bool checkOne(const std::string& path, std::optional<map::FileKind> forced) {
               static_cast<unsigned long long>(report.size));
   if (report.fault)
     std::printf(", %s", describe(*report.fault).c_str());
+  else if (report.tolerated)
+    std::printf(", %s, which is tolerated", describe(*report.tolerated).c_str());
   else if (!report.endsExactly())
     std::printf(", the rest is not looked at");
   std::printf("\n");

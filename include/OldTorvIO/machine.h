@@ -20,7 +20,7 @@ struct MachineSetup {
   std::uint32_t machineWord91 = 0, machineWord92 = 0;
 };
 
-// About 170 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
+// About 150 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
 // fills its field has no NUL. Words without a stated meaning are carried.
 struct OldMachine {
   std::int16_t version = 0;    // of a machine file; the machine of a sheet keeps what it holds

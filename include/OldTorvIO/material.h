@@ -9,7 +9,7 @@
 
 namespace oldtorvio {
 
-// About 70 KiB without its lists. A material file of version 52, 60, 500, 501 or 502 stores params
+// About 62 KiB without its lists. A material file of version 52, 60, 500, 501 or 502 stores params
 // alone; a machine stores everything but path, version and params.
 struct OldMaterial {
   char path[264] = {};  // of the file that LoadOldMaterial was given, its first 263 characters

@@ -4,5 +4,6 @@
 #include "OldTorvIO/macro.h"
 #include "OldTorvIO/material.h"
 #include "OldTorvIO/part_list.h"
+#include "OldTorvIO/sheet.h"
 #include "OldTorvIO/special_tool.h"
 #include "OldTorvIO/tool_inventory.h"

@@ -56,6 +56,12 @@
 //   appendRun(n, F(v))           n elements behind what the list holds, no count stored
 //   element(F(v), i, chain)      reading only: the chain is told as entry i of v
 //   reusedElement(F(v))          as countThenClear, with one element that is read over and over
+//   forgivingRun(n, F(v))        as appendRun, but an element that fails is kept as far as it came and
+//                                the walk goes on; those that took no byte are kept up to a bound
+//   reversed(F(v))               i32 count; an element that can be read whole ends the list as a failure
+//                                and is not kept, one that cannot is kept; the writer begins with the second
+//                                element, fails behind the first that it could store whole, and ends the
+//                                process when it has none left
 //   interleaved(F(v, w))         count-first, elements of v and w in turns; v keeps one whose w failed
 //   columns(F(view))             i32 count and rows of parallel columns; below one keeps the columns
 //   rows(n, [&](auto i) {...})   n rows of parallel arrays, in place

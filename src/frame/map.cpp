@@ -140,7 +140,9 @@ void Mapper::tell(std::uint64_t size, const std::string& name, std::string value
 void Mapper::refusedHere() { fault_ = Fault{in_.position(), pathOf("rest"), "is not read in a file of this version"}; }
 
 void Mapper::forgiven() {
+  if (!fault_) return;
   remark("fails at " + fault_->path + " (" + fault_->reason + "), which is tolerated there");
+  if (!tolerated_) tolerated_ = fault_;
   fault_.reset();
 }
 

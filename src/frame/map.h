@@ -44,6 +44,8 @@ class Mapper : public Reading<Mapper> {
   Mapper(InStream& in, int version, MapSink sink) : Reading(version), in_(in), sink_(std::move(sink)) {}
 
   const std::optional<Fault>& fault() const { return fault_; }
+  // The first that the format tolerates.
+  const std::optional<Fault>& tolerated() const { return tolerated_; }
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
@@ -166,6 +168,7 @@ class Mapper : public Reading<Mapper> {
   std::int64_t row_ = 0;
   std::uint64_t lastOffset_ = 0;
   std::optional<Fault> fault_;
+  std::optional<Fault> tolerated_;
 };
 
 }  // namespace oldtorvio::frame

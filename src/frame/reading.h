@@ -159,9 +159,7 @@ class Reading : public Gates<Self> {
   }
   template <class X>
   [[nodiscard]] bool ignored(const X& x) {
-    if (this->walk(x)) return true;
-    self().forgiven();
-    stop_ = Stop::none;
+    if (!this->walk(x)) forgiveAll();
     return true;
   }
   template <class X, class Rest>
@@ -281,6 +279,35 @@ class Reading : public Gates<Self> {
     return true;
   }
   template <class X, class... A>
+  [[nodiscard]] bool forgivingRun(std::int64_t count, const X& x, const A&... more) {
+    auto& list = x.only();
+    int empty = 0;
+    for (std::int64_t i = 0; i < count && empty < kMostEmptyElements; ++i) {
+      const std::uint64_t from = self().position();
+      if (!elementAt(x, i, list.emplace_back(), more...)) forgiveAll();
+      if (self().position() == from) ++empty;
+    }
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool reversed(const X& x, const A&... more) {
+    auto& list = x.only();
+    std::int32_t count = 0;
+    list.clear();
+    if (!readCount(x, count)) return false;
+    int empty = 0;
+    for (std::int32_t i = 0; i < count && empty < kMostEmptyElements; ++i) {
+      const std::uint64_t from = self().position();
+      if (elementAt(x, i, list.emplace_back(), more...)) {
+        list.pop_back();
+        return false;
+      }
+      forgiveAll();
+      if (self().position() == from) ++empty;
+    }
+    return true;
+  }
+  template <class X, class... A>
   [[nodiscard]] bool interleaved(const X& x, const A&... more) {
     auto& [first, second] = x.members;
     using One = typename std::remove_cvref_t<decltype(first)>::value_type;
@@ -395,6 +422,20 @@ class Reading : public Gates<Self> {
   }
 
  private:
+  // The file pays for every element but for these.
+  static constexpr int kMostEmptyElements = 1024;
+
+  template <class X, class R, class... A>
+  bool elementAt(const X& x, std::int64_t i, R& element, const A&... more) {
+    self().enter(x.names, i);
+    const bool ok = whole(element, more...);
+    self().leave();
+    return ok;
+  }
+  void forgiveAll() {
+    self().forgiven();
+    stop_ = Stop::none;
+  }
   template <class X>
   bool readCount(const X& x, std::int32_t& count) {
     self().enter(x.names);

@@ -87,6 +87,8 @@ class OutStream {
   bool flush();
 
   std::span<const std::byte> bytes() const { return {buffer_.get(), used_}; }
+  // Whether anything could not be written.
+  bool failed() const { return failed_; }
   // Bytes stored so far, also those that the file has already.
   std::uint64_t position() const { return handedOver_ + used_; }
 

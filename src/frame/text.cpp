@@ -49,6 +49,8 @@ void appendFixed3(std::string& to, double value) {
   to.append(digits);
 }
 
+void appendFixed6(std::string& to, double value) { to += number(value, std::chars_format::fixed, 6); }
+
 std::string general(double value) { return number(value, std::chars_format::general, 6); }
 
 }  // namespace oldtorvio::frame

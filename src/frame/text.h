@@ -57,6 +57,11 @@ std::string_view baseName(std::string_view path);
 
 void appendInteger(std::string& to, std::int64_t value);
 void appendFixed3(std::string& to, double value);  // as "%6.3f"
+void appendFixed6(std::string& to, double value);  // as "%f"
 std::string general(double value);                 // as "%g"
+
+// What printing `format` without any values gives: a directive prints what it prints for zero or an
+// empty text, "%%" a "%", and a "%" that begins no directive is left out. At most `longest` characters.
+std::string printedWithoutValues(std::string_view format, std::size_t longest);
 
 }  // namespace oldtorvio::frame

@@ -63,6 +63,14 @@ constexpr bool isMacroVersion(int version) { return version >= kFirstMainVersion
 // Machines have no list, but the queries on the current machine take those of inventories alone.
 constexpr bool isMachineVersion(int version) { return version >= kFirstMainVersion && version <= VersionSet::kHighest; }
 constexpr bool isKnownSheetVersion(int version) { return isToolInventoryVersion(version); }
+// The edits of sheets look at the list alone.
+constexpr bool isListedSheetVersion(int version) { return kToolInventoryVersions.has(version); }
+constexpr bool isSheetVersion(int version) {
+  return version >= kFirstMainVersion && (version <= VersionSet::kHighest || version >= 500);
+}
+constexpr bool isSavedSheetVersion(int version) {
+  return version >= kFirstMainVersion && version <= VersionSet::kHighest;
+}
 
 // Group part files start here and have no list and no upper version.
 inline constexpr int kFirstGroupPartVersion = 152;

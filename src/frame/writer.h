@@ -6,6 +6,7 @@
 #include <string>
 
 #include "src/frame/describe.h"
+#include "src/frame/end_process.h"
 #include "src/frame/stream.h"
 
 namespace oldtorvio::frame {
@@ -207,6 +208,21 @@ class WriterInto : public Gates<WriterInto<Room>> {
   template <class X, class... A>
   [[nodiscard]] bool reusedElement(const X& x, const A&... more) {
     return append(x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool forgivingRun(std::int64_t, const X& x, const A&... more) {
+    return appendRun(0, x, more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool reversed(const X& x, const A&... more) {
+    const auto& list = x.only();
+    std::int32_t count = 0;
+    if (!countFor(list, count) || !fields(F(count)) || list.empty()) return list.empty();
+    // It counts from one where the list counts from zero: the last turn has no element.
+    for (std::size_t i = 1;; ++i) {
+      if (i == list.size()) EndProcess();
+      if (whole(list[i], more...) || out_.failed()) return false;
+    }
   }
   template <class X, class... A>
   [[nodiscard]] bool interleaved(const X& x, const A&... more) {

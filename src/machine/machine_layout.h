@@ -18,6 +18,7 @@ template <class Shapes>  // ShapeList, const in a writer
 struct MachineForm {
   Shapes* shapes = nullptr;      // whose trailer values may stand in the machine
   bool writeShapeFlag = false;  // the writer marks and stores them
+  std::int32_t widthOfNone = 0;  // what a textWidth of 0 counts as when the writer stores the text
 };
 
 namespace frame {
@@ -28,7 +29,7 @@ struct Layout<OldMachine> {
     std::int32_t textWidth = kTextWidth;
     return io.fields(F(textWidth))
         && io.repair(m, [&](auto& r) { r.textWidth = textWidth; })
-        && io.sized(F(m.machineText1), m.textWidth)
+        && io.sized(F(m.machineText1), m.textWidth != 0 ? m.textWidth : io.either(0, form.widthOfNone))
         && io.fields(F(m.machineKind))
         && io.padded(500, [&] { return describeHead(io, m, form, textWidth); })
         && describeTable(io, m, io.either(textWidth, kTextWidth))

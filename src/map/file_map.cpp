@@ -9,6 +9,7 @@
 #include "src/material/material_layout.h"
 #include "src/part/old_part_layout.h"
 #include "src/part/part_layout.h"
+#include "src/sheet/sheet_layout.h"
 #include "src/tooling/inventory_layout.h"
 #include "src/tooling/macro_layout.h"
 #include "src/tooling/special_tool_layout.h"
@@ -27,6 +28,7 @@ constexpr std::array kKinds{
     KindName{FileKind::material, "material"},
     KindName{FileKind::toolInventory, "tool-inventory"},
     KindName{FileKind::macro, "macro"},
+    KindName{FileKind::sheet, "sheet"},
 };
 
 bool accepts(FileKind kind, int version) {
@@ -43,8 +45,10 @@ bool accepts(FileKind kind, int version) {
       return isMaterialVersion(version);
     case FileKind::toolInventory:
       return isToolInventoryVersion(version);
-    default:
+    case FileKind::macro:
       return isMacroVersion(version);
+    default:
+      return isSheetVersion(version);
   }
 }
 
@@ -101,8 +105,10 @@ std::int64_t walkBody(FileKind kind, Io& io) {
       return walkMaterial(io);
     case FileKind::toolInventory:
       return walkRecord<OldToolInventory>(io);
-    default:
+    case FileKind::macro:
       return walkRecord<OldMacro>(io);
+    default:
+      return walkRecord<OldSheet>(io);
   }
 }
 
@@ -154,6 +160,7 @@ FileReport mapFile(const char* path, FileKind kind, const MapSink& sink) {
   }
   Mapper body(stream, *report.version, counting);
   report.status = walkBody(kind, body);
+  report.tolerated = body.tolerated();
   if (report.status != kDone)
     report.fault = body.fault();
   else if (stream.left() > 0)
@@ -170,7 +177,8 @@ FileReport checkFile(const char* path, FileKind kind) {
     if (version && accepts(kind, *version)) {
       if (!isWholeTable(kind, *version)) (void)stream.skip(sizeof(std::int16_t));
       Reader io(stream, *version);
-      if (walkBody(kind, io) == kDone) return {kDone, version, stream.position(), size, std::nullopt};
+      if (walkBody(kind, io) == kDone && !io.forgave())
+        return {kDone, version, stream.position(), size, std::nullopt, std::nullopt};
     }
   }
   return mapFile(path, kind, [](const MapLine&) {});

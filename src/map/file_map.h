@@ -10,7 +10,7 @@
 
 namespace oldtorvio::map {
 
-enum class FileKind : std::uint8_t { part, groupPart, specialTool, machine, material, toolInventory, macro };
+enum class FileKind : std::uint8_t { part, groupPart, specialTool, machine, material, toolInventory, macro, sheet };
 
 struct KindName {
   FileKind kind;
@@ -26,6 +26,7 @@ struct FileReport {
   std::uint64_t walked = 0;    // bytes up to the end of the last field
   std::uint64_t size = 0;      // bytes of the file
   std::optional<frame::Fault> fault;
+  std::optional<frame::Fault> tolerated;  // the first place where the file breaks and the load goes on
 
   bool endsExactly() const { return status == 0 && walked == size; }
 };

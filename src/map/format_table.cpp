@@ -9,6 +9,7 @@
 #include "src/material/material_layout.h"
 #include "src/part/old_part_layout.h"
 #include "src/part/part_layout.h"
+#include "src/sheet/sheet_layout.h"
 #include "src/tooling/inventory_layout.h"
 #include "src/tooling/macro_layout.h"
 #include "src/tooling/special_tool_layout.h"
@@ -52,6 +53,8 @@ template <>
 inline constexpr std::string_view kTableOf<ParamTable> = "parameter table";
 template <>
 inline constexpr std::string_view kTableOf<OldMaterial> = "material body";
+template <>
+inline constexpr std::string_view kTableOf<OldMachine> = "machine";
 template <>
 inline constexpr std::string_view kTableOf<ShapeProgram> = "shape program";
 template <>
@@ -109,6 +112,13 @@ void walkMaterial(FormatTeller& teller) {
   (void)teller.whole(material);
 }
 
+void walkSheet(FormatTeller& teller) {
+  const auto sheet = std::make_unique<OldSheet>();
+  sheet->textWidth = teller.numberCalled("textWidth");
+  sheet->clampInfo.clampCount = teller.numberCalled("clampCount");
+  (void)teller.whole(*sheet);
+}
+
 struct RecordTable {
   std::string_view name;
   void (*walk)(FormatTeller&);
@@ -118,6 +128,11 @@ struct RecordTable {
 constexpr std::array kRecords{
     RecordTable{"part-2-3", walkOldPart<frame::Version3Part>},
     RecordTable{"part-5", walkOldPart<frame::Version5Part>},
+    RecordTable{"placed-part",
+                [](FormatTeller& t) {
+                  walkFresh<TorvPart>(t, PartForm{PartForm::sheet, t.numberCalled("nameWidth")});
+                },
+                FormatTeller::Place::given},
     RecordTable{"pattern", [](FormatTeller& t) { walkFresh<Pattern>(t, false); }},
     RecordTable{"parameter-table", [](FormatTeller& t) { walkFresh<ParamTable>(t); }},
     RecordTable{"material-body", [](FormatTeller& t) { walkFresh<OldMaterial>(t); }},
@@ -155,8 +170,10 @@ void walkBody(FileKind kind, FormatTeller& teller) {
       return walkMaterial(teller);
     case FileKind::toolInventory:
       return walkFresh<OldToolInventory>(teller);
-    default:
+    case FileKind::macro:
       return walkFresh<OldMacro>(teller);
+    default:
+      return walkSheet(teller);
   }
 }
 

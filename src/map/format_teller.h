@@ -255,6 +255,14 @@ class FormatTeller {
   [[nodiscard]] bool appendRun(std::int64_t count, const X& x, const A&... more) {
     return list<0>(x, sizeText(count) + " times", more...);
   }
+  template <class X, class... A>
+  [[nodiscard]] bool forgivingRun(std::int64_t count, const X& x, const A&... more) {
+    return list<0>(x, sizeText(count) + " times, a fault changes nothing", more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool reversed(const X& x, const A&... more) {
+    return list<0>(x, "list, a sound element ends it and is dropped", more...);
+  }
   template <class X, class Fn>
   [[nodiscard]] bool element(const X& x, std::size_t, const Fn& chain) {
     begin(x.names);

@@ -1,11 +1,12 @@
 // Stored form of a part: patterns, the part extensions, the body in all its places, group files.
 #pragma once
 #include <algorithm>
-#include <limits>
+#include <cstring>
 #include <utility>
 
 #include "OldTorvIO/part_list.h"
 #include "src/frame/describe.h"
+#include "src/frame/text.h"
 #include "src/records/shape_layout.h"
 #include "src/records/small_layouts.h"
 #include "src/records/tool_layout.h"
@@ -20,7 +21,7 @@ inline bool isGroupKind(std::int32_t kind, int version) {
 // Where a part body stands, which decides what it holds beside the body proper.
 struct PartForm {
   enum Place { file, group, sheet } place = file;
-  std::int32_t nameBlockSize = 0;  // of a group file's name blocks
+  std::int32_t nameBlockSize = 0;  // of the name blocks in front of it; 0 in a sheet: there are none
   bool stopEarly = false;          // end behind the descriptions
 
   bool embedded() const { return place == sheet; }
@@ -177,9 +178,34 @@ template <>
 struct Layout<TorvPart> {
   static constexpr std::size_t kLeast = 384;
   static bool describe(auto& io, auto& p, const PartForm& form) {
-    const bool embedded = form.embedded();
     return io.when(form.place == PartForm::group, [&] { return io.sized(F(p.partName), form.nameBlockSize); })
-        && io.fields(F(p.width, p.height, p.productName, p.assemblyName, p.materialName, p.partKind, p.partWord1,
+        && io.when(form.place == PartForm::sheet && form.nameBlockSize != 0,
+                   [&] { return describePlacedPart(io, p, form); })
+        && io.when(form.place != PartForm::sheet || form.nameBlockSize == 0, [&] { return describeBody(io, p, form); });
+  }
+
+ private:
+  // In a sheet the names are blocks of their own; the record takes their texts behind the body.
+  static bool describePlacedPart(auto& io, auto& p, const PartForm& form) {
+    char partName[256] = {}, partFullDosName[256] = {};
+    std::memcpy(partName, p.partName, sizeof partName);
+    std::memcpy(partFullDosName, p.partFullDosName, sizeof partFullDosName);
+    return io.onlyRead([&](auto& reader) {
+             return reader.repair(partName, [](auto& n) { std::memset(n, 0, sizeof n); })
+                 && reader.repair(partFullDosName, [](auto& n) { std::memset(n, 0, sizeof n); });
+           })
+        && io.sized(F(partName), form.nameBlockSize)
+        && io.sized(F(partFullDosName), form.nameBlockSize)
+        && describeBody(io, p, form)
+        && io.repair(p, [&](auto& r) {
+             copyText(r.partName, partName);
+             setText(r.partFullDosName, textOf(partFullDosName));
+           });
+  }
+
+  static bool describeBody(auto& io, auto& p, const PartForm& form) {
+    const bool embedded = form.embedded();
+    return io.fields(F(p.width, p.height, p.productName, p.assemblyName, p.materialName, p.partKind, p.partWord1,
                        p.thickness, p.partWord2))
         && io.record(F(p.shapes))
         && io.record(F(p.setupList))
@@ -211,7 +237,6 @@ struct Layout<TorvPart> {
         && io.when(!form.stopEarly, [&] { return describeLatePart(io, p, embedded); });
   }
 
- private:
   static bool describeLatePart(auto& io, auto& p, bool embedded) {
     return io.clear(F(p.workList))
         && io.since(71, F(p.workKind), otherwise(2))

@@ -8,6 +8,7 @@
 #include "src/frame/entry.h"
 #include "src/frame/text.h"
 #include "src/records/tool_layout.h"
+#include "src/records/tool_text.h"
 
 namespace oldtorvio {
 namespace {
@@ -30,23 +31,6 @@ template <class Visit>
 void eachTool(const ToolStationList& list, Visit&& visit) {
   const std::size_t count = std::min(list.stations.size(), list.tools.size());
   for (std::size_t i = 0; i < count; ++i) visit(list.tools[i]);
-}
-
-void appendToolItem(std::string& to, const OldTool& tool) {
-  if (tool.shapeCode == 0) return;
-  appendInteger(to, tool.shapeCode);
-  to += ' ';
-  if (tool.shapeCode == kSpecialTool) {
-    to += baseName(textOf(tool.specialToolPath));
-    to += ' ';
-  } else {
-    for (const float dimension : {tool.dimension1, tool.dimension2, tool.dimension3}) {
-      appendFixed3(to, static_cast<double>(dimension));
-      to += ' ';
-    }
-  }
-  appendFixed3(to, static_cast<double>(tool.orientation));
-  to += ',';
 }
 
 double angleOf(const TorvPart& part) {
@@ -92,7 +76,9 @@ extern "C" int64_t GetOldPartInfo_v1(const char* path, const char* key, char* va
 extern "C" int64_t GetOldPartTool(const char* path, char* text, int32_t size, uint32_t* length) noexcept {
   return askPart(path, [&](const TorvPart& part) {
     std::string items;
-    eachTool(part.toolStations, [&](const OldTool& tool) { appendToolItem(items, tool); });
+    eachTool(part.toolStations, [&](const OldTool& tool) {
+      if (const std::string item = toolText(tool); !item.empty()) items.append(item).append(",");
+    });
     giveBoundedText(items, text, size, *length);
     return kDone;
   });

@@ -212,7 +212,8 @@ ToolStation wholeReading(const ToolStation& stored, int version, const ToolStati
 }
 
 int readStation(const Bytes& bytes, int version, ToolStation& station, std::size_t* consumed = nullptr) {
-  return readFrom(bytes, [&](InStream& s) { return ReadToolStation(s, version, station); }, consumed);
+  return readFrom(
+      bytes, [&](InStream& s) { return ReadToolStation(s, version, station); }, consumed);
 }
 Bytes writtenStation(const ToolStation& station, int version) {
   bool ok = false;
@@ -237,9 +238,9 @@ TEST(ToolStationByHand, FreshStationIsZeroButForOneReal) {
 }
 
 TEST(ToolStationByHand, TakesAsManyBytesAsItsVersionSays) {
-  const std::pair<int, std::size_t> cases[] = {{52, 83},   {59, 83},   {60, 91},   {61, 127},  {89, 127},  {90, 176},
-                                               {99, 176},  {100, 204}, {109, 204}, {110, 208}, {111, 208}, {112, 212},
-                                               {129, 212}, {130, 220}, {180, 220}};
+  const std::pair<int, std::size_t> cases[] = {{52, 83},   {59, 83},   {60, 91},   {61, 127},  {89, 127},
+                                               {90, 176},  {99, 176},  {100, 204}, {109, 204}, {110, 208},
+                                               {111, 208}, {112, 212}, {129, 212}, {130, 220}, {180, 220}};
   for (const auto& [version, size] : cases)
     EXPECT_EQ(writtenStation(distinctStation(), version).size(), size) << version;
 }
@@ -357,16 +358,35 @@ Bytes withPairs(const ToolStation& station, int version, std::int64_t count, con
 // The slots behind the first pair value, in the order in which words spill over them.
 void spill(ToolStation& to, std::size_t at, std::uint32_t word) {
   switch (at) {
-    case 0: to.pairValues[0] = std::bit_cast<float>(word); break;
-    case 1: to.pairValues[1] = std::bit_cast<float>(word); break;
-    case 2: to.wordE = word; break;
-    case 3: to.wordF = static_cast<std::int32_t>(word); break;
-    case 4: to.realF = std::bit_cast<float>(word); break;
-    case 5: to.wordG = word; break;
-    case 6: to.wordH = word; break;
-    case 7: to.wordI = word; break;
-    case 8: to.wordJ = word; break;
-    default: FAIL() << "no such slot";
+    case 0:
+      to.pairValues[0] = std::bit_cast<float>(word);
+      break;
+    case 1:
+      to.pairValues[1] = std::bit_cast<float>(word);
+      break;
+    case 2:
+      to.wordE = word;
+      break;
+    case 3:
+      to.wordF = static_cast<std::int32_t>(word);
+      break;
+    case 4:
+      to.realF = std::bit_cast<float>(word);
+      break;
+    case 5:
+      to.wordG = word;
+      break;
+    case 6:
+      to.wordH = word;
+      break;
+    case 7:
+      to.wordI = word;
+      break;
+    case 8:
+      to.wordJ = word;
+      break;
+    default:
+      FAIL() << "no such slot";
   }
 }
 
@@ -399,8 +419,7 @@ TEST(ToolStationByHand, PairValuesSpillOverTheWordsBehindThem) {
   for (const int version : {100, 109, 110, 111, 112, 129, 130, 180})
     for (std::size_t count = 0; count <= 9; ++count) {
       SCOPED_TRACE(testing::Message() << "version " << version << ", count " << count);
-      const Bytes bytes =
-          withPairs(distinctStation(), version, static_cast<std::int64_t>(count), spilledWords(count));
+      const Bytes bytes = withPairs(distinctStation(), version, static_cast<std::int64_t>(count), spilledWords(count));
       ToolStation station;
       std::size_t consumed = 0;
       EXPECT_EQ(readStation(bytes, version, station, &consumed), 0);
@@ -495,7 +514,8 @@ Bytes storedList(const ToolStationList& list, int version) {
 }
 
 int readList(const Bytes& bytes, int version, ToolStationList& list, std::size_t* consumed = nullptr) {
-  return readFrom(bytes, [&](InStream& s) { return ReadToolStationList(s, version, list); }, consumed);
+  return readFrom(
+      bytes, [&](InStream& s) { return ReadToolStationList(s, version, list); }, consumed);
 }
 Bytes writtenList(const ToolStationList& list, int version) {
   bool ok = false;
@@ -575,8 +595,8 @@ TEST(ToolStationListByHand, ReadsIntoAFreshAndIntoAUsedList) {
 }
 
 TEST(ToolStationListByHand, ModeCodeIsTheThirdHalfByteOfTheModeWord) {
-  const std::pair<std::uint32_t, std::uint32_t> cases[] = {{0, 0},           {2, 0},      {0xFF, 0},       {0x100, 1},
-                                                           {0x0A02, 10},     {0xF00, 15}, {0x1000, 0},     {0x1F00, 15},
+  const std::pair<std::uint32_t, std::uint32_t> cases[] = {{0, 0},          {2, 0},         {0xFF, 0},   {0x100, 1},
+                                                           {0x0A02, 10},    {0xF00, 15},    {0x1000, 0}, {0x1F00, 15},
                                                            {0xFFFFF5FF, 5}, {0xFFFFF0FF, 0}};
   for (const int version : {90, 99, 100, 180})
     for (const auto& [word, code] : cases) {
@@ -600,9 +620,16 @@ TEST(ToolStationListByHand, OneOrTwoExtraWordsAreReadAndNoOtherCount) {
     for (const std::int32_t count : {INT_MIN, -1, 0, 1, 2, 3, 4, INT_MAX}) {
       SCOPED_TRACE(testing::Message() << "version " << version << ", count " << count);
       const ToolStationList stored = distinctList();
-      const Bytes bytes =
-          Bytes().u32(1).u32(2).u32(3).i32(count).u32(501).add(count == 2 ? Bytes().u32(502) : Bytes()).i32(1).add(
-              formOf(stored.stations[0], version).bytes()).add(storedTool(stored.tools[0], version));
+      const Bytes bytes = Bytes()
+                              .u32(1)
+                              .u32(2)
+                              .u32(3)
+                              .i32(count)
+                              .u32(501)
+                              .add(count == 2 ? Bytes().u32(502) : Bytes())
+                              .i32(1)
+                              .add(formOf(stored.stations[0], version).bytes())
+                              .add(storedTool(stored.tools[0], version));
       ToolStationList list = distinctList(1);
       const bool good = count == 1 || count == 2;
       EXPECT_EQ(readList(bytes, version, list), good ? 0 : 1);
@@ -724,7 +751,11 @@ TEST(ToolStationListByHand, CountBeyondTheFileFails) {
 TEST(ToolStationListByHand, StationIsDefaultedWhateverTheOneBeforeItHeld) {
   // Only the first station spills over the words that version 100 does not store.
   const ToolStation stored = distinctStation();
-  const Bytes bytes = Bytes().zeros(12).i32(2).zeros(8).i32(2)
+  const Bytes bytes = Bytes()
+                          .zeros(12)
+                          .i32(2)
+                          .zeros(8)
+                          .i32(2)
                           .add(withPairs(stored, 100, 9, spilledWords(9)))
                           .add(storedTool(plainTool(1, 1), 100))
                           .add(formOf(stored, 100).bytes())

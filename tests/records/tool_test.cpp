@@ -186,7 +186,8 @@ OldTool afterReading(OldTool before, const std::vector<Field>& fields, std::size
 }
 
 int readTool(const Bytes& bytes, int version, bool pathIsStored, OldTool& tool, std::size_t* consumed = nullptr) {
-  return readFrom(bytes, [&](InStream& s) { return ReadOldTool(s, version, pathIsStored, tool); }, consumed);
+  return readFrom(
+      bytes, [&](InStream& s) { return ReadOldTool(s, version, pathIsStored, tool); }, consumed);
 }
 
 Bytes writtenTool(const OldTool& tool, int version, bool pathIsStored) {
@@ -255,8 +256,8 @@ TEST(ToolByHand, TakesAsManyBytesAsItsVersionAndCodeSay) {
     int version;
     std::size_t plain, special, specialWithPath;
   } cases[] = {
-      {52, 76, 76, 332},    {59, 76, 76, 332},    {60, 84, 84, 340},    {89, 84, 84, 340},    {90, 84, 108, 364},
-      {109, 84, 108, 364},  {110, 116, 140, 396}, {111, 380, 404, 660}, {180, 380, 404, 660},
+      {52, 76, 76, 332},   {59, 76, 76, 332},    {60, 84, 84, 340},    {89, 84, 84, 340},    {90, 84, 108, 364},
+      {109, 84, 108, 364}, {110, 116, 140, 396}, {111, 380, 404, 660}, {180, 380, 404, 660},
   };
   for (const auto& one : cases) {
     SCOPED_TRACE(one.version);

@@ -1,0 +1,66 @@
+// Edits of sheet files: read, change one thing, write back.
+#include <memory>
+#include <string_view>
+
+#include "OldTorvIO.h"
+#include "src/frame/text.h"
+#include "src/sheet/sheet_file.h"
+
+namespace oldtorvio {
+namespace {
+
+using namespace frame;
+
+// The result of the save is nobody's business, as that of a body that cannot be read.
+template <class Change>
+std::int64_t edit(const char* path, Change&& change) noexcept {
+  return withSheet(path, isListedSheetVersion, [&](OldSheet& sheet, int version) {
+    if (change(sheet)) (void)SaveOldSheet(path, &sheet, static_cast<std::uint16_t>(version));
+  });
+}
+
+}  // namespace
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+
+extern "C" int64_t ReplaceSheetMachineNcPath(const char* path, const char* ncPath) noexcept {
+  return edit(path, [&](OldSheet& sheet) {
+    if (equalNoCase(textOf(sheet.machine.ncPath), ncPath)) return false;
+    setText(sheet.machine.ncPath, ncPath);
+    return true;
+  });
+}
+
+extern "C" int64_t ReplaceSheetSknPatListWithPartPatList(const char* path, const char* partPath) noexcept {
+  const auto keepNothing = [](int) {};
+  // The sheet's version is judged before the part is looked at.
+  const std::int64_t firstLook =
+      loadFile(path, keepNothing, isListedSheetVersion, [](InStream&, int) -> std::int64_t { return kDone; });
+  if (firstLook != kDone) return firstLook;
+  return guarded(kNotOpened, [&]() -> std::int64_t {
+    const auto part = std::make_unique<TorvPart>();
+    if (LoadOldPart(partPath, part.get()) != kDone) return kNotOpened;
+    (void)edit(path, [&](OldSheet& sheet) {
+      sheet.partList.parts.clear();
+      sheet.skeletonShapes = std::move(part->shapes);
+      return true;
+    });
+    return kDone;
+  });
+}
+
+extern "C" int64_t UpdateSheetPartWONumber(const char* path, const char* partName, const char* oldNumber,
+                                           const char* newNumber) noexcept {
+  if (path == nullptr || partName == nullptr || newNumber == nullptr) return kNotOpened;
+  return edit(path, [&](OldSheet& sheet) {
+    bool changed = false;
+    for (TorvPart& part : sheet.partList.parts) {
+      if (baseName(textOf(part.partFullDosName)) != partName) continue;
+      if (oldNumber != nullptr && textOf(part.woNumber) != oldNumber) continue;
+      setText(part.woNumber, newNumber);
+      changed = true;
+    }
+    return changed;
+  });
+}

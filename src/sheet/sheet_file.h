@@ -1,0 +1,39 @@
+// What the questions about sheet files and their edits share: a first look at the version, then the
+// whole sheet for a moment.
+#pragma once
+#include <cstdint>
+#include <memory>
+
+#include "src/frame/entry.h"
+#include "src/sheet/sheet_io.h"
+
+namespace oldtorvio {
+
+// Loads the sheet onto the heap and, if its body could be read, hands it to use(sheet, version). A body
+// that cannot be read gives 0, as if there had been nothing to do: callers have always been told so.
+// `accepts` judges the version; one that passes but that no sheet has is left unread.
+template <class Accepts, class Use>
+std::int64_t withSheet(const char* path, Accepts&& accepts, Use&& use) noexcept {
+  std::unique_ptr<OldSheet> loaded;
+  int loadedVersion = 0;
+  const std::int64_t status = frame::loadFile(
+      path, [&](int version) { loadedVersion = version; }, accepts,
+      [&](frame::InStream& stream, int version) -> std::int64_t {
+        (void)frame::guarded(frame::kDamaged, [&]() -> std::int64_t {
+          if (!frame::isSheetVersion(version)) return frame::kDone;
+          auto sheet = std::make_unique<OldSheet>();
+          sheet->version = static_cast<std::uint16_t>(version);
+          if (ReadOldSheet(stream, version, *sheet) == 0) loaded = std::move(sheet);
+          return frame::kDone;
+        });
+        return frame::kDone;
+      });
+  // The file is closed by now: an edit may write it.
+  if (status != frame::kDone || !loaded) return status;
+  return frame::guarded(frame::kDone, [&]() -> std::int64_t {
+    use(*loaded, loadedVersion);
+    return frame::kDone;
+  });
+}
+
+}  // namespace oldtorvio

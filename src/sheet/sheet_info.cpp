@@ -1,0 +1,139 @@
+// What a sheet is made of, and the tools that its nest really uses.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "OldTorvIO.h"
+#include "src/frame/end_process.h"
+#include "src/frame/text.h"
+#include "src/records/tool_text.h"
+#include "src/sheet/sheet_file.h"
+
+namespace oldtorvio {
+namespace {
+
+using namespace frame;
+
+// Whether a profile makes the machine's special station count.
+bool counts(const ProfileRecord& profile) {
+  return static_cast<std::int32_t>(profile.profileWords[1]) % 10 == 7 && profile.firstBlock.motionKind != 5 &&
+         profile.profileCondition1 != 0 && profile.profileCondition2 != 0;
+}
+
+// The tools of a nest in order of first use.
+class UsedTools {
+ public:
+  explicit UsedTools(const OldSheet& sheet)
+      : list_(sheet.machine.stationWord != 0 && !sheet.machine.stationsB.stations.empty() ? sheet.machine.stationsB
+                                                                                          : sheet.machine.stationsA) {
+    for (const TorvPart& part : sheet.partList.parts) {
+      for (const Pattern& pattern : part.patterns) {
+        for (const PatternItem& item : pattern.items) note(item.toolNumber);
+        look(pattern.profiles);
+      }
+      slots(part.processSlots, part.processSlotCount);
+    }
+    // The first items belong to something else than the nest.
+    constexpr std::size_t kFirstItem = 28;
+    for (std::size_t i = kFirstItem; i < sheet.patternItems.size(); ++i) note(sheet.patternItems[i].toolNumber);
+    slots(sheet.processSlots, sheet.processSlotCount);
+    look(sheet.profiles);
+    noteSpecialStation(sheet.machine.machineKind);
+  }
+
+  // An item is left out directly behind its equal.
+  std::string text() const {
+    std::string all = ",", last;
+    for (const std::int64_t number : numbers_) {
+      const std::string item = toolText(at(list_.tools, number));
+      if (item.empty() || item == last) continue;
+      all.append(item).append(",");
+      last = item;
+    }
+    return all;
+  }
+
+ private:
+  // One past the last station passes, and then ends the process.
+  bool passes(std::int64_t number) const {
+    return number >= 1 && number <= static_cast<std::int64_t>(list_.stations.size()) + 1;
+  }
+  template <class T>
+  static const T& at(const std::vector<T>& list, std::int64_t number) {
+    if (number > static_cast<std::int64_t>(list.size())) EndProcess();
+    return list[static_cast<std::size_t>(number - 1)];
+  }
+
+  void note(std::int64_t number) {
+    if (passes(number) && std::ranges::find(numbers_, number) == numbers_.end()) numbers_.push_back(number);
+  }
+  void look(const ProfileList& profiles) {
+    anyProfileCounts_ = anyProfileCounts_ || std::ranges::any_of(profiles, counts);
+  }
+  void slots(const ProcessSlot (&all)[250], int count) {
+    for (int i = 0; i < std::min(count, 250); ++i) {
+      const ProcessSlot& slot = all[i];
+      if (slot.toolUse != 1 || slot.toolActive == 0) continue;
+      const auto number =
+          static_cast<std::int16_t>(slot.toolChoice != 0 ? slot.secondToolNumber : slot.firstToolNumber);
+      if (passes(number) && at(list_.stations, number).toolCount != 0) note(number);
+    }
+  }
+  void noteSpecialStation(std::int32_t machineKind) {
+    constexpr std::int32_t kCombined = 4;
+    constexpr unsigned kSpecial = 2;
+    if (machineKind != kCombined || !anyProfileCounts_) return;
+    const auto special = std::ranges::find_if(list_.stations, [](auto& s) { return (s.byteA & kSpecial) != 0; });
+    if (special != list_.stations.end()) note(special - list_.stations.begin() + 1);
+  }
+
+  const ToolStationList& list_;
+  std::vector<std::int64_t> numbers_;
+  bool anyProfileCounts_ = false;
+};
+
+std::string partNamesOf(const OldSheet& sheet) {
+  std::string all = ",";
+  for (const TorvPart& part : sheet.partList.parts) all.append(textOf(part.partName)).append(",");
+  return all;
+}
+
+void giveSized(const std::string& text, char* to, std::int32_t size, std::int32_t* length) {
+  std::uint32_t needed = 0;
+  giveBoundedText(text, to, size, needed);
+  *length = static_cast<std::int32_t>(needed);
+}
+
+}  // namespace
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+
+extern "C" int64_t GetOldSheetInfo(const char* path, char* materialName, char* materialGroup, char* materialType,
+                                   char* materialText3, char* materialText4, char* materialText5, char* machinePath,
+                                   char* sheetLabel, char* materialFile, float* width, float* height, float* thickness,
+                                   double* lateValue, char* partNames, int32_t partNamesSize, int32_t* partNamesLength,
+                                   char* tools, int32_t toolsSize, int32_t* toolsLength) noexcept {
+  return withSheet(path, isKnownSheetVersion, [&](const OldSheet& sheet, int) {
+    // Everything that takes memory comes before the first output.
+    const std::string material = std::string(textOf(sheet.paramTable.name)) + ".mat";
+    const std::string names = partNamesOf(sheet);
+    const std::string usedTools = UsedTools(sheet).text();
+
+    giveText(materialName, material);
+    giveText(materialFile, material);
+    giveText(materialGroup, textOf(sheet.materialGroup));
+    giveText(materialType, textOf(sheet.materialType));
+    giveText(materialText3, textOf(sheet.materialText3));
+    giveText(materialText4, textOf(sheet.materialText4));
+    giveText(materialText5, textOf(sheet.materialText5));
+    giveText(machinePath, textOf(sheet.machine.path));
+    giveText(sheetLabel, textOf(sheet.sheetLabel));
+    *width = sheet.width;
+    *height = sheet.height;
+    *thickness = sheet.thickness;
+    *lateValue = sheet.lateValue;
+    giveSized(names, partNames, partNamesSize, partNamesLength);
+    giveSized(usedTools, tools, toolsSize, toolsLength);
+  });
+}

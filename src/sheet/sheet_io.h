@@ -1,0 +1,34 @@
+// Readers and writers of the sheet family: the lists that only sheets have, the body of a sheet.
+//
+// Results as in src/records/record_io.h. `version` is the version word of the file.
+#pragma once
+#include "OldTorvIO/records.h"
+#include "src/frame/stream.h"
+
+namespace oldtorvio {
+
+using frame::InStream;
+using frame::OutStream;
+
+int ReadSheetPartList(InStream& stream, int version, SheetPartList& list);
+bool WriteSheetPartList(OutStream& stream, int version, const SheetPartList& list);
+int ReadSheetSetupList(InStream& stream, SheetSetupList& list);
+bool WriteSheetSetupList(OutStream& stream, const SheetSetupList& list);
+int ReadSheetTextEntries(InStream& stream, int version, std::vector<SheetTextEntry>& list);
+bool WriteSheetTextEntries(OutStream& stream, int version, const std::vector<SheetTextEntry>& list);
+int ReadNamedWorkLists(InStream& stream, int version, std::vector<NamedWorkList>& list);
+bool WriteNamedWorkLists(OutStream& stream, int version, const std::vector<NamedWorkList>& list);
+int ReadMachineExtensionEntries(InStream& stream, std::vector<MachineExtensionEntry>& list);
+bool WriteMachineExtensionEntries(OutStream& stream, const std::vector<MachineExtensionEntry>& list);
+// In reverse, as the format has it: a block that can be read whole ends the reader with false and is
+// not kept, one that cannot is kept. The writer begins with the second block and gives false behind the
+// first that it could store whole; when none is left, as at once in a list of one, the process ends.
+bool ReadShapeWorkBlocks(InStream& stream, int version, std::vector<ShapeWorkBlock>& blocks);
+bool WriteShapeWorkBlocks(OutStream& stream, int version, const std::vector<ShapeWorkBlock>& blocks);
+
+// The body behind the version word. The writer changes the choices of the machine's material as
+// WriteOldMaterialBody tells.
+int ReadOldSheet(InStream& stream, int version, OldSheet& sheet);
+bool WriteOldSheet(OutStream& stream, int version, OldSheet& sheet);
+
+}  // namespace oldtorvio

@@ -1,0 +1,73 @@
+// Sheets: making, freeing, loading, saving.
+#include <memory>
+#include <new>
+
+#include "OldTorvIO.h"
+#include "src/frame/entry.h"
+#include "src/frame/text.h"
+#include "src/sheet/sheet_io.h"
+
+namespace oldtorvio {
+namespace {
+
+using namespace frame;
+
+// Loaded and left: nothing reads it.
+OldSheet currentSheet;
+
+// A save of a sheet stores the version word before it judges it.
+constexpr auto kAnyVersion = [](int) { return true; };
+
+}  // namespace
+}  // namespace oldtorvio
+
+using namespace oldtorvio;
+
+extern "C" OldSheet* CreateSheetInfo() noexcept {
+  return guarded(static_cast<OldSheet*>(nullptr), [] { return new OldSheet; });
+}
+
+extern "C" void DeleteSheetInfo(OldSheet* sheet) noexcept { delete sheet; }
+
+extern "C" void FreeSheetHandle(OldSheet* sheet) noexcept { DeleteSheetInfo(sheet); }
+
+extern "C" int64_t LoadOldSheet(const char* path, OldSheet* sheet) noexcept {
+  if (sheet == nullptr) return kNotOpened;
+  return loadFile(
+      path, [&](int version) { sheet->version = static_cast<std::uint16_t>(version); }, isSheetVersion,
+      [&](InStream& stream, int version) { return ReadOldSheet(stream, version, *sheet); });
+}
+
+extern "C" int64_t SaveOldSheet(const char* path, OldSheet* sheet, uint16_t version) noexcept {
+  if (sheet == nullptr) return kNotSaved;
+  const std::int64_t status = saveFile(path, version, kAnyVersion, [&](OutStream& stream) {
+    return !isSavedSheetVersion(version) || WriteOldSheet(stream, version, *sheet);
+  });
+  return status == kDone && !isSavedSheetVersion(version) ? kWrongVersion : status;
+}
+
+extern "C" int32_t LoadOldSheetInformation(const char* path) noexcept {
+  return static_cast<std::int32_t>(loadFile(
+      path,
+      [&](int version) {
+        currentSheet.version = static_cast<std::uint16_t>(version);
+        setPath(currentSheet.sheetPath, path);
+      },
+      isKnownSheetVersion,
+      [&](InStream& stream, int version) -> std::int64_t {
+        (void)guarded(kDamaged, [&]() -> std::int64_t { return ReadOldSheet(stream, version, currentSheet); });
+        return kDone;
+      }));
+}
+
+extern "C" int64_t GetOldSheetHandle(const char* path, OldSheet** sheet) noexcept {
+  if (sheet == nullptr) return kNotOpened;
+  const auto keepNothing = [](int) {};
+  return loadFile(path, keepNothing, isKnownSheetVersion, [&](InStream& stream, int version) -> std::int64_t {
+    auto loaded = std::make_unique<OldSheet>();
+    loaded->version = static_cast<std::uint16_t>(version);
+    const int status = ReadOldSheet(stream, version, *loaded);
+    if (status == 0) *sheet = loaded.release();
+    return status;
+  });
+}

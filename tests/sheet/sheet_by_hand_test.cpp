@@ -1,0 +1,1442 @@
+// Sheets and the lists that only sheets have, against bytes put together row by row.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "OldTorvIO.h"
+#include "src/machine/machine_io.h"
+#include "src/material/material_io.h"
+#include "src/part/part_io.h"
+#include "src/records/record_io.h"
+#include "src/sheet/sheet_io.h"
+#include "tests/support/files.h"
+#include "tests/support/stored_forms.h"
+
+namespace {
+
+using namespace oldtorvio;
+using namespace testing_support;
+
+constexpr std::size_t kWhole = std::numeric_limits<std::size_t>::max();
+constexpr std::int64_t kTwoBillion = 2'000'000'000;
+
+// What a stored sheet looks like. `writer`: as a save lays it out, else as a file may hold it.
+struct Form {
+  bool writer = false;
+  int width = 256, nameWidth = 256, dosLength = 260;
+  bool shapes = true, extension = false;
+  int slots = 2, clamps = 3, rows = 2, clampRows = 2;
+  std::size_t elements = 2;  // of each list
+  std::int32_t spare = -1;
+};
+
+// A field or list element that the sheet itself stores, and the status of a file that ends inside it.
+struct Field {
+  std::string name;
+  std::size_t begin, end;
+  int cutResult;
+};
+
+struct SheetMaker : Maker {
+  std::vector<Field> fields;
+  void raw(const Bytes& b) { bytes.add(b); }
+  void rest() {}
+};
+struct SheetChecker : Checker {
+  explicit SheetChecker(std::size_t cut = kWhole) : Checker(cut) {}
+  void raw(const Bytes& b) { zeros(b.size()); }
+  void rest() { zeros(std::size_t{1} << 40U); }  // nothing behind here arrived
+};
+
+template <class M, class Fn>
+void own(M& m, const std::string& name, Fn&& fn, int cutResult = 1) {
+  if constexpr (M::kMakes) {
+    const std::size_t begin = m.bytes.size();
+    fn();
+    m.fields.push_back({name, begin, m.bytes.size(), cutResult});
+  } else {
+    fn();
+  }
+}
+
+// The first n bytes of a text, none of them NUL; they arrive together or not at all.
+template <class M, std::size_t N>
+void sized(M& m, char (&field)[N], int n) {
+  m.together(static_cast<std::size_t>(n));
+  for (int i = 0; i < n; ++i) m.number(field[i]);
+}
+
+// A counted list whose elements arrive whole or not at all.
+template <class M, class List, class Fn>
+void elements(
+    M& m, const std::string& name, List& list, std::size_t n, Fn&& each, int cutResult = 1,
+    const std::function<void()>& behindCount = [] {}) {
+  const std::size_t had = M::kMakes ? n : list.size();
+  own(
+      m, name + " count", [&] { m.size(list, n); }, cutResult);
+  behindCount();
+  for (std::size_t i = 0; i < n; ++i) {
+    if (i >= had) return m.rest();
+    own(
+        m, name + "[]", [&] { each(list[i]); }, cutResult);
+  }
+}
+
+template <class M>
+void storedSheetSetup(M& m, std::size_t n, SheetSetupList& l) {
+  own(m, "setup count", [&] { m.size(l.entries, n); });
+  for (SheetSetupEntry& e : l.entries) {
+    own(m, "setup", [&] {
+      storedSetupEntry(m, e.entry);
+      for (auto& one : e.entryBlocks) m.block(one);
+    });
+  }
+  if (n == 0) return;
+  own(m, "setup tail", [&] {
+    storedSetupEntry(m, l.current);
+    for (auto& one : l.currentBlocks) m.block(one);
+    m.block(l.tailBlock);
+    m.number(l.tailWord1);
+    m.number(l.tailWord2);
+  });
+}
+
+template <class M>
+void storedTextEntry(M& m, int version, SheetTextEntry& e) {
+  m.number(e.entryWord1);
+  m.number(e.entryWord3);
+  m.block(e.entryText1);
+  m.block(e.entryText2);
+  m.block(e.entryText3);
+  m.number(e.entryWord4);
+  m.number(e.entryWord5);
+  m.number(e.entryWord6);
+  numberOr(m, e.entryWord7, -1);
+  if (version >= 180)
+    m.number(e.entryWord9);
+  else
+    m.absent(e.entryWord9, 0U);
+  m.absent(e.entryWord2, 0U);
+  m.absent(e.entryWord8, 0U);
+  m.absent(e.entryText4[0], '\0');
+}
+
+template <class M>
+void storedNamedList(M& m, int version, NamedWorkList& l) {
+  m.block(l.listName);
+  m.number(l.listWord1);
+  m.number(l.listWord2);
+  numberOr(m, l.listWord3, -1);
+  m.size(l.entries, 2);
+  for (WorkEntry& one : l.entries) storedWork(m, version, one);
+}
+
+template <class M>
+void storedBlock(M& m, int version, ShapeWorkBlock& b) {
+  each(m, b.blockWords);
+  for (auto& one : b.blockValues) m.block(one);
+  numberOr(m, b.blockShapes.listTag, -1);
+  numberOr(m, b.blockShapes.listKind, 1);
+  elements(m, "shape", b.blockShapes.shapes, 2, [&](Shape& s) { storedShape(m, version, ShapeForm{}, s); });
+  elements(m, "work", b.work, 2, [&](WorkEntry& w) { storedWork(m, version, w); });
+}
+
+template <class M>
+void storedExtensionEntry(M& m, MachineExtensionEntry& e) {
+  m.block(e.headBlock);
+  each(m, e.words);
+}
+
+ParamTable someParams(int version) {
+  ParamTable t;
+  t.version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
+  t.intParams[55] = -5;
+  t.realParams[101] = 2.25;
+  t.nameLength = 7;
+  std::memcpy(t.name, "steel-1", 7);
+  return t;
+}
+Bytes paramBytes(const ParamTable& t) {
+  bool ok = false;
+  Bytes b = written([&](OutStream& to) { return WriteParamTable(to, t); }, &ok);
+  EXPECT_TRUE(ok);
+  return b;
+}
+
+void fillMachine(OldMachine& machine, bool extension) {
+  machine.textWidth = 256;
+  std::memcpy(machine.machineText1, "first text", 11);
+  machine.sizeX = 7.5F;
+  machine.smallValue = 5;
+  machine.hasExtension = extension ? 3 : 0;
+  machine.extension.extensionValue5 = 77;
+  machine.machineWord92 = 92;
+  machine.machineWord124 = 124;
+  machine.lateByteC = 9;
+}
+// Below version 152 a save stores words behind the machine's last that a load does not expect.
+Bytes machineBytes(OldMachine& machine, int version, bool asSaved) {
+  bool ok = false;
+  Bytes b = written([&](OutStream& to) { return WriteOldMachine(to, version, nullptr, machine, false); }, &ok);
+  EXPECT_TRUE(ok);
+  if (asSaved || version >= 152) return b;
+  return b.cut(b.size() - (version == 151 ? 1 : 37));
+}
+
+constexpr std::string_view kMachinePath = "C:\\m.mch";
+
+// Items 1 to 25.
+template <class M>
+void storedSheetFront(M& m, int version, const Form& form, OldSheet& s) {
+  own(m, "textWidth", [&] { fixedOr(m, s.textWidth, form.width, 256); });
+  own(m, "sheetLabel", [&] { sized(m, s.sheetLabel, form.width); });
+  own(m, "width", [&] { numberOr(m, s.width, 60.0F); });
+  own(m, "height", [&] { numberOr(m, s.height, 45.0F); });
+  own(m, "thickness", [&] { numberOr(m, s.thickness, std::bit_cast<float>(0x3D449BA6U)); });
+  own(m, "headerWord", [&] { m.number(s.headerWord); });
+  if (version >= 100) {
+    own(m, "length", [&] { m.stored(form.dosLength); });
+    own(m, "skeletonDosName", [&] { sized(m, s.skeletonDosName, form.dosLength); });
+    storedShapeList(m, version, someShapes(), s.skeletonShapes);
+  } else {
+    m.absent(s.skeletonDosName[0], '\0');
+    m.absent(s.skeletonShapes.shapes.size(), std::size_t{0});
+    m.absent(s.skeletonShapes.listKind, 1);
+  }
+  const auto part = [&](TorvPart& p) {
+    sized(m, p.partName, form.nameWidth);
+    sized(m, p.partFullDosName, form.nameWidth);
+    storedPart(m, version, PartForm2{true, true, 0}, p);
+    m.absent(p.version, 0);
+  };
+  elements(m, "part", s.partList.parts, form.elements, part, 1, [&] {
+    if (form.elements > 0)
+      own(m, "nameWidth", [&] { fixedOr(m, s.partList.nameWidth, form.nameWidth, 256); });
+    else
+      m.absent(s.partList.nameWidth, 256);
+  });
+  numberOr(m, s.shapes.listTag, -1);
+  numberOr(m, s.shapes.listKind, 0);
+  storedShapes(m, version, form.shapes ? someShapes() : std::vector<ShapeForm>{}, s.shapes.shapes);
+  if (form.shapes) {
+    own(m, "slots", [&] { m.fixed(s.processSlotCount, form.slots); });
+    for (int i = 0; i < form.slots; ++i) storedSlot(m, version, s.processSlots[i]);
+    m.size(s.marks, 2);
+    for (MarkEntry& one : s.marks) storedMark(m, one);
+    m.size(s.profiles, 1);
+    for (ProfileRecord& one : s.profiles) storedProfile(m, version, one);
+    m.size(s.stepTables, 2);
+    for (StepTable& one : s.stepTables) storedSteps(m, version, 3, one);
+    storedSheetSetup(m, form.elements, s.setupList);
+    m.size(s.patternItems, 2);
+    for (PatternItem& one : s.patternItems) storedItem(m, version, one);
+  } else {
+    m.absent(int{s.processSlotCount}, 0);
+    m.absent(s.marks.size() + s.profiles.size() + s.stepTables.size(), std::size_t{0});
+    m.absent(s.setupList.entries.size() + s.patternItems.size(), std::size_t{0});
+    m.absent(s.setupList.current.setupReal2, -1.0F);
+  }
+  elements(m, "work", s.workList, form.elements, [&](WorkEntry& w) { storedWork(m, version, w); });
+  own(m, "rows", [&] { m.fixed(s.rowTable.count, form.rows); });
+  for (int i = 0; i < form.rows; ++i) {
+    own(m, "row", [&] {
+      m.number(s.rowTable.words[i]);
+      m.block(s.rowTable.values[i]);
+    });
+  }
+  ClampInfo& c = s.clampInfo;
+  own(m, "clampInfo", [&] {
+    for (auto* word : {&c.clampWord1, &c.clampWord2, &c.clampWord3, &c.clampWord4}) m.number(*word);
+    fixedOr(m, c.clampCount, form.clamps, 2);
+    for (int i = 0; i < form.clamps; ++i) numberOr(m, c.clampPositions[i], 5.5F * static_cast<float>(i + 1));
+    numberOr(m, c.clampSpacing, 5.5F);
+  });
+  own(m, "clamp rows", [&] { m.fixed(s.clampRowTable.count, form.clampRows); });
+  for (int i = 0; i < form.clampRows; ++i) {
+    own(m, "clamp row", [&] {
+      for (int k = 0; k < form.clamps; ++k) m.number(s.clampRowTable.words[i][k]);
+      m.block(s.clampRowTable.values[i]);
+    });
+  }
+}
+
+// Items 26 to 43.
+template <class M>
+void storedSheetBack(M& m, int version, const Form& form, OldSheet& s) {
+  if (version >= 154)
+    own(
+        m, "spare", [&] { m.stored(form.spare); }, 0);
+  if constexpr (M::kMakes) s.paramTable = someParams(version);
+  m.raw(paramBytes(someParams(version)));
+  for (int i = 0; i < 5; ++i) own(m, "leadWord", [&] { m.number(s.leadWords[i]); });
+  if (version >= 54)
+    own(m, "leadWord", [&] { m.number(s.leadWords[5]); });
+  else
+    m.absent(s.leadWords[5], 0U);
+  if (version >= 61) {
+    if constexpr (M::kMakes) std::memcpy(s.machine.path, kMachinePath.data(), kMachinePath.size());
+    own(m, "machine path", [&] { m.raw(Bytes().text(static_cast<std::size_t>(form.width), kMachinePath)); });
+  }
+  auto machine = std::make_unique<OldMachine>();
+  fillMachine(*machine, form.extension);
+  if constexpr (M::kMakes) fillMachine(s.machine, form.extension);
+  m.raw(machineBytes(*machine, version, form.writer));
+  if (form.extension) {
+    elements(m, "extension", s.machine.extension.extensionEntries, form.elements,
+             [&](MachineExtensionEntry& e) { storedExtensionEntry(m, e); });
+    m.absent(s.optionWord, 0U);
+  } else {
+    own(m, "optionWord", [&] { m.number(s.optionWord); });
+  }
+  if (version >= 60) {
+    elements(m, "text", s.textEntries, form.elements, [&](SheetTextEntry& e) { storedTextEntry(m, version, e); });
+    elements(
+        m, "named", s.namedWorkLists, form.elements, [&](NamedWorkList& l) { storedNamedList(m, version, l); },
+        version >= 90 ? 1 : 0);
+  } else {
+    m.absent(s.textEntries.size() + s.namedWorkLists.size(), std::size_t{0});
+  }
+  for (auto& word : s.trailingWords) {
+    if (version >= 90)
+      own(m, "trailingWord", [&] { m.number(word); });
+    else
+      m.absent(word, 0U);
+  }
+  if (version >= 102)
+    own(m, "utilization", [&] { m.number(s.utilization); });
+  else
+    m.absent(s.utilization, 0.0F);
+  for (auto& text : s.partTexts) {
+    if (version >= 111)
+      own(m, "partText", [&] { sized(m, text, form.width); });
+    else
+      m.absent(text[0], '\0');
+  }
+  if (version >= 111)
+    own(m, "partTextWord", [&] { m.number(s.partTextWord); });
+  else
+    m.absent(s.partTextWord, 0U);
+  for (auto* text : {&s.materialGroup, &s.materialType, &s.materialText3, &s.materialText4}) {
+    if (version >= 112)
+      own(m, "material text", [&] { sized(m, *text, 256); });
+    else
+      m.absent((*text)[0], '\0');
+  }
+  if (version >= 130)
+    own(
+        m, "materialText5", [&] { sized(m, s.materialText5, 256); }, 0);
+  else
+    m.absent(s.materialText5[0], '\0');
+  if (version >= 140)
+    own(
+        m, "lateValue", [&] { m.number(s.lateValue); }, 0);
+  else
+    m.absent(s.lateValue, 0.0);
+  if (version >= 152)
+    own(
+        m, "blocks", [&] { m.stored(0); }, version >= 161 ? 1 : 0);
+  m.absent(s.blocks.size(), std::size_t{0});
+  if (version >= 161)
+    own(m, "lateText", [&] { sized(m, s.lateText, 256); });
+  else
+    m.absent(s.lateText[0], '\0');
+}
+
+struct Made {
+  std::unique_ptr<OldSheet> sheet = std::make_unique<OldSheet>();
+  Bytes bytes;
+  std::vector<Field> fields;
+  std::size_t backAt = 0;  // where item 26 stands
+  const Field& field(std::string_view name) const {
+    for (const Field& one : fields)
+      if (one.name == name) return one;
+    ADD_FAILURE() << "no field " << name;
+    return fields.front();
+  }
+};
+Made make(int version, const Form& form = {}) {
+  Made made;
+  SheetMaker m;
+  storedSheetFront(m, version, form, *made.sheet);
+  made.backAt = m.bytes.size();
+  storedSheetBack(m, version, form, *made.sheet);
+  made.bytes = m.bytes;
+  made.fields = m.fields;
+  return made;
+}
+void check(int version, const Form& form, OldSheet& s, std::size_t cut = kWhole) {
+  SheetChecker m(cut);
+  storedSheetFront(m, version, form, s);
+  storedSheetBack(m, version, form, s);
+}
+int readSheet(const Bytes& b, int version, OldSheet& s, std::size_t* consumed = nullptr) {
+  return readFrom(
+      b, [&](InStream& from) { return ReadOldSheet(from, version, s); }, consumed);
+}
+Bytes writtenSheet(int version, OldSheet& s, bool* ok = nullptr) {
+  return written([&](OutStream& to) { return WriteOldSheet(to, version, s); }, ok);
+}
+Bytes behind(const Bytes& b, std::size_t at) { return Bytes::of(b.span().subspan(at)); }
+// The bytes with one part of them replaced.
+Bytes patched(const Bytes& b, std::size_t at, const Bytes& by, std::size_t instead) {
+  return b.cut(at).add(by).add(behind(b, at + instead));
+}
+Bytes patched(const Bytes& b, std::size_t at, const Bytes& by) { return patched(b, at, by, by.size()); }
+Bytes word(std::int64_t v) { return Bytes().i32(v); }
+
+std::vector<Form> someForms(bool writer) {
+  Form plain, narrow, bare;
+  plain.writer = narrow.writer = bare.writer = writer;
+  narrow.width = 9;
+  narrow.nameWidth = 5;
+  narrow.extension = true;
+  narrow.clamps = 8;
+  narrow.slots = 1;
+  bare.shapes = false;
+  bare.elements = 0;
+  bare.extension = true;
+  bare.rows = bare.clampRows = bare.clamps = 0;
+  if (!writer) {
+    narrow.spare = 4711;
+    narrow.dosLength = 3;
+  }
+  return {plain, narrow, bare};
+}
+
+// ---- the body ------------------------------------------------------------------------------------
+
+TEST(SheetBodyByHand, EveryVersionReadsItsItemsInTheirOrder) {
+  for (int version : allVersions()) {
+    for (const Form& form : someForms(false)) {
+      SCOPED_TRACE(::testing::Message() << "version " << version << " width " << form.width << " " << form.shapes);
+      const Made made = make(version, form);
+      const auto owner = std::make_unique<OldSheet>();
+      OldSheet& s = *owner;
+      std::size_t consumed = 0;
+      ASSERT_EQ(readSheet(made.bytes, version, s, &consumed), 0);
+      EXPECT_EQ(consumed, made.bytes.size());
+      check(version, form, s);
+      EXPECT_EQ(s.version, 0);
+      EXPECT_STREQ(s.sheetName, "NEW SHEET");
+      EXPECT_EQ(s.sheetPath[0], '\0');
+      EXPECT_STREQ(s.machine.machineText1, "first text");
+      EXPECT_EQ(s.machine.machineWord92, 92U);
+      EXPECT_EQ(s.machine.machineWord124, version >= 151 ? 124U : 0U);
+      EXPECT_EQ(s.machine.lateByteC, version >= 152 ? 9 : 0);
+      EXPECT_EQ(s.machine.version, 0);
+      EXPECT_STREQ(s.machine.path, version >= 61 ? std::string(kMachinePath).c_str() : "");
+      EXPECT_EQ(s.paramTable.version, version < 60 ? 52 : version);
+      EXPECT_EQ(s.paramTable.intParams[55], -5);
+      EXPECT_STREQ(s.paramTable.name, "steel-1");
+      EXPECT_EQ(s.transformKind, 1);
+      EXPECT_EQ(s.processSlotMode, 1);
+      EXPECT_EQ(s.auxiliaryFlag, 1);
+      for (const TorvPart& p : s.partList.parts) {
+        EXPECT_EQ(std::string_view(p.partName, 256).find('\0'), form.nameWidth < 256 ? 5U : std::string_view::npos);
+        EXPECT_EQ(std::strlen(p.partFullDosName), static_cast<std::size_t>(form.nameWidth));
+      }
+    }
+  }
+}
+
+TEST(SheetBodyByHand, EveryVersionWritesItsItemsInTheirOrder) {
+  for (int version : allVersions()) {
+    for (const Form& form : someForms(true)) {
+      const Made made = make(version, form);
+      bool ok = false;
+      const Bytes stored = writtenSheet(version, *made.sheet, &ok);
+      EXPECT_TRUE(ok) << version;
+      EXPECT_TRUE(stored == made.bytes) << "version " << version << " width " << form.width << " sizes "
+                                        << stored.size() << " " << made.bytes.size();
+    }
+  }
+}
+
+TEST(SheetBodyByHand, ItemsBeginAtTheirVersions) {
+  const auto has = [](int version, std::string_view name) {
+    const Made made = make(version);
+    for (const Field& one : made.fields)
+      if (one.name == name) return true;
+    return false;
+  };
+  for (auto [gate, item] : {std::pair<int, std::string_view>{154, "spare"}, {100, "length"}, {152, "blocks"}})
+    EXPECT_TRUE(has(gate, item) && !has(gate - 1, item)) << item;
+  // The same told by what a save is longer by, where nothing else changes with the version.
+  struct Row {
+    int gate;
+    std::size_t more;
+  };
+  Form form;
+  form.shapes = false;
+  form.elements = 0;
+  for (auto [gate, more] : {Row{100, 4 + 260 + 12}, Row{102, 4}, Row{111, 5 * 256 + 4}, Row{112, 4 * 256},
+                            Row{130, 256}, Row{140, 8}, Row{152, 4}, Row{154, 4}, Row{161, 256}}) {
+    const auto saved = [&](int version) {
+      Made made = make(version, form);
+      made.sheet->skeletonShapes.shapes.clear();
+      auto machine = std::make_unique<OldMachine>(made.sheet->machine);
+      return writtenSheet(version, *made.sheet).size() - machineBytes(*machine, version, true).size();
+    };
+    EXPECT_EQ(saved(gate) - saved(gate - 1), more) << gate;
+  }
+}
+
+TEST(SheetBodyByHand, ACutGivesOneButForTheToleratedFieldsAndKeepsWhatArrivedWhole) {
+  Form form;
+  form.width = 9;
+  form.nameWidth = 5;
+  for (int version : {53, 60, 61, 90, 102, 112, 130, 140, 153, 160, 162, 180}) {
+    form.extension = version % 2 == 0;
+    const Made made = make(version, form);
+    for (std::size_t f = 0; f < made.fields.size(); ++f) {
+      const Field& field = made.fields[f];
+      std::vector<std::size_t> cuts;
+      if (field.end - field.begin <= 16)
+        for (std::size_t at = field.begin; at < field.end; ++at) cuts.push_back(at);
+      else
+        cuts = {field.begin, field.begin + 1, (field.begin + field.end) / 2, field.end - 5, field.end - 1};
+      for (std::size_t cut : cuts) {
+        SCOPED_TRACE(::testing::Message() << "version " << version << " cut in " << field.name << " " << f << " at "
+                                          << cut - field.begin << " of " << field.end - field.begin);
+        auto s = std::make_unique<OldSheet>();
+        EXPECT_EQ(readSheet(made.bytes.cut(cut), version, *s), field.cutResult);
+        const auto arrived = [&](const std::string& name) {
+          std::size_t n = 0;
+          for (const Field& one : made.fields) n += one.name == name && one.end <= cut ? 1U : 0U;
+          return n;
+        };
+        EXPECT_EQ(s->partList.parts.size(), arrived("part[]"));
+        EXPECT_EQ(s->workList.size(), arrived("work[]"));
+        EXPECT_EQ(s->machine.extension.extensionEntries.size(), arrived("extension[]"));
+        EXPECT_EQ(s->textEntries.size(), arrived("text[]"));
+        EXPECT_EQ(s->namedWorkLists.size(), arrived("named[]"));
+        check(version, form, *s, cut);
+        if (::testing::Test::HasFailure()) return;
+      }
+    }
+  }
+}
+
+TEST(SheetBodyByHand, AFileThatEndsBehindTheFourMaterialTextsIsWhole) {
+  for (int version : {129, 130, 140, 151, 152, 160, 161, 180}) {
+    const Made made = make(version, someForms(false)[1]);
+    std::size_t end = 0;
+    for (const Field& one : made.fields)
+      if (one.name == "material text") end = one.end;
+    auto s = std::make_unique<OldSheet>();
+    EXPECT_EQ(readSheet(made.bytes.cut(end), version, *s), 0) << version;
+    EXPECT_EQ(s->materialText5[0], '\0');
+  }
+  const Made made = make(161);
+  auto s = std::make_unique<OldSheet>();
+  EXPECT_EQ(readSheet(made.bytes.cut(made.field("blocks").end), 161, *s), 1);
+}
+
+TEST(SheetBodyByHand, ACutSpareWordEndsTheLoadWithEverythingBehindItAtItsDefault) {
+  const Made made = make(154);
+  for (std::size_t n = 0; n < 4; ++n) {
+    auto s = std::make_unique<OldSheet>();
+    EXPECT_EQ(readSheet(made.bytes.cut(made.backAt + n), 154, *s), 0);
+    EXPECT_EQ(s->paramTable.version, 0);
+    EXPECT_EQ(s->leadWords[0], 0U);
+    EXPECT_EQ(s->machine.textWidth, 0);
+    EXPECT_EQ(s->clampRowTable.count, 2);
+  }
+  const Made older = make(153);
+  auto s = std::make_unique<OldSheet>();
+  EXPECT_EQ(readSheet(older.bytes.cut(older.backAt), 153, *s), 1);
+}
+
+TEST(SheetBodyByHand, WidthsAndLengthsOutsideTheirFieldsAreRefused) {
+  const Form form = someForms(false)[1];
+  const Made made = make(180, form);
+  const auto status = [&](std::string_view field, const Bytes& by, std::size_t more = 0) {
+    auto s = std::make_unique<OldSheet>();
+    return readSheet(patched(made.bytes, made.field(field).begin, by).add(Bytes().zeros(more)), 180, *s);
+  };
+  for (std::int64_t bad : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{257}, kTwoBillion}) {
+    EXPECT_EQ(status("textWidth", word(bad), 5000), 1) << bad;
+    EXPECT_EQ(status("nameWidth", word(bad), 5000), 1) << bad;
+  }
+  for (std::int64_t bad : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{261}, kTwoBillion})
+    EXPECT_EQ(status("length", word(bad), 5000), 1) << bad;
+  for (std::int64_t bad : {std::int64_t{26}, kTwoBillion}) {
+    EXPECT_EQ(status("rows", word(bad), 5000), 1) << bad;
+    EXPECT_EQ(status("clamp rows", word(bad), 5000), 1) << bad;
+  }
+  EXPECT_EQ(status("clampInfo", Bytes().zeros(16).i32(9), 5000), 1);
+  for (const char* list : {"part count", "work count", "extension count", "text count", "named count"})
+    EXPECT_EQ(status(list, word(kTwoBillion)), 1) << list;
+  for (int length : {1, 259, 260}) {
+    Form good;
+    good.dosLength = length;
+    auto s = std::make_unique<OldSheet>();
+    EXPECT_EQ(readSheet(make(100, good).bytes, 100, *s), 0);
+    check(100, good, *s);
+  }
+}
+
+TEST(SheetBodyByHand, ASaveRefusesWhatNoFileCanHold) {
+  using Edit = std::function<void(OldSheet&)>;
+  const std::pair<const char*, Edit> edits[] = {
+      {"textWidth 0", [](OldSheet& s) { s.textWidth = 0; }},
+      {"textWidth 257", [](OldSheet& s) { s.textWidth = 257; }},
+      {"textWidth -1", [](OldSheet& s) { s.textWidth = -1; }},
+      {"nameWidth 0", [](OldSheet& s) { s.partList.nameWidth = 0; }},
+      {"nameWidth 257", [](OldSheet& s) { s.partList.nameWidth = 257; }},
+      {"nameWidth -1", [](OldSheet& s) { s.partList.nameWidth = -1; }},
+      {"rows 26", [](OldSheet& s) { s.rowTable.count = 26; }},
+      {"clamp rows 26", [](OldSheet& s) { s.clampRowTable.count = 26; }},
+      {"clampCount 9", [](OldSheet& s) { s.clampInfo.clampCount = 9; }},
+      {"nameLength 0", [](OldSheet& s) { s.paramTable.nameLength = 0; }},
+      {"table version 57", [](OldSheet& s) { s.paramTable.version = 57; }},
+      {"machine width 0", [](OldSheet& s) { s.machine.textWidth = 0; }},
+  };
+  const TempFolder folder;
+  for (const auto& [name, edit] : edits) {
+    const Made made = make(180);
+    edit(*made.sheet);
+    bool ok = true;
+    writtenSheet(180, *made.sheet, &ok);
+    EXPECT_FALSE(ok) << name;
+    EXPECT_EQ(SaveOldSheet(folder.path("s.sht").c_str(), made.sheet.get(), 180), -2) << name;
+  }
+  // A width of the names that nothing is stored with does no harm.
+  Form bare = someForms(true)[2];
+  const Made made = make(180, bare);
+  made.sheet->partList.nameWidth = 0;
+  bool ok = false;
+  EXPECT_EQ(writtenSheet(180, *made.sheet, &ok), made.bytes);
+  EXPECT_TRUE(ok);
+}
+
+TEST(SheetBodyByHand, NegativeCountsOfSlotsAndRowsReadNothingAndAreWrittenBack) {
+  Form form;
+  form.rows = form.clampRows = form.slots = 0;
+  form.writer = true;
+  const Made made = make(180, form);
+  for (int slots : {0x80, 0xFF}) {
+    Bytes b = patched(made.bytes, made.field("slots").begin, Bytes().u8(static_cast<std::uint8_t>(slots)));
+    b = patched(b, made.field("rows").begin, word(-7));
+    b = patched(b, made.field("clamp rows").begin, word(-8));
+    auto s = std::make_unique<OldSheet>();
+    EXPECT_EQ(readSheet(b, 180, *s), 0);
+    EXPECT_EQ(s->processSlotCount, slots - 256);
+    EXPECT_EQ(s->rowTable.count, -7);
+    EXPECT_EQ(s->clampRowTable.count, -8);
+    Made again = make(180, form);
+    again.sheet->processSlotCount = static_cast<std::int8_t>(slots - 256);
+    again.sheet->rowTable.count = -7;
+    again.sheet->clampRowTable.count = -8;
+    EXPECT_TRUE(writtenSheet(180, *again.sheet) == b);
+  }
+}
+
+TEST(SheetBodyByHand, TablesAndSlotsMayBeFull) {
+  for (int clamps : {0, 1, 8}) {
+    Form form;
+    form.writer = true;
+    form.rows = form.clampRows = 25;
+    form.clamps = clamps;
+    form.slots = 127;
+    const Made made = make(162, form);
+    auto s = std::make_unique<OldSheet>();
+    EXPECT_EQ(readSheet(made.bytes, 162, *s), 0);
+    check(162, form, *s);
+    EXPECT_EQ(s->clampRowTable.words[24][7] != 0, clamps == 8);
+    EXPECT_TRUE(writtenSheet(162, *made.sheet) == made.bytes);
+  }
+}
+
+TEST(SheetBodyByHand, ARowOfClampWordsIsAsWideAsTheClampsOfTheFile) {
+  Form form = someForms(false)[2];
+  form.clampRows = 1;
+  form.clamps = -1;  // no positions, no words, but the row's value
+  const Made made = make(180, form);
+  auto s = std::make_unique<OldSheet>();
+  s->clampInfo.clampCount = 8;
+  s->clampRowTable.words[0][0] = 5;
+  EXPECT_EQ(readSheet(made.bytes, 180, *s), 0);
+  EXPECT_EQ(s->clampInfo.clampCount, -1);
+  EXPECT_EQ(s->clampRowTable.words[0][0], 5U);
+  check(180, form, *s);
+}
+
+TEST(SheetBodyByHand, WithoutShapesNothingOfTheSheetsOwnWorkIsStored) {
+  Form form;
+  form.shapes = false;
+  form.writer = true;
+  const Made made = make(180, form);
+  made.sheet->processSlotCount = 2;
+  made.sheet->marks.resize(3);
+  made.sheet->setupList.entries.resize(2);
+  made.sheet->patternItems.resize(1);
+  EXPECT_TRUE(writtenSheet(180, *made.sheet) == made.bytes);
+  // What a file does not hold stays, and the stored count decides, not the shapes of a used record.
+  const std::size_t countAt = made.field("work count").begin - 4;
+  for (std::int64_t count : {0, -1}) {
+    const Made used = make(180);
+    EXPECT_EQ(readSheet(patched(made.bytes, countAt, word(count)), 180, *used.sheet), 0) << count;
+    EXPECT_EQ(used.sheet->shapes.shapes.size(), count == 0 ? someShapes().size() : 0U);
+    EXPECT_EQ(used.sheet->processSlotCount, 2);
+    EXPECT_EQ(used.sheet->marks.size(), 2U);
+    EXPECT_EQ(used.sheet->setupList.entries.size(), 2U);
+    EXPECT_EQ(used.sheet->patternItems.size(), 2U);
+  }
+}
+
+TEST(SheetBodyByHand, ALoadIntoAUsedRecordKeepsSomeListsAndDropsOthers) {
+  const Form full = someForms(false)[1];
+  Form bare = someForms(false)[2];
+  bare.shapes = true;
+  const Made file = make(180, bare);
+  const Made used = make(180, full);
+  OldSheet& s = *used.sheet;
+  s.blocks.resize(3);
+  s.processSlotMode = 5;
+  s.transform[2][1] = 8;
+  ASSERT_EQ(readSheet(file.bytes, 180, s), 0);
+  EXPECT_EQ(s.partList.parts.size(), 2U);
+  EXPECT_EQ(s.partList.nameWidth, 5);
+  EXPECT_EQ(s.setupList.entries.size(), 2U);
+  const Made unused = make(180, full);
+  EXPECT_EQ(s.setupList.tailWord2, unused.sheet->setupList.tailWord2);
+  EXPECT_EQ(s.partList.parts[1].width, unused.sheet->partList.parts[1].width);
+  EXPECT_EQ(s.machine.extension.extensionEntries.size(), 2U);
+  EXPECT_TRUE(s.workList.empty() && s.textEntries.empty() && s.namedWorkLists.empty() && s.blocks.empty());
+  EXPECT_EQ(s.processSlotMode, 5);
+  EXPECT_EQ(s.transform[2][1], 8.0F);
+
+  const Made old = make(52, full);
+  const Made late = make(180);
+  ASSERT_EQ(readSheet(old.bytes, 52, *late.sheet), 0);
+  const Made fresh = make(180);
+  EXPECT_EQ(late.sheet->leadWords[5], fresh.sheet->leadWords[5]);
+  EXPECT_EQ(late.sheet->textEntries.size(), 2U);
+  EXPECT_EQ(late.sheet->lateValue, fresh.sheet->lateValue);
+  EXPECT_EQ(late.sheet->utilization, fresh.sheet->utilization);
+  EXPECT_EQ(std::memcmp(late.sheet->lateText, fresh.sheet->lateText, 256), 0);
+  EXPECT_EQ(late.sheet->optionWord, fresh.sheet->optionWord);
+  EXPECT_EQ(late.sheet->machine.path[0], '\0');
+}
+
+TEST(SheetBodyByHand, TheMachineDecidesBetweenItsExtensionListAndTheOptionWord) {
+  for (bool extension : {false, true}) {
+    Form form;
+    form.extension = extension;
+    const Made made = make(180, form);
+    auto s = std::make_unique<OldSheet>();
+    s->machine.hasExtension = extension ? 0 : 1;  // as read counts, not as held
+    s->machine.extension.extensionEntries.resize(7);
+    s->optionWord = 31;
+    ASSERT_EQ(readSheet(made.bytes, 180, *s), 0);
+    EXPECT_EQ(s->machine.extension.extensionEntries.size(), extension ? 2U : 7U);
+    EXPECT_EQ(s->optionWord == 31, extension);
+  }
+}
+
+TEST(SheetBodyByHand, ShorterTextsLeaveTheBytesBehindThemAlone) {
+  const Form form = someForms(false)[1];
+  const Made made = make(180, form);
+  auto s = std::make_unique<OldSheet>();
+  for (char* text : {s->sheetLabel, s->partTexts[0], s->partTexts[4], s->skeletonDosName, s->machine.path})
+    std::memset(text, 'u', 256);
+  ASSERT_EQ(readSheet(made.bytes, 180, *s), 0);
+  for (const char* text : {s->sheetLabel, s->partTexts[0], s->partTexts[4]})
+    EXPECT_EQ(std::string_view(text + 9, 247), std::string(247, 'u'));
+  EXPECT_EQ(std::string_view(s->skeletonDosName + 3, 253), std::string(253, 'u'));
+  EXPECT_STREQ(s->machine.path, "C:\\m.mch");
+  EXPECT_EQ(std::string_view(s->machine.path + 9, 247), std::string(247, 'u'));
+}
+
+TEST(SheetBodyByHand, TheMachinePathIsCopiedUpToItsNulAndStoredWithWhatFollows) {
+  Form form;
+  form.writer = true;
+  const Made made = make(180, form);
+  const Field& at = made.field("machine path");
+  for (const std::string& text : {std::string(256, 'p'), std::string("a\0bc", 4), std::string()}) {
+    const Bytes b = patched(made.bytes, at.begin, Bytes().text(256, text));
+    auto s = std::make_unique<OldSheet>();
+    ASSERT_EQ(readSheet(b, 180, *s), 0);
+    EXPECT_EQ(std::string(s->machine.path), std::string(text.c_str()));
+    EXPECT_EQ(s->machine.path[2], text.size() == 256 ? 'p' : '\0');
+    std::memset(made.sheet->machine.path, 0, 260);
+    std::memcpy(made.sheet->machine.path, text.data(), text.size());
+    EXPECT_TRUE(writtenSheet(180, *made.sheet) == b);
+  }
+  // A load that does not come past the machine leaves the path alone; below version 61 it becomes empty.
+  for (int version : {60, 180}) {
+    const Made one = make(version);
+    const std::size_t end = one.field("optionWord").begin;
+    auto s = std::make_unique<OldSheet>();
+    std::memcpy(s->machine.path, "used", 5);
+    EXPECT_EQ(readSheet(one.bytes.cut(one.backAt + 10), version, *s), 1);
+    EXPECT_STREQ(s->machine.path, "used");
+    EXPECT_EQ(readSheet(one.bytes.cut(end), version, *s), 1);
+    EXPECT_STREQ(s->machine.path, version == 60 ? "" : "C:\\m.mch");
+  }
+}
+
+TEST(SheetBodyByHand, TheMachineHoldsTheTrailerOfTheSheetsShapesButASaveStoresNone) {
+  for (int version : {79, 80, 152, 180}) {
+    Made made = make(version);
+    auto machine = std::make_unique<OldMachine>();
+    fillMachine(*machine, false);
+    const std::size_t plain = machineBytes(*machine, version, false).size();
+    const std::size_t at = made.field("optionWord").begin - plain;
+    machine->smallValue = 256;  // its second byte stands where a load finds shapesPresent
+    for (std::size_t i = 0; i < made.sheet->shapes.shapes.size(); ++i)
+      made.sheet->shapes.shapes[i].trailerValue = 70 + static_cast<std::uint32_t>(i);
+    Bytes with =
+        written([&](OutStream& to) { return WriteOldMachine(to, version, &made.sheet->shapes, *machine, true); });
+    if (version < 151) with = with.cut(with.size() - 37);
+    EXPECT_EQ(with.size(), plain + (version >= 80 ? 4 * someShapes().size() : 0U));
+    auto s = std::make_unique<OldSheet>();
+    std::size_t consumed = 0;
+    const Bytes file = patched(made.bytes, at, with, plain);
+    EXPECT_EQ(readSheet(file, version, *s, &consumed), 0);
+    EXPECT_EQ(consumed, file.size());
+    check(version, Form{}, *s.get());
+    for (std::size_t i = 0; i < s->shapes.shapes.size(); ++i)
+      EXPECT_EQ(s->shapes.shapes[i].trailerValue, version >= 80 ? 70 + i : 0U);
+    EXPECT_EQ(s->machine.shapesPresent, 1);
+
+    Form form;
+    form.writer = true;
+    Made saved = make(version, form);
+    saved.sheet->machine.shapesPresent = 1;
+    saved.sheet->shapes.shapes[0].trailerValue = 70;
+    EXPECT_TRUE(writtenSheet(version, *saved.sheet) == saved.bytes) << version;
+    EXPECT_EQ(saved.sheet->machine.shapesPresent, 1);
+  }
+}
+
+TEST(SheetBodyByHand, TheParameterTableHasAVersionOfItsOwn) {
+  Form form;
+  form.writer = true;
+  for (int own : {52, 60, 79, 80, 499}) {
+    const Made made = make(180, form);
+    const std::size_t was = paramBytes(someParams(180)).size();
+    const ParamTable table = someParams(own);
+    const Bytes b = patched(made.bytes, made.backAt + 4, paramBytes(table), was);
+    auto s = std::make_unique<OldSheet>();
+    EXPECT_EQ(readSheet(b, 180, *s), 0) << own;
+    EXPECT_EQ(s->paramTable.version, own);
+    SheetChecker front;
+    storedSheetFront(front, 180, form, *s);
+    EXPECT_STREQ(s->machine.path, std::string(kMachinePath).c_str());
+    EXPECT_EQ(std::memcmp(s->lateText, made.sheet->lateText, 256), 0);
+    made.sheet->paramTable = table;
+    EXPECT_TRUE(writtenSheet(180, *made.sheet) == b) << own;
+  }
+  for (int none : {0, 1, 51, 53, 59, 503, 65535}) {
+    const Made made = make(180);
+    auto s = std::make_unique<OldSheet>();
+    EXPECT_EQ(readSheet(patched(made.bytes, made.backAt + 4, Bytes().u16(static_cast<std::uint16_t>(none))), 180, *s),
+              1)
+        << none;
+    EXPECT_EQ(s->paramTable.version, none);
+    EXPECT_EQ(s->leadWords[0], 0U);
+  }
+}
+
+TEST(SheetBodyByHand, BlocksOfAFileDecideWhereTheLateTextIsReadFrom) {
+  for (int blocks : {1, 2}) {
+    SheetMaker one;
+    ShapeWorkBlock block;
+    storedBlock(one, 161, block);
+    const Made made = make(161);
+    Bytes inserted = word(blocks);
+    for (int i = 0; i < blocks; ++i) inserted.add(one.bytes);
+    const Bytes b = patched(made.bytes, made.field("blocks").begin, inserted, 4);
+    auto s = std::make_unique<OldSheet>();
+    s->blocks.resize(2);
+    EXPECT_EQ(readSheet(b, 161, *s), 0);
+    EXPECT_TRUE(s->blocks.empty());
+    const Bytes want = behind(b, made.field("blocks").begin + 4 + one.bytes.size()).cut(256);
+    EXPECT_EQ(std::memcmp(s->lateText, want.span().data(), 256), 0) << blocks;
+  }
+  for (int version : {152, 160, 161, 180}) {
+    const Made made = make(version);
+    auto s = std::make_unique<OldSheet>();
+    const Bytes b = patched(made.bytes, made.field("blocks").begin, word(3)).cut(made.field("blocks").end);
+    EXPECT_EQ(readSheet(b, version, *s), version >= 161 ? 1 : 0) << version;
+    EXPECT_EQ(s->blocks.size(), 3U);
+  }
+}
+
+// ---- a fresh sheet ---------------------------------------------------------------------------------
+
+// The whole of a fresh sheet's body as a save lays it out.
+Bytes freshBytes(int version, std::int32_t machineWidth = 256) {
+  Bytes b;
+  b.i32(256).zeros(256).f32(60).f32(45).u32(0x3D449BA6U).i32(0);
+  if (version >= 100) b.i32(260).zeros(260).i32(-1).i32(1).i32(0);
+  b.i32(0);                                                        // parts
+  b.i32(-1).i32(0).i32(0);                                         // shapes
+  b.i32(0);                                                        // work list
+  b.i32(0);                                                        // rows
+  b.zeros(16).i32(2).f32(5.5F).f32(11.0F).f32(5.5F).i32(0);        // clamps and their rows
+  if (version >= 154) b.i32(-1);                                   // spare word
+  b.u16(static_cast<std::uint16_t>(version < 60 ? 52 : version));  // the table
+  if (version < 60)
+    b.zeros((35 + 25) * (4 + 8));
+  else
+    b.zeros(256 + (35 + 25 + 100 + (version >= 80 ? 50 : 0)) * std::size_t{4 + 8 + 81});
+  b.i32(1).u8(0);
+  b.zeros(version >= 54 ? 24 : 20);
+  if (version >= 61) b.zeros(256);
+  auto machine = std::make_unique<OldMachine>();
+  machine->textWidth = machineWidth;
+  b.add(machineBytes(*machine, version, true));
+  b.i32(0);
+  if (version >= 60) b.zeros(8);
+  if (version >= 90) b.zeros(12);
+  if (version >= 102) b.zeros(4);
+  if (version >= 111) b.zeros(5 * 256 + 4);
+  if (version >= 112) b.zeros(4 * 256);
+  if (version >= 130) b.zeros(256);
+  if (version >= 140) b.zeros(8);
+  if (version >= 152) b.zeros(4);
+  if (version >= 161) b.zeros(256);
+  return b;
+}
+
+TEST(SaveOldSheetByHand, AFreshSheetCanBeSavedAndLoadedAtEveryVersion) {
+  const TempFolder folder;
+  const std::string path = folder.path("fresh.sht");
+  for (int version = 52; version <= 180; ++version) {
+    OldSheet* fresh = CreateSheetInfo();
+    ASSERT_NE(fresh, nullptr);
+    ASSERT_EQ(SaveOldSheet(path.c_str(), fresh, static_cast<std::uint16_t>(version)), 0) << version;
+    EXPECT_EQ(fresh->paramTable.version, 0);
+    EXPECT_EQ(fresh->paramTable.nameLength, 0);
+    EXPECT_EQ(fresh->machine.textWidth, 0);
+    EXPECT_EQ(fresh->version, 0);
+    DeleteSheetInfo(fresh);
+    const Bytes want = Bytes().u16(static_cast<std::uint16_t>(version)).add(freshBytes(version));
+    const Bytes file = TempFolder::read(path);
+    EXPECT_TRUE(file == want) << version << " sizes " << file.size() << " " << want.size();
+    auto s = std::make_unique<OldSheet>();
+    ASSERT_EQ(LoadOldSheet(path.c_str(), s.get()), 0) << version;
+    EXPECT_EQ(s->version, version);
+    EXPECT_EQ(s->width, 60.0F);
+    EXPECT_EQ(s->height, 45.0F);
+    EXPECT_EQ(s->thickness, 0.048F);
+    EXPECT_EQ(s->textWidth, 256);
+    EXPECT_STREQ(s->sheetName, "NEW SHEET");
+    EXPECT_EQ(s->paramTable.version, version < 60 ? 52 : version);
+    EXPECT_EQ(s->paramTable.nameLength, 1);
+    EXPECT_EQ(s->machine.textWidth, 256);
+    EXPECT_EQ(s->shapes.listKind, 0);
+    EXPECT_EQ(s->partList.nameWidth, 256);
+    // What came from a file is complete and can be saved again.
+    EXPECT_EQ(SaveOldSheet(path.c_str(), s.get(), static_cast<std::uint16_t>(version)), 0);
+  }
+}
+
+TEST(SaveOldSheetByHand, OnlyATableOfVersionZeroIsReplacedAndOnlyWithItTheMachinesWidth) {
+  auto s = std::make_unique<OldSheet>();
+  bool ok = false;
+  s->paramTable.intParams[55] = 7;
+  s->paramTable.nameLength = 4;
+  std::memcpy(s->paramTable.name, "name", 5);
+  s->machine.textWidth = 8;
+  EXPECT_TRUE(writtenSheet(180, *s, &ok) == freshBytes(180, 8));
+  EXPECT_TRUE(ok);
+  EXPECT_EQ(s->paramTable.intParams[55], 7);
+  EXPECT_EQ(s->paramTable.version, 0);
+  s->machine.textWidth = 0;
+  EXPECT_TRUE(writtenSheet(57, *s, &ok) == freshBytes(57));
+  EXPECT_TRUE(ok);
+  EXPECT_EQ(s->machine.textWidth, 0);
+  s->paramTable.version = 60;
+  writtenSheet(180, *s, &ok);
+  EXPECT_FALSE(ok);  // a machine without a text width
+  s->machine.textWidth = 256;
+  writtenSheet(180, *s, &ok);
+  EXPECT_TRUE(ok);
+  s->paramTable.nameLength = 0;
+  writtenSheet(180, *s, &ok);
+  EXPECT_FALSE(ok);
+  const auto table = std::make_unique<ParamTable>();
+  bool tableOk = true;
+  written([&](OutStream& to) { return WriteParamTable(to, *table); }, &tableOk);
+  EXPECT_FALSE(tableOk);
+}
+
+TEST(SaveOldSheetByHand, AFreshSheetHoldsTheDefaultsOfANewSheet) {
+  const std::unique_ptr<OldSheet, void (*)(OldSheet*)> s(CreateSheetInfo(), DeleteSheetInfo);
+  ASSERT_NE(s, nullptr);
+  SheetChecker nothing(0);  // a file cut at once: every field at its default
+  s->textWidth = 256;
+  storedSheetFront(nothing, 180, someForms(false)[2], *s);
+  storedSheetBack(nothing, 180, someForms(false)[2], *s);
+  EXPECT_EQ(s->transformKind, 1);
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(s->transform[i / 3][i % 3], i / 3 == i % 3 ? 1.0F : 0.0F);
+  EXPECT_EQ(s->scratchShapes.listKind, 1);
+  EXPECT_EQ(s->scratchShapes.listTag, -1);
+  EXPECT_EQ(s->skeletonShapes.listKind, 1);
+  EXPECT_EQ(s->shapes.listKind, 0);
+  EXPECT_EQ(s->shapes.listTag, -1);
+  EXPECT_EQ(s->processSlotMode, 1);
+  EXPECT_EQ(s->auxiliaryFlag, 1);
+  EXPECT_TRUE(s->auxiliaryList.empty());
+  for (const ProcessSlot& slot : s->processSlots) EXPECT_TRUE(slot.slotKind == 3 && slot.firstLength == 0.25F);
+  for (int i = 0; i < 8; ++i) EXPECT_EQ(s->clampInfo.clampPositions[i], 5.5F * static_cast<float>(i + 1));
+  EXPECT_EQ(s->clampInfo.clampCount, 2);
+  EXPECT_EQ(SheetSetupEntry().entry.setupReal1, -1.0F);
+  EXPECT_EQ(SheetTextEntry().entryWord7, -1);
+  EXPECT_EQ(NamedWorkList().listWord3, -1);
+  EXPECT_EQ(ShapeWorkBlock().blockShapes.listTag, -1);
+}
+
+// ---- loads and saves -------------------------------------------------------------------------------
+
+TEST(SaveOldSheetByHand, OnlyTheVersionAskedForCounts) {
+  const TempFolder folder;
+  const std::string path = folder.path("s.sht");
+  Form form;
+  form.writer = true;
+  for (int version : {52, 60, 153, 180}) {
+    const Made made = make(version, form);
+    made.sheet->version = 91;
+    EXPECT_EQ(SaveOldSheet(path.c_str(), made.sheet.get(), static_cast<std::uint16_t>(version)), 0);
+    EXPECT_TRUE(TempFolder::read(path) == Bytes().u16(static_cast<std::uint16_t>(version)).add(made.bytes)) << version;
+    EXPECT_EQ(made.sheet->version, 91);
+  }
+}
+
+TEST(SaveOldSheetByHand, AVersionOutsideItsRangeLeavesAFileOfTwoBytes) {
+  const TempFolder folder;
+  const std::string path = folder.path("s.sht");
+  const Made made = make(180);
+  made.sheet->version = 180;
+  for (int version : {0, 1, 6, 51, 181, 499, 500, 32767, 32768, 65535}) {
+    folder.write("s.sht", Bytes().fill(5000, 7));
+    EXPECT_EQ(SaveOldSheet(path.c_str(), made.sheet.get(), static_cast<std::uint16_t>(version)), -1) << version;
+    EXPECT_EQ(TempFolder::read(path), Bytes().u16(static_cast<std::uint16_t>(version)));
+  }
+  EXPECT_EQ(SaveOldSheet(folder.path("no/such").c_str(), made.sheet.get(), 180), -2);
+  EXPECT_EQ(SaveOldSheet(folder.path("no/such").c_str(), made.sheet.get(), 181), -2);
+  EXPECT_EQ(SaveOldSheet("", made.sheet.get(), 180), -2);
+  EXPECT_EQ(SaveOldSheet(path.c_str(), nullptr, 180), -2);
+}
+
+TEST(SaveOldSheetByHand, ADeviceThatTakesNothingGivesMinusTwo) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP();
+  const Made made = make(180);
+  EXPECT_EQ(SaveOldSheet("/dev/full", made.sheet.get(), 180), -2);
+  EXPECT_EQ(SaveOldSheet("/dev/full", made.sheet.get(), 52), -2);
+}
+
+TEST(LoadOldSheetByHand, EveryVersionWordIsAcceptedOrRefusedAndKept) {
+  const TempFolder folder;
+  auto s = std::make_unique<OldSheet>();
+  std::vector<int> words{32766, 32767, 32768, 32769, 65535};
+  for (int v = 0; v <= 700; ++v) words.push_back(v);
+  for (int v = 700; v < 65536; v += 211) words.push_back(v);
+  for (int v : words) {
+    const auto path = folder.overwrite("v.sht", Bytes().u16(static_cast<std::uint16_t>(v)));
+    const bool accepted = (v >= 52 && v <= 180) || (v >= 500 && v <= 32767);
+    ASSERT_EQ(LoadOldSheet(path.c_str(), s.get()), accepted ? 1 : -1) << v;
+    ASSERT_EQ(s->version, v);
+  }
+}
+
+TEST(LoadOldSheetByHand, MissingAndShortFiles) {
+  const TempFolder folder;
+  auto s = std::make_unique<OldSheet>();
+  s->version = 77;
+  EXPECT_EQ(LoadOldSheet(folder.path("none").c_str(), s.get()), -2);
+  EXPECT_EQ(LoadOldSheet("", s.get()), -2);
+  EXPECT_EQ(LoadOldSheet(nullptr, s.get()), -2);
+  EXPECT_EQ(LoadOldSheet(folder.write("empty", Bytes()).c_str(), s.get()), 1);
+  EXPECT_EQ(LoadOldSheet(folder.write("one", Bytes().u8(180)).c_str(), s.get()), 1);
+  EXPECT_EQ(s->version, 77);
+  EXPECT_EQ(LoadOldSheet(folder.path("one").c_str(), nullptr), -2);
+}
+
+TEST(LoadOldSheetByHand, VersionsFrom500OnAreReadWithTheNewestLayout) {
+  const TempFolder folder;
+  for (const Form& form : someForms(false)) {
+    const Made made = make(180, form);
+    for (int version : {52, 53, 150, 180, 500, 501, 32767}) {
+      const bool newest = version >= 180;
+      const Bytes body = newest ? made.bytes : make(version, form).bytes;
+      const auto path = folder.write("s.sht", Bytes().u16(static_cast<std::uint16_t>(version)).add(body));
+      auto s = std::make_unique<OldSheet>();
+      EXPECT_EQ(LoadOldSheet(path.c_str(), s.get()), 0) << version;
+      EXPECT_EQ(s->version, version);
+      EXPECT_EQ(s->sheetPath[0], '\0');
+      check(newest ? 180 : version, form, *s);
+    }
+  }
+}
+
+TEST(LoadOldSheetByHand, TheCurrentSheetTakesKnownVersionsFrom54OnWhateverTheBody) {
+  const TempFolder folder;
+  const auto status = [&](const Bytes& file) { return LoadOldSheetInformation(folder.write("s.sht", file).c_str()); };
+  std::vector<int> known{54, 60, 80, 90, 91, 92, 100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 170, 180};
+  for (int v = 150; v <= 162; ++v) known.push_back(v);
+  for (int v = 0; v <= 600; ++v) {
+    const bool ok = std::find(known.begin(), known.end(), v) != known.end();
+    EXPECT_EQ(status(Bytes().u16(static_cast<std::uint16_t>(v))), ok ? 0 : -1) << v;
+  }
+  EXPECT_EQ(status(Bytes().u16(32767)), -1);
+  EXPECT_EQ(status(Bytes().u16(0x8000)), -1);
+  EXPECT_EQ(status(Bytes()), 1);
+  EXPECT_EQ(status(Bytes().u8(180)), 1);
+  EXPECT_EQ(LoadOldSheetInformation(folder.path("none").c_str()), -2);
+  EXPECT_EQ(LoadOldSheetInformation(""), -2);
+  const Made made = make(180);
+  EXPECT_EQ(status(Bytes().u16(180).add(made.bytes)), 0);
+  EXPECT_EQ(status(Bytes().u16(180).add(made.bytes.cut(made.backAt))), 0);
+  EXPECT_EQ(status(Bytes().u16(52).add(make(52).bytes)), -1);
+  // A path longer than the record's field does no harm.
+  std::string deep = folder.path("d");
+  while (deep.size() < 300) deep += "/a-folder-with-a-long-name";
+  std::filesystem::create_directories(deep);
+  std::filesystem::copy_file(folder.path("s.sht"), deep + "/s.sht");
+  EXPECT_EQ(LoadOldSheetInformation((deep + "/s.sht").c_str()), -1);
+  folder.write("s.sht", Bytes().u16(54));
+  std::filesystem::copy_file(folder.path("s.sht"), deep + "/t.sht");
+  EXPECT_EQ(LoadOldSheetInformation((deep + "/t.sht").c_str()), 0);
+}
+
+// ---- the lists -------------------------------------------------------------------------------------
+
+TEST(SheetListsByHand, PartsKeepTheirListForACountOfZeroAndLoseItForANegativeOne) {
+  SheetPartList list;
+  list.parts.resize(3);
+  list.nameWidth = 17;
+  const auto read = [&](const Bytes& b, std::size_t* used = nullptr) {
+    return readFrom(
+        b, [&](InStream& from) { return ReadSheetPartList(from, 180, list); }, used);
+  };
+  EXPECT_EQ(read(Bytes()), 1);
+  EXPECT_EQ(read(word(2).cut(3)), 1);
+  std::size_t used = 0;
+  EXPECT_EQ(read(word(0).i32(9), &used), 0);
+  EXPECT_EQ(used, 4U);
+  EXPECT_EQ(read(word(2)), 1);
+  EXPECT_EQ(list.parts.size(), 3U);
+  EXPECT_EQ(list.nameWidth, 17);
+  EXPECT_EQ(read(word(-1).i32(9).i32(5), &used), 0);
+  EXPECT_EQ(used, 8U);
+  EXPECT_EQ(list.nameWidth, 9);
+  EXPECT_TRUE(list.parts.empty());
+  EXPECT_EQ(written([&](OutStream& to) { return WriteSheetPartList(to, 180, list); }), word(0));
+}
+
+TEST(SheetListsByHand, PartNamesEndAtTheirNulAndAreStoredWithWhatFollows) {
+  for (int width : {1, 4, 255, 256}) {
+    SheetMaker body;
+    SheetPartList stored;
+    stored.parts.resize(1);
+    TorvPart& part = stored.parts[0];
+    storedPart(body, 162, PartForm2{true, true, 0}, part);
+    stored.nameWidth = width;
+    const std::size_t n = static_cast<std::size_t>(width);
+    const std::string name = std::string("AB\0DEFG", 7), path = std::string(260, 'q');
+    std::memset(part.partName, 0, 256);
+    std::memcpy(part.partName, name.data(), name.size());
+    std::memcpy(part.partFullDosName, path.data(), path.size());
+    const Bytes b = word(1).i32(width).text(n, name).text(n, path).add(body.bytes);
+    bool ok = false;
+    EXPECT_EQ(written([&](OutStream& to) { return WriteSheetPartList(to, 162, stored); }, &ok), b);
+    EXPECT_TRUE(ok);
+    SheetPartList list;
+    ASSERT_EQ(readFrom(b, [&](InStream& from) { return ReadSheetPartList(from, 162, list); }), 0);
+    ASSERT_EQ(list.parts.size(), 1U);
+    EXPECT_STREQ(list.parts[0].partName, width == 1 ? "A" : "AB");
+    EXPECT_EQ(std::string_view(list.parts[0].partFullDosName), path.substr(0, n));
+    if (width >= 4) {
+      EXPECT_EQ(list.parts[0].partName[3], ' ');  // of "NEW PART"
+    }
+    SheetChecker again;
+    storedPart(again, 162, PartForm2{true, true, 0}, list.parts[0]);
+  }
+}
+
+TEST(SheetListsByHand, TextEntriesAreEmptiedByEveryCountThatArrives) {
+  for (int version : {60, 179, 180}) {
+    for (std::int64_t count : {0, -1}) {
+      std::vector<SheetTextEntry> list(2);
+      EXPECT_EQ(readFrom(word(count).cut(3), [&](InStream& s) { return ReadSheetTextEntries(s, version, list); }), 1);
+      EXPECT_EQ(list.size(), 2U);
+      EXPECT_EQ(readFrom(word(count), [&](InStream& s) { return ReadSheetTextEntries(s, version, list); }), 0);
+      EXPECT_TRUE(list.empty());
+    }
+    SheetMaker m;
+    std::vector<SheetTextEntry> stored;
+    elements(m, "text", stored, 2, [&](SheetTextEntry& e) { storedTextEntry(m, version, e); });
+    EXPECT_EQ(m.bytes.size(), 4U + 2 * (8 + 768 + 16 + (version >= 180 ? 4U : 0U)));
+    stored[0].entryWord2 = stored[0].entryWord8 = 5;
+    stored[1].entryText4[0] = 'x';
+    if (version < 180) stored[1].entryWord9 = 4;
+    EXPECT_EQ(written([&](OutStream& to) { return WriteSheetTextEntries(to, version, stored); }), m.bytes);
+    for (std::size_t cut = 4; cut <= m.bytes.size(); cut += cut % 97 == 5 ? 91 : 1) {
+      std::vector<SheetTextEntry> list(5);
+      const int result =
+          readFrom(m.bytes.cut(cut), [&](InStream& s) { return ReadSheetTextEntries(s, version, list); });
+      ASSERT_EQ(result, cut < m.bytes.size() ? 1 : 0) << cut;
+      ASSERT_EQ(list.size(), (cut - 4) / ((m.bytes.size() - 4) / 2)) << cut;
+      SheetChecker c(cut);
+      elements(c, "text", list, 2, [&](SheetTextEntry& e) { storedTextEntry(c, version, e); });
+    }
+  }
+}
+
+TEST(SheetListsByHand, NamedWorkListsAreEmptiedBeforeAnythingIsRead) {
+  for (int version : {60, 61, 80, 130, 180}) {
+    const auto read = [&](const Bytes& b, std::vector<NamedWorkList>& list, std::size_t* used = nullptr) {
+      return readFrom(
+          b, [&](InStream& s) { return ReadNamedWorkLists(s, version, list); }, used);
+    };
+    for (const Bytes& b : {Bytes(), word(2).cut(3), word(0), word(-3)}) {
+      std::vector<NamedWorkList> list(2);
+      EXPECT_EQ(read(b, list), b.size() < 4 ? 1 : 0);
+      EXPECT_TRUE(list.empty());
+    }
+    SheetMaker m;
+    std::vector<NamedWorkList> stored;
+    elements(m, "named", stored, 2, [&](NamedWorkList& l) { storedNamedList(m, version, l); });
+    EXPECT_EQ(written([&](OutStream& to) { return WriteNamedWorkLists(to, version, stored); }), m.bytes);
+    for (std::size_t cut = 4; cut <= m.bytes.size(); ++cut) {
+      std::vector<NamedWorkList> list(1);
+      ASSERT_EQ(read(m.bytes.cut(cut), list), cut < m.bytes.size() ? 1 : 0) << cut;
+      ASSERT_EQ(list.size(), (cut - 4) / ((m.bytes.size() - 4) / 2)) << cut;
+      SheetChecker c(cut);
+      elements(c, "named", list, 2, [&](NamedWorkList& l) { storedNamedList(c, version, l); });
+    }
+    // A list without entries, or with fewer than none, is still a list.
+    for (std::int64_t none : {0, -9}) {
+      std::vector<NamedWorkList> list;
+      EXPECT_EQ(read(word(1).text(256, "n").i32(1).i32(2).i32(3).i32(none), list), 0);
+      ASSERT_EQ(list.size(), 1U);
+      EXPECT_EQ(list[0].listWord3, 3);
+      EXPECT_TRUE(list[0].entries.empty());
+    }
+  }
+}
+
+TEST(SheetListsByHand, SetupListReportsNothingButItsLastThreeFields) {
+  SheetMaker m;
+  SheetSetupList stored;
+  storedSheetSetup(m, 2, stored);
+  EXPECT_EQ(m.bytes.size(), 4U + 3 * 66 + 16);
+  bool ok = false;
+  EXPECT_EQ(written([&](OutStream& to) { return WriteSheetSetupList(to, stored); }, &ok), m.bytes);
+  EXPECT_TRUE(ok);
+  for (std::size_t cut = 0; cut <= m.bytes.size(); ++cut) {
+    SCOPED_TRACE(cut);
+    SheetSetupList list;
+    const int result = readFrom(m.bytes.cut(cut), [&](InStream& s) { return ReadSheetSetupList(s, list); });
+    ASSERT_EQ(result, cut < 4 || cut == m.bytes.size() ? 0 : 1);
+    ASSERT_EQ(list.entries.size(), cut < 4 ? 0U : 2U);
+    SheetChecker c(cut);
+    storedSheetSetup(c, 2, list);
+  }
+}
+
+TEST(SheetListsByHand, SetupListCountsOfZeroAndBelow) {
+  SheetMaker m;
+  SheetSetupList other;
+  storedSheetSetup(m, 1, other);
+  const Bytes tail = behind(m.bytes, 4 + 66);
+  for (const Bytes& b : {Bytes(), word(5).cut(2), word(0).add(tail)}) {
+    SheetSetupList list;
+    list.entries.resize(2);
+    list.tailWord1 = 6;
+    std::size_t used = 9;
+    EXPECT_EQ(readFrom(
+                  b, [&](InStream& s) { return ReadSheetSetupList(s, list); }, &used),
+              0);
+    EXPECT_EQ(used, b.size() < 4 ? b.size() : 4U);
+    EXPECT_EQ(list.entries.size(), 2U);
+    EXPECT_EQ(list.tailWord1, 6U);
+    EXPECT_EQ(list.current.setupReal1, -1.0F);
+    EXPECT_EQ(list.current.setupReal2, -1.0F);
+  }
+  SheetSetupList list;
+  list.entries.resize(2);
+  EXPECT_EQ(readFrom(word(-4).add(tail), [&](InStream& s) { return ReadSheetSetupList(s, list); }), 0);
+  EXPECT_TRUE(list.entries.empty());
+  EXPECT_EQ(list.tailWord1, other.tailWord1);
+  EXPECT_EQ(list.tailWord2, other.tailWord2);
+  EXPECT_EQ(list.current.setupWord3, other.current.setupWord3);
+  EXPECT_EQ(list.currentBlocks[2][7], other.currentBlocks[2][7]);
+  // Without entries a save loses the tail.
+  EXPECT_EQ(written([&](OutStream& to) { return WriteSheetSetupList(to, list); }), word(0));
+}
+
+TEST(SheetListsByHand, SetupEntriesThatTookNothingFromTheFileEndAt1024) {
+  SheetMaker m;
+  SheetSetupList one;
+  storedSheetSetup(m, 1, one);
+  const Bytes entry = behind(m.bytes, 4).cut(66);
+  for (std::size_t more : {std::size_t{0}, std::size_t{10}, std::size_t{66}, std::size_t{66 + 42}}) {
+    for (std::int64_t count : {std::int64_t{1000}, std::int64_t{3000}, kTwoBillion}) {
+      SheetSetupList list;
+      const Bytes b = word(count).add(Bytes(entry).add(entry).cut(more));
+      EXPECT_EQ(readFrom(b, [&](InStream& s) { return ReadSheetSetupList(s, list); }), 1);
+      const std::size_t paid = (more + 65) / 66;
+      EXPECT_EQ(list.entries.size(), count == 1000 ? 1000U : paid + 1024) << more;
+      EXPECT_EQ(list.entries.back().entry.setupReal2, -1.0F);
+    }
+  }
+}
+
+TEST(SheetListsByHand, ExtensionEntriesFollowTheirCount) {
+  const auto read = [](const Bytes& b, std::vector<MachineExtensionEntry>& list) {
+    return readFrom(b, [&](InStream& s) { return ReadMachineExtensionEntries(s, list); });
+  };
+  std::vector<MachineExtensionEntry> list(2);
+  EXPECT_EQ(read(word(1).cut(3), list), 1);
+  EXPECT_EQ(read(word(0), list), 0);
+  EXPECT_EQ(list.size(), 2U);
+  EXPECT_EQ(read(word(-1), list), 0);
+  EXPECT_TRUE(list.empty());
+  SheetMaker m;
+  std::vector<MachineExtensionEntry> stored;
+  elements(m, "entry", stored, 3, [&](MachineExtensionEntry& e) { storedExtensionEntry(m, e); });
+  EXPECT_EQ(m.bytes.size(), 4U + 3 * 32);
+  EXPECT_EQ(written([&](OutStream& to) { return WriteMachineExtensionEntries(to, stored); }), m.bytes);
+  EXPECT_EQ(written([&](OutStream& to) { return WriteMachineExtensionEntries(to, {}); }), word(0));
+  for (std::size_t cut = 4; cut <= m.bytes.size(); ++cut) {
+    list.assign(7, {});
+    ASSERT_EQ(read(m.bytes.cut(cut), list), cut < m.bytes.size() ? 1 : 0);
+    ASSERT_EQ(list.size(), (cut - 4) / 32);
+    SheetChecker c(cut);
+    elements(c, "entry", list, 3, [&](MachineExtensionEntry& e) { storedExtensionEntry(c, e); });
+  }
+}
+
+TEST(SheetListsByHand, ABlockThatReadsWholeIsDroppedAndEndsTheList) {
+  for (int version : {152, 158, 160, 161, 180}) {
+    SheetMaker one;
+    ShapeWorkBlock block;
+    storedBlock(one, version, block);
+    const auto read = [&](const Bytes& b, std::vector<ShapeWorkBlock>& list, std::size_t& used) {
+      return readFrom(
+          b, [&](InStream& s) { return ReadShapeWorkBlocks(s, version, list); }, &used);
+    };
+    std::size_t used = 0;
+    std::vector<ShapeWorkBlock> list(2);
+    EXPECT_FALSE(read(word(1).cut(3), list, used));
+    EXPECT_TRUE(list.empty());
+    for (std::int64_t none : {0, -2}) {
+      list.resize(2);
+      EXPECT_TRUE(read(word(none).i32(1), list, used));
+      EXPECT_EQ(used, 4U);
+      EXPECT_TRUE(list.empty());
+    }
+    for (int count : {1, 2, 3}) {
+      list.resize(2);
+      EXPECT_FALSE(read(word(count).add(one.bytes).add(one.bytes), list, used)) << count;
+      EXPECT_EQ(used, 4 + one.bytes.size());
+      EXPECT_TRUE(list.empty());
+    }
+  }
+}
+
+TEST(SheetListsByHand, ABlockThatCannotBeReadWholeIsKeptAsFarAsItGot) {
+  for (int version : {152, 160}) {
+    SheetMaker m;
+    ShapeWorkBlock block;
+    m.stored(3);
+    storedBlock(m, version, block);
+    for (std::size_t cut = 4; cut < m.bytes.size(); ++cut) {
+      SCOPED_TRACE(cut);
+      std::vector<ShapeWorkBlock> list;
+      ASSERT_TRUE(readFrom(m.bytes.cut(cut), [&](InStream& s) { return ReadShapeWorkBlocks(s, version, list); }));
+      ASSERT_EQ(list.size(), 3U);
+      SheetChecker c(cut), none(0);
+      c.stored(3);
+      storedBlock(c, version, list[0]);
+      storedBlock(none, version, list[2]);
+    }
+    // One that is refused in the midst of the file is kept too, and the next begins where it broke off.
+    const std::size_t broken = 20 + 32 + 12 + 1 + 4 + 4 + 8;
+    const Bytes good = behind(m.bytes, 4);
+    const Bytes b = word(2).add(good.cut(broken)).i32(10).add(good).i32(1);
+    std::vector<ShapeWorkBlock> list;
+    std::size_t used = 0;
+    EXPECT_FALSE(readFrom(
+        b, [&](InStream& s) { return ReadShapeWorkBlocks(s, version, list); }, &used));
+    EXPECT_EQ(used, b.size() - 4);
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(list[0].blockWords[4], block.blockWords[4]);
+    EXPECT_EQ(list[0].blockShapes.listTag, block.blockShapes.listTag);
+    EXPECT_TRUE(list[0].blockShapes.shapes.empty());
+  }
+}
+
+TEST(SheetListsByHand, BlocksThatTookNothingFromTheFileEndAt1024) {
+  for (std::size_t more : {std::size_t{0}, std::size_t{3}, std::size_t{4}, std::size_t{60}}) {
+    for (std::int64_t count : {std::int64_t{1024}, std::int64_t{1100}, kTwoBillion}) {
+      std::vector<ShapeWorkBlock> list;
+      EXPECT_TRUE(readFrom(word(count).add(Bytes().zeros(more)),
+                           [&](InStream& s) { return ReadShapeWorkBlocks(s, 180, list); }));
+      EXPECT_EQ(list.size(), count == 1024 ? 1024U : 1024U + (more > 0 ? 1U : 0U)) << more << " " << count;
+    }
+  }
+}
+
+TEST(SheetListsByHand, OnlyTheSecondBlockIsEverWritten) {
+  EXPECT_EQ(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, {}); }), word(0));
+  for (std::size_t count : {2U, 3U, 5U}) {
+    SheetMaker m;
+    std::vector<ShapeWorkBlock> blocks(count);
+    m.stored(static_cast<std::int32_t>(count));
+    storedBlock(m, 180, blocks[1]);
+    bool ok = true;
+    EXPECT_EQ(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, blocks); }, &ok), m.bytes);
+    EXPECT_FALSE(ok);
+    // In a sheet that answer is passed over.
+    Form form;
+    form.writer = true;
+    const Made made = make(180, form);
+    made.sheet->blocks = blocks;
+    EXPECT_TRUE(writtenSheet(180, *made.sheet, &ok) == patched(made.bytes, made.field("blocks").begin, m.bytes, 4));
+    EXPECT_TRUE(ok);
+    const Made older = make(151, form);
+    older.sheet->blocks = blocks;
+    EXPECT_TRUE(writtenSheet(151, *older.sheet, &ok) == older.bytes);
+  }
+}
+
+TEST(SheetListsByHand, WhereTheSecondBlockCannotBeStoredTheThirdIs) {
+  std::vector<ShapeWorkBlock> blocks(3);
+  SheetMaker m;
+  storedBlock(m, 180, blocks[2]);
+  blocks[1].blockShapes.shapes.resize(1);
+  blocks[1].blockShapes.shapes[0].valueCount = 10;
+  bool ok = true;
+  const Bytes b = written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, blocks); }, &ok);
+  EXPECT_FALSE(ok);
+  ASSERT_GT(b.size(), m.bytes.size());
+  EXPECT_EQ(behind(b, b.size() - m.bytes.size()), m.bytes);
+}
+
+TEST(SheetListsByHandDeathTest, ASingleBlockEndsTheProcessOfItsWriter) {
+  std::vector<ShapeWorkBlock> blocks(1);
+  EXPECT_DEATH(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, blocks); }), "");
+  const Made made = make(152);
+  made.sheet->blocks = blocks;
+  EXPECT_DEATH(writtenSheet(152, *made.sheet), "");
+  // An older layout has no blocks.
+  bool ok = false;
+  writtenSheet(151, *made.sheet, &ok);
+  EXPECT_TRUE(ok);
+}
+
+}  // namespace
