@@ -16,7 +16,7 @@
 
 namespace oldtorvio {
 
-// About 20 KiB without its lists: keep it on the heap where stacks are small. Texts are raw bytes of
+// About 6 KiB without its lists: keep it on the heap where stacks are small. Texts are raw bytes of
 // the file: a text that fills its field has no NUL.
 struct TorvPart {
   std::int32_t recordWord = 0;      // memory only
@@ -47,8 +47,8 @@ struct TorvPart {
   StepTableList stepTables;
   WorkList workList;                  // since 71
   std::uint8_t processSlotCount = 0;  // how many of processSlots are stored, at most 250
-  ProcessSlot processSlots[250];
-  std::int32_t memoryWord1 = 1;  // memory only
+  ProcessSlots processSlots;          // 250
+  std::int32_t memoryWord1 = 1;       // memory only
   std::int32_t partWord2 = 11;
   std::int32_t memoryWord2 = 0;  // memory only
   std::int32_t workKind = 2;     // since 71; 2 below

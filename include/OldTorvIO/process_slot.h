@@ -2,6 +2,8 @@
 #pragma once
 #include <cstdint>
 
+#include "OldTorvIO/places.h"
+
 namespace oldtorvio {
 
 struct ProcessSlot {
@@ -20,5 +22,8 @@ struct ProcessSlot {
   std::uint16_t secondToolNumber = 0;  // since 90; 1-based
   std::int32_t slotKind = 3;           // since 80
 };
+
+// Those of a part or of a sheet, in use or not: processSlots[0] to processSlots[249].
+using ProcessSlots = Places<ProcessSlot, 250>;
 
 }  // namespace oldtorvio

@@ -18,7 +18,7 @@
 
 namespace oldtorvio {
 
-// About 220 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
+// About 208 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
 // fills its field has no NUL. A file without shapes stores nothing from processSlotCount to
 // patternItems; a load then leaves these fields as they are.
 struct OldSheet {
@@ -44,9 +44,9 @@ struct OldSheet {
   ShapeList scratchShapes;                                    // memory only
   std::uint32_t headerWord = 0;
   StepTableList stepTables;
-  std::int8_t processSlotCount = 0;  // how many of processSlots are stored; below 1 none
-  std::int32_t processSlotMode = 1;  // memory only
-  ProcessSlot processSlots[250];
+  std::int8_t processSlotCount = 0;                  // how many of processSlots are stored; below 1 none
+  std::int32_t processSlotMode = 1;                  // memory only
+  ProcessSlots processSlots;                         // 250
   std::vector<std::array<char, 256>> auxiliaryList;  // memory only
   std::uint8_t auxiliaryFlag = 1;                    // memory only
   std::vector<ShapeWorkBlock> blocks;                // since 152; only blocks that cannot be read whole are kept

@@ -70,8 +70,8 @@ class UsedTools {
   void look(const ProfileList& profiles) {
     anyProfileCounts_ = anyProfileCounts_ || std::ranges::any_of(profiles, counts);
   }
-  void slots(const ProcessSlot (&all)[250], int count) {
-    for (int i = 0; i < std::min(count, 250); ++i) {
+  void slots(const ProcessSlots& all, int count) {
+    for (std::size_t i = 0; i < all.size() && static_cast<int>(i) < count; ++i) {
       const ProcessSlot& slot = all[i];
       if (slot.toolUse != 1 || slot.toolActive == 0) continue;
       const auto number =
