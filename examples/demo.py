@@ -1,7 +1,9 @@
 """The same library from Python: ctypes and the shared library alone."""
 import ctypes
+import shutil
 import sys
-from ctypes import byref, c_char, c_char_p, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32, c_uint64, c_void_p
+from ctypes import (byref, c_char, c_char_p, c_double, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32,
+                    c_uint64, c_void_p)
 
 library_path, folder = sys.argv[1:]
 torv = ctypes.CDLL(library_path)
@@ -23,6 +25,24 @@ for name, result, arguments in [
     ("GetShapeAt", None, [c_int32] + [c_void_p] * 7),
     ("LoadOldMachineInformation", c_int32, [c_char_p, c_void_p]),
     ("LoadOldToolInventoryForCount", c_int32, [c_char_p, c_void_p]),
+    ("CreateSheetInfo", c_void_p, []),
+    ("DeleteSheetInfo", None, [c_void_p]),
+    ("FreeSheetHandle", None, [c_void_p]),
+    ("LoadOldSheet", c_int64, [c_char_p, c_void_p]),
+    ("SaveOldSheet", c_int64, [c_char_p, c_void_p, c_uint16]),
+    ("LoadOldSheetInformation", c_int32, [c_char_p]),
+    ("GetOldSheetHandle", c_int64, [c_char_p, c_void_p]),
+    ("GetOldSheetInfoByName", c_int64, [c_void_p, c_char_p, c_char_p]),
+    ("GetOldSheetInfoPartGroupIDs", c_int64, [c_void_p, c_char_p]),
+    ("GetOldSheetInfo", c_int64, [c_char_p] * 10 + [c_void_p] * 4 + [c_char_p, c_int32, c_void_p] * 2),
+    ("GetOldClampInfo", c_int64, [c_char_p] + [c_void_p] * 7),
+    ("GetOldVLMQMaterialName", c_int64, [c_char_p] * 3),
+    ("GetOldSkeletonUtil", c_int64, [c_char_p, c_void_p]),
+    ("GetSheetDriverFlags", c_int64, [c_char_p, c_void_p]),
+    ("GetSheetSequenceListSize", c_int64, [c_char_p, c_void_p]),
+    ("ReplaceSheetMachineNcPath", c_int64, [c_char_p] * 2),
+    ("ReplaceSheetSknPatListWithPartPatList", c_int64, [c_char_p] * 2),
+    ("UpdateSheetPartWONumber", c_int64, [c_char_p] * 4),
 ]:
     function = getattr(torv, name)
     function.restype, function.argtypes = result, arguments
@@ -92,3 +112,128 @@ check(torv.LoadOldToolInventoryForCount(path("shop.inv"), byref(tools)) == 0 and
 print(f"shop.inv\n  {tools.value} tools")
 check(torv.LoadOldToolInventoryForCount(path("tab.mac"), byref(tools)) == 0 and tools.value == 0, "no inventory")
 check(torv.LoadOldToolInventoryForCount(path("no such file"), byref(tools)) == -2, "a file that does not exist")
+
+
+class Sheet:
+    """A sheet by its handle, gone with the end of the with block."""
+
+    def __init__(self, name):
+        self.handle = c_void_p()
+        check(torv.GetOldSheetHandle(path(name), byref(self.handle)) == 0, "a handle of " + name)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        torv.FreeSheetHandle(self.handle)
+
+    def __getitem__(self, key):
+        answer = ctypes.create_string_buffer(16384)
+        check(torv.GetOldSheetInfoByName(self.handle, key.encode(), answer) == 0, key)
+        return answer.value.decode()
+
+    def groups(self):
+        answer = ctypes.create_string_buffer(16384)
+        check(torv.GetOldSheetInfoPartGroupIDs(self.handle, answer) == 0, "the groups")
+        return answer.value.decode()
+
+
+def info(name):
+    """What GetOldSheetInfo tells: nine texts, four numbers, the names and the tools."""
+    texts = [ctypes.create_string_buffer(261) for _ in range(9)]
+    numbers = [c_float(), c_float(), c_float(), c_double()]
+    long = [ctypes.create_string_buffer(16384), ctypes.create_string_buffer(16384)]
+    lengths = [c_int32(), c_int32()]
+    status = torv.GetOldSheetInfo(path(name), *texts, *map(byref, numbers), long[0], 16384, byref(lengths[0]), long[1],
+                                  16384, byref(lengths[1]))
+    check(status == 0, "the information of " + name)
+    check([len(one.value) for one in long] == [one.value for one in lengths], "the lengths of names and tools")
+    return ([one.value.decode() for one in texts] + [one.value for one in numbers],
+            *(one.value.decode().strip(",").split(",") for one in long))
+
+
+def small(name):
+    """The answers of the five small queries."""
+    word, count, real, places = c_uint32(), c_uint32(), [c_float() for _ in range(4)], (c_float * 8)()
+    status = torv.GetOldClampInfo(path(name), byref(word), *map(byref, real[:3]), places, byref(count), byref(real[3]))
+    check(status == 0, "the clamps")
+    texts = [ctypes.create_string_buffer(257) for _ in range(2)]
+    check(torv.GetOldVLMQMaterialName(path(name), *texts) == 0, "two texts")
+    utilization, flags, entries = c_float(-1), (c_int32 * 601)(), c_uint32()
+    check(torv.GetOldSkeletonUtil(path(name), byref(utilization)) == 0, "the utilization")
+    check(torv.GetSheetDriverFlags(path(name), flags) == 0, "the driver flags")
+    check(torv.GetSheetSequenceListSize(path(name), byref(entries)) == 0, "the sequence")
+    return (word.value, count.value, [one.value for one in real], list(places), [one.value.decode() for one in texts],
+            utilization.value, {i: flag for i, flag in enumerate(flags) if flag}, entries.value)
+
+
+names = [f"BRACKET {i:02}" for i in range(1, 13)]
+files = [rf"C:\KESTRADA\PARTS\{one}.part" for one in names]
+
+
+def expected(version, orders, area="19.750000"):
+    """The answers to all keys for the parts that have work orders: twelve, or none."""
+    late, count = version >= 152, len(orders)  # what stands behind the machine is out of step below 152
+    parts = list(zip(names, files, orders))
+    detail = [f"{file}|{4 + i / 2:f}|{3 + i / 4:f}|5|{order}|;" for i, (_, file, order) in enumerate(parts, 1)]
+    return {
+        "Material_Group": "MILD STEEL" if late else "", "sheet_mat_type": "DC01" if late else "",
+        "width": "96.000000", "height": "48.000000", "sheet_thickness": "0.062500", "part_count": str(count),
+        "partfulldosname_and_count": "|".join(f"{file} |5 " for _, file, _ in parts),
+        "partfulldosname_and_count_and_wonumber": "|".join(f"{file} |5 |{order} " for _, file, order in parts),
+        "partname_and_count_and_wonumber": "|".join(f"{name} |5 |{order} " for name, _, order in parts),
+        "part_details_01": "|".join(detail),
+        "preSkeletonDosName": r"C:\KESTRADA\SKELETON\REST 18%.part" if version >= 100 else "",
+        "totalSknPartCutArea": area, "sheet_utilization": "0.812500" if late else "0.000000",
+        "sheet_sequence_size": "60",
+    }
+
+
+def check_keys(name, answers):
+    with Sheet(name) as sheet:
+        for key, answer in answers.items():
+            check(sheet[key.upper()] == answer, f"{key} of {name}: {sheet[key]!r} and not {answer!r}")
+        groups = "".join(f"{100 + i}|" + (f"{200 + i}|" if i % 2 else "") + "," for i in range(1, 13))
+        check(sheet.groups() == (groups if answers["part_count"] == "12" else ""), f"the groups of {name}")
+
+
+# In order of first use; the ninth is the twin of the eighth.
+punches = [f"{1 if i <= 24 else 3} {i / 8:6.3f} {0 if i <= 24 else 0.25:6.3f}  0.000  0.000"
+           for i in (*range(4, 9), *range(10, 37), 1, 2, 3)]
+for version in (180, 112, 80):
+    name, late = f"nest_{version}.sheet", version >= 152
+    check(torv.LoadOldSheetInformation(path(name)) == 0, "the current sheet")
+    facts, told_names, tools = info(name)
+    texts = ["MILD STEEL", "DC01", "OILED", "GRAIN ALONG X", "STOCK 17"] if late else [""] * 5
+    check(facts == ["STEEL 0.0625.mat", *texts, r"C:\KESTRADA\MACHINES\TP-40L.mch", "NEST 4711",
+                    "STEEL 0.0625.mat", 96, 48, 0.0625, 7.875 if late else 0], f"the facts of {name}")
+    check(told_names == names, "the names of the parts")
+    check(tools == punches + ["108 Corner Punch  0.500"] + (["103  4.750  0.250  0.000  0.000"] if version >= 90 else [])
+          + ["33  5.000  0.250  0.000  0.000"], f"the tools of {name}")
+    check(small(name) == (5, 3, [1.5, 2.5, 3.5, 8], [6, 18, 30, 42, 27.5, 33, 38.5, 44],
+                          ["COLD ROLLED", "RACK 12"] if late else ["", ""], 0.8125 if late else 0,
+                          {55: 4, 101: -1, 600: 7}, 60), f"the small answers of {name}")
+    orders = ["WO-7001"] * 6 + ["WO-7002"] * 6 if version >= 162 else [""] * 12
+    check_keys(name, expected(version, orders, "19.750000" if version >= 100 else "0.000000"))
+    print(f"{name}\n  {facts[7]}: {len(names)} parts, {len(tools)} tools, the last {tools[-1]!r}")
+
+copy = "edited from Python.sheet"
+shutil.copy(path("nest_180.sheet"), path(copy))
+check(torv.UpdateSheetPartWONumber(path(copy), b"BRACKET 12", None, b"WO-9000") == 0, "another work order")
+orders = ["WO-7001"] * 6 + ["WO-7002"] * 5 + ["WO-9000"]
+check_keys(copy, expected(180, orders))
+check(torv.ReplaceSheetMachineNcPath(path(copy), rb"D:\NC\HALL2") == 0, "another NC path")
+with open(path(copy), "rb") as file:
+    check(b"D:\\NC\\HALL2\0" in file.read(), "the NC path in the file")
+check_keys(copy, expected(180, orders))
+check(torv.ReplaceSheetSknPatListWithPartPatList(path(copy), path("plate_180.part")) == 0, "a part as skeleton")
+check_keys(copy, expected(180, [], "0.000000"))
+print(f"{copy}\n  a work order, the NC path and the skeleton replaced")
+
+fresh = torv.CreateSheetInfo()
+check(torv.SaveOldSheet(path("fresh.sheet"), fresh, 180) == 0 and torv.LoadOldSheet(path("fresh.sheet"), fresh) == 0,
+      "a fresh sheet saved and loaded")
+torv.DeleteSheetInfo(fresh)
+with Sheet("fresh.sheet") as sheet:
+    check((sheet["width"], sheet["height"], sheet["part_count"]) == ("60.000000", "45.000000", "0"), "a fresh sheet")
+print("fresh.sheet\n  60 x 45 without parts")

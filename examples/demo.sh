@@ -11,16 +11,29 @@ export XDG_CONFIG_HOME=$work/config XDG_CONFIG_DIRS=$work/none
 mkdir -p "$work/config/OldTorvIO" "$work/files"
 printf '[Kestrada64bit]\nZRK_DEFAULT_SPECIAL_TOOL_PATH=%s/\n' "$work/files" >"$work/config/OldTorvIO/win.ini"
 
+echo '== a C++ program makes a nest: a plate, 12 parts in 60 placements, a machine with 40 stations'
+"$build/examples/example_nest" "$work/files"
 echo '== samples: special tools, a group part file, a machine, materials, an inventory, a macro, a part of version 5'
 "$build/examples/make_samples" "$work/files"
-echo '== a C program builds, saves and asks, also the machine and the inventory'
+echo '== a C program builds parts, saves them and asks, also the machine and the inventory'
 "$build/examples/example_demo" "$work/files"
+echo '== a C program asks the nest everything, edits copies of it and asks again'
+"$build/examples/example_nest_demo" "$work/files"
 echo '== a Python program does the same, and reads the samples'
 python3 "$here/demo.py" "$build/libOldTorvIO.so" "$work/files"
 echo '== a C++ program loads a material, a macro and the part of version 5 into records'
 "$build/examples/example_records" "$work/files"
 cd "$work/files"
-echo '== torvio check'
+echo '== torvio check: all files, and apart the sheet of version 112 that its edit made unreadable'
+mkdir ../apart
+mv edited_112.sheet ../apart
 "$build/tools/torvio" check ./*
+damaged=0
+"$build/tools/torvio" check --kind sheet ../apart/edited_112.sheet || damaged=$?
+[ "$damaged" = 1 ]
 echo '== torvio map tab.mac'
 "$build/tools/torvio" map tab.mac
+echo '== torvio map nest_180.sheet'
+"$build/tools/torvio" map nest_180.sheet >../nest.map
+head -n 40 ../nest.map
+echo "... and $(($(wc -l <../nest.map) - 40)) more lines"

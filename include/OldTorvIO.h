@@ -21,7 +21,9 @@
  *   Null        Loads answer -2 for a null path or record. Other pointers must be valid unless a
  *               function says what null does.
  *   Process end A text that does not fit where a function says so, or an index that a function
- *               says is fatal, ends the process (abort). No file content ever does.
+ *               says is fatal, ends the process (abort). What a file holds does so in three places
+ *               alone: see GetOldToolInventoryInformation, SaveOldSheet (and the edits, which
+ *               save) and GetOldSheetInfo.
  *   Threads     Functions on a caller's own record may run at the same time on different records.
  *               The part builder, the current special tool, the current tool inventory, the
  *               current machine and the current sheet exist once in the process: one thread at a
@@ -354,22 +356,31 @@ OLDTORVIO_API void DeleteSheetInfo(OldSheet* sheet) OLDTORVIO_NOEXCEPT;
 OLDTORVIO_API void FreeSheetHandle(OldSheet* sheet) OLDTORVIO_NOEXCEPT;
 
 /* Loads a sheet file into `sheet`. Accepted versions: 52 to 180, and 500 to 32767, which are read with
- * the newest layout. `sheet->version` holds the version word, also when it is refused. */
+ * the newest layout. `sheet->version` holds the version word, also when it is refused.
+ *
+ * A count of 0 leaves the parts of a sheet in use as they were, and a file without shapes of its own all
+ * that belongs to them. A file may end in the spare word in front of the parameter table and in
+ * materialText5 and lateValue: the load then gives 0, and what stands behind keeps what it held. */
 OLDTORVIO_API int64_t LoadOldSheet(const char* path, OldSheet* sheet) OLDTORVIO_NOEXCEPT;
 
 /* Saves a sheet in the layout of `version`, 52 to 180; `sheet->version` is not looked at.
  *
  * 0 saved; -1 for another version, which leaves a file of two bytes; -2 when the file cannot be opened
  * or written, when the sheet holds what no file can (a width of 0, counts beyond their arrays), or for
- * a null sheet. A sheet whose parameter table has version 0 gets an empty table of the file's version,
+ * a null sheet or path. A save that fails leaves what had been stored before the fault. A sheet whose parameter table has version 0 gets an empty table of the file's version,
  * and its machine a text width of 256 if it has none. In the record the choices of the machine's
  * material change as told there. `sheet->blocks` with exactly one element ends the process; such a list
- * comes only from a damaged file. */
+ * comes only from a damaged file.
+ *
+ * Below version 152 the machine stores its machineWord124 to machineWord132 and lateByteC, which a load
+ * of that version does not take: what stands behind the machine is then read out of step. With these
+ * fields at 0 such a file loads; a load of a sheet below 151 makes some of them other than 0, and once
+ * saved again at 60 to 150 it gives status 1. */
 OLDTORVIO_API int64_t SaveOldSheet(const char* path, OldSheet* sheet, uint16_t version) OLDTORVIO_NOEXCEPT;
 
-/* Loads a sheet file into the process-wide current sheet, which nothing reads. -2 for a file that cannot
- * be opened, 1 without a whole version word, -1 for a version that tool inventories do not have; a fault
- * behind the version word gives 0. */
+/* Loads a sheet file into the process-wide current sheet, which nothing reads: the result is all that it
+ * gives. -2 for a file that cannot be opened, 1 without a whole version word, -1 for a version that tool
+ * inventories do not have; a fault behind the version word gives 0. */
 OLDTORVIO_API int32_t LoadOldSheetInformation(const char* path) OLDTORVIO_NOEXCEPT;
 
 /* Loads a sheet file into a new sheet and stores it in *sheet. -2 for a file that cannot be opened or a
@@ -393,12 +404,15 @@ OLDTORVIO_API int64_t GetOldSheetHandle(const char* path, OldSheet** sheet) OLDT
  *                                            text; at most 259 characters
  *   "totalSknPartCutArea"                    sum over the skeleton's cut shapes, as "%f"
  *   "sheet_utilization"                      as "%f"
- * The lists lose their last "|". The quantity of a part is the sum over its patterns of gridCount1 times
- * gridCount2, in 32 bits.
- * -2 for any null pointer, otherwise 0; an unknown key leaves `value`, which needs room for the answer. */
+ * The lists lose their last "|" and are empty without parts. The quantity of a part is the sum over its
+ * patterns of gridCount1 times gridCount2, in 32 bits. Sizes are in the suite's length unit.
+ * -2 for any null pointer, otherwise 0; an unknown key leaves `value`. It needs room for the answer: 260
+ * bytes for a text, 64 for a number, and for a list as many as its items take: of each part at most 260 for
+ * its path, 256 for a name or work order and 64 for a number. */
 OLDTORVIO_API int64_t GetOldSheetInfoByName(const OldSheet* sheet, const char* key, char* value) OLDTORVIO_NOEXCEPT;
 
-/* For each part the group ids above zero of its patterns, "%d|" each, and ",". -2 for a null sheet. */
+/* For each part the group ids above zero of its patterns, "%d|" each (at most 11 characters), and ",".
+ * An empty text without parts. -2 for a null sheet, otherwise 0. */
 OLDTORVIO_API int64_t GetOldSheetInfoPartGroupIDs(const OldSheet* sheet, char* value) OLDTORVIO_NOEXCEPT;
 
 /* ---- Questions about sheet files: each loads the file, answers and forgets it ----------------------- */
@@ -406,10 +420,14 @@ OLDTORVIO_API int64_t GetOldSheetInfoPartGroupIDs(const OldSheet* sheet, char* v
 /* What a sheet is made of and the tools that its nest really uses.
  *
  * materialName, materialFile  the parameter table's name and ".mat"; room for 261 bytes
- * other texts                 of those names; room for 261 bytes each
+ * other texts                 of those names, machinePath the path of its machine; room for 261 bytes each
+ * width, height, thickness    of the plate, in the suite's length unit
  * partNames                   "," and for each part its name and ","
  * tools                       "," and for each distinct tool, in order of first use, an item as in
- *                             GetOldPartTool; an item equal to the one before it is left out
+ *                             GetOldPartTool; an item equal to the one before it is left out. Used are
+ *                             the tools of the parts' patterns and slots, of the sheet's own items from
+ *                             the 29th on and slots, and, if the machine is of kind 4 and a profile says
+ *                             so, of its first station with the bit of value 2 in byteA
  * Of these two *length is the text's length without NUL; the text is copied only if that is below the
  * size. -2 for a file that cannot be opened, 1 without a whole version word, -1 for a version that tool
  * inventories do not have; a fault behind the version word gives 0 and leaves all outputs. A tool number
@@ -421,21 +439,22 @@ OLDTORVIO_API int64_t GetOldSheetInfo(const char* path, char* materialName, char
                                       int32_t* partNamesLength, char* tools, int32_t toolsSize,
                                       int32_t* toolsLength) OLDTORVIO_NOEXCEPT;
 
-/* The sheet's clamps. positions: eight numbers, those of the sheet's machine; first, second and third
- * are carried words handed out as the floats that their bits are. Results as in GetOldSheetInfo. */
+/* The sheet's clamps: their number, their spacing and four carried words, of which first, second and
+ * third are handed out as the floats that their bits are. positions: always eight numbers, those of the
+ * sheet's machine. Results as in GetOldSheetInfo. */
 OLDTORVIO_API int64_t GetOldClampInfo(const char* path, uint32_t* word, float* first, float* second, float* third,
                                       float* positions, uint32_t* count, float* spacing) OLDTORVIO_NOEXCEPT;
 
-/* Two of the sheet's five part texts, the third and the fifth; room for 257 bytes each. Results as in
- * GetOldSheetInfo. */
+/* Two of the sheet's five part texts, the third and the fifth, empty below version 111; room for 257
+ * bytes each. Results as in GetOldSheetInfo. */
 OLDTORVIO_API int64_t GetOldVLMQMaterialName(const char* path, char* text3, char* text5) OLDTORVIO_NOEXCEPT;
 
-/* The utilization of the plate; 0 below version 102. Results as in GetOldSheetInfo. */
+/* The utilization of the plate as stored; 0 below version 102. Results as in GetOldSheetInfo. */
 OLDTORVIO_API int64_t GetOldSkeletonUtil(const char* path, float* utilization) OLDTORVIO_NOEXCEPT;
 
-/* All 601 driver flags of a sheet of any version that LoadOldSheet accepts. The status is that of the
- * load; the flags are set with status 0 and 1, as far as they were read (all zero before), and stay
- * with -1 and -2. */
+/* All 601 driver flags of a sheet of any version that LoadOldSheet accepts: the integers of its parameter
+ * table. The status is that of the load; the flags are set with status 0 and 1, as far as they were read
+ * (zero where nothing was), and stay with -1 and -2. */
 OLDTORVIO_API int64_t GetSheetDriverFlags(const char* path, int32_t* flags) OLDTORVIO_NOEXCEPT;
 
 /* The number of work entries of a sheet of any version that LoadOldSheet accepts. The status is that of
@@ -446,18 +465,24 @@ OLDTORVIO_API int64_t GetSheetSequenceListSize(const char* path, uint32_t* count
 /* Each loads the file, changes one thing and saves it under the same path and version. What a load does
  * not keep is lost. -2 for a file that cannot be opened, 1 without a whole version word, -1 for a version
  * that is not one of 1, 6, 52 and those of tool inventories; behind that 0, whatever came of it: the
- * result does not tell whether the file changed. */
+ * result does not tell whether the file changed. A file that cannot be loaded, also one of version 1 or 6,
+ * stays as it is; a save that fails leaves half a file. There is no temporary file and no way back.
+ *
+ * Warning: a sheet of version 60 to 150 cannot be loaded any more after an edit that saved it (see
+ * SaveOldSheet). For such files use LoadOldSheet and SaveOldSheet with a version of 152 or above. */
 
-/* Sets the machine's NC path, unless it differs in case only. A path of 256 characters or more that
+/* Sets the machine's NC path (ncPath, not null), unless it differs in case only; then the file stays. A path of 256 characters or more that
  * would be stored ends the process. Files below version 62 do not store it. */
 OLDTORVIO_API int64_t ReplaceSheetMachineNcPath(const char* path, const char* ncPath) OLDTORVIO_NOEXCEPT;
 
-/* Empties the part list and makes the shapes of a part file the skeleton. -2 also for a part that cannot
- * be loaded. Files below version 100 do not store a skeleton. */
+/* Empties the part list and makes the shapes of a part file the skeleton; its name and the utilization
+ * stay. -2 also for a part that cannot be loaded; the version of the sheet is judged first. Files below
+ * version 100 do not store a skeleton. */
 OLDTORVIO_API int64_t ReplaceSheetSknPatListWithPartPatList(const char* path, const char* partPath) OLDTORVIO_NOEXCEPT;
 
-/* Sets the work order number of each part whose path has the base name partName (with regard to case)
- * and, unless oldNumber is null, whose number is oldNumber. -2 also if any other pointer is null. A
+/* Sets the work order number of each part whose path has the base name partName (without drive, folder
+ * and extension, with regard to case) and, unless oldNumber is null, whose number is oldNumber. A sheet
+ * without such a part stays as it is. -2 also if any other pointer is null. A
  * number of 256 characters or more that would be stored ends the process. Files below version 162 do
  * not store it. */
 OLDTORVIO_API int64_t UpdateSheetPartWONumber(const char* path, const char* partName, const char* oldNumber,

@@ -19,8 +19,9 @@
 namespace oldtorvio {
 
 // About 208 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
-// fills its field has no NUL. A file without shapes stores nothing from processSlotCount to
-// patternItems; a load then leaves these fields as they are.
+// fills its field has no NUL. Words without a stated meaning are carried. A file without shapes stores
+// nothing of processSlotCount, processSlots, marks, profiles, stepTables, setupList and patternItems; a
+// load then leaves these fields as they are.
 struct OldSheet {
   static ShapeList freshShapes() {
     ShapeList list;
@@ -31,7 +32,7 @@ struct OldSheet {
   std::uint16_t version = 0;            // version word of the file, also when it is refused
   char sheetName[256] = "NEW SHEET";    // memory only
   char sheetPath[260] = {};             // memory only; LoadOldSheetInformation sets it
-  float width = 60.0F, height = 45.0F;  // of the plate
+  float width = 60.0F, height = 45.0F;  // of the plate, in the suite's length unit
   float thickness = 0.048F;             // of the plate
   SheetPartList partList;
   SheetSetupList setupList;
@@ -50,26 +51,27 @@ struct OldSheet {
   std::vector<std::array<char, 256>> auxiliaryList;  // memory only
   std::uint8_t auxiliaryFlag = 1;                    // memory only
   std::vector<ShapeWorkBlock> blocks;                // since 152; only blocks that cannot be read whole are kept
-  std::int32_t textWidth = 256;                      // bytes of sheetLabel, machine path and partTexts in the file
+  std::int32_t textWidth = 256;  // bytes of sheetLabel, machine path and partTexts in the file, 1 to 256
   char sheetLabel[256] = {};
   WorkList workList;  // the sequence of the sheet
   RowTable rowTable;
   ClampRowTable clampRowTable;
-  ClampInfo clampInfo;
-  ParamTable paramTable;                      // its integers are the driver flags, its name the material file
-  std::uint32_t leadWords[6] = {};            // the sixth since 54
-  OldMachine machine;                         // its path stands in front of it since 61; empty below
-  std::uint32_t optionWord = 0;               // stored where the machine has no extension
-  std::vector<SheetTextEntry> textEntries;    // since 60
-  std::vector<NamedWorkList> namedWorkLists;  // since 60; a fault inside is passed over
-  std::uint32_t trailingWords[3] = {};        // since 90
-  ShapeList skeletonShapes;                   // since 100
-  char skeletonDosName[260] = {};             // since 100
-  float utilization = 0;                      // since 102
-  char partTexts[5][256] = {};                // since 111, textWidth bytes each
-  std::uint32_t partTextWord = 0;             // since 111
-  char materialGroup[256] = {};               // since 112
-  char materialType[256] = {};                // since 112
+  ClampInfo clampInfo;              // of the sheet; the machine has its own
+  ParamTable paramTable;            // its integers are the driver flags, its name the material file; a save stores
+                                    // an empty table in the place of one of version 0
+  std::uint32_t leadWords[6] = {};  // the sixth since 54
+  OldMachine machine;               // its path stands in front of it since 61; empty below
+  std::uint32_t optionWord = 0;     // stored where the machine has no extension
+  std::vector<SheetTextEntry> textEntries;                // since 60
+  std::vector<NamedWorkList> namedWorkLists;              // since 60; a fault inside is passed over
+  std::uint32_t trailingWords[3] = {};                    // since 90
+  ShapeList skeletonShapes;                               // since 100
+  char skeletonDosName[260] = {};                         // since 100
+  float utilization = 0;                                  // since 102; of the plate, as the suite stored it
+  char partTexts[5][256] = {};                            // since 111, textWidth bytes each; see GetOldVLMQMaterialName
+  std::uint32_t partTextWord = 0;                         // since 111
+  char materialGroup[256] = {};                           // since 112
+  char materialType[256] = {};                            // since 112
   char materialText3[256] = {}, materialText4[256] = {};  // since 112
   char materialText5[256] = {};                           // since 130
   double lateValue = 0;                                   // since 140

@@ -24,12 +24,13 @@ struct SheetSetupList {
   std::uint32_t tailWord1 = 0, tailWord2 = 0;
 };
 
+// Words without a stated meaning are carried.
 struct SheetTextEntry {
   std::uint32_t entryWord1 = 0;
   std::uint32_t entryWord2 = 0;  // memory only
   std::uint32_t entryWord3 = 0;
-  char entryText1[256] = {}, entryText2[256] = {}, entryText3[256] = {};
-  char entryText4[256] = {};  // memory only
+  char entryText1[256] = {}, entryText2[256] = {}, entryText3[256] = {};  // raw
+  char entryText4[256] = {};                                              // memory only
   std::uint32_t entryWord4 = 0, entryWord5 = 0, entryWord6 = 0;
   std::int32_t entryWord7 = -1;
   std::uint32_t entryWord8 = 0;  // memory only
@@ -40,9 +41,10 @@ struct NamedWorkList {
   char listName[256] = {};  // raw
   std::uint32_t listWord1 = 0, listWord2 = 0;
   std::int32_t listWord3 = -1;
-  WorkList entries;
+  WorkList entries;  // a sequence of its own
 };
 
+// Stored from blockWords to blockValues, blockShapes, work. See the blocks of a sheet for what a load keeps.
 struct ShapeWorkBlock {
   std::uint8_t blockValues[4][8] = {};
   WorkList work;
@@ -50,13 +52,15 @@ struct ShapeWorkBlock {
   std::uint32_t blockWords[5] = {};  // stored first
 };
 
+// A row is a word and a value of eight bytes.
 struct RowTable {
   std::int32_t count = 0;  // rows that are stored, at most 25; below 1 none
   std::uint32_t words[25] = {};
   std::uint8_t values[25][8] = {};
 };
 
-// Of each row as many words are stored as the sheet has clamps.
+// Of each row as many words are stored as the sheet's clampInfo has clamps, from the first on, and the
+// value behind them.
 struct ClampRowTable {
   std::int32_t count = 0;  // rows that are stored, at most 25; below 1 none
   std::uint32_t words[25][8] = {};

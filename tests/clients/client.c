@@ -96,15 +96,102 @@ static void ask_a_machine(const char* path) {
                               &q[11]) == -2);
 }
 
+/* A fresh sheet: saved, loaded, asked, edited and freed. `part` is a part with two shapes. */
+static void ask_a_sheet(const char* path, const char* part) {
+  static int32_t flags[601];
+  char text[9][261], names[16] = "unchanged", tools[16] = "unchanged";
+  float f[5] = {9, 9, 9, 9, 9}, positions[8];
+  double late = 9;
+  uint32_t word = 9, count = 9;
+  int32_t length[2] = {9, 9};
+  size_t i;
+  OldSheet* none = NULL;
+  OldSheet* loaded = NULL;
+  OldSheet* sheet = CreateSheetInfo();
+  for (i = 0; i < 9; ++i) strcpy(text[i], "unchanged");
+  for (i = 0; i < 601; ++i) flags[i] = 9;
+
+  /* What is refused leaves everything as it was. */
+  EXPECT(sheet != NULL);
+  EXPECT(SaveOldSheet(path, NULL, 180) == -2);
+  EXPECT(SaveOldSheet(NULL, sheet, 180) == -2);
+  EXPECT(SaveOldSheet(path, sheet, 181) == -1);
+  EXPECT(SaveOldSheet(path, sheet, 51) == -1);
+  EXPECT(LoadOldSheet(path, NULL) == -2);
+  EXPECT(LoadOldSheet(NULL, sheet) == -2);
+  EXPECT(LoadOldSheet("/no/such/file", sheet) == -2);
+  EXPECT(LoadOldSheetInformation(NULL) == -2);
+  EXPECT(LoadOldSheetInformation("/no/such/file") == -2);
+  EXPECT(GetOldSheetHandle(path, NULL) == -2);
+  EXPECT(GetOldSheetHandle(NULL, &none) == -2);
+  EXPECT(GetOldSheetHandle(path, &none) == -1 && none == NULL); /* the file of version 51 */
+  EXPECT(GetOldSheetInfoByName(NULL, "width", text[0]) == -2);
+  EXPECT(GetOldSheetInfoByName(sheet, NULL, text[0]) == -2);
+  EXPECT(GetOldSheetInfoByName(sheet, "width", NULL) == -2);
+  EXPECT(GetOldSheetInfoPartGroupIDs(NULL, text[0]) == -2);
+  EXPECT(GetOldSheetInfo("/no/such/file", text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7],
+                         text[8], &f[0], &f[1], &f[2], &late, names, 16, &length[0], tools, 16, &length[1]) == -2);
+  EXPECT(GetOldClampInfo("/no/such/file", &word, &f[0], &f[1], &f[2], positions, &count, &f[3]) == -2);
+  EXPECT(GetOldVLMQMaterialName("/no/such/file", text[0], text[1]) == -2);
+  EXPECT(GetOldSkeletonUtil("/no/such/file", &f[4]) == -2);
+  EXPECT(GetSheetDriverFlags(path, flags) == -1);
+  EXPECT(GetSheetSequenceListSize(path, &count) == -1);
+  EXPECT(ReplaceSheetMachineNcPath("/no/such/file", "NC") == -2);
+  EXPECT(ReplaceSheetSknPatListWithPartPatList("/no/such/file", part) == -2);
+  EXPECT(UpdateSheetPartWONumber(NULL, "PART", NULL, "WO") == -2);
+  EXPECT(UpdateSheetPartWONumber(path, NULL, NULL, "WO") == -2);
+  EXPECT(UpdateSheetPartWONumber(path, "PART", NULL, NULL) == -2);
+  EXPECT(UpdateSheetPartWONumber("/no/such/file", "PART", NULL, "WO") == -2);
+  for (i = 0; i < 9; ++i) EXPECT(strcmp(text[i], "unchanged") == 0);
+  for (i = 0; i < 5; ++i) EXPECT(f[i] == 9);
+  for (i = 0; i < 601; ++i) EXPECT(flags[i] == 9);
+  EXPECT(late == 9 && word == 9 && count == 9 && length[0] == 9 && length[1] == 9);
+  EXPECT(strcmp(names, "unchanged") == 0 && strcmp(tools, "unchanged") == 0);
+
+  EXPECT(SaveOldSheet(path, sheet, 180) == 0);
+  EXPECT(LoadOldSheet(path, sheet) == 0);
+  EXPECT(LoadOldSheetInformation(path) == 0);
+  EXPECT(GetOldSheetHandle(path, &loaded) == 0 && loaded != NULL);
+  EXPECT(GetOldSheetInfoByName(loaded, "Width", text[0]) == 0 && strcmp(text[0], "60.000000") == 0);
+  EXPECT(GetOldSheetInfoByName(loaded, "no key", text[1]) == 0 && strcmp(text[1], "unchanged") == 0);
+  EXPECT(GetOldSheetInfoPartGroupIDs(loaded, text[1]) == 0 && text[1][0] == '\0');
+  EXPECT(GetOldSheetInfo(path, text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7], text[8], &f[0],
+                         &f[1], &f[2], &late, names, 1, &length[0], tools, 16, &length[1]) == 0);
+  EXPECT(strcmp(text[0], ".mat") == 0 && strcmp(text[8], ".mat") == 0);
+  for (i = 1; i < 8; ++i) EXPECT(text[i][0] == '\0');
+  EXPECT(f[0] == 60 && f[1] == 45 && f[2] == 0.048f && late == 0);
+  EXPECT(length[0] == 1 && strcmp(names, "unchanged") == 0 && length[1] == 1 && strcmp(tools, ",") == 0);
+  EXPECT(GetOldClampInfo(path, &word, &f[0], &f[1], &f[2], positions, &count, &f[3]) == 0);
+  EXPECT(word == 0 && f[0] == 0 && f[1] == 0 && f[2] == 0 && count == 2 && f[3] == 5.5f);
+  for (i = 0; i < 8; ++i) EXPECT(positions[i] == 5.5f * (float)(i + 1));
+  EXPECT(GetOldVLMQMaterialName(path, text[7], text[8]) == 0 && text[7][0] == '\0' && text[8][0] == '\0');
+  EXPECT(GetOldSkeletonUtil(path, &f[4]) == 0 && f[4] == 0);
+  EXPECT(GetSheetDriverFlags(path, flags) == 0);
+  for (i = 0; i < 601; ++i) EXPECT(flags[i] == 0);
+  EXPECT(GetSheetSequenceListSize(path, &count) == 0 && count == 0);
+
+  EXPECT(ReplaceSheetMachineNcPath(path, "NC") == 0);
+  EXPECT(ReplaceSheetSknPatListWithPartPatList(path, "/no/such/file") == -2);
+  EXPECT(ReplaceSheetSknPatListWithPartPatList(path, part) == 0);
+  EXPECT(UpdateSheetPartWONumber(path, "PART", NULL, "WO") == 0);
+  EXPECT(LoadOldSheet(path, sheet) == 0);
+
+  FreeSheetHandle(loaded);
+  FreeSheetHandle(NULL);
+  DeleteSheetInfo(sheet);
+  DeleteSheetInfo(NULL);
+}
+
 int main(int argc, char** argv) {
   const uint32_t values[9] = {0};
-  char path[1024], text[1024] = "unchanged";
+  char path[1024], sheet_path[1024], text[1024] = "unchanged";
   float a = 1, b = 2, c = 3, f = 4;
   uint32_t length = 5;
   int32_t number = 6;
   uint8_t late = 7;
   SheetPartList* list = CreateOldPartlistInfo();
   (void)snprintf(path, sizeof path, "%s/client_c.part", argc > 1 ? argv[1] : ".");
+  (void)snprintf(sheet_path, sizeof sheet_path, "%s/client_c.sheet", argc > 1 ? argv[1] : ".");
 
   EXPECT(list != NULL);
   InitTorvPart(1.5f, 2.5f, 0.25f, -1, NULL, NULL, NULL, NULL, NULL, NULL);
@@ -135,9 +222,11 @@ int main(int argc, char** argv) {
   DeleteOldPartlistInfo(NULL);
   EXPECT(LoadOldMaterial(path, NULL) == -2);
   EXPECT(LoadOldMacro(path, NULL) == -2);
+  ask_a_sheet(sheet_path, path);
   ask_an_inventory(path);
   ask_a_machine(path);
   (void)remove(path);
+  (void)remove(sheet_path);
   printf("%d failures\n", failures);
   return failures == 0 ? 0 : 1;
 }

@@ -6,7 +6,8 @@ import sys
 root = pathlib.Path(sys.argv[1])
 readme = (root / "README.md").read_text()
 wrong = ["README differs from examples/" + name
-         for name in ("readme.c", "readme.py") if (root / "examples" / name).read_text() not in readme]
+         for name in ("readme.c", "readme.py", "readme_sheet.py")
+         if (root / "examples" / name).read_text() not in readme]
 
 tests = "".join(path.read_text() for path in (root / "tests").rglob("*_test.cpp"))
 existing = {".".join(names) for names in re.findall(r"\bTEST(?:_F|_P)?\((\w+),\s*(\w+)\)", tests)}

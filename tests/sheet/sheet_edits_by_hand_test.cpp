@@ -291,6 +291,30 @@ TEST(SheetEditsByHand, ChangeAFileOnlyIfAllOfItLoads) {
   }
 }
 
+// Below 152 a save stores the machine's late words, which a load of that version does not take. One below
+// 151 makes some of them other than 0, and behind the machine these then stand for counts.
+TEST(SheetEditsByHand, ASheetOfVersion60To150CannotBeLoadedAfterAnyOfThem) {
+  const TempFolder folder;
+  const auto edits = everyEdit(partFile(folder, skeletonPart()));
+  for (int version : savedVersions()) {
+    auto bare = someSheet();
+    bare->textEntries.clear();
+    bare->namedWorkLists.clear();
+    bare->optionWord = 0;
+    const auto file = soundFile(folder, *bare, version);
+    for (const Edit& edit : edits) {
+      const auto path = put(folder, "sheet", file);
+      auto sheet = std::make_unique<OldSheet>();
+      ASSERT_EQ(LoadOldSheet(path.c_str(), sheet.get()), 0) << version;
+      EXPECT_EQ(edit.run(path), 0) << edit.name;
+      const bool rewritten = !sameBytes(contentOf(path), file);
+      const int result = rewritten && version >= 60 && version <= 150 ? 1 : 0;
+      EXPECT_EQ(LoadOldSheet(path.c_str(), sheet.get()), result) << edit.name << " at " << version;
+      EXPECT_TRUE(rewritten || version < 162) << edit.name << " at " << version;
+    }
+  }
+}
+
 TEST(SheetEditsByHand, DropWhatStandsBehindTheSheetAndKeepNoBlocks) {
   const TempFolder folder;
   const int version = 160;  // the last version whose sheets end with their blocks
@@ -312,6 +336,19 @@ TEST(SheetEditsByHand, DropWhatStandsBehindTheSheetAndKeepNoBlocks) {
 }
 
 // ---- edits: the NC path ------------------------------------------------------------------------------
+
+// A load keeps a block that the file does not hold whole, and no save can store a single one.
+TEST(SheetEditsByHandDeathTest, ASheetThatEndsInItsOnlyBlockEndsTheProcess) {
+  const TempFolder folder;
+  for (int version : {152, 160}) {
+    const auto sound = soundFile(folder, *someSheet(), version);
+    const auto path = put(folder, "sheet", sound.substr(0, sound.size() - 4) + word(1));
+    EXPECT_EQ(loadedFrom(path)->blocks.size(), 1U);
+    for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
+      EXPECT_DEATH((void)edit.run(path), "") << edit.name << " at " << version;
+    }
+  }
+}
 
 TEST(SheetEditsByHand, ANewNcPathChangesItsTextAndItsNulAlone) {
   const TempFolder folder;
