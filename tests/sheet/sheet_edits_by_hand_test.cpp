@@ -342,10 +342,12 @@ TEST(SheetEditsByHandDeathTest, ASheetThatEndsInItsOnlyBlockEndsTheProcess) {
   const TempFolder folder;
   for (int version : {152, 160}) {
     const auto sound = soundFile(folder, *someSheet(), version);
-    const auto path = put(folder, "sheet", sound.substr(0, sound.size() - 4) + word(1));
-    EXPECT_EQ(loadedFrom(path)->blocks.size(), 1U);
+    const auto cut = sound.substr(0, sound.size() - 4) + word(1);
     for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
+      const auto path = put(folder, "sheet", cut);
+      EXPECT_EQ(loadedFrom(path)->blocks.size(), 1U);
       EXPECT_DEATH((void)edit.run(path), "") << edit.name << " at " << version;
+      EXPECT_LT(contentOf(path).size(), cut.size());  // the save had begun
     }
   }
 }
