@@ -471,8 +471,9 @@ OLDTORVIO_API int64_t GetSheetSequenceListSize(const char* path, uint32_t* count
  * Warning: a sheet of version 60 to 150 cannot be loaded any more after an edit that saved it (see
  * SaveOldSheet). For such files use LoadOldSheet and SaveOldSheet with a version of 152 or above. */
 
-/* Sets the machine's NC path (ncPath, not null), unless it differs in case only; then the file stays. A path of 256 characters or more that
- * would be stored ends the process. Files below version 62 do not store it. */
+/* Sets the machine's NC path (ncPath, not null), unless it differs in case only; then the file stays. A
+ * path of 256 characters or more that would be stored ends the process. Files below version 62 do not
+ * store it. */
 OLDTORVIO_API int64_t ReplaceSheetMachineNcPath(const char* path, const char* ncPath) OLDTORVIO_NOEXCEPT;
 
 /* Empties the part list and makes the shapes of a part file the skeleton; its name and the utilization
@@ -482,9 +483,8 @@ OLDTORVIO_API int64_t ReplaceSheetSknPatListWithPartPatList(const char* path, co
 
 /* Sets the work order number of each part whose path has the base name partName (without drive, folder
  * and extension, with regard to case) and, unless oldNumber is null, whose number is oldNumber. A sheet
- * without such a part stays as it is. -2 also if any other pointer is null. A
- * number of 256 characters or more that would be stored ends the process. Files below version 162 do
- * not store it. */
+ * without such a part stays as it is. -2 also if any other pointer is null. A number of 256 characters or
+ * more that would be stored ends the process. Files below version 162 do not store it. */
 OLDTORVIO_API int64_t UpdateSheetPartWONumber(const char* path, const char* partName, const char* oldNumber,
                                               const char* newNumber) OLDTORVIO_NOEXCEPT;
 
