@@ -367,10 +367,11 @@ OLDTORVIO_API int64_t LoadOldSheet(const char* path, OldSheet* sheet) OLDTORVIO_
  *
  * 0 saved; -1 for another version, which leaves a file of two bytes; -2 when the file cannot be opened
  * or written, when the sheet holds what no file can (a width of 0, counts beyond their arrays), or for
- * a null sheet or path. A save that fails leaves what had been stored before the fault. A sheet whose parameter table has version 0 gets an empty table of the file's version,
- * and its machine a text width of 256 if it has none. In the record the choices of the machine's
- * material change as told there. `sheet->blocks` with exactly one element ends the process; such a list
- * comes only from a damaged file.
+ * a null sheet or path. A save that fails leaves what had been stored before the fault. A sheet whose
+ * parameter table has version 0 gets an empty table of the file's version, and its machine a text
+ * width of 256 if it has none. In the record the choices of the machine's material change as told
+ * there. `sheet->blocks` with exactly one element ends the process; such a list comes only from a
+ * damaged file.
  *
  * Below version 152 the machine stores its machineWord124 to machineWord132 and lateByteC, which a load
  * of that version does not take: what stands behind the machine is then read out of step. With these
