@@ -7,13 +7,14 @@
 namespace oldtorvio::map {
 namespace {
 
-// Higher is likelier. A kind that refuses the version is no candidate at all.
-using Likelihood = std::tuple<bool, bool, std::uint64_t>;
+// Higher is likelier. A kind that refuses the version is no candidate at all. How far a walk came says
+// more than its status: a wrong kind may end early and be content, the right one comes to the damage.
+using Likelihood = std::tuple<bool, std::uint64_t, bool>;
 
 std::optional<Likelihood> likelihood(const FileReport& report) {
   const bool refused = report.fault && report.fault->path == "version";
   if (!report.version || refused) return std::nullopt;
-  return Likelihood{report.endsExactly(), report.status == 0, report.walked};
+  return Likelihood{report.endsExactly(), report.walked, report.status == 0};
 }
 
 }  // namespace
