@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "src/frame/text.h"
 #include "src/frame/versions.h"
 #include "src/machine/machine_io.h"
 #include "src/material/material_io.h"
@@ -14,6 +15,7 @@
 #include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/random_records.h"
+#include "tests/support/sheet_files.h"
 
 using namespace oldtorvio;
 
@@ -30,6 +32,55 @@ void oldestParts(const std::filesystem::path& folder) {
     }
 }
 
+// A sheet as small as one of its version can be: the short table, short texts, a machine without
+// elements; with a part and a tool that it uses, or with an element in the lists of its own.
+enum class Extra { none, part, lists };
+void sheet(const std::filesystem::path& path, int version, Extra extra) {
+  testing_support::RandomRecords random(static_cast<std::uint32_t>(version), 0);
+  const auto s = std::make_unique<OldSheet>();
+  random.sheet(*s, version);
+  random.paramTable(s->paramTable, 52);
+  s->textWidth = 9;
+  s->machine.path[8] = '\0';
+  if (extra == Extra::part) {
+    s->machine.stationWord = 0;
+    s->machine.stationsA.stations = {random.station()};
+    s->machine.stationsA.tools = {random.tool()};
+    s->partList.nameWidth = 12;
+    s->partList.parts.resize(1);
+    TorvPart& part = s->partList.parts.front();
+    frame::setText(part.partName, "left");
+    frame::setText(part.partFullDosName, "C:\\left.prt");
+    part.patterns.resize(1);
+    part.patterns.front().items.resize(1);
+    part.patterns.front().items.front().toolNumber = 1;
+    part.patterns.front().patternWord = 12;
+    part.processSlotCount = 1;
+    part.processSlots[0].toolUse = part.processSlots[0].toolActive = 1;
+    part.processSlots[0].firstToolNumber = part.processSlots[0].secondToolNumber = 1;
+  }
+  if (extra == Extra::lists) {
+    s->skeletonShapes.shapes.resize(1);
+    s->shapes.shapes.resize(1);
+    s->processSlotCount = 1;
+    s->processSlots[0] = random.slot();
+    s->marks = {random.mark()};
+    s->profiles = {random.profile()};
+    s->stepTables = {random.stepTable()};
+    s->setupList.entries.resize(1);
+    s->patternItems.resize(30);
+    s->workList = {random.work()};
+    s->rowTable.count = s->clampRowTable.count = 1;
+    s->machine.extension.extensionEntries.resize(1);
+    s->textEntries.resize(1);
+    s->namedWorkLists.resize(1);
+    s->namedWorkLists.front().entries = {random.work()};
+  }
+  const testing_support::Bytes file = testing_support::readableSheetFile(*s, version);
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(file.span().data()), static_cast<std::streamsize>(file.size()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -38,7 +89,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path root(argv[1]);
-  for (const char* kind : {"part", "group_part", "special_tool", "machine", "material", "tooling"})
+  for (const char* kind : {"part", "group_part", "special_tool", "machine", "material", "tooling", "sheet"})
     std::filesystem::create_directories(root / kind);
 
   const auto shortened = [](const std::filesystem::path& path) {
@@ -70,6 +121,11 @@ int main(int argc, char** argv) {
       machine->gridMode = 0;  // cells are large and say little
       (void)SaveMachine((root / "machine" / name).c_str(), *machine, version);
     }
+    if (frame::isKnownSheetVersion(version) || version == frame::kFirstMainVersion)
+      sheet(root / "sheet" / name, version,
+            version == 101 || version == 141 || version == 162 ? Extra::part
+            : version % 2 == 1                                 ? Extra::lists
+                                                               : Extra::none);
     if (frame::isMaterialVersion(version)) {
       testing_support::RandomRecords few(static_cast<std::uint32_t>(version), 1);
       const auto material = std::make_unique<OldMaterial>();

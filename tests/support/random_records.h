@@ -219,7 +219,7 @@ class RandomRecords {
     return s;
   }
 
-  // ---- machines, materials, inventories, macros. What a load derives or repairs is settled in the
+  // ---- machines, materials, inventories, macros, sheets. What a load derives or repairs is settled in the
   // ---- record beforehand, so that the mirror of its file is perfect.
 
   // A table that the writer stores in the layout of its version word: 52, or 60 to 499.
@@ -373,6 +373,76 @@ class RandomRecords {
     return m;
   }
 
+  // Everything but blocks, which stay empty: no sound file leaves any.
+  void sheet(oldtorvio::OldSheet& s, int version) {
+    bits(s.width, s.height, s.thickness, s.sheetLabel, s.headerWord, s.leadWords, s.optionWord, s.trailingWords,
+         s.skeletonDosName, s.utilization, s.partTexts, s.partTextWord, s.materialGroup, s.materialType,
+         s.materialText3, s.materialText4, s.materialText5, s.lateValue, s.lateText);
+    s.textWidth = 1 + upTo(255);
+    s.skeletonShapes = settledShapeList();
+    s.partList.nameWidth = 256;
+    some(s.partList.parts, [&] {
+      oldtorvio::TorvPart p;
+      placedPart(p, version);
+      return p;
+    });
+    if (!s.partList.parts.empty()) s.partList.nameWidth = 1 + upTo(255);
+    for (oldtorvio::TorvPart& p : s.partList.parts) {
+      placedName(p.partName, s.partList.nameWidth);
+      placedName(p.partFullDosName, s.partList.nameWidth);
+    }
+    s.shapes = settledShapeList();
+    // A file without shapes of the sheet itself stores none of these.
+    if (!s.shapes.shapes.empty()) {
+      s.processSlotCount = static_cast<std::int8_t>(countUpTo(most_));
+      for (int i = 0; i < s.processSlotCount; ++i) s.processSlots[i] = slot();
+      some(s.marks, [&] { return mark(); });
+      some(s.profiles, [&] { return profile(); });
+      some(s.stepTables, [&] { return stepTable(); });
+      s.setupList = sheetSetupList();
+      some(s.patternItems, [&] { return item(); });
+    }
+    some(s.workList, [&] { return work(); });
+    const int mostRows = most_ == 0 ? 0 : 25;
+    s.rowTable.count = countUpTo(mostRows);
+    bits(s.rowTable.words, s.rowTable.values);
+    s.clampInfo = clampInfo();
+    s.clampRowTable.count = countUpTo(mostRows);
+    bits(s.clampRowTable.words, s.clampRowTable.values);
+    // In front of the machine the table has a version of its own.
+    static constexpr int kTables[] = {52, 60, 79, 80, 499};
+    paramTable(s.paramTable, kTables[upTo(4)]);
+    machine(s.machine, version);
+    std::memset(s.machine.path, 0, sizeof s.machine.path);
+    if (version >= 61) placedName(s.machine.path, s.textWidth);
+    s.machine.extension.extensionEntries.clear();
+    if (s.machine.hasExtension != 0)
+      some(s.machine.extension.extensionEntries, [&] {
+        oldtorvio::MachineExtensionEntry e;
+        bits(e.headBlock, e.words);
+        return e;
+      });
+    some(s.textEntries, [&] {
+      oldtorvio::SheetTextEntry e;
+      bits(e.entryWord1, e.entryWord3, e.entryText1, e.entryText2, e.entryText3, e.entryWord4, e.entryWord5,
+           e.entryWord6, e.entryWord7, e.entryWord9);
+      return e;
+    });
+    some(s.namedWorkLists, [&] {
+      oldtorvio::NamedWorkList l;
+      bits(l.listName, l.listWord1, l.listWord2, l.listWord3);
+      some(l.entries, [&] { return work(); });
+      return l;
+    });
+  }
+
+  // Sets a text as a load does that takes it from `width` stored bytes.
+  template <std::size_t N>
+  void placedName(char (&field)[N], int width) {
+    const std::string name = letters(upTo(width));
+    std::memcpy(field, name.c_str(), std::min(name.size() + 1, N));
+  }
+
   template <class List, class Make>
   void some(List& list, Make&& make) {
     list.clear();
@@ -395,6 +465,35 @@ class RandomRecords {
   oldtorvio::ShapeList settledShapeList() {
     oldtorvio::ShapeList l = shapeList();
     for (oldtorvio::Shape& s : l.shapes) s.rangeValue = s.auxValue4;
+    return l;
+  }
+  // A part as a sheet keeps it.
+  void placedPart(oldtorvio::TorvPart& p, int version) {
+    static constexpr char kFreshName[256] = "NEW PART";
+    part(p, version);
+    std::memcpy(p.partName, kFreshName, sizeof kFreshName);
+    p.toolStations = {};
+    some(p.patterns, [&] {
+      oldtorvio::Pattern one = pattern(static_cast<std::size_t>(upTo(most_)), version);
+      bits(one.headWord, one.gridCount1, one.gridCount2, one.gridStep1, one.gridStep2);
+      return one;
+    });
+    for (auto* shapes : {&p.shapes.shapes, &p.placedShapes.shapes.shapes})
+      for (oldtorvio::Shape& s : *shapes) s.rangeValue = s.auxValue4;
+    // One element reads them all: a note that a shape lacks comes from the one before.
+    for (oldtorvio::Shape& s : p.placedShapes.shapes.shapes) s.note += '-';
+  }
+  oldtorvio::SheetSetupList sheetSetupList() {
+    oldtorvio::SheetSetupList l;
+    some(l.entries, [&] {
+      oldtorvio::SheetSetupEntry e;
+      e.entry = setupEntry();
+      bits(e.entryBlocks);
+      return e;
+    });
+    if (l.entries.empty()) return l;
+    l.current = setupEntry();
+    bits(l.currentBlocks, l.tailBlock, l.tailWord1, l.tailWord2);
     return l;
   }
   oldtorvio::SettingList settingList() {

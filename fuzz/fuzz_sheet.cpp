@@ -1,0 +1,209 @@
+// Sheet files: any bytes load, fail or are refused without harm, what loads can be saved, asked and edited.
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "OldTorvIO.h"
+#include "fuzz/fuzz_checks.h"
+#include "src/frame/versions.h"
+#include "src/frame/writer.h"
+#include "src/sheet/sheet_io.h"
+#include "src/sheet/sheet_layout.h"
+
+using namespace oldtorvio;
+
+namespace {
+
+using Bytes = std::span<const std::byte>;
+
+// ---- what ends the process by rule -----------------------------------------------------------------
+
+// A save begins with the second block and ends the process when no block from there on can be stored.
+bool blocksCanBeStored(const std::vector<ShapeWorkBlock>& blocks, int version) {
+  const auto canBeStored = [version](const ShapeWorkBlock& block) {
+    frame::OutStream out;
+    return frame::writeRecord(out, version, block);
+  };
+  return blocks.empty() || std::any_of(blocks.begin() + 1, blocks.end(), canBeStored);
+}
+
+// A tool number one past the last station does when it counts; those that would not are left out as well.
+bool namesNoStationPastTheLast(const OldSheet& s) {
+  const OldMachine& m = s.machine;
+  const auto& list = m.stationWord != 0 && !m.stationsB.stations.empty() ? m.stationsB : m.stationsA;
+  const auto past = static_cast<std::int64_t>(list.stations.size()) + 1;
+  const auto namesPast = [past](const PatternItem& item) { return item.toolNumber == past; };
+  const auto slotsName = [past](const ProcessSlot(&slots)[250]) {
+    return std::any_of(std::begin(slots), std::end(slots), [past](const ProcessSlot& slot) {
+      return slot.firstToolNumber == past || slot.secondToolNumber == past;
+    });
+  };
+  for (const TorvPart& part : s.partList.parts) {
+    for (const Pattern& pattern : part.patterns)
+      if (std::any_of(pattern.items.begin(), pattern.items.end(), namesPast)) return false;
+    if (slotsName(part.processSlots)) return false;
+  }
+  return std::none_of(s.patternItems.begin(), s.patternItems.end(), namesPast) && !slotsName(s.processSlots);
+}
+
+// ---- saving ----------------------------------------------------------------------------------------
+
+// A table of one of the oldest layouts has no name to be stored.
+bool canBeSaved(const OldSheet& s) { return s.paramTable.version == 0 || s.paramTable.nameLength > 0; }
+
+// A save stores the machine's widths as 256 and, below 152, words that no load expects; a load appends
+// rules to angle rules that are not six and keeps no blocks.
+bool comesBack(const OldSheet& s, int version) {
+  const OldMachine& m = s.machine;
+  const bool hasFullTexts = m.textWidth == 256 && (m.secondTextPresent != 1 || m.secondTextWidth == 256);
+  return version >= 152 && hasFullTexts && m.material.rules.angleRules.size() == 6 && s.blocks.empty();
+}
+
+void save(OldSheet& sheet, int version) {
+  if (!blocksCanBeStored(sheet.blocks, version)) return;
+  if (!canBeSaved(sheet)) {
+    frame::OutStream out;
+    fuzzing::expect(!WriteOldSheet(out, version, sheet));
+    return;
+  }
+  const bool settles = comesBack(sheet, version);
+  (void)fuzzing::stored([&](auto& out) { return WriteOldSheet(out, version, sheet); });
+  if (settles)
+    fuzzing::expectSettled(
+        sheet, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
+        [&](auto& out, OldSheet& from) { return WriteOldSheet(out, version, from); });
+}
+
+// ---- questions -------------------------------------------------------------------------------------
+
+void askByKey(const OldSheet& sheet) {
+  // For each part two texts, three numbers and what stands between, and for each pattern an id.
+  std::size_t room = 2048;
+  for (const TorvPart& part : sheet.partList.parts) room += 1024 + 12 * part.patterns.size();
+  std::vector<char> answer(room);
+  for (const char* key : {"Material_Group", "width", "height", "part_count", "partfulldosname_and_count",
+                          "partfulldosname_and_count_and_wonumber", "partname_and_count_and_wonumber",
+                          "part_details_01", "sheet_mat_type", "sheet_thickness", "preSkeletonDosName",
+                          "totalSknPartCutArea", "sheet_utilization", "sheet_sequence_size"}) {
+    fuzzing::expect(GetOldSheetInfoByName(&sheet, key, answer.data()) == 0);
+    fuzzing::expect(std::strlen(answer.data()) < room);
+  }
+  fuzzing::expect(GetOldSheetInfoPartGroupIDs(&sheet, answer.data()) == 0);
+}
+
+// A file of this process alone.
+const std::string& scratchPath() {
+  static const std::string path = [] {
+    const std::filesystem::path memory = "/dev/shm";
+    const auto folder = std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
+    return (folder / ("oldtorvio_fuzz_sheet_" + std::to_string(std::random_device()()))).string();
+  }();
+  return path;
+}
+struct ScratchFile {
+  explicit ScratchFile(Bytes file) {
+    std::ofstream to(scratchPath(), std::ios::binary);
+    to.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+  }
+  ~ScratchFile() {
+    std::error_code ignored;
+    std::filesystem::remove(scratchPath(), ignored);
+  }
+};
+
+// status: of the load of the same file. infoIsHarmless: no tool number ends the process.
+void askByPath(int version, int status, const OldSheet& sheet, bool infoIsHarmless) {
+  const char* const path = scratchPath().c_str();
+  const bool isKnown = frame::isKnownSheetVersion(version);
+  const int quiet = isKnown ? 0 : -1;
+  char text[9][261];
+  float figure[4], positions[8];
+  double late = 0;
+  std::uint32_t word = 0, count = 0;
+  std::int32_t namesLength = -1, toolsLength = -1;
+  std::vector<std::int32_t> flags(ParamTable::kNumbers);
+  fuzzing::expect(GetSheetDriverFlags(path, flags.data()) == status);
+  fuzzing::expect(std::equal(flags.begin(), flags.end(), sheet.paramTable.intParams));
+  // The others have nothing to tell of a body that cannot be read.
+  if (status != 0) return;
+  fuzzing::expect(GetOldClampInfo(path, &word, &figure[0], &figure[1], &figure[2], positions, &count, &figure[3]) ==
+                  quiet);
+  fuzzing::expect(GetOldVLMQMaterialName(path, text[0], text[1]) == quiet);
+  fuzzing::expect(GetOldSkeletonUtil(path, &figure[0]) == quiet);
+  fuzzing::expect(GetSheetSequenceListSize(path, &count) == status);
+  fuzzing::expect(LoadOldSheetInformation(path) == quiet);
+  if (!infoIsHarmless) return;
+  std::vector<char> names(1), tools(1);
+  for (int turn = 0; turn < 2; ++turn) {
+    fuzzing::expect(GetOldSheetInfo(path, text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7],
+                                    text[8], &figure[0], &figure[1], &figure[2], &late, names.data(),
+                                    static_cast<std::int32_t>(names.size()), &namesLength, tools.data(),
+                                    static_cast<std::int32_t>(tools.size()), &toolsLength) == quiet);
+    if (!isKnown) return;
+    fuzzing::expect(namesLength >= 1 && toolsLength >= 1);
+    names.resize(static_cast<std::size_t>(namesLength) + 1);
+    tools.resize(static_cast<std::size_t>(toolsLength) + 1);
+  }
+  fuzzing::expect(std::strlen(names.data()) == static_cast<std::size_t>(namesLength));
+  fuzzing::expect(std::strlen(tools.data()) == static_cast<std::size_t>(toolsLength));
+}
+
+// ---- edits -----------------------------------------------------------------------------------------
+
+// One of them, on the file that the questions were asked about.
+void edit(int version, const OldSheet& sheet, std::size_t which) {
+  const char* const path = scratchPath().c_str();
+  const std::string newText = "changed by an edit";
+  if (which % 2 == 0) {
+    fuzzing::expect(ReplaceSheetMachineNcPath(path, newText.c_str()) == 0);
+  } else {
+    if (sheet.partList.parts.empty()) return;
+    const std::string name(frame::baseName(frame::textOf(sheet.partList.parts.front().partFullDosName)));
+    fuzzing::expect(UpdateSheetPartWONumber(path, name.c_str(), nullptr, newText.c_str()) == 0);
+  }
+  if (!comesBack(sheet, version) || !canBeSaved(sheet)) return;
+  const auto edited = std::make_unique<OldSheet>();
+  fuzzing::expect(LoadOldSheet(path, edited.get()) == 0);
+  if (which % 2 == 0)
+    fuzzing::expect(frame::textOf(edited->machine.ncPath) == newText);
+  else if (version >= 162)
+    fuzzing::expect(frame::textOf(edited->partList.parts.front().woNumber) == newText);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::span<const std::byte> file(reinterpret_cast<const std::byte*>(data), size);
+  int version = 0;
+  frame::InStream stream(file);
+  if (!fuzzing::readVersion(stream, version) || !frame::isSheetVersion(version)) return 0;
+
+  const auto sheet = std::make_unique<OldSheet>();
+  const int status = ReadOldSheet(stream, version, *sheet);
+  {
+    const ScratchFile scratch(file);
+    askByPath(version, status, *sheet, namesNoStationPastTheLast(*sheet));
+    if (status == 0 && frame::isListedSheetVersion(version) && blocksCanBeStored(sheet->blocks, version))
+      edit(version, *sheet, size);
+  }
+  // Whatever a load left, whole or not, answers.
+  askByKey(*sheet);
+  if (status == 0) {
+    const OldMachine& m = sheet->machine;
+    fuzzing::expect(m.stationsA.stations.size() == m.stationsA.tools.size());
+    fuzzing::expect(sheet->textWidth >= 1 && sheet->textWidth <= 256);
+    save(*sheet, version);
+  }
+
+  // The same bytes over the record in use, as they stand and at the other end of the versions.
+  frame::InStream again(file.subspan(2)), other(file.subspan(2));
+  if (ReadOldSheet(again, version, *sheet) == 0) save(*sheet, version);
+  (void)ReadOldSheet(other, version < 110 ? 180 : 54, *sheet);
+  askByKey(*sheet);
+  return 0;
+}
