@@ -907,10 +907,10 @@ std::ptrdiff_t openFiles() {
   return std::distance(std::filesystem::directory_iterator(all), std::filesystem::directory_iterator());
 }
 
-// Tool numbers of stations that are there.
-void useTheStations(OldSheet& sheet) {
+// Tool numbers of stations that are there. Below 61 a file has the first list alone.
+void useTheStations(OldSheet& sheet, int version) {
   const OldMachine& m = sheet.machine;
-  const auto& list = m.stationWord != 0 && !m.stationsB.stations.empty() ? m.stationsB : m.stationsA;
+  const auto& list = version >= 61 && m.stationWord != 0 && !m.stationsB.stations.empty() ? m.stationsB : m.stationsA;
   const auto stations = static_cast<std::int32_t>(list.stations.size());
   std::int32_t next = 0;
   const auto number = [&] { return stations == 0 ? -1 : next++ % stations + 1; };
@@ -950,7 +950,7 @@ TEST(SheetQuestions, LeaveNoTraceInTheFileTheProcessOrTheRecord) {
   for (int round = 0; round < (isLong() ? 100 : 2); ++round)
     for (const int version : knownVersions()) {
       const Sheet made = someSheet(static_cast<std::uint32_t>(round * 1000 + version), version);
-      useTheStations(*made);
+      useTheStations(*made, version);
       const Bytes file = readableSheetFile(*made, version);
       const std::string path = folder.write("sheet", file);
       const char* const p = path.c_str();
