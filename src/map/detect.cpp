@@ -7,14 +7,17 @@
 namespace oldtorvio::map {
 namespace {
 
-// Higher is likelier. A kind that refuses the version is no candidate at all. How far a walk came says
-// more than its status: a wrong kind may end early and be content, the right one comes to the damage.
-using Likelihood = std::tuple<bool, std::uint64_t, bool>;
+// Higher is likelier. A kind that refuses the version is no candidate at all.
+using Likelihood = std::tuple<bool, bool, std::uint64_t, bool>;
 
 std::optional<Likelihood> likelihood(const FileReport& report) {
   const bool refused = report.fault && report.fault->path == "version";
   if (!report.version || refused) return std::nullopt;
-  return Likelihood{report.endsExactly(), report.walked, report.status == 0};
+  // A wrong kind may be content after a few bytes, while the right one comes to the damage: so behind a
+  // file that is sound but for a little at its end it counts most how far the walk came.
+  const bool isSound = report.status == 0;
+  const bool isNearlyAll = isSound && report.walked >= report.size - report.size / 8;
+  return Likelihood{report.endsExactly(), isNearlyAll, report.walked, isSound};
 }
 
 }  // namespace

@@ -188,6 +188,10 @@ TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
     EXPECT_EQ(map::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool) << "the extension decides";
   }
   EXPECT_EQ(map::detectKind(folder.write("d", partFile(61).cut(500))), Kind::part) << "no other kind has version 61";
+  EXPECT_EQ(map::detectKind(folder.write("r", partFile(80).zeros(37))), Kind::part) << "sound but for the rest";
+  // An inventory of this version would be sound after sixteen bytes.
+  for (const std::size_t cut : {800U, 1600U})
+    EXPECT_EQ(map::detectKind(folder.write("c", partFile(112).cut(cut))), Kind::part) << "it comes furthest";
   EXPECT_EQ(map::detectKind(folder.write("x", Bytes().i16(50))), std::nullopt);
   EXPECT_EQ(map::detectKind(folder.write("e", Bytes())), std::nullopt);
   EXPECT_EQ(map::detectKind(folder.path("none")), std::nullopt);
