@@ -12,6 +12,7 @@ const Folder& folder() {
 int main(int argc, char** argv) {
   bench::registerParts();
   bench::registerMachinesAndTools();
+  bench::registerSheets();
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();

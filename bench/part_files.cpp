@@ -14,25 +14,6 @@ void addShapes(TorvPart& part, int count) {
   part.patterns.emplace_back().items.resize(part.shapes.shapes.size());
 }
 
-void fillPart(Source& from, const TorvPart& like, TorvPart& to) {
-  for (char(*text)[256] :
-       {&to.noteText, &to.descriptionA, &to.descriptionB, &to.materialType, &to.descriptionC, &to.customTextA,
-        &to.customTextB, &to.customText1, &to.customText2, &to.customText3, &to.customTextC, &to.customTextD,
-        &to.customTextE, &to.finalTextA, &to.finalTextB, &to.finalTextC, &to.finalTextD})
-    from.fill(*text, sizeof *text);
-  fillShapes(from, like.shapes.shapes, to.shapes.shapes);
-  fillStations(from, like.toolStations, to.toolStations);
-  for (const Pattern& one : like.patterns) {
-    Pattern& pattern = to.patterns.emplace_back();
-    fillNumbers(from, one.items, pattern.items);
-    fillNumbers(from, one.bindFirst, pattern.bindFirst);
-    fillNumbers(from, one.bindSecond, pattern.bindSecond);
-    fillNumbers(from, one.bindThird, pattern.bindThird);
-    fillNumbers(from, one.bindFourth, pattern.bindFourth);
-    fillNumbers(from, one.bindFifth, pattern.bindFifth);
-  }
-}
-
 }  // namespace
 
 std::unique_ptr<TorvPart> smallPart() {
@@ -69,15 +50,37 @@ SheetPartList groupOfParts() {
   return list;
 }
 
-void floorLoad(const std::string& path, const TorvPart& like, TorvPart& to) {
-  const std::vector<char> bytes = readAtOnce(path);
-  Source from(bytes);
-  fillPart(from, like, to);
+void fillPart(Source& from, const TorvPart& like, TorvPart& to) {
+  for (char(*text)[256] :
+       {&to.noteText, &to.descriptionA, &to.descriptionB, &to.materialType, &to.descriptionC, &to.customTextA,
+        &to.customTextB, &to.customText1, &to.customText2, &to.customText3, &to.customTextC, &to.customTextD,
+        &to.customTextE, &to.finalTextA, &to.finalTextB, &to.finalTextC, &to.finalTextD})
+    from.fill(*text, sizeof *text);
+  fillShapes(from, like.shapes.shapes, to.shapes.shapes);
+  fillStations(from, like.toolStations, to.toolStations);
+  fillNumbers(from, like.setupList.entries, to.setupList.entries);
+  fillNumbers(from, like.marks, to.marks);
+  fillNumbers(from, like.profiles, to.profiles);
+  fillNumbers(from, like.stepTables, to.stepTables);
+  fillNumbers(from, like.workList, to.workList);
+  for (int i = 0; i < like.processSlotCount; ++i) {
+    ProcessSlot& slot = to.processSlots[static_cast<std::size_t>(i)];
+    from.fill(static_cast<void*>(&slot), sizeof slot);
+  }
+  to.patterns.reserve(like.patterns.size());
+  for (const Pattern& one : like.patterns) {
+    Pattern& pattern = to.patterns.emplace_back();
+    fillNumbers(from, one.items, pattern.items);
+    fillNumbers(from, one.profiles, pattern.profiles);
+    fillNumbers(from, one.bindFirst, pattern.bindFirst);
+    fillNumbers(from, one.bindSecond, pattern.bindSecond);
+    fillNumbers(from, one.bindThird, pattern.bindThird);
+    fillNumbers(from, one.bindFourth, pattern.bindFourth);
+    fillNumbers(from, one.bindFifth, pattern.bindFifth);
+  }
 }
 
-void floorLoad(const std::string& path, const SheetPartList& like, SheetPartList& to) {
-  const std::vector<char> bytes = readAtOnce(path);
-  Source from(bytes);
+void fillGroup(Source& from, const SheetPartList& like, SheetPartList& to) {
   to.parts.reserve(like.parts.size());
   for (const TorvPart& one : like.parts) {
     TorvPart& part = to.parts.emplace_back();

@@ -16,8 +16,9 @@ std::unique_ptr<oldtorvio::TorvPart> largePart();
 // 200 parts; every tenth has 200 shapes.
 oldtorvio::SheetPartList groupOfParts();
 
-// The floor of a load. `stored` is read with one call; then records are constructed as `like` has
-// them and their lists and texts filled by memcpy from the bytes read, without looking at them.
-void floorLoad(const std::string& path, const oldtorvio::TorvPart& like, oldtorvio::TorvPart& to);
-void floorLoad(const std::string& path, const oldtorvio::SheetPartList& like, oldtorvio::SheetPartList& to);
+// The floor of a load: records are constructed as `like` has them, all texts and lists that the file
+// stores filled by memcpy from the bytes read, without looking at them.
+void fillPart(Source& from, const oldtorvio::TorvPart& like, oldtorvio::TorvPart& to);
+void fillGroup(Source& from, const oldtorvio::SheetPartList& like, oldtorvio::SheetPartList& to);
+
 }  // namespace bench

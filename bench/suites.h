@@ -1,17 +1,27 @@
 // The benchmarks by file family, and what they share.
+//
+// Names are CASE/library, CASE/floor and CASE/fread, or QUERY/query/CASE for a query that is held
+// against the load CASE.
 #pragma once
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
+#include <type_traits>
+#include <vector>
 
 #include "bench/floor.h"
 #include "bench/fread_walker.h"
+#include "bench/heap_meter.h"
 
 namespace bench {
 
 void registerParts();
 void registerMachinesAndTools();
+void registerSheets();
 
 const Folder& folder();
 
@@ -28,6 +38,77 @@ bool freadLoad(const std::string& path, Record& record, const More&... more) {
 
 inline void finish(benchmark::State& state, std::size_t bytes) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(bytes));
+}
+
+struct Nothing {
+  void operator()() const {}
+};
+
+// Times once(), with prepare() before each call in time that does not count. The heap is metered in a
+// call of its own, once a benchmark.
+template <class Prepare, class Once>
+void registerPrepared(const std::string& name, std::size_t bytes, Prepare prepare, Once once) {
+  const auto peak = std::make_shared<std::optional<std::size_t>>();
+  benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+    if (!*peak) {
+      prepare();
+      *peak = peakOf(once);
+    }
+    for (auto _ : state) {
+      if constexpr (!std::is_same_v<Prepare, Nothing>) {
+        state.PauseTiming();
+        prepare();
+        state.ResumeTiming();
+      }
+      once();
+    }
+    finish(state, bytes);
+    state.counters["peak"] = static_cast<double>(**peak);
+  });
+}
+
+template <class Once>
+void registerTimed(const std::string& name, std::size_t bytes, Once once) {
+  registerPrepared(name, bytes, Nothing(), once);
+}
+
+// The file read with one call, a record filled from it. The bytes are gone when it is there.
+template <class Record, class Fill>
+std::unique_ptr<Record> floorLoad(const std::string& path, const Record& like, Fill fill) {
+  const std::vector<char> bytes = readAtOnce(path);
+  Source from(bytes);
+  auto record = std::make_unique<Record>();
+  fill(from, like, *record);
+  return record;
+}
+
+// library(path, record) gives a status, fread(path, record) a truth, fill(source, like, record) is the
+// floor's. `like` has to outlive the benchmarks.
+template <class Record, class Load, class Walk, class Fill>
+void registerLoads(const std::string& name, const std::string& path, const Record& like, Load library, Walk fread,
+                   Fill fill) {
+  const auto size = static_cast<std::size_t>(std::filesystem::file_size(path));
+  registerTimed(name + "/library", size, [=] {
+    const auto record = std::make_unique<Record>();
+    require(library(path.c_str(), record.get()) == 0, "a load that fails");
+    benchmark::DoNotOptimize(record.get());
+  });
+  registerTimed(name + "/floor", size, [=, &like] {
+    const auto record = floorLoad(path, like, fill);
+    benchmark::DoNotOptimize(record.get());
+  });
+  registerTimed(name + "/fread", size, [=] {
+    const auto record = std::make_unique<Record>();
+    require(fread(path, *record), "a load that fails");
+    benchmark::DoNotOptimize(record.get());
+  });
+}
+
+// ask(path) gives a status.
+template <class Query>
+void registerQuery(const std::string& name, const std::string& load, const std::string& path, Query ask) {
+  registerTimed(name + "/query/" + load, static_cast<std::size_t>(std::filesystem::file_size(path)),
+                [=] { require(ask(path.c_str()) == 0, "a query that fails"); });
 }
 
 }  // namespace bench

@@ -17,7 +17,7 @@ def measure(program):
     medians = {}
     for one in json.loads(run.stdout)["benchmarks"]:
         if one.get("aggregate_name") == "median":
-            medians[one["run_name"]] = (one["real_time"], one["cpu_time"], one.get("bytes_per_second", 0))
+            medians[one["run_name"]] = (one["real_time"], one["cpu_time"], one.get("bytes_per_second", 0), one.get("peak"))
     return medians
 
 
@@ -28,29 +28,60 @@ def time_text(nanoseconds):
     return f"{nanoseconds:.0f} ns"
 
 
-def ratio(medians, above, below, column):
+def size_text(size):
+    return f"{size / 2**20:.1f} MiB" if size >= 2**20 else f"{size / 2**10:.0f} KiB"
+
+
+def ratio_text(value):
+    return f"{value:.0f}" if value >= 100 else f"{value:.2f}" if value >= 0.01 else f"{value:.1g}"
+
+
+def by_name(names):
+    """Sheets of 2,000 parts behind those of 50."""
+    return sorted(names, key=lambda name: [int(piece) if piece.isdigit() else piece for piece in re.split(r"(\d+)", name)])
+
+
+def times(medians, *names):
+    return " | ".join(time_text(medians[name][0]) if name in medians else "-" for name in names)
+
+
+def ratio(medians, above, below):
+    """Of real time, in parentheses of processor time."""
     if above not in medians or below not in medians:
         return "-"
-    return f"{medians[above][column] / medians[below][column]:.2f}"
+    real, cpu = (ratio_text(medians[above][column] / medians[below][column]) for column in (0, 1))
+    return f"{real} ({cpu})"
+
+
+def peaks(medians, library, floor):
+    if floor not in medians or medians[library][3] is None:
+        return "-"
+    of_library, of_floor = medians[library][3], medians[floor][3]
+    return f"{size_text(of_library)}, {size_text(of_floor)}: {of_library / of_floor:.2f}"
 
 
 def table(medians):
-    yield "| what | library | floor | one fread a field | library / floor (CPU) | fread / library (CPU) |"
+    yield "| what | library | floor | one fread a field | library / floor (CPU) | fread / library (CPU) | peak heap: library, floor, ratio |"
+    yield "|---|---|---|---|---|---|---|"
+    for library in by_name(name for name in medians if name.endswith("/library")):
+        case = library.removesuffix("/library")
+        floor, fread = f"{case}/floor", f"{case}/fread"
+        yield (f"| {case} | {times(medians, library, floor, fread)} | {ratio(medians, library, floor)} | "
+               f"{ratio(medians, fread, library)} | {peaks(medians, library, floor)} |")
+    yield ""
+    yield "| query | library | load | one fread a field | query / load (CPU) | fread / query (CPU) |"
     yield "|---|---|---|---|---|---|"
-    for case in dict.fromkeys(name.split("/")[0] for name in medians):
-        library, floor, fread = (f"{case}/{way}" for way in ("library", "floor", "fread"))
-        if library not in medians:
-            continue
-        times = [time_text(medians[name][0]) if name in medians else "-" for name in (library, floor, fread)]
-        to_floor = f"{ratio(medians, library, floor, 0)} ({ratio(medians, library, floor, 1)})"
-        to_fread = f"{ratio(medians, fread, library, 0)} ({ratio(medians, fread, library, 1)})" if fread in medians else "-"
-        yield f"| {case} | {' | '.join(times)} | {to_floor} | {to_fread} |"
-    for name in [name for name in medians if name.endswith("/query")]:
-        load = name.replace("/query", "/load")
-        yield f"| {name.split('/')[0]} | {time_text(medians[name][0])} | load {time_text(medians[load][0])} | - | {ratio(medians, name, load, 0)} ({ratio(medians, name, load, 1)}) of the load | - |"
-    for name, (real, _, rate) in medians.items():
+    for query in by_name(name for name in medians if "/query/" in name):
+        name, _, case = query.split("/")
+        load, fread = f"{case}/library", f"{case}/fread"
+        yield (f"| {name} of {case.removeprefix('Load')} | {times(medians, query, load, fread)} | "
+               f"{ratio(medians, query, load)} | {ratio(medians, fread, query)} |")
+    yield ""
+    yield "| in memory | time | rate |"
+    yield "|---|---|---|"
+    for name, (real, _, rate, _) in medians.items():
         if name.startswith("LargePartInMemory/"):
-            yield f"| {name.replace('/', ': ')} | {time_text(real)}, {rate / 1e9:.2f} GB/s | - | - | - | - |"
+            yield f"| {name.replace('/', ': ')} | {time_text(real)} | {rate / 1e9:.2f} GB/s |"
 
 
 rows = "\n".join(table(measure(sys.argv[1])))

@@ -130,6 +130,7 @@ struct Layout<PatternItem> {
 template <>
 struct Layout<WorkEntry> {
   static constexpr std::size_t kLeast = 29;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& w) {
     return io.fields(F(w.workWord1, w.workByte, w.workWord2))
         && io.since(60, F(w.workWord3, w.workWord4, w.workWord5, w.workWord6))
@@ -143,6 +144,7 @@ struct Layout<WorkEntry> {
 template <>
 struct Layout<MarkEntry> {
   static constexpr std::size_t kLeast = 14;
+  static constexpr bool kSprints = true;
   static bool describe(auto& io, auto& m) {
     return io.fields(F(m.markWord1, m.markShort, m.markWord2, m.markWord3));
   }

@@ -20,6 +20,12 @@ bool counts(const ProfileRecord& profile) {
          profile.profileCondition1 != 0 && profile.profileCondition2 != 0;
 }
 
+bool anyProfileCounts(const OldSheet& sheet) {
+  const auto anyOfPattern = [](const Pattern& pattern) { return std::ranges::any_of(pattern.profiles, counts); };
+  const auto anyOfPart = [&](const TorvPart& part) { return std::ranges::any_of(part.patterns, anyOfPattern); };
+  return std::ranges::any_of(sheet.profiles, counts) || std::ranges::any_of(sheet.partList.parts, anyOfPart);
+}
+
 // The tools of a nest in order of first use.
 class UsedTools {
  public:
@@ -27,18 +33,15 @@ class UsedTools {
       : list_(sheet.machine.stationWord != 0 && !sheet.machine.stationsB.stations.empty() ? sheet.machine.stationsB
                                                                                           : sheet.machine.stationsA) {
     for (const TorvPart& part : sheet.partList.parts) {
-      for (const Pattern& pattern : part.patterns) {
+      for (const Pattern& pattern : part.patterns)
         for (const PatternItem& item : pattern.items) note(item.toolNumber);
-        look(pattern.profiles);
-      }
       slots(part.processSlots, part.processSlotCount);
     }
     // The first items belong to something else than the nest.
     constexpr std::size_t kFirstItem = 28;
     for (std::size_t i = kFirstItem; i < sheet.patternItems.size(); ++i) note(sheet.patternItems[i].toolNumber);
     slots(sheet.processSlots, sheet.processSlotCount);
-    look(sheet.profiles);
-    noteSpecialStation(sheet.machine.machineKind);
+    noteSpecialStation(sheet);
   }
 
   // An item is left out directly behind its equal.
@@ -55,9 +58,7 @@ class UsedTools {
 
  private:
   // One past the last station passes, and then ends the process.
-  bool passes(std::int64_t number) const {
-    return number >= 1 && number <= static_cast<std::int64_t>(list_.stations.size()) + 1;
-  }
+  bool passes(std::int64_t number) const { return number >= 1 && number <= last_; }
   template <class T>
   static const T& at(const std::vector<T>& list, std::int64_t number) {
     if (number > static_cast<std::int64_t>(list.size())) EndProcess();
@@ -65,10 +66,9 @@ class UsedTools {
   }
 
   void note(std::int64_t number) {
-    if (passes(number) && std::ranges::find(numbers_, number) == numbers_.end()) numbers_.push_back(number);
-  }
-  void look(const ProfileList& profiles) {
-    anyProfileCounts_ = anyProfileCounts_ || std::ranges::any_of(profiles, counts);
+    if (!passes(number) || isNoted_[static_cast<std::size_t>(number)] != 0) return;
+    isNoted_[static_cast<std::size_t>(number)] = 1;
+    numbers_.push_back(number);
   }
   void slots(const ProcessSlots& all, int count) {
     for (std::size_t i = 0; i < all.size() && static_cast<int>(i) < count; ++i) {
@@ -79,17 +79,18 @@ class UsedTools {
       if (passes(number) && at(list_.stations, number).toolCount != 0) note(number);
     }
   }
-  void noteSpecialStation(std::int32_t machineKind) {
+  void noteSpecialStation(const OldSheet& sheet) {
     constexpr std::int32_t kCombined = 4;
     constexpr unsigned kSpecial = 2;
-    if (machineKind != kCombined || !anyProfileCounts_) return;
+    if (sheet.machine.machineKind != kCombined || !anyProfileCounts(sheet)) return;
     const auto special = std::ranges::find_if(list_.stations, [](auto& s) { return (s.byteA & kSpecial) != 0; });
     if (special != list_.stations.end()) note(special - list_.stations.begin() + 1);
   }
 
   const ToolStationList& list_;
+  std::int64_t last_ = static_cast<std::int64_t>(list_.stations.size()) + 1;
+  std::vector<std::uint8_t> isNoted_ = std::vector<std::uint8_t>(list_.stations.size() + 2);  // by number
   std::vector<std::int64_t> numbers_;
-  bool anyProfileCounts_ = false;
 };
 
 std::string partNamesOf(const OldSheet& sheet) {

@@ -1,0 +1,55 @@
+#include "bench/heap_meter.h"
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// One thread measures. Less than nothing is held when more was given back than taken.
+bool counting = false;
+std::int64_t held = 0, mostHeld = 0;
+
+void* take(std::size_t size) noexcept {
+  void* block = std::malloc(size == 0 ? 1 : size);
+  if (counting && block != nullptr) {
+    held += static_cast<std::int64_t>(malloc_usable_size(block));
+    mostHeld = std::max(mostHeld, held);
+  }
+  return block;
+}
+
+void give(void* block) noexcept {
+  if (counting && block != nullptr) held -= static_cast<std::int64_t>(malloc_usable_size(block));
+  std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  if (void* block = take(size)) return block;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return take(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return take(size); }
+void operator delete(void* block) noexcept { give(block); }
+void operator delete[](void* block) noexcept { give(block); }
+void operator delete(void* block, std::size_t) noexcept { give(block); }
+void operator delete[](void* block, std::size_t) noexcept { give(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { give(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { give(block); }
+
+namespace bench {
+
+HeapMeter::HeapMeter() {
+  held = mostHeld = 0;
+  counting = true;
+}
+HeapMeter::~HeapMeter() { counting = false; }
+std::size_t HeapMeter::peak() const { return static_cast<std::size_t>(mostHeld); }
+
+}  // namespace bench
