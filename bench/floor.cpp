@@ -10,23 +10,21 @@ namespace bench {
 
 using namespace oldtorvio;
 
-std::vector<char> readAtOnce(const std::string& path) {
+Bytes readAtOnce(const std::string& path) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
   (void)std::setvbuf(file, nullptr, _IONBF, 0);
   std::fseek(file, 0, SEEK_END);
-  std::vector<char> bytes;
-  const auto size = static_cast<std::size_t>(std::ftell(file));
+  Bytes bytes(static_cast<std::size_t>(std::ftell(file)));
   std::fseek(file, 0, SEEK_SET);
-  bytes.resize(size);
-  if (std::fread(bytes.data(), 1, size, file) != size) std::abort();
+  if (std::fread(bytes.all.get(), 1, bytes.size, file) != bytes.size) std::abort();
   std::fclose(file);
   return bytes;
 }
 
 std::vector<std::byte> contentOf(const std::string& path) {
-  const std::vector<char> bytes = readAtOnce(path);
-  const auto* from = reinterpret_cast<const std::byte*>(bytes.data());
-  return {from, from + bytes.size()};
+  const Bytes bytes = readAtOnce(path);
+  const auto* from = reinterpret_cast<const std::byte*>(bytes.all.get());
+  return {from, from + bytes.size};
 }
 
 Folder::Folder() : folder_(std::filesystem::temp_directory_path() / "oldtorvio_bench") {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,15 @@ namespace bench {
 
 inline constexpr int kVersion = 180;
 
+// Room for the bytes of a file. Nothing is in it before they are.
+struct Bytes {
+  explicit Bytes(std::size_t count) : all(std::make_unique_for_overwrite<char[]>(count)), size(count) {}
+  std::unique_ptr<char[]> all;
+  std::size_t size;
+};
+
 // The whole file with one call.
-std::vector<char> readAtOnce(const std::string& path);
+Bytes readAtOnce(const std::string& path);
 std::vector<std::byte> contentOf(const std::string& path);
 
 // A folder that goes with the program.
@@ -34,15 +42,16 @@ void floorSave(const std::string& path, const std::vector<std::byte>& content);
 // Fills from a block of stored bytes, over and over: what is copied does not matter, how much does.
 class Source {
  public:
-  explicit Source(const std::vector<char>& bytes) : bytes_(bytes) {}
+  explicit Source(const Bytes& bytes) : bytes_(bytes.all.get()), size_(bytes.size) {}
   void fill(void* to, std::size_t size) {
-    if (bytes_.size() - at_ < size) at_ = 0;
-    std::memcpy(to, bytes_.data() + at_, size);
+    if (size_ - at_ < size) at_ = 0;
+    std::memcpy(to, bytes_ + at_, size);
     at_ += size;
   }
 
  private:
-  const std::vector<char>& bytes_;
+  const char* bytes_;
+  std::size_t size_;
   std::size_t at_ = 0;
 };
 

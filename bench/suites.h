@@ -11,7 +11,6 @@
 #include <optional>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 #include "bench/floor.h"
 #include "bench/fread_walker.h"
@@ -75,7 +74,7 @@ void registerTimed(const std::string& name, std::size_t bytes, Once once) {
 // The file read with one call, a record filled from it. The bytes are gone when it is there.
 template <class Record, class Fill>
 std::unique_ptr<Record> floorLoad(const std::string& path, const Record& like, Fill fill) {
-  const std::vector<char> bytes = readAtOnce(path);
+  const Bytes bytes = readAtOnce(path);
   Source from(bytes);
   auto record = std::make_unique<Record>();
   fill(from, like, *record);
