@@ -117,6 +117,13 @@ class Reader : public Reading<Reader> {
   bool has(std::size_t size) { return in_.run(size) != nullptr; }
   std::uint64_t position() const { return in_.position(); }
 
+  template <class V, class... A>
+  std::int64_t quickRun(V& list, std::int64_t count, const A&... more) {
+    if constexpr (Sprints<typename V::value_type>)
+      return sprintRun(list, count, more...);
+    else
+      return 0;
+  }
   template <class R, class... A>
   bool freshElement(R& element, const A&... more) {
     if constexpr (Sprints<R>) {
@@ -127,6 +134,23 @@ class Reader : public Reading<Reader> {
   }
 
  private:
+  // The list has room for what can be there.
+  template <class V, class... A>
+  [[gnu::flatten]] std::int64_t sprintRun(V& list, std::int64_t count, const A&... more) {
+    const auto window = in_.window();
+    Sprinter quick(window.data(), window.data() + window.size(), version());
+    const std::byte* behind = window.data();
+    std::int64_t done = 0;
+    for (; done < count; ++done) {
+      if (!Layout<typename V::value_type>::describe(quick, list.emplace_back(), more...)) {
+        list.pop_back();
+        break;
+      }
+      behind = quick.at();
+    }
+    in_.consume(static_cast<std::size_t>(behind - window.data()));
+    return done;
+  }
   template <class R, class... A>
   [[gnu::flatten]] bool sprint(R& element, const A&... more) {
     const auto window = in_.window();

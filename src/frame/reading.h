@@ -242,9 +242,10 @@ class Reading : public Gates<Self> {
     auto& list = x.only();
     using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
     makeRoom(list, count, Layout<Element>::kLeast);
-    for (std::int64_t i = 0; i < count; ++i) {
+    for (std::int64_t i = self().quickRun(list, count, more...); i < count;
+         i += 1 + self().quickRun(list, count - i - 1, more...)) {
       self().enter(x.names, i);
-      const bool ok = self().freshElement(list.emplace_back(), more...);
+      const bool ok = whole(list.emplace_back(), more...);
       self().leave();
       if (!ok) {
         list.pop_back();
@@ -387,7 +388,12 @@ class Reading : public Gates<Self> {
   void enter(const Names&, std::int64_t /*index*/ = -1, std::size_t /*list*/ = 0) {}
   void leave() {}
   void atRow(std::int64_t) {}
-  // Reads one element of a list, which is at its defaults; a walker may know a quicker way.
+  // A walker may know a quicker way through elements: appends as many of `count` as it can that way.
+  template <class V, class... A>
+  std::int64_t quickRun(V&, std::int64_t /*count*/, const A&...) {
+    return 0;
+  }
+  // The same for one element, which is at its defaults.
   template <class R, class... A>
   bool freshElement(R& element, const A&... more) {
     return whole(element, more...);
