@@ -38,7 +38,7 @@ bool namesNoStationPastTheLast(const OldSheet& s) {
   const auto& list = m.stationWord != 0 && !m.stationsB.stations.empty() ? m.stationsB : m.stationsA;
   const auto past = static_cast<std::int64_t>(list.stations.size()) + 1;
   const auto namesPast = [past](const PatternItem& item) { return item.toolNumber == past; };
-  const auto slotsName = [past](const ProcessSlot(&slots)[250]) {
+  const auto slotsName = [past](const ProcessSlots& slots) {
     return std::any_of(std::begin(slots), std::end(slots), [past](const ProcessSlot& slot) {
       return slot.firstToolNumber == past || slot.secondToolNumber == past;
     });

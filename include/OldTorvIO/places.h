@@ -1,6 +1,7 @@
 #pragma once
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -14,17 +15,30 @@ class Places {
   template <class Owner, class Element>
   class Walk {
    public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = T;
+    using difference_type = std::ptrdiff_t;
+    using pointer = Element*;
+    using reference = Element&;
+
+    Walk() = default;
     Walk(Owner& owner, std::size_t at) : owner_(&owner), at_(at) {}
     Element& operator*() const { return (*owner_)[at_]; }
+    Element* operator->() const { return &**this; }
     Walk& operator++() {
       ++at_;
       return *this;
     }
+    Walk operator++(int) {
+      const Walk before = *this;
+      ++at_;
+      return before;
+    }
     bool operator==(const Walk&) const = default;
 
    private:
-    Owner* owner_;
-    std::size_t at_;
+    Owner* owner_ = nullptr;
+    std::size_t at_ = 0;
   };
 
  public:

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "OldTorvIO/process_slot.h"
@@ -53,6 +55,18 @@ TEST(Places, ReferencesStayGoodWhenOthersAreWrittenTo) {
   for (std::size_t i = 1; i < Fifty::size(); ++i) places[i].value = 2;
   first.value = 5;
   EXPECT_EQ(places[0].value, 5);
+}
+
+TEST(Places, WorkWithTheAlgorithmsOfTheStandardLibrary) {
+  Fifty places;
+  static_assert(std::forward_iterator<decltype(places.begin())>);
+  static_assert(std::forward_iterator<decltype(std::as_const(places).begin())>);
+  places[31].value = 1;
+  const auto found = std::find_if(places.begin(), places.end(), [](const Seven& one) { return one.value == 1; });
+  EXPECT_EQ(std::distance(places.begin(), found), 31);
+  auto next = found;
+  EXPECT_EQ(next++->value, 1);
+  EXPECT_EQ(next->value, 7);
 }
 
 TEST(Places, CopiesAreDeepAndMovesLeaveDefaults) {
