@@ -6,6 +6,7 @@
 #include "src/machine/machine_io.h"
 #include "src/map/file_map.h"
 #include "src/material/material_io.h"
+#include "src/part/part_io.h"
 #include "tests/support/files.h"
 #include "tests/support/random_records.h"
 
@@ -99,16 +100,41 @@ TEST(KindsMap, MaterialsAndMachinesAreToldAsTheyAreLoaded) {
     if (version != 152) {
       ASSERT_EQ(SaveMaterial(folder.path("m").c_str(), *material, version), 0) << version;
       expectMapFollowsLoad(
-          folder.read(folder.path("m")), FileKind::material,
+          TempFolder::read(folder.path("m")), FileKind::material,
           [&](const std::string& path) { return LoadOldMaterial(path.c_str(), material.get()); }, 997);
     }
     const auto machine = std::make_unique<OldMachine>();
     random.machine(*machine, version);
     ASSERT_EQ(SaveMachine(folder.path("n").c_str(), *machine, version), 0) << version;
     expectMapFollowsLoad(
-        folder.read(folder.path("n")), FileKind::machine,
+        TempFolder::read(folder.path("n")), FileKind::machine,
         [&](const std::string& path) { return LoadOldMachine(path.c_str(), machine.get()); }, 499,
         version < 152 ? kWordsOfEveryMachine : 0);
+  }
+}
+
+TEST(KindsMap, PartsWithBindingsAreToldAsTheyAreLoaded) {
+  const TempFolder folder;
+  const auto part = std::make_unique<TorvPart>();
+  for (const int version : {110, 160, 180}) {
+    RandomRecords random(static_cast<std::uint32_t>(version), 1);
+    random.part(*part, version);
+    Pattern& group = part->patterns[0];
+    group.groupKind = 32001;
+    group.bindFirst.assign(2, {1, 2});
+    group.bindSecond.assign(2, {3, 4});
+    group.bindThird.assign(2, 5);
+    group.bindFourth.assign(2, 6);
+    group.bindFifth.assign(2, 7);
+    ASSERT_EQ(SavePart(folder.path("p").c_str(), *part, version), 0) << version;
+    int rows = 0;
+    (void)map::mapFile(folder.path("p").c_str(), FileKind::part, [&](const MapLine& line) {
+      if (line.path.find("bind") != std::string::npos && line.path.find("[1]") != std::string::npos) ++rows;
+    });
+    EXPECT_GT(rows, 0) << version;
+    expectMapFollowsLoad(
+        TempFolder::read(folder.path("p")), FileKind::part,
+        [&](const std::string& path) { return LoadOldPart(path.c_str(), part.get()); }, 97);
   }
 }
 
