@@ -54,10 +54,6 @@ class Reader : public Reading<Reader> {
  public:
   Reader(InStream& in, int version) : Reading(version), in_(in) {}
 
-  // Whether anything failed that the format tolerates.
-  bool forgave() const { return forgave_; }
-  void forgiven() { forgave_ = true; }
-
   // A run of fields is checked once against what is there; only one that does not fit goes field by
   // field, so that exactly the whole fields are set.
   template <class Names, class... T>
@@ -181,7 +177,6 @@ class Reader : public Reading<Reader> {
   }
 
   InStream& in_;
-  bool forgave_ = false;
 };
 
 // What the record readers answer with.

@@ -27,6 +27,8 @@ class Reading : public Gates<Self> {
   using Gates<Self>::Gates;
 
   Stop stop() const { return stop_; }
+  // Whether anything failed that the format tolerates.
+  bool forgave() const { return forgave_; }
 
   template <class X, class... D>
   void absent(const X& x, const Otherwise<D...>& defaults) {
@@ -401,7 +403,7 @@ class Reading : public Gates<Self> {
   template <class X, class T>
   void refused(const X&, const T&) {}
   void refusedHere() {}
-  void forgiven() {}
+  void forgiven() { forgave_ = true; }
 
  protected:
   using Gates<Self>::self;
@@ -468,6 +470,7 @@ class Reading : public Gates<Self> {
   }
 
   Stop stop_ = Stop::none;
+  bool forgave_ = false;
 };
 
 }  // namespace oldtorvio::frame
