@@ -237,7 +237,7 @@ typedef struct Bytes {
 static Bytes bytes_of(const char* path) {
   Bytes bytes = {NULL, 0};
   FILE* file = fopen(path, "rb");
-  long size;
+  long size = 0;
   expect(file != NULL && fseek(file, 0, SEEK_END) == 0 && (size = ftell(file)) > 0, "a file");
   rewind(file);
   bytes.size = (size_t)size;
