@@ -448,7 +448,7 @@ SheetPtr makeNest(const std::string& words) {
   std::istringstream from(words);
   for (std::string word; from >> word;) {
     const int n = word.size() > 1 ? std::stoi(word.substr(1)) : 0;
-    const auto i = static_cast<std::size_t>(n - 1);
+    const auto i = static_cast<std::size_t>(n) - 1;
     ToolStationList& list = sheet->machine.stationsA;
     TorvPart* const part = sheet->partList.parts.empty() ? nullptr : &sheet->partList.parts.back();
     switch (word[0]) {
