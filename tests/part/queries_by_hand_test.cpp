@@ -545,7 +545,7 @@ TEST(PartQueriesByHand, ASpecialToolIsNamedByItsBaseName) {
   const TempFolder folder;
   const std::string wide(253, 'p');
   const std::vector<std::pair<std::string, std::string>> table{
-      {"C:\\SPEC\\a.spt", "a"},
+      {"C:\\SPOT\\a.spt", "a"},
       {"a.b.spt", "a.b"},
       {"C:a.spt", "a"},
       {"/x/y.z/noext", "noext"},
