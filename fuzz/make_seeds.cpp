@@ -1,4 +1,4 @@
-// Writes the seed files of the fuzz targets into corpus folders: small files of every accepted
+// Writes what the fuzz targets start from into corpus folders: small files of every accepted
 // version, and some of them cut.
 #include <filesystem>
 #include <fstream>
