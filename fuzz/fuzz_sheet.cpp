@@ -3,7 +3,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -116,41 +115,56 @@ struct ScratchFile {
   }
 };
 
-// status: of the load of the same file. infoIsHarmless: no tool number ends the process.
-void askByPath(int version, int status, const OldSheet& sheet, bool infoIsHarmless) {
-  const char* const path = scratchPath().c_str();
-  const bool isKnown = frame::isKnownSheetVersion(version);
-  const int quiet = isKnown ? 0 : -1;
+void askForListOfTools(const char* path, int quiet) {
   char text[9][261];
-  float figure[4], positions[8];
+  float figure[3];
   double late = 0;
-  std::uint32_t word = 0, count = 0;
   std::int32_t namesLength = -1, toolsLength = -1;
-  std::vector<std::int32_t> flags(ParamTable::kNumbers);
-  fuzzing::expect(GetSheetDriverFlags(path, flags.data()) == status);
-  fuzzing::expect(std::equal(flags.begin(), flags.end(), sheet.paramTable.intParams));
-  // The others have nothing to tell of a body that cannot be read.
-  if (status != 0) return;
-  fuzzing::expect(GetOldClampInfo(path, &word, &figure[0], &figure[1], &figure[2], positions, &count, &figure[3]) ==
-                  quiet);
-  fuzzing::expect(GetOldVLMQMaterialName(path, text[0], text[1]) == quiet);
-  fuzzing::expect(GetOldSkeletonUtil(path, &figure[0]) == quiet);
-  fuzzing::expect(GetSheetSequenceListSize(path, &count) == status);
-  fuzzing::expect(LoadOldSheetInformation(path) == quiet);
-  if (!infoIsHarmless) return;
   std::vector<char> names(1), tools(1);
   for (int turn = 0; turn < 2; ++turn) {
     fuzzing::expect(GetOldSheetInfo(path, text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7],
                                     text[8], &figure[0], &figure[1], &figure[2], &late, names.data(),
                                     static_cast<std::int32_t>(names.size()), &namesLength, tools.data(),
                                     static_cast<std::int32_t>(tools.size()), &toolsLength) == quiet);
-    if (!isKnown) return;
+    if (quiet != 0) return;
     fuzzing::expect(namesLength >= 1 && toolsLength >= 1);
     names.resize(static_cast<std::size_t>(namesLength) + 1);
     tools.resize(static_cast<std::size_t>(toolsLength) + 1);
   }
   fuzzing::expect(std::strlen(names.data()) == static_cast<std::size_t>(namesLength));
   fuzzing::expect(std::strlen(tools.data()) == static_cast<std::size_t>(toolsLength));
+}
+
+constexpr std::size_t kQuestionsByPath = 7;
+
+// One of the questions: each loads the whole file anew. status: of the load of the same file.
+void askByPath(int version, int status, const OldSheet& sheet, std::size_t which) {
+  const char* const path = scratchPath().c_str();
+  const int quiet = frame::isKnownSheetVersion(version) ? 0 : -1;
+  char text[2][261];
+  float figure[4], positions[8];
+  std::uint32_t word = 0, count = 0;
+  if (which == 0) {
+    std::vector<std::int32_t> flags(ParamTable::kNumbers);
+    fuzzing::expect(GetSheetDriverFlags(path, flags.data()) == status);
+    fuzzing::expect(std::equal(flags.begin(), flags.end(), sheet.paramTable.intParams));
+  }
+  // The others have nothing to tell of a body that cannot be read.
+  if (status != 0) return;
+  switch (which) {
+    case 1:
+      fuzzing::expect(GetOldClampInfo(path, &word, &figure[0], &figure[1], &figure[2], positions, &count, &figure[3]) ==
+                      quiet);
+      break;
+    case 2: fuzzing::expect(GetOldVLMQMaterialName(path, text[0], text[1]) == quiet); break;
+    case 3: fuzzing::expect(GetOldSkeletonUtil(path, &figure[0]) == quiet); break;
+    case 4: fuzzing::expect(GetSheetSequenceListSize(path, &count) == status); break;
+    case 5: fuzzing::expect(LoadOldSheetInformation(path) == quiet); break;
+    case 6:
+      if (namesNoStationPastTheLast(sheet)) askForListOfTools(path, quiet);
+      break;
+    default: break;
+  }
 }
 
 // ---- edits -----------------------------------------------------------------------------------------
@@ -167,12 +181,12 @@ void edit(int version, const OldSheet& sheet, std::size_t which) {
     fuzzing::expect(UpdateSheetPartWONumber(path, name.c_str(), nullptr, newText.c_str()) == 0);
   }
   if (!comesBack(sheet, version) || !canBeSaved(sheet)) return;
-  const auto edited = std::make_unique<OldSheet>();
-  fuzzing::expect(LoadOldSheet(path, edited.get()) == 0);
+  OldSheet& edited = fuzzing::fresh<OldSheet, 1>();
+  fuzzing::expect(LoadOldSheet(path, &edited) == 0);
   if (which % 2 == 0)
-    fuzzing::expect(frame::textOf(edited->machine.ncPath) == newText);
+    fuzzing::expect(frame::textOf(edited.machine.ncPath) == newText);
   else if (version >= 162)
-    fuzzing::expect(frame::textOf(edited->partList.parts.front().woNumber) == newText);
+    fuzzing::expect(frame::textOf(edited.partList.parts.front().woNumber) == newText);
 }
 
 }  // namespace
@@ -183,27 +197,32 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   frame::InStream stream(file);
   if (!fuzzing::readVersion(stream, version) || !frame::isSheetVersion(version)) return 0;
 
-  const auto sheet = std::make_unique<OldSheet>();
-  const int status = ReadOldSheet(stream, version, *sheet);
+  OldSheet& sheet = fuzzing::fresh<OldSheet>();
+  const int status = ReadOldSheet(stream, version, sheet);
+  // What is asked of a file and changed in it follows from its bytes, so that a find can be repeated.
+  std::size_t turn = size;
+  for (const std::byte byte : file) turn = turn * 31 + std::to_integer<std::size_t>(byte);
+  turn >>= 8;
+  const bool isEdited = status == 0 && turn % 4 == 0 && frame::isListedSheetVersion(version) &&
+                        blocksCanBeStored(sheet.blocks, version);
   {
     const ScratchFile scratch(file);
-    askByPath(version, status, *sheet, namesNoStationPastTheLast(*sheet));
-    if (status == 0 && frame::isListedSheetVersion(version) && blocksCanBeStored(sheet->blocks, version))
-      edit(version, *sheet, size);
+    askByPath(version, status, sheet, turn / 4 % kQuestionsByPath);
+    if (isEdited) edit(version, sheet, turn / 32);
   }
   // Whatever a load left, whole or not, answers.
-  askByKey(*sheet);
+  askByKey(sheet);
   if (status == 0) {
-    const OldMachine& m = sheet->machine;
+    const OldMachine& m = sheet.machine;
     fuzzing::expect(m.stationsA.stations.size() == m.stationsA.tools.size());
-    fuzzing::expect(sheet->textWidth >= 1 && sheet->textWidth <= 256);
-    save(*sheet, version);
+    fuzzing::expect(sheet.textWidth >= 1 && sheet.textWidth <= 256);
+    save(sheet, version);
   }
 
   // The same bytes over the record in use, as they stand and at the other end of the versions.
   frame::InStream again(file.subspan(2)), other(file.subspan(2));
-  if (ReadOldSheet(again, version, *sheet) == 0) save(*sheet, version);
-  (void)ReadOldSheet(other, version < 110 ? 180 : 54, *sheet);
-  askByKey(*sheet);
+  if (ReadOldSheet(again, version, sheet) == 0) save(sheet, version);
+  (void)ReadOldSheet(other, version < 110 ? 180 : 54, sheet);
+  askByKey(sheet);
   return 0;
 }

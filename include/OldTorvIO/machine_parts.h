@@ -1,5 +1,6 @@
 // The tables of a machine: frame, clamps, work area, grid, extension, units.
 #pragma once
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -28,7 +29,7 @@ struct WorkArea {
 struct MachineGrid {
   static constexpr std::array<std::uint8_t, 40000> freshCells() {
     std::array<std::uint8_t, 40000> cells{};
-    for (std::size_t i = 0; i < 10000; ++i) cells[i] = 1;
+    std::fill_n(cells.begin(), 10000, std::uint8_t{1});
     return cells;
   }
 
