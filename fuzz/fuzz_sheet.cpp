@@ -156,14 +156,23 @@ void askByPath(int version, int status, const OldSheet& sheet, std::size_t which
       fuzzing::expect(GetOldClampInfo(path, &word, &figure[0], &figure[1], &figure[2], positions, &count, &figure[3]) ==
                       quiet);
       break;
-    case 2: fuzzing::expect(GetOldVLMQMaterialName(path, text[0], text[1]) == quiet); break;
-    case 3: fuzzing::expect(GetOldSkeletonUtil(path, &figure[0]) == quiet); break;
-    case 4: fuzzing::expect(GetSheetSequenceListSize(path, &count) == status); break;
-    case 5: fuzzing::expect(LoadOldSheetInformation(path) == quiet); break;
+    case 2:
+      fuzzing::expect(GetOldVLMQMaterialName(path, text[0], text[1]) == quiet);
+      break;
+    case 3:
+      fuzzing::expect(GetOldSkeletonUtil(path, &figure[0]) == quiet);
+      break;
+    case 4:
+      fuzzing::expect(GetSheetSequenceListSize(path, &count) == status);
+      break;
+    case 5:
+      fuzzing::expect(LoadOldSheetInformation(path) == quiet);
+      break;
     case 6:
       if (namesNoStationPastTheLast(sheet)) askForListOfTools(path, quiet);
       break;
-    default: break;
+    default:
+      break;
   }
 }
 
@@ -203,8 +212,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::size_t turn = size;
   for (const std::byte byte : file) turn = turn * 31 + std::to_integer<std::size_t>(byte);
   turn >>= 8;
-  const bool isEdited = status == 0 && turn % 4 == 0 && frame::isListedSheetVersion(version) &&
-                        blocksCanBeStored(sheet.blocks, version);
+  const bool isEdited =
+      status == 0 && turn % 4 == 0 && frame::isListedSheetVersion(version) && blocksCanBeStored(sheet.blocks, version);
   {
     const ScratchFile scratch(file);
     askByPath(version, status, sheet, turn / 4 % kQuestionsByPath);
