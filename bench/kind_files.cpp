@@ -110,7 +110,8 @@ void fillMaterial(Source& from, const OldMaterial& like, OldMaterial& to) {
   fillNumbers(from, like.rules.sizeRulesA, to.rules.sizeRulesA);
   fillNumbers(from, like.rules.sizeRulesB, to.rules.sizeRulesB);
   for (std::size_t i = 0; i < 6; ++i) fillNumbers(from, like.settingLists[i], to.settingLists[i]);
-  from.fill(&to.setting1, reinterpret_cast<char*>(&to.choice8) - reinterpret_cast<char*>(&to.setting1));
+  from.fill(&to.setting1,
+            static_cast<std::size_t>(reinterpret_cast<char*>(&to.choice8) - reinterpret_cast<char*>(&to.setting1)));
   fillProgram(from, like.head.optionA, to.head.optionA);
   fillProgram(from, like.head.optionB, to.head.optionB);
 }

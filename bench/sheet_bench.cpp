@@ -162,7 +162,7 @@ void registerEdit(const SheetCase& one, const std::string& name, Edit edit, Also
     benchmark::DoNotOptimize(sheet.get());
     floorSave(path, *edited);
   });
-  timed("fread", [=, &one] {
+  timed("fread", [=] {
     also(Way::fread);
     const auto sheet = std::make_unique<OldSheet>();
     require(freadSheet(path, *sheet), "a load that fails");

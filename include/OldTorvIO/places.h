@@ -1,5 +1,6 @@
 #pragma once
 #include <array>
+#include <concepts>
 #include <cstddef>
 #include <iterator>
 #include <memory>
@@ -56,17 +57,16 @@ class Places {
 
   static constexpr std::size_t size() { return kPlaces; }
 
-  // Place i, below size(). A reference stays good as long as the Places does; one that was taken for
-  // reading from a place without memory of its own shows the default for ever.
-  T& operator[](std::size_t i) {
-    if (i / kGroup >= groups_.size()) groups_.resize(i / kGroup + 1);
-    std::unique_ptr<Group>& group = groups_[i / kGroup];
-    if (!group) group = std::make_unique<Group>();
-    return (*group)[i % kGroup];
+  // Place i, from 0 to size() - 1, of any integer type as in an array. A reference stays good as long
+  // as the Places does; one that was taken for reading from a place without memory of its own shows
+  // the default for ever.
+  template <std::integral I>
+  T& operator[](I i) {
+    return place(static_cast<std::size_t>(i));
   }
-  const T& operator[](std::size_t i) const {
-    const bool isThere = i / kGroup < groups_.size() && groups_[i / kGroup];
-    return isThere ? (*groups_[i / kGroup])[i % kGroup] : kDefault;
+  template <std::integral I>
+  const T& operator[](I i) const {
+    return place(static_cast<std::size_t>(i));
   }
 
   auto begin() { return Walk<Places, T>(*this, 0); }
@@ -78,6 +78,17 @@ class Places {
   static constexpr std::size_t kGroup = 4;
   using Group = std::array<T, kGroup>;
   static inline const T kDefault{};
+
+  T& place(std::size_t i) {
+    if (i / kGroup >= groups_.size()) groups_.resize(i / kGroup + 1);
+    std::unique_ptr<Group>& group = groups_[i / kGroup];
+    if (!group) group = std::make_unique<Group>();
+    return (*group)[i % kGroup];
+  }
+  const T& place(std::size_t i) const {
+    const bool isThere = i / kGroup < groups_.size() && groups_[i / kGroup];
+    return isThere ? (*groups_[i / kGroup])[i % kGroup] : kDefault;
+  }
 
   std::vector<std::unique_ptr<Group>> groups_;
 };

@@ -50,7 +50,6 @@ struct Sample {
 
 template <>
 struct oldtorvio::frame::Layout<Sample> {
-  static constexpr std::size_t kLeast = 1;
   static bool describe(auto& io, auto& s) {
     return io.fields(F(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind))) &&
            io.lengthText(F(s.note)) && io.countFirst(F(s.numbers)) && io.sized(F(s.name), 2) && io.reserved(3) &&

@@ -62,7 +62,6 @@ namespace oldtorvio::frame {
 
 template <>
 struct Layout<Tailed> {
-  static constexpr std::size_t kLeast = 4;
   static bool describe(auto& io, auto& t) {
     return io.fields(F(t.head)) && io.tail(F(t.first, t.second)) && io.fields(F(t.last));
   }

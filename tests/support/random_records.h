@@ -176,7 +176,7 @@ class RandomRecords {
     p.patterns.clear();
     p.patterns.push_back(pattern(p.shapes.shapes.size(), version));
     p.processSlotCount = static_cast<std::uint8_t>(upTo(most_));
-    for (std::size_t i = 0; i < static_cast<std::size_t>(p.processSlotCount); ++i) p.processSlots[i] = slot();
+    for (int i = 0; i < p.processSlotCount; ++i) p.processSlots[i] = slot();
     some(p.marks, [&] { return mark(); });
     some(p.profiles, [&] { return profile(); });
     some(p.stepTables, [&] { return stepTable(); });
@@ -395,7 +395,7 @@ class RandomRecords {
     // A file without shapes of the sheet itself stores none of these.
     if (!s.shapes.shapes.empty()) {
       s.processSlotCount = static_cast<std::int8_t>(countUpTo(most_));
-      for (std::size_t i = 0; i < static_cast<std::size_t>(s.processSlotCount); ++i) s.processSlots[i] = slot();
+      for (int i = 0; i < s.processSlotCount; ++i) s.processSlots[i] = slot();
       some(s.marks, [&] { return mark(); });
       some(s.profiles, [&] { return profile(); });
       some(s.stepTables, [&] { return stepTable(); });
