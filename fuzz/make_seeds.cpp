@@ -105,13 +105,13 @@ int main(int argc, char** argv) {
     if (frame::kPartVersions.has(version)) {
       const auto part = std::make_unique<TorvPart>();
       random.part(*part, version);
-      (void)SavePart((root / "part" / name).c_str(), *part, version);
+      (void)SavePart((root / "part" / name).string().c_str(), *part, version);
       if (version % 3 == 0) shortened(root / "part" / name);
     }
     if (version >= frame::kFirstGroupPartVersion && frame::kPartVersions.has(version)) {
       SheetPartList list;
       for (int n = random.upTo(1); n >= 0; --n) random.part(list.parts.emplace_back(), version);
-      (void)SaveGroupPart((root / "group_part" / name).c_str(), list, version, 1 + random.upTo(255));
+      (void)SaveGroupPart((root / "group_part" / name).string().c_str(), list, version, 1 + random.upTo(255));
       shortened(root / "group_part" / name);
     }
     if (version % 4 == 0 && frame::isMachineVersion(version)) {
@@ -119,7 +119,7 @@ int main(int argc, char** argv) {
       const auto machine = std::make_unique<OldMachine>();
       few.machine(*machine, version);
       machine->gridMode = 0;  // cells are large and say little
-      (void)SaveMachine((root / "machine" / name).c_str(), *machine, version);
+      (void)SaveMachine((root / "machine" / name).string().c_str(), *machine, version);
     }
     if (frame::isKnownSheetVersion(version) || version == frame::kFirstMainVersion)
       sheet(root / "sheet" / name, version,
@@ -133,15 +133,16 @@ int main(int argc, char** argv) {
       material->params = {};
       material->params.version = frame::isParamTableVersion(version) ? static_cast<std::uint16_t>(version) : 52;
       material->params.nameLength = 4;
-      (void)SaveMaterial((root / "material" / name).c_str(), *material, version);
+      (void)SaveMaterial((root / "material" / name).string().c_str(), *material, version);
       if (version % 3 == 0) shortened(root / "material" / name);
     }
     if (frame::isToolInventoryVersion(version))
-      (void)SaveToolInventory((root / "tooling" / (name + "_inventory")).c_str(), random.toolInventory(), version);
+      (void)SaveToolInventory((root / "tooling" / (name + "_inventory")).string().c_str(), random.toolInventory(),
+                              version);
     if (frame::isMacroVersion(version))
-      (void)SaveMacro((root / "tooling" / (name + "_macro")).c_str(), random.macro(), version);
+      (void)SaveMacro((root / "tooling" / (name + "_macro")).string().c_str(), random.macro(), version);
     if (frame::kSpecialToolVersions.has(version)) {
-      (void)SaveSpecialTool((root / "special_tool" / name).c_str(), random.specialTool(), version);
+      (void)SaveSpecialTool((root / "special_tool" / name).string().c_str(), random.specialTool(), version);
       if (version % 3 == 0) shortened(root / "special_tool" / name);
     }
   }

@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -597,7 +598,8 @@ TEST(Versions2And3ByHand, TakeTheMembersOfAGroupIntoTheFrameOfTheirHead) {
         EXPECT_EQ(shapes[i].flags, 128U);
         for (int k = 0; k < storedValues(from.type); ++k) {
           if (k == field) {
-            EXPECT_NEAR(shapes[i].values[k], std::remainder(double{from.values[k]} - double{angle}, 2 * M_PI), 2e-6)
+            EXPECT_NEAR(shapes[i].values[k],
+                        std::remainder(double{from.values[k]} - double{angle}, 2 * std::numbers::pi), 2e-6)
                 << "type " << int(from.type);
           } else if (field != -2 || k > 1) {
             EXPECT_EQ(shapes[i].values[k], from.values[k]) << "type " << int(from.type);

@@ -9,6 +9,7 @@
 #include "OldTorvIO.h"
 #include "src/part/part_io.h"
 #include "tests/support/files.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -257,10 +258,10 @@ TEST_F(PartQueries, HostsCommaLocaleChangesNoNumber) {
   // A locale of the test's own, so that it does not depend on what the host has installed.
   const std::string command = "localedef -i de_DE -f UTF-8 '" + folder_.path("comma") + "' >/dev/null 2>&1";
   (void)std::system(command.c_str());
-  setenv("LOCPATH", folder_.path().c_str(), 1);
+  setEnvironment("LOCPATH", folder_.path());
   const bool hasComma =
       std::setlocale(LC_ALL, "comma") != nullptr && std::string(std::localeconv()->decimal_point) == ",";
-  unsetenv("LOCPATH");
+  unsetEnvironment("LOCPATH");
   if (!hasComma) GTEST_SKIP() << "the sources of a locale with a decimal comma are not installed";
   EXPECT_EQ(tools(), "1  0.500  0.000  0.000  0.000,");
   EXPECT_EQ(answer("Thickness"), "0.25");

@@ -10,6 +10,7 @@
 
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -275,7 +276,7 @@ TEST(PatternItemList, CountBeyondTheFileIsAFailure) {
 
 TEST(PatternItemList, SaveIntoAFileThatTakesNothingIsFalse) {
   const PatternItemList list(100000);
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);

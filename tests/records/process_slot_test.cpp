@@ -11,6 +11,7 @@
 
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -228,7 +229,7 @@ TEST(ProcessSlot, CutBelow80DoesNotSetTheDefaultsYet) {
 }
 
 TEST(ProcessSlot, SaveIntoAFileThatTakesNothingIsFalse) {
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);

@@ -12,6 +12,7 @@
 
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -617,7 +618,7 @@ TEST(ProfileList, SaveStopsAtAProfileThatCannotBeStored) {
 
 TEST(ProfileList, SaveIntoAFileThatTakesNothingIsFalse) {
   const ProfileList list(20000);
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);

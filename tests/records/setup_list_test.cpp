@@ -11,6 +11,7 @@
 
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -298,7 +299,7 @@ TEST(SetupList, CountBeyondTheFileIsAFailure) {
 TEST(SetupList, SaveIntoAFileThatTakesNothingIsFalse) {
   SetupList list;
   list.entries.resize(100000);
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);

@@ -10,6 +10,7 @@
 
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -720,7 +721,7 @@ TEST(ShapeList, SaveStopsAtAShapeThatCannotBeStored) {
 TEST(ShapeList, SaveIntoAFileThatTakesNothingIsFalse) {
   ShapeList list;
   list.shapes.resize(40000);
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);

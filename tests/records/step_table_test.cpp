@@ -11,6 +11,7 @@
 
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -435,7 +436,7 @@ TEST(StepTableList, SaveStopsAtATableThatCannotBeStored) {
 
 TEST(StepTableList, SaveIntoAFileThatTakesNothingIsFalse) {
   const StepTableList list(100000);
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);

@@ -10,6 +10,7 @@
 
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -207,7 +208,7 @@ TEST(WorkEntry, CutAtEveryByteFailsAndKeepsWhatArrivedWhole) {
 }
 
 TEST(WorkEntry, SaveIntoAFileThatTakesNothingIsFalse) {
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);
@@ -320,7 +321,7 @@ TEST(MarkList, CountBeyondTheFileIsAFailure) {
 
 TEST(MarkList, SaveIntoAFileThatTakesNothingIsFalse) {
   const MarkList list(300000);
-  std::FILE* file = std::fopen("/dev/null", "r");
+  std::FILE* file = testing_support::unwritableFile();
   ASSERT_NE(file, nullptr);
   {
     OutStream stream(file);

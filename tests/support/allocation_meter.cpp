@@ -9,6 +9,10 @@
 
 namespace {
 
+#if defined(_WIN32)
+std::size_t malloc_usable_size(void* block) { return _msize(block); }
+#endif
+
 std::atomic<std::size_t> held{0}, peakHeld{0}, largestTaken{0}, taken{0};
 std::size_t heldBefore = 0;
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tests/support/bytes.h"
+#include "tests/support/host.h"
 
 namespace testing_support {
 
@@ -56,16 +57,26 @@ class TempFolder {
 // While it lives, special tools are looked for by the given text of "win.ini" and no other.
 class WinIni {
  public:
+#if defined(_WIN32)
+  explicit WinIni(const std::string& content) : path_(systemFolder() + "\\win.ini"), before_(TempFolder::read(path_)) {
+    std::ofstream(path_, std::ios::binary) << content;
+  }
+  ~WinIni() {
+    std::ofstream to(path_, std::ios::binary);
+    to.write(reinterpret_cast<const char*>(before_.span().data()), static_cast<std::streamsize>(before_.size()));
+  }
+#else
   explicit WinIni(const std::string& content) {
     std::filesystem::create_directory(folder_.path("OldTorvIO"));
     std::ofstream(folder_.path("OldTorvIO") + "/win.ini", std::ios::binary) << content;
-    setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
-    setenv("XDG_CONFIG_DIRS", folder_.path("nothing").c_str(), 1);
+    setEnvironment("XDG_CONFIG_HOME", folder_.path());
+    setEnvironment("XDG_CONFIG_DIRS", folder_.path("nothing"));
   }
   ~WinIni() {
-    unsetenv("XDG_CONFIG_HOME");
-    unsetenv("XDG_CONFIG_DIRS");
+    unsetEnvironment("XDG_CONFIG_HOME");
+    unsetEnvironment("XDG_CONFIG_DIRS");
   }
+#endif
   WinIni(const WinIni&) = delete;
   WinIni& operator=(const WinIni&) = delete;
 
@@ -75,7 +86,13 @@ class WinIni {
   }
 
  private:
+#if defined(_WIN32)
+  SystemFolderLock lock_;
+  std::string path_;
+  Bytes before_;
+#else
   TempFolder folder_;
+#endif
 };
 
 }  // namespace testing_support

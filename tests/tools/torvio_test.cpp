@@ -1,6 +1,5 @@
 // The tool itself: what it prints and its exit codes.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <memory>
@@ -9,6 +8,7 @@
 #include "src/map/format_table.h"
 #include "src/part/part_io.h"
 #include "tests/support/files.h"
+#include "tests/support/host.h"
 #include "tests/support/part_files.h"
 
 namespace {
@@ -22,10 +22,7 @@ struct Outcome {
 
 Outcome torvio(const std::string& arguments) {
   Outcome run;
-  std::FILE* pipe = popen((std::string(TORVIO_BINARY) + " " + arguments + " 2>/dev/null").c_str(), "r");
-  char block[4096];
-  for (std::size_t n = 0; (n = std::fread(block, 1, sizeof block, pipe)) > 0;) run.output.append(block, n);
-  run.code = WEXITSTATUS(pclose(pipe));
+  run.code = runCommand(std::string(TORVIO_BINARY) + " " + arguments, run.output);
   return run;
 }
 

@@ -1,0 +1,70 @@
+#if defined(_WIN32)
+#include <io.h>
+#include <sys/stat.h>
+#include <windows.h>
+
+#include <vector>
+
+#include "src/frame/platform.h"
+
+namespace oldtorvio::frame {
+namespace {
+
+std::FILE* unbuffered(std::FILE* file) {
+  // Both streams move large blocks of their own: a second buffer would only copy them once more.
+  if (file != nullptr) (void)std::setvbuf(file, nullptr, _IONBF, 0);
+  return file;
+}
+
+}  // namespace
+
+File File::openToRead(const char* path) noexcept {
+  return File(path == nullptr ? nullptr : unbuffered(std::fopen(path, "rb")));
+}
+
+File File::openToWrite(const char* path) noexcept {
+  return File(path == nullptr ? nullptr : unbuffered(std::fopen(path, "wb")));
+}
+
+bool File::close() noexcept {
+  std::FILE* file = handle_;
+  handle_ = nullptr;
+  return file == nullptr || std::fclose(file) == 0;
+}
+
+std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept {
+  struct _stati64 info {};
+  if (::_fstati64(::_fileno(file), &info) != 0 || (info.st_mode & _S_IFMT) != _S_IFREG || info.st_size < 0)
+    return std::nullopt;
+  return static_cast<std::uint64_t>(info.st_size);
+}
+
+std::string profileText(std::string_view section, std::string_view key, std::size_t size) {
+  std::vector<char> value(size);
+  const DWORD length = ::GetPrivateProfileStringA(std::string(section).c_str(), std::string(key).c_str(), "",
+                                                  value.data(), static_cast<DWORD>(size), "win.ini");
+  return std::string(value.data(), length);
+}
+
+std::string nativePath(std::string_view path) { return std::string(path); }
+
+void walkFolder(const std::string& folder, const std::function<bool(const std::string& name)>& visit) {
+  struct Search {
+    HANDLE handle;
+    ~Search() {
+      if (handle != INVALID_HANDLE_VALUE) (void)::FindClose(handle);
+    }
+  };
+  WIN32_FIND_DATAA found{};
+  const Search search{::FindFirstFileA((folder + "\\*").c_str(), &found)};
+  if (search.handle == INVALID_HANDLE_VALUE) return;
+  do {
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
+    if (!visit(found.cFileName)) return;
+  } while (::FindNextFileA(search.handle, &found) != 0);
+}
+
+bool fileExists(const std::string& path) { return ::_access(path.c_str(), 0) == 0; }
+
+}  // namespace oldtorvio::frame
+#endif

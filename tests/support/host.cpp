@@ -1,0 +1,103 @@
+#include "tests/support/host.h"
+
+#include <cstdlib>
+
+#if defined(_WIN32)
+#include <process.h>
+#include <windows.h>
+#else
+#include <pthread.h>
+#include <sys/wait.h>
+#endif
+
+namespace testing_support {
+namespace {
+
+struct Task {
+  void (*work)(void*);
+  void* data;
+};
+
+std::string outputOf(std::FILE* pipe) {
+  std::string output;
+  char block[4096];
+  for (std::size_t n = 0; (n = std::fread(block, 1, sizeof block, pipe)) > 0;) output.append(block, n);
+  return output;
+}
+
+}  // namespace
+
+#if defined(_WIN32)
+
+void setEnvironment(const char* name, const std::string& value) { (void)_putenv_s(name, value.c_str()); }
+void unsetEnvironment(const char* name) { (void)_putenv_s(name, ""); }
+
+bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data) {
+  Task task{work, data};
+  const auto run = [](void* one) -> unsigned {
+    static_cast<Task*>(one)->work(static_cast<Task*>(one)->data);
+    return 0;
+  };
+  const auto thread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, static_cast<unsigned>(bytes), run, &task,
+                                                              STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
+  if (thread == nullptr) return false;
+  (void)WaitForSingleObject(thread, INFINITE);
+  (void)CloseHandle(thread);
+  return true;
+}
+
+std::FILE* unwritableFile() { return std::fopen("NUL", "r"); }
+
+int runCommand(const std::string& command, std::string& output) {
+  std::FILE* pipe = _popen((command + " 2>NUL").c_str(), "rb");
+  output = outputOf(pipe);
+  return _pclose(pipe);
+}
+
+std::string systemFolder() {
+  char folder[MAX_PATH] = {};
+  (void)GetWindowsDirectoryA(folder, sizeof folder);
+  return folder;
+}
+
+SystemFolderLock::SystemFolderLock() : mutex_(CreateMutexA(nullptr, FALSE, "oldtorvio_tests_win_ini")) {
+  (void)WaitForSingleObject(mutex_, INFINITE);
+}
+SystemFolderLock::~SystemFolderLock() {
+  (void)ReleaseMutex(mutex_);
+  (void)CloseHandle(mutex_);
+}
+
+#else
+
+void setEnvironment(const char* name, const std::string& value) { (void)setenv(name, value.c_str(), 1); }
+void unsetEnvironment(const char* name) { (void)unsetenv(name); }
+
+bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data) {
+  Task task{work, data};
+  const auto run = [](void* one) -> void* {
+    static_cast<Task*>(one)->work(static_cast<Task*>(one)->data);
+    return nullptr;
+  };
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_t thread;
+  const bool started = pthread_attr_setstacksize(&attributes, bytes) == 0 &&
+                       pthread_create(&thread, &attributes, run, &task) == 0;
+  if (started) pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+  return started;
+}
+
+std::FILE* unwritableFile() { return std::fopen("/dev/null", "r"); }
+
+int runCommand(const std::string& command, std::string& output) {
+  std::FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
+  output = outputOf(pipe);
+  const int status = pclose(pipe);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+#endif
+
+}  // namespace testing_support

@@ -1,0 +1,49 @@
+// What the tests ask of the host beyond the standard library, once for each system.
+#pragma once
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstddef>
+#include <cstdio>
+#include <string>
+
+namespace testing_support {
+
+void setEnvironment(const char* name, const std::string& value);
+void unsetEnvironment(const char* name);
+
+// Runs work(data) on a thread with a stack of that many bytes; false if there is no such thread.
+bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data);
+
+// A file without content that takes none.
+std::FILE* unwritableFile();
+
+// Runs a command of the host's shell without its error output; the exit code and what it printed.
+int runCommand(const std::string& command, std::string& output);
+
+#if defined(_WIN32)
+// The folder of the one "win.ini" that this host has.
+std::string systemFolder();
+// Held by the one test that has changed it: all processes look at the same.
+class SystemFolderLock {
+ public:
+  SystemFolderLock();
+  ~SystemFolderLock();
+  SystemFolderLock(const SystemFolderLock&) = delete;
+  SystemFolderLock& operator=(const SystemFolderLock&) = delete;
+
+ private:
+  void* mutex_;
+};
+#endif
+
+// For EXPECT_EXIT: the process ended as the library ends it.
+inline auto endedByTheLibrary() {
+#if defined(_WIN32)
+  return testing::ExitedWithCode(3);
+#else
+  return testing::KilledBySignal(SIGABRT);
+#endif
+}
+
+}  // namespace testing_support
