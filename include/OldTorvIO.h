@@ -21,15 +21,20 @@
  *   Null        Loads answer -2 for a null path or record. Other pointers must be valid unless a
  *               function says what null does.
  *   Process end A text that does not fit where a function says so, or an index that a function
- *               says is fatal, ends the process (abort). What a file holds does so in three places
- *               alone: see GetOldToolInventoryInformation, SaveOldSheet (and the edits, which
- *               save) and GetOldSheetInfo.
+ *               says is fatal, ends the process (abort). What a file holds does so in four places
+ *               alone: see GetOldToolInventoryInformation, LoadOldStationToolFromMachine,
+ *               SaveOldSheet (and the edits, which save) and GetOldSheetInfo.
  *   Threads     Functions on a caller's own record may run at the same time on different records.
  *               The part builder, the current special tool, the current tool inventory, the
  *               current machine and the current sheet exist once in the process: one thread at a
  *               time.
  *   Memory      Out of memory gives status 1 in a load or query, -2 in a save, null in a Create,
- *               -1 from the part builder's adding calls (0 from AddPatIntoGroupPat).
+ *               -1 from the part builder's adding calls (0 from AddPatIntoGroupPat). Functions that
+ *               give 0 to a body that cannot be read give 0 here as well, once the version word
+ *               is read: the queries by file that refer to GetOldSheetInfo,
+ *               LoadOldSheetInformation, LoadOldMachineInformation, GetOldVLMQMachineName,
+ *               LoadOldToolInventoryForCount and the edits of sheet files
+ *               (ReplaceSheetSknPatListWithPartPatList -2 where the part finds no memory).
  */
 #ifndef OLDTORVIO_H
 #define OLDTORVIO_H
@@ -93,8 +98,9 @@ typedef struct OldSheet OldSheet;
  * `part->version` holds the file's version word as soon as it has been read, also when the version
  * is then refused. For an accepted version `partFullDosName` becomes the path (its first 259
  * characters) and the five option fields are reset. The pattern list and the work list are emptied
- * where the reading comes to them; `nestShapeGroups` is never emptied, so a load adds to it. Status -2
- * leaves the record untouched. */
+ * where the reading comes to them (at versions 2, 3 and 5 at its very beginning); `nestShapeGroups` is never emptied, so a load adds to it. Every other
+ * list with a stored count of 0 keeps the elements of a record in use. Status -2 leaves the record
+ * untouched. */
 OLDTORVIO_API int64_t LoadOldPart(const char* path, TorvPart* part) OLDTORVIO_NOEXCEPT;
 
 /* Starts a new part in the part builder: everything added before is gone.
@@ -118,10 +124,10 @@ OLDTORVIO_API void InitTorvPart(float width, float height, float thickness, int1
  * pairA..D    itemPair1 (A, B) and itemPair2 (C, D)
  * toolName    null: the item names no tool. Otherwise the name of a special tool without folder
  *             and extension: the folder of special tools (see OpenSpecialToolFile) is searched for
- *             a file of that name with the extension ".spt", both without regard to case, and the
- *             part gets a new station and tool from it, once for each call. An empty name takes
- *             the part's first station, if there is one. A full path above 255 characters ends the
- *             process.
+ *             a file of that name, with the extension ".spt" or as it stands, without regard to
+ *             case, and the part gets a new station and tool from it, once for each call. An empty
+ *             name takes the part's first station; without one a file named ".spt" is searched for.
+ *             A full path above 255 characters ends the process.
  *
  * Gives the number of shapes in the part, or -1 when the special tool is not found or cannot be
  * loaded; then nothing has been added. */
@@ -171,8 +177,8 @@ OLDTORVIO_API int64_t GetOldPartInfo(const char* path, char* materialType, float
  *   "Revision"   the revision text
  *   "MatType"    the material type text
  *   "Thickness"  the thickness, as "%g"
- * 1 for any other key or a null pointer, otherwise the status of the load; `value` (room for 257
- * bytes) changes only with status 0. */
+ * 1 for a null pointer; otherwise the status of the load, and behind a load that succeeded 1 for any
+ * other key. `value` (room for 257 bytes) changes only with status 0. */
 OLDTORVIO_API int64_t GetOldPartInfo_v1(const char* path, const char* key, char* value) OLDTORVIO_NOEXCEPT;
 
 /* The part's tools as one text, each item closed by ",":
@@ -184,7 +190,8 @@ OLDTORVIO_API int64_t GetOldPartInfo_v1(const char* path, const char* key, char*
 OLDTORVIO_API int64_t GetOldPartTool(const char* path, char* text, int32_t size, uint32_t* length) OLDTORVIO_NOEXCEPT;
 
 /* Appends to `text`, for each special tool of the part, ",", its full path and ",". `text` must be a
- * NUL-terminated text with room behind it; it is not cleared. -2 for a null path. */
+ * NUL-terminated text with room behind it, at most 258 characters for each such tool; it is not cleared. -2
+ * for a null path. */
 OLDTORVIO_API int64_t GetOldSptFromPart(const char* path, char* text) OLDTORVIO_NOEXCEPT;
 
 /* The full paths of the special tools of all parts of a group part file, each closed by ",".
@@ -208,15 +215,17 @@ OLDTORVIO_API int64_t LoadGroupPart(const char* path, SheetPartList* list) OLDTO
 /* ---- Special tool files --------------------------------------------------------------------------- */
 
 /* Loads a special tool file into `tool`. Accepted versions: those of part files from 52 on without
- * 61, 62, 71 and 80. `tool->tool.fileVersion` holds the version word, also when it is refused. */
+ * 61, 62, 71 and 80. `tool->tool.fileVersion` holds the version word, also when it is refused. A list with
+ * a stored count of 0 keeps the elements of a record in use. */
 OLDTORVIO_API int64_t LoadOldSpecialTool(const char* path, OldSpecialTool* tool) OLDTORVIO_NOEXCEPT;
 
 /* Loads a special tool file into the process-wide current special tool and hands out its values.
  *
- * *shapeCount becomes 0 before anything else. When the current special tool then holds shapes (also
- * shapes of an earlier file, where this file stores none; also when the reading failed behind the
- * shapes), *shapeCount becomes their number and all outputs are set. A missing, short or refused
- * file, or one without shapes, leaves the other outputs as they were.
+ * *shapeCount becomes 0 before anything else. A file that is missing, has no whole version word or is
+ * refused leaves all else as it was. Behind that, whatever came of the reading, the current special tool
+ * is looked at: if it holds shapes, *shapeCount becomes their number and all outputs are set, if not, they
+ * stay. So a file that stores no shapes, or ends in front of them, answers with the shapes of the file
+ * before it.
  *
  * The folder of special tools that the part builder uses is the value of the key
  * ZRK_DEFAULT_SPECIAL_TOOL_PATH in "win.ini", in the section [Kestrada64bit] or else [Kestrada], or
@@ -242,13 +251,15 @@ OLDTORVIO_API void GetShapeAt(int32_t index, int32_t* type, float* x, float* y, 
 /* Loads a tool inventory into `inventory`. Accepted versions: 54, 60, 80, 90, 91, 92, 100, 101, 102,
  * 110, 111, 112, 120, 121, 130, 140, 141, 150 to 162, 170, 180. `inventory->version` and
  * `inventory->path` (its first 255 characters) are set before the version is judged. tools and
- * specialToolFiles are emptied; a file without entries keeps those of the record. */
+ * specialToolFiles are emptied where the reading comes to them; a file without entries keeps those of the
+ * record. A file that ends in an entry's late fields ends that entry there, with status 0 if nothing else
+ * is missing. */
 OLDTORVIO_API int64_t LoadOldToolInventory(const char* path, OldToolInventory* inventory) OLDTORVIO_NOEXCEPT;
 
 /* Loads a tool inventory into the process-wide current inventory; *count becomes its number of tools.
  * -2 for a file that cannot be opened, 1 without a whole version word, -1 for a version that is not
- * accepted. A fault behind the version word gives 0 with a count of 0: a damaged file looks like an
- * empty one. */
+ * accepted; *count is then 0. A fault behind the version word gives 0 with a count of 0: a damaged file
+ * looks like an empty one. */
 OLDTORVIO_API int32_t LoadOldToolInventoryForCount(const char* path, uint32_t* count) OLDTORVIO_NOEXCEPT;
 
 /* One tool of the current inventory, index from 0. An index outside its tools ends the process, and so
@@ -269,7 +280,8 @@ OLDTORVIO_API void GetOldToolInventoryInformation(int32_t index, char* name, flo
 /* ---- Macros ---------------------------------------------------------------------------------------- */
 
 /* Loads a macro file into `macro`. Accepted versions: those of tool inventories, and 52, 61 and 62.
- * `macro->version` holds the version word, also when it is refused. */
+ * `macro->version` holds the version word, also when it is refused. A list with a stored count of 0 keeps
+ * the elements of a record in use. */
 OLDTORVIO_API int64_t LoadOldMacro(const char* path, OldMacro* macro) OLDTORVIO_NOEXCEPT;
 
 /* ---- Materials ------------------------------------------------------------------------------------- */
@@ -281,14 +293,19 @@ OLDTORVIO_API int64_t LoadOldMacro(const char* path, OldMacro* macro) OLDTORVIO_
  * judged. A file of version 52, 60, 500, 501 or 502 is a parameter table and sets `params` alone,
  * and `name` to the table's name if that has 1 to 255 characters. In any other file the parameter
  * table stands in front of the material and has a version of its own; one without a layout gives -1
- * before the material is read. */
+ * before the material is read. A file may end in the 500 reserved bytes in front of what version 90
+ * added: the load then gives 0, and what stands behind keeps what it held. */
 OLDTORVIO_API int64_t LoadOldMaterial(const char* path, OldMaterial* material) OLDTORVIO_NOEXCEPT;
 
 /* ---- Machines -------------------------------------------------------------------------------------- */
 
 /* Loads a machine file into `machine`. Accepted versions: 52 to 180, without gaps. `machine->version`
  * holds the version word, also when it is refused. A machine that holds trailer values of a sheet's
- * shapes gives 1: it loads as part of its sheet only. */
+ * shapes gives 1: it loads as part of its sheet only.
+ *
+ * A file may end in limitC and limitWord, in the count of the grid's segments, from lateByteA to the count
+ * of the triads and from lateText1 to lateByteC: the load then gives 0, what stands behind keeps what it
+ * held, and limitA, limitB, setup2 and setup3 are not brought up to date. */
 OLDTORVIO_API int64_t LoadOldMachine(const char* path, OldMachine* machine) OLDTORVIO_NOEXCEPT;
 
 /* What LoadOldMachineInformation tells of a machine. */
@@ -313,7 +330,8 @@ typedef struct MachineInformation {
 OLDTORVIO_API int32_t LoadOldMachineInformation(const char* path, MachineInformation* information) OLDTORVIO_NOEXCEPT;
 
 /* One station of the current machine and its tool, index from 0; an index outside its stations ends
- * the process.
+ * the process, and so does a station without a tool, as a load that failed in between leaves it. A load
+ * that fails does not tell the number of stations: ask again only behind one that did.
  *
  * values      six numbers: those that count, then zeros
  * shapeCode,  of the tool; 0 and zeros for a station without tools
@@ -337,8 +355,8 @@ OLDTORVIO_API int64_t GetOldVLMQMachineName(const char* path, char* displayName,
 /* Size, clamps, station limits and work area of a machine file of version 52 to 180; the current
  * machine does not change. clampCount and blockMode are 32-bit integers handed out in the four bytes
  * of a float, not converted: the caller takes the bits. The station limits are the smallest and
- * largest over all stations (999999 and 0 without stations), 0 for a machine of kind 1; the area is 0
- * for one of kind 2. -2 for a null path, otherwise the status of the load; outputs change only with
+ * largest over all stations, counted from 999999 and 0, which are never passed the other way; 0 for a
+ * machine of kind 1. The area is 0 for one of kind 2. -2 for a null path, otherwise the status of the load; outputs change only with
  * status 0. */
 OLDTORVIO_API int64_t GetMachineDatasForQD(const char* path, float* sizeX, float* sizeY, float* clampCount,
                                            float* blockMode, float* stationMinX, float* stationMinY, float* stationMaxX,
@@ -359,8 +377,9 @@ OLDTORVIO_API void FreeSheetHandle(OldSheet* sheet) OLDTORVIO_NOEXCEPT;
  * the newest layout. `sheet->version` holds the version word, also when it is refused.
  *
  * A count of 0 leaves the parts of a sheet in use as they were, and a file without shapes of its own all
- * that belongs to them. A file may end in the spare word in front of the parameter table and in
- * materialText5 and lateValue: the load then gives 0, and what stands behind keeps what it held. */
+ * that belongs to them. A file may end in the spare word in front of the parameter table, in
+ * materialText5 and lateValue and, at 152 to 160, in blocks: the load then gives 0, and what stands behind
+ * keeps what it held. So may namedWorkLists break off, where nothing but them is missing. */
 OLDTORVIO_API int64_t LoadOldSheet(const char* path, OldSheet* sheet) OLDTORVIO_NOEXCEPT;
 
 /* Saves a sheet in the layout of `version`, 52 to 180; `sheet->version` is not looked at.
@@ -369,9 +388,14 @@ OLDTORVIO_API int64_t LoadOldSheet(const char* path, OldSheet* sheet) OLDTORVIO_
  * or written, when the sheet holds what no file can (a width of 0, counts beyond their arrays), or for
  * a null sheet or path. A save that fails leaves what had been stored before the fault. A sheet whose
  * parameter table has version 0 gets an empty table of the file's version, and its machine a text
- * width of 256 if it has none. In the record the choices of the machine's material change as told
- * there. `sheet->blocks` with exactly one element ends the process; such a list comes only from a
- * damaged file.
+ * width of 256 if it has none. In the record the choices of the machine's material change as told in
+ * OldTorvIO/material.h. From version 152 on a list `sheet->blocks` that is not empty and in which no
+ * element from the second on can be stored ends the process: so does every list of one. Such a list comes
+ * only from a damaged file.
+ *
+ * A parameter table that a fresh record loaded in one of the layouts 500 to 502 has a nameLength of 0 and
+ * cannot be saved: -2, with a file that ends in the table. A machine whose textWidth or secondTextWidth is not 256 is saved
+ * with widths that no load agrees with.
  *
  * Below version 152 the machine stores its machineWord124 to machineWord132 and lateByteC, which a load
  * of that version does not take: what stands behind the machine is then read out of step. With these
@@ -402,12 +426,12 @@ OLDTORVIO_API int64_t GetOldSheetHandle(const char* path, OldSheet** sheet) OLDT
  *                                            quantity, work order
  *   "preSkeletonDosName"                     the name, taken as a format without values: "%%" gives
  *                                            "%", a directive what it prints for zero or an empty
- *                                            text; at most 259 characters
+ *                                            text; at most 260 characters
  *   "totalSknPartCutArea"                    sum over the skeleton's cut shapes, as "%f"
  *   "sheet_utilization"                      as "%f"
  * The lists lose their last "|" and are empty without parts. The quantity of a part is the sum over its
  * patterns of gridCount1 times gridCount2, in 32 bits. Sizes are in the suite's length unit.
- * -2 for any null pointer, otherwise 0; an unknown key leaves `value`. It needs room for the answer: 260
+ * -2 for any null pointer, otherwise 0; an unknown key leaves `value`. It needs room for the answer: 261
  * bytes for a text, 64 for a number, and for a list as many as its items take: of each part at most 260 for
  * its path, 256 for a name or work order and 64 for a number. */
 OLDTORVIO_API int64_t GetOldSheetInfoByName(const OldSheet* sheet, const char* key, char* value) OLDTORVIO_NOEXCEPT;
@@ -455,7 +479,7 @@ OLDTORVIO_API int64_t GetOldSkeletonUtil(const char* path, float* utilization) O
 
 /* All 601 driver flags of a sheet of any version that LoadOldSheet accepts: the integers of its parameter
  * table. The status is that of the load; the flags are set with status 0 and 1, as far as they were read
- * (zero where nothing was), and stay with -1 and -2. */
+ * (zero where nothing was), and stay with -1 and -2 and without memory for the sheet. */
 OLDTORVIO_API int64_t GetSheetDriverFlags(const char* path, int32_t* flags) OLDTORVIO_NOEXCEPT;
 
 /* The number of work entries of a sheet of any version that LoadOldSheet accepts. The status is that of
@@ -469,12 +493,15 @@ OLDTORVIO_API int64_t GetSheetSequenceListSize(const char* path, uint32_t* count
  * result does not tell whether the file changed. A file that cannot be loaded, also one of version 1 or 6,
  * stays as it is; a save that fails leaves half a file. There is no temporary file and no way back.
  *
- * Warning: a sheet of version 60 to 150 cannot be loaded any more after an edit that saved it (see
- * SaveOldSheet). For such files use LoadOldSheet and SaveOldSheet with a version of 152 or above. */
+ * Warning: an edit can ruin a sound sheet without telling (see SaveOldSheet). One of version 60 to 150
+ * cannot be loaded any more. At 151 what stands behind the machine is read one byte out of step, at 52 to
+ * 59 optionWord and extensionEntries are lost. For such files use LoadOldSheet and SaveOldSheet with a
+ * version of 152 or above. At every version, a sheet whose table has one of the layouts 500 to 502 loses
+ * all behind the table, one whose machine has a textWidth other than 256 cannot be loaded any more, and one
+ * with another secondTextWidth loses smallValue. */
 
 /* Sets the machine's NC path (ncPath, not null), unless it differs in case only; then the file stays. A
- * path of 256 characters or more that would be stored ends the process. Files below version 62 do not
- * store it. */
+ * path of 256 characters or more that is set ends the process. Files below version 62 do not store it. */
 OLDTORVIO_API int64_t ReplaceSheetMachineNcPath(const char* path, const char* ncPath) OLDTORVIO_NOEXCEPT;
 
 /* Empties the part list and makes the shapes of a part file the skeleton; its name and the utilization
@@ -485,7 +512,7 @@ OLDTORVIO_API int64_t ReplaceSheetSknPatListWithPartPatList(const char* path, co
 /* Sets the work order number of each part whose path has the base name partName (without drive, folder
  * and extension, with regard to case) and, unless oldNumber is null, whose number is oldNumber. A sheet
  * without such a part stays as it is. -2 also if any other pointer is null. A number of 256 characters or
- * more that would be stored ends the process. Files below version 162 do not store it. */
+ * more that is set ends the process. Files below version 162 do not store it. */
 OLDTORVIO_API int64_t UpdateSheetPartWONumber(const char* path, const char* partName, const char* oldNumber,
                                               const char* newNumber) OLDTORVIO_NOEXCEPT;
 

@@ -23,8 +23,10 @@ struct MachineSetup {
 // About 150 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
 // fills its field has no NUL. Words without a stated meaning are carried.
 struct OldMachine {
-  std::int16_t version = 0;    // of a machine file; the machine of a sheet keeps what it holds
-  char path[260] = {};         // of the file that LoadOldMachineInformation was given
+  std::int16_t version = 0;  // of a machine file; the machine of a sheet keeps what it holds
+  // Of the file that LoadOldMachineInformation or GetOldVLMQMachineName was given, its first 259
+  // characters; set also when the version is refused. A sheet stores its machine's.
+  char path[260] = {};
   std::int32_t textWidth = 0;  // bytes of machineText1 in the file, 1 to 256; 0 cannot be stored
   char machineText1[256] = {};
   std::int32_t machineKind = 1;    // 1: no station limits, 2: no work area (see GetMachineDatasForQD)

@@ -110,8 +110,9 @@ struct OldMaterial {
   std::uint32_t setting165 = 0, setting166 = 0;
 
   // Selectors with a low bank from 0 and a high bank from 1000. Limits within a bank, in this order:
-  // 4, 8, 4, 6, 8, 4, 6, 8. A load makes a value outside both banks 1 or 1001; a save stores them as
-  // they stand and then makes a value above 1000 plus its limit 1000 plus its last decimal digit.
+  // 4, 8, 4, 6, 8, 4, 6, 8. A load makes a value below 0 1 and one above 1000 plus its limit 1001; those
+  // between the banks stay. A save stores them as they stand and then makes a value above 1000 plus its
+  // limit 1000 plus its last decimal digit.
   std::int32_t choice1 = 1, choice2 = 1, choice3 = 1, choice4 = 1;
   std::int32_t choice5 = 1, choice6 = 1, choice7 = 1, choice8 = 1;
 

@@ -21,7 +21,7 @@ namespace oldtorvio {
 struct TorvPart {
   std::int32_t recordWord = 0;      // memory only
   char partName[256] = "NEW PART";  // stored by group part files and sheets
-  char partFullDosName[260] = {};   // full path; a load from a part file sets it
+  char partFullDosName[260] = {};   // full path; a load from a part file sets it, a sheet stores it
   float width = 30.0F, height = 20.0F;
   char productName[21] = "NEW PRODUCT";
   char assemblyName[21] = "NEW ASSEMBLY";

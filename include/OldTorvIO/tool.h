@@ -19,10 +19,11 @@ struct OldTool {
   std::int32_t firstValueCount = 0;                      // how many of firstValues count
   float firstValues[6] = {};                             // below version 110 the file has no [3] and [4]: they are 0
   std::int32_t secondValueCount = 0;
-  float secondValues[6] = {};                           // as firstValues
-  std::uint32_t auxWord2 = 0, auxWord3 = 0;             // carried
-  std::uint32_t symmetryFlags = 0;                      // derived for code 108: 1 repeats after a half turn,
-                                                        // 2 after a quarter turn
+  float secondValues[6] = {};                // as firstValues
+  std::uint32_t auxWord2 = 0, auxWord3 = 0;  // carried
+  // Derived for code 108 from dimension3: 1 repeats after a half turn, 2 after a quarter turn. A special
+  // tool file adds those of a byte of its own, whatever the code; other codes never take a flag away.
+  std::uint32_t symmetryFlags = 0;
   std::int32_t runtimeIndexA = -1, runtimeIndexB = -1;  // memory only
   float extraValues[2] = {};                            // since 60
   std::uint8_t specialBlock[24] = {};                   // since 90, code 108 only

@@ -23,11 +23,12 @@ struct InventoryEntry {
 };
 
 struct OldToolInventory {
-  std::vector<OldTool> tools;  // emptied by every load
+  std::vector<OldTool> tools;  // emptied by a load that comes to it
   std::uint32_t pairFirst[20] = {}, pairSecond[20] = {};
   char path[256] = {};                  // of the file, its first 255 characters
   std::vector<InventoryEntry> entries;  // a file without entries keeps them
-  // A tool of shape code 108 names its file by the 1-based specialToolIndex. Emptied by every load.
+  // A tool of shape code 108 names its file by the 1-based specialToolIndex. Emptied by a load
+  // that comes to it.
   std::vector<std::array<char, 256>> specialToolFiles;
   std::int16_t version = 0;  // version word of the file, also when it is refused
 };

@@ -2,6 +2,7 @@
 //
 //   template <> struct Layout<MarkEntry> {
 //     static constexpr std::size_t kLeast = 14;              // bytes of its shortest stored form
+//     static constexpr std::size_t leastAt(int version);     // the same at a version, where it grows much
 //     static bool describe(auto& io, auto& mark) {
 //       return io.fields(F(mark.markWord1, mark.markShort, mark.markWord2, mark.markWord3));
 //     }
@@ -33,6 +34,7 @@
 //   range(F(a), lo, hi)          refused outside; reader and writer alike
 //   atMost(F(a), hi)             refused above
 //   notReadOn()                  refuses: what follows is not read by anyone
+//   unchanged(record)            the record, const to a writer: where a look at it would change it
 //   repair(record, [](auto& r))  reader only, when all before it succeeded
 //   tail(F(a))                   a short read inside ends the record with success; a refusal does not
 //   lenient(chain)               any failure inside ends the record with success

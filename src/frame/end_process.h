@@ -3,7 +3,7 @@
 namespace oldtorvio {
 
 // Ends the process: the one answer to a caller's error that has no result, such as a text that does
-// not fit a checked copy. Nothing that a file holds may lead here.
+// not fit a checked copy. What a file holds leads here where the public header says so and nowhere else.
 [[noreturn]] void EndProcess() noexcept;
 
 }  // namespace oldtorvio

@@ -141,6 +141,10 @@ class Reading : public Gates<Self> {
     self().refusedHere();
     return refuseSilently();
   }
+  template <class R>
+  static R& unchanged(R& record) {
+    return record;
+  }
   template <class R, class Fn>
   [[nodiscard]] bool repair(R& record, const Fn& fn) {
     fn(record);
@@ -243,7 +247,7 @@ class Reading : public Gates<Self> {
   [[nodiscard]] bool appendRun(std::int64_t count, const X& x, const A&... more) {
     auto& list = x.only();
     using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
-    makeRoom(list, count, Layout<Element>::kLeast);
+    makeRoom(list, count, leastOf<Element>());
     for (std::int64_t i = self().quickRun(list, count, more...); i < count;
          i += 1 + self().quickRun(list, count - i - 1, more...)) {
       self().enter(x.names, i);
@@ -270,7 +274,7 @@ class Reading : public Gates<Self> {
     std::int32_t count = 0;
     if (!readCount(x, count)) return false;
     list.clear();
-    makeRoom(list, count, Layout<Element>::kLeast);
+    makeRoom(list, count, leastOf<Element>());
     Element element;
     for (std::int32_t i = 0; i < count; ++i) {
       self().enter(x.names, i);
@@ -320,9 +324,9 @@ class Reading : public Gates<Self> {
     if (count == 0) return true;
     first.clear();
     second.clear();
-    constexpr std::size_t kLeast = Layout<One>::kLeast + Layout<Other>::kLeast;
-    makeRoom(first, count, kLeast);
-    makeRoom(second, count, kLeast);
+    const std::size_t least = leastOf<One>() + leastOf<Other>();
+    makeRoom(first, count, least);
+    makeRoom(second, count, least);
     for (std::int32_t i = 0; i < count; ++i) {
       self().enter(x.names, i, 0);
       bool ok = whole(first.emplace_back());
@@ -349,7 +353,7 @@ class Reading : public Gates<Self> {
     if (!readCount(x, count)) return false;
     if (count < 1) return true;
     view.clear();
-    view.reserve(roomFor(count, Layout<Row>::kLeast));
+    view.reserve(roomFor(count, leastOf<Row>()));
     for (std::int32_t i = 0; i < count; ++i) {
       Row row;
       self().enter(x.names, i);
@@ -453,9 +457,18 @@ class Reading : public Gates<Self> {
   }
   bool trailerOf(auto& trailerValue) { return self().fields(F(trailerValue)); }
 
-  // A count is what the file claims; what is left of the file bounds what it can hold.
+  // Bytes of the shortest form of an element, which may grow with the versions.
+  template <class Element>
+  std::size_t leastOf() const {
+    if constexpr (requires { Layout<Element>::leastAt(0); })
+      return Layout<Element>::leastAt(this->version());
+    else
+      return Layout<Element>::kLeast;
+  }
+  // A count is what the file claims; what is left of the file bounds what it can hold, and one more that
+  // it holds in part: without a place of its own that one would double the list.
   std::size_t roomFor(std::int64_t count, std::size_t least) {
-    const std::uint64_t most = self().left() / least;
+    const std::uint64_t most = self().left() / least + 1;
     return static_cast<std::size_t>(std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0)), most));
   }
   template <class V>

@@ -122,6 +122,10 @@ class WriterInto : public Gates<WriterInto<Room>> {
   [[nodiscard]] bool atMost(const X& x, std::int64_t highest) {
     return x.only() <= highest;
   }
+  template <class R>
+  static const R& unchanged(const R& record) {
+    return record;
+  }
   template <class R, class Fn>
   [[nodiscard]] bool repair(const R&, const Fn&) {
     return true;

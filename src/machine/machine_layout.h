@@ -170,7 +170,7 @@ struct Layout<OldMachine> {
                           m.machineWord88, m.machineWord89, m.machineWord90))
         && io.tail([&] {
              return io.since(90, F(m.lateByteA, m.lateWord8))
-                 && io.since(100, F(m.flagTriple))
+                 && io.since(100, F(m.flagTriple[0], m.flagTriple[1], m.flagTriple[2]))
                  && io.since(101, F(m.triadWord1, m.triadWord2, m.triadCount));
            })
         && io.since(101, [&] {

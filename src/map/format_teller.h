@@ -169,6 +169,10 @@ class FormatTeller {
     remark("end", "", "refused: nothing behind is read");
     return true;
   }
+  template <class R>
+  static R& unchanged(R& record) {
+    return record;
+  }
   template <class R, class Fn>
   [[nodiscard]] bool repair(const R&, const Fn&) {
     return true;

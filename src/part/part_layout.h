@@ -95,6 +95,7 @@ struct Layout<ToolBinding> {
 template <>
 struct Layout<Pattern> {
   static constexpr std::size_t kLeast = 44;
+  static constexpr std::size_t leastAt(int version) { return version < 80 ? kLeast : 52; }
   static bool describe(auto& io, auto& p, bool embedded) {
     BindColumns bindings(p);
     return io.fields(F(p.headWord, p.gridCount1, p.gridCount2, p.gridStep1, p.gridStep2,
@@ -177,6 +178,7 @@ struct Layout<BindingSet> {
 template <>
 struct Layout<TorvPart> {
   static constexpr std::size_t kLeast = 384;
+  static constexpr std::size_t leastAt(int version) { return version < 62 ? kLeast : 1433; }
   static bool describe(auto& io, auto& p, const PartForm& form) {
     return io.when(form.place == PartForm::group, [&] { return io.sized(F(p.partName), form.nameBlockSize); })
         && io.when(form.place == PartForm::sheet && form.nameBlockSize != 0,

@@ -90,6 +90,7 @@ struct Layout<MotionBlock> {
 template <>
 struct Layout<ProfileRecord> {
   static constexpr std::size_t kLeast = 48;
+  static constexpr std::size_t leastAt(int version) { return version < 80 ? kLeast : 224; }
   static bool describe(auto& io, auto& p) {
     return io.fields(F(p.profileHead, p.profileIndex, p.profileWord1, p.profileWord2, p.profileCondition1,
                        p.profileBlock, p.profileCondition2, p.profileWord4))

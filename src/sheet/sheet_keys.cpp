@@ -72,7 +72,8 @@ struct Key {
   std::string (*answer)(const OldSheet&);
 };
 
-constexpr std::size_t kLongestSkeletonName = sizeof(OldSheet::skeletonDosName) - 1;
+// The field's width: a name without a NUL comes out whole.
+constexpr std::size_t kLongestSkeletonName = sizeof(OldSheet::skeletonDosName);
 
 const Key kKeys[] = {
     {"Material_Group", [](const OldSheet& s) { return std::string(textOf(s.materialGroup)); }},

@@ -128,7 +128,7 @@ struct Layout<OldSheet> {
                  && io.record(F(s.skeletonShapes));
            })
         && io.record(F(s.partList))
-        && describeOwnShapes(io, s)
+        && describeOwnShapes(io, io.unchanged(s))
         && io.countThenClear(F(s.workList))
         && io.record(F(s.rowTable))
         && io.record(F(s.clampInfo))

@@ -1,6 +1,5 @@
 // Hostile counts, memory, failing allocations, small stacks and threads.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <atomic>
 #include <bit>
@@ -22,6 +21,7 @@
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/allocation_meter.h"
 #include "tests/support/files.h"
+#include "tests/support/host.h"
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
 
@@ -318,6 +318,45 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFile) {
     part->contourGroups.resize(50000);
     part->bindingSets.resize(50000);
     check(*part, version, "groups");
+  }
+}
+
+// Lists in lists that each claim the rest of the file. The rooms of parts, their patterns and the profiles of
+// these add up, which stays within the bound from version 80 on; before, elements are stored too short for it.
+TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimTheWholeFile) {
+  constexpr std::size_t kBehind = 8U << 20U;
+  const Bytes tail = Bytes().zeros(kBehind);
+  for (const int version : {80, 110, 152, 180}) {
+    SheetPartList list;
+    TorvPart& part = list.parts.emplace_back();
+    part.shapes.listTag = 0x5EED;
+    part.patterns.emplace_back();
+    std::string stored;
+    {
+      const Bytes all = written([&](auto& s) { return WriteSheetPartList(s, version, list); });
+      stored.assign(reinterpret_cast<const char*>(all.span().data()), all.size());
+    }
+    const auto claim = [&](std::size_t at) {
+      const Bytes most = Bytes().i32(2000000000);
+      std::memcpy(stored.data() + at, most.span().data(), 4);
+    };
+    claim(0);
+    // With the shapes as far as they go, and with everything in front of the patterns as it was.
+    const std::size_t tag = stored.find(std::string("\xED\x5E\0\0", 4));
+    ASSERT_NE(tag, std::string::npos);
+    for (const bool shapesToo : {false, true}) {
+      if (shapesToo) claim(tag + 8);
+      const std::size_t step = shapesToo ? stored.size() : stored.size() / 24 + 1;
+      for (std::size_t cut = shapesToo ? tag + 12 : 4; cut <= stored.size(); cut += step) {
+        const Bytes file =
+            Bytes::of(std::as_bytes(std::span(stored.data(), cut))).i32(2000000000).i32(2000000000).add(tail);
+        SheetPartList loaded;
+        const AllocationMeter meter;
+        const int status = readFrom(file, [&](InStream& from) { return ReadSheetPartList(from, version, loaded); });
+        EXPECT_EQ(status, 1);
+        ASSERT_LE(meter.peak(), 16 * file.size() + kMiB) << "version " << version << ", claims behind " << cut;
+      }
+    }
   }
 }
 
@@ -992,21 +1031,33 @@ TEST_F(WholeLibrary, EveryExportWorksOnAStackOf64Kibibytes) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "sanitizers widen every frame";
 #endif
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64U * 1024U), 0);
   std::string path = folder_.path();
-  pthread_t thread;
-  ASSERT_EQ(pthread_create(
-                &thread, &attributes,
-                [](void* folder) -> void* {
-                  callEverything(*static_cast<std::string*>(folder), true);
-                  return nullptr;
-                },
-                &path),
-            0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
+  ASSERT_TRUE(runOnStackOf(
+      64U * 1024U, [](void* folder) { callEverything(*static_cast<std::string*>(folder), true); }, &path));
+}
+
+TEST_F(WholeLibrary, EightThreadsAskOneSheet) {
+  OldSheet* sheet = nullptr;
+  ASSERT_EQ(GetOldSheetHandle(folder_.path("sheet").c_str(), &sheet), 0);
+  const std::vector<std::string> keys = {"part_details_01", "preSkeletonDosName", "sheet_utilization", "width"};
+  const auto ask = [&] {
+    std::string all;
+    std::vector<char> answer(1U << 16U);
+    for (const std::string& key : keys) {
+      EXPECT_EQ(GetOldSheetInfoByName(sheet, key.c_str(), answer.data()), 0);
+      all += answer.data();
+    }
+    EXPECT_EQ(GetOldSheetInfoPartGroupIDs(sheet, answer.data()), 0);
+    return all + answer.data();
+  };
+  const std::string alone = ask();
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t)
+    threads.emplace_back([&] {
+      for (int i = 0; i < 50; ++i) EXPECT_EQ(ask(), alone);
+    });
+  for (std::thread& thread : threads) thread.join();
+  FreeSheetHandle(sheet);
 }
 
 TEST_F(WholeLibrary, EightThreadsOnTheirOwnRecords) {

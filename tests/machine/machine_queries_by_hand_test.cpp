@@ -392,6 +392,29 @@ TEST(MachineQueriesByHand, EndsTheProcessAtAnIndexOutsideTheStations) {
 
 // ---- the figures ---------------------------------------------------------------------------------
 
+// A load that fails in the tool of the second station leaves that station without one.
+TEST(MachineQueriesByHand, EndsTheProcessAtAStationWithoutATool) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const TempFolder folder;
+  const auto machine = machineOf({{}, {}});
+  for (oldtorvio::OldTool& tool : machine->stationsA.tools) tool.auxWord2 = 0x5EEDF00D;
+  const std::string path = saved(folder, *machine, 180);
+  const Bytes whole = TempFolder::read(path);
+  const std::string all(reinterpret_cast<const char*>(whole.span().data()), whole.size());
+  const std::string mark("\x0D\xF0\xED\x5E", 4);
+  const std::size_t second = all.find(mark, all.find(mark) + 1);
+  ASSERT_NE(second, std::string::npos);
+  const std::string cut = folder.write("cut", whole.cut(second + 1));
+  EXPECT_EQ(Information(cut).status, 0);
+  EXPECT_EQ(OneStation(0).limits[0], 1);
+  EXPECT_DEATH(
+      {
+        const Information failed(cut);
+        const OneStation withoutTool(1);
+      },
+      "");
+}
+
 TEST(MachineQueriesByHand, GivesFiguresThatFollowTheKindOfTheMachineAndTheLimitsOfItsStations) {
   const TempFolder folder;
   const auto limited = [](float a, float b, float c, float d) { return Station{{a, b, c, d}}; };

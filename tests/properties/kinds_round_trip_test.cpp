@@ -9,6 +9,7 @@
 
 #include "OldTorvIO.h"
 #include "src/machine/machine_io.h"
+#include "src/map/file_map.h"
 #include "src/material/material_io.h"
 #include "src/tooling/inventory_io.h"
 #include "src/tooling/macro_io.h"
@@ -576,6 +577,28 @@ TEST(KindsRoundTrip, AllVersionWordsGiveWhatTheListsSay) {
                                    &figure[6], &figure[7], &figure[8], &figure[9], &figure[10], &figure[11]),
               isMachine[word] ? 1 : -1)
         << word;
+  }
+}
+
+// The three flags are numbers of their own, each of which a file may end behind.
+TEST(KindsCut, MachineFlagsThatArrivedBeforeAForgivenCutStay) {
+  const TempFolder folder;
+  const std::string path = folder.path("machine");
+  const auto machine = std::make_unique<OldMachine>();
+  machine->textWidth = 256;
+  std::memcpy(machine->flagTriple, "\x07\x08\x09", 3);
+  ASSERT_EQ(SaveMachine(path.c_str(), *machine, 180), 0);
+  std::uint64_t at = 0;
+  (void)map::mapFile(path.c_str(), map::FileKind::machine, [&](const frame::MapLine& line) {
+    if (line.path.starts_with("flagTriple") && at == 0) at = line.offset;
+  });
+  ASSERT_GT(at, 0U);
+  for (std::uint8_t arrived = 0; arrived <= 3; ++arrived) {
+    std::filesystem::resize_file(path, at + arrived);
+    const auto loaded = std::make_unique<OldMachine>();
+    EXPECT_EQ(LoadOldMachine(path.c_str(), loaded.get()), 0);
+    for (std::uint8_t i = 0; i < 3; ++i) EXPECT_EQ(loaded->flagTriple[i], i < arrived ? 7 + i : 0) << int{arrived};
+    ASSERT_EQ(SaveMachine(path.c_str(), *machine, 180), 0);
   }
 }
 

@@ -191,6 +191,17 @@ TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
   expectLeastSize<ContourGroup>("contour group");
   expectLeastSize<BindingSet>("binding set");
   expectLeastSize<TorvPart>("part", PartForm{PartForm::sheet});
+  const auto atLeast = [](const auto& record, int version, const auto&... more) {
+    using Form = frame::Layout<std::remove_cvref_t<decltype(record)>>;
+    const Bytes stored = written([&](auto& s) { return frame::writeRecord(s, version, record, more...); });
+    EXPECT_GE(stored.size(), Form::leastAt(version)) << version;
+    EXPECT_GE(Form::leastAt(version), Form::kLeast) << version;
+  };
+  for (int version = 52; version <= 180; ++version) {
+    atLeast(TorvPart(), version, PartForm{PartForm::sheet});
+    atLeast(Pattern(), version, true);
+    atLeast(ProfileRecord(), version);
+  }
   Shape least;
   least.valueCount = least.extraCount = 0;
   EXPECT_EQ(written([&](auto& s) { return frame::writeRecord(s, 52, least); }).size(), frame::Layout<Shape>::kLeast);

@@ -1030,6 +1030,38 @@ TEST(SaveOldSheetByHand, AVersionOutsideItsRangeLeavesAFileOfTwoBytes) {
   EXPECT_EQ(SaveOldSheet(path.c_str(), nullptr, 180), -2);
 }
 
+// Of a record in use a save changes the choices of the material and nothing else: not even the memory of a slot
+// that nobody has touched.
+TEST(SaveOldSheetByHand, ARecordWithUntouchedSlotsKeepsItsBytes) {
+  const TempFolder folder;
+  Made made = make(180);
+  made.sheet->processSlotCount = 100;
+  ASSERT_EQ(SaveOldSheet(folder.path("a").c_str(), made.sheet.get(), 180), 0);
+  made.sheet->processSlots = {};
+  std::vector<std::byte> before(sizeof(OldSheet)), behind(sizeof(OldSheet));
+  std::memcpy(before.data(), static_cast<const void*>(made.sheet.get()), sizeof(OldSheet));
+  ASSERT_EQ(SaveOldSheet(folder.path("a").c_str(), made.sheet.get(), 180), 0);
+  std::memcpy(behind.data(), static_cast<const void*>(made.sheet.get()), sizeof(OldSheet));
+  EXPECT_TRUE(before == behind);
+}
+
+TEST(OldSheetByHand, AssigningCopiesEveryFieldAndEveryList) {
+  const Made made = make(180);
+  OldSheet& one = *made.sheet;
+  const auto other = std::make_unique<OldSheet>();
+  bool ok = false;
+  other->partList.parts.resize(5);
+  *other = one;
+  EXPECT_TRUE(writtenSheet(180, *other, &ok) == writtenSheet(180, one, &ok));
+  ASSERT_FALSE(one.partList.parts.empty());
+  one.partList.parts.clear();
+  one.processSlots[0].firstToolNumber = 4321;
+  one.machine.stationsA = {};
+  EXPECT_FALSE(other->partList.parts.empty());
+  EXPECT_NE(other->processSlots[0].firstToolNumber, 4321);
+  EXPECT_FALSE(writtenSheet(180, *other, &ok) == writtenSheet(180, one, &ok));
+}
+
 TEST(SaveOldSheetByHand, ADeviceThatTakesNothingGivesMinusTwo) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP();
   const Made made = make(180);
@@ -1134,6 +1166,17 @@ TEST(SheetListsByHand, PartsKeepTheirListForACountOfZeroAndLoseItForANegativeOne
   EXPECT_EQ(list.nameWidth, 9);
   EXPECT_TRUE(list.parts.empty());
   EXPECT_EQ(written([&](OutStream& to) { return WriteSheetPartList(to, 180, list); }), word(0));
+}
+
+// No name is read by the width, which is checked all the same.
+TEST(SheetListsByHand, ANegativeCountOfPartsTakesAnyWidthThatFits) {
+  for (const auto& [width, status] : {std::pair{256, 0}, {0, 0}, {-4, 0}, {257, 1}, {2147483647, 1}}) {
+    SheetPartList list;
+    list.parts.resize(3);
+    EXPECT_EQ(readFrom(word(-5).i32(width), [&](InStream& from) { return ReadSheetPartList(from, 180, list); }), status)
+        << width;
+    EXPECT_EQ(list.parts.size(), status == 0 ? 0U : 3U) << width;
+  }
 }
 
 TEST(SheetListsByHand, PartNamesEndAtTheirNulAndAreStoredWithWhatFollows) {
@@ -1430,6 +1473,13 @@ TEST(SheetListsByHand, WhereTheSecondBlockCannotBeStoredTheThirdIs) {
 TEST(SheetListsByHandDeathTest, ASingleBlockEndsTheProcessOfItsWriter) {
   std::vector<ShapeWorkBlock> blocks(1);
   EXPECT_DEATH(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, blocks); }), "");
+  std::vector<ShapeWorkBlock> none(3);
+  for (ShapeWorkBlock& block : none) {
+    block.blockShapes.shapes.resize(1);
+    block.blockShapes.shapes[0].valueCount = 10;
+  }
+  none[0] = {};  // the first is never stored
+  EXPECT_DEATH(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, none); }), "");
   const Made made = make(152);
   made.sheet->blocks = blocks;
   EXPECT_DEATH(writtenSheet(152, *made.sheet), "");

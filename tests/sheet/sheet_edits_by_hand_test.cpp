@@ -244,6 +244,9 @@ TEST(SheetEditsByHand, RefuseEveryVersionWordThatIsNotInTheirList) {
 
 TEST(SheetEditsByHand, TellFilesThatCannotBeOpenedFromThoseWithoutAVersionWord) {
   const TempFolder folder;
+  EXPECT_EQ(ReplaceSheetMachineNcPath(nullptr, "E:\\NEW"), -2);
+  EXPECT_EQ(ReplaceSheetSknPatListWithPartPatList(nullptr, folder.path("part").c_str()), -2);
+  EXPECT_EQ(UpdateSheetPartWONumber(nullptr, "BRACKET", nullptr, "WO-NEW"), -2);
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
     EXPECT_EQ(edit.run(folder.path("missing")), -2) << edit.name;
     EXPECT_EQ(edit.run(""), -2) << edit.name;
@@ -312,6 +315,114 @@ TEST(SheetEditsByHand, ASheetOfVersion60To150CannotBeLoadedAfterAnyOfThem) {
       EXPECT_EQ(LoadOldSheet(path.c_str(), sheet.get()), result) << edit.name << " at " << version;
       EXPECT_TRUE(rewritten || version < 162) << edit.name << " at " << version;
     }
+  }
+}
+
+TEST(SheetEditsByHand, BelowVersion60AndAt151WhatStandsBehindTheMachineIsLost) {
+  const TempFolder folder;
+  const auto edits = everyEdit(partFile(folder, skeletonPart()));
+  for (int version : {52, 54, 151}) {
+    auto bare = someSheet();
+    bare->textEntries.clear();
+    bare->namedWorkLists.clear();
+    for (const std::uint32_t option : {0x11223344U, 0U}) {
+      bare->optionWord = option;
+      const auto file = soundFile(folder, *bare, version);
+      for (const Edit& edit : edits) {
+        const auto path = put(folder, "sheet", file);
+        auto sheet = loadedFrom(path);
+        EXPECT_EQ(sheet->optionWord, option) << version;
+        EXPECT_EQ(edit.run(path), 0) << edit.name;
+        if (sameBytes(contentOf(path), file)) continue;  // the work order below 162
+        const int result = version == 151 && option != 0 ? 1 : 0;
+        EXPECT_EQ(LoadOldSheet(path.c_str(), sheet.get()), result) << edit.name << " at " << version;
+        if (version < 60) {
+          EXPECT_EQ(sheet->optionWord, 0U) << edit.name << " at " << version;
+        } else if (option == 0) {
+          EXPECT_NE(sheet->utilization, bare->utilization) << edit.name;
+        }
+      }
+    }
+  }
+}
+
+// The old layouts store no length of a name, and without one no table can be stored.
+TEST(SheetEditsByHand, ASheetWithATableOfAnOldLayoutEndsInItsTable) {
+  const TempFolder folder;
+  constexpr std::size_t kMainLayoutWithoutName = 19792;
+  const auto sound = soundFile(folder, *someSheet(), 180);
+  const std::size_t table = placeOf(sound, word(6) + std::string("STEEL\0", 6)) + 4 - kMainLayoutWithoutName;
+  ASSERT_EQ(sound.substr(table, 2), stringOf(Bytes().u16(150)));
+  const std::string behind = sound.substr(table + kMainLayoutWithoutName + 6);
+  // Layout 500 is 69 bytes, of 501 and 502 the largest part is looked at nowhere here.
+  const auto file = sound.substr(0, table) + stringOf(Bytes().u16(500)) + std::string(46, '\1') + std::string("OLD") +
+                    std::string(18, '\0') + behind;
+  for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
+    const auto path = put(folder, "sheet", file);
+    auto sheet = loadedFrom(path);
+    EXPECT_EQ(sheet->paramTable.version, 500);
+    EXPECT_STREQ(sheet->paramTable.name, "OLD");
+    EXPECT_EQ(sheet->paramTable.nameLength, 0);
+    EXPECT_STREQ(sheet->lateText, "LATE");
+    std::int32_t flags[601];
+    EXPECT_EQ(GetSheetDriverFlags(path.c_str(), flags), 0);
+    EXPECT_EQ(SaveOldSheet(folder.path("saved").c_str(), sheet.get(), 180), -2);
+    EXPECT_EQ(edit.run(path), 0) << edit.name;
+    const auto left = contentOf(path);
+    const bool keepsParts = std::string(edit.name) != "skeleton";
+    EXPECT_EQ(left.size() == table + kMainLayoutWithoutName, keepsParts) << edit.name;
+    EXPECT_EQ(left.substr(left.size() - kMainLayoutWithoutName, 2), stringOf(Bytes().u16(500))) << edit.name;
+    EXPECT_EQ(LoadOldSheet(path.c_str(), sheet.get()), 1) << edit.name;
+  }
+}
+
+// The 256 bytes of a text become the first 100 of them, and with a length in front that becomes 100.
+std::string narrowed(std::string file, const std::string& text, bool hasLength) {
+  const std::size_t at = placeOf(file, hasLength ? word(256) + text : text);
+  if (hasLength) file.replace(at, 4, word(100));
+  return file.erase(at + (hasLength ? 4 : 0) + 100, 156);
+}
+
+TEST(SheetEditsByHand, ASheetWhoseMachineHasAnotherTextWidthCannotBeLoadedAfterThem) {
+  const TempFolder folder;
+  const std::string text = "MACHINE";
+  const auto made = someSheet();
+  lay(made->machine.machineText2, "SECOND OF THREE");
+  lay(made->machine.machineText3, "THIRD OF THREE");
+  for (int version : {152, 162, 180}) {
+    auto file = narrowed(soundFile(folder, *made, version), text, true);
+    file = narrowed(narrowed(file, "SECOND OF THREE", false), "THIRD OF THREE", false);
+    for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
+      const auto path = put(folder, "sheet", file);
+      auto sheet = loadedFrom(path);
+      EXPECT_EQ(edit.run(path), 0) << edit.name;
+      EXPECT_EQ(contentOf(path).find(word(256) + text), contentOf(path).find(text) - 4) << edit.name;
+      EXPECT_EQ(LoadOldSheet(path.c_str(), sheet.get()), 1) << edit.name << " at " << version;
+    }
+  }
+}
+
+// Fill bytes behind the second text keep what follows in step, but not what stands among them.
+TEST(SheetEditsByHand, ASheetWhoseMachineHasAnotherSecondTextWidthLosesItsSmallValue) {
+  const TempFolder folder;
+  const auto made = someSheet();
+  made->machine.secondTextPresent = 1;
+  made->machine.secondTextWidth = 256;
+  made->machine.smallValue = 77;
+  lay(made->machine.secondText, "ANOTHER");
+  lay(made->machine.machineText2, "SECOND OF THREE");
+  lay(made->machine.machineText3, "THIRD OF THREE");
+  auto file = narrowed(soundFile(folder, *made, 180), "ANOTHER", true);
+  file.insert(placeOf(file, "ANOTHER") + 108, std::string(156, '\0'));  // behind smallValue and shapesPresent
+  file = narrowed(narrowed(file, "SECOND OF THREE", false), "THIRD OF THREE", false);
+  for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
+    const auto path = put(folder, "sheet", file);
+    EXPECT_EQ(loadedFrom(path)->machine.smallValue, 77);
+    EXPECT_EQ(edit.run(path), 0) << edit.name;
+    const auto sheet = loadedFrom(path);
+    EXPECT_EQ(sheet->machine.secondTextWidth, 256) << edit.name;
+    EXPECT_EQ(sheet->machine.smallValue, 0) << edit.name;
+    EXPECT_STREQ(sheet->lateText, "LATE") << edit.name;
   }
 }
 
@@ -740,6 +851,17 @@ TEST(SmallSheetQueriesByHand, FilesWithoutAVersionWordGiveOneAndFlagsOfZero) {
   const TempFolder folder;
   const Answers fresh;
   const std::int32_t zeros[601] = {};
+  std::uint32_t left = 9, count = 9;
+  float figure[4] = {9, 9, 9, 9}, positions[8] = {9};
+  char text[2][300] = {"x", "x"};
+  std::int32_t flags[601] = {9};
+  EXPECT_EQ(GetOldClampInfo(nullptr, &left, &figure[0], &figure[1], &figure[2], positions, &count, &figure[3]), -2);
+  EXPECT_EQ(GetOldVLMQMaterialName(nullptr, text[0], text[1]), -2);
+  EXPECT_EQ(GetOldSkeletonUtil(nullptr, &figure[0]), -2);
+  EXPECT_EQ(GetSheetDriverFlags(nullptr, flags), -2);
+  EXPECT_EQ(GetSheetSequenceListSize(nullptr, &count), -2);
+  EXPECT_TRUE(left == 9 && count == 9 && figure[0] == 9 && figure[3] == 9 && positions[0] == 9 && flags[0] == 9);
+  EXPECT_STREQ(text[1], "x");
   for (const auto& missing : {folder.path("missing"), std::string()})
     for (Ask ask : kAll) {
       Answers answers;

@@ -1167,7 +1167,7 @@ TEST(SheetKeysByHand, TextsWithoutANulAreTakenUpToTheirWidth) {
   EXPECT_EQ(value(*sheet, "partfulldosname_and_count_and_wonumber"), p + " |1 |" + w + " ");
   EXPECT_EQ(value(*sheet, "partname_and_count_and_wonumber"), n + " |1 |" + w + " ");
   EXPECT_EQ(value(*sheet, "part_details_01"), p + "|30.000000|20.000000|1|" + w + "|;");
-  EXPECT_EQ(value(*sheet, "preSkeletonDosName"), std::string(259, 's'));
+  EXPECT_EQ(value(*sheet, "preSkeletonDosName"), std::string(260, 's'));
 }
 
 TEST(SheetKeysByHand, TheListsOfManyPartsKeepTheirOrderAndLoseTheirLastBarAlone) {
@@ -1205,7 +1205,7 @@ TEST(SheetKeysByHand, TheListsOfManyPartsKeepTheirOrderAndLoseTheirLastBarAlone)
 }
 
 TEST(SheetKeysByHand, TheSkeletonsNameIsAFormatWithoutValues) {
-  const std::string blanks(259, ' '), zeros(259, '0');
+  const std::string blanks(260, ' '), zeros(260, '0');
   const std::pair<std::string, std::string> cases[] = {
       {"", ""},
       {"plain name.prt", "plain name.prt"},
@@ -1258,15 +1258,16 @@ TEST(SheetKeysByHand, TheSkeletonsNameIsAFormatWithoutValues) {
       {"%;%d", ";0"},
       {"%)%(", ")("},
       {"50%25x", "50                        0"},
-      {"%259d", blanks.substr(1) + "0"},
-      {"%260d", blanks},
+      {"%260d", blanks.substr(1) + "0"},
+      {"%261d", blanks},
       {"%5000s", blanks},
       {"%0300d", zeros},
       {"%999999999d", blanks},
       {"%.300f", "0." + zeros.substr(2)},
-      {std::string(255, 'q') + "%9d", std::string(255, 'q') + "    "},
+      {std::string(256, 'q') + "%9d", std::string(256, 'q') + "    "},
       {std::string(248, 'q') + "%%%d%s%%end", std::string(248, 'q') + "%0%end"},
-      {std::string(259, 'q'), std::string(259, 'q')}};
+      {std::string(259, 'q'), std::string(259, 'q')},
+      {std::string(260, 'q'), std::string(260, 'q')}};
   const auto sheet = std::make_unique<OldSheet>();
   for (const auto& [name, text] : cases) {
     put(sheet->skeletonDosName, name);
@@ -1274,7 +1275,7 @@ TEST(SheetKeysByHand, TheSkeletonsNameIsAFormatWithoutValues) {
   }
 }
 
-// Whatever the name, the answer is a text of at most 259 characters, and a name without "%" comes out as it stands.
+// Whatever the name, the answer is a text of at most 260 characters, and a name without "%" comes out as it stands.
 TEST(SheetKeysByHand, NoSkeletonNameLeadsOutsideTheAnswer) {
   const auto sheet = std::make_unique<OldSheet>();
   Dice dice(77);
@@ -1285,10 +1286,10 @@ TEST(SheetKeysByHand, NoSkeletonNameLeadsOutsideTheAnswer) {
       name += letters[static_cast<std::size_t>(dice.upTo(static_cast<int>(letters.size()) - 1))];
     }
     put(sheet->skeletonDosName, name);
-    ASSERT_LE(value(*sheet, "preSkeletonDosName").size(), 259U) << name;
+    ASSERT_LE(value(*sheet, "preSkeletonDosName").size(), 260U) << name;
     std::erase(name, '%');
     put(sheet->skeletonDosName, name);
-    ASSERT_EQ(value(*sheet, "preSkeletonDosName"), name.substr(0, 259));
+    ASSERT_EQ(value(*sheet, "preSkeletonDosName"), name);
   }
 }
 

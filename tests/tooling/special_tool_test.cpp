@@ -4,6 +4,7 @@
 #include "OldTorvIO.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/files.h"
+#include "tests/support/host.h"
 #include "tests/support/part_files.h"
 
 namespace {
@@ -188,6 +189,23 @@ TEST(CurrentSpecialTool, FileWithoutShapesReportsThoseOfTheFileBefore) {
   EXPECT_EQ(a.dimension[2], 7.0F);
 }
 
+// Up to its shape count a file leaves the shapes of the one before it, and answers with them and with
+// its own values; from there on its whole shapes count.
+TEST(CurrentSpecialTool, FileThatEndsInFrontOfItsShapesReportsThoseOfTheFileBefore) {
+  const TempFolder folder;
+  const std::string before = folder.write("a.spt", specialToolFile(110, {3, 4}));
+  const Bytes bare = specialToolFile(110, {}), one = specialToolFile(110, {5}), whole = specialToolFile(110, {5, 6, 7});
+  const std::size_t shapesAt = bare.size() - 4, shape = one.size() - bare.size();
+  for (std::size_t n = 2; n < whole.size(); ++n) {
+    ASSERT_EQ(Answers(before).shapeCount, 2U);
+    const Answers a(folder.write("b.spt", whole.cut(n)));
+    EXPECT_EQ(a.status, 1) << n;
+    const std::size_t shapes = n < shapesAt ? 2 : std::min<std::size_t>((n - shapesAt) / shape, 3);
+    EXPECT_EQ(a.shapeCount, shapes) << n;
+    EXPECT_EQ(a.untouched(), shapes == 0) << n;
+  }
+}
+
 TEST(CurrentSpecialTool, FieldThatALaterFileDoesNotStoreKeepsItsValue) {
   const TempFolder folder;
   ASSERT_EQ(Answers(folder.write("a.spt", specialToolFile(60, {3}))).extra[0], 40.0F);
@@ -239,14 +257,15 @@ TEST(SpecialToolFolder, ComesFromTheConfiguration) {
   }
 }
 
+#if !defined(_WIN32)
 TEST(SpecialToolFolder, LooksInTheUsersConfigurationAndThenInTheSystems) {
   const TempFolder user, first, second;
   const auto configure = [](const TempFolder& folder, const std::string& value) {
     std::filesystem::create_directories(folder.path("OldTorvIO"));
     std::ofstream(folder.path("OldTorvIO") + "/win.ini") << WinIni::folderSetting(value);
   };
-  setenv("XDG_CONFIG_HOME", user.path().c_str(), 1);
-  setenv("XDG_CONFIG_DIRS", ("relative::" + first.path() + ":" + second.path()).c_str(), 1);
+  setEnvironment("XDG_CONFIG_HOME", user.path());
+  setEnvironment("XDG_CONFIG_DIRS", ("relative::" + first.path() + ":" + second.path()));
   EXPECT_EQ(GetSpecialToolFolder(), "C:\\KESTRADA\\SPECTOOL\\");
   configure(second, "second");
   EXPECT_EQ(GetSpecialToolFolder(), "second");
@@ -259,14 +278,14 @@ TEST(SpecialToolFolder, LooksInTheUsersConfigurationAndThenInTheSystems) {
   std::filesystem::create_directories(home.path(".config/OldTorvIO"));
   std::ofstream(home.path(".config/OldTorvIO/win.ini")) << WinIni::folderSetting("home");
   const std::string before = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "";
-  unsetenv("XDG_CONFIG_HOME");
-  setenv("HOME", home.path().c_str(), 1);
+  unsetEnvironment("XDG_CONFIG_HOME");
+  setEnvironment("HOME", home.path());
   EXPECT_EQ(GetSpecialToolFolder(), "home");
-  unsetenv("HOME");
+  unsetEnvironment("HOME");
   EXPECT_EQ(GetSpecialToolFolder(), "first");
-  unsetenv("XDG_CONFIG_DIRS");
+  unsetEnvironment("XDG_CONFIG_DIRS");
   (void)GetSpecialToolFolder();  // the system's own folder, whatever it holds
-  setenv("HOME", before.c_str(), 1);
+  setEnvironment("HOME", before);
 }
 
 TEST(SpecialToolFolder, IsNeverLookedUpInTheWorkingDirectory) {
@@ -276,12 +295,13 @@ TEST(SpecialToolFolder, IsNeverLookedUpInTheWorkingDirectory) {
   std::ofstream(here.path("win.ini")) << WinIni::folderSetting("here");
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(here.path());
-  setenv("XDG_CONFIG_HOME", ".", 1);
-  setenv("XDG_CONFIG_DIRS", ".", 1);
+  setEnvironment("XDG_CONFIG_HOME", ".");
+  setEnvironment("XDG_CONFIG_DIRS", ".");
   EXPECT_EQ(GetSpecialToolFolder(), "C:\\KESTRADA\\SPECTOOL\\");
-  unsetenv("XDG_CONFIG_HOME");
-  unsetenv("XDG_CONFIG_DIRS");
+  unsetEnvironment("XDG_CONFIG_HOME");
+  unsetEnvironment("XDG_CONFIG_DIRS");
   std::filesystem::current_path(before);
 }
+#endif
 
 }  // namespace
