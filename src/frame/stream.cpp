@@ -8,7 +8,7 @@ namespace oldtorvio::frame {
 namespace {
 
 // Large enough that the system calls vanish, small enough to stay in the processor's cache.
-constexpr std::size_t kWindow = 64U << 10U;
+constexpr std::size_t kWindow = 256U << 10U;
 constexpr std::size_t kFirstBuffer = 16U << 10U;
 constexpr std::size_t kPage = 4U << 10U;
 constexpr std::size_t kLargestBuffer = 1024U << 10U;
