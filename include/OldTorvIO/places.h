@@ -51,7 +51,11 @@ class Places {
       if (other.groups_[i]) groups_[i] = std::make_unique<Group>(*other.groups_[i]);
   }
   Places(Places&& other) noexcept = default;
-  Places& operator=(const Places& other) { return *this = Places(other); }
+  Places& operator=(const Places& other) {
+    Places copy(other);
+    groups_.swap(copy.groups_);
+    return *this;
+  }
   Places& operator=(Places&& other) noexcept = default;
   ~Places() = default;
 

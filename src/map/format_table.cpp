@@ -196,6 +196,7 @@ std::string recordTable(std::string_view name) {
 
 std::vector<std::string_view> recordNames() {
   std::vector<std::string_view> names;
+  names.reserve(kRecords.size());
   for (const RecordTable& one : kRecords) names.push_back(one.name);
   return names;
 }

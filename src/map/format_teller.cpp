@@ -52,7 +52,8 @@ std::string valuesText(const std::vector<std::int64_t>& values, const std::vecto
     while (end < values.size() && yes[end]) ++end;
     if (end > i) {
       const std::string first = std::to_string(values[i]), last = std::to_string(values[end - 1]);
-      std::string run = end - i == 1 ? first : end - i == 2 ? first + " or " + last : first + " to " + last;
+      std::string run = first;
+      if (end - i > 1) run.append(end - i == 2 ? " or " : " to ").append(last);
       if (end == values.size()) run = values[i] == 1 ? "above 0" : first + " or above";
       if (i == 0 && isSigned) run = values[end - 1] == -1 ? "below 0" : last + " or below";
       all.append(all.empty() ? "" : ", ").append(run);
@@ -100,6 +101,7 @@ std::vector<FormatTeller::Question> FormatTeller::learnQuestions(const Walk& wal
     }
     for (std::size_t k = 0; k < questions.size(); ++k) {
       std::vector<bool> yes;
+      yes.reserve(answers.size());
       for (const std::vector<bool>& one : answers) yes.push_back(one[k]);
       if (std::count(yes.begin(), yes.end(), true) % static_cast<std::ptrdiff_t>(yes.size()) == 0) continue;
       questions[k] = {++askers[k] == 1 ? "if " + name + " is " + valuesText(values, yes, isSigned)

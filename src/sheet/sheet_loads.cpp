@@ -24,7 +24,7 @@ constexpr auto kAnyVersion = [](int) { return true; };
 using namespace oldtorvio;
 
 extern "C" OldSheet* CreateSheetInfo() noexcept {
-  return guarded(static_cast<OldSheet*>(nullptr), [] { return new OldSheet; });
+  return guarded(static_cast<OldSheet*>(nullptr), [] { return std::make_unique<OldSheet>().release(); });
 }
 
 extern "C" void DeleteSheetInfo(OldSheet* sheet) noexcept { delete sheet; }

@@ -38,8 +38,8 @@ bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data) {
     static_cast<Task*>(one)->work(static_cast<Task*>(one)->data);
     return 0;
   };
-  const auto thread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, static_cast<unsigned>(bytes), run, &task,
-                                                              STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
+  const auto thread = reinterpret_cast<HANDLE>(
+      _beginthreadex(nullptr, static_cast<unsigned>(bytes), run, &task, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
   if (thread == nullptr) return false;
   (void)WaitForSingleObject(thread, INFINITE);
   (void)CloseHandle(thread);
@@ -82,8 +82,8 @@ bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_t thread;
-  const bool started = pthread_attr_setstacksize(&attributes, bytes) == 0 &&
-                       pthread_create(&thread, &attributes, run, &task) == 0;
+  const bool started =
+      pthread_attr_setstacksize(&attributes, bytes) == 0 && pthread_create(&thread, &attributes, run, &task) == 0;
   if (started) pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
   return started;
