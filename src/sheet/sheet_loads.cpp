@@ -1,6 +1,5 @@
 // Sheets: making, freeing, loading, saving.
 #include <memory>
-#include <new>
 
 #include "OldTorvIO.h"
 #include "src/frame/entry.h"
