@@ -1,11 +1,9 @@
 # 64-bit Windows, built with mingw-w64 and run by Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-# The variants with the system's own threads have no std::thread.
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
-set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(triple x86_64-w64-mingw32)
+# The compilers with the system's own threads have no std::thread.
+set(variant -posix)
+include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)
+set(CMAKE_RC_COMPILER ${triple}-windres)
 set(CMAKE_CROSSCOMPILING_EMULATOR /usr/lib/wine/wine64)

@@ -31,6 +31,8 @@ class File {
   std::FILE* handle_;
 };
 
+// Whether a folder was opened as if it were a file.
+bool isFolder(std::FILE* file) noexcept;
 // Bytes of a regular file, nothing for a pipe or device.
 std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept;
 

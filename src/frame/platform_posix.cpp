@@ -18,12 +18,6 @@ bool isFolder(const std::string& path) {
   return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-std::FILE* unbuffered(std::FILE* file) {
-  // Both streams move large blocks of their own: a second buffer would only copy them once more.
-  if (file != nullptr) (void)std::setvbuf(file, nullptr, _IONBF, 0);
-  return file;
-}
-
 std::string contentOf(const std::string& path) {
   constexpr std::size_t kLargestConfiguration = 1U << 20U;
   std::string all;
@@ -38,26 +32,10 @@ std::string contentOf(const std::string& path) {
 
 }  // namespace
 
-File File::openToRead(const char* path) noexcept {
-  if (path == nullptr) return File(nullptr);
-  std::FILE* file = std::fopen(path, "rb");
-  // This system opens folders and only fails to read them.
+// This system opens folders and only fails to read them.
+bool isFolder(std::FILE* file) noexcept {
   struct stat info {};
-  if (file != nullptr && ::fstat(::fileno(file), &info) == 0 && S_ISDIR(info.st_mode)) {
-    (void)std::fclose(file);
-    file = nullptr;
-  }
-  return File(unbuffered(file));
-}
-
-File File::openToWrite(const char* path) noexcept {
-  return File(path == nullptr ? nullptr : unbuffered(std::fopen(path, "wb")));
-}
-
-bool File::close() noexcept {
-  std::FILE* file = handle_;
-  handle_ = nullptr;
-  return file == nullptr || std::fclose(file) == 0;
+  return ::fstat(::fileno(file), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept {

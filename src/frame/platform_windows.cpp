@@ -8,29 +8,9 @@
 #include "src/frame/platform.h"
 
 namespace oldtorvio::frame {
-namespace {
 
-std::FILE* unbuffered(std::FILE* file) {
-  // Both streams move large blocks of their own: a second buffer would only copy them once more.
-  if (file != nullptr) (void)std::setvbuf(file, nullptr, _IONBF, 0);
-  return file;
-}
-
-}  // namespace
-
-File File::openToRead(const char* path) noexcept {
-  return File(path == nullptr ? nullptr : unbuffered(std::fopen(path, "rb")));
-}
-
-File File::openToWrite(const char* path) noexcept {
-  return File(path == nullptr ? nullptr : unbuffered(std::fopen(path, "wb")));
-}
-
-bool File::close() noexcept {
-  std::FILE* file = handle_;
-  handle_ = nullptr;
-  return file == nullptr || std::fclose(file) == 0;
-}
+// This system does not open them as files.
+bool isFolder(std::FILE*) noexcept { return false; }
 
 std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept {
   struct _stati64 info {};
