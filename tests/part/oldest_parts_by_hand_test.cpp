@@ -714,6 +714,58 @@ TEST(Versions2And3ByHand, JoinTheTextsBehindARecordAndSplitThemIntoContinuations
     }
 }
 
+// The record says how many texts it has; the section's count only says where the next record would be.
+TEST(Versions2And3ByHand, ReadTheTextsThatARecordTellsEvenBeyondTheSectionsCount) {
+  for (const int type : {7, 9, 15, 16, 17}) {
+    Record record{type};
+    record.texts = 2;
+    const Bytes texts = Bytes().add(textRecord("short")).add(textRecord("er"));
+    for (const int count : {1, 2, 3}) {
+      const auto entries = entriesOf(count, record.bytes().add(texts).add(Record{2}.bytes()));
+      ASSERT_EQ(entries.size(), 2U) << type << " in a section of " << count;
+      EXPECT_EQ(allOf(entries[1]), Bytes().u16(8).text(27, "shorter").zeros(5).f32(-1).f32(-1).u32(0));
+    }
+    for (const int negative : {-1, -32768}) {
+      record.texts = negative;
+      const auto entries = entriesOf(2, record.bytes().add(Record{2}.bytes()));
+      ASSERT_EQ(entries.size(), 2U) << type << " of " << negative << " texts";
+      EXPECT_EQ(entries[0].setupShort3, 0U);
+      EXPECT_EQ(allOf(entries[1]), allOf(Record{2}.entry()));
+    }
+  }
+}
+
+TEST(Versions2And3ByHand, MakeNoEntryOfARecordWhoseTextsOrBytesAreCut) {
+  const auto entriesOfCut = [](const Record& last, const Bytes& behind, std::size_t missing) {
+    Old old;
+    old.setupCount = 40;
+    old.setup = Record{2}.bytes().add(last.bytes()).add(behind);
+    const Bytes all = old.bytes();
+    const std::string text(reinterpret_cast<const char*>(all.span().data()), all.size());
+    const Bytes section = last.bytes().add(behind);
+    const std::string wanted(reinterpret_cast<const char*>(section.span().data()), section.size());
+    const std::size_t at = text.find(wanted);
+    EXPECT_NE(at, std::string::npos);
+    const Loaded loaded(all.cut(at + section.size() - missing));
+    EXPECT_EQ(loaded.status, 1);
+    return loaded.part->setupList.entries.size();
+  };
+  for (const int type : {7, 9, 15, 16, 17}) {
+    Record record{type};
+    record.texts = 2;
+    const Bytes texts = Bytes().add(textRecord("first")).add(textRecord("second"));
+    for (std::size_t missing = 0; missing <= texts.size() + 1; ++missing)
+      EXPECT_EQ(entriesOfCut(record, texts, missing), missing == 0 ? 3U : 1U) << type << " without " << missing;
+  }
+  for (const int type : {1, 4, 7, 13}) {
+    Record record{type};
+    record.texts = 0;
+    EXPECT_EQ(entriesOfCut(record, Bytes(), 0), 2U) << type;
+    for (std::size_t missing = 1; missing < record.bytes().size(); ++missing)
+      EXPECT_EQ(entriesOfCut(record, Bytes(), missing), 1U) << type << " without " << missing;
+  }
+}
+
 TEST(Versions2And3ByHand, CarryOnBehindASetupSectionThatFailed) {
   for (const int type : {0, 18, 300, 0x8001, 0xFFFF}) {
     Old old;
