@@ -49,7 +49,7 @@ bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data) {
 std::FILE* unwritableFile() { return std::fopen("NUL", "r"); }
 
 int runCommand(const std::string& command, std::string& output) {
-  std::FILE* pipe = _popen((command + " 2>NUL").c_str(), "rb");
+  std::FILE* pipe = _popen((command + " 2>NUL").c_str(), "r");
   output = outputOf(pipe);
   return _pclose(pipe);
 }
