@@ -458,7 +458,7 @@ TEST(SheetEditsByHandDeathTest, ASheetThatEndsInItsOnlyBlockEndsTheProcess) {
       const auto path = put(folder, "sheet", cut);
       EXPECT_EQ(loadedFrom(path)->blocks.size(), 1U);
       EXPECT_DEATH((void)edit.run(path), "") << edit.name << " at " << version;
-#if !defined(_WIN32)  // where the process that ends has files of its own
+#if !defined(_WIN32)                                  // where the process that ends has files of its own
       EXPECT_LT(contentOf(path).size(), cut.size());  // the save had begun
 #endif
     }
