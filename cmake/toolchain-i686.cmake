@@ -1,6 +1,10 @@
-# A 32-bit host, run by qemu.
+# A 32-bit host: an x86-64 processor runs it as it is, any other by qemu.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(triple i686-linux-gnu)
 include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)
-set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-i386-static;-L;/usr/${triple}")
+if(CMAKE_HOST_SYSTEM_PROCESSOR STREQUAL "x86_64")
+  set(CMAKE_CROSSCOMPILING_EMULATOR "/usr/${triple}/lib/ld-linux.so.2;--library-path;/usr/${triple}/lib")
+else()
+  set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-i386-static;-L;/usr/${triple}")
+endif()

@@ -13,6 +13,7 @@
 #include "src/part/part_io.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -253,6 +254,7 @@ int builderAsLoaded() {
 
 TEST(BuilderByHand, WorksWithoutHavingBeenStarted) {
   const std::string style = ::testing::FLAGS_gtest_death_test_style;
+  if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   ::testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(std::_Exit(builderAsLoaded()), ::testing::ExitedWithCode(0), "");
   ::testing::FLAGS_gtest_death_test_style = style;
@@ -449,8 +451,10 @@ TEST(NamedToolsByHand, LooksPastAFolderOfTheSameName) {
   const WinIni ini(bench.setting());
   fs::create_directory(bench.folder.path("abc.spt"));
   EXPECT_EQ(Call{}("abc"), -1);
+#if !defined(_WIN32)  // where no file stands beside a folder of its name
   bench.folder.write("ABC.SPT", toolFile(someTool(), {}));
   EXPECT_EQ(Call{}("abc"), 1);
+#endif
 }
 
 TEST(NamedToolsByHand, TakesAFullPathOf255CharactersAndEndsOn256) {
@@ -467,7 +471,8 @@ TEST(NamedToolsByHand, TakesAFullPathOf255CharactersAndEndsOn256) {
     }
   }
   bench.folder.write("a.spt", toolFile(someTool(), {}));
-  EXPECT_EQ(Call{}("a"), 2);  // a long path that is not the one asked for does no harm
+  const WinIni again(bench.setting());  // the process that ended may have left its own
+  EXPECT_EQ(Call{}("a"), 2);            // a long path that is not the one asked for does no harm
   EXPECT_EQ(Call{}(std::string(4000, 'z').c_str()), -1);
 }
 

@@ -14,6 +14,7 @@
 #include "src/machine/machine_io.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
+#include "tests/support/host.h"
 
 namespace {
 
@@ -312,6 +313,7 @@ TEST(MachineQueriesByHand, KeepsTheLaterFieldsOfAnEarlierFileOfAHigherVersion) {
 }
 
 TEST(MachineQueriesByHand, CountsNoStationsInAProcessThatNeverHadAny) {
+  if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TempFolder folder;
   const std::string path = saved(folder, *machineOf({}), 170);
@@ -376,6 +378,7 @@ TEST(MachineQueriesByHand, AnswersAboutTheLastMachineThatWasLoaded) {
 }
 
 TEST(MachineQueriesByHand, EndsTheProcessAtAnIndexOutsideTheStations) {
+  if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TempFolder folder;
   const std::string path = saved(folder, *machineOf({{}, {}}), 180);
@@ -394,6 +397,7 @@ TEST(MachineQueriesByHand, EndsTheProcessAtAnIndexOutsideTheStations) {
 
 // A load that fails in the tool of the second station leaves that station without one.
 TEST(MachineQueriesByHand, EndsTheProcessAtAStationWithoutATool) {
+  if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TempFolder folder;
   const auto machine = machineOf({{}, {}});

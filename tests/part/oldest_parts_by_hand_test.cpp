@@ -416,8 +416,7 @@ struct Record {
     return e;
   }
   static void set(SetupEntry& e, float block1, float block2, float word, int byte) {
-    const float both[2] = {block1, block2};
-    std::memcpy(e.setupBlock, both, 8);
+    setFromBytes(e.setupBlock, Bytes().f32(block1).f32(block2).span());
     e.setupWord1 = bits(word);
     e.setupByte4 = static_cast<std::uint8_t>(byte);
   }

@@ -41,12 +41,12 @@ Field plain(std::string name, At at, const Bytes& stored, int since = 0, bool ze
   return {std::move(name),
           [at](const PatternItem& item) {
             const auto& field = at(item);
-            return Bytes::of({reinterpret_cast<const std::byte*>(&field), sizeof field});
+            return testing_support::bytesOf(field);
           },
           [at](PatternItem& item, const Bytes& bytes) {
             auto& field = at(item);
             ASSERT_EQ(sizeof field, bytes.size());
-            std::memcpy(&field, bytes.span().data(), sizeof field);
+            testing_support::setFromBytes(field, bytes.span());
           },
           stored,
           since,

@@ -41,12 +41,12 @@ Field plain(std::string name, At at, const Bytes& stored, int since = 0, std::op
   return {std::move(name),
           [at](const ProcessSlot& slot) {
             const auto& field = at(slot);
-            return Bytes::of({reinterpret_cast<const std::byte*>(&field), sizeof field});
+            return testing_support::bytesOf(field);
           },
           [at](ProcessSlot& slot, const Bytes& bytes) {
             auto& field = at(slot);
             ASSERT_EQ(sizeof field, bytes.size());
-            std::memcpy(&field, bytes.span().data(), sizeof field);
+            testing_support::setFromBytes(field, bytes.span());
           },
           stored,
           since,

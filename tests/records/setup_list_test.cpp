@@ -39,12 +39,12 @@ Field plain(std::string name, At at, const Bytes& stored, bool isStored = true) 
   return {std::move(name),
           [at](const SetupEntry& entry) {
             const auto& field = at(entry);
-            return Bytes::of({reinterpret_cast<const std::byte*>(&field), sizeof field});
+            return testing_support::bytesOf(field);
           },
           [at](SetupEntry& entry, const Bytes& bytes) {
             auto& field = at(entry);
             ASSERT_EQ(sizeof field, bytes.size());
-            std::memcpy(&field, bytes.span().data(), sizeof field);
+            testing_support::setFromBytes(field, bytes.span());
           },
           stored, isStored};
 }

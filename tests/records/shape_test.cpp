@@ -47,12 +47,12 @@ Field plain(std::string name, At at, const Bytes& stored, int since = 0, int unt
   return {std::move(name),
           [at](const Shape& shape) {
             const auto& field = at(shape);
-            return Bytes::of({reinterpret_cast<const std::byte*>(&field), sizeof field});
+            return testing_support::bytesOf(field);
           },
           [at](Shape& shape, const Bytes& bytes) {
             auto& field = at(shape);
             ASSERT_EQ(sizeof field, bytes.size());
-            std::memcpy(&field, bytes.span().data(), sizeof field);
+            testing_support::setFromBytes(field, bytes.span());
           },
           stored,
           since,

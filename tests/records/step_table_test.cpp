@@ -44,12 +44,12 @@ Field plain(std::string name, At at, const Bytes& stored, int since = 0, bool ze
   return {std::move(name),
           [at](const StepTable& table) {
             const auto& field = at(table);
-            return Bytes::of({reinterpret_cast<const std::byte*>(&field), sizeof field});
+            return testing_support::bytesOf(field);
           },
           [at](StepTable& table, const Bytes& bytes) {
             auto& field = at(table);
             ASSERT_EQ(sizeof field, bytes.size());
-            std::memcpy(&field, bytes.span().data(), sizeof field);
+            testing_support::setFromBytes(field, bytes.span());
           },
           stored,
           since,

@@ -41,12 +41,12 @@ Field<Record> plain(std::string name, At at, const Bytes& stored, int since = 0)
   return {std::move(name),
           [at](const Record& record) {
             const auto& field = at(record);
-            return Bytes::of({reinterpret_cast<const std::byte*>(&field), sizeof field});
+            return testing_support::bytesOf(field);
           },
           [at](Record& record, const Bytes& bytes) {
             auto& field = at(record);
             ASSERT_EQ(sizeof field, bytes.size());
-            std::memcpy(&field, bytes.span().data(), sizeof field);
+            testing_support::setFromBytes(field, bytes.span());
           },
           stored, since};
 }

@@ -52,7 +52,7 @@ struct SheetMaker : Maker {
 struct SheetChecker : Checker {
   explicit SheetChecker(std::size_t cut = kWhole) : Checker(cut) {}
   void raw(const Bytes& b) { zeros(b.size()); }
-  void rest() { zeros(std::size_t{1} << 40U); }  // nothing behind here arrived
+  void rest() { zeros(kWhole / 64); }  // nothing behind here arrived
 };
 
 template <class M, class Fn>

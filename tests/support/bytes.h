@@ -1,5 +1,6 @@
 // Stored bytes put together by hand, field by field, and streams over them.
 #pragma once
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "src/frame/stream.h"
@@ -77,6 +79,35 @@ class Bytes {
   }
   std::vector<std::byte> data_;
 };
+
+// The bytes of a field, or of an array of fields, in the order of files on any host, and a field out of them.
+template <class T>
+Bytes bytesOf(const T& field) {
+  Bytes all;
+  if constexpr (std::is_arithmetic_v<T>) {
+    std::byte one[sizeof field];
+    std::memcpy(one, &field, sizeof field);
+    if constexpr (std::endian::native == std::endian::big) std::reverse(std::begin(one), std::end(one));
+    all.add(Bytes::of(one));
+  } else {
+    for (const auto& one : field) all.add(bytesOf(one));
+  }
+  return all;
+}
+template <class T>
+void setFromBytes(T& field, std::span<const std::byte> bytes) {
+  if constexpr (std::is_arithmetic_v<T>) {
+    std::byte one[sizeof field];
+    std::copy_n(bytes.begin(), sizeof field, one);
+    if constexpr (std::endian::native == std::endian::big) std::reverse(std::begin(one), std::end(one));
+    std::memcpy(&field, one, sizeof field);
+  } else {
+    for (auto& one : field) {
+      setFromBytes(one, bytes);
+      bytes = bytes.subspan(sizeof one);
+    }
+  }
+}
 
 // read([&](InStream& s) { return ReadMarkList(s, list); }, bytes): the reader's result; optionally
 // how many bytes it consumed.

@@ -37,6 +37,13 @@ class SystemFolderLock {
 };
 #endif
 
+// A processor that is emulated runs no program from within another, so no death test in a fresh process.
+#if defined(TESTS_ARE_EMULATED)
+inline constexpr bool kStartsProcesses = false;
+#else
+inline constexpr bool kStartsProcesses = true;
+#endif
+
 // For EXPECT_EXIT: the process ended as the library ends it.
 inline auto endedByTheLibrary() {
 #if defined(_WIN32)

@@ -2,10 +2,12 @@
 #pragma once
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <random>
 #include <string>
+#include <type_traits>
 
 #include "OldTorvIO/records.h"
 
@@ -15,10 +17,10 @@ class RandomRecords {
  public:
   explicit RandomRecords(std::uint32_t seed, int mostElements = 3) : engine_(seed), most_(mostElements) {}
 
-  // Any bits, so that floats include numbers that are none.
+  // Any bits, so that floats include numbers that are none; the same numbers on every host.
   template <class... T>
   void bits(T&... fields) {
-    (fillBits(&fields, sizeof fields), ...);
+    (bitsOf(fields), ...);
   }
   int upTo(int most) { return static_cast<int>(engine_() % static_cast<unsigned>(most + 1)); }
   bool flip() { return upTo(1) == 1; }
@@ -450,6 +452,17 @@ class RandomRecords {
   }
 
  private:
+  template <class T>
+  void bitsOf(T& field) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      unsigned char stored[sizeof field];
+      fillBits(stored, sizeof stored);
+      if constexpr (std::endian::native == std::endian::big) std::reverse(std::begin(stored), std::end(stored));
+      std::memcpy(&field, stored, sizeof field);
+    } else {
+      for (auto& one : field) bitsOf(one);
+    }
+  }
   void fillBits(void* to, std::size_t size) {
     auto* at = static_cast<unsigned char*>(to);
     for (std::size_t i = 0; i < size; ++i) at[i] = static_cast<unsigned char>(engine_());

@@ -215,6 +215,7 @@ TEST(CurrentSpecialTool, FieldThatALaterFileDoesNotStoreKeepsItsValue) {
 }
 
 TEST(CurrentSpecialTool, IsEmptyInAFreshProcess) {
+  if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TempFolder folder;
   const std::string path = folder.write("a.spt", specialToolFile(110, {}));
@@ -250,6 +251,37 @@ TEST(SpecialToolFolder, ComesFromTheConfiguration) {
       {"[Kestrada64bit]\n[Kestrada64bit]\n" + key + "D:\\A", fallback},
       {"[Kestrada64bit\n" + key + "D:\\A", fallback},
       {"[Kestrada64bit]\n" + key + std::string(300, 'x'), std::string(260, 'x')},
+      // A value of quotes alone, quotes that do not close or differ, quotes inside, and what stands behind them.
+      {"[Kestrada64bit]\n" + key + "\"\"\n[Kestrada]\n" + key + "D:\\B\n", "D:\\B"},
+      {"[Kestrada64bit]\n" + key + "\"\n", "\""},
+      {"[Kestrada64bit]\n" + key + "\"D:\\A\n", "\"D:\\A"},
+      {"[Kestrada64bit]\n" + key + "D:\\A\"\n", "D:\\A\""},
+      {"[Kestrada64bit]\n" + key + "\"D:\\A'\n", "\"D:\\A'"},
+      {"[Kestrada64bit]\n" + key + "'\"D:\\A\"'\n", "\"D:\\A\""},
+      {"[Kestrada64bit]\n" + key + "D:\\\"A\"\n", "D:\\\"A\""},
+      {"[Kestrada64bit]\n" + key + "\"D:\\A\" ; note\n", "\"D:\\A\" ; note"},
+      // Nothing but a semicolon at the front of a line makes a comment.
+      {"[Kestrada64bit]\n" + key + "D:\\A;B\n", "D:\\A;B"},
+      {"[Kestrada64bit]\n  ; " + key + "D:\\A\n" + key + "D:\\B\n", "D:\\B"},
+      {"[Kestrada64bit]\n# " + key + "D:\\A\n", fallback},
+      // Blanks around everything, and inside.
+      {"  [Kestrada64bit]  \n\t" + key.substr(0, key.size() - 1) + "\t=\tD:\\A\t\n", "D:\\A"},
+      {"[ Kestrada64bit ]\n" + key + "D:\\A\n", "D:\\A"},
+      {"[Kestrada64bit] behind\n" + key + "D:\\A\n", "D:\\A"},
+      {"[Kestrada64bit]\n\n\n" + key + "D:\\A  B\n", "D:\\A  B"},
+      {"[Kestrada64bit]\n" + key + "   \n", fallback},
+      // Signs of equality, keys without one, longer and shorter keys.
+      {"[Kestrada64bit]\n" + key + "=D:\\A=B\n", "=D:\\A=B"},
+      {"[Kestrada64bit]\n" + key.substr(0, key.size() - 1) + "\n", fallback},
+      {"[Kestrada64bit]\nX" + key + "D:\\A\n", fallback},
+      {"[Kestrada64bit]\n" + key.substr(1) + "D:\\A\n", fallback},
+      {"[Kestrada64bit]\n=D:\\A\n" + key + "D:\\B\n", "D:\\B"},
+      // Other sections in front and behind, a bracket inside a value, a line end of its own kind.
+      {"[A]\n" + key + "D:\\A\n[Kestrada64bit]\n" + key + "D:\\B\n[C]\n" + key + "D:\\C\n", "D:\\B"},
+      {"[Kestrada64bit]\n" + key + "D:\\[A]\n", "D:\\[A]"},
+      {"[Kestrada64bit]\r\n" + key + "D:\\A\r\n\r\n", "D:\\A"},
+      {"[Kestrada64bit]\n" + key + "D:\\A\n\x1A[Kestrada64bit]\n", "D:\\A"},
+      {"[Kestrada64]\n" + key + "D:\\A\n[Kestrada64bits]\n" + key + "D:\\B\n", fallback},
   };
   for (const auto& [content, folder] : cases) {
     const WinIni ini(content);

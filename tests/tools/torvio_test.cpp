@@ -22,7 +22,7 @@ struct Outcome {
 
 Outcome torvio(const std::string& arguments) {
   Outcome run;
-  run.code = runCommand(std::string(TORVIO_BINARY) + " " + arguments, run.output);
+  run.code = runCommand(std::string(TORVIO_COMMAND) + " " + arguments, run.output);
   return run;
 }
 

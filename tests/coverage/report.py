@@ -1,0 +1,136 @@
+#!/usr/bin/env python3
+"""Lines and branches of src/ that the tests reach, from what a clang build counted.
+
+usage: report.py TOP PROFILES BINARY [BINARY ...]
+
+A template is told once a line however often it is instantiated: what any instantiation, in any program,
+reaches counts. Branches are the conditions of the source and both of their outcomes; the edges that a
+compiler makes for exceptions are none. tests/coverage/exceptions.txt lists what need not be reached, each
+with its reason; an entry that is reached is an error as well. Ends with 1 for anything left.
+"""
+import glob
+import json
+import os
+import subprocess
+import sys
+from collections import defaultdict
+
+
+def tool(name):
+    return os.environ.get(name.upper().replace("-", "_"), name)
+
+
+def exported(binary, others, profile, top, form):
+    command = [tool("llvm-cov"), "export", binary, "-instr-profile", profile, "-format", form]
+    for other in others:
+        command += ["-object", other]
+    if form == "text":
+        command += ["-skip-functions", "-skip-expansions"]
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def is_library(name):
+    return name.startswith(("src/", "include/"))
+
+
+def lines_of(lcov, top):
+    """{(file, line): count}"""
+    counts = defaultdict(int)
+    name = ""
+    for row in lcov.splitlines():
+        if row.startswith("SF:"):
+            name = os.path.relpath(row[3:], top)
+        elif row.startswith("DA:"):
+            line, count = row[3:].split(",")[:2]
+            if is_library(name):
+                counts[name, int(line)] += int(count)
+    return counts
+
+
+def branches_of(text, top):
+    """{(file, line, column, end line, end column): [times true, times false]}"""
+    counts = defaultdict(lambda: [0, 0])
+    for one in json.loads(text)["data"][0]["files"]:
+        name = os.path.relpath(one["filename"], top)
+        if not is_library(name):
+            continue
+        for line, column, end_line, end_column, when_true, when_false, *_ in one.get("branches", []):
+            both = counts[name, line, column, end_line, end_column]
+            both[0] += when_true
+            both[1] += when_false
+    return counts
+
+
+def exceptions(path):
+    """{(file, kind, text): reason}. kind is `line`, `true` or `false`; text is the source line, or, in all
+    files (`*`), the beginning of the condition."""
+    found = {}
+    with open(path, encoding="utf-8") as source:
+        for row in source:
+            row = row.rstrip("\n")
+            if not row or row.startswith("#"):
+                continue
+            name, kind, text, reason = (part.strip() for part in row.split(" | "))
+            found[name, kind, text] = reason
+    return found
+
+
+def main():
+    top, profiles, *binaries = sys.argv[1:]
+    top = os.path.abspath(top)
+    merged = os.path.join(profiles, "all.profdata")
+    subprocess.run([tool("llvm-profdata"), "merge", "-sparse", "-o", merged, *glob.glob(profiles + "/*.profraw")],
+                   check=True)
+    lines = lines_of(exported(binaries[0], binaries[1:], merged, top, "lcov"), top)
+    branches = branches_of(exported(binaries[0], binaries[1:], merged, top, "text"), top)
+    excepted = exceptions(os.path.join(top, "tests/coverage/exceptions.txt"))
+    unused = set(excepted)
+    sources = {}
+
+    def text_of(name, line):
+        if name not in sources:
+            with open(os.path.join(top, name), encoding="utf-8") as source:
+                sources[name] = source.read().splitlines()
+        return sources[name][line - 1]
+
+    def forgiven(name, line, kind, what=""):
+        key = (name, kind, text_of(name, line).strip())
+        keys = [key] if key in excepted else [k for k in excepted
+                                              if k[:2] == ("*", kind) and what and what.startswith(k[2])]
+        unused.difference_update(keys)
+        return bool(keys)
+
+    missed, forgotten = [], 0
+    for (name, line), count in sorted(lines.items()):
+        if count == 0:
+            if forgiven(name, line, "line"):
+                forgotten += 1
+            else:
+                missed.append(f"{name}:{line}: not reached: {text_of(name, line).strip()}")
+    line_misses = len(missed)
+    outcomes = 0
+    for (name, line, column, end_line, end_column), both in sorted(branches.items()):
+        if both == [0, 0] and lines.get((name, line), 1) == 0:
+            continue  # told as a line already
+        if "if constexpr" in text_of(name, line):
+            continue  # decided by the compiler, which counts none of them
+        outcomes += 2
+        for kind, count in zip(("true", "false"), both):
+            if count == 0:
+                what = text_of(name, line)[column - 1:end_column - 1 if end_line == line else None]
+                if forgiven(name, line, kind, what):
+                    forgotten += 1
+                else:
+                    missed.append(f"{name}:{line}:{column}: never {kind}: {what}")
+    branch_misses = len(missed) - line_misses
+    for name, kind, text in sorted(unused):
+        missed.append(f"{name}: an exception that is none ({kind}): {text}")
+    print("\n".join(missed))
+    print(f"lines: {len(lines) - line_misses} of {len(lines)} ({100 * (1 - line_misses / len(lines)):.1f} %)")
+    print(f"outcomes of branches: {outcomes - branch_misses} of {outcomes} ({100 * (1 - branch_misses / outcomes):.1f} %)")
+    print(f"of these excepted with a reason: {forgotten}")
+    return 1 if missed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
