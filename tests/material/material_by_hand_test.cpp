@@ -1121,10 +1121,6 @@ Bytes tableBytes(int version, const std::string& name) {
   const std::size_t stored = std::min<std::size_t>(name.size() + 1, 256);
   return Bytes(word).zeros(used - 6).i32(static_cast<std::int64_t>(stored)).text(stored, name);
 }
-std::ptrdiff_t openFiles() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
-}
-
 TEST(LoadOldMaterialByHand, ALongFileIsAWordATableAndABody) {
   TempFolder folder;
   const Form f;

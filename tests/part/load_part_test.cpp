@@ -570,14 +570,7 @@ TEST(LoadOldPartByHand, ReloadKeepsWhatTheVersionDoesNotStore) {
   EXPECT_STREQ(part->partName, "kept");
 }
 
-std::size_t openFiles() {
-  std::size_t n = 0;
-  for (const auto& one : std::filesystem::directory_iterator("/proc/self/fd")) n += one.path().empty() ? 0 : 1;
-  return n;
-}
-
 TEST(LoadOldPartByHand, EveryLoadAndSaveClosesItsFile) {
-  if (!std::filesystem::exists("/proc/self/fd")) GTEST_SKIP() << "open files cannot be counted on this system";
   const TempFolder folder;
   const auto part = std::make_unique<TorvPart>();
   part->patterns.emplace_back();

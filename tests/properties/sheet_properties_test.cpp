@@ -901,12 +901,6 @@ TEST(SheetEdits, WithoutAMatchTheFileIsNotEvenWrittenAgain) {
 
 // ---- questions -----------------------------------------------------------------------------------
 
-std::ptrdiff_t openFiles() {
-  const std::filesystem::path all = "/proc/self/fd";
-  if (!std::filesystem::exists(all)) return 0;
-  return std::distance(std::filesystem::directory_iterator(all), std::filesystem::directory_iterator());
-}
-
 // Tool numbers of stations that are there. Below 61 a file has the first list alone.
 void useTheStations(OldSheet& sheet, int version) {
   const OldMachine& m = sheet.machine;
@@ -954,7 +948,7 @@ TEST(SheetQuestions, LeaveNoTraceInTheFileTheProcessOrTheRecord) {
       const Bytes file = readableSheetFile(*made, version);
       const std::string path = folder.write("sheet", file);
       const char* const p = path.c_str();
-      const std::ptrdiff_t open = openFiles();
+      const std::size_t open = openFiles();
 
       OldSheet* handle = nullptr;
       ASSERT_EQ(GetOldSheetHandle(p, &handle), 0) << version;

@@ -28,6 +28,7 @@ namespace {
 
 using namespace oldtorvio;
 using testing_support::Bytes;
+using testing_support::openFiles;
 using testing_support::TempFolder;
 using SheetPtr = std::unique_ptr<OldSheet>;
 
@@ -176,14 +177,6 @@ std::string toolsOf(OldSheet& sheet, int version = 180) {
   EXPECT_EQ(info.ask(save(folder, sheet, version)), 0);
   EXPECT_EQ(info.toolsLength, static_cast<std::int32_t>(std::strlen(info.tools.c_str())));
   return info.tools.c_str();
-}
-
-std::size_t openFiles() {
-  const std::filesystem::path all = "/proc/self/fd";
-  if (!std::filesystem::exists(all)) return 0;
-  std::size_t count = 0;
-  for ([[maybe_unused]] const auto& one : std::filesystem::directory_iterator(all)) ++count;
-  return count;
 }
 
 // ---- handles ----------------------------------------------------------------------------------------

@@ -3,11 +3,15 @@
 #include <cstdlib>
 
 #if defined(_WIN32)
+#include <io.h>
 #include <process.h>
 #include <windows.h>
 #else
 #include <pthread.h>
 #include <sys/wait.h>
+
+#include <filesystem>
+#include <iterator>
 #endif
 
 namespace testing_support {
@@ -44,6 +48,13 @@ bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data) {
   (void)WaitForSingleObject(thread, INFINITE);
   (void)CloseHandle(thread);
   return true;
+}
+
+// Those of the runtime: what else the process holds comes and goes.
+std::size_t openFiles() {
+  std::size_t count = 0;
+  for (int file = 0; file < 512; ++file) count += _get_osfhandle(file) == -1 ? 0 : 1;
+  return count;
 }
 
 std::FILE* unwritableFile() { return std::fopen("NUL", "r"); }
@@ -91,6 +102,11 @@ bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data) {
   if (started) pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
   return started;
+}
+
+std::size_t openFiles() {
+  using Entries = std::filesystem::directory_iterator;
+  return static_cast<std::size_t>(std::distance(Entries("/proc/self/fd"), Entries()));
 }
 
 std::FILE* unwritableFile() { return std::fopen("/dev/null", "r"); }

@@ -15,6 +15,9 @@ void unsetEnvironment(const char* name);
 // Runs work(data) on a thread with a stack of that many bytes; false if there is no such thread.
 bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data);
 
+// How many files the process has open.
+std::size_t openFiles();
+
 // A file without content that takes none.
 std::FILE* unwritableFile();
 
