@@ -25,7 +25,7 @@ class Scanner {
 
   Directive scan() {
     Directive d;
-    for (; isOneOf(peek(), "-+ #0") && peek() != 0; ++at_) {
+    for (; isOneOf(peek(), "-+ #0"); ++at_) {
       d.isLeft = d.isLeft || peek() == '-';
       d.hasPlus = d.hasPlus || peek() == '+';
       d.hasBlank = d.hasBlank || peek() == ' ';
@@ -61,7 +61,7 @@ class Scanner {
       at_ += 3;
       return;
     }
-    while (peek() != 0 && isOneOf(peek(), "hlLqjztwI")) ++at_;
+    while (isOneOf(peek(), "hlLqjztwI")) ++at_;
   }
 
   static constexpr std::size_t kMostWidth = 0x7FFFFFFF;
@@ -94,7 +94,7 @@ Digits zeroReal(const Directive& d, std::size_t longest) {
   if (kind == 'e') text += "e+00";
   if (kind == 'a') text += "p+0";
   if (d.kind != kind)
-    for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 0x20) : c;
+    for (char& c : text) c = c >= 'a' ? static_cast<char>(c - 0x20) : c;
   return digits;
 }
 

@@ -1,5 +1,6 @@
 #include "src/frame/map.h"
 
+#include <algorithm>
 #include <charconv>
 #include <iterator>
 
@@ -8,7 +9,7 @@ namespace {
 
 // "block(r.x, r.y)" and "as<T>(r.kind)" name what stands in their parentheses; "r.x" names "x".
 std::string nameOf(std::string_view one) {
-  while (!one.empty() && one.front() == ' ') one.remove_prefix(1);
+  one.remove_prefix(std::min(one.find_first_not_of(' '), one.size()));
   if (const auto open = one.find('('); open != std::string_view::npos) {
     std::string all;
     for (const std::string& inner : fieldNames(one.substr(open + 1, one.rfind(')') - open - 1)))
@@ -166,7 +167,7 @@ void Mapper::leave() {
 
 // The name itself stands for an element without fields of its own; "[i]" for the present row.
 std::string Mapper::pathOf(const std::string& name) const {
-  if (name == "itself" && !path_.empty()) return path_.substr(0, path_.size() - 1);
+  if (name == "itself") return path_.substr(0, path_.size() - 1);
   std::string path = path_ + name;
   constexpr std::string_view kRow = "[i]";
   if (const auto at = path.find(kRow); at != std::string::npos)

@@ -174,7 +174,7 @@ float OldSetupRecord::real(int index) const {
 
 bool OldSetupRecord::carriesText() const {
   const int kind = type();
-  return kind == 7 || kind == 9 || (kind >= 15 && kind <= 17);
+  return kind == 7 || kind == 9 || kind >= 15;
 }
 
 int OldSetupRecord::bytesBehind() const {
@@ -280,7 +280,9 @@ bool ContinuationFilter::keeps(const SetupEntry& entry) {
       remaining_ = static_cast<std::int16_t>(entry.setupShort3);
       return true;
     case 8:
-      return remaining_ > 0 && remaining_-- > 0;
+      if (remaining_ <= 0) return false;
+      --remaining_;
+      return true;
     default:
       return true;
   }

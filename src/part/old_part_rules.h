@@ -52,7 +52,7 @@ struct OldSetupRecord {
   std::uint8_t byteB() const { return bytes[28]; }
 
   bool hasKnownType() const { return type() >= 1 && type() <= 17; }
-  bool carriesText() const;
+  bool carriesText() const;  // of a known type
   int bytesBehind() const;  // dropped bytes between this record and the next
 };
 

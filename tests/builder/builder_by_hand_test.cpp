@@ -405,6 +405,7 @@ TEST(NamedToolsByHand, FindsTheFileByItsNameAlone) {
                       {"punch1.spt", "PUNCH1", true},
                       {"a.b.SpT", "A.B", true},
                       {"plain", "PLAIN", true},
+                      {"ab", "AB", true},
                       {"abc.spt.bak", "abc", false},
                       {"abc.spt.bak", "abc.spt.bak", true},
                       {"abc.spt", "abc.spt", false},
@@ -482,7 +483,7 @@ TEST(GroupsByHand, CopiesTheShapesOfTheToolBehindTheirHead) {
   const std::vector<Shape> five = {someShape(1, 1), someShape(7, 2), someShape(4, 3), someShape(-7, 14),
                                    someShape(25, 29)};
   Bench bench;
-  const WinIni ini(bench.setting("/"));
+  const WinIni ini(bench.setting(kSeparator));
   const std::string path = bench.folder.path("A.spt"), longer = bench.folder.path("longer name.spt");
   bench.folder.write("A.spt", toolFile(someTool(), five));
   bench.folder.write("longer name.spt", toolFile(someTool(), {someShape(7, 4)}));
@@ -548,7 +549,7 @@ TEST(GroupsByHand, ReducesTheAngleByTheSymmetryOfTheTool) {
                       {nan, 0, 0}};
   for (const Tool& tool : tools) {
     Bench bench;
-    const WinIni ini(bench.setting("/"));
+    const WinIni ini(bench.setting(kSeparator));
     OldTool t = someTool(tool.code);
     t.dimension3 = tool.dimension3;
     bench.folder.write("A.spt", toolFile(t, {}, 180, tool.byte));
@@ -578,20 +579,20 @@ TEST(GroupsByHand, PutsFolderAndNameTogetherAsTheyStand) {
     const char* name;
     bool found;
   };
-  const Row rows[] = {{"/", "A.spt", "A", true},
+  const Row rows[] = {{kSeparator, "A.spt", "A", true},
                       {"\\", "A.spt", "A", true},
                       {"", "A.spt", "A", false},
                       {"/TOOLS", "TOOLSA.spt", "A", true},
                       {"/TOOLS", "TOOLS/A.spt", "A", false},
-                      {"/", "A.spt", "A.spt", false},
-                      {"/", "A.spt.spt", "A.spt", true},
-                      {"/", "TOOLS/A.spt", "TOOLS/A", true},
-                      {"/", ".spt", "", true},
-                      {"/", "%s%n.spt", "%s%n", true},
-                      {"/", "A", "A", false},
-                      {"/", "A.spt", "a", false},
-                      {"/", "A.SPT", "A", false},
-                      {"/", "A.spt", nullptr, false}};
+                      {kSeparator, "A.spt", "A.spt", false},
+                      {kSeparator, "A.spt.spt", "A.spt", true},
+                      {kSeparator, "TOOLS/A.spt", "TOOLS/A", true},
+                      {kSeparator, ".spt", "", true},
+                      {kSeparator, "%s%n.spt", "%s%n", true},
+                      {kSeparator, "A", "A", false},
+                      {kSeparator, "A.spt", "a", !kNamesDifferByCase},
+                      {kSeparator, "A.SPT", "A", !kNamesDifferByCase},
+                      {kSeparator, "A.spt", nullptr, false}};
   for (const Row& row : rows) {
     Bench bench;
     const WinIni ini(bench.setting(row.end));
@@ -608,9 +609,9 @@ TEST(GroupsByHand, PutsFolderAndNameTogetherAsTheyStand) {
 
 TEST(GroupsByHand, TakesALoadedPathOf255CharactersAndAnyPathOf259) {
   Bench bench;
-  const WinIni ini(bench.setting("/"));
+  const WinIni ini(bench.setting(kSeparator));
   for (std::size_t size = 254; size <= 261; ++size) {
-    const std::string path = padded(bench.folder.path() + "/", ".spt", size);
+    const std::string path = padded(bench.folder.path() + kSeparator, ".spt", size);
     const std::string file = path.substr(bench.folder.path().size() + 1), name = file.substr(0, file.size() - 4);
     const auto add = [&] { return AddGroupPatIntoTorvPart(0, 0, 0, name.c_str()); };
     if (size >= 260) {
@@ -633,7 +634,7 @@ TEST(GroupsByHand, TakesALoadedPathOf255CharactersAndAnyPathOf259) {
 
 TEST(GroupsByHand, AddsAMemberAndCountsItInAnyShape) {
   Bench bench;
-  const WinIni ini(bench.setting("/"));
+  const WinIni ini(bench.setting(kSeparator));
   bench.folder.write("A.spt", toolFile(someTool(), {someShape(1, 1)}));
   for (std::int32_t index : {0, -1, std::numeric_limits<std::int32_t>::min()}) EXPECT_EQ(addMember(index), 0);
   EXPECT_DEATH(addMember(2), "");
@@ -666,7 +667,7 @@ TEST(GroupsByHand, TheCountOfAMemberIsCutTo16Bits) {
 
 TEST(BuilderByHand, ACallThatFailsAddsNothing) {
   Bench bench;
-  const WinIni ini(bench.setting("/"));
+  const WinIni ini(bench.setting(kSeparator));
   bench.folder.write("good.spt", toolFile(someTool(), {someShape(1, 1)}));
   ASSERT_EQ(AddGroupPatIntoTorvPart(0, 0, 0, "good"), 2);
   ASSERT_EQ(Call{}("good"), 3);
@@ -697,7 +698,7 @@ TEST(BuilderByHand, AnyOrderOfCallsKeepsShapesAndItemsSideBySide) {
   for (unsigned seed = 1; seed <= 25; ++seed) {
     std::mt19937 random(seed);
     Bench bench;
-    const WinIni ini(bench.setting("/"));
+    const WinIni ini(bench.setting(kSeparator));
     bench.folder.write("A.spt", toolFile(someTool(), shapes));
     for (int step = 0; step < 15; ++step) {
       const auto kind = random() % 5;

@@ -393,7 +393,9 @@ TEST(ReducedAngle, AngleThatAStepNoLongerChangesOrThatIsNoNumberStays) {
 TEST_F(Groups, NullNameAndMissingFilesGiveMinusOne) {
   EXPECT_EQ(AddGroupPatIntoTorvPart(0, 0, 0, nullptr), -1);
   EXPECT_EQ(AddGroupPatIntoTorvPart(0, 0, 0, "none"), -1);
-  EXPECT_EQ(AddGroupPatIntoTorvPart(0, 0, 0, "FIVE"), -1) << "the exact spelling is handed to the file system";
+  if (kNamesDifferByCase) {
+    EXPECT_EQ(AddGroupPatIntoTorvPart(0, 0, 0, "FIVE"), -1) << "the exact spelling is handed to the file system";
+  }
   EXPECT_EQ(addPlain(), 1);
 }
 

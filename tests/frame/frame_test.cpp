@@ -5,6 +5,7 @@
 #endif
 
 #include <cstdio>
+#include <cstring>
 #include <limits>
 
 #include "src/frame/entry.h"
@@ -132,6 +133,19 @@ TEST(OutStream, HandsLargeContentToTheFileInOrder) {
   EXPECT_EQ(TempFolder::read(path), expected);
 }
 
+TEST(OutStream, HandsNothingOverWhereThereIsNothingOrNoFile) {
+  OutStream memory;
+  std::memset(memory.room(5), 7, 5);
+  EXPECT_TRUE(memory.flush());
+  EXPECT_EQ(memory.bytes().size(), 5U);
+  // A file that takes nothing takes that.
+  std::FILE* file = testing_support::unwritableFile();
+  OutStream empty(file);
+  EXPECT_TRUE(empty.flush());
+  EXPECT_FALSE(empty.failed());
+  std::fclose(file);
+}
+
 TEST(OutStream, OnceFailedStaysFailed) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
   File file = File::openToWrite("/dev/full");
@@ -172,6 +186,25 @@ TEST(Text, ComparisonFoldsLettersAToZOnly) {
       const auto lower = [](int c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
       ASSERT_EQ(equalNoCase({&x, 1}, {&y, 1}), lower(a) == lower(b));
     }
+}
+
+TEST(Text, TheBaseNameHasNeitherDriveNorFoldersNorWhatStandsBehindTheLastDot) {
+  const std::pair<const char*, const char*> cases[] = {{"C:\\A\\B.PRT", "B"},
+                                                       {"c:b.prt", "b"},
+                                                       {"z:/a/b.c.prt", "b.c"},
+                                                       {"Z:b", "b"},
+                                                       {"{:b.prt", "{:b"},
+                                                       {"@:b.prt", "@:b"},
+                                                       {"1:b.prt", "1:b"},
+                                                       {"C:", ""},
+                                                       {":b", ":b"},
+                                                       {"", ""},
+                                                       {"C", "C"},
+                                                       {"a\\", ""},
+                                                       {".prt", ""},
+                                                       {"C:.prt", ""},
+                                                       {"cc:b", "cc:b"}};
+  for (const auto& [path, name] : cases) EXPECT_EQ(baseName(path), name) << path;
 }
 
 TEST(Text, NumbersPrintAsInTheCLocale) {

@@ -1221,6 +1221,8 @@ TEST(SheetKeysByHand, TheSkeletonsNameIsAFormatWithoutValues) {
       {"%#o", "0"},
       {"%hd %hhd %ld %lld %zu", "0 0 0 0 0"},
       {"%ld%lu%llx", "000"},
+      {"%I64d %I32x %Id|%I6|%I", "0 0 0|6|"},
+      {"%-", ""},
       {"%f", "0.000000"},
       {"%F", "0.000000"},
       {"%lf", "0.000000"},
