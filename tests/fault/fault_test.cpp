@@ -21,6 +21,7 @@
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/allocation_meter.h"
 #include "tests/support/files.h"
+#include "tests/support/full_files.h"
 #include "tests/support/host.h"
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
@@ -30,129 +31,6 @@ namespace {
 using namespace testing_support;
 
 constexpr std::size_t kMiB = 1U << 20U;
-
-Bytes partFile(int version, std::int32_t groupKind = 0) {
-  Maker maker;
-  const auto part = std::make_unique<TorvPart>();
-  storedPart(maker, version, {false, true, groupKind}, *part);
-  return Bytes().i16(version).add(maker.bytes);
-}
-
-Bytes groupFile(int version) {
-  const Bytes part = partFile(version);
-  return Bytes().i16(version).i32(0).i32(256).text(256, "A").add(Bytes::of(part.span().subspan(2)));
-}
-
-// The other kinds hold random content, with an element at least where a list brings others.
-void fullMachine(RandomRecords& random, OldMachine* m, int version) {
-  random.machine(*m, version);
-  m->limitsPresent = m->secondTextPresent = 1;
-  m->blockMode = 2;
-  m->gridMode = 2;
-  m->gridA.cellByteCount = m->gridB.cellByteCount = 20;
-  m->hasExtension = m->stepListPresent = 1;
-  m->triadCount = 2;
-  m->programMode = version % 2 == 0 ? 1 : 2;
-  m->segments.resize(1);
-  m->stepTables.resize(1);
-  m->material.name = "STEEL";
-  for (auto* list : {&m->stationsA, &m->stationsB, &m->stationsC}) {
-    list->stations.assign(1, random.station());
-    list->tools.assign(1, random.tool());
-  }
-  m->stationsA.stations[0].toolCount = 1;
-  m->stationsA.tools[0].shapeCode = 3;
-  for (ShapeProgram* program : {&m->programA, &m->programC, static_cast<ShapeProgram*>(&m->programB),
-                                static_cast<ShapeProgram*>(&m->programD), &m->material.head.optionA}) {
-    program->programGroups.resize(1);
-    program->programGroups[0].groupShapes.shapes.resize(1);
-  }
-  m->unitTable.units.resize(1);
-}
-
-Bytes machineFile(int version) {
-  RandomRecords random(7, 1);
-  const auto m = std::make_unique<OldMachine>();
-  fullMachine(random, m.get(), version);
-  return Bytes().i16(version).add(written([&](auto& s) { return WriteOldMachine(s, version, nullptr, *m, false); }));
-}
-
-Bytes materialFile(int version) {
-  RandomRecords random(8, 1);
-  const auto m = std::make_unique<OldMaterial>();
-  random.material(*m);
-  random.paramTable(m->params, version);
-  const bool isTableAlone = version == 52 || version == 60;
-  m->entryList.resize(1);
-  m->toolSets.setCount = 1;
-  m->palette.groupCount = 1;
-  m->settingListCount = 1;
-  m->settingLists[0].resize(1);
-  m->rules.pairRules.resize(1);
-  m->head.optionA.programGroups.resize(1);
-  m->head.optionA.programGroups[0].groupShapes.shapes.resize(1);
-  const Bytes table = written([&](auto& s) { return WriteParamTable(s, m->params); });
-  if (isTableAlone) return table;
-  return Bytes().i16(version).add(table).add(written([&](auto& s) { return WriteOldMaterialBody(s, version, *m); }));
-}
-
-Bytes inventoryFile(int version) {
-  RandomRecords random(9, 1);
-  OldToolInventory v = random.toolInventory();
-  v.tools.assign(2, random.tool());
-  v.tools[0].shapeCode = 1;
-  v.tools[1].shapeCode = 108;
-  v.tools[1].specialToolIndex = 1;
-  v.entries.resize(1);
-  v.specialToolFiles.assign(1, {"C:\\TOOLS\\STAR.SPT"});
-  return Bytes().i16(version).add(written([&](auto& s) { return WriteToolInventory(s, version, v); }));
-}
-
-Bytes macroFile(int version) {
-  RandomRecords random(10, 1);
-  OldMacro m = random.macro();
-  m.shapes.shapes.assign(2, random.shape());
-  m.items.resize(2);
-  m.stationList.stations.assign(1, random.station());
-  m.stationList.tools.assign(1, random.tool());
-  return Bytes().i16(version).add(written([&](auto& s) { return WriteMacro(s, version, m); }));
-}
-
-// One part that uses the station, a list of each kind.
-void fullSheet(OldSheet& s, int version) {
-  RandomRecords random(11, 1);
-  fullMachine(random, &s.machine, version);
-  random.paramTable(s.paramTable, version < 60 ? 52 : version);
-  s.shapes.shapes.assign(1, random.shape());
-  s.setupList.entries.resize(1);
-  s.patternItems.resize(30);
-  s.marks.resize(1);
-  s.profiles.resize(1);
-  s.stepTables.resize(1);
-  s.processSlotCount = 1;
-  s.workList.resize(2);
-  s.rowTable.count = s.clampRowTable.count = 2;
-  s.textEntries.resize(1);
-  s.namedWorkLists.resize(1);
-  s.namedWorkLists[0].entries.resize(1);
-  s.machine.extension.extensionEntries.resize(1);
-  s.skeletonShapes.shapes.assign(1, random.shape());
-  TorvPart& part = s.partList.parts.emplace_back();
-  random.part(part, version);
-  std::strcpy(part.partName, "PLATE");
-  std::strcpy(part.partFullDosName, "C:\\PARTS\\PLATE.PRT");
-  std::strcpy(part.woNumber, "W1");
-  part.processSlotCount = 0;
-  part.patterns.resize(1);
-  part.patterns[0].items.assign(1, {});
-  part.patterns[0].items[0].toolNumber = 1;
-}
-
-Bytes sheetFile(int version) {
-  const auto s = std::make_unique<OldSheet>();
-  fullSheet(*s, version);
-  return Bytes().i16(version).add(written([&](auto& to) { return WriteOldSheet(to, version, *s); }));
-}
 
 struct Kind {
   map::FileKind kind;
