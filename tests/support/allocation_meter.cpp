@@ -66,11 +66,12 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept { give(block
 namespace testing_support {
 
 AllocationMeter::AllocationMeter() {
-  heldBefore = held;
+  heldBefore = ::held;
   peakHeld = heldBefore;
   largestTaken = 0;
   taken = 0;
 }
+std::ptrdiff_t AllocationMeter::held() const { return static_cast<std::ptrdiff_t>(::held - heldBefore); }
 std::size_t AllocationMeter::peak() const { return peakHeld - heldBefore; }
 std::size_t AllocationMeter::largest() const { return largestTaken; }
 std::size_t AllocationMeter::count() const { return taken; }

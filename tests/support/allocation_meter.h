@@ -9,6 +9,7 @@ namespace testing_support {
 class AllocationMeter {
  public:
   AllocationMeter();
+  std::ptrdiff_t held() const;  // bytes held beyond what was held before
   std::size_t peak() const;     // bytes held at most beyond what was held before
   std::size_t largest() const;  // largest single allocation
   std::size_t count() const;    // allocations

@@ -1,0 +1,72 @@
+// A call of every export on content that makes it work, told in one table: for what has to hold for all of them.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/support/exports.h"
+#include "tests/support/files.h"
+
+namespace testing_support {
+
+// A folder with a file of each kind, found by their names, and special tools.
+class Samples {
+ public:
+  // many: so many elements more in the chief list of each file.
+  explicit Samples(std::size_t many = 0);
+
+  std::string path(const std::string& name) const { return folder_.path(name); }
+  const Bytes& content(const std::string& name) const { return contents_.at(name); }
+  // The file with another content, in place or in its place, and as it was at first.
+  void change(const std::string& name, const Bytes& content) const { folder_.write(name, content); }
+  void replace(const std::string& name, const Bytes& content) const;
+  void restore(const std::string& name) const { replace(name, content(name)); }
+  std::size_t many() const { return many_; }
+
+ private:
+  void add(const std::string& name, const Bytes& content);
+
+  std::size_t many_;
+  TempFolder folder_;
+  WinIni ini_{WinIni::folderSetting(folder_.path() + "/")};
+  std::map<std::string, Bytes> contents_;
+};
+
+struct PreparedCall {
+  std::function<std::int64_t()> call;   // its status; 1 and 0 for a pointer that is not null or is
+  std::function<std::string()> answer;  // all that it may change, byte by byte
+  std::function<void()> renew;          // what a second call needs in front of it
+};
+
+struct ExportCall {
+  enum class Files : std::uint8_t {
+    none,
+    loaded,  // reads `input`
+    edited,  // reads `input` and writes it again
+    saved,   // writes `input`
+    tools,   // looks for special tools
+  };
+  std::string name;
+  std::string form;  // where a function has several calls
+  Files files = Files::none;
+  std::string input;
+  std::int64_t whenDone = 0;
+  // What it answers where memory runs out, in the order in which it comes there; empty if it takes none.
+  std::vector<std::int64_t> withoutMemory;
+  // What it answers where the first, second, ... file that it opens cannot be opened.
+  std::vector<std::int64_t> notOpened;
+  // Where it fails, nothing has changed.
+  bool allOrNothing = false;
+  std::function<PreparedCall(const Exports&, const Samples&)> prepare;
+  // It works on what exists once in the process, and what that took once is kept.
+  bool keepsRoom = false;
+
+  std::string title() const { return form.empty() ? name : name + ", " + form; }
+};
+
+// In the order of their names.
+const std::vector<ExportCall>& exportCalls();
+
+}  // namespace testing_support
