@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "tests/support/allocation_meter.h"
@@ -50,6 +52,7 @@ void expectSame(const std::string& a, const std::string& b, const char* what) {
 }
 
 const auto kNothing = [](IoWatch&) {};
+const std::function<void()> kAsItIs = [] {};
 
 // The calls on one set of samples, with and without faults.
 class Bench {
@@ -58,28 +61,28 @@ class Bench {
 
   Outcome undisturbed(const ExportCall& call) const {
     const PreparedCall p = call.prepare(exports, samples);
-    return run(p, nullptr, kNothing);
+    return run(p, nullptr, kNothing, kAsItIs);
   }
 
   // What the call gives where its input has other bytes.
   Outcome withInput(const ExportCall& call, const Bytes& content) const {
     const PreparedCall p = call.prepare(exports, samples);
     samples.replace(call.input, content);
-    Outcome outcome = run(p, nullptr, kNothing);
+    Outcome outcome = run(p, nullptr, kNothing, kAsItIs);
     samples.restore(call.input);
     return outcome;
   }
 
-  // Makes the call with a fault, and with what set(watch) adds, and hands what came of it to judge(outcome). Behind
+  // Makes the call with a fault, with what set(watch) adds, behind install(), and hands what came of it to judge(outcome). Behind
   // it the call works on what it left, and nothing is held. Gives whether the fault happened.
   template <class Judge, class Set = decltype(kNothing)>
   bool trial(const ExportCall& call, const Outcome& good, const IoFault* fault, const Judge& judge,
-             const Set& set = kNothing) const {
+             const Set& set = kNothing, const std::function<void()>& install = kAsItIs) const {
     bool happened = false;
     const AllocationMeter meter;
     {
       const PreparedCall p = call.prepare(exports, samples);
-      const Outcome outcome = run(p, fault, set);
+      const Outcome outcome = run(p, fault, set, install);
       happened = outcome.happened;
       judge(outcome);
       p.renew();
@@ -97,9 +100,11 @@ class Bench {
 
  private:
   template <class Set>
-  static Outcome run(const PreparedCall& p, const IoFault* fault, const Set& set) {
+  static Outcome run(const PreparedCall& p, const IoFault* fault, const Set& set,
+                     const std::function<void()>& install) {
     Outcome outcome;
     outcome.before = p.answer();
+    install();
     {
       IoWatch watch(fault != nullptr ? *fault : IoFault{.n = kNever});
       set(watch);
@@ -408,6 +413,348 @@ TEST(IoFaults, FoldersThatCannotBeReadHaveNoSpecialTools) {
       }
   }
 }
+#endif
+
+// ---- files that are none, or not as one would wish -------------------------------------------------
+
+bool setsACountToZero(const ExportCall& call) {
+  return call.name == "OpenSpecialToolFile" || call.name == "LoadOldToolInventoryForCount";
+}
+
+// Calls everything that takes a path while install(path) has put something in the file's place, and hands what came
+// of it to judge(call, outcome).
+template <class Install, class Judge>
+void expectOf(
+    const Bench& bench, const Install& install, const Judge& judge, const IoFault* fault = nullptr,
+    const std::function<bool(const ExportCall&)>& matters = [](const ExportCall&) { return true; }) {
+  std::size_t calls = 0;
+  for (const ExportCall& call : exportCalls()) {
+    if (call.files == Files::none || !matters(call)) continue;
+    ++calls;
+    SCOPED_TRACE(call.title());
+    const Outcome good = bench.undisturbed(call);
+    const std::string path = bench.samples.path(call.input);
+    (void)bench.trial(
+        call, good, fault,
+        [&](const Outcome& seen) {
+          judge(call, seen, good);
+          std::filesystem::remove_all(path);
+          if (call.files != Files::saved) bench.samples.restore(call.input);
+        },
+        kNothing,
+        [&] {
+          std::filesystem::remove_all(path);
+          install(path, call);
+        });
+  }
+  EXPECT_GT(calls, 2U);
+}
+
+// Statuses alone: -2, or -1 from the part builder.
+void expectNothingToOpen(const ExportCall& call, const Outcome& seen, const Outcome&) {
+  EXPECT_EQ(seen.status, call.files == Files::tools ? -1 : -2);
+  if (!setsACountToZero(call) && call.files != Files::edited) expectSame(seen.answer, seen.before, "changed");
+}
+
+TEST(OddFiles, AFolderInPlaceOfAFileIsNotOpened) {
+  const Bench bench;
+  expectOf(
+      bench, [](const std::string& path, const ExportCall&) { std::filesystem::create_directory(path); },
+      expectNothingToOpen);
+}
+
+TEST(OddFiles, FilesOfNoByteAndOfOneHaveNoVersion) {
+  const Bench bench;
+  for (const std::size_t size : {0U, 1U})
+    expectOf(
+        bench,
+        [&](const std::string& path, const ExportCall& call) {
+          if (call.files != Files::saved) writeFile(path, Bytes().fill(size, 1));
+        },
+        [](const ExportCall& call, const Outcome& seen, const Outcome& good) {
+          if (call.files == Files::saved) return expectSame(seen.answer, good.answer, "not saved");
+          EXPECT_EQ(seen.status, call.files == Files::tools ? -1 : 1);
+          // Flags are given as far as they were read, which is not at all.
+          if (setsACountToZero(call) || call.name == "GetSheetDriverFlags" || call.files == Files::edited) return;
+          expectSame(seen.answer, seen.before, "changed");
+        });
+}
+
+TEST(OddFiles, APathOfAHundredThousandCharactersIsNotOpened) {
+  Bench bench;
+  for (const ExportCall& call : exportCalls()) {
+    // That save ends the process, and special tools are not looked for by a path.
+    if (call.files == Files::none || call.files == Files::tools || call.name == "SaveTorvPart") continue;
+    SCOPED_TRACE(call.title());
+    const std::string path = bench.samples.path(call.input);
+    for (const std::string& longPath : {path + std::string(100000, 'x'), std::string(100000, 'x')}) {
+      bench.samples.move(call.input, longPath);
+      const Outcome seen = bench.undisturbed(call);
+      EXPECT_EQ(seen.status, -2);
+      if (!setsACountToZero(call)) expectSame(seen.answer, seen.before, "changed");
+    }
+    bench.samples.move(call.input, path);
+  }
+}
+
+TEST(OddFiles, NamesOfSpecialToolsAndPartsMayHaveAHundredThousandCharacters) {
+  const Bench bench;
+  const Exports& e = bench.exports;
+  const std::string name(100000, 'x');
+  constexpr std::uint32_t kValues[9] = {};
+  e.InitTorvPart(1, 2, 3, 4, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+  EXPECT_EQ(e.AddPatternToTorvPart(1, 2, 3, 4, kValues, 0, 0, 0, 0, 0, 0, name.c_str(), 0, 0, 0, 0), -1);
+  const std::string sheet = bench.samples.path("sheet");
+  EXPECT_EQ(e.UpdateSheetPartWONumber(sheet.c_str(), name.c_str(), nullptr, "W3"), 0);
+  EXPECT_EQ(e.UpdateSheetPartWONumber(sheet.c_str(), "PLATE", name.c_str(), "W3"), 0);
+  EXPECT_EQ(TempFolder::read(sheet), bench.samples.content("sheet"));
+  char value[257] = "unchanged";
+  EXPECT_EQ(e.GetOldPartInfo_v1(bench.samples.path("part").c_str(), name.c_str(), value), 1);
+  EXPECT_EQ(e.ReplaceSheetSknPatListWithPartPatList(sheet.c_str(), name.c_str()), -2);
+  EXPECT_STREQ(value, "unchanged");
+}
+
+TEST(OddFiles, APathIsTakenAsItStands) {
+  Bench bench;
+  std::vector<std::string> names = {"a b", "100%s%d%n", "-", "--help", "~", "$HOME", "a'b", ".hidden", "a;b", "{}"};
+#if !defined(_WIN32)
+  for (const char* name :
+       {"a\nb", "\xFF\xFE", "\xC3\xBC", "a\"b", "*", "?", "a:b", "C:\\PARTS\\A.PRT", "a ", "\t", "|"})
+    names.emplace_back(name);
+#endif
+  const TempFolder folder;
+  for (const ExportCall& call : exportCalls()) {
+    if (call.files == Files::none || call.files == Files::tools) continue;
+    const Outcome good = bench.undisturbed(call);
+    const std::string home = bench.samples.path(call.input);
+    const auto works = [&](const std::string& path) {
+      SCOPED_TRACE(call.title() + " of " + path);
+      bench.samples.move(call.input, path);
+      if (call.files != Files::saved) bench.samples.restore(call.input);
+      const Outcome seen = bench.undisturbed(call);
+      EXPECT_EQ(seen.status, good.status);
+      // Answers in which no path stands.
+      if (call.allOrNothing || call.name == "SaveOldSheet" || call.files == Files::edited)
+        expectSame(seen.answer, good.answer, "another answer");
+      EXPECT_TRUE(std::filesystem::is_regular_file(path));
+      std::filesystem::remove(path);
+      bench.samples.move(call.input, home);
+    };
+    for (const std::string& name : names) works(folder.path(name));
+    works(folder.path() + "//./name");
+    works(folder.path() + "/../" + std::filesystem::path(folder.path()).filename().string() + "/name");
+    // No path at all, and one that says that it is a folder's.
+    for (const std::string& path : {std::string(), home + "/"}) {
+      SCOPED_TRACE(call.title() + " of " + path);
+      bench.samples.move(call.input, path);
+      const PreparedCall p = call.prepare(bench.exports, bench.samples);
+      bench.samples.move(call.input, home);
+      if (call.files != Files::saved) bench.samples.restore(call.input);
+      const std::string before = p.answer();
+      EXPECT_EQ(p.call(), -2);
+      if (!setsACountToZero(call)) expectSame(p.answer(), before, "changed");
+    }
+  }
+}
+
+#if !defined(_WIN32)
+
+TEST(OddFiles, LinksThatLeadInCirclesAreNotOpened) {
+  const Bench bench;
+  expectOf(
+      bench, [](const std::string& path, const ExportCall&) { std::filesystem::create_symlink(path, path); },
+      expectNothingToOpen);
+}
+
+bool rightsDoNotMatter() { return ::geteuid() == 0; }
+
+TEST(OddFiles, AFileWithoutRightsIsNotOpened) {
+  if (rightsDoNotMatter()) GTEST_SKIP() << "this user may open everything";
+  const Bench bench;
+  expectOf(
+      bench,
+      [&](const std::string& path, const ExportCall& call) {
+        writeFile(path, call.files == Files::saved ? Bytes().i16(1) : bench.samples.content(call.input));
+        ASSERT_EQ(::chmod(path.c_str(), 0), 0);
+      },
+      [](const ExportCall& call, const Outcome& seen, const Outcome&) {
+        EXPECT_EQ(seen.status, call.files == Files::tools ? -1 : -2);
+      });
+}
+
+TEST(OddFiles, AFileThatMayOnlyBeReadIsLoadedAndNeverChanged) {
+  if (rightsDoNotMatter()) GTEST_SKIP() << "this user may write everything";
+  const Bench bench;
+  expectOf(
+      bench,
+      [&](const std::string& path, const ExportCall& call) {
+        writeFile(path, call.files == Files::saved ? Bytes().i16(1) : bench.samples.content(call.input));
+        ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
+      },
+      [](const ExportCall& call, const Outcome& seen, const Outcome& good) {
+        EXPECT_EQ(seen.status, call.files == Files::saved ? -2 : good.status);
+        if (call.files == Files::saved) return expectSame(seen.answer, std::string("file: \1\0", 8), "changed");
+        expectSame(seen.answer, call.files == Files::edited ? seen.before : good.answer, "another answer");
+      });
+}
+
+// A device gives zeros for ever, of which the first two are no version, and takes nothing.
+TEST(OddFiles, ADeviceIsLeftBehindItsFirstBytesAndTakesNoSave) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "this system has no such device";
+  const Bench bench;
+  expectOf(
+      bench, [](const std::string& path, const ExportCall&) { std::filesystem::create_symlink("/dev/full", path); },
+      [](const ExportCall& call, const Outcome& seen, const Outcome&) {
+        const bool isGroup = call.input == "group";
+        EXPECT_EQ(seen.status, call.files == Files::saved ? -2 : isGroup ? 1 : -1);
+        std::size_t bytes = 0;
+        for (const std::size_t one : seen.read) bytes += one;
+        EXPECT_LT(bytes, 1U << 20U);
+      });
+}
+
+// While it lives, no file grows beyond the limit, as on a disk that is full.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(std::size_t bytes) : before_(std::signal(SIGXFSZ, SIG_IGN)) {
+    (void)::getrlimit(RLIMIT_FSIZE, &old_);
+    rlimit lower = old_;
+    lower.rlim_cur = bytes;
+    (void)::setrlimit(RLIMIT_FSIZE, &lower);
+  }
+  ~FileSizeLimit() {
+    (void)::setrlimit(RLIMIT_FSIZE, &old_);
+    (void)std::signal(SIGXFSZ, before_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  void (*before_)(int);
+  rlimit old_{};
+};
+
+void expectFullDiskToBeTold(const Bench& bench, std::size_t limit, const IoFault* fault) {
+  std::optional<FileSizeLimit> full;
+  expectOf(
+      bench,
+      [&](const std::string& path, const ExportCall& call) {
+        if (call.files == Files::edited) writeFile(path, bench.samples.content(call.input));
+        full.emplace(limit);
+      },
+      [&](const ExportCall& call, const Outcome& seen, const Outcome& good) {
+        full.reset();
+        EXPECT_EQ(seen.status, call.files == Files::edited ? 0 : -2);
+        expectFirstBytes(seen, good, limit);
+      },
+      fault, [](const ExportCall& call) { return writes(call) && call.form != "fresh, in the oldest layout"; });
+}
+
+TEST(OddFiles, AFullDiskIsToldAndLeavesWhatItTook) {
+  const Bench bench(20000);
+  for (const std::size_t limit : {0U, 1U, 4096U, 100001U, 1U << 20U, 1500000U})
+    expectFullDiskToBeTold(bench, limit, nullptr);
+}
+
+// Then the last bytes stay with the host until the file is closed.
+TEST(OddFiles, AFullDiskIsToldAlsoWhereTheHostCollectsWhatIsWritten) {
+  const Bench bench;
+  const IoFault buffered{IoCall::buffer, 0, true, EINVAL, 0};
+  const IoFault bufferedAlone{IoCall::buffer, kNever, false, EINVAL, 0};
+  for (const std::size_t limit : {0U, 1U, 100U, 4096U, 5000U}) {
+    expectFullDiskToBeTold(bench, limit, &buffered);
+    expectFullDiskToBeTold(bench, limit, &bufferedAlone);
+  }
+}
+
+// Writes into a pipe until it has written all, or nobody listens any more.
+class PipeWriter {
+ public:
+  PipeWriter(const std::string& path, std::function<bool(int)> write)
+      : before_(std::signal(SIGPIPE, SIG_IGN)), thread_([path, write = std::move(write)] {
+          const int pipe = ::open(path.c_str(), O_WRONLY);
+          if (pipe < 0) return;
+          while (write(pipe)) {
+          }
+          (void)::close(pipe);
+        }) {}
+  ~PipeWriter() {
+    thread_.join();
+    (void)std::signal(SIGPIPE, before_);
+  }
+  PipeWriter(const PipeWriter&) = delete;
+  PipeWriter& operator=(const PipeWriter&) = delete;
+
+ private:
+  void (*before_)(int);
+  std::thread thread_;
+};
+
+bool isLoadedOnce(const ExportCall& call) { return call.files == Files::loaded && call.notOpened.size() == 1; }
+
+TEST(OddFiles, APipeIsReadAsTheFileOfTheSameBytes) {
+  for (const std::size_t many : {0U, 4000U}) {
+    const Bench bench(many);
+    for (const double share : {0.0, 0.1, 0.5, 0.9, 1.0}) {
+      std::unique_ptr<PipeWriter> writer;
+      std::optional<Outcome> cut;
+      expectOf(
+          bench,
+          [&](const std::string& path, const ExportCall& call) {
+            const Bytes& whole = bench.samples.content(call.input);
+            const Bytes content = whole.cut(static_cast<std::size_t>(static_cast<double>(whole.size()) * share));
+            cut = bench.withInput(call, content);
+            std::filesystem::remove(path);
+            ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+            writer = std::make_unique<PipeWriter>(path, [content, done = std::size_t{0}](int pipe) mutable {
+              const auto wrote = ::write(pipe, content.span().data() + done, content.size() - done);
+              if (wrote > 0) done += static_cast<std::size_t>(wrote);
+              return wrote > 0 && done < content.size();
+            });
+          },
+          [&](const ExportCall&, const Outcome& seen, const Outcome&) {
+            writer.reset();
+            EXPECT_EQ(seen.status, cut->status);
+            expectSame(seen.answer, cut->answer, "another answer than from a file");
+            cut.reset();
+          },
+          nullptr, isLoadedOnce);
+    }
+  }
+}
+
+// The writer offers sixteen MiB, which stand for no end.
+TEST(OddFiles, APipeWithoutEndTakesMemoryForWhatItGaveAndNoMore) {
+  const Bench bench;
+  for (const unsigned byte : {0x00U, 0x01U, 0x7FU, 0xFFU}) {
+    const std::vector<std::uint8_t> block(1U << 16U, static_cast<std::uint8_t>(byte));
+    for (const ExportCall& call : exportCalls()) {
+      if (!isLoadedOnce(call)) continue;
+      SCOPED_TRACE(call.title() + " from a pipe of " + std::to_string(byte));
+      const PreparedCall p = call.prepare(bench.exports, bench.samples);
+      const std::string path = bench.samples.path(call.input);
+      std::filesystem::remove(path);
+      ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+      std::size_t given = 0, peak = 0;
+      {
+        const PipeWriter writer(path, [&given, &block, left = 256](int pipe) mutable {
+          const std::uint8_t version[2] = {180, 0};
+          const auto wrote =
+              given == 0 ? ::write(pipe, version, sizeof version) : ::write(pipe, block.data(), block.size());
+          if (wrote > 0) given += static_cast<std::size_t>(wrote);
+          return wrote > 0 && --left > 0;
+        });
+        const AllocationMeter meter;
+        const std::int64_t status = p.call();
+        EXPECT_TRUE(status == 0 || status == 1 || status == -1) << status;
+        peak = meter.peak();
+      }
+      EXPECT_LE(peak, 16 * given + (1U << 21U));
+      bench.samples.restore(call.input);
+    }
+  }
+}
+
 #endif
 
 }  // namespace

@@ -97,8 +97,14 @@ std::string bytesOf(const Bytes& bytes) {
 
 // The content of a file, told apart from no file.
 std::string contentOf(const std::string& path) {
-  if (!std::filesystem::exists(path)) return "no file";
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return "no file";
   return "file: " + bytesOf(TempFolder::read(path));
+}
+
+void removeFile(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::remove(path, ignored);
 }
 
 using Begin = std::function<void()>;
@@ -188,7 +194,7 @@ std::string builtPart(const Exports& e, const Samples& s) {
   const std::string path = s.path("built");
   const std::int64_t status = e.SaveTorvPart(path.c_str(), 180);
   std::string told = std::to_string(status) + contentOf(path);
-  std::filesystem::remove(path);
+  removeFile(path);
   return told;
 }
 template <class Add>
@@ -328,9 +334,9 @@ std::vector<ExportCall> makeCalls() {
   add({"SaveTorvPart", "", Files::saved, "saved", 0, {-2}, {-2}, false, [](E e, S s) {
          beginPart(e, s);
          const std::string path = s.path("saved");
-         std::filesystem::remove(path);
+         removeFile(path);
          return PreparedCall{[=, &e] { return e.SaveTorvPart(path.c_str(), 180); }, [=] { return contentOf(path); },
-                             [=] { std::filesystem::remove(path); }};
+                             [=] { removeFile(path); }};
        }});
 
   // Parts.
@@ -487,9 +493,9 @@ std::vector<ExportCall> makeCalls() {
            const auto sheet = std::make_shared<OldSheet>();
            if (full && fillsLists(*sheet)) sheet->shapes.shapes.resize(1 + s.many());
            const std::string path = s.path("saved");
-           std::filesystem::remove(path);
+           removeFile(path);
            return PreparedCall{[=, &e] { return e.SaveOldSheet(path.c_str(), sheet.get(), version); },
-                               [=] { return contentOf(path); }, [=] { std::filesystem::remove(path); }};
+                               [=] { return contentOf(path); }, [=] { removeFile(path); }};
          }});
   };
   savesSheet("full", 180, true);
@@ -607,13 +613,14 @@ Samples::Samples(std::size_t many) : many_(many) {
 
 void Samples::add(const std::string& name, const Bytes& content) {
   contents_.emplace(name, content);
-  folder_.write(name, content);
+  change(name, content);
 }
 
 // A file that is made anew reaches the disk when it likes; one that is cut to nothing and written again, at once.
 void Samples::replace(const std::string& name, const Bytes& content) const {
-  std::filesystem::remove(path(name));
-  folder_.write(name, content);
+  std::error_code ignored;
+  std::filesystem::remove_all(path(name), ignored);
+  change(name, content);
 }
 
 const std::vector<ExportCall>& exportCalls() {

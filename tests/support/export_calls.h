@@ -17,10 +17,15 @@ class Samples {
   // many: so many elements more in the chief list of each file.
   explicit Samples(std::size_t many = 0);
 
-  std::string path(const std::string& name) const { return folder_.path(name); }
+  std::string path(const std::string& name) const {
+    const auto moved = moved_.find(name);
+    return moved != moved_.end() ? moved->second : folder_.path(name);
+  }
+  // Has the file of that name looked for at another path from now on.
+  void move(const std::string& name, const std::string& path) { moved_[name] = path; }
   const Bytes& content(const std::string& name) const { return contents_.at(name); }
   // The file with another content, in place or in its place, and as it was at first.
-  void change(const std::string& name, const Bytes& content) const { folder_.write(name, content); }
+  void change(const std::string& name, const Bytes& content) const { writeFile(path(name), content); }
   void replace(const std::string& name, const Bytes& content) const;
   void restore(const std::string& name) const { replace(name, content(name)); }
   std::size_t many() const { return many_; }
@@ -32,6 +37,7 @@ class Samples {
   TempFolder folder_;
   WinIni ini_{WinIni::folderSetting(folder_.path() + "/")};
   std::map<std::string, Bytes> contents_;
+  std::map<std::string, std::string> moved_;
 };
 
 struct PreparedCall {

@@ -12,6 +12,12 @@
 
 namespace testing_support {
 
+// Writes a file, as far as the host lets it.
+inline void writeFile(const std::string& path, const Bytes& bytes) {
+  std::ofstream to(path, std::ios::binary);
+  to.write(reinterpret_cast<const char*>(bytes.span().data()), static_cast<std::streamsize>(bytes.size()));
+}
+
 class TempFolder {
  public:
   TempFolder() {
@@ -33,8 +39,7 @@ class TempFolder {
   }
   // Writes a file and gives its path.
   std::string write(const std::string& name, const Bytes& bytes) const {
-    std::ofstream to(path(name), std::ios::binary);
-    to.write(reinterpret_cast<const char*>(bytes.span().data()), static_cast<std::streamsize>(bytes.size()));
+    writeFile(path(name), bytes);
     return path(name);
   }
   // The same into a file of the same size, in place: much quicker where it is done by the thousand.
