@@ -600,7 +600,7 @@ TEST(OddFiles, AFileThatMayOnlyBeReadIsLoadedAndNeverChanged) {
 
 // A device gives zeros for ever, of which the first two are no version, and takes nothing.
 TEST(OddFiles, ADeviceIsLeftBehindItsFirstBytesAndTakesNoSave) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "this system has no such device";
+  if (::access("/dev/full", R_OK | W_OK) != 0) GTEST_SKIP() << "this system has no such device, or not for everybody";
   const Bench bench;
   expectOf(
       bench, [](const std::string& path, const ExportCall&) { std::filesystem::create_symlink("/dev/full", path); },
