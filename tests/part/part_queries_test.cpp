@@ -1,13 +1,13 @@
 // Flat questions about part and group part files.
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
 #include <memory>
 
 #include "OldTorvIO.h"
 #include "src/part/part_io.h"
+#include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 
@@ -255,17 +255,10 @@ TEST_F(PartQueries, FaultInTheMiddleOfAGroupGivesOneWithoutText) {
 TEST_F(PartQueries, HostsCommaLocaleChangesNoNumber) {
   addTool(toolOf(1, 0.5F));
   part_->thickness = 0.25F;
-  // A locale of the test's own, so that it does not depend on what the host has installed.
-  const std::string command = "localedef -i de_DE -f UTF-8 '" + folder_.path("comma") + "' >/dev/null 2>&1";
-  (void)std::system(command.c_str());
-  setEnvironment("LOCPATH", folder_.path());
-  const bool hasComma =
-      std::setlocale(LC_ALL, "comma") != nullptr && std::string(std::localeconv()->decimal_point) == ",";
-  unsetEnvironment("LOCPATH");
-  if (!hasComma) GTEST_SKIP() << "the sources of a locale with a decimal comma are not installed";
+  const CommaLocale comma;
+  if (!comma.isSet()) GTEST_SKIP() << "neither a locale with a decimal comma nor its sources are installed";
   EXPECT_EQ(tools(), "1  0.500  0.000  0.000  0.000,");
   EXPECT_EQ(answer("Thickness"), "0.25");
-  std::setlocale(LC_ALL, "C");
 }
 
 }  // namespace
