@@ -287,18 +287,20 @@ TEST(Host, RecordsOutliveTheLibrary) {
 // Under the leak sanitizer the code would be another if anything that the library held were lost.
 TEST(Host, TheProcessMayEndWhileTheLibraryHoldsState) {
   const Samples samples;
-  const auto endWithState = [&](bool unloads) {
-    auto library = std::make_unique<Library>();
-    State(samples).fill(*library);
-    (void)answersOf(library->exports(), samples, here);
-    if (unloads) library.reset();
-    static std::unique_ptr<Library> kept;
-    kept = std::move(library);
-    if (!unloads) (void)kept.release();
+  enum class End { loaded, unloadedOnTheWay, unloaded };
+  const auto endWithState = [&](End end) {
+    static Library* kept = nullptr;
+    static std::unique_ptr<Library> unloadedAtExit;
+    kept = new Library;
+    State(samples).fill(*kept);
+    (void)answersOf(kept->exports(), samples, here);
+    if (end == End::unloaded) delete std::exchange(kept, nullptr);
+    if (end == End::unloadedOnTheWay) unloadedAtExit.reset(std::exchange(kept, nullptr));
     std::exit(testing::Test::HasFailure() ? 1 : 7);
   };
-  EXPECT_EXIT(endWithState(false), testing::ExitedWithCode(7), "");
-  EXPECT_EXIT(endWithState(true), testing::ExitedWithCode(7), "");
+  EXPECT_EXIT(endWithState(End::loaded), testing::ExitedWithCode(7), "");
+  EXPECT_EXIT(endWithState(End::unloadedOnTheWay), testing::ExitedWithCode(7), "");
+  EXPECT_EXIT(endWithState(End::unloaded), testing::ExitedWithCode(7), "");
 }
 
 #if defined(__GLIBC__)

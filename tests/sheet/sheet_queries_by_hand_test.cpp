@@ -28,6 +28,7 @@ namespace {
 
 using namespace oldtorvio;
 using testing_support::Bytes;
+using testing_support::CommaLocale;
 using testing_support::openFiles;
 using testing_support::TempFolder;
 using SheetPtr = std::unique_ptr<OldSheet>;
