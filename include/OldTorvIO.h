@@ -10,7 +10,14 @@
  *                 -1  the file's version is not one that this kind of file accepts
  *                 -2  the file cannot be opened, a required pointer is null, or a save failed
  *               Some functions give the status as 64 bits, some as 32: see each.
- *   Paths       NUL-terminated narrow texts, handed to the operating system as they stand.
+ *               Where the system fails to read on, the file counts as ended there. Closing a file that
+ *               was read matters to nobody.
+ *   Paths       NUL-terminated narrow texts, handed to the operating system as they stand. A folder
+ *               cannot be opened, nor a path that is too long for the system. A pipe or device is
+ *               read as far as it gives bytes; a load takes memory for what was read, never for what
+ *               a count claims.
+ *   Saves       A save writes in place: the file is emptied first, and a save that fails behind that leaves
+ *               the first bytes of what it would have stored.
  *   Records     Owned by the caller. A C++ program constructs them (the headers in OldTorvIO/
  *               tell every field); in C they are opaque. A load fills a record that is already
  *               constructed: what the file's version does not store keeps what the record held.
@@ -291,10 +298,11 @@ OLDTORVIO_API int64_t LoadOldMacro(const char* path, OldMacro* macro) OLDTORVIO_
  *
  * `material->path` (its first 263 characters) and `material->version` are set before the version is
  * judged. A file of version 52, 60, 500, 501 or 502 is a parameter table and sets `params` alone,
- * and `name` to the table's name if that has 1 to 255 characters. In any other file the parameter
- * table stands in front of the material and has a version of its own; one without a layout gives -1
- * before the material is read. A file may end in the 500 reserved bytes in front of what version 90
- * added: the load then gives 0, and what stands behind keeps what it held. */
+ * and `name` to the table's name if that has 1 to 255 characters. It is opened a second
+ * time for that; -2 if this fails. In any other file the parameter table stands in front of the material
+ * and has a version of its own; one without a layout gives -1 before the material is read. A file may end
+ * in the 500 reserved bytes in front of what version 90 added: the load then gives 0, and what stands
+ * behind keeps what it held. */
 OLDTORVIO_API int64_t LoadOldMaterial(const char* path, OldMaterial* material) OLDTORVIO_NOEXCEPT;
 
 /* ---- Machines -------------------------------------------------------------------------------------- */
