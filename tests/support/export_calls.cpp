@@ -594,20 +594,22 @@ std::vector<ExportCall> makeCalls() {
 
 }  // namespace
 
-Samples::Samples(std::size_t many) : many_(many) {
-  add("part", many == 0 ? partFile(180, 32001) : bigPart(many));
-  add("group", many == 0 ? groupFile(180) : bigGroup(many));
-  add("tool.spt", specialToolFile(180, std::vector<int>(many + 2, 1)));
+Samples::Samples(std::size_t many, int version) : many_(many) {
+  const int sheetVersion = std::max(version, 152);
+  add("part", many == 0 ? partFile(version, 32001) : bigPart(many));
+  add("group", many == 0 ? groupFile(sheetVersion) : bigGroup(many));
+  add("tool.spt", specialToolFile(version, std::vector<int>(many + 2, 1)));
   add("other.spt", specialToolFile(60, {3}));
   add("named.spt", specialToolFile(162, {1, 2}));
-  add("machine", many == 0 ? machineFile(180) : bigMachine(many));
+  add("machine", many == 0 ? machineFile(version) : bigMachine(many));
   add("other machine", machineFile(54));
-  add("material", many == 0 ? materialFile(180) : bigMaterial(many));
+  // Of version 60 there are tables alone.
+  add("material", many == 0 ? materialFile(version == 60 ? 61 : version) : bigMaterial(many));
   add("table", materialFile(60));
-  add("inventory", many == 0 ? inventoryFile(180) : bigInventory(many));
+  add("inventory", many == 0 ? inventoryFile(version) : bigInventory(many));
   add("other inventory", inventoryFile(150));
-  add("macro", many == 0 ? macroFile(180) : bigMacro(many));
-  add("sheet", many == 0 ? sheetFile(180) : bigSheet(many));
+  add("macro", many == 0 ? macroFile(version) : bigMacro(many));
+  add("sheet", many == 0 ? sheetFile(sheetVersion) : bigSheet(many));
   add("edited", content("sheet"));
 }
 

@@ -1,6 +1,7 @@
 // A call of every export on content that makes it work, told in one table: for what has to hold for all of them.
 #pragma once
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
@@ -14,8 +15,10 @@ namespace testing_support {
 // A folder with a file of each kind, found by their names, and special tools.
 class Samples {
  public:
-  // many: so many elements more in the chief list of each file.
-  explicit Samples(std::size_t many = 0);
+  // many: so many elements more in the chief list of each file, which are then of the newest version. Group parts
+  // and sheets are never older than 152: below, there are none of the former, and no save that a load takes of the
+  // latter.
+  explicit Samples(std::size_t many = 0, int version = 180);
 
   std::string path(const std::string& name) const {
     const auto moved = moved_.find(name);
@@ -74,5 +77,11 @@ struct ExportCall {
 
 // In the order of their names.
 const std::vector<ExportCall>& exportCalls();
+
+// Of every age, for the samples of what does not depend on one version.
+inline std::vector<int> sampleVersions() {
+  if (std::getenv("OLDTORVIO_LONG_TESTS") != nullptr) return {60, 90, 101, 110, 130, 152, 160, 161, 162, 170, 180};
+  return {60, 152, 180};
+}
 
 }  // namespace testing_support
