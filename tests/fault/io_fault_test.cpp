@@ -203,7 +203,7 @@ TEST(IoFaults, AReadThatFailsIsTheEndOfTheFile) {
   for (const int version : sampleVersions()) {
     SCOPED_TRACE(version);
     const Bench bench(0, version);
-    expectFaultsToBeEnds(bench, [](std::size_t size) { return placesIn(size, isLong() ? size : 30); }, {false, true});
+    expectFaultsToBeEnds(bench, [](std::size_t size) { return placesIn(size, isLong() ? 300 : 30); }, {false, true});
   }
 }
 
