@@ -53,7 +53,7 @@ struct OldSetupRecord {
 
   bool hasKnownType() const { return type() >= 1 && type() <= 17; }
   bool carriesText() const;  // of a known type
-  int bytesBehind() const;  // dropped bytes between this record and the next
+  int bytesBehind() const;   // dropped bytes between this record and the next
 };
 
 // The entry of a record that carries no text. Type 10 is the list's current entry, the others are
