@@ -63,10 +63,7 @@ std::int64_t statusOf(bool walked) { return walked ? kDone : kDamaged; }
 template <class Io>
 std::int64_t walkPart(Io& io) {
   const auto part = std::make_unique<TorvPart>();
-  Version5Part version5{*part};
-  Version3Part version3{*part};
-  if (io.version() >= kFirstMainVersion) return statusOf(io.whole(*part, PartForm{}));
-  return statusOf(io.version() == kVersion5 ? io.whole(version5) : io.whole(version3));
+  return statusOf(io.version() >= kFirstMainVersion ? io.whole(*part, PartForm{}) : walkOldestPart(io, *part));
 }
 
 template <class Io>

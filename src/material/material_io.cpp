@@ -31,9 +31,7 @@ constexpr int kAnyVersion = 0;
 
 int ReadParamTable(InStream& stream, ParamTable& table) {
   Reader io(stream, kAnyVersion);
-  if (io.whole(table)) return 0;
-  const bool hasNoLayout = io.stop() == frame::Stop::refused && paramFormToRead(table.version) == ParamForm::none;
-  return hasNoLayout ? -1 : 1;
+  return readParamTable(io, table);
 }
 bool WriteParamTable(OutStream& stream, const ParamTable& table) { return writeRecord(stream, kAnyVersion, table); }
 

@@ -108,4 +108,13 @@ struct Layout<ParamTable> {
 };
 
 }  // namespace frame
+
+// The status of a table's load, by whatever reads.
+template <class Io>
+int readParamTable(Io& io, ParamTable& table) {
+  if (io.whole(table)) return 0;
+  const bool hasNoLayout = io.stop() == frame::Stop::refused && paramFormToRead(table.version) == ParamForm::none;
+  return hasNoLayout ? -1 : 1;
+}
+
 }  // namespace oldtorvio

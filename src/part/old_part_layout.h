@@ -6,6 +6,7 @@
 
 #include "OldTorvIO/part.h"
 #include "src/frame/describe.h"
+#include "src/frame/versions.h"
 #include "src/part/old_part_rules.h"
 #include "src/records/small_layouts.h"
 
@@ -237,5 +238,13 @@ struct Layout<Version3Part> {
            });
   }
 };
+
+// A part of whichever of these versions the walker has.
+template <class Io>
+bool walkOldestPart(Io& io, TorvPart& part) {
+  Version5Part version5{part};
+  Version3Part version3{part};
+  return io.version() == kVersion5 ? io.whole(version5) : io.whole(version3);
+}
 
 }  // namespace oldtorvio::frame

@@ -64,10 +64,8 @@ int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, b
   return resultOf(readRecord(stream, version, part, form));
 }
 int ReadOldestPart(InStream& stream, int version, TorvPart& part) {
-  frame::Version5Part version5{part};
-  frame::Version3Part version3{part};
-  const bool isVersion5 = version == frame::kVersion5;
-  return resultOf(isVersion5 ? readRecord(stream, version, version5) : readRecord(stream, version, version3));
+  Reader io(stream, version);
+  return resultOf(frame::walkOldestPart(io, part));
 }
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part) {
   return writeRecord(stream, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file});
