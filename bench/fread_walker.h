@@ -1,6 +1,10 @@
-// The baseline that reads as simple programs do: one fread a field, over the same descriptions.
+// The baseline that reads as simple programs do: one fread a field, over the same descriptions. The fuzz
+// targets hold the reader against it, field by field and without windows, runs or quick ways, and take it
+// from memory: see fuzz/fuzz_checks.h.
 #pragma once
 #include <cstdio>
+#include <cstring>
+#include <span>
 #include <string>
 
 #include "src/frame/platform.h"
@@ -10,10 +14,38 @@ namespace bench {
 
 namespace frame = oldtorvio::frame;
 
-class FreadReader : public frame::Reading<FreadReader> {
+class FileSource {
  public:
-  FreadReader(std::FILE* file, int version)
-      : Reading(version), file_(file), size_(frame::sizeOfFile(file).value_or(0)), left_(size_) {}
+  FileSource(std::FILE* file) : file_(file) {}  // NOLINT: stands for its file
+  std::uint64_t size() const { return frame::sizeOfFile(file_).value_or(0); }
+  bool read(void* to, std::size_t size) { return std::fread(to, size, 1, file_) == 1; }
+  void toEnd() { (void)std::fseek(file_, 0, SEEK_END); }
+
+ private:
+  std::FILE* file_;
+};
+
+class MemorySource {
+ public:
+  MemorySource(std::span<const std::byte> all) : left_(all) {}  // NOLINT: stands for its bytes
+  std::uint64_t size() const { return left_.size(); }
+  bool read(void* to, std::size_t size) {
+    if (size > left_.size()) return false;
+    std::memcpy(to, left_.data(), size);
+    left_ = left_.subspan(size);
+    return true;
+  }
+  void toEnd() { left_ = {}; }
+
+ private:
+  std::span<const std::byte> left_;
+};
+
+template <class Source>
+class FieldReader : public frame::Reading<FieldReader<Source>> {
+ public:
+  FieldReader(Source source, int version)
+      : frame::Reading<FieldReader>(version), source_(source), size_(source_.size()), left_(size_) {}
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const frame::Fields<Names, T...>& f) {
@@ -35,10 +67,11 @@ class FreadReader : public frame::Reading<FreadReader> {
   }
   template <class Names, class M>
   [[nodiscard]] bool sizedField(const Names&, M& field, std::size_t size) {
-    return take(std::data(field), size);
+    // What is there only in part is not kept.
+    return has(size) ? take(std::data(field), size) : endsHere();
   }
   bool text(std::string& to, std::uint64_t size) {
-    if (size > left_) return fellShort();
+    if (size > left_) return endsHere();
     to.resize(static_cast<std::size_t>(size));
     return take(to.data(), to.size());
   }
@@ -68,14 +101,23 @@ class FreadReader : public frame::Reading<FreadReader> {
     }
   }
   bool take(void* to, std::size_t size) {
-    if (size == 0 || std::fread(to, size, 1, file_) != 1) return fellShort();
+    if (size == 0 || !source_.read(to, size)) return endsHere();
     left_ -= size;
     return true;
   }
+  // A read that cannot be met eats what is left.
+  bool endsHere() {
+    source_.toEnd();
+    left_ = 0;
+    return this->fellShort();
+  }
 
-  std::FILE* file_;
+  Source source_;
   std::uint64_t size_;
   std::uint64_t left_;
 };
+
+using FreadReader = FieldReader<FileSource>;
+using MemoryReader = FieldReader<MemorySource>;
 
 }  // namespace bench
