@@ -1,19 +1,35 @@
 // What the fuzz targets share: a failed expectation ends the process, which the fuzzer reports.
+//
+// Each load is made twice, by the reader and by the walker of the benchmarks, which takes one field after the
+// other: both must come to the same status, the same place in the file and the same record, whether the
+// load succeeds or fails, and also where it goes over a record in use.
 #pragma once
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
+#include <random>
 #include <span>
+#include <string>
 #include <type_traits>
 #include <vector>
 
+#include "bench/fread_walker.h"
+#include "fuzz/record_contents.h"
 #include "src/frame/reader.h"
 #include "src/frame/stream.h"
 #include "src/frame/writer.h"
 
 namespace fuzzing {
+
+using Bytes = std::span<const std::byte>;
+
+inline Bytes bytesOf(const std::uint8_t* data, std::size_t size) {
+  return {reinterpret_cast<const std::byte*>(data), size};
+}
 
 inline void expect(bool holds) {
   if (!holds) std::abort();
@@ -34,6 +50,80 @@ Record& fresh() {
   static std::optional<Record> record;
   record.emplace();
   return *record;
+}
+
+// A number that follows from the bytes: what is chosen by it is chosen again when a find is repeated.
+inline std::size_t turnOf(Bytes file) {
+  std::uint32_t turn = static_cast<std::uint32_t>(file.size());
+  for (const std::byte byte : file) turn = turn * 31 + std::to_integer<std::uint32_t>(byte);
+  return turn >> 8U;
+}
+
+// Records that were made the same way, one by the reader and one by the walker.
+template <class Record>
+struct Twins {
+  Record& read;
+  Record& walked;
+  Extent extent;
+
+  // Every 32nd run looks at everything.
+  static Twins fresh(std::size_t turn) {
+    return {fuzzing::fresh<Record>(), fuzzing::fresh<Record, 2>(), turn % 32 == 0 ? Extent::all : Extent::counted};
+  }
+  template <class Change>
+  void both(Change&& change) const {
+    change(read);
+    change(walked);
+  }
+};
+
+// Loads the bytes behind the version word over both: read(stream, record) and walk(walker, record) give a
+// status.
+template <class Record, class Read, class Walk>
+int loadTwins(Bytes body, int version, const Twins<Record>& twins, Read&& read, Walk&& walk) {
+  oldtorvio::frame::InStream stream(body);
+  bench::MemoryReader walker(body, version);
+  const int status = read(stream, twins.read);
+  expect(walk(walker, twins.walked) == status);
+  expect(walker.left() == stream.left());
+  expect(holdTheSame(twins.read, twins.walked, twins.extent));
+  return status;
+}
+
+// The file as one on disk, of this process alone.
+class ScratchFile {
+ public:
+  explicit ScratchFile(Bytes file) {
+    std::FILE* const to = std::fopen(path(), "wb");
+    expect(to != nullptr && std::fwrite(file.data(), 1, file.size(), to) == file.size());
+    expect(std::fclose(to) == 0);
+  }
+  static const char* path() {
+    static const Place place;
+    return place.path.c_str();
+  }
+
+ private:
+  struct Place {
+    Place() {
+      const std::filesystem::path memory = "/dev/shm";
+      const auto folder = std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
+      path = (folder / ("oldtorvio_fuzz_" + std::to_string(std::random_device()()))).string();
+    }
+    ~Place() {
+      std::error_code ignored;
+      std::filesystem::remove(path, ignored);
+    }
+    std::string path;
+  };
+};
+
+// A record that `load` fills from the scratch file is the one that its parts made from memory.
+template <class Record, class Load>
+void expectLoadedByPath(std::int64_t status, const Twins<Record>& twins, Load&& load) {
+  auto& again = fresh<Record, 3>();
+  expect(load(ScratchFile::path(), &again) == status);
+  expect(holdTheSame(again, twins.walked, twins.extent));
 }
 
 template <class Write>

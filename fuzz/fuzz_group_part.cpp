@@ -1,4 +1,8 @@
-// Group part files: any bytes load or fail without harm, and each part that loads can be saved.
+// Group part files: any bytes load or fail without harm, also behind the parts of a list in use, and each part
+// that loads can be saved.
+#include <cstring>
+
+#include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/versions.h"
 #include "src/part/part_io.h"
@@ -6,31 +10,74 @@
 
 using namespace oldtorvio;
 
+namespace {
+
+using GroupPart = frame::GroupPartFile<std::vector<TorvPart>>;
+
+int load(fuzzing::Bytes body, int version, const fuzzing::Twins<SheetPartList>& twins) {
+  return fuzzing::loadTwins(
+      body, version, twins,
+      [&](auto& in, SheetPartList& to) {
+        GroupPart file{to.parts};
+        return frame::resultOf(frame::readRecord(in, version, file));
+      },
+      [](auto& walker, SheetPartList& to) {
+        GroupPart file{to.parts};
+        return frame::resultOf(walker.whole(file));
+      });
+}
+
+void askByPath(std::int64_t status) {
+  const char* const path = fuzzing::ScratchFile::path();
+  std::uint32_t length = 0;
+  fuzzing::expect(GetOldSptFromGroupPart(path, nullptr, 0, &length) == status);
+  std::vector<char> text(length + 1);
+  fuzzing::expect(GetOldSptFromGroupPart(path, text.data(), static_cast<std::int32_t>(text.size()), &length) == status);
+  fuzzing::expect(std::strlen(text.data()) == length);
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  frame::InStream stream({reinterpret_cast<const std::byte*>(data), size});
+  const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
+  frame::InStream stream(file);
   int version = 0;
   if (!fuzzing::readVersion(stream, version) || version < frame::kFirstGroupPartVersion) return 0;
+  const fuzzing::Bytes body = file.subspan(2);
+  const std::size_t turn = fuzzing::turnOf(file);
 
-  SheetPartList list;
-  frame::GroupPartFile<std::vector<TorvPart>> file{list.parts};
-  const bool loaded = frame::readRecord(stream, version, file);
-  fuzzing::expect(!loaded || !list.parts.empty());
-  for (const TorvPart& part : list.parts) {
+  const auto twins = fuzzing::Twins<SheetPartList>::fresh(turn);
+  const int status = load(body, version, twins);
+  const std::vector<TorvPart>& parts = twins.read.parts;
+  fuzzing::expect(status != 0 || !parts.empty());
+  for (const TorvPart& part : parts) {
     fuzzing::expect(part.version == 0);
     fuzzing::expect(part.patterns.size() == 1 && part.patterns.front().items.size() == part.shapes.shapes.size());
   }
-  if (!loaded) return 0;
-
-  fuzzing::expectSettled(
-      list,
-      [&](auto& in, SheetPartList& to) {
-        frame::GroupPartFile<std::vector<TorvPart>> again{to.parts};
-        return frame::resultOf(frame::readRecord(in, version, again));
-      },
-      [&](auto& out, const SheetPartList& from) {
-        const frame::GroupPartFile<const std::vector<TorvPart>> again{
-            from.parts, static_cast<std::int32_t>(from.parts.size() - 1), file.nameBlockSize};
-        return frame::writeRecord(out, version, again);
-      });
+  if (turn % 16 == 0) {
+    const fuzzing::ScratchFile scratch(file);
+    fuzzing::expectLoadedByPath(status, twins, LoadGroupPart);
+    askByPath(status);
+  }
+  if (status == 0) {
+    frame::InStream again(body);
+    std::int32_t extraPartCount = 0, nameBlockSize = 0;
+    fuzzing::expect(frame::readRecord(again, version, extraPartCount) &&
+                    frame::readRecord(again, version, nameBlockSize));
+    fuzzing::expectSettled(
+        twins.read,
+        [&](auto& in, SheetPartList& to) {
+          GroupPart whole{to.parts};
+          return frame::resultOf(frame::readRecord(in, version, whole));
+        },
+        [&](auto& out, const SheetPartList& from) {
+          const frame::GroupPartFile<const std::vector<TorvPart>> whole{
+              from.parts, static_cast<std::int32_t>(from.parts.size() - 1), nameBlockSize};
+          return frame::writeRecord(out, version, whole);
+        });
+  }
+  // The new parts stand behind those that the list holds.
+  const std::size_t before = parts.size();
+  fuzzing::expect(load(body, version, twins) == status && parts.size() == 2 * before);
   return 0;
 }

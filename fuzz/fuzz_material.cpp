@@ -1,38 +1,82 @@
-// Material files in both forms: any bytes load, fail or are refused without harm, and what loads can
-// be saved.
+// Material files in both forms: any bytes load, fail or are refused without harm, also over a record in use, and
+// what loads can be saved.
+#include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
+#include "src/frame/text.h"
 #include "src/frame/versions.h"
 #include "src/material/material_io.h"
 
 using namespace oldtorvio;
 
+namespace {
+
+int loadTable(fuzzing::Bytes from, const fuzzing::Twins<OldMaterial>& twins, std::size_t& behind) {
+  const fuzzing::Twins<ParamTable> tables{twins.read.params, twins.walked.params, twins.extent};
+  return fuzzing::loadTwins(
+      from, 0, tables,
+      [&](auto& in, ParamTable& to) {
+        const int status = ReadParamTable(in, to);
+        behind = static_cast<std::size_t>(in.position());
+        return status;
+      },
+      [](auto& walker, ParamTable& to) { return readParamTable(walker, to); });
+}
+
+int loadBody(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMaterial>& twins) {
+  return fuzzing::loadTwins(
+      body, version, twins, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); },
+      [](auto& walker, OldMaterial& to) { return frame::resultOf(walker.whole(to)); });
+}
+
+// What a load sets beside the table and the body.
+void setBeside(OldMaterial& material, int version, bool isLoadedTable) {
+  frame::setPath(material.path, fuzzing::ScratchFile::path());
+  material.version = static_cast<std::uint16_t>(version);
+  const std::string_view name = frame::textOf(material.params.name);
+  if (isLoadedTable && !name.empty() && name.size() < 256) material.name = name;
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::span<const std::byte> file(reinterpret_cast<const std::byte*>(data), size);
+  const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
   {
     frame::InStream head(file);
     if (!fuzzing::readVersion(head, version) || !frame::isMaterialVersion(version)) return 0;
   }
-  OldMaterial& material = fuzzing::fresh<OldMaterial>();
+  const std::size_t turn = fuzzing::turnOf(file);
+  const auto twins = fuzzing::Twins<OldMaterial>::fresh(turn);
+  OldMaterial& material = twins.read;
   const bool isTable = frame::isParamTableVersion(version);
-  frame::InStream stream(isTable ? file : file.subspan(2));
-  const int tableStatus = ReadParamTable(stream, material.params);
+  const fuzzing::Bytes table = isTable ? file : file.subspan(2);
+  std::size_t behind = 0;
+  const int tableStatus = loadTable(table, twins, behind);
   fuzzing::expect(tableStatus >= -1 && tableStatus <= 1);
   // Tables of version 500 to 502 are stored in a layout that their version does not tell.
   if (tableStatus == 0 && material.params.version < 500)
     fuzzing::expectSettled(
         material.params, [](auto& in, ParamTable& to) { return ReadParamTable(in, to); },
         [](auto& out, const ParamTable& from) { return WriteParamTable(out, from); });
-  if (tableStatus != 0 || isTable) return 0;
 
-  const auto body = file.subspan(static_cast<std::size_t>(stream.position()) + 2);
+  const bool hasBody = tableStatus == 0 && !isTable;
+  const fuzzing::Bytes body = table.subspan(behind);
+  const int status = hasBody ? loadBody(body, version, twins) : tableStatus;
+  twins.both([&](OldMaterial& m) { setBeside(m, version, isTable && tableStatus == 0); });
+  if (turn % 16 == 0) {
+    const fuzzing::ScratchFile scratch(file);
+    fuzzing::expectLoadedByPath(status, twins, LoadOldMaterial);
+  }
+  if (!hasBody) return 0;
+
   // A load appends rules to angle rules that are not six: these never settle.
-  if (ReadOldMaterialBody(stream, version, material) == 0 && material.rules.angleRules.size() == 6)
+  if (status == 0 && material.rules.angleRules.size() == 6) {
+    const auto write = [&](auto& out, OldMaterial& from) { return WriteOldMaterialBody(out, version, from); };
     fuzzing::expectSettled(
-        material, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); },
-        [&](auto& out, OldMaterial& from) { return WriteOldMaterialBody(out, version, from); });
-
-  frame::InStream again(body);
-  (void)ReadOldMaterialBody(again, version < 130 ? 180 : 61, material);
+        material, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); }, write);
+    // A save changes the record.
+    (void)fuzzing::stored([&](auto& out) { return write(out, twins.walked); });
+  }
+  (void)loadBody(body, version < 130 ? 180 : 61, twins);
   return 0;
 }

@@ -1,7 +1,14 @@
-// Part files: any bytes load, fail or are refused without harm, and what loads can be saved.
+// Part files: any bytes load, fail or are refused without harm, also over a record in use, and what loads can be
+// saved and asked.
+#include <cstring>
+
+#include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
+#include "src/frame/text.h"
 #include "src/frame/versions.h"
+#include "src/part/old_part_layout.h"
 #include "src/part/part_io.h"
+#include "src/part/part_layout.h"
 
 using namespace oldtorvio;
 
@@ -14,30 +21,92 @@ bool fitsWriter(const TorvPart& part) {
   return true;
 }
 
+int load(fuzzing::Bytes body, int version, const PartForm& form, const fuzzing::Twins<TorvPart>& twins) {
+  return fuzzing::loadTwins(
+      body, version, twins,
+      [&](auto& in, TorvPart& to) { return ReadPartBody(in, version, form.embedded(), to, form.stopEarly); },
+      [&](auto& walker, TorvPart& to) { return frame::resultOf(walker.whole(to, form)); });
+}
+
+int loadOldest(fuzzing::Bytes body, int version, const fuzzing::Twins<TorvPart>& twins) {
+  return fuzzing::loadTwins(
+      body, version, twins, [&](auto& in, TorvPart& to) { return ReadOldestPart(in, version, to); },
+      [](auto& walker, TorvPart& to) { return frame::resultOf(frame::walkOldestPart(walker, to)); });
+}
+
+// What a load sets in front of the body.
+void setBeside(TorvPart& part, int version) {
+  part.version = version;
+  frame::setPath(part.partFullDosName, fuzzing::ScratchFile::path());
+}
+
+void askByPath(std::int64_t status, const TorvPart& part, std::size_t which) {
+  const char* const path = fuzzing::ScratchFile::path();
+  char text[257];
+  float f[3];
+  std::uint32_t length = 0;
+  switch (which % 4) {
+    case 0:
+      fuzzing::expect(GetOldPartInfo(path, text, &f[0], &f[1], &f[2]) == status);
+      if (status == 0)
+        fuzzing::expect(text == frame::textOf(part.materialType) && std::memcmp(&f[0], &part.width, 4) == 0 &&
+                        std::memcmp(&f[1], &part.height, 4) == 0 && std::memcmp(&f[2], &part.thickness, 4) == 0);
+      break;
+    case 1:
+      for (const char* key : {"angle", "Revision", "MatType", "Thickness"})
+        fuzzing::expect(GetOldPartInfo_v1(path, key, text) == status && (status != 0 || std::strlen(text) < 257));
+      fuzzing::expect(GetOldPartInfo_v1(path, "", text) == 1);
+      break;
+    case 2: {
+      fuzzing::expect(GetOldPartTool(path, nullptr, 0, &length) == status);
+      std::vector<char> tools(length + 1);
+      fuzzing::expect(GetOldPartTool(path, tools.data(), static_cast<std::int32_t>(length + 1), &length) == status);
+      fuzzing::expect(std::strlen(tools.data()) == length);
+      break;
+    }
+    default: {
+      const std::size_t room = 258 * part.toolStations.tools.size();
+      std::vector<char> paths(room + 1);
+      fuzzing::expect(GetOldSptFromPart(path, paths.data()) == status && std::strlen(paths.data()) <= room);
+      break;
+    }
+  }
+}
+
+void loadByPath(fuzzing::Bytes file, std::int64_t status, const fuzzing::Twins<TorvPart>& twins, std::size_t turn) {
+  if (turn % 16 != 0) return;
+  const fuzzing::ScratchFile scratch(file);
+  fuzzing::expectLoadedByPath(status, twins, LoadOldPart);
+  askByPath(status, twins.read, turn / 16);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::span<const std::byte> file(reinterpret_cast<const std::byte*>(data), size);
+  const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
   {
     frame::InStream head(file);
     if (!fuzzing::readVersion(head, version)) return 0;
   }
   if (!frame::kPartVersions.has(version)) return 0;
-  const auto body = file.subspan(2);
-  TorvPart& part = fuzzing::fresh<TorvPart>();
+  const fuzzing::Bytes body = file.subspan(2);
+  const std::size_t turn = fuzzing::turnOf(file);
+  const auto twins = fuzzing::Twins<TorvPart>::fresh(turn);
+  twins.both([&](TorvPart& part) { setBeside(part, version); });
+  const TorvPart& part = twins.read;
   if (version < frame::kFirstMainVersion) {
-    // Twice, the second time over the record in use.
-    frame::InStream first(body), second(body);
-    const int result = ReadOldestPart(first, version, part);
+    const int result = loadOldest(body, version, twins);
     fuzzing::expect(result == 1 || version == frame::kVersion5);
-    fuzzing::expect(ReadOldestPart(second, version, part) == result);
+    loadByPath(file, result, twins, turn);
+    // The second time over the record in use.
+    fuzzing::expect(loadOldest(body, version, twins) == result);
     for (const Shape& shape : part.shapes.shapes) fuzzing::expect(shape.valueCount == 9);
     return 0;
   }
 
-  frame::InStream stream(body);
-  const int result = ReadPartBody(stream, version, false, part);
+  const int result = load(body, version, PartForm{}, twins);
+  loadByPath(file, result, twins, turn);
   if (result == 0) {
     fuzzing::expect(part.patterns.size() == 1);
     fuzzing::expect(part.patterns.front().items.size() == part.shapes.shapes.size());
@@ -48,8 +117,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         [&](auto& out, const TorvPart& from) { return WritePartBody(out, version, false, from); });
   }
 
-  // The same bytes in a sheet's form, over the record that the first load left.
-  frame::InStream embedded(body);
-  (void)ReadPartBody(embedded, version, true, part);
+  // The same bytes in a sheet's form, over the record that the first load left, up to the descriptions or all.
+  (void)load(body, version, PartForm{PartForm::sheet, 0, turn % 8 == 1}, twins);
   return 0;
 }

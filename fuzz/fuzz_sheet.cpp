@@ -1,9 +1,6 @@
 // Sheet files: any bytes load, fail or are refused without harm, what loads can be saved, asked and edited.
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -17,8 +14,6 @@
 using namespace oldtorvio;
 
 namespace {
-
-using Bytes = std::span<const std::byte>;
 
 // ---- what ends the process by rule -----------------------------------------------------------------
 
@@ -63,7 +58,14 @@ bool comesBack(const OldSheet& s, int version) {
   return version >= 152 && hasFullTexts && m.material.rules.angleRules.size() == 6 && s.blocks.empty();
 }
 
-void save(OldSheet& sheet, int version) {
+int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldSheet>& twins) {
+  return fuzzing::loadTwins(
+      body, version, twins, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
+      [](auto& walker, OldSheet& to) { return frame::resultOf(walker.whole(to)); });
+}
+
+void save(const fuzzing::Twins<OldSheet>& twins, int version) {
+  OldSheet& sheet = twins.read;
   if (!blocksCanBeStored(sheet.blocks, version)) return;
   if (!canBeSaved(sheet)) {
     frame::OutStream out;
@@ -71,11 +73,14 @@ void save(OldSheet& sheet, int version) {
     return;
   }
   const bool settles = comesBack(sheet, version);
-  (void)fuzzing::stored([&](auto& out) { return WriteOldSheet(out, version, sheet); });
-  if (settles)
-    fuzzing::expectSettled(
-        sheet, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
-        [&](auto& out, OldSheet& from) { return WriteOldSheet(out, version, from); });
+  const auto write = [&](auto& out, OldSheet& from) { return WriteOldSheet(out, version, from); };
+  // A save changes the record.
+  const auto saved = fuzzing::stored([&](auto& out) { return write(out, sheet); });
+  fuzzing::expect(saved == fuzzing::stored([&](auto& out) { return write(out, twins.walked); }));
+  if (!settles) return;
+  fuzzing::expectSettled(
+      sheet, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); }, write);
+  (void)fuzzing::stored([&](auto& out) { return write(out, twins.walked); });
 }
 
 // ---- questions -------------------------------------------------------------------------------------
@@ -94,26 +99,6 @@ void askByKey(const OldSheet& sheet) {
   }
   fuzzing::expect(GetOldSheetInfoPartGroupIDs(&sheet, answer.data()) == 0);
 }
-
-// A file of this process alone.
-const std::string& scratchPath() {
-  static const std::string path = [] {
-    const std::filesystem::path memory = "/dev/shm";
-    const auto folder = std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
-    return (folder / ("oldtorvio_fuzz_sheet_" + std::to_string(std::random_device()()))).string();
-  }();
-  return path;
-}
-struct ScratchFile {
-  explicit ScratchFile(Bytes file) {
-    std::ofstream to(scratchPath(), std::ios::binary);
-    to.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
-  }
-  ~ScratchFile() {
-    std::error_code ignored;
-    std::filesystem::remove(scratchPath(), ignored);
-  }
-};
 
 void askForListOfTools(const char* path, int quiet) {
   char text[9][261];
@@ -139,7 +124,7 @@ constexpr std::size_t kQuestionsByPath = 7;
 
 // One of the questions: each loads the whole file anew. status: of the load of the same file.
 void askByPath(int version, int status, const OldSheet& sheet, std::size_t which) {
-  const char* const path = scratchPath().c_str();
+  const char* const path = fuzzing::ScratchFile::path();
   const int quiet = frame::isKnownSheetVersion(version) ? 0 : -1;
   char text[2][261];
   float figure[4], positions[8];
@@ -180,7 +165,7 @@ void askByPath(int version, int status, const OldSheet& sheet, std::size_t which
 
 // One of them, on the file that the questions were asked about.
 void edit(int version, const OldSheet& sheet, std::size_t which) {
-  const char* const path = scratchPath().c_str();
+  const char* const path = fuzzing::ScratchFile::path();
   const std::string newText = "changed by an edit";
   if (which % 2 == 0) {
     fuzzing::expect(ReplaceSheetMachineNcPath(path, newText.c_str()) == 0);
@@ -201,21 +186,22 @@ void edit(int version, const OldSheet& sheet, std::size_t which) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::span<const std::byte> file(reinterpret_cast<const std::byte*>(data), size);
+  const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
   frame::InStream stream(file);
   if (!fuzzing::readVersion(stream, version) || !frame::isSheetVersion(version)) return 0;
+  const fuzzing::Bytes body = file.subspan(2);
+  const std::size_t turn = fuzzing::turnOf(file);
 
-  OldSheet& sheet = fuzzing::fresh<OldSheet>();
-  const int status = ReadOldSheet(stream, version, sheet);
-  // What is asked of a file and changed in it follows from its bytes, so that a find can be repeated.
-  std::size_t turn = size;
-  for (const std::byte byte : file) turn = turn * 31 + std::to_integer<std::size_t>(byte);
-  turn >>= 8;
+  const auto twins = fuzzing::Twins<OldSheet>::fresh(turn);
+  twins.both([&](OldSheet& s) { s.version = static_cast<std::uint16_t>(version); });
+  const OldSheet& sheet = twins.read;
+  const int status = load(body, version, twins);
   const bool isEdited =
       status == 0 && turn % 4 == 0 && frame::isListedSheetVersion(version) && blocksCanBeStored(sheet.blocks, version);
   {
-    const ScratchFile scratch(file);
+    const fuzzing::ScratchFile scratch(file);
+    if (turn % 16 == 1) fuzzing::expectLoadedByPath(status, twins, LoadOldSheet);
     askByPath(version, status, sheet, turn / 4 % kQuestionsByPath);
     if (isEdited) edit(version, sheet, turn / 32);
   }
@@ -225,13 +211,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const OldMachine& m = sheet.machine;
     fuzzing::expect(m.stationsA.stations.size() == m.stationsA.tools.size());
     fuzzing::expect(sheet.textWidth >= 1 && sheet.textWidth <= 256);
-    save(sheet, version);
+    save(twins, version);
   }
 
   // The same bytes over the record in use, as they stand and at the other end of the versions.
-  frame::InStream again(file.subspan(2)), other(file.subspan(2));
-  if (ReadOldSheet(again, version, sheet) == 0) save(sheet, version);
-  (void)ReadOldSheet(other, version < 110 ? 180 : 54, sheet);
+  if (load(body, version, twins) == 0) save(twins, version);
+  (void)load(body, version < 110 ? 180 : 54, twins);
   askByKey(sheet);
   return 0;
 }

@@ -1,27 +1,65 @@
-// Special tool files: any bytes load or fail without harm, also over a record in use.
+// Special tool files: any bytes load or fail without harm, also over a record in use, and what loads can be
+// saved and asked.
+#include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/versions.h"
 #include "src/tooling/special_tool_io.h"
 
 using namespace oldtorvio;
 
+namespace {
+
+int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldSpecialTool>& twins) {
+  return fuzzing::loadTwins(
+      body, version, twins, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
+      [](auto& walker, OldSpecialTool& to) { return frame::resultOf(walker.whole(to)); });
+}
+
+// The current special tool is in use from the inputs before, so only what every load sets can be foretold.
+void askByPath(std::int64_t status, const OldSpecialTool& loaded) {
+  std::uint32_t count = 0;
+  float f[21];
+  std::int32_t n[3];
+  std::uint8_t late = 0;
+  fuzzing::expect(OpenSpecialToolFile(fuzzing::ScratchFile::path(), &count, &f[0], &f[1], &f[2], &f[3], &f[4], &n[0],
+                                      &f[5], &f[6], &f[7], &f[8], &f[9], &f[10], &n[1], &f[11], &f[12], &f[13], &f[14],
+                                      &f[15], &f[16], &f[17], &f[18], &late) == status);
+  const std::vector<Shape>& shapes = loaded.shapes.shapes;
+  if (status == 0 && !shapes.empty()) fuzzing::expect(count == shapes.size());
+  for (std::int64_t i = -1; i <= static_cast<std::int64_t>(count); ++i) {
+    n[0] = 1000;
+    GetShapeAt(static_cast<std::int32_t>(i), &n[0], &f[0], &f[1], &f[2], &f[3], &f[4], &f[5]);
+    const bool isThere = i >= 0 && i < static_cast<std::int64_t>(count);
+    fuzzing::expect((n[0] != 1000) == isThere);
+    if (isThere && status == 0 && !shapes.empty()) fuzzing::expect(n[0] == shapes[static_cast<std::size_t>(i)].type);
+  }
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::span<const std::byte> file(reinterpret_cast<const std::byte*>(data), size);
+  const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
   frame::InStream stream(file);
-  if (!fuzzing::readVersion(stream, version)) return 0;
-  if (version < frame::kFirstMainVersion || !frame::kSpecialToolVersions.has(version)) return 0;
+  if (!fuzzing::readVersion(stream, version) || !frame::isSpecialToolVersion(version)) return 0;
+  const fuzzing::Bytes body = file.subspan(2);
+  const std::size_t turn = fuzzing::turnOf(file);
 
-  OldSpecialTool tool;
-  if (ReadSpecialTool(stream, version, tool) == 0)
+  const auto twins = fuzzing::Twins<OldSpecialTool>::fresh(turn);
+  twins.both([&](OldSpecialTool& tool) { tool.tool.fileVersion = static_cast<std::int16_t>(version); });
+  const int status = load(body, version, twins);
+  if (turn % 16 == 0) {
+    const fuzzing::ScratchFile scratch(file);
+    fuzzing::expectLoadedByPath(status, twins, LoadOldSpecialTool);
+    askByPath(status, twins.read);
+  }
+  if (status == 0)
     fuzzing::expectSettled(
-        tool, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
+        twins.read, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
         [&](auto& out, const OldSpecialTool& from) { return WriteSpecialTool(out, version, from); });
 
   // Loaded over itself, and once more as another version reads the same bytes.
-  frame::InStream again(file.subspan(2));
-  (void)ReadSpecialTool(again, version, tool);
-  frame::InStream other(file.subspan(2));
-  (void)ReadSpecialTool(other, version < 110 ? 180 : 52, tool);
+  (void)load(body, version, twins);
+  (void)load(body, version < 110 ? 180 : 52, twins);
   return 0;
 }
