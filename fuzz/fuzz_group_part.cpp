@@ -16,15 +16,12 @@ using GroupPart = frame::GroupPartFile<std::vector<TorvPart>>;
 
 int load(fuzzing::Bytes body, int version, const fuzzing::Twins<SheetPartList>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins,
+      body, twins,
       [&](auto& in, SheetPartList& to) {
         GroupPart file{to.parts};
         return frame::resultOf(frame::readRecord(in, version, file));
       },
-      [](auto& walker, SheetPartList& to) {
-        GroupPart file{to.parts};
-        return frame::resultOf(walker.whole(file));
-      });
+      [&](SheetPartList& to) { return fuzzing::walkGroupPart(body, version, to); });
 }
 
 void askByPath(std::int64_t status) {

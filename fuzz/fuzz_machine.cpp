@@ -6,7 +6,6 @@
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/versions.h"
 #include "src/machine/machine_io.h"
-#include "src/machine/machine_layout.h"
 
 using namespace oldtorvio;
 
@@ -26,11 +25,10 @@ int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMachine>& twi
   ShapeList walkedShapes;
   if (shapes != nullptr) walkedShapes = *shapes;
   const int status = fuzzing::loadTwins(
-      body, version, twins, [&](auto& in, OldMachine& to) { return ReadOldMachine(in, version, shapes, to); },
-      [&](auto& walker, OldMachine& to) {
-        const MachineForm<ShapeList> form{shapes != nullptr ? &walkedShapes : nullptr};
-        const int walked = frame::resultOf(walker.whole(to, form));
-        if (forgave != nullptr) *forgave = walker.forgave();
+      body, twins, [&](auto& in, OldMachine& to) { return ReadOldMachine(in, version, shapes, to); },
+      [&](OldMachine& to) {
+        const auto walked = fuzzing::walkMachine(body, version, shapes != nullptr ? &walkedShapes : nullptr, to);
+        if (forgave != nullptr) *forgave = walked.forgave;
         return walked;
       });
   if (shapes != nullptr) fuzzing::expect(fuzzing::holdTheSame(*shapes, walkedShapes, twins.extent));

@@ -13,19 +13,19 @@ namespace {
 int loadTable(fuzzing::Bytes from, const fuzzing::Twins<OldMaterial>& twins, std::size_t& behind) {
   const fuzzing::Twins<ParamTable> tables{twins.read.params, twins.walked.params, twins.extent};
   return fuzzing::loadTwins(
-      from, 0, tables,
+      from, tables,
       [&](auto& in, ParamTable& to) {
         const int status = ReadParamTable(in, to);
         behind = static_cast<std::size_t>(in.position());
         return status;
       },
-      [](auto& walker, ParamTable& to) { return readParamTable(walker, to); });
+      [&](ParamTable& to) { return fuzzing::walkParamTable(from, to); });
 }
 
 int loadBody(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMaterial>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); },
-      [](auto& walker, OldMaterial& to) { return frame::resultOf(walker.whole(to)); });
+      body, twins, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); },
+      [&](OldMaterial& to) { return fuzzing::walkMaterialBody(body, version, to); });
 }
 
 // What a load sets beside the table and the body.

@@ -6,9 +6,7 @@
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/text.h"
 #include "src/frame/versions.h"
-#include "src/part/old_part_layout.h"
 #include "src/part/part_io.h"
-#include "src/part/part_layout.h"
 
 using namespace oldtorvio;
 
@@ -21,17 +19,16 @@ bool fitsWriter(const TorvPart& part) {
   return true;
 }
 
-int load(fuzzing::Bytes body, int version, const PartForm& form, const fuzzing::Twins<TorvPart>& twins) {
+int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const fuzzing::Twins<TorvPart>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins,
-      [&](auto& in, TorvPart& to) { return ReadPartBody(in, version, form.embedded(), to, form.stopEarly); },
-      [&](auto& walker, TorvPart& to) { return frame::resultOf(walker.whole(to, form)); });
+      body, twins, [&](auto& in, TorvPart& to) { return ReadPartBody(in, version, embedded, to, stopEarly); },
+      [&](TorvPart& to) { return fuzzing::walkPartBody(body, version, embedded, stopEarly, to); });
 }
 
 int loadOldest(fuzzing::Bytes body, int version, const fuzzing::Twins<TorvPart>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins, [&](auto& in, TorvPart& to) { return ReadOldestPart(in, version, to); },
-      [](auto& walker, TorvPart& to) { return frame::resultOf(frame::walkOldestPart(walker, to)); });
+      body, twins, [&](auto& in, TorvPart& to) { return ReadOldestPart(in, version, to); },
+      [&](TorvPart& to) { return fuzzing::walkOldestPart(body, version, to); });
 }
 
 // What a load sets in front of the body.
@@ -105,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
 
-  const int result = load(body, version, PartForm{}, twins);
+  const int result = load(body, version, false, false, twins);
   loadByPath(file, result, twins, turn);
   if (result == 0) {
     fuzzing::expect(part.patterns.size() == 1);
@@ -118,6 +115,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   // The same bytes in a sheet's form, over the record that the first load left, up to the descriptions or all.
-  (void)load(body, version, PartForm{PartForm::sheet, 0, turn % 8 == 1}, twins);
+  (void)load(body, version, true, turn % 8 == 1, twins);
   return 0;
 }

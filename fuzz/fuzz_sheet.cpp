@@ -60,8 +60,8 @@ bool comesBack(const OldSheet& s, int version) {
 
 int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldSheet>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
-      [](auto& walker, OldSheet& to) { return frame::resultOf(walker.whole(to)); });
+      body, twins, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
+      [&](OldSheet& to) { return fuzzing::walkSheet(body, version, to); });
 }
 
 void save(const fuzzing::Twins<OldSheet>& twins, int version) {

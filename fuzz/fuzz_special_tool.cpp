@@ -11,8 +11,8 @@ namespace {
 
 int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldSpecialTool>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
-      [](auto& walker, OldSpecialTool& to) { return frame::resultOf(walker.whole(to)); });
+      body, twins, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
+      [&](OldSpecialTool& to) { return fuzzing::walkSpecialTool(body, version, to); });
 }
 
 // The current special tool is in use from the inputs before, so only what every load sets can be foretold.

@@ -4,6 +4,7 @@
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/text.h"
 #include "src/frame/versions.h"
+#include "src/records/tool_layout.h"
 #include "src/tooling/inventory_io.h"
 #include "src/tooling/macro_io.h"
 
@@ -13,13 +14,13 @@ namespace {
 
 int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldToolInventory>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
-      [](auto& walker, OldToolInventory& to) { return frame::resultOf(walker.whole(to)); });
+      body, twins, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
+      [&](OldToolInventory& to) { return fuzzing::walkToolInventory(body, version, to); });
 }
 int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMacro>& twins) {
   return fuzzing::loadTwins(
-      body, version, twins, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
-      [](auto& walker, OldMacro& to) { return frame::resultOf(walker.whole(to)); });
+      body, twins, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
+      [&](OldMacro& to) { return fuzzing::walkMacro(body, version, to); });
 }
 
 // A special tool whose file is not in the inventory's list ends the process when it is asked for.

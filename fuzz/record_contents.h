@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "OldTorvIO/records.h"
+#include "fuzz/twins.h"
 #include "src/frame/describe.h"
 #include "src/machine/machine_layout.h"
 #include "src/material/material_layout.h"
@@ -35,8 +36,6 @@
 namespace fuzzing {
 
 namespace frame = oldtorvio::frame;
-
-enum class Extent : std::uint8_t { counted, all };
 
 // What is told goes to sink.bytes(at, size); sink.list(list) says that a list begins there, and answers
 // whether it is to be told: descriptions name some in two branches of which a file takes one.
@@ -439,7 +438,7 @@ class ContentBytes {
 
 // Whether two records hold the same.
 template <class Record>
-bool holdTheSame(Record& one, Record& other, Extent extent) {
+bool haveEqualContents(Record& one, Record& other, Extent extent) {
   static ContentBytes contents[2];
   Record* const records[] = {&one, &other};
   for (int i = 0; i < 2; ++i) {
@@ -447,7 +446,8 @@ bool holdTheSame(Record& one, Record& other, Extent extent) {
     RecordTeller teller(contents[i], extent);
     (void)tell(teller, *records[i]);
   }
-  return std::ranges::equal(contents[0].told(), contents[1].told());
+  const auto first = contents[0].told(), second = contents[1].told();
+  return first.size() == second.size() && std::memcmp(first.data(), second.data(), first.size()) == 0;
 }
 
 }  // namespace fuzzing

@@ -96,9 +96,9 @@ TEST(RecordContents, DifferWhereAnyMemberDiffers) {
     const auto one = std::make_unique<OldSheet>(), other = std::make_unique<OldSheet>();
     one->partList.parts.resize(1);
     other->partList.parts.resize(1);
-    EXPECT_TRUE(fuzzing::holdTheSame(*one, *other, extent));
+    EXPECT_TRUE(fuzzing::haveEqualContents(*one, *other, extent));
     change(*other);
-    return !fuzzing::holdTheSame(*one, *other, extent);
+    return !fuzzing::haveEqualContents(*one, *other, extent);
   };
   for (const Extent extent : {Extent::counted, Extent::all}) {
     EXPECT_TRUE(differ([](OldSheet& s) { s.utilization = -0.0F; }, extent));

@@ -1,0 +1,48 @@
+// The other side of each comparison: what the walker of the benchmarks makes of the same bytes, and whether
+// two records hold the same. Compiled apart, without the fuzzer's marks: only what the reader does is news.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "OldTorvIO/records.h"
+
+namespace fuzzing {
+
+using Bytes = std::span<const std::byte>;
+
+// A number that follows from the bytes: what is chosen by it is chosen again when a find is repeated.
+std::size_t turnOf(Bytes file);
+
+enum class Extent : std::uint8_t { counted, all };  // see fuzz/record_contents.h
+
+bool holdTheSame(oldtorvio::ShapeList& one, oldtorvio::ShapeList& other, Extent extent);
+bool holdTheSame(oldtorvio::TorvPart& one, oldtorvio::TorvPart& other, Extent extent);
+bool holdTheSame(oldtorvio::SheetPartList& one, oldtorvio::SheetPartList& other, Extent extent);
+bool holdTheSame(oldtorvio::OldSpecialTool& one, oldtorvio::OldSpecialTool& other, Extent extent);
+bool holdTheSame(oldtorvio::OldToolInventory& one, oldtorvio::OldToolInventory& other, Extent extent);
+bool holdTheSame(oldtorvio::OldMacro& one, oldtorvio::OldMacro& other, Extent extent);
+bool holdTheSame(oldtorvio::ParamTable& one, oldtorvio::ParamTable& other, Extent extent);
+bool holdTheSame(oldtorvio::OldMaterial& one, oldtorvio::OldMaterial& other, Extent extent);
+bool holdTheSame(oldtorvio::OldMachine& one, oldtorvio::OldMachine& other, Extent extent);
+bool holdTheSame(oldtorvio::OldSheet& one, oldtorvio::OldSheet& other, Extent extent);
+
+struct Walked {
+  int status = 0;
+  std::uint64_t left = 0;  // bytes that it did not come to
+  bool forgave = false;    // whether anything failed that the format tolerates
+};
+
+// Each as the reader of its kind, of the bytes behind the version word (a table's before it).
+Walked walkPartBody(Bytes body, int version, bool embedded, bool stopEarly, oldtorvio::TorvPart& part);
+Walked walkOldestPart(Bytes body, int version, oldtorvio::TorvPart& part);
+Walked walkGroupPart(Bytes body, int version, oldtorvio::SheetPartList& list);
+Walked walkSpecialTool(Bytes body, int version, oldtorvio::OldSpecialTool& tool);
+Walked walkToolInventory(Bytes body, int version, oldtorvio::OldToolInventory& inventory);
+Walked walkMacro(Bytes body, int version, oldtorvio::OldMacro& macro);
+Walked walkParamTable(Bytes body, oldtorvio::ParamTable& table);
+Walked walkMaterialBody(Bytes body, int version, oldtorvio::OldMaterial& material);
+Walked walkMachine(Bytes body, int version, oldtorvio::ShapeList* shapes, oldtorvio::OldMachine& machine);
+Walked walkSheet(Bytes body, int version, oldtorvio::OldSheet& sheet);
+
+}  // namespace fuzzing
