@@ -9,41 +9,13 @@
 #include "src/frame/versions.h"
 #include "src/frame/writer.h"
 #include "src/sheet/sheet_io.h"
-#include "src/sheet/sheet_layout.h"
+#include "tests/support/sheet_hazards.h"
 
 using namespace oldtorvio;
+using testing_support::blocksCanBeStored;
+using testing_support::namesNoStationPastTheLast;
 
 namespace {
-
-// ---- what ends the process by rule -----------------------------------------------------------------
-
-// A save begins with the second block and ends the process when no block from there on can be stored.
-bool blocksCanBeStored(const std::vector<ShapeWorkBlock>& blocks, int version) {
-  const auto canBeStored = [version](const ShapeWorkBlock& block) {
-    frame::OutStream out;
-    return frame::writeRecord(out, version, block);
-  };
-  return blocks.empty() || std::any_of(blocks.begin() + 1, blocks.end(), canBeStored);
-}
-
-// A tool number one past the last station does when it counts; those that would not are left out as well.
-bool namesNoStationPastTheLast(const OldSheet& s) {
-  const OldMachine& m = s.machine;
-  const auto& list = m.stationWord != 0 && !m.stationsB.stations.empty() ? m.stationsB : m.stationsA;
-  const auto past = static_cast<std::int64_t>(list.stations.size()) + 1;
-  const auto namesPast = [past](const PatternItem& item) { return item.toolNumber == past; };
-  const auto slotsName = [past](const ProcessSlots& slots) {
-    return std::any_of(std::begin(slots), std::end(slots), [past](const ProcessSlot& slot) {
-      return slot.firstToolNumber == past || slot.secondToolNumber == past;
-    });
-  };
-  for (const TorvPart& part : s.partList.parts) {
-    for (const Pattern& pattern : part.patterns)
-      if (std::any_of(pattern.items.begin(), pattern.items.end(), namesPast)) return false;
-    if (slotsName(part.processSlots)) return false;
-  }
-  return std::none_of(s.patternItems.begin(), s.patternItems.end(), namesPast) && !slotsName(s.processSlots);
-}
 
 // ---- saving ----------------------------------------------------------------------------------------
 

@@ -21,8 +21,8 @@
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/allocation_meter.h"
 #include "tests/support/files.h"
-#include "tests/support/full_files.h"
 #include "tests/support/host.h"
+#include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
 
@@ -31,84 +31,6 @@ namespace {
 using namespace testing_support;
 
 constexpr std::size_t kMiB = 1U << 20U;
-
-struct Kind {
-  map::FileKind kind;
-  std::string name;
-  std::vector<int> versions;
-  Bytes (*file)(int version);
-  std::int64_t (*load)(const char* path);
-  std::size_t recordSize;  // of what `load` loads into
-};
-
-template <class Record, auto load>
-std::int64_t loadAnew(const char* path) {
-  const auto record = std::make_unique<Record>();
-  return load(path, record.get());
-}
-
-const std::vector<Kind>& kinds() {
-  static const std::vector<Kind> all{
-      {map::FileKind::part,
-       "part",
-       {52, 62, 80, 110, 151, 161, 180},
-       [](int v) { return partFile(v, 32001); },
-       loadAnew<TorvPart, LoadOldPart>,
-       sizeof(TorvPart)},
-      {map::FileKind::groupPart,
-       "group",
-       {152, 161, 180},
-       groupFile,
-       [](const char* path) {
-         SheetPartList list;
-         return LoadGroupPart(path, &list);
-       },
-       sizeof(TorvPart)},
-      {map::FileKind::specialTool,
-       "special tool",
-       {52, 110, 160, 180},
-       [](int v) {
-         return specialToolFile(v, {1, 2});
-       },
-       [](const char* path) {
-         OldSpecialTool tool;
-         return LoadOldSpecialTool(path, &tool);
-       },
-       sizeof(OldSpecialTool)},
-      {map::FileKind::machine,
-       "machine",
-       {52, 61, 80, 110, 152, 161, 180},
-       machineFile,
-       loadAnew<OldMachine, LoadOldMachine>,
-       sizeof(OldMachine)},
-      {map::FileKind::material,
-       "material",
-       {52, 61, 90, 130, 152, 161, 180},
-       materialFile,
-       loadAnew<OldMaterial, LoadOldMaterial>,
-       sizeof(OldMaterial)},
-      {map::FileKind::toolInventory,
-       "tool inventory",
-       {54, 60, 110, 150, 180},
-       inventoryFile,
-       loadAnew<OldToolInventory, LoadOldToolInventory>,
-       sizeof(OldToolInventory)},
-      {map::FileKind::macro,
-       "macro",
-       {52, 60, 80, 160, 180},
-       macroFile,
-       loadAnew<OldMacro, LoadOldMacro>,
-       sizeof(OldMacro)},
-      {map::FileKind::sheet, "sheet", {152, 161, 180}, sheetFile, loadAnew<OldSheet, LoadOldSheet>, sizeof(OldSheet)},
-  };
-  return all;
-}
-
-bool isCount(const std::string& path) {
-  for (const char* end : {".count", ".length", "Count", "nameBlockSize", "textWidth", "nameLength"})
-    if (path.ends_with(end)) return true;
-  return false;
-}
 
 TEST(HostileFiles, EveryCountThatClaimsTwoBillionIsAFaultAndTakesNoMemory) {
   const TempFolder folder;
@@ -375,29 +297,6 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFileForTheOtherKinds) {
     ofInventory("entries of an inventory");
     inventory.specialToolFiles.resize(kMany / 4);
     ofInventory("files of special tools");
-  }
-}
-
-TEST(HostileFiles, FlippedBitsNeverHarm) {
-  for (const Kind& kind : kinds()) {
-    const TempFolder folder;
-    for (const int version : {kind.versions.front(), kind.versions.back()}) {
-      const Bytes whole = kind.file(version);
-      const std::size_t step = whole.size() * 8 / 1500 + 1;
-      std::vector<std::byte> bytes(whole.span().begin(), whole.span().end());
-      for (std::size_t bit = 0; bit < bytes.size() * 8; bit += step) {
-        bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
-        const std::string path = folder.overwrite("flip" + std::to_string(version), Bytes::of(bytes));
-        const AllocationMeter meter;
-        const std::int64_t status = kind.load(path.c_str());
-        // A material has a second version word, its table's, behind the file's.
-        const std::size_t versionBits = kind.kind == map::FileKind::material ? 32 : 16;
-        EXPECT_TRUE(status == 0 || status == 1 || (status == -1 && bit < versionBits))
-            << kind.name << " " << version << " bit " << bit << " gives " << status;
-        EXPECT_LE(meter.peak(), 16 * bytes.size() + kind.recordSize + kMiB) << kind.name << " bit " << bit;
-        bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
-      }
-    }
   }
 }
 

@@ -7,7 +7,7 @@
 
 #include "src/part/part_io.h"
 #include "src/tooling/special_tool_io.h"
-#include "tests/support/full_files.h"
+#include "tests/support/kind_files.h"
 
 namespace testing_support {
 namespace {

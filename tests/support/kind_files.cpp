@@ -1,33 +1,35 @@
-// A file of each kind with an element at least in every list, for what goes across the kinds.
-#pragma once
+#include "tests/support/kind_files.h"
+
 #include <cstring>
 #include <memory>
 
+#include "OldTorvIO.h"
 #include "src/machine/machine_io.h"
 #include "src/material/material_io.h"
+#include "src/part/part_io.h"
 #include "src/sheet/sheet_io.h"
 #include "src/tooling/inventory_io.h"
 #include "src/tooling/macro_io.h"
-#include "tests/support/bytes.h"
+#include "src/tooling/special_tool_io.h"
 #include "tests/support/part_files.h"
-#include "tests/support/random_records.h"
 
 namespace testing_support {
 
-inline Bytes partFile(int version, std::int32_t groupKind = 0) {
+using namespace oldtorvio;
+
+Bytes partFile(int version, std::int32_t groupKind) {
   Maker maker;
   const auto part = std::make_unique<TorvPart>();
   storedPart(maker, version, {false, true, groupKind}, *part);
   return Bytes().i16(version).add(maker.bytes);
 }
 
-inline Bytes groupFile(int version) {
+Bytes groupFile(int version) {
   const Bytes part = partFile(version);
   return Bytes().i16(version).i32(0).i32(256).text(256, "A").add(Bytes::of(part.span().subspan(2)));
 }
 
-// The other kinds hold random content, with an element at least where a list brings others.
-inline void fullMachine(RandomRecords& random, OldMachine* m, int version) {
+void fullMachine(RandomRecords& random, OldMachine* m, int version) {
   random.machine(*m, version);
   m->limitsPresent = m->secondTextPresent = 1;
   m->blockMode = 2;
@@ -53,14 +55,14 @@ inline void fullMachine(RandomRecords& random, OldMachine* m, int version) {
   m->unitTable.units.resize(1);
 }
 
-inline Bytes machineFile(int version) {
+Bytes machineFile(int version) {
   RandomRecords random(7, 1);
   const auto m = std::make_unique<OldMachine>();
   fullMachine(random, m.get(), version);
   return Bytes().i16(version).add(written([&](auto& s) { return WriteOldMachine(s, version, nullptr, *m, false); }));
 }
 
-inline Bytes materialFile(int version) {
+Bytes materialFile(int version) {
   RandomRecords random(8, 1);
   const auto m = std::make_unique<OldMaterial>();
   random.material(*m);
@@ -79,7 +81,7 @@ inline Bytes materialFile(int version) {
   return Bytes().i16(version).add(table).add(written([&](auto& s) { return WriteOldMaterialBody(s, version, *m); }));
 }
 
-inline Bytes inventoryFile(int version) {
+Bytes inventoryFile(int version) {
   RandomRecords random(9, 1);
   OldToolInventory v = random.toolInventory();
   v.tools.assign(2, random.tool());
@@ -91,7 +93,7 @@ inline Bytes inventoryFile(int version) {
   return Bytes().i16(version).add(written([&](auto& s) { return WriteToolInventory(s, version, v); }));
 }
 
-inline Bytes macroFile(int version) {
+Bytes macroFile(int version) {
   RandomRecords random(10, 1);
   OldMacro m = random.macro();
   m.shapes.shapes.assign(2, random.shape());
@@ -101,8 +103,7 @@ inline Bytes macroFile(int version) {
   return Bytes().i16(version).add(written([&](auto& s) { return WriteMacro(s, version, m); }));
 }
 
-// One part that uses the station, a list of each kind.
-inline void fullSheet(OldSheet& s, int version) {
+void fullSheet(OldSheet& s, int version) {
   RandomRecords random(11, 1);
   fullMachine(random, &s.machine, version);
   random.paramTable(s.paramTable, version < 60 ? 52 : version);
@@ -131,10 +132,73 @@ inline void fullSheet(OldSheet& s, int version) {
   part.patterns[0].items[0].toolNumber = 1;
 }
 
-inline Bytes sheetFile(int version) {
+Bytes sheetFile(int version) {
   const auto s = std::make_unique<OldSheet>();
   fullSheet(*s, version);
   return Bytes().i16(version).add(written([&](auto& to) { return WriteOldSheet(to, version, *s); }));
+}
+
+const std::vector<Kind>& kinds() {
+  static const std::vector<Kind> all{
+      {map::FileKind::part,
+       "part",
+       {52, 62, 80, 110, 151, 161, 180},
+       [](int v) { return partFile(v, 32001); },
+       loadAnew<TorvPart, LoadOldPart>,
+       sizeof(TorvPart)},
+      {map::FileKind::groupPart,
+       "group",
+       {152, 161, 180},
+       groupFile,
+       [](const char* path) {
+         SheetPartList list;
+         return LoadGroupPart(path, &list);
+       },
+       sizeof(TorvPart)},
+      {map::FileKind::specialTool,
+       "special tool",
+       {52, 110, 160, 180},
+       [](int v) {
+         return specialToolFile(v, {1, 2});
+       },
+       [](const char* path) {
+         OldSpecialTool tool;
+         return LoadOldSpecialTool(path, &tool);
+       },
+       sizeof(OldSpecialTool)},
+      {map::FileKind::machine,
+       "machine",
+       {52, 61, 80, 110, 152, 161, 180},
+       machineFile,
+       loadAnew<OldMachine, LoadOldMachine>,
+       sizeof(OldMachine)},
+      {map::FileKind::material,
+       "material",
+       {52, 61, 90, 130, 152, 161, 180},
+       materialFile,
+       loadAnew<OldMaterial, LoadOldMaterial>,
+       sizeof(OldMaterial)},
+      {map::FileKind::toolInventory,
+       "tool inventory",
+       {54, 60, 110, 150, 180},
+       inventoryFile,
+       loadAnew<OldToolInventory, LoadOldToolInventory>,
+       sizeof(OldToolInventory)},
+      {map::FileKind::macro,
+       "macro",
+       {52, 60, 80, 160, 180},
+       macroFile,
+       loadAnew<OldMacro, LoadOldMacro>,
+       sizeof(OldMacro)},
+      {map::FileKind::sheet, "sheet", {152, 161, 180}, sheetFile, loadAnew<OldSheet, LoadOldSheet>, sizeof(OldSheet)},
+  };
+  return all;
+}
+
+bool isCount(const std::string& path) {
+  for (const char* end : {".count", ".length", "Count", "nameBlockSize", "textWidth", "nameLength"})
+    if (path.ends_with(end)) return true;
+  return false;
 }
 
 }  // namespace testing_support

@@ -1,0 +1,480 @@
+// Damaged files of every kind: each bit flipped, each number at its extremes, each count and width at its bound
+// and one above. Whatever the file says, the load answers within its bars of memory and time, the record it
+// leaves can be asked, saved, loaded again and destroyed, and the questions by path answer.
+//
+// The short form takes some of the bits and the counts, widths and whatever a load refuses;
+// OLDTORVIO_LONG_TESTS=1 takes every bit and every number of every version, and prints the slowest load of
+// each kind.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "OldTorvIO.h"
+#include "src/frame/versions.h"
+#include "src/machine/machine_io.h"
+#include "src/material/material_io.h"
+#include "src/part/part_io.h"
+#include "src/records/tool_layout.h"
+#include "src/tooling/inventory_io.h"
+#include "src/tooling/macro_io.h"
+#include "src/tooling/special_tool_io.h"
+#include "tests/support/allocation_meter.h"
+#include "tests/support/files.h"
+#include "tests/support/kind_files.h"
+#include "tests/support/part_files.h"
+#include "tests/support/sheet_files.h"
+#include "tests/support/sheet_hazards.h"
+
+namespace {
+
+using namespace oldtorvio;
+using namespace testing_support;
+
+bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
+
+constexpr std::size_t kMiB = 1U << 20U;
+constexpr double kSecondsThatNoHostNeeds = 2;
+
+// ---- the kinds -----------------------------------------------------------------------------------------
+
+// How a kind is loaded, asked and saved. `Record` is what its load takes.
+template <class Record>
+struct Subject {
+  const char* name;
+  map::FileKind kind;
+  std::vector<int> versions;  // the first and the last in the short form
+  Bytes (*file)(int version);
+  std::int64_t (*load)(const char* path, Record* record);
+  // The questions by path: status is that of the load.
+  void (*askByPath)(const char* path, std::int64_t status, const Record& record);
+  // Stores the record, or answers false; what would end the process is left out.
+  bool (*store)(OutStream& out, int version, Record& record);
+  // Brings a record in use to where a load of the file makes it the same as a load into a fresh one.
+  void (*beforeLoad)(Record& record) = [](Record&) {};
+  std::set<std::int64_t> statuses = {-1, 0, 1};
+};
+
+// Versions 2 and 3 (whose load always gives 1) and 5, which nothing writes. An element in each list.
+Bytes oldestPartFile(int version) {
+  const auto shape = [](Bytes& b, int type) {
+    for (int i = 0; i < (type == 1 ? 1 : 3); ++i) b.f32(1.5F + static_cast<float>(i));
+  };
+  Bytes b;
+  b.i16(version);
+  if (version == 5) {
+    b.text(21, "PLATE").f32(30).f32(20).text(21, "P").text(21, "A").text(21, "M").i16(1).i16(1).f32(0.05F);
+    b.i16(2);
+    for (const int type : {1, 3}) {
+      b.i8(type).i16(0).i16(0).f32(1).f32(2);
+      shape(b, type);
+    }
+    b.i16(1).i16(0).i16(1).i16(1).i32(0).i32(0).f32(0).f32(0).f32(1).f32(0).i16(1).i16(7).i16(1);
+    b.i16(1).fill(2 * 34, 0).zeros(8).i32(1).i32(2);
+    return b.i16(1).i16(3).i16(4).i32(5).i32(6).zeros(64);
+  }
+  b.f32(30).f32(20).u8(1).u8(1).u8(0).u8(0).u8(0).zeros(47).u8(0).zeros(11).i16(1).i16(0).i16(0);
+  b.i8(1).zeros(8).f32(1).f32(2);
+  shape(b, 1);
+  b.i16(1).i16(2).zeros(27);
+  return b.zeros(12).i16(1).i16(7).i16(1).i16(1).i16(2).zeros(64);
+}
+
+// Everything small: the short table, short texts.
+Bytes smallSheetFile(int version) {
+  const auto s = std::make_unique<OldSheet>();
+  fullSheet(*s, version);
+  RandomRecords(12, 1).paramTable(s->paramTable, 52);
+  s->textWidth = 9;
+  s->machine.path[8] = '\0';
+  return readableSheetFile(*s, version);
+}
+
+void askPart(const char* path, std::int64_t status, const TorvPart& part) {
+  char text[257];
+  float f[3];
+  std::uint32_t length = 0;
+  EXPECT_EQ(GetOldPartInfo(path, text, &f[0], &f[1], &f[2]), status);
+  for (const char* key : {"angle", "Revision", "MatType", "Thickness"})
+    EXPECT_EQ(GetOldPartInfo_v1(path, key, text), status);
+  EXPECT_EQ(GetOldPartTool(path, nullptr, 0, &length), status);
+  std::vector<char> tools(length + 1), paths(258 * part.toolStations.tools.size() + 1);
+  EXPECT_EQ(GetOldPartTool(path, tools.data(), static_cast<std::int32_t>(tools.size()), &length), status);
+  EXPECT_EQ(std::strlen(tools.data()), length);
+  EXPECT_EQ(GetOldSptFromPart(path, paths.data()), status);
+  EXPECT_LT(std::strlen(paths.data()), paths.size());
+}
+
+void askGroup(const char* path, std::int64_t status, const SheetPartList&) {
+  std::uint32_t length = 0;
+  EXPECT_EQ(GetOldSptFromGroupPart(path, nullptr, 0, &length), status);
+  std::vector<char> paths(length + 1);
+  EXPECT_EQ(GetOldSptFromGroupPart(path, paths.data(), static_cast<std::int32_t>(paths.size()), &length), status);
+}
+
+void askSpecialTool(const char* path, std::int64_t status, const OldSpecialTool&) {
+  std::uint32_t count = 0;
+  float f[19];
+  std::int32_t n[2];
+  std::uint8_t late = 0;
+  EXPECT_EQ(
+      OpenSpecialToolFile(path, &count, &f[0], &f[1], &f[2], &f[3], &f[4], &n[0], &f[5], &f[6], &f[7], &f[8], &f[9],
+                          &f[10], &n[1], &f[11], &f[12], &f[13], &f[14], &f[15], &f[16], &f[17], &f[18], &late),
+      status);
+  for (std::int64_t i = -1; i <= static_cast<std::int64_t>(count); ++i)
+    GetShapeAt(static_cast<std::int32_t>(i), &n[0], &f[0], &f[1], &f[2], &f[3], &f[4], &f[5]);
+}
+
+void askMachine(const char* path, std::int64_t status, const OldMachine& machine) {
+  const bool isKnown = frame::isKnownSheetVersion(machine.version);
+  float f[14], values[6], dimensions[3], offsets[3];
+  std::int32_t n[5];
+  char text[4][257];
+  std::uint32_t kind = 0;
+  EXPECT_EQ(
+      GetMachineDatasForQD(path, &f[0], &f[1], &f[2], &f[3], &f[4], &f[5], &f[6], &f[7], &f[8], &f[9], &f[10], &f[11]),
+      status);
+  MachineInformation information{};
+  information.infoStationCount = 0;
+  EXPECT_EQ(LoadOldMachineInformation(path, &information), isKnown ? 0 : -1);
+  for (std::int32_t i = 0; i < information.infoStationCount; ++i)
+    LoadOldStationToolFromMachine(i, &n[0], &n[1], &f[0], &f[1], &f[2], &n[2], values, &f[3], &f[4], &f[5], &f[6],
+                                  &n[3], dimensions, offsets, text[0], &f[7], &f[8], &n[4]);
+  EXPECT_EQ(GetOldVLMQMachineName(path, text[0], &kind, text[1], text[2], text[3]), isKnown ? 0 : -1);
+}
+
+void askInventory(const char* path, std::int64_t status, const OldToolInventory& inventory) {
+  std::uint32_t count = 0;
+  EXPECT_EQ(LoadOldToolInventoryForCount(path, &count), status == 1 ? 0 : status);
+  EXPECT_EQ(count, status == 0 ? inventory.tools.size() : 0);
+  char name[257];
+  float f[16];
+  std::int32_t n[2];
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const OldTool& tool = inventory.tools[i];
+    const auto index = static_cast<std::int64_t>(tool.specialToolIndex);
+    const auto fileCount = static_cast<std::int64_t>(inventory.specialToolFiles.size());
+    // A special tool without a file ends the process.
+    if (tool.shapeCode == kSpecialTool && (index < 1 || index > fileCount)) continue;
+    GetOldToolInventoryInformation(static_cast<std::int32_t>(i), name, &f[0], &f[1], &f[2], &f[3], &n[0], &f[4], &f[5],
+                                   &f[6], &f[7], &f[8], &f[9], &n[1], &f[10], &f[11], &f[12], &f[13], &f[14], &f[15]);
+  }
+}
+
+// The record, and the file.
+void askSheet(const char* path, std::int64_t status, const OldSheet& sheet) {
+  std::size_t room = 2048;
+  for (const TorvPart& part : sheet.partList.parts) room += 1024 + 12 * part.patterns.size();
+  std::vector<char> answer(room);
+  for (const char* key : {"Material_Group", "width", "part_count", "partfulldosname_and_count_and_wonumber",
+                          "part_details_01", "preSkeletonDosName", "totalSknPartCutArea", "sheet_sequence_size"})
+    EXPECT_EQ(GetOldSheetInfoByName(&sheet, key, answer.data()), 0);
+  EXPECT_EQ(GetOldSheetInfoPartGroupIDs(&sheet, answer.data()), 0);
+
+  const std::int64_t quiet = frame::isKnownSheetVersion(sheet.version) ? 0 : -1;
+  float f[4], positions[8];
+  std::uint32_t word = 0, count = 0;
+  std::int32_t flags[601], length[2] = {};
+  double late = 0;
+  char text[9][261];
+  EXPECT_EQ(GetSheetDriverFlags(path, flags), status);
+  EXPECT_EQ(GetSheetSequenceListSize(path, &count), status);
+  EXPECT_EQ(GetOldClampInfo(path, &word, &f[0], &f[1], &f[2], positions, &count, &f[3]), quiet);
+  EXPECT_EQ(GetOldVLMQMaterialName(path, text[0], text[1]), quiet);
+  EXPECT_EQ(GetOldSkeletonUtil(path, &f[0]), quiet);
+  EXPECT_EQ(LoadOldSheetInformation(path), quiet);
+  if (!namesNoStationPastTheLast(sheet)) return;
+  char one = 0;
+  EXPECT_EQ(GetOldSheetInfo(path, text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7], text[8],
+                            &f[0], &f[1], &f[2], &late, &one, 1, &length[0], &one, 1, &length[1]),
+            quiet);
+}
+
+template <class Record>
+void askNothing(const char*, std::int64_t, const Record&) {}
+
+const Subject<TorvPart> kPart{
+    "part",
+    map::FileKind::part,
+    {52, 62, 80, 110, 151, 161, 180},
+    [](int v) { return partFile(v, 32001); },
+    LoadOldPart,
+    askPart,
+    [](OutStream& out, int version, TorvPart& part) { return WritePartBody(out, version, false, part); },
+    // Loads add to these.
+    [](TorvPart& part) { part.nestShapeGroups.clear(); }};
+
+const Subject<TorvPart> kOldestPart{
+    "oldest part",
+    map::FileKind::part,
+    {2, 3, 5},
+    oldestPartFile,
+    LoadOldPart,
+    askPart,
+    [](OutStream& out, int, TorvPart& part) { return WritePartBody(out, 180, true, part); },
+    // Of no other version than these, so that what only later ones store is as it was.
+    [](TorvPart& part) { part = TorvPart(); }};
+
+const Subject<SheetPartList> kGroup{"group part",
+                                    map::FileKind::groupPart,
+                                    {152, 161, 180},
+                                    groupFile,
+                                    LoadGroupPart,
+                                    askGroup,
+                                    [](OutStream& out, int version, SheetPartList& list) {
+                                      const bool isThere = !list.parts.empty();
+                                      return isThere && WritePartBody(out, version, false, list.parts.back());
+                                    },
+                                    [](SheetPartList&) {},
+                                    {0, 1}};
+
+const Subject<OldSpecialTool> kSpecialToolFile{
+    "special tool",
+    map::FileKind::specialTool,
+    {52, 110, 160, 180},
+    [](int v) {
+      return specialToolFile(v, {1, 2});
+    },
+    LoadOldSpecialTool,
+    askSpecialTool,
+    [](OutStream& out, int version, OldSpecialTool& tool) { return WriteSpecialTool(out, version, tool); },
+    // A file without entries keeps those of a record in use.
+    [](OldSpecialTool& tool) { tool.setupList = {}; }};
+
+const Subject<OldMachine> kMachine{"machine",
+                                   map::FileKind::machine,
+                                   {52, 61, 80, 110, 152, 161, 180},
+                                   machineFile,
+                                   LoadOldMachine,
+                                   askMachine,
+                                   [](OutStream& out, int version, OldMachine& machine) {
+                                     return WriteOldMachine(out, version, nullptr, machine, false);
+                                   }};
+
+bool storeMaterial(OutStream& out, int version, OldMaterial& material) {
+  return WriteParamTable(out, material.params) &&
+         (frame::isParamTableVersion(version) || WriteOldMaterialBody(out, version, material));
+}
+const Subject<OldMaterial> kMaterial{"material",   map::FileKind::material, {61, 90, 130, 152, 161, 180},
+                                     materialFile, LoadOldMaterial,         askNothing<OldMaterial>,
+                                     storeMaterial};
+const Subject<OldMaterial> kTable{"parameter table", map::FileKind::material, {52, 60},     materialFile,
+                                  LoadOldMaterial,   askNothing<OldMaterial>, storeMaterial};
+
+const Subject<OldToolInventory> kInventory{"tool inventory",
+                                           map::FileKind::toolInventory,
+                                           {54, 60, 110, 150, 180},
+                                           inventoryFile,
+                                           LoadOldToolInventory,
+                                           askInventory,
+                                           [](OutStream& out, int version, OldToolInventory& inventory) {
+                                             return WriteToolInventory(out, version, inventory);
+                                           }};
+
+const Subject<OldMacro> kMacro{
+    "macro",
+    map::FileKind::macro,
+    {52, 60, 80, 160, 180},
+    macroFile,
+    LoadOldMacro,
+    askNothing<OldMacro>,
+    [](OutStream& out, int version, OldMacro& macro) { return WriteMacro(out, version, macro); }};
+
+const Subject<OldSheet> kSheet{"sheet",
+                               map::FileKind::sheet,
+                               {52, 101, 152, 161, 180},
+                               smallSheetFile,
+                               LoadOldSheet,
+                               askSheet,
+                               [](OutStream& out, int version, OldSheet& sheet) {
+                                 return blocksCanBeStored(sheet.blocks, version) && WriteOldSheet(out, version, sheet);
+                               }};
+
+// ---- one damaged file ------------------------------------------------------------------------------------
+
+template <class Record>
+class Sweep {
+ public:
+  Sweep(const Subject<Record>& subject, int version)
+      : subject_(subject), version_(version), good_(subject.file(version)), goodPath_(folder_.write("good", good_)) {
+    const auto record = std::make_unique<Record>();
+    goodStatus_ = subject_.load(goodPath_.c_str(), record.get());
+    EXPECT_EQ(goodStatus_, version == 2 || version == 3 ? 1 : 0) << subject_.name << " " << version;
+    stored_ = storedForm(*record);
+    (void)map::mapFile(goodPath_.c_str(), subject_.kind, [&](const frame::MapLine& line) {
+      if (line.size == 1 || line.size == 2 || line.size == 4) numbers_.push_back(line);
+    });
+  }
+
+  void flipBits() {
+    constexpr std::size_t kBitsOfTheShortForm = 250;
+    const std::size_t bits = good_.size() * 8;
+    // Odd, so that all places of a byte have their turn.
+    const std::size_t step = isLong() ? 1 : (bits / kBitsOfTheShortForm) | 1U;
+    for (std::size_t bit = 0; bit < bits; bit += step)
+      check(changed(bit / 8, 1, [bit](std::uint64_t byte) { return byte ^ (1U << (bit % 8)); }),
+            "bit " + std::to_string(bit));
+  }
+
+  void setNumbers() {
+    for (const frame::MapLine& line : numbers_) {
+      // Hundreds of flags, of which none counts.
+      if (!isLong() && line.path.find("Params[") != std::string::npos) continue;
+      const auto size = static_cast<unsigned>(line.size);
+      const std::int64_t largest = (std::int64_t{1} << (8 * size - 1)) - 1;
+      const auto set = [&](std::int64_t value) {
+        return changed(static_cast<std::size_t>(line.offset), size,
+                       [value](std::uint64_t) { return static_cast<std::uint64_t>(value); });
+      };
+      // A byte may count up to 255.
+      const std::int64_t highest = size == 1 && !isRefused(set(largest), line) ? 255 : largest;
+      const bool hasBound = isRefused(set(highest), line);
+      if (!isLong() && !hasBound && !isCount(line.path)) continue;
+      std::set<std::int64_t> values = {0, 1, -1, largest, -largest - 1};
+      if (hasBound) {
+        const std::int64_t bound = largestAccepted(highest, [&](std::int64_t v) { return !isRefused(set(v), line); });
+        bounds_.insert(bound);
+        values.insert({bound, bound + 1});
+      }
+      for (const std::int64_t value : values) check(set(value), line.path + " = " + std::to_string(value));
+    }
+  }
+
+  const std::set<std::int64_t>& bounds() const { return bounds_; }
+  std::size_t count() const { return count_; }
+  double slowest() const { return slowest_; }
+  const std::string& slowestCase() const { return slowestCase_; }
+
+ private:
+  template <class Change>
+  Bytes changed(std::size_t offset, unsigned size, Change&& change) const {
+    std::vector<std::byte> bytes(good_.span().begin(), good_.span().end());
+    std::uint64_t value = 0;
+    for (unsigned i = 0; i < size; ++i) value |= std::to_integer<std::uint64_t>(bytes[offset + i]) << (8 * i);
+    value = change(value);
+    for (unsigned i = 0; i < size; ++i) bytes[offset + i] = static_cast<std::byte>((value >> (8 * i)) & 0xFFU);
+    return Bytes::of(bytes);
+  }
+
+  // Whether a load refuses the very value.
+  bool isRefused(const Bytes& file, const frame::MapLine& line) {
+    const auto report =
+        map::mapFile(folder_.overwrite("refused", file).c_str(), subject_.kind, [](const frame::MapLine&) {});
+    for (const auto& fault : {report.fault, report.tolerated})
+      if (fault && fault->offset == line.offset && fault->reason.find("refused") != std::string::npos) return true;
+    return false;
+  }
+  template <class Accepts>
+  static std::int64_t largestAccepted(std::int64_t refused, Accepts&& accepts) {
+    std::int64_t accepted = -1;
+    while (refused - accepted > 1) {
+      const std::int64_t middle = accepted + (refused - accepted) / 2;
+      (accepts(middle) ? accepted : refused) = middle;
+    }
+    return accepted;
+  }
+
+  std::optional<Bytes> storedForm(Record& record) const {
+    bool ok = false;
+    Bytes bytes = written([&](OutStream& out) { return subject_.store(out, version_, record); }, &ok);
+    return ok ? std::optional(std::move(bytes)) : std::nullopt;
+  }
+
+  void check(const Bytes& file, const std::string& what) {
+    SCOPED_TRACE(std::string(subject_.name) + " of version " + std::to_string(version_) + ", " + what);
+    ++count_;
+    const std::string path = folder_.overwrite("damaged", file);
+    const auto record = std::make_unique<Record>();
+    const std::clock_t from = std::clock();
+    std::int64_t status = 0;
+    std::size_t peak = 0;
+    {
+      const AllocationMeter meter;
+      status = subject_.load(path.c_str(), record.get());
+      peak = meter.peak();
+    }
+    const double seconds = static_cast<double>(std::clock() - from) / CLOCKS_PER_SEC;
+    if (seconds > slowest_) {
+      slowest_ = seconds;
+      slowestCase_ = std::to_string(version_) + " " + what;
+    }
+    EXPECT_TRUE(subject_.statuses.contains(status)) << status;
+    EXPECT_LE(peak, 16 * file.size() + sizeof(Record) + kMiB);
+    EXPECT_LT(seconds, kSecondsThatNoHostNeeds);
+    subject_.askByPath(path.c_str(), status, *record);
+    (void)storedForm(*record);
+    // The sound file makes the record what it makes of a fresh one.
+    subject_.beforeLoad(*record);
+    EXPECT_EQ(subject_.load(goodPath_.c_str(), record.get()), goodStatus_);
+    EXPECT_TRUE(storedForm(*record) == stored_) << "loaded again";
+  }
+
+  const Subject<Record>& subject_;
+  int version_;
+  TempFolder folder_;
+  Bytes good_;
+  std::string goodPath_;
+  std::int64_t goodStatus_ = 0;
+  std::optional<Bytes> stored_;
+  std::vector<frame::MapLine> numbers_;
+  std::set<std::int64_t> bounds_;
+  std::size_t count_ = 0;
+  double slowest_ = 0;
+  std::string slowestCase_;
+};
+
+// bounds: those that counts and widths of these files have at one version or another.
+template <class Record>
+void sweep(const Subject<Record>& subject, std::set<std::int64_t> bounds) {
+  std::set<std::int64_t> found;
+  std::size_t count = 0;
+  double slowest = 0;
+  std::string slowestCase;
+  for (const int version : subject.versions) {
+    if (!isLong() && version != subject.versions.front() && version != subject.versions.back()) continue;
+    Sweep<Record> one(subject, version);
+    one.flipBits();
+    one.setNumbers();
+    found.insert(one.bounds().begin(), one.bounds().end());
+    count += one.count();
+    if (one.slowest() > slowest) {
+      slowest = one.slowest();
+      slowestCase = one.slowestCase();
+    }
+    if (testing::Test::HasFailure()) break;
+  }
+  EXPECT_EQ(found, bounds) << subject.name;
+  testing::Test::RecordProperty("files", static_cast<int>(count));
+  testing::Test::RecordProperty("slowest_microseconds", static_cast<int>(slowest * 1e6));
+  testing::Test::RecordProperty("slowest", slowestCase);
+  if (isLong())
+    std::cout << subject.name << ": " << count << " files, slowest load " << slowest * 1e3 << " ms (" << slowestCase
+              << ")\n";
+}
+
+// Of shapes 9 values and 2 extra values, of stations 9 pair values and 2 extra words, of step tables 20 steps, of
+// parts 250 slots; names and texts of 256 bytes, of sheets 260; of materials a table's version of 502, a name of
+// 10000 bytes, 6 tool sets and setting lists, 20 colours, 5 groups, 10 entries of a rule or 5 pairs of them; of
+// machines 8 clamps, 40000 cells, 255 triads, 3 columns; of sheets 25 rows.
+TEST(DamagedFiles, OfPartsDoNoHarm) { sweep(kPart, {2, 9, 20, 250}); }
+TEST(DamagedFiles, OfOldestPartsDoNoHarm) { sweep(kOldestPart, {}); }
+TEST(DamagedFiles, OfGroupPartsDoNoHarm) { sweep(kGroup, {2, 9, 20, 250, 256}); }
+TEST(DamagedFiles, OfSpecialToolsDoNoHarm) { sweep(kSpecialToolFile, {2, 9}); }
+TEST(DamagedFiles, OfMachinesDoNoHarm) { sweep(kMachine, {2, 3, 5, 6, 8, 9, 10, 20, 255, 256, 10000, 40000}); }
+TEST(DamagedFiles, OfMaterialsDoNoHarm) { sweep(kMaterial, {2, 5, 6, 9, 10, 20, 256, 502, 10000}); }
+TEST(DamagedFiles, OfParameterTablesDoNoHarm) { sweep(kTable, {256}); }
+TEST(DamagedFiles, OfToolInventoriesDoNoHarm) { sweep(kInventory, {20}); }
+TEST(DamagedFiles, OfMacrosDoNoHarm) { sweep(kMacro, {2, 9}); }
+TEST(DamagedFiles, OfSheetsDoNoHarm) {
+  sweep(kSheet, {2, 3, 5, 6, 8, 9, 10, 20, 25, 250, 255, 256, 260, 502, 10000, 40000});
+}
+
+}  // namespace

@@ -1,0 +1,50 @@
+// Small files of every kind with something in each of their lists.
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "src/map/file_map.h"
+#include "tests/support/bytes.h"
+#include "tests/support/random_records.h"
+
+namespace testing_support {
+
+namespace map = oldtorvio::map;
+
+Bytes partFile(int version, std::int32_t groupKind = 0);
+Bytes groupFile(int version);
+Bytes machineFile(int version);
+Bytes materialFile(int version);
+Bytes inventoryFile(int version);
+Bytes macroFile(int version);
+Bytes sheetFile(int version);
+
+// Random content, with an element at least where a list brings others.
+void fullMachine(RandomRecords& random, oldtorvio::OldMachine* m, int version);
+// One part that uses the station, a list of each kind.
+void fullSheet(oldtorvio::OldSheet& s, int version);
+
+struct Kind {
+  map::FileKind kind;
+  std::string name;
+  std::vector<int> versions;
+  Bytes (*file)(int version);
+  std::int64_t (*load)(const char* path);
+  std::size_t recordSize;  // of what `load` loads into
+};
+
+// Into a record of its own.
+template <class Record, auto load>
+std::int64_t loadAnew(const char* path) {
+  const auto record = std::make_unique<Record>();
+  return load(path, record.get());
+}
+
+const std::vector<Kind>& kinds();
+
+// Whether a field of that path, as maps tell it, counts what follows.
+bool isCount(const std::string& path);
+
+}  // namespace testing_support
