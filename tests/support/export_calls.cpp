@@ -5,9 +5,15 @@
 #include <memory>
 #include <utility>
 
+#include "src/machine/machine_io.h"
+#include "src/material/material_io.h"
 #include "src/part/part_io.h"
+#include "src/sheet/sheet_io.h"
+#include "src/tooling/inventory_io.h"
+#include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/part_files.h"
 
 namespace testing_support {
 namespace {
