@@ -18,8 +18,8 @@ class File {
   static File openToRead(const char* path) noexcept;
   static File openToWrite(const char* path) noexcept;
 
-  File(File&& other) noexcept : handle_(other.handle_) { other.handle_ = nullptr; }
-  File& operator=(File&&) = delete;
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
   ~File() { (void)close(); }
 
   explicit operator bool() const { return handle_ != nullptr; }

@@ -397,7 +397,7 @@ class FormatTeller {
     } else {
       add(Which, how);
       Element fresh;
-      return insideOf(name(Which) + "[i]", [&] { return whole(fresh, more...); });
+      (void)insideOf(name(Which) + "[i]", [&] { return whole(fresh, more...); });
     }
     return true;
   }
@@ -480,9 +480,12 @@ struct FormatTeller::Type<T> {
 template <class T, std::size_t N>
 struct FormatTeller::Type<T[N]> {
   static std::string text() {
-    if constexpr (std::is_same_v<T, char>) return "text " + std::to_string(N);
-    if constexpr (sizeof(T) == 1) return "raw " + std::to_string(N);
-    return std::to_string(N) + " × " + storedType<T>();
+    if constexpr (std::is_same_v<T, char>)
+      return "text " + std::to_string(N);
+    else if constexpr (sizeof(T) == 1)
+      return "raw " + std::to_string(N);
+    else
+      return std::to_string(N) + " × " + storedType<T>();
   }
 };
 template <class Stored, class T>

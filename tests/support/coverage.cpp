@@ -2,13 +2,14 @@
 #if defined(__linux__)
 #include <csignal>
 
-// There only in builds that count.
+#include "tests/support/host.h"
+
 extern "C" int __llvm_profile_write_file() __attribute__((weak));
 
 namespace {
 
 [[maybe_unused]] const bool handsOver = [] {
-  if (&__llvm_profile_write_file == nullptr) return false;
+  if (!testing_support::isCounted()) return false;
   (void)std::signal(SIGABRT, [](int signal) {
     (void)std::signal(signal, SIG_DFL);
     (void)__llvm_profile_write_file();

@@ -14,6 +14,11 @@
 #include <iterator>
 #endif
 
+#if defined(__linux__)
+// There only in builds that count.
+extern "C" int __llvm_profile_write_file() __attribute__((weak));
+#endif
+
 namespace testing_support {
 namespace {
 
@@ -30,6 +35,12 @@ std::string outputOf(std::FILE* pipe) {
 }
 
 }  // namespace
+
+#if defined(__linux__)
+bool isCounted() { return &__llvm_profile_write_file != nullptr; }
+#else
+bool isCounted() { return false; }
+#endif
 
 #if defined(_WIN32)
 

@@ -15,6 +15,9 @@ void unsetEnvironment(const char* name);
 // Runs work(data) on a thread with a stack of that many bytes; false if there is no such thread.
 bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data);
 
+// Whether this build counts what is reached, for which its library holds memory of its own.
+bool isCounted();
+
 // What stands between a folder and a file, and whether names that differ by case are two files.
 #if defined(_WIN32)
 inline constexpr const char* kSeparator = "\\";
