@@ -235,6 +235,18 @@ TEST(Text, NumbersPrintAsInTheCLocale) {
   EXPECT_EQ(integer, "-9223372036854775808");
 }
 
+TEST(Text, AFormatEndsWhereItsViewEnds) {
+  constexpr std::string_view kText = "a%I64d";
+  const auto printed = [&](std::size_t size) { return printedWithoutValues(kText.substr(0, size), 260); };
+  EXPECT_EQ(printed(0), "");
+  EXPECT_EQ(printed(1), "a");
+  EXPECT_EQ(printed(2), "a");
+  EXPECT_EQ(printed(3), "a");
+  EXPECT_EQ(printed(4), "a6");
+  EXPECT_EQ(printed(5), "a");
+  EXPECT_EQ(printed(6), "a0");
+}
+
 TEST(Versions, ListsHoldExactlyTheirNumbers) {
   int parts = 0, specialTools = 0;
   for (int v = -70000; v < 70000; ++v) {

@@ -34,6 +34,25 @@ void expectMirrored(const Pick& pick, const Write& write, const Read& read) {
   }
 }
 
+TEST(MaterialTables, FreshElementsOfTheListsAreZeroButForTheTenValuesOfARule) {
+  const Bytes setting = Bytes().i32(1).zeros(41), entry = Bytes().i32(1).zeros(260);
+  EXPECT_EQ(written([](OutStream& s) { return WriteSettingList(s, 180, {SettingEntry()}); }), setting);
+  EXPECT_EQ(written([](OutStream& s) { return WriteMaterialEntryList(s, 180, {MaterialEntry()}); }), entry);
+  const AngleRule angle;
+  EXPECT_EQ(angle.ruleCode, 0);
+  EXPECT_EQ(angle.angleCount, 0);
+  for (const float one : angle.ruleValues) EXPECT_EQ(one, 0.025F);
+  for (const float one : angle.ruleAngles) EXPECT_EQ(one, 0.0F);
+  EXPECT_EQ(angle.sizeLimitX, 0.0F);
+  EXPECT_EQ(angle.sizeLimitY, 0.0F);
+  const SizeRule size;
+  EXPECT_EQ(size.sizeValue1, 0U);
+  for (const float one : {size.sizeValue2, size.sizeValue3, size.sizeValue4, size.sizeValue5, size.sizeValue6})
+    EXPECT_EQ(one, 0.0F);
+  EXPECT_EQ(size.sizeFlagA, 0);
+  EXPECT_EQ(size.sizeFlagB, 0);
+}
+
 TEST(MaterialTables, SettingListComesBackAsItWasStored) {
   expectMirrored([](OldMaterial& m) -> SettingList& { return m.settingLists[0]; }, WriteSettingList, ReadSettingList);
 }

@@ -2,7 +2,7 @@
 """A mutation run: each comparison, constant and condition of src/ and include/ is changed once, and a
 test has to notice. See "The mutation run" in HACKING.md.
 
-  mutate.py [--again] [--only TEXT] [--jobs N] [--sources]
+  mutate.py [--again] [--only TEXT] [--longest SECONDS] [--jobs N] [--sources]
 
 The sources are rewritten into build/mutation/rewritten so that each change, a mutant, is switched on by
 a number at run time (rewrite.py, switch.h); they are built once. Results: build/mutation/results.txt.
@@ -10,6 +10,7 @@ a number at run time (rewrite.py, switch.h); they are built once. Results: build
 import argparse
 import collections
 import itertools
+import json
 import os
 import pathlib
 import random
@@ -172,6 +173,12 @@ def measure(program, jobs):
     server = Server(program)
     tests = [Test(i, name) for i, name in enumerate(server.names())]
     server.close()
+    kept = BUILD / "tests.json"
+    stamp = str(program.stat().st_mtime_ns)
+    if kept.exists() and (known := json.loads(kept.read_text(encoding="utf-8")))["program"] == stamp:
+        for test, (test.seconds, places) in zip(tests, known["tests"]):
+            test.sites = frozenset(places)
+        return tests, known["unfit"]
     unfit = []
 
     def one(server, test):
@@ -197,7 +204,10 @@ def measure(program, jobs):
     by_time = sorted(tests, key=lambda test: test.seconds)
     orders = [by_time, by_time[::-1], random.Random(1).sample(tests, len(tests)), random.Random(2).sample(tests, len(tests))]
     in_parallel(program, jobs, orders, together)
-    return tests, sorted(set(unfit))
+    unfit = sorted(set(unfit))
+    kept.write_text(json.dumps({"program": stamp, "tests": [(test.seconds, sorted(test.sites)) for test in tests],
+                                "unfit": unfit}), encoding="utf-8")
+    return tests, unfit
 
 
 def groups_for(tests):
@@ -214,9 +224,9 @@ def groups_for(tests):
     return " ".join(words)
 
 
-def run_mutants(program, jobs, sites, tests):
+def run_mutants(program, jobs, sites, tests, tests_to_run):
     by_site = collections.defaultdict(list)
-    for test in tests:
+    for test in tests_to_run:
         for site in test.sites:
             by_site[site].append(test)
     killers = collections.defaultdict(collections.Counter)  # by file: tests that are good at it
@@ -239,10 +249,11 @@ def run_mutants(program, jobs, sites, tests):
                 result = f"killed by {killer}" + ("" if how == "failed" else f" ({how})")
         with lock:
             results[site.id] = result
-            if len(results) % 100 == 0 and sys.stderr.isatty():
-                print(f"\r{len(results)} of {len(sites)}, {time.monotonic() - begun:.0f} s", end="", file=sys.stderr)
+            print(f"{site.name}: {result}", file=progress, flush=True)
+            if len(results) % 100 == 0:
+                print(f"{len(results)} of {len(sites)} mutants, {time.monotonic() - begun:.0f} s", file=sys.stderr)
 
-    # The slow ones, which are those that nothing notices, are spread by the order of the files.
+    progress = open(BUILD / "progress.txt", "w", encoding="utf-8")
     in_parallel(program, jobs, sites, one)
     return results
 
@@ -315,6 +326,8 @@ def main():
     options = argparse.ArgumentParser(description="Changes each comparison, constant and condition once and runs the tests.")
     options.add_argument("--again", action="store_true", help="only what the last run did not kill; the rest keeps its result")
     options.add_argument("--only", default="", metavar="TEXT", help="only mutants whose name has this text")
+    options.add_argument("--longest", type=float, default=1e9, metavar="SECONDS",
+                         help="without the tests that take longer: a first look, as they are what survivors cost")
     options.add_argument("--jobs", type=int, default=os.cpu_count() or 2)
     options.add_argument("--sources", action="store_true", help="only rewrite the sources")
     given = options.parse_args()
@@ -334,8 +347,10 @@ def main():
             name, result = line.rsplit(": killed by ", 1) if ": killed by " in line else (None, None)
             before[name] = f"killed by {result}"
     tests, unfit = measure(program, given.jobs)
+    print(f"{len(tests)} tests of {sum(test.seconds for test in tests):.0f} s, {len(sites)} mutants", file=sys.stderr)
+    tests_to_run = [test for test in tests if test.seconds <= given.longest]
     to_run = [site for site in sites if site.name not in before]
-    results = run_mutants(program, given.jobs, to_run, tests)
+    results = run_mutants(program, given.jobs, to_run, tests, tests_to_run)
     results.update({site.id: before[site.name] for site in sites if site.id not in results})
     return 0 if report(sites, results, skipped, constant, unfit, time.monotonic() - begin) else 1
 

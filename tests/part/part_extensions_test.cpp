@@ -646,6 +646,9 @@ TEST(PartExtensionDefaults, FreshRecordsAreEmptyWithZeroWords) {
   EXPECT_EQ(group.shapes.listTag, -1);
   const ContourGroup contour;
   EXPECT_TRUE(contour.shapes.empty());
+  EXPECT_EQ(contour.contourWord1, 0U);
+  EXPECT_EQ(contour.contourWord2, 0U);
+  EXPECT_EQ(contour.contourWord3, 0U);
   EXPECT_EQ(contour.contourByte, 0);
   const BindingSet set;
   EXPECT_TRUE(set.numbers.empty());

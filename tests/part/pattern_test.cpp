@@ -36,6 +36,12 @@ TEST(Pattern, FreshPatternHasTheToldDefaults) {
   EXPECT_EQ(p.transformKind, 1);
   for (int i = 0; i < 9; ++i) EXPECT_EQ(p.transform[i], i % 4 == 0 ? 1.0F : 0.0F);
   for (const std::uint16_t one : p.bindShorts) EXPECT_EQ(one, 0xFFFF);
+  for (const std::uint8_t one : p.groupBlock) EXPECT_EQ(one, 0);
+  for (const std::uint32_t one : p.groupWords) EXPECT_EQ(one, 0U);
+  for (const std::uint32_t one : {p.bindWord1, p.bindWord2, p.bindWord3, p.bindWord4, p.lateWord1, p.lateWord2,
+                                  p.lateWord3, p.patternWord, std::uint32_t{p.bindByte}})
+    EXPECT_EQ(one, 0U);
+  EXPECT_EQ(p.groupKind, 0);
   EXPECT_EQ(p.scratchShapes.listKind, 1);
   EXPECT_EQ(p.scratchShapes.listTag, -1);
 }

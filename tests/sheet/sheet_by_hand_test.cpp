@@ -993,8 +993,15 @@ TEST(SaveOldSheetByHand, AFreshSheetHoldsTheDefaultsOfANewSheet) {
   for (int i = 0; i < 8; ++i) EXPECT_EQ(s->clampInfo.clampPositions[i], 5.5F * static_cast<float>(i + 1));
   EXPECT_EQ(s->clampInfo.clampCount, 2);
   EXPECT_EQ(SheetSetupEntry().entry.setupReal1, -1.0F);
-  EXPECT_EQ(SheetTextEntry().entryWord7, -1);
-  EXPECT_EQ(NamedWorkList().listWord3, -1);
+  const SheetTextEntry text;
+  for (const std::uint32_t one : {text.entryWord1, text.entryWord2, text.entryWord3, text.entryWord4, text.entryWord5,
+                                  text.entryWord6, text.entryWord8, text.entryWord9})
+    EXPECT_EQ(one, 0U);
+  EXPECT_EQ(text.entryWord7, -1);
+  const NamedWorkList named;
+  EXPECT_EQ(named.listWord1, 0U);
+  EXPECT_EQ(named.listWord2, 0U);
+  EXPECT_EQ(named.listWord3, -1);
   EXPECT_EQ(ShapeWorkBlock().blockShapes.listTag, -1);
 }
 

@@ -612,6 +612,15 @@ int readMacro(const Bytes& bytes, int version, OldMacro& macro, std::size_t* con
       bytes, [&](InStream& s) { return ReadMacro(s, version, macro); }, consumed);
 }
 
+TEST(MacroByHand, AFreshMacroIsZeroAndEmpty) {
+  const OldMacro fresh;
+  // Heads and blocks, the list's tag and kind, no shape, no item.
+  EXPECT_EQ(written([&](OutStream& s) { return WriteMacro(s, 52, fresh); }), Bytes().zeros(72).i32(-1).i32(1).zeros(8));
+  EXPECT_EQ(fresh.version, 0);
+  EXPECT_EQ(fresh.macroTailWords[0], 0U);
+  EXPECT_EQ(fresh.macroTailWords[1], 0U);
+}
+
 TEST(MacroByHand, ReadsAndWritesItsRowsAtEveryVersion) {
   for (const int version : allVersions())
     for (const MacroForm& form : {MacroForm{}, MacroForm{{}, 0, {}}, MacroForm{someShapes(), 0, {107, 0, 3}}}) {

@@ -71,6 +71,13 @@ TEST(SpecialToolFile, AllVersionWordsGiveWhatTheListSays) {
   }
 }
 
+TEST(SpecialToolFile, AFreshRecordHasNoValueNoShapesAndNoSetup) {
+  const OldSpecialTool fresh;
+  EXPECT_EQ(fresh.specialValue, 0.0F);
+  EXPECT_TRUE(fresh.shapes.shapes.empty());
+  EXPECT_TRUE(fresh.setupList.entries.empty());
+}
+
 TEST(SpecialToolFile, MissingEmptyOneByteAndFolderPaths) {
   const TempFolder folder;
   OldSpecialTool tool;
