@@ -107,8 +107,8 @@ Digits zeroInteger(const Directive& d, std::size_t longest) {
 
 // What the directive prints for nothing, or the character that shows it to be none.
 std::string printed(const Directive& d, std::size_t longest) {
-  const bool isInteger = d.kind != 0 && isOneOf(d.kind, "diouxX");
-  const bool isReal = d.kind != 0 && isOneOf(d.kind, "eEfFgGaA");
+  const bool isInteger = isOneOf(d.kind, "diouxX");
+  const bool isReal = isOneOf(d.kind, "eEfFgGaA");
   Digits digits;
   std::string& text = digits.text;
   if (isInteger)

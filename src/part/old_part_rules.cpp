@@ -22,27 +22,10 @@ constexpr int kArc = 9;
 constexpr int kGroupHead = 7;
 constexpr std::uint32_t kGroupMember = 128;
 
-enum class Class : std::uint8_t { none, tool, contour, head };
+enum class Class : std::uint8_t { other, contour, head };
 
 Class classOf(std::int8_t type) {
   switch (type) {
-    case 1:
-    case 2:
-    case 3:
-    case 4:
-    case 5:
-    case 6:
-    case 8:
-    case 9:
-    case 14:
-    case 15:
-    case 16:
-    case 17:
-    case 20:
-    case 21:
-    case 23:
-    case 25:
-      return Class::tool;
     case 10:
     case 11:
     case 12:
@@ -51,7 +34,7 @@ Class classOf(std::int8_t type) {
     case kGroupHead:
       return Class::head;
     default:
-      return Class::none;
+      return Class::other;
   }
 }
 
@@ -280,7 +263,7 @@ bool ContinuationFilter::keeps(const SetupEntry& entry) {
       remaining_ = static_cast<std::int16_t>(entry.setupShort3);
       return true;
     case 8:
-      if (remaining_ <= 0) return false;
+      if (remaining_ < 1) return false;
       --remaining_;
       return true;
     default:
