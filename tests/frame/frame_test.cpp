@@ -76,6 +76,27 @@ TEST(InStream, LeadingTakesTheFirstOfSeveralNumbers) {
   }
 }
 
+TEST(InStream, EachVerbOfOneItemFailsWhereTheFileEndsInside) {
+  const Bytes bytes = Bytes().u8(1);
+  std::string text = "kept";
+  std::int32_t numbers[2] = {7, 8};
+  const auto fails = [&](const auto& verb) {
+    InStream stream(bytes.span());
+    Reader io(stream, 180);
+    return !verb(io) && io.stop() == Stop::shortRead && stream.left() == 0;
+  };
+  EXPECT_TRUE(fails([&](Reader& io) { return io.textItem<4>(F(text)); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.sliceAs<std::int16_t>(F(numbers), 0, 1); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.slice(F(numbers), 0, 1); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.nonZero(F(numbers[0])); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.leading(2, F(numbers)); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.lengthText(F(text)); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.reserved(2); }));
+  EXPECT_EQ(text, "kept");
+  EXPECT_EQ(numbers[0], 7);
+  EXPECT_EQ(numbers[1], 8);
+}
+
 TEST(InStream, FileThatGotShorterEndsWhereItEnds) {
   const TempFolder folder;
   const std::string path = folder.write("f", Bytes().zeros(2000000));

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
+#include "OldTorvIO.h"
+#include "OldTorvIO/records.h"
 #include "src/frame/writer.h"
 #include "src/map/detect.h"
 #include "src/map/file_map.h"
@@ -19,6 +23,7 @@ namespace map = oldtorvio::map;
 TEST(Map, NamesComeFromTheTextOfTheFields) {
   const auto names = fieldNames("r.width, as<std::int16_t>(r.kind), block(p.x, p.y), r.list.count, plain, t.row[i]");
   EXPECT_EQ(names, (std::vector<std::string>{"width", "kind", "x, y", "list.count", "plain", "row[i]"}));
+  EXPECT_EQ(fieldNames("(r.a, r.b),r.c"), (std::vector<std::string>{"a, b", "c"}));
 }
 
 TEST(Map, TextsAreQuotedEscapedAndTellWhatStandsBehindThem) {
@@ -30,6 +35,8 @@ TEST(Map, TextsAreQuotedEscapedAndTellWhatStandsBehindThem) {
   EXPECT_EQ(printed(std::string_view("ab\0\0", 4)), "\"ab\"");
   EXPECT_EQ(printed("ab"), "\"ab\" (no NUL)");
   EXPECT_EQ(printed(std::string_view("a\0x\0y", 5)), "\"a\" (2 bytes not zero behind the NUL)");
+  EXPECT_EQ(printed(std::string_view("\0x\0", 3)), "\"\" (1 bytes not zero behind the NUL)");
+  EXPECT_EQ(printed(std::string_view("\x1F !~\x7F\x80\0", 7)), "\"\\x1f !~\\x7f\\x80\"");
   EXPECT_EQ(printed(std::string_view("\"\\\n\xE4\0", 5)), "\"\\\"\\\\\\x0a\\xe4\"");
 }
 
@@ -173,6 +180,42 @@ TEST(FileMap, StatusIsThatOfTheLoad) {
   EXPECT_EQ(statusOf(specialToolFile(52, {1}), map::FileKind::specialTool), 0);
 }
 
+// Of nothing but a version word, which the load refuses or misses the rest of.
+TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
+  using Kind = map::FileKind;
+  const TempFolder folder;
+  const auto expectSame = [&](Kind kind, auto load) {
+    const std::string path = folder.write("p", Bytes().i16(0));
+    for (int version = -3; version < 520; ++version) {
+      folder.overwrite("p", Bytes().i16(version));
+      EXPECT_EQ(map::checkFile(path.c_str(), kind).status, load(path.c_str())) << map::nameOf(kind) << ' ' << version;
+    }
+  };
+  expectSame(Kind::part, [part = std::make_unique<oldtorvio::TorvPart>()](const char* path) {
+    return LoadOldPart(path, part.get());
+  });
+  expectSame(Kind::groupPart,
+             [list = oldtorvio::SheetPartList()](const char* path) mutable { return LoadGroupPart(path, &list); });
+  expectSame(Kind::specialTool, [tool = std::make_unique<oldtorvio::OldSpecialTool>()](const char* path) {
+    return LoadOldSpecialTool(path, tool.get());
+  });
+  expectSame(Kind::machine, [machine = std::make_unique<oldtorvio::OldMachine>()](const char* path) {
+    return LoadOldMachine(path, machine.get());
+  });
+  expectSame(Kind::material, [material = std::make_unique<oldtorvio::OldMaterial>()](const char* path) {
+    return LoadOldMaterial(path, material.get());
+  });
+  expectSame(Kind::toolInventory, [inventory = std::make_unique<oldtorvio::OldToolInventory>()](const char* path) {
+    return LoadOldToolInventory(path, inventory.get());
+  });
+  expectSame(Kind::macro, [macro = std::make_unique<oldtorvio::OldMacro>()](const char* path) {
+    return LoadOldMacro(path, macro.get());
+  });
+  expectSame(Kind::sheet, [sheet = std::make_unique<oldtorvio::OldSheet>()](const char* path) {
+    return LoadOldSheet(path, sheet.get());
+  });
+}
+
 TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
   const TempFolder folder;
   using Kind = map::FileKind;
@@ -191,6 +234,8 @@ TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
   // An inventory of this version would be sound after sixteen bytes.
   for (const std::size_t cut : {800U, 1600U})
     EXPECT_EQ(map::detectKind(folder.write("c", partFile(112).cut(cut))), Kind::part) << "it comes furthest";
+  EXPECT_EQ(map::detectKind(".spt"), Kind::specialTool) << "whatever it holds";
+  EXPECT_EQ(map::detectKind(folder.write("w", Bytes().i16(60))), Kind::part) << "of several alike the first";
   EXPECT_EQ(map::detectKind(folder.write("x", Bytes().i16(50))), std::nullopt);
   EXPECT_EQ(map::detectKind(folder.write("e", Bytes())), std::nullopt);
   EXPECT_EQ(map::detectKind(folder.path("none")), std::nullopt);

@@ -360,6 +360,17 @@ TEST(Verbs, LongBlocksAreMappedAsRuns) {
   block[50] = 0xAB;
   frame::printBytes(text, block.data(), block.size());
   EXPECT_EQ(text, "01 x 50, ab, 01 x 49");
+  const auto printed = [](std::size_t width, std::initializer_list<std::uint8_t> head) {
+    std::vector<std::uint8_t> zeros(width + 1);
+    std::copy(head.begin(), head.end(), zeros.begin());
+    std::string to;
+    frame::printBytes(to, zeros.data(), width);
+    return to;
+  };
+  EXPECT_EQ(printed(100, {7, 1, 1}), "07, 01 x 2, 00 x 97");
+  EXPECT_EQ(printed(65, {}), "00 x 65");
+  EXPECT_EQ(printed(64, {}).substr(0, 6), "00 00 ") << "short ones are told in full";
+  EXPECT_EQ(printed(64, {}).size(), 64U * 3 - 1);
 }
 
 }  // namespace

@@ -103,6 +103,7 @@ class Source:
         self.edits = []      # (start, end, replacement)
         self.around = []     # (start, end, opening, closing)
         self.lines = [m.start() for m in re.finditer(r"^", text, re.MULTILINE)]
+        self.line_set = set(self.lines)
         self.leave = {}      # index of a token: why it is left alone
         self.tables = {}
 
@@ -214,7 +215,8 @@ class Source:
         """Definitions of named constants and of tables: (name, index, first, last token of its value)."""
         tokens = self.tokens
         for i, token in enumerate(tokens):
-            if token.text != "constexpr" or tokens[i - 1].text == "if":
+            is_table = token.text == "const" and token.start in self.line_set and tokens[i + 3].text == "["
+            if not is_table and (token.text != "constexpr" or tokens[i - 1].text == "if"):
                 continue
             equals = i + 1
             while tokens[equals].text not in (";", "{", "=", "("):
