@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <set>
 
 #include "src/frame/entry.h"
 #include "src/frame/text.h"
@@ -136,6 +137,63 @@ TEST(InStream, TextFromAPipeThatEndsTooEarlyIsNotAppended) {
 }
 #endif
 
+TEST(InStream, TheLastRunOfALargeFileIsThereWhereverItBegins) {
+  const TempFolder folder;
+  Bytes bytes;
+  for (std::uint32_t i = 0; i < 66000; ++i) bytes.u32(i * 2654435761U);
+  const std::string path = folder.write("large", bytes);
+  // Steps of a length that some window ends inside of, the last one included.
+  for (const std::size_t step : {2000U, 30000U}) {
+    const File file = File::openToRead(path.c_str());
+    InStream stream(file.handle());
+    std::size_t at = bytes.size() % step;
+    ASSERT_TRUE(stream.skip(at));
+    for (; at < bytes.size(); at += step) {
+      const std::byte* run = stream.run(step);
+      ASSERT_NE(run, nullptr) << at;
+      EXPECT_EQ(std::memcmp(run, bytes.span().data() + at, step), 0) << at;
+      stream.consume(step);
+    }
+    EXPECT_EQ(stream.left(), 0U);
+    EXPECT_EQ(stream.run(1), nullptr);
+  }
+}
+
+TEST(OutStream, OneByteIsStoredAsAnyOther) {
+  OutStream memory;
+  ASSERT_NE(memory.room(1), nullptr);
+  EXPECT_EQ(memory.bytes().size(), 1U);
+  EXPECT_TRUE(memory.flush()) << "nothing to do";
+  EXPECT_FALSE(memory.failed());
+
+  const TempFolder folder;
+  const std::string path = folder.path("one");
+  {
+    const File file = File::openToWrite(path.c_str());
+    OutStream stream(file.handle());
+    std::byte* const to = stream.room(1);
+    ASSERT_NE(to, nullptr);
+    *to = std::byte{7};
+    EXPECT_EQ(stream.position(), 1U);
+    EXPECT_TRUE(stream.flush());
+    EXPECT_EQ(stream.position(), 1U);
+  }
+  EXPECT_EQ(TempFolder::read(path), Bytes().u8(7));
+}
+
+TEST(Platform, OfAFolderTheFilesAreWalkedUpToTheFirstThatIsEnough) {
+  const TempFolder folder;
+  for (const char* name : {"a", "b", "c.spt"}) (void)folder.write(name, Bytes().u8(1));
+  std::filesystem::create_directory(folder.path("inside"));
+  std::filesystem::create_directory(folder.path("d.spt"));
+  std::set<std::string> names;
+  walkFolder(folder.path(), [&](const std::string& name) { return names.insert(name).second; });
+  EXPECT_EQ(names, (std::set<std::string>{"a", "b", "c.spt"}));
+  int visits = 0;
+  walkFolder(folder.path(), [&](const std::string&) { return ++visits < 2; });
+  EXPECT_EQ(visits, 2);
+}
+
 TEST(OutStream, HandsLargeContentToTheFileInOrder) {
   const TempFolder folder;
   const std::string path = folder.path("f");
@@ -193,6 +251,15 @@ TEST(Text, FieldsKeepWhatStandsBehindTheNul) {
   EXPECT_EQ(textOf(field), "");
   EXPECT_EQ(field[1], 'b');
   EXPECT_DEATH(setText(field, "12345678"), "");
+}
+
+TEST(Text, ADriveIsALetterAndAColon) {
+  for (const char* drive : {"a:", "z:", "A:", "Z:", "m:"})
+    EXPECT_EQ(baseName(std::string(drive) + "x.y"), "x") << drive;
+  for (const char* none : {"@:", "[:", "`:", "{:", "1:", "::", "aa:"})
+    EXPECT_EQ(baseName(std::string(none) + "x.y"), std::string(none) + "x") << none;
+  EXPECT_EQ(baseName("c:"), "");
+  EXPECT_EQ(baseName(":"), ":");
 }
 
 TEST(Text, ComparisonFoldsLettersAToZOnly) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "OldTorvIO.h"
@@ -11,6 +12,9 @@
 #include "src/map/detect.h"
 #include "src/map/file_map.h"
 #include "src/part/part_io.h"
+#include "src/records/shape_layout.h"
+#include "src/records/small_layouts.h"
+#include "src/records/tool_layout.h"
 #include "tests/support/files.h"
 #include "tests/support/part_files.h"
 
@@ -88,6 +92,44 @@ TEST(Map, TellsEveryKindOfField) {
                                       "46+3 reserved = (dropped)", "49+8 wide = 0.25"}));
 }
 
+// In paths of their own: rows, lists told in turns, trailers, what is tolerated inside a record.
+TEST(Map, NamesTheRowTheListAndTheRecordThatItIsIn) {
+  const auto pathsOf = [](const Bytes& bytes, int version, auto&& record) {
+    std::vector<std::string> paths;
+    InStream stream(bytes.span());
+    Mapper mapper(stream, version, [&](const MapLine& line) { paths.push_back(line.path); });
+    (void)mapper.record(F(record));
+    return paths;
+  };
+  const auto has = [](const std::vector<std::string>& paths, const std::string& path) {
+    return std::find(paths.begin(), paths.end(), path) != paths.end();
+  };
+  oldtorvio::StepTable steps;
+  steps.stepCount = 2;
+  const Bytes table = written([&](OutStream& s) { return writeRecord(s, 180, steps); });
+  const auto rows = pathsOf(table, 180, oldtorvio::StepTable());
+  EXPECT_TRUE(has(rows, "record.stepByteA[0]") && has(rows, "record.stepWord[1]"));
+  EXPECT_FALSE(has(rows, "record.stepWord[2]") || has(rows, "record.stepWord[i]"));
+  EXPECT_EQ(pathsOf(table.cut(20), 180, oldtorvio::StepTable()).back(), "record") << "where a fault is tolerated";
+
+  oldtorvio::ToolStationList list;
+  list.stations.resize(2);
+  list.tools.resize(2);
+  const Bytes stored = written([&](OutStream& s) { return writeRecord(s, 180, list); });
+  const auto turns = pathsOf(stored, 180, oldtorvio::ToolStationList());
+  EXPECT_TRUE(has(turns, "record.stations[1].stationNumber") && has(turns, "record.tools[0].shapeCode"));
+  EXPECT_FALSE(has(turns, "record.tools[0].stationNumber") || has(turns, "record.stations[0].shapeCode"));
+
+  oldtorvio::ShapeList shapes;
+  shapes.shapes.resize(2);
+  std::vector<std::string> trailers;
+  const Bytes eight = Bytes().zeros(8);
+  InStream stream(eight.span());
+  Mapper mapper(stream, 180, [&](const MapLine& line) { trailers.push_back(line.path); });
+  EXPECT_TRUE(describeShapeTrailer(mapper, shapes));
+  EXPECT_EQ(trailers, (std::vector<std::string>{"shapes[0].trailerValue", "shapes[1].trailerValue"}));
+}
+
 TEST(Map, TellsWhereAndWhyAFileBreaks) {
   const Bytes bytes = written([](OutStream& s) { return writeRecord(s, 180, Sample()); });
   const struct {
@@ -153,6 +195,19 @@ TEST(FileMap, SoundFilesAreWalkedToTheirEnd) {
   }
 }
 
+TEST(FileMap, OnlyASoundFileThatGoesOnHasARemarkAboutItsRest) {
+  const TempFolder folder;
+  const auto remarksOf = [&](const Bytes& file) {
+    int remarks = 0;
+    (void)map::mapFile(folder.write("r", file).c_str(), map::FileKind::part,
+                       [&](const MapLine& line) { remarks += line.size == 0 ? 1 : 0; });
+    return remarks;
+  };
+  EXPECT_EQ(remarksOf(partFile(180)), 0);
+  EXPECT_EQ(remarksOf(partFile(180).zeros(1)), 1);
+  EXPECT_EQ(remarksOf(partFile(180).zeros(2)), 1);
+}
+
 TEST(FileMap, BytesBehindTheLastFieldAreReportedAndNoFault) {
   const TempFolder folder;
   const std::string path = folder.write("p", partFile(180).zeros(5));
@@ -169,7 +224,12 @@ TEST(FileMap, StatusIsThatOfTheLoad) {
   const auto statusOf = [&](const Bytes& bytes, map::FileKind kind) {
     return map::checkFile(folder.write("p", bytes).c_str(), kind).status;
   };
-  EXPECT_EQ(map::checkFile(folder.path("none").c_str(), map::FileKind::part).status, -2);
+  const auto none = map::checkFile(folder.path("none").c_str(), map::FileKind::part);
+  EXPECT_EQ(none.status, -2);
+  ASSERT_TRUE(none.fault);
+  EXPECT_EQ(none.fault->offset, 0U);
+  EXPECT_EQ(none.fault->path, "");
+  EXPECT_EQ(statusOf(specialToolFile(80, {1}), map::FileKind::specialTool), -1) << "however sound";
   EXPECT_EQ(statusOf(Bytes().u8(1), map::FileKind::part), 1);
   EXPECT_EQ(statusOf(Bytes().i16(53), map::FileKind::part), -1);
   EXPECT_EQ(statusOf(Bytes().i16(5), map::FileKind::part), 1);

@@ -144,6 +144,7 @@ TEST(KindsMap, WhatNobodyReadsOfTheOldestPartsIsTheFault) {
   const Told map = told(path, FileKind::part);
   EXPECT_EQ(map.report.status, 1);
   ASSERT_TRUE(map.report.fault);
+  EXPECT_EQ(map.report.fault->path, "rest");
   EXPECT_EQ(map.report.fault->reason, "is not read in a file of this version");
   EXPECT_EQ(map.report.fault->offset, map.report.walked);
 }

@@ -3,6 +3,7 @@
 
 #include "src/material/material_io.h"
 #include "tests/support/bytes.h"
+#include "tests/support/files.h"
 #include "tests/support/random_records.h"
 
 namespace {
@@ -51,6 +52,17 @@ TEST(MaterialTables, FreshElementsOfTheListsAreZeroButForTheTenValuesOfARule) {
     EXPECT_EQ(one, 0.0F);
   EXPECT_EQ(size.sizeFlagA, 0);
   EXPECT_EQ(size.sizeFlagB, 0);
+}
+
+TEST(SaveMaterial, OfATableAloneTellsWhatCannotBeOpenedAndWhatCannotBeStored) {
+  const TempFolder folder;
+  const auto material = std::make_unique<OldMaterial>();
+  material->params.version = 52;
+  material->params.nameLength = 1;
+  EXPECT_EQ(SaveMaterial(folder.path("m").c_str(), *material, 52), 0);
+  EXPECT_EQ(SaveMaterial((folder.path("no") + "/such/folder").c_str(), *material, 52), -2);
+  material->params.nameLength = 0;
+  EXPECT_EQ(SaveMaterial(folder.path("m").c_str(), *material, 52), -2);
 }
 
 TEST(MaterialTables, SettingListComesBackAsItWasStored) {

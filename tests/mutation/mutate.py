@@ -2,7 +2,7 @@
 """A mutation run: each comparison, constant and condition of src/ and include/ is changed once, and a
 test has to notice. See "The mutation run" in HACKING.md.
 
-  mutate.py [--again] [--only TEXT] [--longest SECONDS] [--jobs N] [--sources]
+  mutate.py [--again] [--only TEXT] [--longest SECONDS] [--thorough] [--jobs N] [--sources]
 
 The sources are rewritten into build/mutation/rewritten so that each change, a mutant, is switched on by
 a number at run time (rewrite.py, switch.h); they are built once. Results: build/mutation/results.txt.
@@ -28,6 +28,7 @@ import rewrite
 TOP = pathlib.Path(__file__).resolve().parents[2]
 BUILD = TOP / "build" / "mutation"
 REWRITTEN = BUILD / "rewritten"
+QUICK = 0.2  # seconds
 NOT_HERE = {"src/frame/platform_windows.cpp": "not part of the program on this system"}
 
 # Where the places themselves would stand in the way: (file, as it stands, as it has to be here).
@@ -227,20 +228,23 @@ def groups_for(tests):
     return " ".join(words)
 
 
-def run_mutants(program, jobs, sites, tests, tests_to_run):
+def run_mutants(program, jobs, sites, tests, longest, explained):
+    """What became of each. A survivor costs all tests that get there, hours for all of them: those that
+    have an explanation get the quick ones alone."""
     by_site = collections.defaultdict(list)
-    for test in tests_to_run:
+    for test in tests:
         for site in test.sites:
             by_site[site].append(test)
     killers = collections.defaultdict(collections.Counter)  # by file: tests that are good at it
     results, begun, lock = {}, time.monotonic(), threading.Lock()
 
     def one(server, site):
-        able = by_site[site.id]
         good = killers[site.file]
-        able = sorted(able, key=lambda t: t.seconds / (1 + good[t.number]))
+        most = min(longest, QUICK if site.id in explained else longest)
+        able = sorted((test for test in by_site[site.id] if test.seconds <= most),
+                      key=lambda test: test.seconds / (1 + good[test.number]))
         if not able:
-            result = "not reached"
+            result = "not reached" if not by_site[site.id] else "survived"
         else:
             answer = server.ask(f"run {site.id} {groups_for(able)}")
             how, _, number = answer.partition(" ")
@@ -264,28 +268,37 @@ def run_mutants(program, jobs, sites, tests, tests_to_run):
 class Explanations:
     """tests/mutation/survivors.txt: FILE | PIECE OF THE LINE | MUTANT | REASON, "*" for any."""
 
-    def __init__(self):
+    def __init__(self, sites):
+        self.lines = {file: (TOP / file).read_text(encoding="utf-8").splitlines() for file in {s.file for s in sites}}
         self.entries = []
         for line in (TOP / "tests" / "mutation" / "survivors.txt").read_text(encoding="utf-8").splitlines():
             if line.strip() and not line.startswith("#"):
                 file, piece, what, reason = (part.strip() for part in line.split(" | ", 3))
                 self.entries.append([file, piece, what, reason, 0])
 
-    def reason_for(self, site, line):
+    def line_of(self, site):
+        return self.lines[site.file][site.line - 1].strip()
+
+    def entry_for(self, site):
         for entry in self.entries:
             file, piece, what = entry[:3]
-            if file == site.file and (piece == "*" or piece in line) and what in ("*", f"{site.what} -> {site.instead}"):
-                entry[4] += 1
-                return entry[3]
+            if file == site.file and (piece == "*" or piece in self.line_of(site)) \
+                    and what in ("*", f"{site.what} -> {site.instead}"):
+                return entry
         return None
+
+    def reason_for(self, site):
+        entry = self.entry_for(site)
+        if entry is None:
+            return None
+        entry[4] += 1
+        return entry[3]
 
     def unused(self):
         return [" | ".join(entry[:3]) for entry in self.entries if entry[4] == 0]
 
 
-def report(sites, results, skipped, constant, unfit, seconds):
-    lines_of = {file: (TOP / file).read_text(encoding="utf-8").splitlines() for file in {s.file for s in sites}}
-    explained = Explanations()
+def report(sites, results, explained, skipped, constant, unfit, seconds):
     counts = collections.defaultdict(collections.Counter)
     unexplained, detail = [], []
     for site in sites:
@@ -293,11 +306,10 @@ def report(sites, results, skipped, constant, unfit, seconds):
         kind = "killed" if result.startswith("killed") else "survived"
         counts[site.file][kind] += 1
         if kind == "survived":
-            line = lines_of[site.file][site.line - 1]
-            reason = explained.reason_for(site, line)
+            reason = explained.reason_for(site)
             result += f": {reason}" if reason else ": NOT EXPLAINED"
             if not reason:
-                unexplained.append(f"{site.name}   {line.strip()}")
+                unexplained.append(f"{site.name}   {explained.line_of(site)}")
         detail.append(f"{site.name}: {result}")
     why = collections.Counter(reason for reason, _ in skipped)
     total = sum(sum(c.values()) for c in counts.values())
@@ -331,6 +343,8 @@ def main():
     options.add_argument("--only", default="", metavar="TEXT", help="only mutants whose name has this text")
     options.add_argument("--longest", type=float, default=1e9, metavar="SECONDS",
                          help="without the tests that take longer: a first look, as they are what survivors cost")
+    options.add_argument("--thorough", action="store_true",
+                         help="survivors that are explained get all tests as well, not the quick ones alone: hours")
     options.add_argument("--jobs", type=int, default=os.cpu_count() or 2)
     options.add_argument("--sources", action="store_true", help="only rewrite the sources")
     given = options.parse_args()
@@ -351,11 +365,12 @@ def main():
             before[name] = f"killed by {result}"
     tests, unfit = measure(program, given.jobs)
     print(f"{len(tests)} tests of {sum(test.seconds for test in tests):.0f} s, {len(sites)} mutants", file=sys.stderr)
-    tests_to_run = [test for test in tests if test.seconds <= given.longest]
+    explained = Explanations(sites)
+    known = {site.id for site in sites if explained.entry_for(site)}
     to_run = [site for site in sites if site.name not in before]
-    results = run_mutants(program, given.jobs, to_run, tests, tests_to_run)
+    results = run_mutants(program, given.jobs, to_run, tests, given.longest, set() if given.thorough else known)
     results.update({site.id: before[site.name] for site in sites if site.id not in results})
-    return 0 if report(sites, results, skipped, constant, unfit, time.monotonic() - begin) else 1
+    return 0 if report(sites, results, explained, skipped, constant, unfit, time.monotonic() - begin) else 1
 
 
 if __name__ == "__main__":

@@ -600,6 +600,29 @@ TEST(ShapeList, LoadsAndSavesItsShapesInOrderAtEveryVersion) {
   }
 }
 
+// Wherever the room that is there ends, in whatever field of whatever shape.
+TEST(ShapeList, IsStoredAsItsShapesOneByOneWhateverStandsInFront) {
+  ShapeList list;
+  for (int i = 0; i < 320; ++i) {
+    Shape& shape = list.shapes.emplace_back();
+    shape.auxWord = i;
+    shape.valueCount = static_cast<decltype(shape.valueCount)>(i % 10);
+    shape.extraCount = static_cast<decltype(shape.extraCount)>(i % 3);
+    shape.values[0] = static_cast<float>(i);
+    shape.note = std::string(static_cast<std::size_t>(i % 5), 'n');
+  }
+  Bytes expected = Bytes().i32(-1).i32(1).i32(320);
+  for (const Shape& shape : list.shapes) expected.add(written([&](OutStream& s) { return WriteShape(s, 180, shape); }));
+  for (std::size_t front = 0; front < 160; ++front) {
+    const Bytes all = written([&](OutStream& s) {
+      std::byte* const to = s.room(front);
+      if (front > 0) std::memset(to, 0, front);
+      return WriteShapeList(s, 180, list);
+    });
+    ASSERT_EQ(all, Bytes().zeros(front).add(expected)) << front;
+  }
+}
+
 TEST(ShapeList, EachShapeStartsFreshWhateverTheListHeldBefore) {
   const auto fields = fieldsOf();
   // The first shape has a text, values and a note, the second stores none of them.

@@ -491,6 +491,7 @@ TEST(InventoryByHand, NamesASpecialToolByTheBaseNameOfItsFile) {
                                                                {"folder\\", ""},
                                                                {"name.", "name"},
                                                                {"", ""},
+                                                               {std::string("TOOL\0x.y", 8), "TOOL"},
                                                                {std::string(256, 'n'), std::string(256, 'n')},
                                                                {std::string(252, 'n') + ".spt", std::string(252, 'n')}};
   std::vector<OldTool> tools;

@@ -250,6 +250,8 @@ TEST(SpecialToolFolder, ComesFromTheConfiguration) {
       {"[Kestrada64bit]\n" + key + "\"D:\\A B\\\"\n", "D:\\A B\\"},
       {"[Kestrada64bit]\n" + key + "  'D:\\A B'  \n", "D:\\A B"},
       {"[Kestrada64bit]\n" + key + "\" x \"\n", " x "},
+      {"[Kestrada64bit]\n" + key + "\"\"\n[Kestrada]\n" + key + "D:\\B\n", "D:\\B"},
+      {"[Kestrada64bit]\n\n" + key + "D:\\A\n", "D:\\A"},
       {"[Kestrada64bit]\n; " + key + "D:\\A\n", fallback},
       {"[Other]\n" + key + "D:\\A\n", fallback},
       {"[Kestrada64bit]\n" + key + "D:\\A\n" + key + "D:\\B\n", "D:\\A"},
@@ -322,6 +324,8 @@ TEST(SpecialToolFolder, LooksInTheUsersConfigurationAndThenInTheSystems) {
   EXPECT_EQ(GetSpecialToolFolder(), "home");
   unsetEnvironment("HOME");
   EXPECT_EQ(GetSpecialToolFolder(), "first");
+  setEnvironment("XDG_CONFIG_DIRS", second.path());
+  EXPECT_EQ(GetSpecialToolFolder(), "second");
   unsetEnvironment("XDG_CONFIG_DIRS");
   (void)GetSpecialToolFolder();  // the system's own folder, whatever it holds
   setEnvironment("HOME", before);
