@@ -10,6 +10,7 @@
 
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
+#include "src/frame/platform.h"
 #include "src/part/part_io.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
@@ -456,6 +457,22 @@ TEST(NamedToolsByHand, LooksPastAFolderOfTheSameName) {
   bench.folder.write("ABC.SPT", toolFile(someTool(), {}));
   EXPECT_EQ(Call{}("abc"), 1);
 #endif
+}
+
+TEST(NamedToolsByHand, TakesTheFirstOfSeveralFilesOfTheNameInTheSystemsOrder) {
+  Bench bench;
+  const WinIni ini(bench.setting());
+  std::vector<std::string> order;
+  for (const char* name : {"abc", "abc.spt", "ABC.spt.spt"}) bench.folder.write(name, Bytes());
+  oldtorvio::frame::walkFolder(bench.folder.path(), [&](const std::string& name) {
+    if (name.size() < 8) order.push_back(name);
+    return true;
+  });
+  ASSERT_EQ(order.size(), 2U);
+  bench.folder.write(order[1], toolFile(someTool(), {}));
+  EXPECT_EQ(Call{}("abc"), -1) << "the second is not looked at";
+  bench.folder.overwrite(order[0], toolFile(someTool(), {}));
+  EXPECT_EQ(Call{}("abc"), 1);
 }
 
 TEST(NamedToolsByHand, TakesAFullPathOf255CharactersAndEndsOn256) {

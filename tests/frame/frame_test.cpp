@@ -11,6 +11,7 @@
 
 #include "src/frame/entry.h"
 #include "src/frame/text.h"
+#include "src/part/part_layout.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
@@ -181,6 +182,29 @@ TEST(OutStream, OneByteIsStoredAsAnyOther) {
   EXPECT_EQ(TempFolder::read(path), Bytes().u8(7));
 }
 
+TEST(OutStream, AByteThatIsAllThereIsKeptWhereRoomIsMade) {
+  OutStream memory;
+  *memory.room(1) = std::byte{7};
+  ASSERT_NE(memory.room(100000), nullptr);
+  EXPECT_EQ(memory.bytes()[0], std::byte{7});
+
+  // In front of the last page the largest buffer holds whole pages and one byte.
+  const TempFolder folder;
+  const std::string path = folder.path("pages");
+  const File file = File::openToWrite(path.c_str());
+  OutStream stream(file.handle());
+  Bytes expected;
+  const auto store = [&](std::size_t size, std::uint8_t value) {
+    std::memset(stream.room(size), value, size);
+    expected.fill(size, value);
+  };
+  for (std::uint8_t page = 0; page < 255; ++page) store(4096, page);
+  store(1, 0xEE);
+  store(4096, 0xDD);
+  ASSERT_TRUE(stream.flush());
+  EXPECT_EQ(TempFolder::read(path) == expected, true);
+}
+
 TEST(Platform, OfAFolderTheFilesAreWalkedUpToTheFirstThatIsEnough) {
   const TempFolder folder;
   for (const char* name : {"a", "b", "c.spt"}) (void)folder.write(name, Bytes().u8(1));
@@ -239,6 +263,43 @@ TEST(OutStream, OnceFailedStaysFailed) {
   EXPECT_FALSE(io.fields(F(bytes, bytes)) && stream.flush());
   const std::string note(100000, 'n');
   EXPECT_FALSE(io.lengthText(F(note)) && io.reserved(4096) && stream.flush());
+}
+
+TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
+  // With room for `left` bytes in front of the hand-over that fails.
+  const auto fails = [](std::size_t left, const auto& verb) {
+    const File file = File::openToWrite("/dev/full");
+    OutStream stream(file.handle());
+    constexpr std::size_t kAll = std::size_t{1} << 20U;
+    EXPECT_NE(stream.room(kAll - left), nullptr);
+    EXPECT_EQ(stream.free().size(), left);
+    Writer io(stream, 180);
+    return !verb(io) && stream.failed();
+  };
+  const std::string note = "note";
+  const std::int32_t numbers[3] = {1, 2, 3};
+  const char text[8] = {};
+  std::vector<oldtorvio::Shape> shapes(2);
+  oldtorvio::Pattern pattern;
+  pattern.bindFirst.resize(1);
+  pattern.bindSecond.resize(1);
+  pattern.bindThird = pattern.bindFourth = pattern.bindFifth = {7};
+  const oldtorvio::BindColumns bindings(std::as_const(pattern));
+  for (const std::size_t left : {0U, 4U}) {
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.fields(F(numbers)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.lengthText(F(note)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.reserved(5); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.slice(F(numbers), 0, 1); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.leading(2, F(numbers)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.leading(3, F(numbers)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.sized(F(text), 8); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.textItem<8>(F(note)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.append(F(shapes)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.trailer(F(shapes), &oldtorvio::Shape::trailerValue); }))
+        << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.columns(F(bindings)); })) << left;
+  }
 }
 
 TEST(Text, FieldsKeepWhatStandsBehindTheNul) {

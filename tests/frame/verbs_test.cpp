@@ -183,12 +183,29 @@ TEST(Verbs, TailForgivesNoRefusal) {
   const auto walk = [&](const Bytes& bytes) {
     return readFrom(bytes, [&](InStream& s) {
       frame::Reader io(s, kVersion);
-      return io.tail([&] { return io.record(F(r)); }) && io.fields(F(behind));
+      const bool walked = io.tail([&] { return io.record(F(r)); }) && io.fields(F(behind));
+      EXPECT_EQ(io.stop(), walked ? frame::Stop::none : frame::Stop::refused);
+      return walked;
     });
   };
   EXPECT_FALSE(walk(Bytes().i32(1).i32(3).i32(9)));
   EXPECT_TRUE(walk(Bytes().i32(1).i32(2).i32(9)));
   EXPECT_EQ(behind, 9);
+}
+
+TEST(Verbs, AForgivingRunTellsThatItForgave) {
+  for (const std::size_t cut : {4U, 6U, 8U}) {
+    std::vector<std::int32_t> list;
+    const Bytes bytes = Bytes().i32(1).i32(2).cut(cut);
+    readFrom(bytes, [&](InStream& s) {
+      frame::Reader io(s, kVersion);
+      EXPECT_TRUE(io.forgivingRun(2, F(list)));
+      EXPECT_EQ(io.forgave(), cut < 8) << cut;
+      EXPECT_EQ(io.stop(), frame::Stop::none) << cut;
+      return true;
+    });
+    EXPECT_EQ(list, (std::vector<std::int32_t>{1, cut < 8 ? 0 : 2})) << cut;
+  }
 }
 
 TEST(Verbs, LenientEndsTheRecordWithSuccessWhateverFailedAndItsOwnerGoesOn) {

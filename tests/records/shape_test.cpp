@@ -611,15 +611,18 @@ TEST(ShapeList, IsStoredAsItsShapesOneByOneWhateverStandsInFront) {
     shape.values[0] = static_cast<float>(i);
     shape.note = std::string(static_cast<std::size_t>(i % 5), 'n');
   }
-  Bytes expected = Bytes().i32(-1).i32(1).i32(320);
-  for (const Shape& shape : list.shapes) expected.add(written([&](OutStream& s) { return WriteShape(s, 180, shape); }));
-  for (std::size_t front = 0; front < 160; ++front) {
-    const Bytes all = written([&](OutStream& s) {
-      std::byte* const to = s.room(front);
-      if (front > 0) std::memset(to, 0, front);
-      return WriteShapeList(s, 180, list);
-    });
-    ASSERT_EQ(all, Bytes().zeros(front).add(expected)) << front;
+  for (const int version : {61, 180}) {
+    Bytes expected = Bytes().i32(-1).i32(1).i32(320);
+    for (const Shape& shape : list.shapes)
+      expected.add(written([&](OutStream& s) { return WriteShape(s, version, shape); }));
+    for (std::size_t front = 0; front < 160; ++front) {
+      const Bytes all = written([&](OutStream& s) {
+        std::byte* const to = s.room(front);
+        if (front > 0) std::memset(to, 0, front);
+        return WriteShapeList(s, version, list);
+      });
+      ASSERT_EQ(all, Bytes().zeros(front).add(expected)) << front << " at " << version;
+    }
   }
 }
 

@@ -1262,6 +1262,7 @@ TEST(SheetKeysByHand, TheSkeletonsNameIsAFormatWithoutValues) {
       {"%9d%10d", "        0         0"},
       {"%1d%2d%+1d", "0 0+0"},
       {"%:", ":"},
+      {"%\x01", "\x01"},
       {"%/", "/"},
       {"C:\\n\\%s.prt", "C:\\n\\.prt"},
       {"a%nb", "ab"},
