@@ -131,6 +131,9 @@ struct Layout<T> {
 // Why a chain stopped: a tail forgives a short read, never a refusal, and then the record has ended.
 enum class Stop : std::uint8_t { none, shortRead, refused, ended };
 
+// The version for records that have no gate.
+inline constexpr int kWithoutGates = 0;
+
 // The gates, alike for every walker.
 template <class Self>
 class Gates {

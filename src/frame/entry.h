@@ -31,7 +31,7 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
     if (!file) return kNotOpened;
     InStream stream(file.handle());
     std::int16_t version = 0;
-    if (!readRecord(stream, 0, version)) return kDamaged;
+    if (!readUngated(stream, version)) return kDamaged;
     keep(version);
     if (!accepts(version)) return kWrongVersion;
     return read(stream, version);

@@ -52,7 +52,7 @@ class Sprinter : public Reading<Sprinter> {
 
 class Reader : public Reading<Reader> {
  public:
-  Reader(InStream& in, int version) : Reading(version), in_(in) {}
+  explicit Reader(InStream& in, int version = kWithoutGates) : Reading(version), in_(in) {}
 
   // A run of fields is checked once against what is there; only one that does not fit goes field by
   // field, so that exactly the whole fields are set.
@@ -186,6 +186,10 @@ template <class R, class... A>
 bool readRecord(InStream& stream, int version, R& record, const A&... more) {
   Reader reader(stream, version);
   return reader.whole(record, more...);
+}
+template <class R>
+bool readUngated(InStream& stream, R& record) {
+  return Reader(stream).whole(record);
 }
 
 }  // namespace oldtorvio::frame

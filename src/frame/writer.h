@@ -33,7 +33,7 @@ class LocalRoom {
 template <class Room>  // OutStream&, or LocalRoom for one small element
 class WriterInto : public Gates<WriterInto<Room>> {
  public:
-  WriterInto(Room out, int version) : Gates<WriterInto>(version), out_(out) {}
+  explicit WriterInto(Room out, int version = kWithoutGates) : Gates<WriterInto>(version), out_(out) {}
 
   const std::remove_reference_t<Room>& out() const { return out_; }
 
@@ -324,6 +324,10 @@ template <class R, class... A>
 bool writeRecord(OutStream& stream, int version, R&& record, const A&... more) {
   Writer writer(stream, version);
   return writer.whole(record, more...);
+}
+template <class R>
+bool writeUngated(OutStream& stream, R&& record) {
+  return Writer(stream).whole(record);
 }
 
 }  // namespace oldtorvio::frame

@@ -6,25 +6,21 @@
 namespace oldtorvio {
 
 using frame::readRecord;
+using frame::readUngated;
 using frame::resultOf;
 using frame::writeRecord;
+using frame::writeUngated;
 
-namespace {
-
-constexpr int kAnyVersion = 0;  // for records without a gate
-
-}  // namespace
-
-int ReadClampInfo(InStream& stream, ClampInfo& info) { return resultOf(readRecord(stream, kAnyVersion, info)); }
-bool WriteClampInfo(OutStream& stream, const ClampInfo& info) { return writeRecord(stream, kAnyVersion, info); }
+int ReadClampInfo(InStream& stream, ClampInfo& info) { return resultOf(readUngated(stream, info)); }
+bool WriteClampInfo(OutStream& stream, const ClampInfo& info) { return writeUngated(stream, info); }
 int ReadMachineFrame(InStream& stream, int version, MachineFrame& frame) {
   return resultOf(readRecord(stream, version, frame));
 }
 bool WriteMachineFrame(OutStream& stream, int version, const MachineFrame& frame) {
   return writeRecord(stream, version, frame);
 }
-int ReadWorkArea(InStream& stream, WorkArea& area) { return resultOf(readRecord(stream, kAnyVersion, area)); }
-bool WriteWorkArea(OutStream& stream, const WorkArea& area) { return writeRecord(stream, kAnyVersion, area); }
+int ReadWorkArea(InStream& stream, WorkArea& area) { return resultOf(readUngated(stream, area)); }
+bool WriteWorkArea(OutStream& stream, const WorkArea& area) { return writeUngated(stream, area); }
 int ReadShapeProgram(InStream& stream, int version, ShapeProgram& program) {
   return resultOf(readRecord(stream, version, program));
 }
@@ -37,19 +33,15 @@ int ReadShapeProgramEx(InStream& stream, int version, ShapeProgramEx& program) {
 bool WriteShapeProgramEx(OutStream& stream, int version, const ShapeProgramEx& program) {
   return writeRecord(stream, version, program);
 }
-int ReadMachineGrid(InStream& stream, MachineGrid& grid) { return resultOf(readRecord(stream, kAnyVersion, grid)); }
-bool WriteMachineGrid(OutStream& stream, const MachineGrid& grid) { return writeRecord(stream, kAnyVersion, grid); }
-int ReadGridSegment(InStream& stream, GridSegment& segment) {
-  return resultOf(readRecord(stream, kAnyVersion, segment));
-}
-bool WriteGridSegment(OutStream& stream, const GridSegment& segment) {
-  return writeRecord(stream, kAnyVersion, segment);
-}
+int ReadMachineGrid(InStream& stream, MachineGrid& grid) { return resultOf(readUngated(stream, grid)); }
+bool WriteMachineGrid(OutStream& stream, const MachineGrid& grid) { return writeUngated(stream, grid); }
+int ReadGridSegment(InStream& stream, GridSegment& segment) { return resultOf(readUngated(stream, segment)); }
+bool WriteGridSegment(OutStream& stream, const GridSegment& segment) { return writeUngated(stream, segment); }
 int ReadMachineExtension(InStream& stream, MachineExtension& extension) {
-  return resultOf(readRecord(stream, kAnyVersion, extension));
+  return resultOf(readUngated(stream, extension));
 }
 bool WriteMachineExtension(OutStream& stream, const MachineExtension& extension) {
-  return writeRecord(stream, kAnyVersion, extension);
+  return writeUngated(stream, extension);
 }
 int ReadMachineUnitTable(InStream& stream, int version, MachineUnitTable& table) {
   return resultOf(readRecord(stream, version, table));

@@ -112,7 +112,7 @@ std::int64_t walkBody(FileKind kind, Io& io) {
 std::optional<int> versionOf(const File& file) {
   InStream stream(file.handle());
   std::int16_t version = 0;
-  return readRecord(stream, 0, version) ? std::optional<int>(version) : std::nullopt;
+  return readUngated(stream, version) ? std::optional<int>(version) : std::nullopt;
 }
 
 }  // namespace
@@ -141,7 +141,7 @@ FileReport mapFile(const char* path, FileKind kind, const MapSink& sink) {
     sink(line);
   };
   if (!report.version || !isWholeTable(kind, *report.version)) {
-    Mapper head(stream, 0, counting);
+    Mapper head(stream, kWithoutGates, counting);
     std::int16_t version = 0;
     if (!head.fields(F(version))) {
       report.status = kDamaged;

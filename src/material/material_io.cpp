@@ -10,6 +10,7 @@ using frame::readRecord;
 using frame::resultOf;
 using frame::Writer;
 using frame::writeRecord;
+using frame::writeUngated;
 
 namespace {
 
@@ -25,15 +26,13 @@ bool writeList(OutStream& stream, int version, const List& list) {
   return io.countThenClear(F(list));
 }
 
-constexpr int kAnyVersion = 0;
-
 }  // namespace
 
 int ReadParamTable(InStream& stream, ParamTable& table) {
-  Reader io(stream, kAnyVersion);
+  Reader io(stream);
   return readParamTable(io, table);
 }
-bool WriteParamTable(OutStream& stream, const ParamTable& table) { return writeRecord(stream, kAnyVersion, table); }
+bool WriteParamTable(OutStream& stream, const ParamTable& table) { return writeUngated(stream, table); }
 
 int ReadSettingList(InStream& stream, int version, SettingList& list) { return readList(stream, version, list); }
 bool WriteSettingList(OutStream& stream, int version, const SettingList& list) {

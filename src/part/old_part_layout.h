@@ -16,8 +16,7 @@ namespace oldtorvio::frame {
 inline bool describeOldGeometry(auto& io, auto& s) {
   return io.repair(s, [](auto& r) { if (!keepsFirstFlag(r.type)) r.flags &= ~1U; })
       && io.fields(F(s.x, s.y))
-      && io.leading(oldValueCount(s.type), F(s.values))
-      && io.repair(s, [](auto& r) { if (r.type == 9) r.values[4] = 0; });
+      && io.leading(oldValueCount(s.type), F(s.values));
 }
 
 inline bool describeOldItem(auto& io, auto& i) {

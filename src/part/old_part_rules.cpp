@@ -247,7 +247,7 @@ void appendText(SetupList& list, const OldSetupRecord& record, const std::string
     const std::size_t length = std::min(kPiece, text.size() - i * kPiece);
     std::memcpy(stored.data() + 2, text.data() + i * kPiece, length);
     frame::InStream stream{std::span<const std::byte>(stored)};
-    frame::Reader io(stream, 0);
+    frame::Reader io(stream);
     SetupEntry& piece = list.entries.emplace_back();
     (void)frame::describeShortSetupEntry(io, piece);
   }

@@ -10,9 +10,11 @@ namespace oldtorvio {
 
 using frame::Reader;
 using frame::readRecord;
+using frame::readUngated;
 using frame::resultOf;
 using frame::Writer;
 using frame::writeRecord;
+using frame::writeUngated;
 
 namespace {
 
@@ -27,8 +29,6 @@ bool writeCountFirst(OutStream& stream, int version, const List& list) {
   Writer io(stream, version);
   return io.countFirst(F(list));
 }
-
-constexpr int kAnyVersion = 0;  // for records without a gate
 
 }  // namespace
 
@@ -65,11 +65,11 @@ bool WriteShapeList(OutStream& stream, int version, const ShapeList& list) {
   return writeRecord(stream, version, list);
 }
 int ReadShapeTrailer(InStream& stream, ShapeList& list) {
-  Reader io(stream, kAnyVersion);
+  Reader io(stream);
   return resultOf(frame::describeShapeTrailer(io, list));
 }
 bool WriteShapeTrailer(OutStream& stream, const ShapeList& list) {
-  Writer io(stream, kAnyVersion);
+  Writer io(stream);
   return frame::describeShapeTrailer(io, list);
 }
 
@@ -91,10 +91,10 @@ int ReadStepTableList(InStream& stream, int version, StepTableList& list) {
 bool WriteStepTableList(OutStream& stream, int version, const StepTableList& list) {
   return writeCountFirst(stream, version, list);
 }
-int ReadSetupEntry(InStream& stream, SetupEntry& entry) { return resultOf(readRecord(stream, kAnyVersion, entry)); }
-bool WriteSetupEntry(OutStream& stream, const SetupEntry& entry) { return writeRecord(stream, kAnyVersion, entry); }
-int ReadSetupList(InStream& stream, SetupList& list) { return resultOf(readRecord(stream, kAnyVersion, list)); }
-bool WriteSetupList(OutStream& stream, const SetupList& list) { return writeRecord(stream, kAnyVersion, list); }
+int ReadSetupEntry(InStream& stream, SetupEntry& entry) { return resultOf(readUngated(stream, entry)); }
+bool WriteSetupEntry(OutStream& stream, const SetupEntry& entry) { return writeUngated(stream, entry); }
+int ReadSetupList(InStream& stream, SetupList& list) { return resultOf(readUngated(stream, list)); }
+bool WriteSetupList(OutStream& stream, const SetupList& list) { return writeUngated(stream, list); }
 int ReadMotionBlock(InStream& stream, int version, MotionBlock& block) {
   return resultOf(readRecord(stream, version, block));
 }
@@ -129,9 +129,11 @@ int ReadWorkEntry(InStream& stream, int version, WorkEntry& entry) {
 bool WriteWorkEntry(OutStream& stream, int version, const WorkEntry& entry) {
   return writeRecord(stream, version, entry);
 }
-int ReadMarkEntry(InStream& stream, MarkEntry& entry) { return resultOf(readRecord(stream, kAnyVersion, entry)); }
-bool WriteMarkEntry(OutStream& stream, const MarkEntry& entry) { return writeRecord(stream, kAnyVersion, entry); }
-int ReadMarkList(InStream& stream, MarkList& list) { return readCountFirst(stream, kAnyVersion, list); }
-bool WriteMarkList(OutStream& stream, const MarkList& list) { return writeCountFirst(stream, kAnyVersion, list); }
+int ReadMarkEntry(InStream& stream, MarkEntry& entry) { return resultOf(readUngated(stream, entry)); }
+bool WriteMarkEntry(OutStream& stream, const MarkEntry& entry) { return writeUngated(stream, entry); }
+int ReadMarkList(InStream& stream, MarkList& list) { return readCountFirst(stream, frame::kWithoutGates, list); }
+bool WriteMarkList(OutStream& stream, const MarkList& list) {
+  return writeCountFirst(stream, frame::kWithoutGates, list);
+}
 
 }  // namespace oldtorvio

@@ -8,15 +8,11 @@ namespace oldtorvio {
 
 using frame::Reader;
 using frame::readRecord;
+using frame::readUngated;
 using frame::resultOf;
 using frame::Writer;
 using frame::writeRecord;
-
-namespace {
-
-constexpr int kAnyVersion = 0;  // for records without a gate
-
-}  // namespace
+using frame::writeUngated;
 
 int ReadSheetPartList(InStream& stream, int version, SheetPartList& list) {
   return resultOf(readRecord(stream, version, list));
@@ -24,12 +20,8 @@ int ReadSheetPartList(InStream& stream, int version, SheetPartList& list) {
 bool WriteSheetPartList(OutStream& stream, int version, const SheetPartList& list) {
   return writeRecord(stream, version, list);
 }
-int ReadSheetSetupList(InStream& stream, SheetSetupList& list) {
-  return resultOf(readRecord(stream, kAnyVersion, list));
-}
-bool WriteSheetSetupList(OutStream& stream, const SheetSetupList& list) {
-  return writeRecord(stream, kAnyVersion, list);
-}
+int ReadSheetSetupList(InStream& stream, SheetSetupList& list) { return resultOf(readUngated(stream, list)); }
+bool WriteSheetSetupList(OutStream& stream, const SheetSetupList& list) { return writeUngated(stream, list); }
 int ReadSheetTextEntries(InStream& stream, int version, std::vector<SheetTextEntry>& list) {
   Reader io(stream, version);
   return resultOf(io.countThenClear(F(list)));
@@ -47,11 +39,11 @@ bool WriteNamedWorkLists(OutStream& stream, int version, const std::vector<Named
   return io.append(F(list));
 }
 int ReadMachineExtensionEntries(InStream& stream, std::vector<MachineExtensionEntry>& list) {
-  Reader io(stream, kAnyVersion);
+  Reader io(stream);
   return resultOf(io.countFirst(F(list)));
 }
 bool WriteMachineExtensionEntries(OutStream& stream, const std::vector<MachineExtensionEntry>& list) {
-  Writer io(stream, kAnyVersion);
+  Writer io(stream);
   return io.countFirst(F(list));
 }
 bool ReadShapeWorkBlocks(InStream& stream, int version, std::vector<ShapeWorkBlock>& blocks) {
