@@ -230,6 +230,13 @@ TEST(FileMap, StatusIsThatOfTheLoad) {
   EXPECT_EQ(none.fault->offset, 0U);
   EXPECT_EQ(none.fault->path, "");
   EXPECT_EQ(statusOf(specialToolFile(80, {1}), map::FileKind::specialTool), -1) << "however sound";
+  EXPECT_EQ(statusOf(Bytes().i16(5).zeros(1000), map::FileKind::part), 0) << "version 5 with nothing in it";
+  EXPECT_EQ(statusOf(Bytes().i16(61).i16(53).zeros(1000), map::FileKind::material), -1) << "a table without a layout";
+  EXPECT_EQ(statusOf(Bytes().i16(61).i16(52).zeros(9000), map::FileKind::material), 1) << "a name of no length";
+  oldtorvio::SheetPartList group;
+  group.parts.emplace_back().patterns.emplace_back();
+  ASSERT_EQ(oldtorvio::SaveGroupPart(folder.path("g").c_str(), group, 300), 0);
+  EXPECT_EQ(map::checkFile(folder.path("g").c_str(), map::FileKind::groupPart).status, 0) << "no upper version";
   EXPECT_EQ(statusOf(Bytes().u8(1), map::FileKind::part), 1);
   EXPECT_EQ(statusOf(Bytes().i16(53), map::FileKind::part), -1);
   EXPECT_EQ(statusOf(Bytes().i16(5), map::FileKind::part), 1);

@@ -198,6 +198,10 @@ TEST(FormatTable, ConditionsAreFoundOutFromTheFieldsThatChangeThem) {
       {[](int v) { return v >= 0; }, "if asked is 0 or above"},
       {[](int v) { return v < 2; }, "if asked is 1 or below"},
       {[](int v) { return v == -1 || v == 1; }, "if asked is -1, 1"},
+      {[](int v) { return v != 2; }, "if asked is not 2"},
+      {[](int v) { return v != 3; }, "if asked is 2 or below"},
+      {[](int v) { return v != -2; }, "if asked is -1 or above"},
+      {[](int v) { return v == 4; }, "depends on earlier fields or on where it stands"},
       {[](int v) { return v == 32000; }, "depends on earlier fields or on where it stands"},
   };
   for (const Case& one : cases) {
@@ -208,6 +212,50 @@ TEST(FormatTable, ConditionsAreFoundOutFromTheFieldsThatChangeThem) {
     });
     EXPECT_NE(table.find(std::string("| stored | i32 | ") + one.text + " |\n"), std::string::npos) << table;
   }
+}
+
+TEST(FormatTable, NamesThatCountOnAreToldByTheFirstAndTheLast) {
+  const std::string table = FormatTeller::table([](FormatTeller& teller) {
+    std::int32_t a1 = 0, b2 = 0, c3 = 0, v0 = 0, v1 = 0, v2 = 0, w = 0, w0 = 0, w1 = 0, x9 = 0, x10 = 0, x11 = 0;
+    std::int32_t y1 = 0, y2 = 0, m123456 = 0, m123457 = 0, m123458 = 0, n1234567 = 0, n1234568 = 0, n1234569 = 0;
+    EXPECT_TRUE(teller.fields(F(a1, b2, c3, v0, v1, v2, w, w0, w1, x9, x10, x11, y1, y2, m123456, m123457, m123458,
+                                n1234567, n1234568, n1234569)));
+  });
+  EXPECT_EQ(rowsOf(table).back(),
+            "| a1, b2, c3, v0 to v2, w, w0, w1, x9 to x11, y1, y2, m123456 to m123458, n1234567, n1234568, n1234569 "
+            "| i32 each | |");
+}
+
+TEST(FormatTable, TheLeastOfEachVerbIsToldAsAnyOther) {
+  const std::string table = FormatTeller::table([](FormatTeller& teller) {
+    std::int32_t blockSize = 0, kind = 0, early = 0, number = 0, inRow[2] = {};
+    float turn = 0;
+    char text[8] = {};
+    EXPECT_TRUE(teller.fields(F(blockSize, kind)) && teller.range(F(kind), 0, 3) && teller.atMost(F(kind), 2) &&
+                teller.sized(F(text), blockSize) && teller.since(1, F(early)) && teller.reserved(1) &&
+                teller.since(80, F(turn), frame::otherwise(1.5707964F)) &&
+                teller.rows(1, [&](std::size_t i) { return teller.fields(F(inRow[i])); }) && teller.record(F(number)));
+  });
+  const std::vector<std::string> expected{
+      "| blockSize, kind | i32 each | kind refused outside 0 to 3; kind refused above 2 |",
+      "| text | text blockSize | |",
+      "| early | i32 | since 1 |",
+      "| reserved | 1 bytes | dropped |",
+      "| turn | f32 | since 80; 1.5708 below |",
+      "| inRow[i] | i32 | for each of 1 |",
+      "| number.value | i32 | |"};
+  std::vector<std::string> rows = rowsOf(table);
+  rows.erase(rows.begin(), rows.begin() + 2);
+  EXPECT_EQ(rows, expected);
+}
+
+TEST(FormatTable, RecordsWithoutAPageHaveTheirColumns) {
+  const std::string pattern = map::recordTable("pattern");
+  EXPECT_NE(pattern.find("| bindings | i32 count and rows | "), std::string::npos) << pattern;
+  EXPECT_NE(pattern.find("a count below 1 keeps the columns |\n"), std::string::npos);
+  EXPECT_NE(pattern.find("| bindings[i].third | "), std::string::npos);
+  EXPECT_NE(map::recordTable("material-body").find("| name | length text | "), std::string::npos);
+  EXPECT_NE(map::formatTable(map::FileKind::part).find("partKind"), std::string::npos);
 }
 
 TEST(FormatTable, AConditionOfTwoFieldsIsOnlyToldToDependOnThem) {

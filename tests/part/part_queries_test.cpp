@@ -95,6 +95,13 @@ TEST_F(PartQueries, UnknownKeysAndNullsGiveOneAndLeaveTheValue) {
   EXPECT_STREQ(text, "unchanged");
 }
 
+TEST(PartQuery, AngleOfAPartWithoutPatternsIsZero) {
+  const TempFolder folder;
+  char text[32] = "unchanged";
+  EXPECT_EQ(GetOldPartInfo_v1(folder.write("5", Bytes().i16(5).zeros(1000)).c_str(), "angle", text), 0);
+  EXPECT_STREQ(text, "0");
+}
+
 TEST_F(PartQueries, AngleIsThatOfTheFirstPattern) {
   const struct {
     float cosine, sine;

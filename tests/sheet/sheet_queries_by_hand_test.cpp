@@ -1316,10 +1316,10 @@ TEST(SheetKeysByHand, TheCutAreaSumsTheSeventhValueOfShapesWithTheRightMark) {
     int type;
     float mark;
     bool counts;
-  } marks[] = {{17, -0.17456F, true},   {17, -0.1747F, false},  {17, -0.17447F, true},  {17, -0.17445F, false},
-               {17, -0.17465F, true},   {17, -0.17467F, false}, {17, -0.1745F, true},   {17, 0.17456F, false},
-               {17, 0, false},          {17, nan, false},       {16, -0.17456F, false}, {18, -0.17456F, false},
-               {-17, -0.17456F, false}, {7, -0.17456F, false}};
+  } marks[] = {{17, -0.17456F, true},   {17, -0.1747F, false},  {17, -0.17447F, true},   {17, -0.17445F, false},
+               {17, -0.17465F, true},   {17, -0.17467F, false}, {17, -0.1745F, true},    {17, -0.174661F, false},
+               {17, -0.174458F, false}, {17, 0.17456F, false},  {17, 0, false},          {17, nan, false},
+               {16, -0.17456F, false},  {18, -0.17456F, false}, {-17, -0.17456F, false}, {7, -0.17456F, false}};
   for (const auto& one : marks) {
     const auto sheet = std::make_unique<OldSheet>();
     sheet->skeletonShapes.shapes.resize(1);

@@ -491,7 +491,7 @@ TEST(InventoryByHand, NamesASpecialToolByTheBaseNameOfItsFile) {
                                                                {"folder\\", ""},
                                                                {"name.", "name"},
                                                                {"", ""},
-                                                               {std::string("TOOL\0x.y", 8), "TOOL"},
+                                                               {std::string("TOOL\0x/y.z", 10), "TOOL"},
                                                                {std::string(256, 'n'), std::string(256, 'n')},
                                                                {std::string(252, 'n') + ".spt", std::string(252, 'n')}};
   std::vector<OldTool> tools;
@@ -611,6 +611,19 @@ std::pair<Bytes, OldMacro> madeMacro(int version, const MacroForm& form = {}) {
 int readMacro(const Bytes& bytes, int version, OldMacro& macro, std::size_t* consumed = nullptr) {
   return readFrom(
       bytes, [&](InStream& s) { return ReadMacro(s, version, macro); }, consumed);
+}
+
+TEST(LoadsIntoNothing, AnswerMinusTwo) {
+  const TempFolder folder;
+  const std::string file = folder.write("f", Bytes().i16(60).zeros(2000));
+  EXPECT_EQ(LoadOldToolInventory(file.c_str(), nullptr), -2);
+  EXPECT_EQ(LoadOldMacro(file.c_str(), nullptr), -2);
+  EXPECT_EQ(LoadOldSpecialTool(file.c_str(), nullptr), -2);
+  EXPECT_EQ(LoadOldMaterial(file.c_str(), nullptr), -2);
+  EXPECT_EQ(LoadOldMachine(file.c_str(), nullptr), -2);
+  EXPECT_EQ(LoadOldPart(file.c_str(), nullptr), -2);
+  EXPECT_EQ(LoadGroupPart(file.c_str(), nullptr), -2);
+  EXPECT_EQ(LoadOldSheet(file.c_str(), nullptr), -2);
 }
 
 TEST(MacroByHand, AFreshMacroIsZeroAndEmpty) {

@@ -110,6 +110,18 @@ TEST(SpecialToolFile, FirstSymmetryByteAddsToWhatTheDimensionSays) {
   }
 }
 
+TEST(SpecialToolFile, OfAToolOfAnotherShapeTheByteAloneHoldsTheFlags) {
+  for (const std::uint32_t flags : {0U, 1U, 2U}) {
+    OldSpecialTool tool, again;
+    tool.tool.shapeCode = 1;
+    tool.tool.dimension3 = 1;
+    tool.tool.symmetryFlags = flags;
+    const Bytes stored = written([&](auto& s) { return WriteSpecialTool(s, 110, tool); });
+    ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, 110, again); }), 0);
+    EXPECT_EQ(again.tool.symmetryFlags, flags);
+  }
+}
+
 TEST(SpecialToolFile, WriterRefusesVersionsThatTheLoaderRefuses) {
   const TempFolder folder;
   const OldSpecialTool tool;
