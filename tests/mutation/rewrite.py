@@ -174,6 +174,19 @@ class Source:
         match = self.tokens[i].match
         return (match if match is not None and match > i else i) + 1
 
+    def is_read_first(self, i):
+        """Whether token i is the first value of a local whose next mention has it filled."""
+        tokens = self.tokens
+        if tokens[i - 1].text != "=" or tokens[i + 1].text not in (",", ";"):
+            return False
+        name = tokens[i - 2].text
+        mention = next((j for j in range(i, len(tokens)) if tokens[j].text == name), None)
+        if mention is None or tokens[mention - 1].text in (".", "->", "::"):
+            return False
+        calls = [tokens[k - 1].text for k in range(i, mention)
+                 if tokens[k].text == "(" and tokens[k].match > mention]
+        return bool({"F", "readCount", "countFor", "readUngated"} & set(calls))
+
     # ---- what is left alone ----
 
     def find_left_alone(self):
@@ -273,6 +286,8 @@ class Source:
             before = tokens[i - 1] if i else None
             after = tokens[i + 1] if i + 1 < len(tokens) else None
             if token.kind in ("number", "char") or token.text in ("true", "false"):
+                if not why and token.text == "0" and self.is_read_first(i):
+                    why = "first value of what is read, or counted, before anything looks at it"
                 if why:
                     self.skip(token, why)
                     continue
