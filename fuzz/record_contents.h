@@ -341,7 +341,7 @@ class RecordTeller : public frame::Gates<RecordTeller<Sink>> {
 
   void all(auto&... members) { (one(members), ...); }
   template <class M>
-  void one(const M& member) {
+  [[gnu::always_inline]] void one(const M& member) {
     static_assert(std::is_arithmetic_v<std::remove_all_extents_t<M>>);
     sink_.bytes(&member, sizeof member);
   }
@@ -400,8 +400,10 @@ class ContentBytes {
     ++turn_;
     listCount_ = 0;
   }
-  void bytes(const void* from, std::size_t size) {
-    if (bytes_.size() - used_ < size) bytes_.resize(2 * (bytes_.size() + size));
+  // In place, where the size of most is known.
+  [[gnu::always_inline]] void bytes(const void* from, std::size_t size) {
+    if (bytes_.size() - used_ < size) [[unlikely]]
+      grow(size);
     if (size > 0) std::memcpy(bytes_.data() + used_, from, size);
     used_ += size;
   }
@@ -428,6 +430,8 @@ class ContentBytes {
     std::uint64_t turn = 0;
   };
   static constexpr std::size_t kMostLists = 8192;
+
+  [[gnu::noinline]] void grow(std::size_t size) { bytes_.resize(2 * (bytes_.size() + size)); }
 
   std::vector<std::byte> bytes_;
   std::size_t used_ = 0;
