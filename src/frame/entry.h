@@ -38,17 +38,22 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
   });
 }
 
+// Stores what write(stream) gives and closes the file.
+template <class Write>
+std::int64_t storeInto(File& file, Write&& write) {
+  OutStream stream(file.handle());
+  const bool stored = write(stream);
+  const bool flushed = stream.flush();
+  const bool closed = file.close();
+  return stored && flushed && closed ? kDone : kNotSaved;
+}
+
 // Creates `path` and stores what write(stream) gives. A failed write leaves what had been stored before.
 template <class Write>
 std::int64_t saveUnversioned(const char* path, Write&& write) noexcept {
   return guarded(kNotSaved, [&]() -> std::int64_t {
     File file = File::openToWrite(path);
-    if (!file) return kNotOpened;
-    OutStream stream(file.handle());
-    const bool stored = write(stream);
-    const bool flushed = stream.flush();
-    const bool closed = file.close();
-    return stored && flushed && closed ? kDone : kNotSaved;
+    return file ? storeInto(file, write) : kNotOpened;
   });
 }
 
@@ -60,11 +65,9 @@ std::int64_t saveFile(const char* path, int version, Accepts&& accepts, Write&& 
     File file = File::openToWrite(path);
     if (!file) return kNotOpened;
     if (!accepts(version)) return kWrongVersion;
-    OutStream stream(file.handle());
-    const bool stored = writeRecord(stream, version, static_cast<std::int16_t>(version)) && write(stream);
-    const bool flushed = stream.flush();
-    const bool closed = file.close();
-    return stored && flushed && closed ? kDone : kNotSaved;
+    return storeInto(file, [&](OutStream& stream) {
+      return writeRecord(stream, version, static_cast<std::int16_t>(version)) && write(stream);
+    });
   });
 }
 

@@ -11,6 +11,7 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/map.h"
+#include "src/frame/platform.h"
 #include "src/machine/machine_io.h"
 #include "src/map/file_map.h"
 #include "src/material/material_io.h"
@@ -298,6 +299,75 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFileForTheOtherKinds) {
     inventory.specialToolFiles.resize(kMany / 4);
     ofInventory("files of special tools");
   }
+}
+
+// ---- a disk that is full ----------------------------------------------------------------------
+
+// Stores with room for 0, 1, 2, ... bytes in front of the hand-over that fails, up to all that is stored.
+template <class Write>
+void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& write) {
+  constexpr std::size_t kAll = std::size_t{1} << 20U;
+  const std::size_t size = written(write).size();
+  ASSERT_LT(size, kAll) << what;
+  const std::size_t step = size / 3000 + 1;
+  for (std::size_t left = 0; left < size; left += step) {
+    const frame::File file = frame::File::openToWrite("/dev/full");
+    OutStream stream(file.handle());
+    ASSERT_NE(stream.room(kAll - left), nullptr);
+    ASSERT_FALSE(write(stream)) << what << ", full behind " << left << " of " << size;
+    ASSERT_TRUE(stream.failed()) << what << ", full behind " << left << " of " << size;
+  }
+}
+
+TEST(FullDisk, FailsTheSaveOfARecordWhereverItTakesNoMore) {
+  if (!frame::File::openToWrite("/dev/full")) GTEST_SKIP() << "no device that is always full";
+  for (const int version : {54, 110, 152, 180}) {
+    const auto check = [&](const std::string& what, const auto& write) {
+      expectFailuresWhereverTheFileIsFull(what + " of version " + std::to_string(version), write);
+    };
+    RandomRecords random(12, 1);
+    const auto machine = std::make_unique<OldMachine>();
+    fullMachine(random, machine.get(), version);
+    machine->gridA.cellByteCount = machine->gridB.cellByteCount = 20;
+    check("a machine", [&](OutStream& to) { return WriteOldMachine(to, version, nullptr, *machine, false); });
+    const auto material = std::make_unique<OldMaterial>();
+    random.material(*material);
+    check("a material", [&](OutStream& to) { return WriteOldMaterialBody(to, version, *material); });
+    const OldToolInventory inventory = random.toolInventory();
+    check("an inventory", [&](OutStream& to) { return WriteToolInventory(to, version, inventory); });
+    const OldMacro macro = random.macro();
+    check("a macro", [&](OutStream& to) { return WriteMacro(to, version, macro); });
+    const auto part = std::make_unique<TorvPart>();
+    random.part(*part, version);
+    check("a part", [&](OutStream& to) { return WritePartBody(to, version, false, *part); });
+    const auto sheet = std::make_unique<OldSheet>();
+    fullSheet(*sheet, version);
+    check("a sheet", [&](OutStream& to) { return WriteOldSheet(to, version, *sheet); });
+    if (version < 152) continue;
+    // Behind blocks that cannot be stored the save goes on, and tells of the disk at its end.
+    sheet->blocks.resize(2);
+    sheet->blocks[1].blockShapes.shapes.resize(1);
+    const std::size_t size = written([&](auto& to) { return WriteOldSheet(to, version, *sheet); }).size();
+    for (std::size_t left = size < 400 ? 0 : size - 400; left < size; ++left) {
+      const frame::File file = frame::File::openToWrite("/dev/full");
+      OutStream stream(file.handle());
+      ASSERT_NE(stream.room((std::size_t{1} << 20U) - left), nullptr);
+      ASSERT_FALSE(WriteOldSheet(stream, version, *sheet) && stream.flush()) << left << " of " << size;
+      ASSERT_TRUE(stream.failed()) << left << " of " << size;
+    }
+  }
+}
+
+TEST(FullDisk, AMaterialWhoseTableOrBodyCannotBeStoredIsNotSaved) {
+  const TempFolder folder;
+  const std::string path = folder.path("material");
+  const auto material = std::make_unique<OldMaterial>();
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), -2) << "a table without a name";
+  material->params.version = 52;
+  material->params.nameLength = 1;
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), 0);
+  material->name = std::string(10001, 'n');
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), -2) << "a name that no load takes";
 }
 
 // ---- failing allocations -------------------------------------------------------------------------

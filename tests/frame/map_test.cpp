@@ -290,6 +290,8 @@ TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
   list.parts.emplace_back().patterns.emplace_back();
   ASSERT_EQ(oldtorvio::SaveGroupPart(folder.path("g").c_str(), list, 180), 0);
   EXPECT_EQ(map::detectKind(folder.path("g")), Kind::groupPart);
+  EXPECT_EQ(map::detectKind(""), std::nullopt);
+  EXPECT_EQ(map::detectKind("?"), std::nullopt);
   for (const int version : partVersions())
     EXPECT_EQ(map::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
   for (const int version : {52, 60, 111, 162, 180}) {
