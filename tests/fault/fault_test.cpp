@@ -577,6 +577,40 @@ TEST(OutOfMemory, AnswersByKeyGiveOneAndLeaveTheValue) {
   }
 }
 
+TEST(OutOfMemory, GroupIdsGiveOneAndLeaveTheValue) {
+  const auto sheet = std::make_unique<OldSheet>();
+  sheet->partList.parts.resize(1);
+  sheet->partList.parts[0].patterns.resize(20);
+  for (Pattern& pattern : sheet->partList.parts[0].patterns) pattern.patternWord = 123456789;
+  std::string value(4096, '#');
+  expectOnFailure<std::int64_t>(1, [&] {
+    const std::int64_t status = GetOldSheetInfoPartGroupIDs(sheet.get(), value.data());
+    EXPECT_EQ(value[0] == '#', status != 0);
+    value.assign(value.size(), '#');
+    return status;
+  });
+}
+
+// Of the sheet, whose version is looked at first, 1; of the part -2; behind that the edit is nobody's business.
+TEST(OutOfMemory, APartAsSkeletonGivesOneThenMinusTwoThenZero) {
+  const TempFolder folder;
+  const std::string sheet = folder.write("s", sheetFile(180)), part = folder.write("p", partFile(180));
+  std::vector<std::int64_t> statuses;
+  for (std::size_t n = 0;; ++n) {
+    folder.write("s", sheetFile(180));
+    bool happened = false;
+    std::int64_t status = 0;
+    {
+      const FailingAllocation failing(n, false);
+      status = ReplaceSheetSknPatListWithPartPatList(sheet.c_str(), part.c_str());
+      happened = failing.happened();
+    }
+    if (statuses.empty() || statuses.back() != status) statuses.push_back(status);
+    if (!happened) break;
+  }
+  EXPECT_EQ(statuses, (std::vector<std::int64_t>{1, -2, 0}));
+}
+
 // What these answer behind a first look at the version is 0, also when memory ran out: with untouched outputs.
 TEST(OutOfMemory, QueriesAboutASheetFileGiveZeroBehindTheVersionWordAndLeaveTheirOutputs) {
   const Bytes sheet = sheetFile(180);

@@ -251,7 +251,7 @@ def run_mutants(program, jobs, sites, tests, longest, explained):
             if how == "passed":
                 result = "survived"
             else:
-                killer = tests[int(number)].name if int(number) >= 0 else "no test"
+                killer = tests[int(number)].name if int(number) >= 0 else "what is set up for all tests"
                 good[int(number)] += 1
                 result = f"killed by {killer}" + ("" if how == "failed" else f" ({how})")
         with lock:

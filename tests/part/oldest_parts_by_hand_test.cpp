@@ -14,6 +14,7 @@
 
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
+#include "src/part/old_part_rules.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 
@@ -284,6 +285,21 @@ TEST(Version5ByHand, CutAnywhereAnswersOneAndKeepsWhatArrivedWhole) {
     const Loaded five(file.cut(cut));
     EXPECT_EQ(five.status, 1) << cut;
     expectArrivals(*five.part, all, cut);
+  }
+}
+
+TEST(OldShapeConverter, AHeadThatIsAMemberItselfLiesInItsOwnFrame) {
+  for (const float angle : {0.5F, -1.25F, 3.0F}) {
+    oldtorvio::Shape head;
+    head.type = 7;
+    head.flags = 128;
+    head.x = 3;
+    head.y = 4;
+    head.values[2] = angle;
+    oldtorvio::OldShapeConverter(true).convert(head, 0);
+    EXPECT_NEAR(head.x, 0, 1e-5) << angle;
+    EXPECT_NEAR(head.y, 0, 1e-5) << angle;
+    EXPECT_NEAR(head.values[2], 0, 1e-5) << angle;
   }
 }
 
