@@ -327,9 +327,12 @@ TEST(FullDisk, FailsTheSaveOfARecordWhereverItTakesNoMore) {
     };
     RandomRecords random(12, 1);
     const auto machine = std::make_unique<OldMachine>();
+    ShapeList sheetShapes;
     fullMachine(random, machine.get(), version);
     machine->gridA.cellByteCount = machine->gridB.cellByteCount = 20;
     check("a machine", [&](OutStream& to) { return WriteOldMachine(to, version, nullptr, *machine, false); });
+    check("a sheet's machine",
+          [&](OutStream& to) { return WriteOldMachine(to, version, &sheetShapes, *machine, true); });
     const auto material = std::make_unique<OldMaterial>();
     random.material(*material);
     check("a material", [&](OutStream& to) { return WriteOldMaterialBody(to, version, *material); });
