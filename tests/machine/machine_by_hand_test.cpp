@@ -1,6 +1,7 @@
 // The machine body and its tables against bytes put together row by row.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -30,6 +31,7 @@ struct Form {
   int width = 256, secondWidth = 256;
   int blockMode = 2, gridMode = 2, programMode = 1;
   int segments = 2;
+  std::int32_t lateLength = 5;  // of what stands unread behind it
 };
 
 struct MachineMaker : Maker {
@@ -531,8 +533,9 @@ void storedSince110(M& m, int version, const Form& form, OldMachine& x) {
     n.order(68);
     n.raw(Bytes().fill(13 * 8 + 2 * 4, form.writer ? 0 : 0x5A));
     n.order(69);
-    n.stored(form.writer ? 0 : 5);
-    n.raw(Bytes().fill(form.writer ? 0 : 5, 0x5B));
+    const std::int32_t length = form.writer ? 0 : form.lateLength;
+    n.stored(length);
+    n.raw(Bytes().fill(static_cast<std::size_t>(std::max(length, 0)), 0x5B));
   });
   m.order(70);
   since(m, version >= 141, [&](auto& n) { numbers(n, x.lateByteB); });
@@ -1090,6 +1093,21 @@ TEST(MachineBodyByHand, AbsentFieldsKeepWhatTheRecordHoldsButForTheGivenValues) 
   EXPECT_EQ(x->material.name, "brass");
   EXPECT_EQ(x->gridA.cellByteCount, 37);
   EXPECT_EQ(x->blockA[0], Made(180, Form()).machine->blockA[0]);
+}
+
+TEST(MachineBodyByHand, DropsAsManyLateBytesAsTheirLengthSaysAndNoneBelowOne) {
+  for (const int version : {130, 140, 141, 152, 180})
+    for (const std::int32_t length : {std::numeric_limits<std::int32_t>::min(), -1, 0, 1, 2, 300, 50000}) {
+      Form form;
+      form.lateLength = length;
+      const Made made(version, form);
+      auto x = fresh();
+      std::size_t consumed = 0;
+      ASSERT_EQ(read(made.m.bytes, version, *x, nullptr, &consumed), 0) << version << " " << length;
+      EXPECT_EQ(consumed, made.m.bytes.size()) << version << " " << length;
+      EXPECT_EQ(x->lateByteB, version < 141 ? fresh()->lateByteB : made.machine->lateByteB) << version << " " << length;
+      EXPECT_EQ(x->stepTables.size(), made.machine->stepTables.size()) << version << " " << length;
+    }
 }
 
 TEST(MachineBodyByHand, DefaultsBelowAVersionAreSetWhereTheItemWouldStand) {
