@@ -14,6 +14,7 @@
 #include "src/part/part_layout.h"
 #include "src/sheet/sheet_io.h"
 #include "src/sheet/sheet_layout.h"
+#include "tests/support/sheet_keys.h"
 
 namespace {
 
@@ -25,21 +26,6 @@ using bench::registerPrepared;
 using bench::registerQuery;
 using bench::registerTimed;
 using bench::require;
-
-constexpr const char* kKeys[] = {"Material_Group",
-                                 "width",
-                                 "height",
-                                 "part_count",
-                                 "partfulldosname_and_count",
-                                 "partfulldosname_and_count_and_wonumber",
-                                 "partname_and_count_and_wonumber",
-                                 "part_details_01",
-                                 "sheet_mat_type",
-                                 "sheet_thickness",
-                                 "preSkeletonDosName",
-                                 "totalSknPartCutArea",
-                                 "sheet_utilization",
-                                 "sheet_sequence_size"};
 
 enum class Way { floor, fread };
 
@@ -112,7 +98,8 @@ void registerQueries(const SheetCase& one) {
   });
   query("GetOldSheetInfoByName, all keys", [longText, &one](const char*) {
     std::int64_t failed = 0;
-    for (const char* key : kKeys) failed |= GetOldSheetInfoByName(one.like.get(), key, longText->data());
+    for (const char* key : testing_support::kSheetKeys)
+      failed |= GetOldSheetInfoByName(one.like.get(), key, longText->data());
     return failed;
   });
   query("GetOldSheetInfoPartGroupIDs",

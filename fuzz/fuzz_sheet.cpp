@@ -10,6 +10,7 @@
 #include "src/frame/writer.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/sheet_hazards.h"
+#include "tests/support/sheet_keys.h"
 
 using namespace oldtorvio;
 using testing_support::blocksCanBeStored;
@@ -62,10 +63,7 @@ void askByKey(const OldSheet& sheet) {
   std::size_t room = 2048;
   for (const TorvPart& part : sheet.partList.parts) room += 1024 + 12 * part.patterns.size();
   std::vector<char> answer(room);
-  for (const char* key : {"Material_Group", "width", "height", "part_count", "partfulldosname_and_count",
-                          "partfulldosname_and_count_and_wonumber", "partname_and_count_and_wonumber",
-                          "part_details_01", "sheet_mat_type", "sheet_thickness", "preSkeletonDosName",
-                          "totalSknPartCutArea", "sheet_utilization", "sheet_sequence_size"}) {
+  for (const char* key : testing_support::kSheetKeys) {
     fuzzing::expect(GetOldSheetInfoByName(&sheet, key, answer.data()) == 0);
     fuzzing::expect(std::strlen(answer.data()) < room);
   }

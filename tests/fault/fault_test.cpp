@@ -26,6 +26,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
+#include "tests/support/sheet_keys.h"
 
 namespace {
 
@@ -786,11 +787,7 @@ void callSheets(const std::string& folder, bool withCurrentSheet) {
   OldSheet* handle = nullptr;
   ASSERT_EQ(GetOldSheetHandle(path.c_str(), &handle), 0);
   std::string text(4096, '\0');
-  for (const char* key : {"Material_Group", "width", "height", "part_count", "partfulldosname_and_count",
-                          "partfulldosname_and_count_and_wonumber", "partname_and_count_and_wonumber",
-                          "part_details_01", "sheet_mat_type", "sheet_thickness", "preSkeletonDosName",
-                          "totalSknPartCutArea", "sheet_utilization", "sheet_sequence_size"})
-    EXPECT_EQ(GetOldSheetInfoByName(handle, key, text.data()), 0);
+  for (const char* key : kSheetKeys) EXPECT_EQ(GetOldSheetInfoByName(handle, key, text.data()), 0);
   EXPECT_STREQ(text.c_str(), "2");
   EXPECT_EQ(GetOldSheetInfoPartGroupIDs(handle, text.data()), 0);
   FreeSheetHandle(handle);

@@ -33,6 +33,7 @@
 #include "tests/support/part_files.h"
 #include "tests/support/sheet_files.h"
 #include "tests/support/sheet_hazards.h"
+#include "tests/support/sheet_keys.h"
 
 namespace {
 
@@ -174,9 +175,7 @@ void askSheet(const char* path, std::int64_t status, const OldSheet& sheet) {
   std::size_t room = 2048;
   for (const TorvPart& part : sheet.partList.parts) room += 1024 + 12 * part.patterns.size();
   std::vector<char> answer(room);
-  for (const char* key : {"Material_Group", "width", "part_count", "partfulldosname_and_count_and_wonumber",
-                          "part_details_01", "preSkeletonDosName", "totalSknPartCutArea", "sheet_sequence_size"})
-    EXPECT_EQ(GetOldSheetInfoByName(&sheet, key, answer.data()), 0);
+  for (const char* key : kSheetKeys) EXPECT_EQ(GetOldSheetInfoByName(&sheet, key, answer.data()), 0);
   EXPECT_EQ(GetOldSheetInfoPartGroupIDs(&sheet, answer.data()), 0);
 
   const std::int64_t quiet = frame::isKnownSheetVersion(sheet.version) ? 0 : -1;

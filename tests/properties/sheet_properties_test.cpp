@@ -25,6 +25,7 @@
 #include "tests/support/files.h"
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/sheet_keys.h"
 
 namespace {
 
@@ -921,23 +922,6 @@ void useTheStations(OldSheet& sheet, int version) {
   slots(sheet.processSlots, sheet.processSlotCount);
 }
 
-const char* const kKeys[] = {"Material_Group",
-                             "width",
-                             "height",
-                             "part_count",
-                             "partfulldosname_and_count",
-                             "partfulldosname_and_count_and_wonumber",
-                             "partname_and_count_and_wonumber",
-                             "part_details_01",
-                             "sheet_mat_type",
-                             "sheet_thickness",
-                             "preSkeletonDosName",
-                             "totalSknPartCutArea",
-                             "sheet_utilization",
-                             "sheet_sequence_size",
-                             "no such key",
-                             ""};
-
 TEST(SheetQuestions, LeaveNoTraceInTheFileTheProcessOrTheRecord) {
   const TempFolder folder;
   std::vector<char> answer(100'000);
@@ -955,7 +939,9 @@ TEST(SheetQuestions, LeaveNoTraceInTheFileTheProcessOrTheRecord) {
       const Sheet owner(handle);
       const Bytes stored = sheetBody(*handle, version);
       const Bytes held = Bytes::of(std::as_bytes(std::span(handle, 1)));
-      for (const char* key : kKeys) {
+      std::vector<const char*> keys(std::begin(kSheetKeys), std::end(kSheetKeys));
+      keys.insert(keys.end(), {"no such key", ""});
+      for (const char* key : keys) {
         ASSERT_EQ(GetOldSheetInfoByName(handle, key, answer.data()), 0) << key;
         ASSERT_TRUE(Bytes::of(std::as_bytes(std::span(handle, 1))) == held) << key << " of " << version;
       }

@@ -14,6 +14,7 @@
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/sheet_keys.h"
 
 namespace testing_support {
 namespace {
@@ -251,21 +252,6 @@ PreparedCall toolOfInventory(const Exports& e, const std::string& path, std::int
       },
       currentInventory(e, path));
 }
-
-constexpr const char* kSheetKeys[] = {"Material_Group",
-                                      "width",
-                                      "height",
-                                      "part_count",
-                                      "partfulldosname_and_count",
-                                      "partfulldosname_and_count_and_wonumber",
-                                      "partname_and_count_and_wonumber",
-                                      "part_details_01",
-                                      "sheet_mat_type",
-                                      "sheet_thickness",
-                                      "preSkeletonDosName",
-                                      "totalSknPartCutArea",
-                                      "sheet_utilization",
-                                      "sheet_sequence_size"};
 
 bool fillsLists(OldSheet& sheet) {
   fullSheet(sheet, 180);
