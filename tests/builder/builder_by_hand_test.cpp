@@ -374,7 +374,6 @@ TEST(NamedToolsByHand, EachNamedShapeGetsAStationAndAToolOfItsOwn) {
 
   InitTorvPart(30.0F, 20.0F, 0.05F, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
   *bench.part = TorvPart();
-  const WinIni again(bench.setting());
   ASSERT_EQ(Call{}("PUNCH1"), 1);
   bench.station(someTool(), Call{}.itemWord2);
   Call{}.model(bench, 1);
@@ -489,8 +488,7 @@ TEST(NamedToolsByHand, TakesAFullPathOf255CharactersAndEndsOn256) {
     }
   }
   bench.folder.write("a.spt", toolFile(someTool(), {}));
-  const WinIni again(bench.setting());  // the process that ended may have left its own
-  EXPECT_EQ(Call{}("a"), 2);            // a long path that is not the one asked for does no harm
+  EXPECT_EQ(Call{}("a"), 2);  // a long path that is not the one asked for does no harm
   EXPECT_EQ(Call{}(std::string(4000, 'z').c_str()), -1);
 }
 

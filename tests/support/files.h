@@ -1,5 +1,6 @@
 // Files and folders of one test's own, removed with it, and a "win.ini" to find special tools by.
 #pragma once
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -64,11 +65,18 @@ class WinIni {
  public:
 #if defined(_WIN32)
   explicit WinIni(const std::string& content) : path_(systemFolder() + "\\win.ini"), before_(TempFolder::read(path_)) {
+    // The process of a death test changes the file that the one that waits for it goes on with.
+    if (outermost_ == nullptr) {
+      outermost_ = this;
+      std::signal(SIGABRT, [](int) { outermost_->putBack(); });
+    }
     std::ofstream(path_, std::ios::binary) << content;
   }
   ~WinIni() {
-    std::ofstream to(path_, std::ios::binary);
-    to.write(reinterpret_cast<const char*>(before_.span().data()), static_cast<std::streamsize>(before_.size()));
+    putBack();
+    if (outermost_ != this) return;
+    std::signal(SIGABRT, SIG_DFL);
+    outermost_ = nullptr;
   }
 #else
   explicit WinIni(const std::string& content) {
@@ -92,6 +100,12 @@ class WinIni {
 
  private:
 #if defined(_WIN32)
+  void putBack() const {
+    std::ofstream to(path_, std::ios::binary);
+    to.write(reinterpret_cast<const char*>(before_.span().data()), static_cast<std::streamsize>(before_.size()));
+  }
+
+  inline static const WinIni* outermost_ = nullptr;
   SystemFolderLock lock_;
   std::string path_;
   Bytes before_;
