@@ -40,9 +40,9 @@ namespace frame = oldtorvio::frame;
 // What is told goes to sink.bytes(at, size); sink.list(list) says that a list begins there, and answers
 // whether it is to be told: descriptions name some in two branches of which a file takes one.
 template <class Sink>
-class RecordTeller : public frame::Gates<RecordTeller<Sink>> {
+class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
  public:
-  RecordTeller(Sink& sink, Extent extent) : frame::Gates<RecordTeller>(0), sink_(sink), extent_(extent) {}
+  RecordTeller(Sink& sink, Extent extent) : frame::Faultless<RecordTeller>(0), sink_(sink), extent_(extent) {}
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const frame::Fields<Names, T...>& f) {
@@ -78,10 +78,6 @@ class RecordTeller : public frame::Gates<RecordTeller<Sink>> {
     auto& all = x.only();
     sink_.bytes(&all[first], (last - first + 1) * sizeof all[0]);
     return true;
-  }
-  template <class X>
-  [[nodiscard]] bool nonZero(const X& x) {
-    return fields(x);
   }
   template <class X>
   [[nodiscard]] bool sized(const X& x, std::int32_t size) {
@@ -137,28 +133,8 @@ class RecordTeller : public frame::Gates<RecordTeller<Sink>> {
     return record;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool repair(const R&, const Fn&) {
-    return true;
-  }
-  template <class R, class Fn>
   [[nodiscard]] bool rewrite(const R&, const Fn&) {
     return true;
-  }
-  template <class X>
-  [[nodiscard]] bool tail(const X& x) {
-    return this->walk(x);
-  }
-  template <class X>
-  [[nodiscard]] bool lenient(const X& x) {
-    return this->walk(x);
-  }
-  template <class X>
-  [[nodiscard]] bool ignored(const X& x) {
-    return this->walk(x);
-  }
-  template <class X, class Rest>
-  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
-    return this->walk(x) && rest();
   }
   template <class Read, class Written>
   [[nodiscard]] bool differs(const Read& read, const Written&) {
@@ -180,14 +156,6 @@ class RecordTeller : public frame::Gates<RecordTeller<Sink>> {
     if (extent_ == Extent::all) arrays(record);
     return frame::Layout<R>::describe(*this, record, more...);
   }
-  template <class X, class... A>
-  [[nodiscard]] bool record(const X& x, const A&... more) {
-    return whole(x.only(), more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool replaced(const X& x, const A&... more) {
-    return whole(x.only(), more...);
-  }
 
   template <class V>
   std::int32_t countOf(const V& list) const {
@@ -204,10 +172,6 @@ class RecordTeller : public frame::Gates<RecordTeller<Sink>> {
   template <class X, class... A>
   [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
     return list(x.only(), more...);
-  }
-  template <class X>
-  [[nodiscard]] bool clear(const X&) {
-    return true;
   }
   template <class X, class... A>
   [[nodiscard]] bool append(const X& x, const A&... more) {

@@ -178,4 +178,48 @@ class Gates {
   int version_;
 };
 
+// What is alike for walkers that meet no file, so no fault of one.
+template <class Self>
+class Faultless : public Gates<Self> {
+ public:
+  using Gates<Self>::Gates;
+
+  template <class X>
+  [[nodiscard]] bool nonZero(const X& x) {
+    return this->walk(x);
+  }
+  template <class X>
+  [[nodiscard]] bool tail(const X& x) {
+    return this->walk(x);
+  }
+  template <class X>
+  [[nodiscard]] bool lenient(const X& x) {
+    return this->walk(x);
+  }
+  template <class X>
+  [[nodiscard]] bool ignored(const X& x) {
+    return this->walk(x);
+  }
+  template <class X, class Rest>
+  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
+    return this->walk(x) && rest();
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool repair(const R&, const Fn&) {
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool clear(const X&) {
+    return true;
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool record(const X& x, const A&... more) {
+    return this->self().whole(x.only(), more...);
+  }
+  template <class X, class... A>
+  [[nodiscard]] bool replaced(const X& x, const A&... more) {
+    return this->self().whole(x.only(), more...);
+  }
+};
+
 }  // namespace oldtorvio::frame

@@ -15,6 +15,8 @@
 #include <array>
 #include <cstring>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "src/frame/describe.h"
@@ -231,7 +233,9 @@ class Reading : public Gates<Self> {
   template <class X, class... A>
   [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
     std::int32_t count = 0;
-    return readCount(x, count) && clear(x) && appendRun(count, x, more...);
+    if (!readCount(x, count)) return false;
+    x.only().clear();
+    return appendRun(count, x, more...);
   }
   template <class X>
   [[nodiscard]] bool clear(const X& x) {
@@ -248,6 +252,7 @@ class Reading : public Gates<Self> {
     auto& list = x.only();
     using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
     makeRoom(list, count, leastOf<Element>());
+    if constexpr (kHoldsLists<Element>) return appendHolders(count, x, more...);
     for (std::int64_t i = self().quickRun(list, count, more...); i < count;
          i += 1 + self().quickRun(list, count - i - 1, more...)) {
       self().enter(x.names, i);
@@ -473,8 +478,52 @@ class Reading : public Gates<Self> {
   }
   template <class V>
   void makeRoom(V& list, std::int64_t count, std::size_t least) {
-    list.reserve(list.size() + roomFor(count, least));
+    const std::size_t room = roomFor(count, least);
+    for (Holders* around = holders_; around != nullptr && room > 0; around = around->around)
+      if (room * least + around->claimed > self().left()) around->giveBack(around->list);
+    list.reserve(list.size() + room);
   }
+
+  // A list whose elements hold lists, while one of these is read. Where a file claims more for a list inside
+  // and for the elements behind than it holds, the rooms of both would add up: the outer one gives its back.
+  // So the element at hand stands beside its list until it is whole.
+  struct Holders {
+    Holders* around;
+    std::uint64_t claimed;  // bytes that the elements behind the one at hand take at least
+    void* list;
+    void (*giveBack)(void* list);
+  };
+  template <class Element>
+  static constexpr bool kHoldsLists = !std::is_trivially_copyable_v<Element> && !Sprints<Element>;
+
+  template <class X, class... A>
+  bool appendHolders(std::int64_t count, const X& x, const A&... more) {
+    auto& list = x.only();
+    using List = std::remove_cvref_t<decltype(list)>;
+    const std::size_t least = leastOf<typename List::value_type>();
+    Holders here{holders_, 0, &list, [](void* all) { giveBackRoom(*static_cast<List*>(all)); }};
+    for (std::int64_t i = 0; i < count; ++i) {
+      const std::uint64_t room = list.capacity() - list.size();
+      here.claimed = (std::max<std::uint64_t>(std::min<std::uint64_t>(room, count - i), 1) - 1) * least;
+      holders_ = &here;
+      typename List::value_type element;
+      self().enter(x.names, i);
+      const bool ok = whole(element, more...);
+      self().leave();
+      holders_ = here.around;
+      if (!ok) return false;
+      if (list.size() == list.capacity()) list.reserve(grown(list.size(), 1 + roomFor(count - i - 1, least)));
+      list.push_back(std::move(element));
+    }
+    return true;
+  }
+  // Room that is mostly used is kept: it would be asked for again.
+  template <class V>
+  static void giveBackRoom(V& list) {
+    if (list.size() < list.capacity() / 2) list.shrink_to_fit();
+  }
+  // Growing copies, and for a while there are both: so by doubling up to a quarter of what can be, then to all.
+  static std::size_t grown(std::size_t size, std::size_t more) { return size < more / 3 ? 2 * size + 1 : size + more; }
 
   template <class M, class D, std::size_t... I>
   static void assign(const M& members, const D& defaults, std::index_sequence<I...>) {
@@ -484,6 +533,7 @@ class Reading : public Gates<Self> {
 
   Stop stop_ = Stop::none;
   bool forgave_ = false;
+  Holders* holders_ = nullptr;
 };
 
 }  // namespace oldtorvio::frame

@@ -31,9 +31,9 @@ class LocalRoom {
 };
 
 template <class Room>  // OutStream&, or LocalRoom for one small element
-class WriterInto : public Gates<WriterInto<Room>> {
+class WriterInto : public Faultless<WriterInto<Room>> {
  public:
-  explicit WriterInto(Room out, int version = kWithoutGates) : Gates<WriterInto>(version), out_(out) {}
+  explicit WriterInto(Room out, int version = kWithoutGates) : Faultless<WriterInto>(version), out_(out) {}
 
   const std::remove_reference_t<Room>& out() const { return out_; }
 
@@ -109,10 +109,6 @@ class WriterInto : public Gates<WriterInto<Room>> {
     for (std::size_t i = first; i <= last; ++i, to += Item::kWidth) Item::store(all[i], to);
     return true;
   }
-  template <class X>
-  [[nodiscard]] bool nonZero(const X& x) {
-    return fields(x);
-  }
 
   template <class X, class T>
   [[nodiscard]] bool range(const X& x, T lowest, T highest) {
@@ -125,26 +121,6 @@ class WriterInto : public Gates<WriterInto<Room>> {
   template <class R>
   static const R& unchanged(const R& record) {
     return record;
-  }
-  template <class R, class Fn>
-  [[nodiscard]] bool repair(const R&, const Fn&) {
-    return true;
-  }
-  template <class X>
-  [[nodiscard]] bool tail(const X& x) {
-    return this->walk(x);
-  }
-  template <class X>
-  [[nodiscard]] bool lenient(const X& x) {
-    return this->walk(x);
-  }
-  template <class X>
-  [[nodiscard]] bool ignored(const X& x) {
-    return this->walk(x);
-  }
-  template <class X, class Rest>
-  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
-    return this->walk(x) && rest();
   }
   template <class Read, class Written>
   [[nodiscard]] bool differs(const Read&, const Written& written) {
@@ -168,14 +144,6 @@ class WriterInto : public Gates<WriterInto<Room>> {
   [[nodiscard]] bool whole(R& record, const A&... more) {
     return Layout<std::remove_const_t<R>>::describe(*this, record, more...);
   }
-  template <class X, class... A>
-  [[nodiscard]] bool record(const X& x, const A&... more) {
-    return whole(x.only(), more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool replaced(const X& x, const A&... more) {
-    return whole(x.only(), more...);
-  }
 
   // A list too long for its count cannot be stored: -1 then makes every verb that takes it fail.
   template <class V>
@@ -193,10 +161,6 @@ class WriterInto : public Gates<WriterInto<Room>> {
   template <class X, class... A>
   [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
     return append(x, more...);
-  }
-  template <class X>
-  [[nodiscard]] bool clear(const X&) {
-    return true;
   }
   template <class X, class... A>
   [[nodiscard]] bool append(const X& x, const A&... more) {

@@ -60,6 +60,29 @@ class TempFolder {
   std::filesystem::path folder_;
 };
 
+// While it lives, a variable of the environment has that value, or none.
+class Environment {
+ public:
+  Environment(const char* name, const std::optional<std::string>& value) : name_(name) {
+    if (const char* before = std::getenv(name)) before_ = before;
+    set(value);
+  }
+  ~Environment() { set(before_); }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+
+ private:
+  void set(const std::optional<std::string>& value) const {
+    if (value)
+      setEnvironment(name_, *value);
+    else
+      unsetEnvironment(name_);
+  }
+
+  const char* name_;
+  std::optional<std::string> before_;
+};
+
 // While it lives, special tools are looked for by the given text of "win.ini" and no other.
 class WinIni {
  public:
@@ -82,12 +105,6 @@ class WinIni {
   explicit WinIni(const std::string& content) {
     std::filesystem::create_directory(folder_.path("OldTorvIO"));
     std::ofstream(folder_.path("OldTorvIO") + "/win.ini", std::ios::binary) << content;
-    setEnvironment("XDG_CONFIG_HOME", folder_.path());
-    setEnvironment("XDG_CONFIG_DIRS", folder_.path("nothing"));
-  }
-  ~WinIni() {
-    unsetEnvironment("XDG_CONFIG_HOME");
-    unsetEnvironment("XDG_CONFIG_DIRS");
   }
 #endif
   WinIni(const WinIni&) = delete;
@@ -111,6 +128,8 @@ class WinIni {
   Bytes before_;
 #else
   TempFolder folder_;
+  Environment home_{"XDG_CONFIG_HOME", folder_.path()};
+  Environment others_{"XDG_CONFIG_DIRS", folder_.path("nothing")};
 #endif
 };
 

@@ -317,8 +317,8 @@ TEST(SpecialToolFolder, LooksInTheUsersConfigurationAndThenInTheSystems) {
     std::filesystem::create_directories(folder.path("OldTorvIO"));
     std::ofstream(folder.path("OldTorvIO") + "/win.ini") << WinIni::folderSetting(value);
   };
-  setEnvironment("XDG_CONFIG_HOME", user.path());
-  setEnvironment("XDG_CONFIG_DIRS", ("relative::" + first.path() + ":" + second.path()));
+  const Environment ofUser("XDG_CONFIG_HOME", user.path());
+  const Environment ofOthers("XDG_CONFIG_DIRS", "relative::" + first.path() + ":" + second.path());
   EXPECT_EQ(GetSpecialToolFolder(), "C:\\KESTRADA\\SPECTOOL\\");
   configure(second, "second");
   EXPECT_EQ(GetSpecialToolFolder(), "second");
@@ -330,17 +330,14 @@ TEST(SpecialToolFolder, LooksInTheUsersConfigurationAndThenInTheSystems) {
   const TempFolder home;
   std::filesystem::create_directories(home.path(".config/OldTorvIO"));
   std::ofstream(home.path(".config/OldTorvIO/win.ini")) << WinIni::folderSetting("home");
-  const std::string before = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "";
-  unsetEnvironment("XDG_CONFIG_HOME");
-  setEnvironment("HOME", home.path());
+  const Environment unnamed("XDG_CONFIG_HOME", std::nullopt), atHome("HOME", home.path());
   EXPECT_EQ(GetSpecialToolFolder(), "home");
-  unsetEnvironment("HOME");
+  const Environment homeless("HOME", std::nullopt);
   EXPECT_EQ(GetSpecialToolFolder(), "first");
-  setEnvironment("XDG_CONFIG_DIRS", second.path());
+  const Environment ofOneOther("XDG_CONFIG_DIRS", second.path());
   EXPECT_EQ(GetSpecialToolFolder(), "second");
-  unsetEnvironment("XDG_CONFIG_DIRS");
+  const Environment ofNoOther("XDG_CONFIG_DIRS", std::nullopt);
   (void)GetSpecialToolFolder();  // the system's own folder, whatever it holds
-  setEnvironment("HOME", before);
 }
 
 TEST(SpecialToolFolder, IsNeverLookedUpInTheWorkingDirectory) {
@@ -350,11 +347,8 @@ TEST(SpecialToolFolder, IsNeverLookedUpInTheWorkingDirectory) {
   std::ofstream(here.path("win.ini")) << WinIni::folderSetting("here");
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(here.path());
-  setEnvironment("XDG_CONFIG_HOME", ".");
-  setEnvironment("XDG_CONFIG_DIRS", ".");
+  const Environment ofUser("XDG_CONFIG_HOME", "."), ofOthers("XDG_CONFIG_DIRS", ".");
   EXPECT_EQ(GetSpecialToolFolder(), "C:\\KESTRADA\\SPECTOOL\\");
-  unsetEnvironment("XDG_CONFIG_HOME");
-  unsetEnvironment("XDG_CONFIG_DIRS");
   std::filesystem::current_path(before);
 }
 #endif
