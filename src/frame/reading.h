@@ -480,7 +480,8 @@ class Reading : public Gates<Self> {
   void makeRoom(V& list, std::int64_t count, std::size_t least) {
     const std::size_t room = roomFor(count, least);
     for (Holders* around = holders_; around != nullptr && room > 0; around = around->around)
-      if (room * least + around->claimed > self().left()) around->giveBack(around->list);
+      if (around->giveBack != nullptr && std::uint64_t{room} * least + around->claimed > self().left())
+        std::exchange(around->giveBack, nullptr)(around->list);
     list.reserve(list.size() + room);
   }
 
@@ -491,7 +492,7 @@ class Reading : public Gates<Self> {
     Holders* around;
     std::uint64_t claimed;  // bytes that the elements behind the one at hand take at least
     void* list;
-    void (*giveBack)(void* list);
+    void (*giveBack)(void* list);  // none when it was called: each time may copy what came so far
   };
   template <class Element>
   static constexpr bool kHoldsLists = !std::is_trivially_copyable_v<Element> && !Sprints<Element>;
@@ -503,8 +504,8 @@ class Reading : public Gates<Self> {
     const std::size_t least = leastOf<typename List::value_type>();
     Holders here{holders_, 0, &list, [](void* all) { giveBackRoom(*static_cast<List*>(all)); }};
     for (std::int64_t i = 0; i < count; ++i) {
-      const std::uint64_t room = list.capacity() - list.size();
-      here.claimed = (std::max<std::uint64_t>(std::min<std::uint64_t>(room, count - i), 1) - 1) * least;
+      const std::int64_t behind = std::min(count - i, static_cast<std::int64_t>(list.capacity() - list.size())) - 1;
+      here.claimed = behind > 0 ? static_cast<std::uint64_t>(behind) * least : 0;
       holders_ = &here;
       typename List::value_type element;
       self().enter(x.names, i);

@@ -7,8 +7,7 @@ A template is told once a line however often it is instantiated: what any instan
 reaches counts. Branches are the conditions of the source and both of their outcomes; the edges that a
 compiler makes for exceptions are none. tests/coverage/exceptions.txt lists what need not be reached, each
 with its reason; an entry that was reached is named, but is no error: half of the outcomes are differences of
-two counts, which tests of many threads or processes that end on the way can leave a little apart. Ends with 1
-for anything left.
+two counts, which processes that end on the way can leave a little apart. Ends with 1 for anything left.
 """
 import glob
 import json

@@ -1,6 +1,7 @@
 // Hostile counts, memory, failing allocations, small stacks and threads.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <bit>
 #include <cstring>
@@ -189,6 +190,43 @@ TEST(HostileFiles, AListThatClaimsTooMuchHoldsAllThatCame) {
         EXPECT_EQ(one.patterns[0].items.size(), 1U);
         EXPECT_EQ(one.stepTables.size(), 1U);
       }
+    }
+  }
+}
+
+// However much has come when the lists inside begin to claim.
+TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimBehindSoundElements) {
+  constexpr std::size_t kSize = 2U << 20U;
+  const std::string most("\x00\x94\x35\x77", 4);  // two billion
+  for (const int version : {62, 80, 180}) {
+    const auto stored = [&](std::size_t count, auto change) {
+      SheetPartList list;
+      list.parts.resize(count);
+      for (TorvPart& part : list.parts) part.patterns.resize(1);
+      change(list.parts[0]);
+      const Bytes all = written([&](auto& s) { return WriteSheetPartList(s, version, list); });
+      return std::string(reinterpret_cast<const char*>(all.span().data()), all.size());
+    };
+    const auto noChange = [](TorvPart&) {};
+    const std::string one = stored(1, noChange);
+    const auto firstChange = [&](auto change) {
+      const std::string other = stored(1, change);
+      return static_cast<std::size_t>(std::mismatch(one.begin(), one.end(), other.begin()).first - one.begin());
+    };
+    const std::size_t patterns = firstChange([](TorvPart& part) { part.patterns.resize(2); });
+    const std::size_t items = firstChange([](TorvPart& part) { part.patterns[0].items.resize(1); });
+    const std::size_t step = stored(2, noChange).size() - one.size();
+    for (std::size_t eighths = 0; eighths < 8; ++eighths) {
+      const std::size_t sound = eighths * kSize / 8 / step;
+      std::string file = stored(sound + 1, noChange).substr(0, sound * step + items) + most;
+      file.replace(0, 4, most).replace(sound * step + patterns, 4, most).resize(kSize);
+      const Bytes bytes = Bytes::of(std::as_bytes(std::span(file)));
+      SheetPartList loaded;
+      const AllocationMeter meter;
+      const int status = readFrom(bytes, [&](InStream& from) { return ReadSheetPartList(from, version, loaded); });
+      EXPECT_LE(meter.peak(), 16 * file.size() + kMiB) << version << ", " << eighths << " eighths";
+      EXPECT_EQ(status, 1);
+      EXPECT_EQ(loaded.parts.size(), sound);
     }
   }
 }
@@ -949,6 +987,7 @@ TEST_F(WholeLibrary, EveryExportWorksOnAStackOf64Kibibytes) {
 }
 
 TEST_F(WholeLibrary, EightThreadsAskOneSheet) {
+  if (isCounted()) GTEST_SKIP() << "threads that count at once lose counts";
   OldSheet* sheet = nullptr;
   ASSERT_EQ(GetOldSheetHandle(folder_.path("sheet").c_str(), &sheet), 0);
   const std::vector<std::string> keys = {"part_details_01", "preSkeletonDosName", "sheet_utilization", "width"};
@@ -973,6 +1012,7 @@ TEST_F(WholeLibrary, EightThreadsAskOneSheet) {
 }
 
 TEST_F(WholeLibrary, EightThreadsOnTheirOwnRecords) {
+  if (isCounted()) GTEST_SKIP() << "threads that count at once lose counts";
   std::vector<std::thread> threads;
   for (int t = 0; t < 8; ++t)
     threads.emplace_back([&, t] {
