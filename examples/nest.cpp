@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "OldTorvIO.h"
-#include "OldTorvIO/records.h"
 
 using namespace oldtorvio;
 
@@ -20,10 +20,10 @@ constexpr int kShapesOfAPart = 16;  // each worked by a station of its own
 constexpr int kPunches = 36;        // the stations that the parts use
 constexpr int kSpecialTool = 37, kSlotTool = 38, kUnusedTool = 39, kLaser = 40;
 
-// The fields of a fresh record are empty, so that the text ends where it should.
+// Sets a text of a record. All texts of this nest fit their fields.
 template <std::size_t N>
 void put(char (&field)[N], std::string_view text) {
-  std::copy_n(text.begin(), std::min(text.size(), N - 1), field);
+  if (!setFixedText(field, text)) throw std::length_error(std::string(text));
 }
 
 std::string twoDigits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }

@@ -304,12 +304,12 @@ TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
 
 TEST(Text, FieldsKeepWhatStandsBehindTheNul) {
   char field[8] = {'1', '2', '3', '4', '5', '6', '7', '8'};
-  EXPECT_EQ(textOf(field), "12345678");
+  EXPECT_EQ(fixedText(field), "12345678");
   setText(field, "ab");
-  EXPECT_EQ(textOf(field), "ab");
+  EXPECT_EQ(fixedText(field), "ab");
   EXPECT_EQ(field[3], '4');
   setText(field, "");
-  EXPECT_EQ(textOf(field), "");
+  EXPECT_EQ(fixedText(field), "");
   EXPECT_EQ(field[1], 'b');
   EXPECT_DEATH(setText(field, "12345678"), "");
 }
