@@ -27,13 +27,13 @@ cd "$work/files"
 echo '== torvio check: all files, and apart the sheet of version 112 that its edit made unreadable'
 mkdir ../apart
 mv edited_112.sheet ../apart
-"$build/tools/torvio" check ./*
+"$build/bin/torvio" check ./*
 damaged=0
-"$build/tools/torvio" check --kind sheet ../apart/edited_112.sheet || damaged=$?
+"$build/bin/torvio" check --kind sheet ../apart/edited_112.sheet || damaged=$?
 [ "$damaged" = 1 ]
 echo '== torvio map tab.mac'
-"$build/tools/torvio" map tab.mac
+"$build/bin/torvio" map tab.mac
 echo '== torvio map nest_180.sheet'
-"$build/tools/torvio" map nest_180.sheet >../nest.map
+"$build/bin/torvio" map nest_180.sheet >../nest.map
 head -n 40 ../nest.map
 echo "... and $(($(wc -l <../nest.map) - 40)) more lines"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Lines and branches of src/ that the tests reach, from what a clang build counted.
+"""Lines and branches of src/, include/ and torvio/explain/ that the tests reach, from what a clang build counted.
 
 usage: report.py TOP PROFILES BINARY [BINARY ...]
 
@@ -31,7 +31,7 @@ def exported(binary, others, profile, top, form):
 
 
 def is_library(name):
-    return name.startswith(("src/", "include/"))
+    return name.startswith(("src/", "include/", "torvio/explain/"))
 
 
 def lines_of(lcov, top):

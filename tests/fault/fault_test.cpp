@@ -15,10 +15,8 @@
 #include <vector>
 
 #include "OldTorvIO.h"
-#include "src/frame/map.h"
 #include "src/frame/platform.h"
 #include "src/machine/machine_io.h"
-#include "src/map/file_map.h"
 #include "src/material/material_io.h"
 #include "src/part/part_io.h"
 #include "src/sheet/sheet_io.h"
@@ -32,6 +30,8 @@
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_keys.h"
+#include "torvio/explain/file_map.h"
+#include "torvio/explain/map.h"
 
 namespace {
 

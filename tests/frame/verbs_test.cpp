@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "src/frame/map.h"
 #include "src/frame/reader.h"
 #include "src/frame/writer.h"
 #include "tests/support/bytes.h"
+#include "torvio/explain/map.h"
 
 namespace {
 

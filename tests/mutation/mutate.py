@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""A mutation run: each comparison, constant and condition of src/ and include/ is changed once, and a
-test has to notice. See "The mutation run" in HACKING.md.
+"""A mutation run: each comparison, constant and condition of src/, include/ and torvio/explain/ is
+changed once, and a test has to notice. See "The mutation run" in HACKING.md.
 
   mutate.py [--again] [--only TEXT] [--longest SECONDS] [--thorough] [--jobs N] [--sources]
 
@@ -39,7 +39,7 @@ BY_HAND = [
      "static const T* const all = new (room) T(); return *all; }"),
     ("include/OldTorvIO/lazy_array.h", ": kDefault;", ": kDefault();"),
     # A constant integer is computed by the compiler where it can be.
-    ("src/map/format_teller.h", "const char kind = std", "char kind = std"),
+    ("torvio/explain/format_teller.h", "const char kind = std", "char kind = std"),
 ]
 
 
@@ -55,8 +55,8 @@ def plain_source(file):
 
 def rewrite_all():
     """Writes the rewritten sources and gives all sites and what was skipped."""
-    files = sorted(str(p.relative_to(TOP)) for folder in ("src", "include") for p in (TOP / folder).rglob("*")
-                   if p.suffix in (".h", ".cpp"))
+    files = sorted(str(p.relative_to(TOP)) for folder in ("src", "include", "torvio/explain")
+                   for p in (TOP / folder).rglob("*") if p.suffix in (".h", ".cpp"))
     ids = itertools.count(1)
     shared, own, sources = set(), {}, []
     shared_tables = {}

@@ -25,8 +25,8 @@
 #include <string>
 #include <vector>
 
-#include "src/map/format_table.h"
 #include "tests/mutation/switch.h"
+#include "torvio/explain/format_table.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
-#include "src/frame/map.h"
 #include "src/part/part_io.h"
 #include "src/part/part_layout.h"
 #include "src/records/record_io.h"
 #include "tests/support/stored_forms.h"
+#include "torvio/explain/map.h"
 
 namespace {
 

@@ -9,12 +9,12 @@
 
 #include "OldTorvIO.h"
 #include "src/machine/machine_io.h"
-#include "src/map/file_map.h"
 #include "src/material/material_io.h"
 #include "src/tooling/inventory_io.h"
 #include "src/tooling/macro_io.h"
 #include "tests/support/files.h"
 #include "tests/support/random_records.h"
+#include "torvio/explain/file_map.h"
 
 namespace {
 

@@ -18,7 +18,6 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/text.h"
-#include "src/map/file_map.h"
 #include "src/part/part_io.h"
 #include "src/records/record_io.h"
 #include "src/sheet/sheet_io.h"
@@ -26,6 +25,7 @@
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
 #include "tests/support/sheet_keys.h"
+#include "torvio/explain/file_map.h"
 
 namespace {
 

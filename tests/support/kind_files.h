@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "src/map/file_map.h"
 #include "tests/support/bytes.h"
 #include "tests/support/random_records.h"
+#include "torvio/explain/file_map.h"
 
 namespace testing_support {
 

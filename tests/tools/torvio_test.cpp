@@ -5,11 +5,11 @@
 #include <memory>
 #include <optional>
 
-#include "src/map/format_table.h"
 #include "src/part/part_io.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 #include "tests/support/part_files.h"
+#include "torvio/explain/format_table.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "tools/commands.h"
+#include "torvio/cli/commands.h"
 
 #include <algorithm>
 #include <cstdio>
 
-#include "src/map/detect.h"
-#include "src/map/format_table.h"
+#include "torvio/explain/detect.h"
+#include "torvio/explain/format_table.h"
 
 namespace torvio {
 namespace {

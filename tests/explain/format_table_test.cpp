@@ -1,5 +1,5 @@
 // Stored forms told as tables.
-#include "src/map/format_table.h"
+#include "torvio/explain/format_table.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <memory>
 #include <set>
 
-#include "src/map/format_teller.h"
+#include "torvio/explain/format_teller.h"
 
 namespace {
 

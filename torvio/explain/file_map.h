@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "src/frame/map.h"
+#include "torvio/explain/map.h"
 
 namespace oldtorvio::map {
 

@@ -1,4 +1,4 @@
-#include "src/map/file_map.h"
+#include "torvio/explain/file_map.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "src/map/format_teller.h"
+#include "torvio/explain/format_teller.h"
 
 #include <algorithm>
 #include <cctype>

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "src/map/file_map.h"
+#include "torvio/explain/file_map.h"
 
 namespace oldtorvio::map {
 

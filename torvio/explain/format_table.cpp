@@ -1,11 +1,10 @@
-#include "src/map/format_table.h"
+#include "torvio/explain/format_table.h"
 
 #include <algorithm>
 #include <array>
 #include <memory>
 
 #include "src/machine/machine_layout.h"
-#include "src/map/format_teller.h"
 #include "src/material/material_layout.h"
 #include "src/part/old_part_layout.h"
 #include "src/part/part_layout.h"
@@ -13,6 +12,7 @@
 #include "src/tooling/inventory_layout.h"
 #include "src/tooling/macro_layout.h"
 #include "src/tooling/special_tool_layout.h"
+#include "torvio/explain/format_teller.h"
 
 namespace oldtorvio::map {
 

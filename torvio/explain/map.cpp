@@ -1,4 +1,4 @@
-#include "src/frame/map.h"
+#include "torvio/explain/map.h"
 
 #include <algorithm>
 #include <charconv>

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "src/map/file_map.h"
+#include "torvio/explain/file_map.h"
 
 namespace oldtorvio::map {
 

@@ -1,5 +1,5 @@
 // The words of the map.
-#include "src/frame/map.h"
+#include "torvio/explain/map.h"
 
 #include <gtest/gtest.h>
 
@@ -9,14 +9,14 @@
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
 #include "src/frame/writer.h"
-#include "src/map/detect.h"
-#include "src/map/file_map.h"
 #include "src/part/part_io.h"
 #include "src/records/shape_layout.h"
 #include "src/records/small_layouts.h"
 #include "src/records/tool_layout.h"
 #include "tests/support/files.h"
 #include "tests/support/part_files.h"
+#include "torvio/explain/detect.h"
+#include "torvio/explain/file_map.h"
 
 namespace {
 

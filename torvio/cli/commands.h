@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "src/map/file_map.h"
+#include "torvio/explain/file_map.h"
 
 namespace torvio {
 

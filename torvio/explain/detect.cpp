@@ -1,4 +1,4 @@
-#include "src/map/detect.h"
+#include "torvio/explain/detect.h"
 
 #include <tuple>
 

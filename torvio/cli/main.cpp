@@ -4,7 +4,7 @@
 #include <exception>
 #include <map>
 
-#include "tools/commands.h"
+#include "torvio/cli/commands.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "src/frame/describe.h"
-#include "src/frame/map.h"
+#include "torvio/explain/map.h"
 
 namespace oldtorvio::map {
 
