@@ -942,22 +942,19 @@ TEST(SaveOldSheetByHand, AFreshSheetCanBeSavedAndLoadedAtEveryVersion) {
   }
 }
 
-TEST(SaveOldSheetByHand, OnlyATableOfVersionZeroIsReplacedAndOnlyWithItTheMachinesWidth) {
+TEST(SaveOldSheetByHand, OnlyWithATableOfVersionZeroTheMachineGetsATextWidth) {
   auto s = std::make_unique<OldSheet>();
   bool ok = false;
-  s->paramTable.intParams[55] = 7;
-  s->paramTable.nameLength = 4;
-  std::memcpy(s->paramTable.name, "name", 5);
   s->machine.textWidth = 8;
   EXPECT_TRUE(writtenSheet(180, *s, &ok) == freshBytes(180, 8));
   EXPECT_TRUE(ok);
-  EXPECT_EQ(s->paramTable.intParams[55], 7);
   EXPECT_EQ(s->paramTable.version, 0);
   s->machine.textWidth = 0;
   EXPECT_TRUE(writtenSheet(57, *s, &ok) == freshBytes(57));
   EXPECT_TRUE(ok);
   EXPECT_EQ(s->machine.textWidth, 0);
   s->paramTable.version = 60;
+  s->paramTable.nameLength = 4;
   writtenSheet(180, *s, &ok);
   EXPECT_FALSE(ok);  // a machine without a text width
   s->machine.textWidth = 256;
