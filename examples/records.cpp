@@ -1,4 +1,6 @@
-// Loads a material, a macro and a part of version 5 into records and looks at their fields.
+// Loads a material, a macro and a part of version 5 into records and prints some of their fields.
+#include "OldTorvIO.h"
+
 #include <iostream>
 #include <memory>
 #include <string>
@@ -22,7 +24,7 @@ bool showMaterial(const std::string& folder) {
             << "\n  parameter 101 = " << steel->params.realParams[101] << ", 401 = \""
             << fixedText(steel->params.textParams[401]) << "\"\n";
 
-  // The same record again: the short form stores its parameters and names it, the rest stays.
+  // Into the same record: the short form stores only parameters and a name, so the rest stays.
   if (LoadOldMaterial((folder + "/thick.mat").c_str(), steel.get()) != 0) return false;
   std::cout << "thick.mat, version " << steel->version << "\n  name \"" << steel->name << "\", still "
             << steel->toolSets.setCount << " tool set, parameter 55 = " << steel->params.realParams[55] << "\n";

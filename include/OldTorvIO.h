@@ -339,8 +339,9 @@ typedef struct MachineInformation {
 OLDTORVIO_API Status32 LoadOldMachineInformation(const char* path, MachineInformation* information) OLDTORVIO_NOEXCEPT;
 
 /* One station of the current machine and its tool, index from 0. An index outside its stations ends the process,
- * and so does a station without a tool, which a failed load may leave at the end. A failed load does not return the
- * number of stations: call this only after a load that returned it.
+ * and so does a station without a tool. A load that fails inside a tool leaves such a station at the end of the
+ * list. It does not return the number of stations; but a machine loaded after it whose file stores no stations
+ * keeps the list, and returns its length.
  *
  * values      six numbers: as many as count, then zeros
  * shapeCode,  of the tool; 0 and zeros for a station without tools
