@@ -5,8 +5,6 @@
 #include <memory>
 #include <string>
 
-#include "OldTorvIO.h"
-
 namespace {
 
 using oldtorvio::fixedText;

@@ -19,6 +19,7 @@
 namespace {
 
 using namespace oldtorvio::frame;
+using oldtorvio::fixedText;
 using namespace testing_support;
 
 TEST(InStream, FailedReadLeavesTheStreamAtTheEndAndTheFieldAsItWas) {
