@@ -464,7 +464,7 @@ TEST(NamedToolsByHand, TakesTheFirstOfSeveralFilesOfTheNameInTheSystemsOrder) {
   if (!kNamesDifferByCase) GTEST_SKIP() << "this system has one file for both names";
   std::vector<std::string> order;
   for (const char* name : {"abc.spt", "ABC.SPT", "ABC.spt.spt"}) bench.folder.write(name, Bytes());
-  oldtorvio::frame::walkFolder(bench.folder.path(), [&](const std::string& name) {
+  oldtorvio::frame::walkFolder(bench.folder.path(), [&](const std::string& name, const std::string&) {
     if (name.size() < 8) order.push_back(name);
     return true;
   });

@@ -212,10 +212,10 @@ TEST(Platform, OfAFolderTheFilesAreWalkedUpToTheFirstThatIsEnough) {
   std::filesystem::create_directory(folder.path("inside"));
   std::filesystem::create_directory(folder.path("d.spt"));
   std::set<std::string> names;
-  walkFolder(folder.path(), [&](const std::string& name) { return names.insert(name).second; });
+  walkFolder(folder.path(), [&](const std::string& name, const std::string&) { return names.insert(name).second; });
   EXPECT_EQ(names, (std::set<std::string>{"a", "b", "c.spt"}));
   int visits = 0;
-  walkFolder(folder.path(), [&](const std::string&) { return ++visits < 2; });
+  walkFolder(folder.path(), [&](const std::string&, const std::string&) { return ++visits < 2; });
   EXPECT_EQ(visits, 2);
 }
 
