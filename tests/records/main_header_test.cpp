@@ -1,11 +1,11 @@
 // What a program gets that includes only the main header: complete records, and functions whose pointers are const
 // where nothing is changed. All of it is checked while this file compiles.
-#include "OldTorvIO.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
 #include <type_traits>
+
+#include "OldTorvIO.h"
 
 namespace {
 
@@ -34,15 +34,14 @@ static_assert(areComplete<oldtorvio::ClampInfo, oldtorvio::GridSegment, oldtorvi
                           oldtorvio::MachineGrid, oldtorvio::MachineSetup, oldtorvio::MachineUnit,
                           oldtorvio::MachineUnitEntry, oldtorvio::MachineUnitTable, oldtorvio::ShapeProgram,
                           oldtorvio::ShapeProgramEx, oldtorvio::ShapeProgramGroup, oldtorvio::WorkArea>);
-static_assert(areComplete<oldtorvio::ClampRowTable, oldtorvio::NamedWorkList, oldtorvio::RowTable,
-                          oldtorvio::ShapeWorkBlock, oldtorvio::SheetSetupEntry, oldtorvio::SheetSetupList,
-                          oldtorvio::SheetTextEntry>);
+static_assert(
+    areComplete<oldtorvio::ClampRowTable, oldtorvio::NamedWorkList, oldtorvio::RowTable, oldtorvio::ShapeWorkBlock,
+                oldtorvio::SheetSetupEntry, oldtorvio::SheetSetupList, oldtorvio::SheetTextEntry>);
 
 // The two spellings of a record's name are one type, and each record is a value: a default, a deep copy, a destructor.
 template <class Global, class Qualified>
-constexpr bool isOneValueType = std::is_same_v<Global, Qualified> && std::is_default_constructible_v<Global> &&
-                                std::is_copy_constructible_v<Global> && std::is_copy_assignable_v<Global> &&
-                                std::is_destructible_v<Global>;
+constexpr bool isOneValueType = std::is_same_v<Global, Qualified>&& std::is_default_constructible_v<Global>&&
+    std::is_copy_constructible_v<Global>&& std::is_copy_assignable_v<Global>&& std::is_destructible_v<Global>;
 static_assert(isOneValueType<TorvPart, oldtorvio::TorvPart>);
 static_assert(isOneValueType<SheetPartList, oldtorvio::SheetPartList>);
 static_assert(isOneValueType<OldSpecialTool, oldtorvio::OldSpecialTool>);
@@ -136,10 +135,10 @@ static_assert(returns<decltype(LoadOldToolInventoryForCount), std::int32_t>);
 static_assert(returns<decltype(OpenSpecialToolFile), std::int32_t>);
 template <class... Functions>
 constexpr bool returnStatus = (returns<Functions, std::int64_t> && ...);
-static_assert(returnStatus<decltype(LoadOldPart), decltype(LoadGroupPart), decltype(LoadOldSpecialTool),
-                           decltype(LoadOldToolInventory), decltype(LoadOldMacro), decltype(LoadOldMaterial),
-                           decltype(LoadOldMachine), decltype(LoadOldSheet), decltype(SaveTorvPart),
-                           decltype(SaveOldSheet)>);
+static_assert(
+    returnStatus<decltype(LoadOldPart), decltype(LoadGroupPart), decltype(LoadOldSpecialTool),
+                 decltype(LoadOldToolInventory), decltype(LoadOldMacro), decltype(LoadOldMaterial),
+                 decltype(LoadOldMachine), decltype(LoadOldSheet), decltype(SaveTorvPart), decltype(SaveOldSheet)>);
 static_assert(returnStatus<decltype(GetOldPartInfo), decltype(GetOldPartInfo_v1), decltype(GetOldPartTool),
                            decltype(GetOldSptFromPart), decltype(GetOldSptFromGroupPart), decltype(GetOldSheetHandle),
                            decltype(GetOldSheetInfo), decltype(GetOldSheetInfoByName),
