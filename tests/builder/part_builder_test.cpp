@@ -247,9 +247,8 @@ TEST_F(NamedTools, EmptyNameTakesTheFirstStationWithoutASearch) {
 }
 
 TEST_F(NamedTools, OnlyFilesOfTheFolderThatBearTheNameAreFound) {
-  for (const char* name :
-       {"folder", "abc", "abc.spt", "deep", "sub", "punch", "punch1.spt", "..", "none", "broken", "refused", "bare",
-        "abc.spt.bak"})
+  for (const char* name : {"folder", "abc", "abc.spt", "deep", "sub", "punch", "punch1.spt", "..", "none", "broken",
+                           "refused", "bare", "abc.spt.bak"})
     EXPECT_EQ(addNamed(name), -1) << name;
   EXPECT_EQ(addNamed("punch1"), 1);
 }

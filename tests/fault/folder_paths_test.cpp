@@ -92,8 +92,8 @@ std::vector<Row> rows() {
          float* r = o.reals;
          o.words[0] = 7;
          const std::int64_t status = OpenSpecialToolFile(
-             path, &o.words[0], &r[0], &r[1], &r[2], &r[3], &r[4], &o.ints[0], &r[5], &r[6], &r[7], &r[8], &r[9], &r[10],
-             &o.ints[1], &r[11], &r[12], &r[13], &r[14], &r[15], &r[16], &r[17], &r[18], &o.byte);
+             path, &o.words[0], &r[0], &r[1], &r[2], &r[3], &r[4], &o.ints[0], &r[5], &r[6], &r[7], &r[8], &r[9],
+             &r[10], &o.ints[1], &r[11], &r[12], &r[13], &r[14], &r[15], &r[16], &r[17], &r[18], &o.byte);
          EXPECT_EQ(o.words[0], 0U);
          return status;
        }},
@@ -133,9 +133,9 @@ std::vector<Row> rows() {
       {"GetOldSheetInfo",
        [](const char* path) {
          Outputs o;
-         return GetOldSheetInfo(path, o.texts[0], o.texts[1], o.texts[2], o.texts[3], o.texts[4], o.texts[5], o.texts[6],
-                                o.texts[7], o.texts[8], &o.reals[0], &o.reals[1], &o.reals[2], &o.wide, o.texts[9], 300,
-                                &o.ints[0], o.texts[10], 300, &o.ints[1]);
+         return GetOldSheetInfo(path, o.texts[0], o.texts[1], o.texts[2], o.texts[3], o.texts[4], o.texts[5],
+                                o.texts[6], o.texts[7], o.texts[8], &o.reals[0], &o.reals[1], &o.reals[2], &o.wide,
+                                o.texts[9], 300, &o.ints[0], o.texts[10], 300, &o.ints[1]);
        }},
       {"GetOldClampInfo",
        [](const char* path) {
@@ -177,7 +177,8 @@ std::vector<Row> rows() {
 
 // The same folder, written in each way that a host understands.
 std::vector<std::string> spellings(const std::string& folder) {
-  return {folder, folder + "/", folder + kSeparator + ".", folder + "/../" + folder.substr(folder.find_last_of("/\\") + 1)};
+  return {folder, folder + "/", folder + kSeparator + ".",
+          folder + "/../" + folder.substr(folder.find_last_of("/\\") + 1)};
 }
 
 TEST(FolderPaths, AFolderCannotBeOpenedByAnyFunction) {

@@ -447,7 +447,8 @@ Bytes continuation(const std::string& text) {
   padded.resize(27, '\0');
   Bytes fields;
   fields.u16(8);
-  for (const auto& [at, size] : {std::pair{0U, 3U}, {4U, 3U}, {8U, 3U}, {14U, 13U}}) fields.text(size, padded.substr(at, size));
+  for (const auto& [at, size] : {std::pair{0U, 3U}, {4U, 3U}, {8U, 3U}, {14U, 13U}})
+    fields.text(size, padded.substr(at, size));
   return fields.zeros(10).f32(-1).f32(-1).u32(0);
 }
 

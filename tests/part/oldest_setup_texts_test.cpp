@@ -199,20 +199,21 @@ TEST(OldestSetupTexts, RecordsAreJoinedUpToTheirFirstNulAndCutAnew) {
   const std::string full = someText(kPiece), nul("ab\0cdefghijklmnopqrstuvwxyz", 27);
   const std::string lateNul = full.substr(0, 26) + '\0';
   const std::string onlyNul(kPiece, '\0'), nulFirst = '\0' + full.substr(1);
-  const std::vector<std::vector<std::string>> cases = {{nul},
-                                                       {nul, full},
-                                                       {full, nul},
-                                                       {nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul},
-                                                       {lateNul},
-                                                       {lateNul, "x"},
-                                                       {lateNul, lateNul},
-                                                       {onlyNul},
-                                                       {nulFirst},
-                                                       {nulFirst, "x"},
-                                                       {onlyNul, full, onlyNul, "y", full},
-                                                       {"x", full},
-                                                       {"", "", ""},
-                                                       {full, full, full, "z"}};
+  const std::vector<std::vector<std::string>> cases = {
+      {nul},
+      {nul, full},
+      {full, nul},
+      {nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul, nul},
+      {lateNul},
+      {lateNul, "x"},
+      {lateNul, lateNul},
+      {onlyNul},
+      {nulFirst},
+      {nulFirst, "x"},
+      {onlyNul, full, onlyNul, "y", full},
+      {"x", full},
+      {"", "", ""},
+      {full, full, full, "z"}};
   for (const int version : {2, 3})
     for (const int type : kTypes)
       for (std::size_t i = 0; i < cases.size(); ++i) {

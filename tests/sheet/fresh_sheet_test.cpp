@@ -233,26 +233,16 @@ struct NameCase {
 
 TEST(TableOfAFreshSheet, StoresAtLeastTheNameAndItsNul) {
   const std::string text255(255, 'n'), text256(256, 'm');
-  const std::vector<NameCase> cases = {{"", true, 0, 1},
-                                       {"", true, 1, 1},
-                                       {"", true, 40, 40},
-                                       {"", true, 256, 256},
-                                       {"", true, -1, 1},
-                                       {"", true, kMin, 1},
-                                       {"abc", true, 0, 4},
-                                       {"abc", true, 3, 4},
-                                       {"abc", true, 4, 4},
-                                       {"abc", true, 5, 5},
-                                       {"abc", true, 255, 255},
-                                       {"abc", true, 256, 256},
-                                       {"abc", true, -7, 4},
-                                       {text255.substr(1), true, 0, 255},
-                                       {text255, true, 0, 256},
-                                       {text255, true, 256, 256},
-                                       {text256, false, 0, 256},
-                                       {text256, false, 21, 256},
-                                       {text256, false, 256, 256},
-                                       {text256, false, -1, 256}};
+  const std::vector<NameCase> cases = {{"", true, 0, 1},           {"", true, 1, 1},
+                                       {"", true, 40, 40},         {"", true, 256, 256},
+                                       {"", true, -1, 1},          {"", true, kMin, 1},
+                                       {"abc", true, 0, 4},        {"abc", true, 3, 4},
+                                       {"abc", true, 4, 4},        {"abc", true, 5, 5},
+                                       {"abc", true, 255, 255},    {"abc", true, 256, 256},
+                                       {"abc", true, -7, 4},       {text255.substr(1), true, 0, 255},
+                                       {text255, true, 0, 256},    {text255, true, 256, 256},
+                                       {text256, false, 0, 256},   {text256, false, 21, 256},
+                                       {text256, false, 256, 256}, {text256, false, -1, 256}};
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   for (const int version : {52, 57, 60, 79, 80, 180})

@@ -71,8 +71,7 @@ TEST(InventoryNames, AnIndexOutsideTheFilesEndsTheProcessWithTheTextOfTheError) 
     for (const auto& files : lists) {
       const auto size = static_cast<std::int32_t>(files.size());
       std::vector<StoredTool> tools;
-      for (const std::int32_t index : {0, -1, kMin, size + 1, kMax})
-        tools.push_back({108, index});
+      for (const std::int32_t index : {0, -1, kMin, size + 1, kMax}) tools.push_back({108, index});
       ASSERT_EQ(load(inventoryBytes(version, tools, files)), tools.size());
       for (std::size_t i = 0; i < tools.size(); ++i)
         EXPECT_DEATH((void)nameOf(static_cast<std::int32_t>(i)), kText)
@@ -97,7 +96,8 @@ TEST(InventoryNames, EachIndexOfTheFilesTakesItsName) {
 
 TEST(InventoryNames, AToolOfAnyOtherCodeMayHaveAnyIndex) {
   for (const std::int32_t index : {0, -1, 2, 99, kMin, kMax}) {
-    const std::vector<StoredTool> tools = {{1, index}, {2, index}, {107, index}, {109, index}, {0, index}, {-108, index}};
+    const std::vector<StoredTool> tools = {{1, index},   {2, index}, {107, index},
+                                           {109, index}, {0, index}, {-108, index}};
     ASSERT_EQ(load(inventoryBytes(150, tools, {"a.spt"})), tools.size());
     EXPECT_EQ(nameOf(0), "ROUND");
     EXPECT_EQ(nameOf(1), "kept");
