@@ -77,3 +77,7 @@ constexpr bool isSavedSheetVersion(int version) {
 inline constexpr int kFirstGroupPartVersion = 152;
 
 }  // namespace oldtorvio::frame
+
+namespace oldtorvio {
+using frame::KnownSheetVersions;
+}  // namespace oldtorvio

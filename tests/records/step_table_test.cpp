@@ -201,10 +201,14 @@ TEST(StepTable, LoadsAndSavesTheSameBytesForEveryCountAndVersion) {
 TEST(StepTable, StoresTheStepsOneByOne) {
   StepTable table;
   table.stepCount = 2;
-  table.stepByteA = {1, 5};
-  table.stepWord = {0x0A0B0C02U, 0x0A0B0C06U};
-  table.stepByteB = {3, 7};
-  table.stepByteC = {4, 8};
+  table.stepByteA[0] = 1;
+  table.stepByteA[1] = 5;
+  table.stepWord[0] = 0x0A0B0C02U;
+  table.stepWord[1] = 0x0A0B0C06U;
+  table.stepByteB[0] = 3;
+  table.stepByteB[1] = 7;
+  table.stepByteC[0] = 4;
+  table.stepByteC[1] = 8;
   EXPECT_EQ(written([&](OutStream& s) { return oldtorvio::WriteStepTable(s, 90, table); }),
             Bytes().zeros(20).raw({2, 1, 2, 0x0C, 0x0B, 0x0A, 3, 4, 5, 6, 0x0C, 0x0B, 0x0A, 7, 8, 0, 0}));
 }
