@@ -23,10 +23,14 @@ constexpr int kSpecialTool = 37, kSlotTool = 38, kUnusedTool = 39, kLaser = 40;
 // The fields of a fresh record are empty, so that the text ends where it should.
 template <std::size_t N>
 void put(char (&field)[N], std::string_view text) {
-  std::copy_n(text.begin(), std::min(text.size(), N - 1), field);
+  (void)text.copy(field, N - 1);
 }
 
-std::string twoDigits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }
+std::string twoDigits(int number) {
+  std::string digits = std::to_string(number);
+  if (number < 10) digits.insert(digits.begin(), '0');
+  return digits;
+}
 
 Shape shapeAt(std::int8_t type, float x, float y, float size) {
   Shape shape;
