@@ -1,5 +1,5 @@
-/* Builds a part through the shared library alone, saves it at three versions and asks each file; then
- * asks the samples of a machine and of a tool inventory. */
+/* Builds a part with the functions of the shared library, saves it at three versions and queries each file; then
+ * queries the sample files of a machine and of a tool inventory. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -44,7 +44,7 @@ static void ask(const char* path) {
   printf("  special tools \"%s\"\n", text);
 }
 
-/* An integer that was handed out in the bytes of a float. */
+/* An integer that was returned in the bytes of a float. */
 static int32_t integer_in(float bytes) {
   int32_t integer;
   memcpy(&integer, &bytes, sizeof integer);
@@ -113,7 +113,13 @@ int main(int argc, char** argv) {
   static const int16_t versions[] = {62, 110, 180};
   char path[1024];
   size_t i;
-  if (argc != 2) return 2;
+  if (argc != 2) {
+    fprintf(stderr,
+            "usage: example_demo FOLDER\n"
+            "FOLDER holds the files of make_samples and is the configured folder of special tools: examples/demo.sh\n"
+            "prepares it and runs this program.\n");
+    return 2;
+  }
   build();
   for (i = 0; i < sizeof versions / sizeof *versions; ++i) {
     expect(snprintf(path, sizeof path, "%s/cover_%d.part", argv[1], versions[i]) < 260, "a short folder name");

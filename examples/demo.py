@@ -1,12 +1,33 @@
-"""The same library from Python: ctypes and the shared library alone."""
+"""The library from Python, with nothing but ctypes: builds parts, and queries and edits the sample files.
+
+usage: demo.py LIBRARY FOLDER
+
+LIBRARY is the shared library, such as build/libOldTorvIO.so. FOLDER holds the files that example_nest and make_samples
+write, and is the configured folder of special tools: examples/demo.sh prepares it and runs this program.
+"""
 import ctypes
+import os
 import shutil
 import sys
 from ctypes import (byref, c_char, c_char_p, c_double, c_float, c_int16, c_int32, c_int64, c_uint8, c_uint16, c_uint32,
                     c_uint64, c_void_p)
 
+
+
+def stop(message):
+    print(message, file=sys.stderr)
+    sys.exit(2)
+
+
+if len(sys.argv) != 3:
+    stop(__doc__[__doc__.index("usage:"):].rstrip())
 library_path, folder = sys.argv[1:]
-torv = ctypes.CDLL(library_path)
+try:
+    torv = ctypes.CDLL(library_path)
+except OSError as error:
+    stop(f"demo.py: cannot load the library: {error}")
+if not os.path.isfile(os.path.join(folder, "nest_180.sheet")):
+    stop(f"demo.py: the sample files are not in {folder}; examples/demo.sh makes them and runs this program")
 
 for name, result, arguments in [
     ("InitTorvPart", None, [c_float] * 3 + [c_int16] + [c_char_p] * 6),
@@ -44,7 +65,10 @@ for name, result, arguments in [
     ("ReplaceSheetSknPatListWithPartPatList", c_int64, [c_char_p] * 2),
     ("UpdateSheetPartWONumber", c_int64, [c_char_p] * 4),
 ]:
-    function = getattr(torv, name)
+    try:
+        function = getattr(torv, name)
+    except AttributeError:
+        stop(f"demo.py: {library_path} is not OldTorvIO: it does not export {name}")
     function.restype, function.argtypes = result, arguments
 
 
@@ -82,7 +106,7 @@ group = torv.CreateOldPartlistInfo()
 check(torv.LoadGroupPart(path("brackets.group"), group) == 0, "a group part file")
 torv.DeleteOldPartlistInfo(group)
 length = c_uint32()
-check(torv.GetOldSptFromGroupPart(path("brackets.group"), None, 0, byref(length)) == 0, "the length alone")
+check(torv.GetOldSptFromGroupPart(path("brackets.group"), None, 0, byref(length)) == 0, "the length only")
 text = ctypes.create_string_buffer(length.value + 1)
 check(torv.GetOldSptFromGroupPart(path("brackets.group"), text, len(text), byref(length)) == 0, "the text")
 print(f'brackets.group\n  special tools "{text.value.decode()}"')
@@ -115,7 +139,7 @@ check(torv.LoadOldToolInventoryForCount(path("no such file"), byref(tools)) == -
 
 
 class Sheet:
-    """A sheet by its handle, gone with the end of the with block."""
+    """A sheet by its handle, freed at the end of the with block."""
 
     def __init__(self, name):
         self.handle = c_void_p()
@@ -128,18 +152,18 @@ class Sheet:
         torv.FreeSheetHandle(self.handle)
 
     def __getitem__(self, key):
-        answer = ctypes.create_string_buffer(16384)
-        check(torv.GetOldSheetInfoByName(self.handle, key.encode(), answer) == 0, key)
-        return answer.value.decode()
+        value = ctypes.create_string_buffer(16384)
+        check(torv.GetOldSheetInfoByName(self.handle, key.encode(), value) == 0, key)
+        return value.value.decode()
 
     def groups(self):
-        answer = ctypes.create_string_buffer(16384)
-        check(torv.GetOldSheetInfoPartGroupIDs(self.handle, answer) == 0, "the groups")
-        return answer.value.decode()
+        value = ctypes.create_string_buffer(16384)
+        check(torv.GetOldSheetInfoPartGroupIDs(self.handle, value) == 0, "the groups")
+        return value.value.decode()
 
 
 def info(name):
-    """What GetOldSheetInfo tells: nine texts, four numbers, the names and the tools."""
+    """What GetOldSheetInfo returns: nine texts, four numbers, the names and the tools."""
     texts = [ctypes.create_string_buffer(261) for _ in range(9)]
     numbers = [c_float(), c_float(), c_float(), c_double()]
     long = [ctypes.create_string_buffer(16384), ctypes.create_string_buffer(16384)]
@@ -153,7 +177,7 @@ def info(name):
 
 
 def small(name):
-    """The answers of the five small queries."""
+    """What the five small queries return."""
     word, count, real, places = c_uint32(), c_uint32(), [c_float() for _ in range(4)], (c_float * 8)()
     status = torv.GetOldClampInfo(path(name), byref(word), *map(byref, real[:3]), places, byref(count), byref(real[3]))
     check(status == 0, "the clamps")
@@ -172,8 +196,8 @@ files = [rf"C:\KESTRADA\PARTS\{one}.part" for one in names]
 
 
 def expected(version, orders, area="19.750000"):
-    """The answers to all keys for the parts that have work orders: twelve, or none."""
-    late, count = version >= 152, len(orders)  # what stands behind the machine is out of step below 152
+    """The values of all keys for the parts that have work orders: twelve, or none."""
+    late, count = version >= 152, len(orders)  # below 152 what follows the machine is read out of step
     parts = list(zip(names, files, orders))
     detail = [f"{file}|{4 + i / 2:f}|{3 + i / 4:f}|5|{order}|;" for i, (_, file, order) in enumerate(parts, 1)]
     return {
@@ -189,30 +213,30 @@ def expected(version, orders, area="19.750000"):
     }
 
 
-def check_keys(name, answers):
+def check_keys(name, wanted):
     with Sheet(name) as sheet:
-        for key, answer in answers.items():
-            check(sheet[key.upper()] == answer, f"{key} of {name}: {sheet[key]!r} and not {answer!r}")
+        for key, value in wanted.items():
+            check(sheet[key.upper()] == value, f"{key} of {name}: {sheet[key]!r} and not {value!r}")
         groups = "".join(f"{100 + i}|" + (f"{200 + i}|" if i % 2 else "") + "," for i in range(1, 13))
-        check(sheet.groups() == (groups if answers["part_count"] == "12" else ""), f"the groups of {name}")
+        check(sheet.groups() == (groups if wanted["part_count"] == "12" else ""), f"the groups of {name}")
 
 
-# In order of first use; the ninth is the twin of the eighth.
+# In order of first use; the ninth has the same text as the eighth.
 punches = [f"{1 if i <= 24 else 3} {i / 8:6.3f} {0 if i <= 24 else 0.25:6.3f}  0.000  0.000"
            for i in (*range(4, 9), *range(10, 37), 1, 2, 3)]
 for version in (180, 112, 80):
     name, late = f"nest_{version}.sheet", version >= 152
     check(torv.LoadOldSheetInformation(path(name)) == 0, "the current sheet")
-    facts, told_names, tools = info(name)
+    facts, part_names, tools = info(name)
     texts = ["MILD STEEL", "DC01", "OILED", "GRAIN ALONG X", "STOCK 17"] if late else [""] * 5
     check(facts == ["STEEL 0.0625.mat", *texts, r"C:\KESTRADA\MACHINES\TP-40L.mch", "NEST 4711",
                     "STEEL 0.0625.mat", 96, 48, 0.0625, 7.875 if late else 0], f"the facts of {name}")
-    check(told_names == names, "the names of the parts")
+    check(part_names == names, "the names of the parts")
     check(tools == punches + ["108 Corner Punch  0.500"] + (["103  4.750  0.250  0.000  0.000"] if version >= 90 else [])
           + ["33  5.000  0.250  0.000  0.000"], f"the tools of {name}")
     check(small(name) == (5, 3, [1.5, 2.5, 3.5, 8], [6, 18, 30, 42, 27.5, 33, 38.5, 44],
                           ["COLD ROLLED", "RACK 12"] if late else ["", ""], 0.8125 if late else 0,
-                          {55: 4, 101: -1, 600: 7}, 60), f"the small answers of {name}")
+                          {55: 4, 101: -1, 600: 7}, 60), f"the small queries of {name}")
     orders = ["WO-7001"] * 6 + ["WO-7002"] * 6 if version >= 162 else [""] * 12
     check_keys(name, expected(version, orders, "19.750000" if version >= 100 else "0.000000"))
     print(f"{name}\n  {facts[7]}: {len(names)} parts, {len(tools)} tools, the last {tools[-1]!r}")

@@ -1,12 +1,16 @@
 #!/usr/bin/env bash
-# Shows the library at work. Takes the folder of a finished build.
+# Shows the library at work.
 set -euo pipefail
+if [ $# != 1 ]; then
+  echo 'usage: demo.sh BUILD_FOLDER    (the folder of a finished build)' >&2
+  exit 2
+fi
 build=$(cd "$1" && pwd)
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# The folder of special tools is a setting of this demo alone.
+# The demo has its own setting for the folder of special tools.
 export XDG_CONFIG_HOME=$work/config XDG_CONFIG_DIRS=$work/none
 mkdir -p "$work/config/OldTorvIO" "$work/files"
 printf '[Kestrada64bit]\nZRK_DEFAULT_SPECIAL_TOOL_PATH=%s/\n' "$work/files" >"$work/config/OldTorvIO/win.ini"
@@ -15,16 +19,16 @@ echo '== a C++ program makes a nest: a plate, 12 parts in 60 placements, a machi
 "$build/examples/example_nest" "$work/files"
 echo '== samples: special tools, a group part file, a machine, materials, an inventory, a macro, a part of version 5'
 "$build/examples/make_samples" "$work/files"
-echo '== a C program builds parts, saves them and asks, also the machine and the inventory'
+echo '== a C program builds and saves parts, and queries them, the machine and the inventory'
 "$build/examples/example_demo" "$work/files"
-echo '== a C program asks the nest everything, edits copies of it and asks again'
+echo '== a C program calls every query on the nest, edits copies of it and queries them'
 "$build/examples/example_nest_demo" "$work/files"
-echo '== a Python program does the same, and reads the samples'
+echo '== a Python program does the same and reads the samples'
 python3 "$here/demo.py" "$build/libOldTorvIO.so" "$work/files"
 echo '== a C++ program loads a material, a macro and the part of version 5 into records'
 "$build/examples/example_records" "$work/files"
 cd "$work/files"
-echo '== torvio check: all files, and apart the sheet of version 112 that its edit made unreadable'
+echo '== torvio check: all files, the last being the sheet of version 112 that its edit made unreadable'
 mkdir ../apart
 mv edited_112.sheet ../apart
 "$build/bin/torvio" check ./*

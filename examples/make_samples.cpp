@@ -1,4 +1,4 @@
-// Makes the files that the demo starts from, one or two of every kind that no export writes.
+// Makes the sample files of the demo: one or two of every kind that no exported function writes.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -110,7 +110,7 @@ void addStation(ToolStationList& list, float left, float orientation, const OldT
   list.tools.push_back(tool);
 }
 
-// What a material file and a machine store alike.
+// Stored by a material file and by a machine.
 void fillMaterial(OldMaterial& material) {
   material.name = "STEEL";
   MaterialEntry& entry = material.entryList.emplace_back();
@@ -125,7 +125,7 @@ void fillMaterial(OldMaterial& material) {
   set.stepsA.stepWord[1] = 20;
   material.palette.colourCount = 7;
 
-  // Six rules stay six; any other number grows by the six defaults when the file is loaded.
+  // Exactly six: a load appends the six default rules to any other number.
   AngleRule& round = material.rules.angleRules.front();
   round.angleCount = 1;
   round.ruleValues[0] = 0.05F;
@@ -147,7 +147,7 @@ std::unique_ptr<OldMaterial> steel() {
   return material;
 }
 
-// A parameter table and nothing else.
+// The short form: only a parameter table.
 std::unique_ptr<OldMaterial> shortSteel() {
   auto material = std::make_unique<OldMaterial>();
   ParamTable& params = material->params;
@@ -218,7 +218,7 @@ OldMacro tab() {
   return macro;
 }
 
-// A part of version 5, which nothing writes any more: its bytes, one field behind the other.
+// A part of version 5, which no function writes: its bytes, field by field.
 class OldPartBytes {
  public:
   OldPartBytes& text21(std::string_view text) {
@@ -248,7 +248,7 @@ class OldPartBytes {
 };
 
 OldPartBytes oldPart() {
-  constexpr std::size_t kSetupEntry = 34, kBehindSetup = 16, kGridSteps = 8;
+  constexpr std::size_t kSetupEntry = 34, kAfterSetup = 16, kGridSteps = 8;
   OldPartBytes part;
   part.word(5);
   part.text21("OLD BRACKET").real(12.0F).real(8.0F).text21("CABINET").text21("DOOR").text21("STEEL");
@@ -258,10 +258,10 @@ OldPartBytes oldPart() {
   part.byte(2).word(0).word(0).real(4.0F).real(2.0F).real(0.5F);   // four: the third is an
   part.real(0).real(7.0F).real(0);                                 // angle beyond a full turn
   part.word(1);                                                    // patterns
-  part.word(0).word(3).word(2).zeros(kGridSteps);                  // three by two: a load makes it one
+  part.word(0).word(3).word(2).zeros(kGridSteps);                  // three by two, which a load resets to one by one
   part.real(0).real(0).real(1.0F).real(0);                         // origin and rotation
   part.word(2).word(0).word(1).word(0).word(2);                    // items: a word, a tool
-  part.word(0).zeros(kSetupEntry + kBehindSetup);                  // no setup entries but the current one
+  part.word(0).zeros(kSetupEntry + kAfterSetup);                   // no setup entries but the current one
   part.word(1).word(1).word(2).zeros(8);                           // marks
   return part;
 }

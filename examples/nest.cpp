@@ -1,15 +1,15 @@
 // Makes a nest and saves it at three versions: a plate, twelve parts in sixty placements and a machine
-// with forty stations. Knows the shared library and the public headers alone.
+// with forty stations. Uses only the shared library and the public headers.
 #include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "OldTorvIO.h"
-#include "OldTorvIO/records.h"
 
 using namespace oldtorvio;
 
@@ -20,10 +20,10 @@ constexpr int kShapesOfAPart = 16;  // each worked by a station of its own
 constexpr int kPunches = 36;        // the stations that the parts use
 constexpr int kSpecialTool = 37, kSlotTool = 38, kUnusedTool = 39, kLaser = 40;
 
-// The fields of a fresh record are empty, so that the text ends where it should.
+// Sets a text of a record. All texts of this nest fit their fields.
 template <std::size_t N>
 void put(char (&field)[N], std::string_view text) {
-  (void)text.copy(field, N - 1);
+  if (!setFixedText(field, text)) throw std::length_error(std::string(text));
 }
 
 std::string twoDigits(int number) {
@@ -78,7 +78,7 @@ TorvPart bracket(int number) {
 OldTool toolOf(int station) {
   OldTool tool;
   tool.shapeCode = station <= 24 ? 1 : 3;                                     // round, rectangle
-  tool.dimension1 = 0.125F * static_cast<float>(station == 9 ? 8 : station);  // 9 is the twin of 8
+  tool.dimension1 = 0.125F * static_cast<float>(station == 9 ? 8 : station);  // 9 is the same as 8
   if (station > 24) tool.dimension2 = 0.25F;
   if (station == kSlotTool || station == kUnusedTool) tool.shapeCode = 103;  // square
   if (station == kLaser) tool.shapeCode = 33;
@@ -96,7 +96,7 @@ void fill(OldMachine& machine) {
   put(machine.machineText1, "TURRET PUNCH WITH LASER");
   put(machine.ncPath, R"(C:\KESTRADA\NC\)");
   put(machine.displayName, "TP-40L in hall 2");
-  machine.machineWord1 = 0.5F;  // a load would put a size into one that is next to nothing
+  machine.machineWord1 = 0.5F;  // a load replaces one close to 0 by sizeX
   machine.machineKind = 4;      // combined: one of its stations cuts
   machine.clampInfo.clampCount = 4;
   const float positions[4] = {6.0F, 18.0F, 30.0F, 42.0F};
@@ -116,7 +116,7 @@ void fill(OldMachine& machine) {
 void fillOwnWork(OldSheet& sheet) {
   for (int i = 0; i < 30; ++i) {
     sheet.shapes.shapes.push_back(shapeAt(2, static_cast<float>(3 * i), 47.0F, 0.25F));
-    sheet.patternItems.push_back(itemOf(i < 28 ? kUnusedTool : kSpecialTool));  // of the first 28 no tool counts
+    sheet.patternItems.push_back(itemOf(i < 28 ? kUnusedTool : kSpecialTool));  // the first 28 are ignored
   }
   sheet.processSlotCount = 1;
   sheet.processSlots[0].toolUse = 1;

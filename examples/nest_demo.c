@@ -1,5 +1,5 @@
-/* Asks the sheets that nest.cpp made everything there is to ask, edits copies of them and asks again,
- * through the shared library alone. Every answer is compared with what the nest is known to hold. */
+/* Calls every query on the sheets that nest.cpp makes, edits copies of them and queries these, using only the
+ * functions of the shared library. Every result is compared with what the nest is known to hold. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -8,7 +8,7 @@
 
 enum { kParts = 12, kPunches = 36, kFlags = 601, kRoom = 16384 };
 
-static char told[kRoom], wanted[kRoom];
+static char found[kRoom], wanted[kRoom];
 
 static void expect(int holds, const char* what) {
   if (holds) return;
@@ -22,7 +22,7 @@ static void expect_text(const char* text, const char* wish, const char* what) {
   exit(1);
 }
 
-/* Appends to what is wanted. */
+/* Appends to the wanted text. */
 #define WANT(...) ((void)snprintf(wanted + strlen(wanted), kRoom - strlen(wanted), __VA_ARGS__))
 
 static void print_start(const char* name, const char* text) {
@@ -33,14 +33,14 @@ static void print_start(const char* name, const char* text) {
 
 static int keeps_order(int version) { return version >= 162; }
 static int keeps_skeleton(int version) { return version >= 100; }
-/* What stands behind the machine is out of step below version 152: see docs/quirks.md. */
+/* Below version 152 what follows the machine is read out of step: see docs/quirks.md. */
 static int keeps_end(int version) { return version >= 152; }
 
 /* ---- The tools ---- */
 
 static void want_punch(int number) {
   const double length = 0.125 * number;
-  if (number == 9) return; /* the twin of the one before it */
+  if (number == 9) return; /* same text as the one before it */
   WANT("%d %6.3f %6.3f %6.3f %6.3f,", number <= 24 ? 1 : 3, length, number <= 24 ? 0 : 0.25, 0.0, 0.0);
 }
 
@@ -64,14 +64,14 @@ static void ask_info(const char* path, int version) {
   int i;
 #define ASK(names_size, tools_size)                                                                               \
   (GetOldSheetInfo(path, text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7], text[8], &width, \
-                   &height, &thickness, &late, names, names_size, &names_length, told, tools_size,                \
+                   &height, &thickness, &late, names, names_size, &names_length, found, tools_size,               \
                    &tools_length) == 0)
-  /* The lengths first, then the texts. */
+  /* Without room first: the lengths are set, the texts stay. */
   expect(ASK(0, 0) && strcmp(names, "unchanged") == 0, "a text without room");
   expect(names_length < kRoom && tools_length < kRoom, "the lengths");
   expect(ASK(names_length, tools_length + 1) && strcmp(names, "unchanged") == 0, "a text without room for its NUL");
   want_tools(version);
-  expect_text(told, wanted, "the tools");
+  expect_text(found, wanted, "the tools");
   expect(tools_length == (int32_t)strlen(wanted), "the length of the tools");
   expect(ASK(names_length + 1, 0), "the names");
 #undef ASK
@@ -89,7 +89,7 @@ static void ask_info(const char* path, int version) {
   printf("  \"%s\", %g x %g x %g, \"%s\" of \"%s\" \"%s\" \"%s\" \"%s\" \"%s\", %g\n  machine \"%s\"\n", text[7], width,
          height, thickness, text[0], text[1], text[2], text[3], text[4], text[5], late, text[6]);
   print_start("names", names);
-  print_start("tools", told);
+  print_start("tools", found);
 }
 
 static void ask_small(const char* path, int version) {
@@ -124,7 +124,7 @@ static void ask_small(const char* path, int version) {
 
 typedef struct Nest {
   int version;
-  int parts;              /* how many */
+  int parts;              /* their number */
   const char* order_of_5; /* the work order of the fifth part, NULL for that of its neighbours */
   const char* cut_area;
 } Nest;
@@ -135,7 +135,7 @@ static const char* order(const Nest* nest, int part) {
   return part <= kParts / 2 ? "WO-7001" : "WO-7002";
 }
 
-/* The lists lose their last bar. */
+/* The lists end without their last bar. */
 static void lose_the_bar(void) {
   if (wanted[0] != '\0') wanted[strlen(wanted) - 1] = '\0';
 }
@@ -206,24 +206,24 @@ static void ask_keys(const char* path, const Nest* nest) {
   size_t i;
   expect(GetOldSheetHandle(path, &sheet) == 0 && sheet != NULL, "a handle");
   for (i = 0; i < sizeof keys / sizeof *keys; ++i) {
-    expect(GetOldSheetInfoByName(sheet, keys[i].key, told) == 0, keys[i].key);
+    expect(GetOldSheetInfoByName(sheet, keys[i].key, found) == 0, keys[i].key);
     wanted[0] = '\0';
     keys[i].want(nest);
-    expect_text(told, wanted, keys[i].key);
-    print_start(keys[i].key, told);
+    expect_text(found, wanted, keys[i].key);
+    print_start(keys[i].key, found);
   }
-  expect(GetOldSheetInfoByName(sheet, "colour", strcpy(told, "unchanged")) == 0, "an unknown key");
-  expect_text(told, "unchanged", "an unknown key");
-  expect(GetOldSheetInfoPartGroupIDs(sheet, told) == 0, "the groups");
+  expect(GetOldSheetInfoByName(sheet, "colour", strcpy(found, "unchanged")) == 0, "an unknown key");
+  expect_text(found, "unchanged", "an unknown key");
+  expect(GetOldSheetInfoPartGroupIDs(sheet, found) == 0, "the groups");
   wanted[0] = '\0';
   want_groups(nest);
-  expect_text(told, wanted, "the groups");
-  print_start("groups", told);
+  expect_text(found, wanted, "the groups");
+  print_start("groups", found);
   FreeSheetHandle(sheet);
 
-  /* The same file into a sheet of one's own. */
+  /* The same file, loaded into a sheet of our own. */
   expect(mine != NULL && LoadOldSheet(path, mine) == 0, "a load");
-  expect(GetOldSheetInfoByName(mine, "part_count", told) == 0 && atoi(told) == nest->parts, "the parts of a load");
+  expect(GetOldSheetInfoByName(mine, "part_count", found) == 0 && atoi(found) == nest->parts, "the parts of a load");
   DeleteSheetInfo(mine);
 }
 
@@ -301,11 +301,11 @@ static void edit(const char* path, const char* part) {
   free(before.data);
 }
 
-/* A save below version 152 stores more of the machine than a load of that version takes. A sheet that is
- * saved a second time then holds it where the lists behind the machine are expected. */
+/* A save below version 152 stores more of the machine than a load of that version expects. In a sheet that is
+ * loaded and saved again the surplus is read as the lists that follow the machine. */
 static void edit_old(const char* path) {
   OldSheet* sheet = NULL;
-  expect(ReplaceSheetMachineNcPath(path, "D:\\NC\\HALL2\\") == 0, "an edit does not tell what came of it");
+  expect(ReplaceSheetMachineNcPath(path, "D:\\NC\\HALL2\\") == 0, "an edit returns 0 whatever happens");
   expect(GetOldSheetHandle(path, &sheet) == 1 && sheet == NULL, "a sheet of version 112 after an edit");
   printf("  cannot be loaded any more, as docs/quirks.md warns\n");
 }
@@ -319,7 +319,13 @@ int main(int argc, char** argv) {
   static const int versions[] = {180, 112, 80};
   char path[260], copy[260], part[260], name[40];
   size_t i;
-  if (argc != 2) return 2;
+  if (argc != 2) {
+    fprintf(stderr,
+            "usage: example_nest_demo FOLDER\n"
+            "FOLDER holds the files of example_nest and example_demo: examples/demo.sh prepares it and runs this\n"
+            "program.\n");
+    return 2;
+  }
   for (i = 0; i < sizeof versions / sizeof *versions; ++i) {
     const Nest nest = {versions[i], kParts, NULL, keeps_skeleton(versions[i]) ? "19.750000" : "0.000000"};
     (void)snprintf(name, sizeof name, "nest_%d.sheet", versions[i]);

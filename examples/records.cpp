@@ -1,21 +1,13 @@
-// Loads a material, a macro and a part of version 5 into records and looks at their fields.
-#include "OldTorvIO/records.h"
+// Loads a material, a macro and a part of version 5 into records and prints some of their fields.
+#include "OldTorvIO.h"
 
 #include <iostream>
 #include <memory>
 #include <string>
-#include <string_view>
-
-#include "OldTorvIO.h"
 
 namespace {
 
-// A text that fills its field has no NUL.
-template <std::size_t N>
-std::string_view textOf(const char (&field)[N]) {
-  const std::string_view all(field, N);
-  return all.substr(0, all.find('\0'));
-}
+using oldtorvio::fixedText;
 
 bool showMaterial(const std::string& folder) {
   const auto steel = std::make_unique<OldMaterial>();  // too large for a stack
@@ -23,14 +15,14 @@ bool showMaterial(const std::string& folder) {
   const oldtorvio::AngleRule& rule = steel->rules.angleRules.front();
   const oldtorvio::StepTable& steps = steel->toolSets.sets[0].stepsA;
   std::cout << "steel.mat, version " << steel->version << "\n  name \"" << steel->name << "\", parameters \""
-            << textOf(steel->params.name) << "\" of version " << steel->params.version << "\n  "
+            << fixedText(steel->params.name) << "\" of version " << steel->params.version << "\n  "
             << steel->rules.angleRules.size() << " angle rules, the first for shape code " << int{rule.ruleCode}
             << " with " << int{rule.angleCount} << " value " << rule.ruleValues[0] << "\n  " << steel->toolSets.setCount
             << " tool set with " << int{steps.stepCount} << " steps, the last " << steps.stepWord[1]
             << "\n  parameter 101 = " << steel->params.realParams[101] << ", 401 = \""
-            << textOf(steel->params.textParams[401]) << "\"\n";
+            << fixedText(steel->params.textParams[401]) << "\"\n";
 
-  // The same record again: the short form stores its parameters and names it, the rest stays.
+  // Into the same record: the short form stores only parameters and a name, so the rest stays.
   if (LoadOldMaterial((folder + "/thick.mat").c_str(), steel.get()) != 0) return false;
   std::cout << "thick.mat, version " << steel->version << "\n  name \"" << steel->name << "\", still "
             << steel->toolSets.setCount << " tool set, parameter 55 = " << steel->params.realParams[55] << "\n";
@@ -53,8 +45,8 @@ bool showMacro(const std::string& folder) {
 bool showOldPart(const std::string& folder) {
   const auto part = std::make_unique<TorvPart>();
   if (LoadOldPart((folder + "/old.part").c_str(), part.get()) != 0) return false;
-  std::cout << "old.part, version " << part->version << "\n  \"" << textOf(part->partName) << "\" of "
-            << textOf(part->materialName) << ", " << part->width << " x " << part->height << " x " << part->thickness
+  std::cout << "old.part, version " << part->version << "\n  \"" << fixedText(part->partName) << "\" of "
+            << fixedText(part->materialName) << ", " << part->width << " x " << part->height << " x " << part->thickness
             << "\n";
   for (const oldtorvio::Shape& shape : part->shapes.shapes)
     std::cout << "  shape of type " << int{shape.type} << " at " << shape.x << ", " << shape.y << ", third value "

@@ -32,7 +32,7 @@ int loadBody(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMaterial>
 void setBeside(OldMaterial& material, int version, bool isLoadedTable) {
   frame::setPath(material.path, fuzzing::ScratchFile::path());
   material.version = static_cast<std::uint16_t>(version);
-  const std::string_view name = frame::textOf(material.params.name);
+  const std::string_view name = fixedText(material.params.name);
   if (isLoadedTable && !name.empty() && name.size() < 256) material.name = name;
 }
 

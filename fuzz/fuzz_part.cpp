@@ -46,7 +46,7 @@ void askByPath(std::int64_t status, const TorvPart& part, std::size_t which) {
     case 0:
       fuzzing::expect(GetOldPartInfo(path, text, &f[0], &f[1], &f[2]) == status);
       if (status == 0)
-        fuzzing::expect(text == frame::textOf(part.materialType) && std::memcmp(&f[0], &part.width, 4) == 0 &&
+        fuzzing::expect(text == fixedText(part.materialType) && std::memcmp(&f[0], &part.width, 4) == 0 &&
                         std::memcmp(&f[1], &part.height, 4) == 0 && std::memcmp(&f[2], &part.thickness, 4) == 0);
       break;
     case 1:

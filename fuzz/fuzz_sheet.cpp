@@ -141,16 +141,16 @@ void edit(int version, const OldSheet& sheet, std::size_t which) {
     fuzzing::expect(ReplaceSheetMachineNcPath(path, newText.c_str()) == 0);
   } else {
     if (sheet.partList.parts.empty()) return;
-    const std::string name(frame::baseName(frame::textOf(sheet.partList.parts.front().partFullDosName)));
+    const std::string name(frame::baseName(fixedText(sheet.partList.parts.front().partFullDosName)));
     fuzzing::expect(UpdateSheetPartWONumber(path, name.c_str(), nullptr, newText.c_str()) == 0);
   }
   if (!comesBack(sheet, version) || !canBeSaved(sheet)) return;
   OldSheet& edited = fuzzing::fresh<OldSheet, 1>();
   fuzzing::expect(LoadOldSheet(path, &edited) == 0);
   if (which % 2 == 0)
-    fuzzing::expect(frame::textOf(edited.machine.ncPath) == newText);
+    fuzzing::expect(fixedText(edited.machine.ncPath) == newText);
   else if (version >= 162)
-    fuzzing::expect(frame::textOf(edited.partList.parts.front().woNumber) == newText);
+    fuzzing::expect(fixedText(edited.partList.parts.front().woNumber) == newText);
 }
 
 }  // namespace

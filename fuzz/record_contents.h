@@ -218,7 +218,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
   void beside(const auto&) {}
   void beside(oldtorvio::Shape& s) { one(s.trailerValue); }
   void beside(oldtorvio::StepTable& t) { all(t.memoryFlag1, t.memoryFlag2, t.memoryWords); }
-  void beside(oldtorvio::SetupEntry& e) { one(e.memoryWord); }
+  void beside(oldtorvio::SetupEntry& e) { all(e.memoryByte1, e.memoryByte2, e.memoryBytes, e.memoryWord); }
   void beside(oldtorvio::PatternItem& i) { all(i.memoryWord1, i.memoryWord2); }
   void beside(oldtorvio::OldTool& t) {
     all(t.fileVersion, t.symmetryFlags, t.runtimeIndexA, t.runtimeIndexB, t.lateFlag, t.lateFlag2);
@@ -261,7 +261,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
   // Arrays that descriptions walk as far as they are counted.
   void arrays(const auto&) {}
   void arrays(oldtorvio::StepTable& t) {
-    for (std::size_t i = 0; i < t.stepWord.size(); ++i)
+    for (std::size_t i = 0; i < std::size(t.stepWord); ++i)
       all(t.stepByteA[i], t.stepWord[i], t.stepByteB[i], t.stepByteC[i]);
   }
   void arrays(oldtorvio::TorvPart& p) { places(p.processSlots); }
@@ -297,7 +297,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
     for (T& record : records) (void)whole(record);
   }
   template <class T, std::size_t N>
-  void places(oldtorvio::Places<T, N>& records) {
+  void places(oldtorvio::LazyArray<T, N>& records) {
     if (!sink_.list(records)) return;
     // A look at the const one makes none.
     for (const T& record : std::as_const(records)) (void)whole(const_cast<T&>(record));

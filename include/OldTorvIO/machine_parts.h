@@ -1,7 +1,6 @@
 // The tables of a machine: frame, clamps, work area, grid, extension, units.
 #pragma once
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -27,14 +26,10 @@ struct WorkArea {
 };
 
 struct MachineGrid {
-  static constexpr std::array<std::uint8_t, 40000> freshCells() {
-    std::array<std::uint8_t, 40000> cells{};
-    std::fill_n(cells.begin(), 10000, std::uint8_t{1});
-    return cells;
-  }
+  MachineGrid() { std::fill_n(gridCells, 10000, std::uint8_t{1}); }
 
   std::uint32_t gridHead1 = 0, gridHead2 = 0;
-  std::array<std::uint8_t, 40000> gridCells = freshCells();
+  std::uint8_t gridCells[40000] = {};  // the first 10000 are 1 in a fresh grid
   float cellSizeX = 5.0F, cellSizeY = 5.0F;
   std::int32_t gridWidth = 10;  // a load keeps the low 16 bits
   std::int32_t gridValue1 = 8;

@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdint>
 
-#include "OldTorvIO/places.h"
+#include "OldTorvIO/lazy_array.h"
 
 namespace oldtorvio {
 
@@ -23,7 +23,8 @@ struct ProcessSlot {
   std::int32_t slotKind = 3;           // since 80
 };
 
-// Those of a part or of a sheet, in use or not: processSlots[0] to processSlots[249].
-using ProcessSlots = Places<ProcessSlot, 250>;
+// The slots of a part or of a sheet, in use or not: processSlots[0] to processSlots[249]. Used like a plain
+// array of 250, but takes memory only for slots that were written to; LazyArray lists what differs.
+using ProcessSlots = LazyArray<ProcessSlot, 250>;
 
 }  // namespace oldtorvio

@@ -1,5 +1,6 @@
-// All records at once.
+// All records and the functions that get and set their texts. OldTorvIO.h includes this in C++.
 #pragma once
+#include "OldTorvIO/fixed_text.h"
 #include "OldTorvIO/machine.h"
 #include "OldTorvIO/macro.h"
 #include "OldTorvIO/material.h"

@@ -1,9 +1,12 @@
 // A sheet: one nest of parts on a plate, with the machine and the parameters it was made for.
 #pragma once
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <vector>
 
+#include "OldTorvIO/fixed_text.h"
 #include "OldTorvIO/machine.h"
 #include "OldTorvIO/mark.h"
 #include "OldTorvIO/param_table.h"
@@ -18,26 +21,32 @@
 
 namespace oldtorvio {
 
+struct OldSheet;
+// Gives a sheet the values of a new one, as construction does: sheetName "NEW SHEET", an empty sheetPath, 60 by
+// 45, 0.048 thick, listKind of shapes 0, textWidth 256, processSlotMode and auxiliaryFlag 1; processSlotCount,
+// rowTable, clampRowTable, headerWord, leadWords, trailingWords, utilization and partTextWord 0; sheetLabel,
+// skeletonDosName, partTexts, materialGroup, materialType, materialText3 to materialText5 and lateText empty.
+// All other fields, the lists among them, stay as they are.
+void InitOldSheet(OldSheet& sheet);
+
 // About 208 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
 // fills its field has no NUL. Words without a stated meaning are carried. A file without shapes stores
 // nothing of processSlotCount, processSlots, marks, profiles, stepTables, setupList and patternItems; a
 // load then leaves these fields as they are.
+//
+// InitOldSheet gives a new sheet its values: see there for what a field holds that is not 0 or empty.
 struct OldSheet {
-  static ShapeList freshShapes() {
-    ShapeList list;
-    list.listKind = 0;
-    return list;
-  }
+  OldSheet() { InitOldSheet(*this); }
 
-  std::uint16_t version = 0;            // version word of the file, also when it is refused
-  char sheetName[256] = "NEW SHEET";    // memory only
-  char sheetPath[260] = {};             // memory only; LoadOldSheetInformation sets it
-  float width = 60.0F, height = 45.0F;  // of the plate, in the suite's length unit
-  float thickness = 0.048F;             // of the plate
+  std::uint16_t version = 0;    // version word of the file, also when it is refused
+  char sheetName[256] = {};     // memory only; a load leaves it at "NEW SHEET"
+  char sheetPath[260] = {};     // memory only; LoadOldSheetInformation sets it
+  float width = 0, height = 0;  // of the plate, in the suite's length unit
+  float thickness = 0;          // of the plate
   SheetPartList partList;
   SheetSetupList setupList;
-  ShapeList shapes = freshShapes();  // of the sheet itself
-  PatternItemList patternItems;      // of the sheet itself
+  ShapeList shapes;              // of the sheet itself
+  PatternItemList patternItems;  // of the sheet itself
   MarkList marks;
   ProfileList profiles;
   std::int32_t transformKind = 1;                             // memory only
@@ -46,36 +55,61 @@ struct OldSheet {
   std::uint32_t headerWord = 0;
   StepTableList stepTables;
   std::int8_t processSlotCount = 0;                  // how many of processSlots are stored; below 1 none
-  std::int32_t processSlotMode = 1;                  // memory only
+  std::int32_t processSlotMode = 0;                  // memory only
   ProcessSlots processSlots;                         // 250
   std::vector<std::array<char, 256>> auxiliaryList;  // memory only
-  std::uint8_t auxiliaryFlag = 1;                    // memory only
-  std::vector<ShapeWorkBlock> blocks;                // since 152; only blocks that cannot be read whole are kept
-  std::int32_t textWidth = 256;  // bytes of sheetLabel, machine path and partTexts in the file, 1 to 256
+  std::uint8_t auxiliaryFlag = 0;                    // memory only
+  std::vector<ShapeWorkBlock> blocks;                // since 152; a load keeps only blocks that are cut off
+  std::int32_t textWidth = 0;  // bytes of sheetLabel, machine path and partTexts in the file, 1 to 256
   char sheetLabel[256] = {};
   WorkList workList;  // the sequence of the sheet
   RowTable rowTable;
   ClampRowTable clampRowTable;
-  ClampInfo clampInfo;              // of the sheet; the machine has its own
-  ParamTable paramTable;            // its integers are the driver flags, its name the material file; a save stores
-                                    // an empty table in the place of one of version 0
-  std::uint32_t leadWords[6] = {};  // the sixth since 54
-  OldMachine machine;               // its path stands in front of it since 61; empty below
-  std::uint32_t optionWord = 0;     // stored where the machine has no extension
-  std::vector<SheetTextEntry> textEntries;                // since 60
-  std::vector<NamedWorkList> namedWorkLists;              // since 60; a fault inside is passed over
-  std::uint32_t trailingWords[3] = {};                    // since 90
-  ShapeList skeletonShapes;                               // since 100
-  char skeletonDosName[260] = {};                         // since 100
-  float utilization = 0;                                  // since 102; of the plate, as the suite stored it
-  char partTexts[5][256] = {};                            // since 111, textWidth bytes each; see GetOldVLMQMaterialName
-  std::uint32_t partTextWord = 0;                         // since 111
-  char materialGroup[256] = {};                           // since 112
-  char materialType[256] = {};                            // since 112
+  ClampInfo clampInfo;                        // of the sheet; the machine has its own
+  ParamTable paramTable;                      // its integers are the driver flags, its name the material file; one of
+                                              // version 0 is stored with the version of the file (see SaveOldSheet)
+  std::uint32_t leadWords[6] = {};            // the sixth since 54
+  OldMachine machine;                         // its path is stored before it since 61; a load sets it, to empty below
+  std::uint32_t optionWord = 0;               // stored where the machine has no extension
+  std::vector<SheetTextEntry> textEntries;    // since 60
+  std::vector<NamedWorkList> namedWorkLists;  // since 60; a fault inside is ignored
+  std::uint32_t trailingWords[3] = {};        // since 90
+  ShapeList skeletonShapes;                   // since 100
+  char skeletonDosName[260] = {};             // since 100
+  float utilization = 0;                      // since 102; of the plate, as the suite stored it
+  char partTexts[5][256] = {};                // since 111, textWidth bytes each; see GetOldVLMQMaterialName
+  std::uint32_t partTextWord = 0;             // since 111
+  char materialGroup[256] = {};               // since 112
+  char materialType[256] = {};                // since 112
   char materialText3[256] = {}, materialText4[256] = {};  // since 112
   char materialText5[256] = {};                           // since 130
   double lateValue = 0;                                   // since 140
   char lateText[256] = {};                                // since 161
 };
+
+inline void InitOldSheet(OldSheet& sheet) {
+  (void)setFixedText(sheet.sheetName, "NEW SHEET");
+  sheet.sheetPath[0] = '\0';
+  sheet.width = 60.0F;
+  sheet.height = 45.0F;
+  sheet.thickness = 0.048F;
+  sheet.shapes.listKind = 0;
+  sheet.headerWord = 0;
+  sheet.processSlotCount = 0;
+  sheet.processSlotMode = 1;
+  sheet.auxiliaryFlag = 1;
+  sheet.textWidth = 256;
+  sheet.sheetLabel[0] = '\0';
+  sheet.rowTable = RowTable();
+  sheet.clampRowTable = ClampRowTable();
+  std::fill(std::begin(sheet.leadWords), std::end(sheet.leadWords), 0U);
+  std::fill(std::begin(sheet.trailingWords), std::end(sheet.trailingWords), 0U);
+  sheet.skeletonDosName[0] = '\0';
+  sheet.utilization = 0;
+  for (char(&text)[256] : sheet.partTexts) text[0] = '\0';
+  sheet.partTextWord = 0;
+  sheet.materialGroup[0] = sheet.materialType[0] = sheet.materialText3[0] = sheet.materialText4[0] = '\0';
+  sheet.materialText5[0] = sheet.lateText[0] = '\0';
+}
 
 }  // namespace oldtorvio

@@ -29,9 +29,9 @@ TorvPart partBuilder;
 
 constexpr std::uint32_t kGroupMember = 128;
 constexpr std::int8_t kGroupHead = 7;
-// What a path may have in a text of 256 with its NUL.
+// The longest path that a text of 256 holds with its NUL.
 constexpr std::size_t kLongestToolPath = 255;
-// A group's path is put together before anybody knows whether such a file exists.
+// The path of a group's tool is checked before the test whether the file exists.
 constexpr std::size_t kLongestGroupToolPath = 259;
 
 std::int32_t shapeCount() { return static_cast<std::int32_t>(partBuilder.shapes.shapes.size()); }
@@ -83,30 +83,26 @@ std::int32_t stationNamed(std::string_view toolName) {
   return 0;
 }
 
-std::string_view withoutToolExtension(std::string_view fileName) {
-  constexpr std::string_view kExtension = ".spt";
-  if (fileName.size() < kExtension.size()) return fileName;
-  const std::size_t stem = fileName.size() - kExtension.size();
-  return equalNoCase(fileName.substr(stem), kExtension) ? fileName.substr(0, stem) : fileName;
-}
+constexpr std::string_view kToolExtension = ".spt";
 
-// The first file of the folder of special tools that bears the name.
+// The path of the first file in the folder of special tools with that name, as this host opens it.
 std::optional<std::string> findToolFile(std::string_view toolName) {
   std::string folder = GetSpecialToolFolder();
   if (!folder.ends_with('\\')) folder += '\\';
+  const std::string wanted = std::string(toolName).append(kToolExtension);
   std::optional<std::string> found;
-  walkFolder(folder, [&](const std::string& fileName) {
-    if (!equalNoCase(withoutToolExtension(fileName), toolName)) return true;
-    found = folder + fileName;
+  walkFolder(folder, [&](const std::string& fileName, const std::string& path) {
+    if (!equalNoCase(fileName, wanted)) return true;
+    if (folder.size() + fileName.size() > kLongestToolPath) EndProcess();
+    found = path;
     return false;
   });
-  if (found && found->size() > kLongestToolPath) EndProcess();
   return found;
 }
 
 std::unique_ptr<OldSpecialTool> loadTool(const std::string& path) {
   auto tool = std::make_unique<OldSpecialTool>();
-  if (LoadOldSpecialTool(nativePath(path).c_str(), tool.get()) != kDone) tool.reset();
+  if (LoadOldSpecialTool(path.c_str(), tool.get()) != kDone) tool.reset();
   return tool;
 }
 
@@ -192,11 +188,12 @@ extern "C" int32_t AddPatternToTorvPart(float x, float y, uint8_t type, uint32_t
 extern "C" int32_t AddGroupPatIntoTorvPart(float x, float y, float angle, const char* toolName) noexcept {
   return guarded(std::int32_t{-1}, [&]() -> std::int32_t {
     if (toolName == nullptr) return -1;
-    // Put together as they stand: no separator, no folding of case.
-    const std::string path = GetSpecialToolFolder().append(toolName).append(".spt");
+    // Joined as they are: no separator is added, no case is folded.
+    const std::string path = GetSpecialToolFolder().append(toolName).append(kToolExtension);
     if (path.size() > kLongestGroupToolPath) EndProcess();
-    if (!fileExists(path)) return -1;
-    const auto tool = loadTool(path);
+    const auto file = findFile(path);
+    if (!file) return -1;
+    const auto tool = loadTool(*file);
     if (!tool) return -1;
 
     std::vector<Shape> members = std::move(tool->shapes.shapes);

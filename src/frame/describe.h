@@ -38,7 +38,7 @@
 //   repair(record, [](auto& r))  reader only, when all before it succeeded
 //   tail(F(a))                   a short read inside ends the record with success; a refusal does not
 //   lenient(chain)               any failure inside ends the record with success
-//   ignored(chain)               a failure inside changes nothing: the walk goes on behind it
+//   ignored(chain)               a failure inside is ignored, in a writer too: the walk goes on after it
 //   skipUnless(F(a), chain)      where a cannot be read the chain is skipped and the walk goes on
 //
 // Where reader and writer differ.

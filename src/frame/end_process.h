@@ -6,4 +6,8 @@ namespace oldtorvio {
 // not fit a checked copy. What a file holds leads here where the public header says so and nowhere else.
 [[noreturn]] void EndProcess() noexcept;
 
+// The same for an index outside a list of the file: std::out_of_range is thrown with the text "invalid vector<T>
+// subscript" and not caught, so that the text appears on the error stream.
+[[noreturn]] void EndProcessForSubscript() noexcept;
+
 }  // namespace oldtorvio

@@ -40,12 +40,14 @@ std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept;
 // and key without regard to case; outer blanks and one pair of quotes are taken off.
 std::string profileText(std::string_view section, std::string_view key, std::size_t size);
 
-// The folder and file functions for special tools take "\" and "/" alike on every host.
-// Calls visit(name) for each file of the folder (no folders) in the system's order until it gives
-// false.
-void walkFolder(const std::string& folder, const std::function<bool(const std::string& name)>& visit);
-bool fileExists(const std::string& path);
-// The path as this host's file functions take it.
-std::string nativePath(std::string_view path);
+// The paths of special tools are separated by "\". Where the host's separator is "/", a path is tried as it
+// is first, and with each "\" as "/" second.
+//
+// Calls visit(name, path) for each file of the folder (no folders) in the system's order until it returns
+// false. `path` opens the file on this host.
+void walkFolder(const std::string& folder,
+                const std::function<bool(const std::string& name, const std::string& path)>& visit);
+// The path under which this host has the file (or folder), nothing if it has none.
+std::optional<std::string> findFile(const std::string& path);
 
 }  // namespace oldtorvio::frame

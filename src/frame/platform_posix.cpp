@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 #include "src/frame/platform.h"
 #include "src/frame/profile_text.h"
@@ -16,6 +17,11 @@ namespace {
 bool isFolder(const std::string& path) {
   struct stat info {};
   return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+std::string withSlashes(std::string path) {
+  std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
 }
 
 std::string contentOf(const std::string& path) {
@@ -70,25 +76,32 @@ std::string profileText(std::string_view section, std::string_view key, std::siz
   return value;
 }
 
-std::string nativePath(std::string_view path) {
-  std::string native(path);
-  std::replace(native.begin(), native.end(), '\\', '/');
-  return native;
-}
+void walkFolder(const std::string& folder,
+                const std::function<bool(const std::string& name, const std::string& path)>& visit) {
+  std::vector<std::string> spellings = {folder, withSlashes(folder)};
+  // A final "\" may only separate the folder from the names of its files.
+  if (folder.size() > 1 && folder.back() == '\\')
+    spellings.insert(spellings.begin() + 1, folder.substr(0, folder.size() - 1));
 
-void walkFolder(const std::string& folder, const std::function<bool(const std::string& name)>& visit) {
-  const std::string native = nativePath(folder) + '/';
   const auto closeFolder = [](DIR* open) { (void)::closedir(open); };
-  const std::unique_ptr<DIR, decltype(closeFolder)> open(::opendir(native.c_str()), closeFolder);
-  if (!open) return;
-  while (const dirent* entry = ::readdir(open.get())) {
-    const std::string name(entry->d_name);
-    if (isFolder(native + name)) continue;
-    if (!visit(name)) return;
+  for (const std::string& spelling : spellings) {
+    const std::unique_ptr<DIR, decltype(closeFolder)> open(::opendir(spelling.c_str()), closeFolder);
+    if (!open) continue;
+    while (const dirent* entry = ::readdir(open.get())) {
+      const std::string name(entry->d_name);
+      const std::string path = spelling + '/' + name;
+      if (isFolder(path)) continue;
+      if (!visit(name, path)) return;
+    }
+    return;
   }
 }
 
-bool fileExists(const std::string& path) { return ::access(nativePath(path).c_str(), F_OK) == 0; }
+std::optional<std::string> findFile(const std::string& path) {
+  for (const std::string& spelling : {path, withSlashes(path)})
+    if (::access(spelling.c_str(), F_OK) == 0) return spelling;
+  return std::nullopt;
+}
 
 }  // namespace oldtorvio::frame
 #endif

@@ -26,9 +26,8 @@ std::string profileText(std::string_view section, std::string_view key, std::siz
   return std::string(value.data(), length);
 }
 
-std::string nativePath(std::string_view path) { return std::string(path); }
-
-void walkFolder(const std::string& folder, const std::function<bool(const std::string& name)>& visit) {
+void walkFolder(const std::string& folder,
+                const std::function<bool(const std::string& name, const std::string& path)>& visit) {
   struct Search {
     HANDLE handle;
     ~Search() {
@@ -40,11 +39,13 @@ void walkFolder(const std::string& folder, const std::function<bool(const std::s
   if (search.handle == INVALID_HANDLE_VALUE) return;
   do {
     if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
-    if (!visit(found.cFileName)) return;
+    if (!visit(found.cFileName, folder + "\\" + found.cFileName)) return;
   } while (::FindNextFileA(search.handle, &found) != 0);
 }
 
-bool fileExists(const std::string& path) { return ::_access(path.c_str(), 0) == 0; }
+std::optional<std::string> findFile(const std::string& path) {
+  return ::_access(path.c_str(), 0) == 0 ? std::optional(path) : std::nullopt;
+}
 
 }  // namespace oldtorvio::frame
 #endif

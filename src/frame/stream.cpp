@@ -92,13 +92,20 @@ bool OutStream::flush() { return handOver(used_); }
 bool OutStream::handOver(std::size_t size) {
   if (file_ == nullptr) return true;
   if (!failed_ && size > 0) failed_ = std::fwrite(buffer_.get(), 1, size, file_) != size;
+  if (failed_) {
+    // Nothing more can be stored: every later room() fails too.
+    handedOver_ += used_;
+    used_ = capacity_ = 0;
+    return false;
+  }
   used_ -= size;
   handedOver_ += size;
   if (used_ > 0) std::memmove(buffer_.get(), buffer_.get() + size, used_);
-  return !failed_;
+  return true;
 }
 
 bool OutStream::makeRoom(std::size_t size) {
+  if (failed_) return false;
   if (file_ != nullptr && capacity_ >= kLargestBuffer) {
     // Whole pages only: the system then never has to come back to a page that it has half written.
     if (!handOver(used_ - used_ % kPage)) return false;

@@ -21,9 +21,9 @@ std::string number(double value, std::chars_format format, int precision) {
 
 }  // namespace
 
-void giveBoundedText(std::string_view text, char* to, std::int32_t size, std::uint32_t& length) {
+void copyOutBounded(std::string_view text, char* to, std::int32_t size, std::uint32_t& length) {
   length = static_cast<std::uint32_t>(text.size());
-  if (static_cast<std::int64_t>(text.size()) < size) giveText(to, text);
+  if (static_cast<std::int64_t>(text.size()) < size) copyOut(to, text);
 }
 
 bool equalNoCase(std::string_view a, std::string_view b) {

@@ -34,9 +34,9 @@ inline constexpr VersionSet kPartVersions{2,   3,   5,   52,  54,  60,  61,  62,
 inline constexpr VersionSet kSpecialToolVersions{0,   1,   52,  54,  60,  90,  91,  92,  100,        101, 102,
                                                  110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 
-// Sheets and machines are tested against this list as well before their own.
-inline constexpr VersionSet kToolInventoryVersions{1,   6,   52,  54,  60,  80,  90,  91,  92,         100, 101, 102,
-                                                   110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
+// The queries and edits of sheets and the queries of machines test the version word against this list first.
+inline constexpr VersionSet KnownSheetVersions{1,   6,   52,  54,  60,  80,  90,  91,  92,         100, 101, 102,
+                                               110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 
 inline constexpr VersionSet kMacroVersions{3,   5,   52,  54,  60,  61,  62,  80,  90,  91,         92,  100, 101,
                                            102, 110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
@@ -58,13 +58,14 @@ inline constexpr int kVersion5 = 5;  // of parts
 constexpr bool isSpecialToolVersion(int version) {
   return version >= kFirstMainVersion && kSpecialToolVersions.has(version);
 }
-constexpr bool isToolInventoryVersion(int version) { return version >= 54 && kToolInventoryVersions.has(version); }
+// Tool inventories have the same list.
+constexpr bool isToolInventoryVersion(int version) { return version >= 54 && KnownSheetVersions.has(version); }
 constexpr bool isMacroVersion(int version) { return version >= kFirstMainVersion && kMacroVersions.has(version); }
 // Machines have no list, but the queries on the current machine take those of inventories alone.
 constexpr bool isMachineVersion(int version) { return version >= kFirstMainVersion && version <= VersionSet::kHighest; }
 constexpr bool isKnownSheetVersion(int version) { return isToolInventoryVersion(version); }
-// The edits of sheets look at the list alone.
-constexpr bool isListedSheetVersion(int version) { return kToolInventoryVersions.has(version); }
+// The edits of sheets test only the list.
+constexpr bool isListedSheetVersion(int version) { return KnownSheetVersions.has(version); }
 constexpr bool isSheetVersion(int version) {
   return version >= kFirstMainVersion && (version <= VersionSet::kHighest || version >= 500);
 }

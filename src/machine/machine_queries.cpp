@@ -115,18 +115,18 @@ extern "C" void LoadOldStationToolFromMachine(int32_t index, int32_t* stationNum
   dimensions[2] = hasTool ? tool.dimension3 : 0;
   for (int i = 0; i < 6; ++i) values[i] = i < station.valueCount ? station.values[i] : 0;
   std::copy(std::begin(station.offsets), std::end(station.offsets), offsets);
-  if (*shapeCode == kSpecialTool) giveText(specialToolPath, textOf(tool.specialToolPath));
+  if (*shapeCode == kSpecialTool) copyOut(specialToolPath, fixedText(tool.specialToolPath));
 }
 
 extern "C" int64_t GetOldVLMQMachineName(const char* path, char* displayName, uint32_t* kind, char* text2,
                                          char* secondText, char* lateText) noexcept {
   return loadCurrent(path, [&](int) {
     const OldMachine& m = currentMachine;
-    giveText(displayName, textOf(m.displayName));
+    copyOut(displayName, fixedText(m.displayName));
     *kind = static_cast<std::uint32_t>(m.machineKind);
-    giveText(text2, textOf(m.machineText2));
-    giveText(secondText, textOf(m.secondText));
-    giveText(lateText, textOf(m.lateText1));
+    copyOut(text2, fixedText(m.machineText2));
+    copyOut(secondText, fixedText(m.secondText));
+    copyOut(lateText, fixedText(m.lateText1));
   });
 }
 

@@ -19,7 +19,7 @@ std::int64_t loadShort(const char* path, OldMaterial& material) {
   InStream stream(file.handle());
   const int status = ReadParamTable(stream, material.params);
   if (status != 0) return status;
-  const std::string_view name = textOf(material.params.name);
+  const std::string_view name = fixedText(material.params.name);
   if (!name.empty() && name.size() < sizeof material.params.name) material.name = name;
   return kDone;
 }

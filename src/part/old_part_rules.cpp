@@ -7,9 +7,9 @@
 #include <cstring>
 #include <numbers>
 #include <span>
+#include <string_view>
 
 #include "src/frame/reader.h"
-#include "src/records/small_layouts.h"
 
 namespace oldtorvio {
 namespace {
@@ -93,6 +93,17 @@ std::uint16_t shortAt(const std::uint8_t* from) {
 }
 
 bool isNearlyZero(float value) { return std::fabs(static_cast<double>(value)) < 0.0001; }
+
+// The characters take the bytes that the fields from setupShort2 to setupByte4 have in memory on a
+// little-endian host; on any other the fields have the same values.
+void setContinuationText(SetupEntry& e, std::string_view text) {
+  std::array<std::byte, OldSetupRecord::kTextSize> image{};
+  std::memcpy(image.data(), text.data(), text.size());
+  frame::InStream stream{std::span<const std::byte>(image)};
+  frame::Reader io(stream);
+  (void)io.fields(F(e.setupShort2, e.setupByte1, e.memoryByte1, e.setupShort3, e.setupByte2, e.memoryByte2,
+                    e.setupShort4, e.setupByte3, e.memoryBytes, e.setupBlock, e.setupWord1, e.setupByte4));
+}
 
 void setBlock(SetupEntry& entry, float first, float second) {
   frame::wire::Item<float>::store(first, reinterpret_cast<std::byte*>(entry.setupBlock));
@@ -239,17 +250,11 @@ void appendText(SetupList& list, const OldSetupRecord& record, const std::string
   head.setupByte1 = record.type() == 7 ? '0' : 0;
   head.setupByte2 = head.setupByte3 = head.setupByte4 = 0;
 
-  // The text takes the place of the fields behind the type, as they are stored.
-  constexpr std::uint8_t kContinuation = 8;
+  constexpr std::uint16_t kContinuation = 8;
   for (std::size_t i = 0; i < pieces; ++i) {
-    std::array<std::byte, 34> stored{};
-    stored[0] = std::byte{kContinuation};
-    const std::size_t length = std::min(kPiece, text.size() - i * kPiece);
-    std::memcpy(stored.data() + 2, text.data() + i * kPiece, length);
-    frame::InStream stream{std::span<const std::byte>(stored)};
-    frame::Reader io(stream);
     SetupEntry& piece = list.entries.emplace_back();
-    (void)frame::describeShortSetupEntry(io, piece);
+    piece.setupShort1 = kContinuation;
+    setContinuationText(piece, std::string_view(text).substr(i * kPiece, kPiece));
   }
 }
 

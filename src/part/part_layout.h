@@ -201,7 +201,7 @@ struct Layout<TorvPart> {
         && describeBody(io, p, form)
         && io.repair(p, [&](auto& r) {
              copyText(r.partName, partName);
-             setText(r.partFullDosName, textOf(partFullDosName));
+             setText(r.partFullDosName, fixedText(partFullDosName));
            });
   }
 

@@ -48,7 +48,7 @@ using namespace oldtorvio::frame;
 extern "C" int64_t GetOldPartInfo(const char* path, char* materialType, float* width, float* height,
                                   float* thickness) noexcept {
   return askPart(path, [&](const TorvPart& part) {
-    giveText(materialType, textOf(part.materialType));
+    copyOut(materialType, fixedText(part.materialType));
     *width = part.width;
     *height = part.height;
     *thickness = part.thickness;
@@ -60,13 +60,13 @@ extern "C" int64_t GetOldPartInfo_v1(const char* path, const char* key, char* va
   if (path == nullptr || key == nullptr || value == nullptr) return kDamaged;
   return askPart(path, [&](const TorvPart& part) {
     if (equalNoCase(key, "angle"))
-      giveText(value, general(angleOf(part)));
+      copyOut(value, general(angleOf(part)));
     else if (equalNoCase(key, "Revision"))
-      giveText(value, textOf(part.revision));
+      copyOut(value, fixedText(part.revision));
     else if (equalNoCase(key, "MatType"))
-      giveText(value, textOf(part.materialType));
+      copyOut(value, fixedText(part.materialType));
     else if (equalNoCase(key, "Thickness"))
-      giveText(value, general(static_cast<double>(part.thickness)));
+      copyOut(value, general(static_cast<double>(part.thickness)));
     else
       return kDamaged;
     return kDone;
@@ -79,7 +79,7 @@ extern "C" int64_t GetOldPartTool(const char* path, char* text, int32_t size, ui
     eachTool(part.toolStations, [&](const OldTool& tool) {
       if (const std::string item = toolText(tool); !item.empty()) items.append(item).append(",");
     });
-    giveBoundedText(items, text, size, *length);
+    copyOutBounded(items, text, size, *length);
     return kDone;
   });
 }
@@ -88,9 +88,9 @@ extern "C" int64_t GetOldSptFromPart(const char* path, char* text) noexcept {
   return askPart(path, [&](const TorvPart& part) {
     std::string paths;
     eachTool(part.toolStations, [&](const OldTool& tool) {
-      if (tool.shapeCode == kSpecialTool) paths.append(",").append(textOf(tool.specialToolPath)).append(",");
+      if (tool.shapeCode == kSpecialTool) paths.append(",").append(fixedText(tool.specialToolPath)).append(",");
     });
-    if (!paths.empty()) giveText(text + std::string_view(text).size(), paths);
+    if (!paths.empty()) copyOut(text + std::string_view(text).size(), paths);
     return kDone;
   });
 }
@@ -103,9 +103,9 @@ extern "C" int64_t GetOldSptFromGroupPart(const char* path, char* text, int32_t 
     std::string paths;
     for (const TorvPart& part : list.parts)
       eachTool(part.toolStations, [&](const OldTool& tool) {
-        if (tool.shapeCode == kSpecialTool) paths.append(textOf(tool.specialToolPath)).append(",");
+        if (tool.shapeCode == kSpecialTool) paths.append(fixedText(tool.specialToolPath)).append(",");
       });
-    giveBoundedText(paths, text, size, *length);
+    copyOutBounded(paths, text, size, *length);
     return kDone;
   });
 }

@@ -13,7 +13,7 @@ std::string toolText(const OldTool& tool) {
   appendInteger(text, tool.shapeCode);
   text += ' ';
   if (tool.shapeCode == kSpecialTool) {
-    text += baseName(textOf(tool.specialToolPath));
+    text += baseName(fixedText(tool.specialToolPath));
     text += ' ';
   } else {
     for (const float dimension : {tool.dimension1, tool.dimension2, tool.dimension3}) {

@@ -26,7 +26,7 @@ using namespace oldtorvio;
 
 extern "C" int64_t ReplaceSheetMachineNcPath(const char* path, const char* ncPath) noexcept {
   return edit(path, [&](OldSheet& sheet) {
-    if (equalNoCase(textOf(sheet.machine.ncPath), ncPath)) return false;
+    if (equalNoCase(fixedText(sheet.machine.ncPath), ncPath)) return false;
     setText(sheet.machine.ncPath, ncPath);
     return true;
   });
@@ -56,8 +56,8 @@ extern "C" int64_t UpdateSheetPartWONumber(const char* path, const char* partNam
   return edit(path, [&](OldSheet& sheet) {
     bool changed = false;
     for (TorvPart& part : sheet.partList.parts) {
-      if (baseName(textOf(part.partFullDosName)) != partName) continue;
-      if (oldNumber != nullptr && textOf(part.woNumber) != oldNumber) continue;
+      if (baseName(fixedText(part.partFullDosName)) != partName) continue;
+      if (oldNumber != nullptr && fixedText(part.woNumber) != oldNumber) continue;
       setText(part.woNumber, newNumber);
       changed = true;
     }

@@ -95,13 +95,13 @@ class UsedTools {
 
 std::string partNamesOf(const OldSheet& sheet) {
   std::string all = ",";
-  for (const TorvPart& part : sheet.partList.parts) all.append(textOf(part.partName)).append(",");
+  for (const TorvPart& part : sheet.partList.parts) all.append(fixedText(part.partName)).append(",");
   return all;
 }
 
 void giveSized(const std::string& text, char* to, std::int32_t size, std::int32_t* length) {
   std::uint32_t needed = 0;
-  giveBoundedText(text, to, size, needed);
+  copyOutBounded(text, to, size, needed);
   *length = static_cast<std::int32_t>(needed);
 }
 
@@ -117,19 +117,19 @@ extern "C" int64_t GetOldSheetInfo(const char* path, char* materialName, char* m
                                    char* tools, int32_t toolsSize, int32_t* toolsLength) noexcept {
   return withSheet(path, isKnownSheetVersion, [&](const OldSheet& sheet, int) {
     // Everything that takes memory comes before the first output.
-    const std::string material = std::string(textOf(sheet.paramTable.name)) + ".mat";
+    const std::string material = std::string(fixedText(sheet.paramTable.name)) + ".mat";
     const std::string names = partNamesOf(sheet);
     const std::string usedTools = UsedTools(sheet).text();
 
-    giveText(materialName, material);
-    giveText(materialFile, material);
-    giveText(materialGroup, textOf(sheet.materialGroup));
-    giveText(materialType, textOf(sheet.materialType));
-    giveText(materialText3, textOf(sheet.materialText3));
-    giveText(materialText4, textOf(sheet.materialText4));
-    giveText(materialText5, textOf(sheet.materialText5));
-    giveText(machinePath, textOf(sheet.machine.path));
-    giveText(sheetLabel, textOf(sheet.sheetLabel));
+    copyOut(materialName, material);
+    copyOut(materialFile, material);
+    copyOut(materialGroup, fixedText(sheet.materialGroup));
+    copyOut(materialType, fixedText(sheet.materialType));
+    copyOut(materialText3, fixedText(sheet.materialText3));
+    copyOut(materialText4, fixedText(sheet.materialText4));
+    copyOut(materialText5, fixedText(sheet.materialText5));
+    copyOut(machinePath, fixedText(sheet.machine.path));
+    copyOut(sheetLabel, fixedText(sheet.sheetLabel));
     *width = sheet.width;
     *height = sheet.height;
     *thickness = sheet.thickness;

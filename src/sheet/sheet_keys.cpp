@@ -43,17 +43,17 @@ std::string listOf(const OldSheet& sheet, const Item& append) {
 }
 
 void appendPathAndCount(std::string& text, const TorvPart& part) {
-  text.append(textOf(part.partFullDosName)).append(" |").append(integer(quantityOf(part))).append(" |");
+  text.append(fixedText(part.partFullDosName)).append(" |").append(integer(quantityOf(part))).append(" |");
 }
 void appendWithOrder(std::string& text, std::string_view name, const TorvPart& part) {
   text.append(name).append(" |").append(integer(quantityOf(part))).append(" |");
-  text.append(textOf(part.woNumber)).append(" |");
+  text.append(fixedText(part.woNumber)).append(" |");
 }
 void appendDetails(std::string& text, const TorvPart& part) {
-  text.append(textOf(part.partFullDosName)).append("|");
+  text.append(fixedText(part.partFullDosName)).append("|");
   text.append(fixed6(static_cast<double>(part.width))).append("|");
   text.append(fixed6(static_cast<double>(part.height))).append("|");
-  text.append(integer(quantityOf(part))).append("|").append(textOf(part.woNumber)).append("|;|");
+  text.append(integer(quantityOf(part))).append("|").append(fixedText(part.woNumber)).append("|;|");
 }
 
 // Cut shapes of the skeleton are marked by one of their values.
@@ -76,25 +76,25 @@ struct Key {
 constexpr std::size_t kLongestSkeletonName = sizeof(OldSheet::skeletonDosName);
 
 const Key kKeys[] = {
-    {"Material_Group", [](const OldSheet& s) { return std::string(textOf(s.materialGroup)); }},
+    {"Material_Group", [](const OldSheet& s) { return std::string(fixedText(s.materialGroup)); }},
     {"width", [](const OldSheet& s) { return fixed6(static_cast<double>(s.width)); }},
     {"height", [](const OldSheet& s) { return fixed6(static_cast<double>(s.height)); }},
     {"part_count", [](const OldSheet& s) { return integer(static_cast<std::int64_t>(s.partList.parts.size())); }},
     {"partfulldosname_and_count", [](const OldSheet& s) { return listOf(s, appendPathAndCount); }},
     {"partfulldosname_and_count_and_wonumber",
      [](const OldSheet& s) {
-       return listOf(s, [](auto& text, auto& part) { appendWithOrder(text, textOf(part.partFullDosName), part); });
+       return listOf(s, [](auto& text, auto& part) { appendWithOrder(text, fixedText(part.partFullDosName), part); });
      }},
     {"partname_and_count_and_wonumber",
      [](const OldSheet& s) {
-       return listOf(s, [](auto& text, auto& part) { appendWithOrder(text, textOf(part.partName), part); });
+       return listOf(s, [](auto& text, auto& part) { appendWithOrder(text, fixedText(part.partName), part); });
      }},
     {"part_details_01", [](const OldSheet& s) { return listOf(s, appendDetails); }},
-    {"sheet_mat_type", [](const OldSheet& s) { return std::string(textOf(s.materialType)); }},
+    {"sheet_mat_type", [](const OldSheet& s) { return std::string(fixedText(s.materialType)); }},
     {"sheet_thickness", [](const OldSheet& s) { return fixed6(static_cast<double>(s.thickness)); }},
     // The name itself is what is printed, directives and all.
     {"preSkeletonDosName",
-     [](const OldSheet& s) { return printedWithoutValues(textOf(s.skeletonDosName), kLongestSkeletonName); }},
+     [](const OldSheet& s) { return printedWithoutValues(fixedText(s.skeletonDosName), kLongestSkeletonName); }},
     {"totalSknPartCutArea", cutArea},
     {"sheet_utilization", [](const OldSheet& s) { return fixed6(static_cast<double>(s.utilization)); }},
     {"sheet_sequence_size", [](const OldSheet& s) { return integer(static_cast<std::int64_t>(s.workList.size())); }},
@@ -110,7 +110,7 @@ extern "C" int64_t GetOldSheetInfoByName(const OldSheet* sheet, const char* key,
   return guarded(kDamaged, [&]() -> std::int64_t {
     for (const Key& one : kKeys)
       if (equalNoCase(key, one.name)) {
-        giveText(value, one.answer(*sheet));
+        copyOut(value, one.answer(*sheet));
         break;
       }
     return kDone;
@@ -127,7 +127,7 @@ extern "C" int64_t GetOldSheetInfoPartGroupIDs(const OldSheet* sheet, char* valu
           text.append(integer(group)).append("|");
       text += ',';
     }
-    giveText(value, text);
+    copyOut(value, text);
     return kDone;
   });
 }

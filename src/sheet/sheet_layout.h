@@ -1,5 +1,6 @@
 // Stored form of a sheet behind its version word, and of the lists that only sheets have.
 #pragma once
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -22,16 +23,18 @@ struct Layout<SheetPartList> {
         // Without parts not even the width is stored, and the list stays as it was.
         && io.when(partCount != 0, [&] {
              return io.fields(F(l.nameWidth))
-                 && io.atMost(F(l.nameWidth), sizeof(TorvPart::partName))
+                 // The width matters only where a name is stored.
+                 && io.when(partCount > 0, [&] { return io.atMost(F(l.nameWidth), kWidestName); })
                  && io.clear(F(l.parts))
                  && io.when(partCount > 0, [&] { return describeParts(io, l, partCount); });
            });
   }
 
  private:
-  // A width of 0 or below would store no name, which is a failed read and a failed write.
+  static constexpr std::int32_t kWidestName = sizeof(TorvPart::partName);
+  // A width below 1 would store no name, which is a failed read and a failed write.
   static bool describeParts(auto& io, auto& l, std::int32_t partCount) {
-    return io.range(F(l.nameWidth), 1, 256)
+    return io.range(F(l.nameWidth), 1, kWidestName)
         && io.appendRun(partCount, F(l.parts), PartForm{PartForm::sheet, l.nameWidth});
   }
 };
@@ -140,7 +143,7 @@ struct Layout<OldSheet> {
         && describeMachine(io, s)
         && io.since(60, [&] {
              return io.countThenClear(F(s.textEntries))
-                 // Emptied in front of the count, and what goes wrong inside is nobody's business.
+                 // Emptied before the count is read; a failure inside is ignored.
                  && io.clear(F(s.namedWorkLists))
                  && io.ignored([&] { return io.append(F(s.namedWorkLists)); });
            })
@@ -153,14 +156,14 @@ struct Layout<OldSheet> {
         && io.since(112, F(s.materialGroup, s.materialType, s.materialText3, s.materialText4))
         && io.tail([&] { return io.since(130, F(s.materialText5)) && io.since(140, F(s.lateValue)); })
         && io.since(152, [&] {
-             return io.differs([&] { return io.ignored([&] { return io.reversed(F(s.blocks)); }); },
-                               [&] { return storeBlocks(io, s); });
+             // Its result has the reverse meaning, and is ignored.
+             return io.ignored([&] { return io.reversed(F(s.blocks)); });
            })
         && io.since(161, F(s.lateText));
   }
 
  private:
-  // The file's count decides, not what a record in use still holds.
+  // The file's count decides, not the shapes that the record already holds.
   static bool describeOwnShapes(auto& io, auto& s) {
     std::int32_t shapeCount = io.countOf(s.shapes.shapes);
     return io.fields(F(s.shapes.listTag, s.shapes.listKind, shapeCount))
@@ -181,21 +184,25 @@ struct Layout<OldSheet> {
     return io.fields(F(spareWord));
   }
 
-  // A table that was never loaded or set is stored empty, in the layout of the file's version.
-  static bool isUnset(const OldSheet& s) { return s.paramTable.version == 0; }
+  // A table of version 0 was made by a caller, not loaded: a file has no layout for it. It is stored with
+  // its contents in the layout of the file's version.
+  static bool hasNoVersion(const ParamTable& table) { return table.version == 0; }
   static bool describeParams(auto& io, auto& s) {
     return io.differs([&] { return io.record(F(s.paramTable)); },
                       [&] {
-                        const auto empty = isUnset(s) ? emptyParams(io.version()) : nullptr;
-                        auto& paramTable = empty ? *empty : s.paramTable;
+                        const auto versioned =
+                            hasNoVersion(s.paramTable) ? withVersion(s.paramTable, io.version()) : nullptr;
+                        auto& paramTable = versioned ? *versioned : s.paramTable;
                         return io.record(F(paramTable));
                       });
   }
-  static std::unique_ptr<ParamTable> emptyParams(int version) {
-    auto table = std::make_unique<ParamTable>();
-    table->version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
-    table->nameLength = 1;
-    return table;
+  static std::unique_ptr<ParamTable> withVersion(const ParamTable& table, int version) {
+    auto versioned = std::make_unique<ParamTable>(table);
+    versioned->version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
+    // With its NUL, as the suite stores it. A name that fills its field has none.
+    const std::size_t nameSize = std::min(fixedText(table.name).size() + 1, sizeof table.name);
+    versioned->nameLength = std::max(table.nameLength, static_cast<std::int32_t>(nameSize));
+    return versioned;
   }
 
   static bool describeMachine(auto& io, auto& s) {
@@ -208,16 +215,10 @@ struct Layout<OldSheet> {
                       })
         && io.since(61, [&] { return io.sized(F(machinePath), s.textWidth); })
         && io.record(F(s.machine), MachineForm<std::remove_reference_t<decltype(s.shapes)>>{
-                                       &s.shapes, false, isUnset(s) ? 256 : 0})
-        && io.repair(s.machine, [&](auto& m) { setText(m.path, textOf(machinePath)); })
+                                       &s.shapes, false, hasNoVersion(s.paramTable) ? 256 : 0})
+        && io.repair(s.machine, [&](auto& m) { setText(m.path, fixedText(machinePath)); })
         && io.when(s.machine.hasExtension != 0, [&] { return io.countFirst(F(s.machine.extension.extensionEntries)); })
         && io.when(s.machine.hasExtension == 0, F(s.optionWord));
-  }
-
-  // Its result says the reverse and is never heeded.
-  static bool storeBlocks(auto& io, auto& s) {
-    (void)io.reversed(F(s.blocks));
-    return true;
   }
 };
 

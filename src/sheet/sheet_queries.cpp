@@ -27,8 +27,8 @@ extern "C" int64_t GetOldClampInfo(const char* path, uint32_t* word, float* firs
 
 extern "C" int64_t GetOldVLMQMaterialName(const char* path, char* text3, char* text5) noexcept {
   return withSheet(path, isKnownSheetVersion, [&](const OldSheet& sheet, int) {
-    giveText(text3, textOf(sheet.partTexts[2]));
-    giveText(text5, textOf(sheet.partTexts[4]));
+    copyOut(text3, fixedText(sheet.partTexts[2]));
+    copyOut(text5, fixedText(sheet.partTexts[4]));
   });
 }
 

@@ -43,14 +43,12 @@ void giveName(const OldTool& tool, char* name) {
   if (tool.shapeCode == kSpecialTool) {
     const auto& files = currentToolInventory.specialToolFiles;
     const std::int64_t index = std::int64_t{tool.specialToolIndex} - 1;
-    if (index < 0 || static_cast<std::size_t>(index) >= files.size()) EndProcess();
-    const auto& file = files[static_cast<std::size_t>(index)];
-    giveText(name, baseName({file.data(),
-                             static_cast<std::size_t>(std::find(file.begin(), file.end(), '\0') - file.begin())}));
+    if (index < 0 || static_cast<std::size_t>(index) >= files.size()) EndProcessForSubscript();
+    copyOut(name, baseName(fixedText(files[static_cast<std::size_t>(index)])));
     return;
   }
   for (const ToolKind& kind : kToolKinds)
-    if (kind.shapeCode == tool.shapeCode) giveText(name, kind.name);
+    if (kind.shapeCode == tool.shapeCode) copyOut(name, kind.name);
 }
 
 void giveValues(std::int32_t count, const float (&values)[6], float* const (&to)[6]) {

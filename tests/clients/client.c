@@ -182,6 +182,18 @@ static void ask_a_sheet(const char* path, const char* part) {
   DeleteSheetInfo(NULL);
 }
 
+/* The named types are the ones that the functions use: a pointer to each function takes its address without a cast. */
+static void name_the_types(void) {
+  Status (*load)(const char*, OldSheet*) = LoadOldSheet;
+  Status (*save)(const char*, VersionWord) = SaveTorvPart;
+  Status32 (*information)(const char*) = LoadOldSheetInformation;
+  const Status status = load("", NULL);
+  const Status32 status32 = information("");
+  EXPECT(status == -2 && status32 == -2 && save("", 180) == -2);
+  EXPECT(sizeof(Status) == 8 && sizeof(Status32) == 4 && sizeof(VersionWord) == 2);
+  EXPECT((Status)-1 < 0 && (Status32)-1 < 0 && (VersionWord)-1 < 0);
+}
+
 int main(int argc, char** argv) {
   const uint32_t values[9] = {0};
   char path[1024], sheet_path[1024], text[1024] = "unchanged";
@@ -193,6 +205,7 @@ int main(int argc, char** argv) {
   (void)snprintf(path, sizeof path, "%s/client_c.part", argc > 1 ? argv[1] : ".");
   (void)snprintf(sheet_path, sizeof sheet_path, "%s/client_c.sheet", argc > 1 ? argv[1] : ".");
 
+  name_the_types();
   EXPECT(list != NULL);
   InitTorvPart(1.5f, 2.5f, 0.25f, -1, NULL, NULL, NULL, NULL, NULL, NULL);
   EXPECT(SaveTorvPart(path, 180) == -2); /* no shape yet */

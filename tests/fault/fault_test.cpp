@@ -373,9 +373,10 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFileForTheOtherKinds) {
 
 // ---- a disk that is full ----------------------------------------------------------------------
 
-// Stores with room for 0, 1, 2, ... bytes in front of the hand-over that fails, up to all that is stored.
+// Stores with room for 0, 1, 2, ... bytes before the hand-over that fails, up to all that is stored. A failure in the
+// last bytes that are ignored shows only in the stream.
 template <class Write>
-void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& write) {
+void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& write, std::size_t ignored = 0) {
   constexpr std::size_t kAll = std::size_t{1} << 20U;
   const std::size_t size = written(write).size();
   ASSERT_LT(size, kAll) << what;
@@ -384,7 +385,7 @@ void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& w
     const frame::File file = frame::File::openToWrite("/dev/full");
     OutStream stream(file.handle());
     ASSERT_NE(stream.room(kAll - left), nullptr);
-    ASSERT_FALSE(write(stream)) << what << ", full behind " << left << " of " << size;
+    ASSERT_EQ(write(stream), left + ignored >= size) << what << ", full behind " << left << " of " << size;
     ASSERT_TRUE(stream.failed()) << what << ", full behind " << left << " of " << size;
   }
 }
@@ -392,8 +393,8 @@ void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& w
 TEST(FullDisk, FailsTheSaveOfARecordWhereverItTakesNoMore) {
   if (!frame::File::openToWrite("/dev/full")) GTEST_SKIP() << "no device that is always full";
   for (const int version : {54, 110, 152, 180}) {
-    const auto check = [&](const std::string& what, const auto& write) {
-      expectFailuresWhereverTheFileIsFull(what + " of version " + std::to_string(version), write);
+    const auto check = [&](const std::string& what, const auto& write, std::size_t ignored = 0) {
+      expectFailuresWhereverTheFileIsFull(what + " of version " + std::to_string(version), write, ignored);
     };
     RandomRecords random(12, 1);
     const auto machine = std::make_unique<OldMachine>();
@@ -415,7 +416,9 @@ TEST(FullDisk, FailsTheSaveOfARecordWhereverItTakesNoMore) {
     check("a part", [&](OutStream& to) { return WritePartBody(to, version, false, *part); });
     const auto sheet = std::make_unique<OldSheet>();
     fullSheet(*sheet, version);
-    check("a sheet", [&](OutStream& to) { return WriteOldSheet(to, version, *sheet); });
+    // Below version 161 the count of the blocks is the last item, and its result is ignored.
+    check(
+        "a sheet", [&](OutStream& to) { return WriteOldSheet(to, version, *sheet); }, version == 152 ? 4 : 0);
     if (version < 152) continue;
     // Behind blocks that cannot be stored the save goes on, and tells of the disk at its end.
     sheet->blocks.resize(2);

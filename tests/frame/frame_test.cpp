@@ -19,6 +19,7 @@
 namespace {
 
 using namespace oldtorvio::frame;
+using oldtorvio::fixedText;
 using namespace testing_support;
 
 TEST(InStream, FailedReadLeavesTheStreamAtTheEndAndTheFieldAsItWas) {
@@ -211,10 +212,10 @@ TEST(Platform, OfAFolderTheFilesAreWalkedUpToTheFirstThatIsEnough) {
   std::filesystem::create_directory(folder.path("inside"));
   std::filesystem::create_directory(folder.path("d.spt"));
   std::set<std::string> names;
-  walkFolder(folder.path(), [&](const std::string& name) { return names.insert(name).second; });
+  walkFolder(folder.path(), [&](const std::string& name, const std::string&) { return names.insert(name).second; });
   EXPECT_EQ(names, (std::set<std::string>{"a", "b", "c.spt"}));
   int visits = 0;
-  walkFolder(folder.path(), [&](const std::string&) { return ++visits < 2; });
+  walkFolder(folder.path(), [&](const std::string&, const std::string&) { return ++visits < 2; });
   EXPECT_EQ(visits, 2);
 }
 
@@ -304,12 +305,12 @@ TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
 
 TEST(Text, FieldsKeepWhatStandsBehindTheNul) {
   char field[8] = {'1', '2', '3', '4', '5', '6', '7', '8'};
-  EXPECT_EQ(textOf(field), "12345678");
+  EXPECT_EQ(fixedText(field), "12345678");
   setText(field, "ab");
-  EXPECT_EQ(textOf(field), "ab");
+  EXPECT_EQ(fixedText(field), "ab");
   EXPECT_EQ(field[3], '4');
   setText(field, "");
-  EXPECT_EQ(textOf(field), "");
+  EXPECT_EQ(fixedText(field), "");
   EXPECT_EQ(field[1], 'b');
   EXPECT_DEATH(setText(field, "12345678"), "");
 }

@@ -859,7 +859,7 @@ TEST(MachineTablesByHand, CountsOutsideTheTablesAreRefusedBothWays) {
 
 TEST(MachineTablesByHand, AGridHasFortyThousandCellsTheFirstTenThousandOfThemOne) {
   const auto g = std::make_unique<MachineGrid>();
-  EXPECT_EQ(g->gridCells.size(), 40000U);
+  EXPECT_EQ(std::size(g->gridCells), 40000U);
   EXPECT_TRUE(g->gridCells[0] == 1 && g->gridCells[9999] == 1 && g->gridCells[10000] == 0);
   EXPECT_EQ(g->gridValue3, 0.25F);
   EXPECT_EQ(g->gridIsNarrow, 1);

@@ -34,10 +34,10 @@ NOT_HERE = {"src/frame/platform_windows.cpp": "not part of the program on this s
 # Where the places themselves would stand in the way: (file, as it stands, as it has to be here).
 BY_HAND = [
     # A switched default must not be computed before it is known whether it is on.
-    ("include/OldTorvIO/places.h", "static inline const T kDefault{};",
+    ("include/OldTorvIO/lazy_array.h", "static inline const T kDefault{};",
      "static const T& kDefault() { alignas(T) static unsigned char room[sizeof(T)]; "
      "static const T* const all = new (room) T(); return *all; }"),
-    ("include/OldTorvIO/places.h", ": kDefault;", ": kDefault();"),
+    ("include/OldTorvIO/lazy_array.h", ": kDefault;", ": kDefault();"),
     # A constant integer is computed by the compiler where it can be.
     ("torvio/explain/format_teller.h", "const char kind = std", "char kind = std"),
 ]

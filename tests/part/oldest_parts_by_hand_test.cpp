@@ -10,6 +10,7 @@
 #include <memory>
 #include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "OldTorvIO.h"
@@ -440,6 +441,17 @@ struct Record {
 
 Bytes textRecord(const std::string& text) { return Bytes().raw({0xD5, 0xD6}).text(27, text); }
 
+// A continuation has its 27 characters in memory after its type. Those that lie between two fields are in no field.
+Bytes continuation(const std::string& text) {
+  std::string padded = text;
+  padded.resize(27, '\0');
+  Bytes fields;
+  fields.u16(8);
+  for (const auto& [at, size] : {std::pair{0U, 3U}, {4U, 3U}, {8U, 3U}, {14U, 13U}})
+    fields.text(size, padded.substr(at, size));
+  return fields.zeros(10).f32(-1).f32(-1).u32(0);
+}
+
 bool isText(int type) { return type == 7 || type == 9 || (type >= 15 && type <= 17); }
 
 TEST(Versions2And3ByHand, NeverSucceedButFillTheRecordAsFarAsTheyRead) {
@@ -723,8 +735,7 @@ TEST(Versions2And3ByHand, JoinTheTextsBehindARecordAndSplitThemIntoContinuations
       head.setupShort3 = static_cast<std::uint16_t>(parts);
       EXPECT_EQ(allOf(entries[0]), allOf(head));
       for (std::size_t i = 0; i < parts; ++i)
-        EXPECT_EQ(allOf(entries[i + 1]),
-                  Bytes().u16(8).text(27, one.joined.substr(27 * i, 27)).zeros(5).f32(-1).f32(-1).u32(0));
+        EXPECT_EQ(allOf(entries[i + 1]), continuation(one.joined.substr(27 * i, 27)));
       EXPECT_EQ(allOf(entries.back()), allOf(Record{2}.entry()));
     }
 }
@@ -738,7 +749,7 @@ TEST(Versions2And3ByHand, ReadTheTextsThatARecordTellsEvenBeyondTheSectionsCount
     for (const int count : {1, 2, 3}) {
       const auto entries = entriesOf(count, record.bytes().add(texts).add(Record{2}.bytes()));
       ASSERT_EQ(entries.size(), 2U) << type << " in a section of " << count;
-      EXPECT_EQ(allOf(entries[1]), Bytes().u16(8).text(27, "shorter").zeros(5).f32(-1).f32(-1).u32(0));
+      EXPECT_EQ(allOf(entries[1]), continuation("shorter"));
     }
     for (const int negative : {-1, -32768}) {
       record.texts = negative;

@@ -628,7 +628,7 @@ const Value kValues[] = {
     FIELD(0, memory, processSlotMode),
     FIELD(0, memory, auxiliaryFlag),
     // Below 61 a load makes it empty.
-    Value{"machine.path", 0, Kind::field, [](const OldSheet& s) { return std::string(frame::textOf(s.machine.path)); }},
+    Value{"machine.path", 0, Kind::field, [](const OldSheet& s) { return std::string(fixedText(s.machine.path)); }},
     Value{"auxiliaryList", 0, Kind::memory, [](const OldSheet& s) { return std::to_string(s.auxiliaryList.size()); }},
     Value{"scratchShapes", 0, Kind::memory,
           [](const OldSheet& s) { return std::to_string(s.scratchShapes.shapes.size()); }},

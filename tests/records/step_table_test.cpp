@@ -168,7 +168,7 @@ TEST(FreshStepTable, HasTwentyUnusedStepsAndItsMemoryFlagsSet) {
   EXPECT_EQ(table.tableWord2, 0U);
   EXPECT_EQ(table.tableWord3, 0U);
   EXPECT_EQ(table.stepCount, 0);
-  ASSERT_EQ(table.stepByteA.size(), 20U);
+  ASSERT_EQ(std::size(table.stepByteA), 20U);
   for (std::size_t i = 0; i < 20; ++i) {
     EXPECT_EQ(table.stepByteA[i], 255) << i;
     EXPECT_EQ(table.stepWord[i], 0U) << i;

@@ -942,22 +942,19 @@ TEST(SaveOldSheetByHand, AFreshSheetCanBeSavedAndLoadedAtEveryVersion) {
   }
 }
 
-TEST(SaveOldSheetByHand, OnlyATableOfVersionZeroIsReplacedAndOnlyWithItTheMachinesWidth) {
+TEST(SaveOldSheetByHand, OnlyWithATableOfVersionZeroTheMachineGetsATextWidth) {
   auto s = std::make_unique<OldSheet>();
   bool ok = false;
-  s->paramTable.intParams[55] = 7;
-  s->paramTable.nameLength = 4;
-  std::memcpy(s->paramTable.name, "name", 5);
   s->machine.textWidth = 8;
   EXPECT_TRUE(writtenSheet(180, *s, &ok) == freshBytes(180, 8));
   EXPECT_TRUE(ok);
-  EXPECT_EQ(s->paramTable.intParams[55], 7);
   EXPECT_EQ(s->paramTable.version, 0);
   s->machine.textWidth = 0;
   EXPECT_TRUE(writtenSheet(57, *s, &ok) == freshBytes(57));
   EXPECT_TRUE(ok);
   EXPECT_EQ(s->machine.textWidth, 0);
   s->paramTable.version = 60;
+  s->paramTable.nameLength = 4;
   writtenSheet(180, *s, &ok);
   EXPECT_FALSE(ok);  // a machine without a text width
   s->machine.textWidth = 256;
@@ -1175,14 +1172,15 @@ TEST(SheetListsByHand, PartsKeepTheirListForACountOfZeroAndLoseItForANegativeOne
   EXPECT_EQ(written([&](OutStream& to) { return WriteSheetPartList(to, 180, list); }), word(0));
 }
 
-// No name is read by the width, which is checked all the same.
-TEST(SheetListsByHand, ANegativeCountOfPartsTakesAnyWidthThatFits) {
-  for (const auto& [width, status] : {std::pair{256, 0}, {0, 0}, {-4, 0}, {257, 1}, {2147483647, 1}}) {
+// No name is read by the width, which is kept whatever it is.
+TEST(SheetListsByHand, ANegativeCountOfPartsTakesAnyWidth) {
+  for (const int width : {256, 0, -4, 257, 2147483647}) {
     SheetPartList list;
     list.parts.resize(3);
-    EXPECT_EQ(readFrom(word(-5).i32(width), [&](InStream& from) { return ReadSheetPartList(from, 180, list); }), status)
+    EXPECT_EQ(readFrom(word(-5).i32(width), [&](InStream& from) { return ReadSheetPartList(from, 180, list); }), 0)
         << width;
-    EXPECT_EQ(list.parts.size(), status == 0 ? 0U : 3U) << width;
+    EXPECT_TRUE(list.parts.empty()) << width;
+    EXPECT_EQ(list.nameWidth, width);
   }
 }
 

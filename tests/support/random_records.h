@@ -589,7 +589,7 @@ class RandomRecords {
     bits(g.gridHead1, g.gridHead2, g.cellSizeX, g.cellSizeY, g.gridValue1, g.gridValue2);
     g.gridWidth = upTo(65535);
     g.cellByteCount = 1 + (most_ > 0 && upTo(30) == 0 ? upTo(39999) : upTo(most_ == 0 ? 9 : 99));
-    fillBits(g.gridCells.data(), static_cast<std::size_t>(g.cellByteCount));
+    fillBits(g.gridCells, static_cast<std::size_t>(g.cellByteCount));
   }
   void extension(oldtorvio::MachineExtension& e) {
     bits(e.extensionValue1, e.extensionValue2, e.extensionValue3, e.extensionValue4, e.extensionValue5,

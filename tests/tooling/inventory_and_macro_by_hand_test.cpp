@@ -518,7 +518,7 @@ TEST(InventoryByHand, EndsTheProcessForAToolOrAFileNameThatIsNotThere) {
   tools.back().specialToolIndex = 99;
   const auto size = static_cast<std::int32_t>(counted(folder, inventoryOf(150, tools, {"a.spt", "b.spt"})));
   ASSERT_EQ(size, 6);
-  for (std::int32_t i = 0; i < 5; ++i) EXPECT_DEATH(Info{i}, "") << i;
+  for (std::int32_t i = 0; i < 5; ++i) EXPECT_DEATH(Info{i}, "invalid vector<T> subscript") << i;
   EXPECT_STREQ(Info(5).name, "ROUND");
   for (const std::int32_t i : {-1, size, std::numeric_limits<int>::max()}) EXPECT_DEATH(Info{i}, "") << i;
 }

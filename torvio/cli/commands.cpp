@@ -2,87 +2,151 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
+#include <utility>
 
+<<<<<<< HEAD:torvio/cli/commands.cpp
 #include "torvio/explain/detect.h"
 #include "torvio/explain/format_table.h"
+=======
+#include "torvio/explain/detect.h"
+#include "torvio/explain/file_content.h"
+#include "torvio/explain/format_table.h"
+#include "torvio/cli/output.h"
+>>>>>>> from_tool:tools/commands.cpp
 
 namespace torvio {
 namespace {
 
 using namespace oldtorvio;
 
+constexpr const char* kNoMemory = "cannot be read: not enough memory";
+
+std::string hex(std::uint64_t offset) {
+  char digits[32];
+  (void)std::snprintf(digits, sizeof digits, "%08llx", static_cast<unsigned long long>(offset));
+  return digits;
+}
+
 std::string describe(const frame::Fault& fault) {
-  char offset[32];
-  (void)std::snprintf(offset, sizeof offset, "%08llx", static_cast<unsigned long long>(fault.offset));
-  if (fault.path.empty()) return fault.reason;
-  return "at " + std::string(offset) + " in " + fault.path + ": " + fault.reason;
+  return "at " + hex(fault.offset) + " in " + fault.path + ": " + fault.reason;
 }
 
-// A file that no kind accepts is walked as a part file, whose refusal then says why.
-map::FileKind kindOf(const std::string& path, std::optional<map::FileKind> forced, bool& known) {
-  const auto kind = forced ? forced : map::detectKind(path);
-  known = kind.has_value();
-  return kind.value_or(map::FileKind::part);
+// A file that no kind accepts is walked as a part file, up to its version word; the report must not
+// speak of parts then.
+constexpr map::FileKind kInsteadOfUnknown = map::FileKind::part;
+void nameVersionOfUnknown(map::FileReport& report) {
+  if (report.version) report.fault->reason = std::to_string(*report.version) + " is not a version of any kind of file";
 }
 
-void printLine(const frame::MapLine& line) {
-  if (line.size == 0)
-    std::printf("%08llx        %s%s%s\n", static_cast<unsigned long long>(line.offset), line.path.c_str(),
-                line.path.empty() ? "" : ": ", line.value.c_str());
-  else
-    std::printf("%08llx %6llu %s = %s\n", static_cast<unsigned long long>(line.offset),
-                static_cast<unsigned long long>(line.size), line.path.c_str(), line.value.c_str());
+struct Checked {
+  std::string kind;
+  map::FileReport report;
+};
+
+Checked checked(const std::string& path, std::span<const std::byte> bytes, std::optional<map::FileKind> forced) {
+  if (forced) return {std::string(map::nameOf(*forced)), map::checkFile(bytes, *forced)};
+  if (auto detected = map::detect(path, bytes))
+    return {std::string(map::nameOf(detected->kind)), std::move(detected->report)};
+  Checked unknown{"unknown kind", map::checkFile(bytes, kInsteadOfUnknown)};
+  nameVersionOfUnknown(unknown.report);
+  return unknown;
 }
 
-bool checkOne(const std::string& path, std::optional<map::FileKind> forced) {
-  bool known = false;
-  const map::FileKind kind = kindOf(path, forced, known);
-  const map::FileReport report = map::checkFile(path.c_str(), kind);
-  const std::string version = report.version ? std::to_string(*report.version) : "-";
-  std::printf("%s: %s, version %s, status %lld, %llu of %llu bytes", path.c_str(),
-              known ? std::string(map::nameOf(kind)).c_str() : "unknown kind", version.c_str(),
-              static_cast<long long>(report.status), static_cast<unsigned long long>(report.walked),
-              static_cast<unsigned long long>(report.size));
+// For each line of a map; the text is reused, as there may be millions.
+class LinePrinter {
+ public:
+  void operator()(const frame::MapLine& line) {
+    char start[64];
+    const auto offset = static_cast<unsigned long long>(line.offset), size = static_cast<unsigned long long>(line.size);
+    if (line.size == 0)
+      (void)std::snprintf(start, sizeof start, "%08llx        ", offset);
+    else
+      (void)std::snprintf(start, sizeof start, "%08llx %6llu ", offset, size);
+    text_.assign(start).append(line.path);
+    text_.append(line.size > 0 ? " = " : line.path.empty() ? "" : ": ").append(line.value).append("\n");
+    print(text_);
+  }
+
+ private:
+  std::string text_;
+};
+
+struct Verdict {
+  std::string text;
+  ExitCode code;
+};
+
+Verdict check(const std::string& path, std::optional<map::FileKind> forced) try {
+  const map::FileContent file(path);
+  if (!file.error().empty()) return {file.error(), kNotReadOrWritten};
+  const auto& [kind, report] = checked(path, file.bytes(), forced);
+  std::string text = kind + ", version " + (report.version ? std::to_string(*report.version) : "-");
+  text += ", status " + std::to_string(report.status);
+  text += ", " + std::to_string(report.walked) + " of " + std::to_string(report.size) + " bytes";
   if (report.fault)
-    std::printf(", %s", describe(*report.fault).c_str());
+    text += ", " + describe(*report.fault);
   else if (report.tolerated)
-    std::printf(", %s, which is tolerated", describe(*report.tolerated).c_str());
+    text += ", " + describe(*report.tolerated) + ", which is tolerated";
   else if (!report.endsExactly())
-    std::printf(", the rest is not looked at");
-  std::printf("\n");
-  return report.status == 0;
+    text += ", " + report.unread();
+  return {text, report.status == 0 ? kSound : kDamaged};
+} catch (const std::bad_alloc&) {
+  return {kNoMemory, kNotReadOrWritten};
 }
 
 }  // namespace
 
-int mapCommand(const std::string& path, std::optional<map::FileKind> forced) {
-  bool known = false;
-  const map::FileKind kind = kindOf(path, forced, known);
-  const map::FileReport report = map::mapFile(path.c_str(), kind, printLine);
-  if (!report.fault) return 0;
-  std::printf("FAULT %s\n", describe(*report.fault).c_str());
-  return 1;
+ExitCode mapCommand(const std::string& path, std::optional<map::FileKind> forced) try {
+  const map::FileContent file(path);
+  if (!file.error().empty()) {
+    printError(onOneLine(path) + ": " + file.error());
+    return kNotReadOrWritten;
+  }
+  const auto detected = forced ? std::nullopt : map::detect(path, file.bytes());
+  const auto kind = detected ? std::optional(detected->kind) : forced;
+  map::FileReport report = map::mapFile(file.bytes(), kind.value_or(kInsteadOfUnknown), LinePrinter());
+  if (!report.fault) return kSound;
+  if (!kind) nameVersionOfUnknown(report);
+  print("FAULT " + describe(*report.fault) + "\n");
+  return kDamaged;
+} catch (const std::bad_alloc&) {
+  printError(onOneLine(path) + ": " + kNoMemory);
+  return kNotReadOrWritten;
 }
 
-int checkCommand(const std::vector<std::string>& paths, std::optional<map::FileKind> forced) {
-  bool allSound = true;
-  for (const std::string& path : paths) allSound = checkOne(path, forced) && allSound;
-  return allSound ? 0 : 1;
+ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<map::FileKind> forced) {
+  ExitCode worst = kSound;
+  for (const std::string& path : paths) {
+    const Verdict verdict = check(path, forced);
+    print(onOneLine(path) + ": " + verdict.text + "\n");
+    worst = std::max(worst, verdict.code);
+  }
+  return worst;
 }
 
-std::vector<std::string> formatNames() {
+ExitCode formatCommand(const std::string& name) {
+  const auto kind = kindNamed(name);
+  print(kind ? map::formatTable(*kind) : map::recordTable(name));
+  return kSound;
+}
+
+std::vector<std::string> kindNames() {
   std::vector<std::string> names;
   for (const map::KindName& kind : map::fileKinds()) names.emplace_back(kind.name);
+  return names;
+}
+
+std::vector<std::string> recordNames() {
+  std::vector<std::string> names;
   for (const std::string_view record : map::recordNames()) names.emplace_back(record);
   return names;
 }
 
-int formatCommand(const std::string& name) {
-  const auto kinds = map::fileKinds();
-  const auto kind = std::find_if(kinds.begin(), kinds.end(), [&](const auto& one) { return one.name == name; });
-  const std::string table = kind == kinds.end() ? map::recordTable(name) : map::formatTable(kind->kind);
-  (void)std::fwrite(table.data(), 1, table.size(), stdout);
-  return 0;
+std::optional<map::FileKind> kindNamed(const std::string& name) {
+  for (const map::KindName& kind : map::fileKinds())
+    if (kind.name == name) return kind.kind;
+  return std::nullopt;
 }
 
 }  // namespace torvio

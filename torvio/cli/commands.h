@@ -1,5 +1,4 @@
-// What torvio does, apart from its command line. Each command gives the exit code: 0 when all files are
-// sound, 1 when one is not.
+// What torvio does, apart from its command line. Each command returns its exit code.
 #pragma once
 #include <optional>
 #include <string>
@@ -9,15 +8,29 @@
 
 namespace torvio {
 
-// Prints offset, size, field path and value of every field; for a damaged file up to the fault, and
-// then what failed there.
-int mapCommand(const std::string& path, std::optional<oldtorvio::map::FileKind> forced);
+// Of several files the code of the worst, in the order sound, damaged, not read: a file that could not
+// be read may still be either.
+enum ExitCode : int {
+  kSound = 0,
+  kDamaged = 1,  // or refused: no file of its kind
+  kMisuse = 2,
+  kNotReadOrWritten = 3,
+};
 
-// Prints one line a file: path, kind, version, status, bytes walked of bytes there, fault.
-int checkCommand(const std::vector<std::string>& paths, std::optional<oldtorvio::map::FileKind> forced);
+// Prints offset, size, field path and value of every field; for a damaged file up to the fault, and
+// then what failed there. A file that could not be read is an error on standard error.
+ExitCode mapCommand(const std::string& path, std::optional<oldtorvio::map::FileKind> forced);
+
+// Prints one line a file, with its path and then kind, version, status, bytes walked of bytes there and
+// fault, or why it could not be read.
+ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<oldtorvio::map::FileKind> forced);
 
 // Prints the stored form of a kind of file, or of a record that files embed, as a Markdown table.
-int formatCommand(const std::string& name);
-std::vector<std::string> formatNames();
+ExitCode formatCommand(const std::string& name);
+
+// The names of kinds and records, in the order of the documentation.
+std::vector<std::string> kindNames();
+std::vector<std::string> recordNames();
+std::optional<oldtorvio::map::FileKind> kindNamed(const std::string& name);
 
 }  // namespace torvio

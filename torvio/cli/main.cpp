@@ -34,11 +34,13 @@ int run(int argc, char** argv) {
   check->add_option("FILE", files, "The files")->required();
   addKind(*check);
 
+  std::vector<std::string> names = torvio::kindNames();
+  for (const std::string& record : torvio::recordNames()) names.push_back(record);
   std::string name;
   CLI::App* format = app.add_subcommand("format", "Print the stored form of a kind of file as a Markdown table");
   format->add_option("KIND", name, "A kind of file, or a record that files embed")
       ->required()
-      ->check(CLI::IsMember(torvio::formatNames()));
+      ->check(CLI::IsMember(names));
 
   try {
     app.parse(argc, argv);

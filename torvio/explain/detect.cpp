@@ -1,8 +1,10 @@
 #include "torvio/explain/detect.h"
 
 #include <tuple>
+#include <utility>
 
 #include "src/frame/text.h"
+#include "torvio/explain/file_content.h"
 
 namespace oldtorvio::map {
 namespace {
@@ -13,31 +15,43 @@ using Likelihood = std::tuple<bool, bool, std::uint64_t, bool>;
 std::optional<Likelihood> likelihood(const FileReport& report) {
   const bool refused = report.fault && report.fault->path == "version";
   if (!report.version || refused) return std::nullopt;
-  // A wrong kind may be content after a few bytes, while the right one comes to the damage: so behind a
-  // file that is sound but for a little at its end it counts most how far the walk came.
+  // A wrong kind may be complete after a few bytes, while the right one comes to the damage: so after a
+  // file that is sound but for a little at its end, how far the walk came matters most.
   const bool isSound = report.status == 0;
   const bool isNearlyAll = isSound && report.walked >= report.size - report.size / 8;
   return Likelihood{report.endsExactly(), isNearlyAll, report.walked, isSound};
 }
 
-}  // namespace
-
-std::optional<FileKind> detectKind(const std::string& path) {
+// Of a file by that name, whatever it holds.
+std::optional<FileKind> kindOfName(std::string_view path) {
   constexpr std::string_view kSpecialToolExtension = ".spt";
   if (path.size() >= kSpecialToolExtension.size() &&
-      frame::equalNoCase(std::string_view(path).substr(path.size() - kSpecialToolExtension.size()),
-                         kSpecialToolExtension))
+      frame::equalNoCase(path.substr(path.size() - kSpecialToolExtension.size()), kSpecialToolExtension))
     return FileKind::specialTool;
+  return std::nullopt;
+}
 
-  std::optional<FileKind> best;
+}  // namespace
+
+std::optional<Detected> detect(std::string_view path, std::span<const std::byte> bytes) {
+  if (const auto named = kindOfName(path)) return Detected{*named, checkFile(bytes, *named)};
+  std::optional<Detected> best;
   std::optional<Likelihood> bestLikelihood;
   for (const KindName& candidate : fileKinds()) {
-    const auto likely = likelihood(checkFile(path.c_str(), candidate.kind));
+    FileReport report = checkFile(bytes, candidate.kind);
+    const auto likely = likelihood(report);
     if (!likely || (bestLikelihood && *likely <= *bestLikelihood)) continue;
-    best = candidate.kind;
+    best = Detected{candidate.kind, std::move(report)};
     bestLikelihood = likely;
   }
   return best;
+}
+
+std::optional<FileKind> detectKind(const std::string& path) {
+  if (const auto named = kindOfName(path)) return named;
+  const FileContent file(path);
+  const auto detected = detect(path, file.bytes());
+  return detected ? std::optional(detected->kind) : std::nullopt;
 }
 
 }  // namespace oldtorvio::map

@@ -6,6 +6,7 @@
 
 #include "src/frame/entry.h"
 #include "src/machine/machine_layout.h"
+#include "torvio/explain/file_content.h"
 #include "src/material/material_layout.h"
 #include "src/part/old_part_layout.h"
 #include "src/part/part_layout.h"
@@ -109,10 +110,18 @@ std::int64_t walkBody(FileKind kind, Io& io) {
   }
 }
 
-std::optional<int> versionOf(const File& file) {
-  InStream stream(file.handle());
+std::optional<int> versionOf(std::span<const std::byte> bytes) {
+  InStream stream(bytes);
   std::int16_t version = 0;
   return readUngated(stream, version) ? std::optional<int>(version) : std::nullopt;
+}
+
+// The report for a file that could not be read.
+FileReport notRead(const std::string& error) {
+  FileReport report;
+  report.status = kNotOpened;
+  report.fault = Fault{0, "", error};
+  return report;
 }
 
 }  // namespace
@@ -123,17 +132,16 @@ std::string_view nameOf(FileKind kind) {
   return std::find_if(kKinds.begin(), kKinds.end(), [kind](const KindName& one) { return one.kind == kind; })->name;
 }
 
-FileReport mapFile(const char* path, FileKind kind, const MapSink& sink) {
+std::string FileReport::unread() const {
+  const std::uint64_t count = size - walked;
+  return std::to_string(count) + (count == 1 ? " unread byte" : " unread bytes") + " after the last field";
+}
+
+FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSink& sink) {
   FileReport report;
-  const File file = File::openToRead(path);
-  if (!file) {
-    report.status = kNotOpened;
-    report.fault = Fault{0, "", "cannot be opened"};
-    return report;
-  }
-  InStream stream(file.handle());
-  report.size = stream.left();
-  report.version = versionOf(File::openToRead(path));
+  InStream stream(bytes);
+  report.size = bytes.size();
+  report.version = versionOf(bytes);
 
   // The sink also keeps count: a walk that stops eats what is left of the file.
   const MapSink counting = [&](const MapLine& line) {
@@ -151,7 +159,7 @@ FileReport mapFile(const char* path, FileKind kind, const MapSink& sink) {
     if (!accepts(kind, version)) {
       report.status = refusalStatus(kind);
       report.fault =
-          Fault{0, "version", std::to_string(version) + " is no version of a " + std::string(nameOf(kind)) + " file"};
+          Fault{0, "version", std::to_string(version) + " is not a version of a " + std::string(nameOf(kind)) + " file"};
       return report;
     }
   }
@@ -161,24 +169,31 @@ FileReport mapFile(const char* path, FileKind kind, const MapSink& sink) {
   if (report.status != kDone)
     report.fault = body.fault();
   else if (stream.left() > 0)
-    body.remark(std::to_string(stream.left()) + " bytes behind the last field are not looked at");
+    body.remark(report.unread());
   return report;
 }
 
-FileReport checkFile(const char* path, FileKind kind) {
+FileReport checkFile(std::span<const std::byte> bytes, FileKind kind) {
   // Sound files take the quick way; only a damaged one is worth a walk that knows its names.
-  if (const File file = File::openToRead(path)) {
-    InStream stream(file.handle());
-    const std::uint64_t size = stream.left();
-    const auto version = versionOf(File::openToRead(path));
-    if (version && accepts(kind, *version)) {
-      if (!isWholeTable(kind, *version)) (void)stream.skip(sizeof(std::int16_t));
-      Reader io(stream, *version);
-      if (walkBody(kind, io) == kDone && !io.forgave())
-        return {kDone, version, stream.position(), size, std::nullopt, std::nullopt};
-    }
+  const auto version = versionOf(bytes);
+  if (version && accepts(kind, *version)) {
+    InStream stream(bytes);
+    if (!isWholeTable(kind, *version)) (void)stream.skip(sizeof(std::int16_t));
+    Reader io(stream, *version);
+    if (walkBody(kind, io) == kDone && !io.forgave())
+      return {kDone, version, stream.position(), bytes.size(), std::nullopt, std::nullopt};
   }
-  return mapFile(path, kind, [](const MapLine&) {});
+  return mapFile(bytes, kind, [](const MapLine&) {});
+}
+
+FileReport mapFile(const std::string& path, FileKind kind, const MapSink& sink) {
+  const FileContent file(path);
+  return file.error().empty() ? mapFile(file.bytes(), kind, sink) : notRead(file.error());
+}
+
+FileReport checkFile(const std::string& path, FileKind kind) {
+  const FileContent file(path);
+  return file.error().empty() ? checkFile(file.bytes(), kind) : notRead(file.error());
 }
 
 }  // namespace oldtorvio::map

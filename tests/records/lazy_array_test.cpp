@@ -1,5 +1,5 @@
 // Numbered places that take memory only where they are written to.
-#include "OldTorvIO/places.h"
+#include "OldTorvIO/lazy_array.h"
 
 #include <gtest/gtest.h>
 
@@ -12,15 +12,15 @@
 
 namespace {
 
-using oldtorvio::Places;
+using oldtorvio::LazyArray;
 using testing_support::AllocationMeter;
 
 struct Seven {
   int value = 7;
 };
-using Fifty = Places<Seven, 50>;
+using Fifty = LazyArray<Seven, 50>;
 
-TEST(Places, AllHoldTheirDefaultAndTakeNoMemoryUntilOneIsWrittenTo) {
+TEST(LazyArray, AllHoldTheirDefaultAndTakeNoMemoryUntilOneIsWrittenTo) {
   const AllocationMeter meter;
   const oldtorvio::ProcessSlots slots;
   int count = 0;
@@ -34,7 +34,7 @@ TEST(Places, AllHoldTheirDefaultAndTakeNoMemoryUntilOneIsWrittenTo) {
   EXPECT_EQ(meter.count(), 0U);
 }
 
-TEST(Places, EachHoldsWhatWasWrittenToItAndTheRestTheirDefault) {
+TEST(LazyArray, EachHoldsWhatWasWrittenToItAndTheRestTheirDefault) {
   for (std::size_t written = 0; written < Fifty::size(); ++written) {
     Fifty places;
     places[written].value = 1;
@@ -49,7 +49,7 @@ TEST(Places, EachHoldsWhatWasWrittenToItAndTheRestTheirDefault) {
   EXPECT_EQ(number, 50);
 }
 
-TEST(Places, ReferencesStayGoodWhenOthersAreWrittenTo) {
+TEST(LazyArray, ReferencesStayGoodWhenOthersAreWrittenTo) {
   Fifty places;
   Seven& first = places[0];
   for (std::size_t i = 1; i < Fifty::size(); ++i) places[i].value = 2;
@@ -57,7 +57,7 @@ TEST(Places, ReferencesStayGoodWhenOthersAreWrittenTo) {
   EXPECT_EQ(places[0].value, 5);
 }
 
-TEST(Places, WorkWithTheAlgorithmsOfTheStandardLibrary) {
+TEST(LazyArray, WorkWithTheAlgorithmsOfTheStandardLibrary) {
   Fifty places;
   static_assert(std::forward_iterator<decltype(places.begin())>);
   static_assert(std::forward_iterator<decltype(std::as_const(places).begin())>);
@@ -69,7 +69,7 @@ TEST(Places, WorkWithTheAlgorithmsOfTheStandardLibrary) {
   EXPECT_EQ(next->value, 7);
 }
 
-TEST(Places, CopiesAreDeepAndMovesLeaveDefaults) {
+TEST(LazyArray, CopiesAreDeepAndMovesLeaveDefaults) {
   Fifty places;
   places[3].value = 1;
   places[49].value = 2;

@@ -1,0 +1,54 @@
+#include "torvio/cli/output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+namespace torvio {
+namespace {
+
+bool somethingPrinted = false;
+
+}  // namespace
+
+OutputError::OutputError(int error)
+    : error_(error), text_("cannot write the output: " + std::generic_category().message(error)) {}
+
+bool OutputError::isClosedPipe() const { return error_ == EPIPE; }
+
+void print(std::string_view text) {
+  somethingPrinted = somethingPrinted || !text.empty();
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) throw OutputError(errno);
+}
+
+void finishOutput() {
+  // Without standard output, closing it fails, which matters to nothing that was not printed.
+  if (!somethingPrinted) return;
+  if (std::fflush(stdout) != 0 || std::fclose(stdout) != 0) throw OutputError(errno);
+}
+
+void printError(std::string_view text) {
+  (void)std::fflush(stdout);
+  (void)std::fprintf(stderr, "torvio: %.*s\n", static_cast<int>(text.size()), text.data());
+}
+
+std::string onOneLine(std::string_view text) {
+  constexpr std::string_view kHex = "0123456789abcdef";
+  std::string line;
+  for (const char c : text) {
+    const auto code = static_cast<unsigned char>(c);
+    if (c == '\n')
+      line += "\\n";
+    else if (c == '\r')
+      line += "\\r";
+    else if (c == '\t')
+      line += "\\t";
+    else if (code < 0x20 || code == 0x7F)
+      line.append("\\x") += {kHex[code >> 4U], kHex[code & 0xFU]};
+    else
+      line += c;
+  }
+  return line;
+}
+
+}  // namespace torvio

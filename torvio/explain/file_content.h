@@ -1,0 +1,35 @@
+// The bytes of one file, read once: a file that can be read only once (a pipe) is then walked as often
+// as an ordinary one.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace oldtorvio::map {
+
+class FileContent {
+ public:
+  // The bound keeps a device without an end from taking all memory. No real file comes near it.
+  static constexpr std::uint64_t kLargestMiB = 1024;
+
+  // Opens the file, reads it to its end and closes it.
+  explicit FileContent(const std::string& path, std::uint64_t largestMiB = kLargestMiB);
+
+  // Why the file could not be read, in words that follow its name: "cannot be opened: No such file or
+  // directory", "is a folder". Empty if it was read.
+  const std::string& error() const { return error_; }
+  // Everything in the file; nothing after an error.
+  std::span<const std::byte> bytes() const { return {bytes_.get(), size_}; }
+
+ private:
+  void readAll(std::FILE* file, std::uint64_t largestMiB);
+
+  std::unique_ptr<std::byte[]> bytes_;
+  std::size_t size_ = 0;
+  std::string error_;
+};
+
+}  // namespace oldtorvio::map
