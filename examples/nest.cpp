@@ -1,8 +1,8 @@
 // Makes a nest and saves it at three versions: a plate, twelve parts in sixty placements and a machine
 // with forty stations. Uses only the shared library and the public headers.
 #include <algorithm>
-#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -24,6 +24,12 @@ constexpr int kSpecialTool = 37, kSlotTool = 38, kUnusedTool = 39, kLaser = 40;
 template <std::size_t N>
 void put(char (&field)[N], std::string_view text) {
   if (!setFixedText(field, text)) throw std::length_error(std::string(text));
+}
+
+std::uint32_t bitsOf(float value) {
+  std::uint32_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
 }
 
 std::string twoDigits(int number) {
@@ -154,9 +160,9 @@ void fill(OldSheet& sheet) {
   sheet.clampInfo.clampCount = 3;
   sheet.clampInfo.clampSpacing = 8.0F;
   sheet.clampInfo.clampWord1 = 5;
-  sheet.clampInfo.clampWord2 = std::bit_cast<std::uint32_t>(1.5F);
-  sheet.clampInfo.clampWord3 = std::bit_cast<std::uint32_t>(2.5F);
-  sheet.clampInfo.clampWord4 = std::bit_cast<std::uint32_t>(3.5F);
+  sheet.clampInfo.clampWord2 = bitsOf(1.5F);
+  sheet.clampInfo.clampWord3 = bitsOf(2.5F);
+  sheet.clampInfo.clampWord4 = bitsOf(3.5F);
 
   sheet.paramTable.version = 180;
   sheet.paramTable.nameLength = sizeof sheet.paramTable.name;
