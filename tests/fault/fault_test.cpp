@@ -385,8 +385,8 @@ void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& w
     const frame::File file = frame::File::openToWrite("/dev/full");
     OutStream stream(file.handle());
     ASSERT_NE(stream.room(kAll - left), nullptr);
-    ASSERT_EQ(write(stream), left + ignored >= size) << what << ", full behind " << left << " of " << size;
-    ASSERT_TRUE(stream.failed()) << what << ", full behind " << left << " of " << size;
+    ASSERT_EQ(write(stream), left + ignored >= size) << what << ", full after " << left << " of " << size;
+    ASSERT_TRUE(stream.failed()) << what << ", full after " << left << " of " << size;
   }
 }
 

@@ -75,9 +75,9 @@ TEST(StationAtTheEndOfAFile, TheReaderOfTheListFailsForTheMissingTool) {
     EXPECT_EQ(two.stations[1].stationNumber, 2);
     EXPECT_EQ(two.stations[1].wordH, 24U);
   }
-  ToolStationList whole;
-  EXPECT_EQ(readList(listHead(1).add(first), whole), 0);
-  EXPECT_EQ(whole.tools.size(), 1U);
+  ToolStationList complete;
+  EXPECT_EQ(readList(listHead(1).add(first), complete), 0);
+  EXPECT_EQ(complete.tools.size(), 1U);
 }
 
 TEST(StationAtTheEndOfAFile, AStationCutBeforeRow36IsNotKept) {

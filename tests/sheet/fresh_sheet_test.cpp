@@ -186,8 +186,7 @@ TEST(TableOfAFreshSheet, ComesBackFromTheFile) {
   }
 }
 
-TEST(TableOfAFreshSheet, ComesBackFromAFileOfEveryOlderVersionAsItIsStoredNow) {
-  // The table of a loaded sheet keeps its own layout in a file of another version.
+TEST(TableOfAFreshSheet, KeepsItsLayoutWhenALoadedSheetIsSavedAtAnotherVersion) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   for (const int first : {52, 60, 79, 80, 180}) {
@@ -203,7 +202,7 @@ TEST(TableOfAFreshSheet, ComesBackFromAFileOfEveryOlderVersionAsItIsStoredNow) {
   }
 }
 
-TEST(TableOfAFreshSheet, StoresTheWholeGroupOf401To500EvenWhereTwoIntegersAreKeptByALoad) {
+TEST(TableOfAFreshSheet, StoresTheTwoIntegersThatALoadKeepsWhereTheyAre0) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   for (const int version : {60, 79, 80, 152, 180})

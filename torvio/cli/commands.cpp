@@ -5,15 +5,10 @@
 #include <new>
 #include <utility>
 
-<<<<<<< HEAD:torvio/cli/commands.cpp
-#include "torvio/explain/detect.h"
-#include "torvio/explain/format_table.h"
-=======
+#include "torvio/cli/output.h"
 #include "torvio/explain/detect.h"
 #include "torvio/explain/file_content.h"
 #include "torvio/explain/format_table.h"
-#include "torvio/cli/output.h"
->>>>>>> from_tool:tools/commands.cpp
 
 namespace torvio {
 namespace {
