@@ -1,8 +1,8 @@
 // Makes a nest and saves it at three versions: a plate, twelve parts in sixty placements and a machine
 // with forty stations. Uses only the shared library and the public headers.
 #include <algorithm>
-#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -26,7 +26,17 @@ void put(char (&field)[N], std::string_view text) {
   if (!setFixedText(field, text)) throw std::length_error(std::string(text));
 }
 
-std::string twoDigits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }
+std::uint32_t bitsOf(float value) {
+  std::uint32_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
+}
+
+std::string twoDigits(int number) {
+  std::string digits = std::to_string(number);
+  if (number < 10) digits.insert(digits.begin(), '0');
+  return digits;
+}
 
 Shape shapeAt(std::int8_t type, float x, float y, float size) {
   Shape shape;
@@ -150,9 +160,9 @@ void fill(OldSheet& sheet) {
   sheet.clampInfo.clampCount = 3;
   sheet.clampInfo.clampSpacing = 8.0F;
   sheet.clampInfo.clampWord1 = 5;
-  sheet.clampInfo.clampWord2 = std::bit_cast<std::uint32_t>(1.5F);
-  sheet.clampInfo.clampWord3 = std::bit_cast<std::uint32_t>(2.5F);
-  sheet.clampInfo.clampWord4 = std::bit_cast<std::uint32_t>(3.5F);
+  sheet.clampInfo.clampWord2 = bitsOf(1.5F);
+  sheet.clampInfo.clampWord3 = bitsOf(2.5F);
+  sheet.clampInfo.clampWord4 = bitsOf(3.5F);
 
   sheet.paramTable.version = 180;
   sheet.paramTable.nameLength = sizeof sheet.paramTable.name;

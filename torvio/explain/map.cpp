@@ -169,9 +169,7 @@ void Mapper::leave() {
 std::string Mapper::pathOf(const std::string& name) const {
   if (name == "itself") return path_.substr(0, path_.size() - 1);
   std::string path = path_ + name;
-  constexpr std::string_view kRow = "[i]";
-  if (const auto at = path.find(kRow); at != std::string::npos)
-    path.replace(at, kRow.size(), "[" + std::to_string(row_) + "]");
+  if (const auto at = path.find("[i]"); at != std::string::npos) path.replace(at + 1, 1, std::to_string(row_));
   return path;
 }
 

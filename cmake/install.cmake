@@ -1,0 +1,46 @@
+# What `cmake --install` puts where, and how other projects find it: the CMake package and oldtorvio.pc.
+install(TARGETS OldTorvIO OldTorvIO_static EXPORT OldTorvIO
+  RUNTIME COMPONENT OldTorvIO_Runtime
+  LIBRARY COMPONENT OldTorvIO_Runtime NAMELINK_COMPONENT OldTorvIO_Development
+  ARCHIVE COMPONENT OldTorvIO_Development)
+if(WIN32)
+  install(FILES ${PROJECT_BINARY_DIR}/OldTorvIO.def DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT OldTorvIO_Development)
+endif()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT OldTorvIO_Development)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_Runtime)
+
+# What a program without C++ code of its own has to link with the static library.
+set(cxx_runtime ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
+list(REMOVE_ITEM cxx_runtime ${CMAKE_C_IMPLICIT_LINK_LIBRARIES})
+list(REMOVE_DUPLICATES cxx_runtime)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/OldTorvIO)
+install(EXPORT OldTorvIO NAMESPACE OldTorvIO:: FILE OldTorvIOTargets.cmake
+  DESTINATION ${package_folder} COMPONENT OldTorvIO_Development)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/OldTorvIOConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/OldTorvIOConfig.cmake INSTALL_DESTINATION ${package_folder}
+  NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/OldTorvIOConfigVersion.cmake
+  COMPATIBILITY ${package_compatibility})
+install(FILES ${PROJECT_BINARY_DIR}/OldTorvIOConfig.cmake ${PROJECT_BINARY_DIR}/OldTorvIOConfigVersion.cmake
+  DESTINATION ${package_folder} COMPONENT OldTorvIO_Development)
+
+# oldtorvio.pc finds its prefix from its own place, unless the folders were configured as absolute paths.
+set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR} OR IS_ABSOLUTE ${CMAKE_INSTALL_INCLUDEDIR})
+  set(pc_prefix ${CMAKE_INSTALL_PREFIX})
+else()
+  file(RELATIVE_PATH up /prefix/${pc_folder} /prefix)
+  set(pc_prefix \${pcfiledir}/${up})
+  string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
+endif()
+foreach(folder LIBDIR INCLUDEDIR)
+  set(pc_${folder} ${CMAKE_INSTALL_${folder}})
+  if(NOT IS_ABSOLUTE ${pc_${folder}})
+    set(pc_${folder} \${prefix}/${pc_${folder}})
+  endif()
+endforeach()
+list(TRANSFORM cxx_runtime PREPEND -l OUTPUT_VARIABLE pc_cxx_runtime)
+list(JOIN pc_cxx_runtime " " pc_cxx_runtime)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/oldtorvio.pc.in ${PROJECT_BINARY_DIR}/oldtorvio.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/oldtorvio.pc DESTINATION ${pc_folder} COMPONENT OldTorvIO_Development)

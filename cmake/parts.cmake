@@ -1,0 +1,53 @@
+# The parts around the library. Each has an option of three values:
+#
+#   AUTO  built if the library that it needs is found; the default when this project is built by itself
+#   ON    built; configuring fails if the library that it needs is missing
+#   OFF   not built; the default in another project's build
+#
+# oldtorvio_part(NAME DESCRIPTION [PACKAGE package DEBIAN package] [IF variable]) defines the option
+# OLDTORVIO_NAME and sets with_NAME. With IF, AUTO also asks for that variable to be true.
+function(oldtorvio_part name description)
+  cmake_parse_arguments(PARSE_ARGV 2 part "" "PACKAGE;DEBIAN;IF" "")
+  set(option OLDTORVIO_${name})
+  set(default OFF)
+  if(OldTorvIO_IS_TOP_LEVEL)
+    set(default AUTO)
+  endif()
+  set(${option} ${default} CACHE STRING "Build ${description}: AUTO, ON or OFF")
+  set_property(CACHE ${option} PROPERTY STRINGS AUTO ON OFF)
+
+  set(with_${name} FALSE PARENT_SCOPE)
+  if(${option} STREQUAL "AUTO")
+    if(part_IF AND NOT ${part_IF})
+      return()
+    endif()
+  elseif(NOT ${option})
+    return()
+  endif()
+  if(part_PACKAGE)
+    oldtorvio_find(${part_PACKAGE} found)
+    if(NOT found)
+      set(missing "${part_PACKAGE} is not found (Debian package: ${part_DEBIAN})")
+      if(NOT ${option} STREQUAL "AUTO")
+        message(FATAL_ERROR "OldTorvIO: ${option} is ${${option}}, but ${missing}.")
+      endif()
+      message(STATUS "OldTorvIO: ${description} left out: ${missing}")
+      return()
+    endif()
+  endif()
+  set(with_${name} TRUE PARENT_SCOPE)
+endfunction()
+
+# Finds a package. Its targets are then known in the calling folder and below.
+function(oldtorvio_find package found)
+  if(CMAKE_CROSSCOMPILING AND package STREQUAL "GTest" AND EXISTS /usr/src/googletest/CMakeLists.txt)
+    # The installed build of it is for this host, its sources are for any.
+    set(BUILD_GMOCK OFF)
+    set(INSTALL_GTEST OFF)
+    add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+    set(${found} TRUE PARENT_SCOPE)
+    return()
+  endif()
+  find_package(${package} QUIET)
+  set(${found} ${${package}_FOUND} PARENT_SCOPE)
+endfunction()
