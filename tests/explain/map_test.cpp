@@ -38,8 +38,8 @@ TEST(Map, TextsAreQuotedEscapedAndTellWhatStandsBehindThem) {
   };
   EXPECT_EQ(printed(std::string_view("ab\0\0", 4)), "\"ab\"");
   EXPECT_EQ(printed("ab"), "\"ab\" (no NUL)");
-  EXPECT_EQ(printed(std::string_view("a\0x\0y", 5)), "\"a\" (2 bytes not zero behind the NUL)");
-  EXPECT_EQ(printed(std::string_view("\0x\0", 3)), "\"\" (1 bytes not zero behind the NUL)");
+  EXPECT_EQ(printed(std::string_view("a\0x\0y", 5)), "\"a\" (2 nonzero bytes after the NUL)");
+  EXPECT_EQ(printed(std::string_view("\0x\0", 3)), "\"\" (1 nonzero byte after the NUL)");
   EXPECT_EQ(printed(std::string_view("\x1F !~\x7F\x80\0", 7)), "\"\\x1f !~\\x7f\\x80\"");
   EXPECT_EQ(printed(std::string_view("\"\\\n\xE4\0", 5)), "\"\\\"\\\\\\x0a\\xe4\"");
 }
@@ -139,7 +139,7 @@ TEST(Map, TellsWhereAndWhyAFileBreaks) {
     const char* reason;
   } cases[] = {
       {1, 0, "small", "needs 2 bytes, the file has 1"},        {13, 2, "real, wide", "needs 12 bytes, the file has 11"},
-      {23, 21, "row[1]", "needs 4 bytes, the file has 2"},     {31, 31, "note.text", "needs 1 bytes, the file has 0"},
+      {23, 21, "row[1]", "needs 4 bytes, the file has 2"},     {31, 31, "note.text", "needs 1 byte, the file has 0"},
       {42, 40, "numbers[1]", "needs 4 bytes, the file has 2"}, {45, 44, "name", "needs 2 bytes, the file has 1"},
       {48, 46, "reserved", "needs 3 bytes, the file has 2"}};
   for (const auto& one : cases) {
@@ -208,7 +208,7 @@ TEST(FileMap, OnlyASoundFileThatGoesOnHasARemarkAboutItsRest) {
   EXPECT_EQ(remarksOf(partFile(180).zeros(2)), 1);
 }
 
-TEST(FileMap, BytesBehindTheLastFieldAreReportedAndNoFault) {
+TEST(FileMap, BytesAfterTheLastFieldAreReportedAndNoFault) {
   const TempFolder folder;
   const std::string path = folder.write("p", partFile(180).zeros(5));
   std::string last;
@@ -216,7 +216,7 @@ TEST(FileMap, BytesBehindTheLastFieldAreReportedAndNoFault) {
   EXPECT_EQ(report.status, 0);
   EXPECT_FALSE(report.endsExactly());
   EXPECT_EQ(report.walked + 5, report.size);
-  EXPECT_EQ(last, "5 bytes behind the last field are not looked at");
+  EXPECT_EQ(last, "5 unread bytes after the last field");
 }
 
 TEST(FileMap, StatusIsThatOfTheLoad) {

@@ -8,6 +8,7 @@
 #include <windows.h>
 #else
 #include <pthread.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <filesystem>
@@ -70,11 +71,13 @@ std::size_t openFiles() {
 
 std::FILE* unwritableFile() { return std::fopen("NUL", "r"); }
 
-int runCommand(const std::string& command, std::string& output) {
-  std::FILE* pipe = _popen((command + " 2>NUL").c_str(), "r");
+int runCommand(const std::string& command, std::string& output, const std::string& errorsTo) {
+  std::FILE* pipe = _popen((command + " 2>" + errorsTo).c_str(), "r");
   output = outputOf(pipe);
   return _pclose(pipe);
 }
+
+double processorSecondsOfCommands() { return 0; }
 
 std::string systemFolder() {
   char folder[MAX_PATH] = {};
@@ -122,11 +125,20 @@ std::size_t openFiles() {
 
 std::FILE* unwritableFile() { return std::fopen("/dev/null", "r"); }
 
-int runCommand(const std::string& command, std::string& output) {
-  std::FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
+int runCommand(const std::string& command, std::string& output, const std::string& errorsTo) {
+  std::FILE* pipe = popen(("{ " + command + "\n} 2>" + errorsTo).c_str(), "r");
   output = outputOf(pipe);
   const int status = pclose(pipe);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+double processorSecondsOfCommands() {
+  struct rusage used {};
+  (void)getrusage(RUSAGE_CHILDREN, &used);
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+  };
+  return seconds(used.ru_utime) + seconds(used.ru_stime);
 }
 
 #endif

@@ -33,8 +33,24 @@ std::size_t openFiles();
 // A file without content that takes none.
 std::FILE* unwritableFile();
 
-// Runs a command of the host's shell without its error output; the exit code and what it printed.
-int runCommand(const std::string& command, std::string& output);
+// Runs a command of the host's shell; the exit code (-1 for a process that a signal ended) and what it
+// printed. Its error output goes to the file `errorsTo`, by default to none.
+#if defined(_WIN32)
+inline constexpr const char* kNullDevice = "NUL";
+#else
+inline constexpr const char* kNullDevice = "/dev/null";
+#endif
+int runCommand(const std::string& command, std::string& output, const std::string& errorsTo = kNullDevice);
+
+// Whether commands are those of a POSIX shell, and files may be pipes, sockets and links.
+#if defined(_WIN32)
+inline constexpr bool kIsPosix = false;
+#else
+inline constexpr bool kIsPosix = true;
+#endif
+
+// Processor time of all commands so far; 0 on hosts that do not measure it.
+double processorSecondsOfCommands();
 
 #if defined(_WIN32)
 // The folder of the one "win.ini" that this host has.

@@ -26,6 +26,7 @@ class FileContent {
 
  private:
   void readAll(std::FILE* file, std::uint64_t largestMiB);
+  void fail(const std::string& error);
 
   std::unique_ptr<std::byte[]> bytes_;
   std::size_t size_ = 0;

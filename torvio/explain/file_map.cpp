@@ -158,8 +158,8 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
     }
     if (!accepts(kind, version)) {
       report.status = refusalStatus(kind);
-      report.fault =
-          Fault{0, "version", std::to_string(version) + " is not a version of a " + std::string(nameOf(kind)) + " file"};
+      report.fault = Fault{0, "version",
+                           std::to_string(version) + " is not a version of a " + std::string(nameOf(kind)) + " file"};
       return report;
     }
   }

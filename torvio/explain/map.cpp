@@ -26,6 +26,11 @@ void printShortest(std::string& to, T value) {
   to.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
 }
 
+// "1 byte", "2 bytes".
+std::string plural(std::uint64_t count, const char* what) {
+  return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
 void printHex(std::string& to, unsigned value) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   to += kDigits[(value >> 4U) & 0xFU];
@@ -81,9 +86,9 @@ void printText(std::string& to, const char* field, std::size_t width) {
   }
   to += '"';
   if (length == width) to += " (no NUL)";
-  std::size_t behind = 0;
-  for (std::size_t i = length; i < width; ++i) behind += field[i] != '\0' ? 1U : 0U;
-  if (behind > 0) to.append(" (").append(std::to_string(behind)).append(" bytes not zero behind the NUL)");
+  std::size_t leftover = 0;
+  for (std::size_t i = length; i < width; ++i) leftover += field[i] != '\0' ? 1U : 0U;
+  if (leftover > 0) to.append(" (").append(plural(leftover, "nonzero byte")).append(" after the NUL)");
 }
 
 void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width) {
@@ -127,7 +132,7 @@ const std::byte* Mapper::take(const std::string& name, std::size_t size) {
 
 void Mapper::endsHere(const std::string& name, std::uint64_t size) {
   fault_ = Fault{in_.position(), pathOf(name),
-                 "needs " + std::to_string(size) + " bytes, the file has " + std::to_string(in_.left())};
+                 "needs " + plural(size, "byte") + ", the file has " + std::to_string(in_.left())};
   in_.toEnd();
   (void)fellShort();
 }

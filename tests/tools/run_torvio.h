@@ -1,0 +1,33 @@
+// The tool as its user meets it: a command of the shell, what it prints where, its exit code.
+#pragma once
+#include <string>
+
+#include "tests/support/files.h"
+#include "tests/support/host.h"
+
+namespace testing_support {
+
+struct Outcome {
+  int code = -1;
+  std::string output;
+  std::string errors;
+};
+
+inline std::string asText(const Bytes& bytes) {
+  return {reinterpret_cast<const char*>(bytes.span().data()), bytes.size()};
+}
+
+// Any command of the shell.
+inline Outcome runShell(const std::string& command) {
+  const TempFolder folder;
+  Outcome run;
+  run.code = runCommand(command, run.output, folder.path("errors"));
+  run.errors = asText(TempFolder::read(folder.path("errors")));
+  // Windows ends a line its own way.
+  std::erase(run.errors, '\r');
+  return run;
+}
+
+inline Outcome torvio(const std::string& arguments) { return runShell(std::string(TORVIO_COMMAND) + " " + arguments); }
+
+}  // namespace testing_support
