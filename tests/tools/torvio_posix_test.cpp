@@ -100,6 +100,20 @@ TEST_F(TorvioOnPosix, FileAboveTheDocumentedSizeIsNotRead) {
   EXPECT_NE(torvio("check --help").output.find("more than 1024 MiB"), std::string::npos);
 }
 
+TEST_F(TorvioOnPosix, FileThatMemoryDoesNotHoldLeavesTheOthersToBeChecked) {
+  const std::string limited = "ulimit -v 500000; " + torvio_;
+  if (runShell(limited + " --version").code != 0) GTEST_SKIP() << "the tool itself takes more than the limit";
+  const std::string large = folder_.write("large", {});
+  std::filesystem::resize_file(large, std::uintmax_t{900} << 20U);
+  const Outcome check = runShell(limited + " check " + large + " " + tool_);
+  EXPECT_EQ(check.code, 3);
+  EXPECT_EQ(check.output.find(large + ": cannot be read: not enough memory\n" + tool_ + ": special-tool"), 0U)
+      << check.output;
+  const Outcome map = runShell(limited + " map " + large);
+  EXPECT_EQ(map.code, 3);
+  EXPECT_EQ(map.errors, "torvio: " + large + ": cannot be read: not enough memory\n");
+}
+
 // ---- pipes -----------------------------------------------------------------------------------------------
 
 TEST_F(TorvioOnPosix, PipeIsReadLikeAFile) {
