@@ -100,6 +100,20 @@ TEST_F(TorvioOnPosix, FileAboveTheDocumentedSizeIsNotRead) {
   EXPECT_NE(torvio("check --help").output.find("more than 1024 MiB"), std::string::npos);
 }
 
+TEST_F(TorvioOnPosix, FileThatDoesNotFitInMemoryLeavesTheOthersToBeChecked) {
+  const std::string limited = "ulimit -v 500000; " + torvio_;
+  if (runShell(limited + " --version").code != 0) GTEST_SKIP() << "the tool itself takes more than the limit";
+  const std::string large = folder_.write("large", {});
+  std::filesystem::resize_file(large, std::uintmax_t{900} << 20U);
+  const Outcome check = runShell(limited + " check " + large + " " + tool_);
+  EXPECT_EQ(check.code, 3);
+  EXPECT_EQ(check.output.find(large + ": cannot be read: not enough memory\n" + tool_ + ": special-tool"), 0U)
+      << check.output;
+  const Outcome map = runShell(limited + " map " + large);
+  EXPECT_EQ(map.code, 3);
+  EXPECT_EQ(map.errors, "torvio: " + large + ": cannot be read: not enough memory\n");
+}
+
 // ---- pipes -----------------------------------------------------------------------------------------------
 
 TEST_F(TorvioOnPosix, PipeIsReadLikeAFile) {
@@ -160,7 +174,7 @@ TEST_F(TorvioOnPosix, ClosedOutputIsAnErrorForWhatIsPrinted) {
   EXPECT_EQ(written("tool.spt"), asText(specialToolFile(60, {3}))) << "not taken for the output";
 }
 
-// Runs the command with its output into a pipe that nobody reads any more. Its code goes to a file.
+// Runs the command with its output going to a pipe without a reader. Its exit code goes to a file.
 std::string intoClosedPipe(const std::string& command) {
   return "rm -f pipe; mkfifo pipe; exec 3<>pipe 4>pipe 3<&-; { " + command + "; echo $? >code; } >&4 2>errors";
 }
@@ -189,7 +203,7 @@ TEST_F(TorvioOnPosix, ClosedPipeEndsTheToolQuietlyWhereItsSignalIsIgnored) {
 // goes to a file.
 constexpr const char* kIntoHead = "; echo $? >code; } 2>errors | head -n 1";
 
-TEST_F(TorvioOnPosix, MapIsNotGoneThroughForAClosedPipe) {
+TEST_F(TorvioOnPosix, MapStopsEarlyForAClosedPipe) {
   const std::string file = toolOfShapes(20000);
   double start = processorSecondsOfCommands();
   EXPECT_EQ(torvio("map " + file + " >/dev/null").code, 0);
@@ -204,7 +218,7 @@ TEST_F(TorvioOnPosix, MapIsNotGoneThroughForAClosedPipe) {
 }
 
 TEST_F(TorvioOnPosix, CheckOpensNoMoreFilesForAClosedPipe) {
-  // Nothing ever writes to the last one: opening it would last.
+  // The last one is a pipe without a writer, so opening it would block.
   std::string arguments = "check";
   for (int i = 0; i < 2000; ++i) arguments += " tool.spt";
   const Outcome run =
@@ -216,7 +230,7 @@ TEST_F(TorvioOnPosix, CheckOpensNoMoreFilesForAClosedPipe) {
 
 // ---- names -----------------------------------------------------------------------------------------------
 
-TEST_F(TorvioOnPosix, AnyNameOfAFileIsTakenAsItIs) {
+TEST_F(TorvioOnPosix, EveryFileNameIsTakenAsItIs) {
   const Bytes tool = specialToolFile(60, {3});
   for (const std::string name : {"-x", "--kind", "--help", "--", "++", "[a,b]", "[]", "{}",  "map", "check", "a b",
                                  "%s", "a\\nb",  "-",      "-h", "'",  "\"",    "=",  "a=b", "/",   "\1[x]"}) {

@@ -234,6 +234,14 @@ TEST_F(Torvio, MisuseIsExplainedOnStandardErrorOnly) {
   }
 }
 
+// As a path of the root folder does; options begin with "-" on every host.
+TEST_F(Torvio, NameThatBeginsWithASlashIsAFile) {
+  const Outcome run = torvio("check /kind /h");
+  EXPECT_EQ(run.code, 3);
+  EXPECT_EQ(run.output.find("/kind: cannot be opened: "), 0U) << run.output;
+  EXPECT_NE(run.output.find("\n/h: cannot be opened: "), std::string::npos) << run.output;
+}
+
 TEST_F(Torvio, WithoutArgumentsTheHelpIsAnError) {
   const Outcome run = torvio("");
   EXPECT_EQ(run.code, 2);

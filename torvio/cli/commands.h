@@ -8,8 +8,8 @@
 
 namespace torvio {
 
-// Of several files the code of the worst, in the order sound, damaged, not read: a file that could not
-// be read may still be either.
+// Of several files, the highest is returned. A file that could not be read outweighs a damaged one, as
+// nothing is known about it.
 enum ExitCode : int {
   kSound = 0,
   kDamaged = 1,  // or refused: no file of its kind

@@ -46,8 +46,8 @@ constexpr char kMark = '\1';
 bool isChanged(const std::string& argument) {
   return argument == "++" || argument.starts_with('[') || argument.starts_with(kMark);
 }
-std::string marked(std::string argument) { return isChanged(argument) ? kMark + argument : argument; }
-std::string unmarked(std::string argument) {
+std::string marked(const std::string& argument) { return isChanged(argument) ? kMark + argument : argument; }
+std::string unmarked(const std::string& argument) {
   return argument.starts_with(kMark) && isChanged(argument.substr(1)) ? argument.substr(1) : argument;
 }
 

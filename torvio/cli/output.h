@@ -1,4 +1,4 @@
-// What torvio prints: every loss of it is noticed, and a name stays on its line.
+// What torvio prints: lost output is an error, and a name stays on its line.
 #pragma once
 #include <exception>
 #include <string>
@@ -19,10 +19,10 @@ class OutputError : public std::exception {
   std::string text_;
 };
 
-// Writes to standard output. Throws OutputError as soon as the loss of something printed shows, so that
-// a long run ends there.
+// Writes to standard output. Throws OutputError as soon as a write fails, so that a long run ends
+// there.
 void print(std::string_view text);
-// To be called after the last print(): some losses only show when the output is flushed and closed.
+// To be called after the last print(): some errors only show when the output is flushed and closed.
 void finishOutput();
 
 // "torvio: " and the text on standard error, after what has been printed so far.

@@ -22,7 +22,7 @@ std::optional<Likelihood> likelihood(const FileReport& report) {
   return Likelihood{report.endsExactly(), isNearlyAll, report.walked, isSound};
 }
 
-// Of a file by that name, whatever it holds.
+// The kind that the extension decides, whatever the file holds.
 std::optional<FileKind> kindOfName(std::string_view path) {
   constexpr std::string_view kSpecialToolExtension = ".spt";
   if (path.size() >= kSpecialToolExtension.size() &&
