@@ -28,7 +28,7 @@ void buildAndLoadPart(const std::string& folder) {
   expect(LoadOldPart(path.c_str(), part.get()) == 0, "the part is loaded");
   expect(part->width == 24 && part->height == 12, "the part has its size");
   expect(part->shapes.shapes.size() == 1 && part->shapes.shapes[0].y == 7, "the part has its shape");
-  expect(oldtorvio::fixedText(part->partName) == "PLATE", "the part has its name");
+  expect(oldtorvio::fixedText(part->partFullDosName) == path, "the part has its path");
 }
 
 void fillAndLoadSheet(const std::string& folder) {
