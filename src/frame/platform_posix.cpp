@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -19,9 +20,12 @@ bool isFolder(const std::string& path) {
   return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-std::string withSlashes(std::string path) {
-  std::replace(path.begin(), path.end(), '\\', '/');
-  return path;
+// As it is, and with "/" in place of "\".
+std::vector<std::string> spellingsOf(const std::string& path) {
+  std::vector<std::string> all{path};
+  if (path.find('\\') == std::string::npos) return all;
+  std::replace_copy(path.begin(), path.end(), std::back_inserter(all.emplace_back()), '\\', '/');
+  return all;
 }
 
 std::string contentOf(const std::string& path) {
@@ -78,7 +82,7 @@ std::string profileText(std::string_view section, std::string_view key, std::siz
 
 void walkFolder(const std::string& folder,
                 const std::function<bool(const std::string& name, const std::string& path)>& visit) {
-  std::vector<std::string> spellings = {folder, withSlashes(folder)};
+  std::vector<std::string> spellings = spellingsOf(folder);
   // A final "\" may only separate the folder from the names of its files.
   if (folder.size() > 1 && folder.back() == '\\')
     spellings.insert(spellings.begin() + 1, folder.substr(0, folder.size() - 1));
@@ -98,7 +102,7 @@ void walkFolder(const std::string& folder,
 }
 
 std::optional<std::string> findFile(const std::string& path) {
-  for (const std::string& spelling : {path, withSlashes(path)})
+  for (const std::string& spelling : spellingsOf(path))
     if (::access(spelling.c_str(), F_OK) == 0) return spelling;
   return std::nullopt;
 }

@@ -272,7 +272,7 @@ TEST(StepTable, NegativeCountReadsNoStepsStaysAndIsSavedAgain) {
     EXPECT_EQ(table.stepCount, count);
     EXPECT_EQ(table.tableFlag, 0x51);
     EXPECT_EQ(table.lateFlag, 0x52);
-    EXPECT_EQ(table.stepByteA, StepTable().stepByteA);
+    EXPECT_EQ(std::memcmp(table.stepByteA, StepTable().stepByteA, sizeof table.stepByteA), 0);
     bool ok = false;
     EXPECT_EQ(written([&](OutStream& s) { return oldtorvio::WriteStepTable(s, 90, table); }, &ok), bytes);
     EXPECT_TRUE(ok);
@@ -289,8 +289,8 @@ TEST(StepTable, CountAboveTwentyIsRefusedAsSoonAsItIsRead) {
     EXPECT_EQ(consumed, kBytesBeforeStepCount + 1);
     EXPECT_EQ(table.tableWord1, 11U);
     EXPECT_EQ(table.tableWord3, 13U);
-    EXPECT_EQ(table.stepByteA, StepTable().stepByteA);
-    EXPECT_EQ(table.stepWord, StepTable().stepWord);
+    EXPECT_EQ(std::memcmp(table.stepByteA, StepTable().stepByteA, sizeof table.stepByteA), 0);
+    EXPECT_EQ(std::memcmp(table.stepWord, StepTable().stepWord, sizeof table.stepWord), 0);
     EXPECT_EQ(table.tableFlag, 9);
   }
 }
