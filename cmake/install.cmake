@@ -13,6 +13,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} 
 set(cxx_runtime ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_ITEM cxx_runtime ${CMAKE_C_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_DUPLICATES cxx_runtime)
+list(FILTER cxx_runtime EXCLUDE REGEX "^gcc")  # the C compiler links its own
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/OldTorvIO)
 install(EXPORT OldTorvIO NAMESPACE OldTorvIO:: FILE OldTorvIOTargets.cmake
