@@ -46,7 +46,7 @@ struct GridSegment {
   std::int32_t segmentKind = 2;
 };
 
-// Stored by sheets alone.
+// Stored only by sheets.
 struct MachineExtensionEntry {
   std::uint8_t headBlock[16] = {};
   std::uint32_t words[4] = {};
@@ -87,14 +87,14 @@ struct MachineExtension {
   float extensionValue49 = 0.5F;
   std::int32_t extensionValue50 = 1;
   std::vector<std::int32_t> extensionWords = {1, 11};
-  std::vector<MachineExtensionEntry> extensionEntries;  // stored by sheets alone
+  std::vector<MachineExtensionEntry> extensionEntries;  // stored only by sheets
 };
 
 struct MachineUnitEntry {
   std::uint32_t entryValue1 = 0;  // since 141, stored last
   std::uint32_t entryValue2 = 0, entryValue3 = 1, entryValue4 = 0;
   std::uint32_t entryValue5 = 0, entryValue6 = 0, entryValue7 = 0;
-  std::uint32_t entryValue8 = 1;  // stored behind entryValue3
+  std::uint32_t entryValue8 = 1;  // stored after entryValue3
 };
 
 struct MachineUnit {
@@ -114,7 +114,7 @@ struct MachineUnitTable {
   std::uint8_t unitFlag4 = 0;                                                        // since 141
   std::uint32_t unitValue17 = 0, unitValue18 = 0;                                    // since 141
   std::int32_t unitValue19 = 1;                                                      // since 141
-  std::uint32_t unitValue20 = 0, unitValue21 = 0;                                    // since 141, behind unitFlag5
+  std::uint32_t unitValue20 = 0, unitValue21 = 0;                                    // since 141, after unitFlag5
   std::uint8_t unitFlag5 = 0;                                                        // since 141
   std::int32_t unitValue22 = 1;                                                      // since 154
 };

@@ -9,8 +9,8 @@
 
 namespace oldtorvio {
 
-// About 62 KiB without its lists. A material file of version 52, 60, 500, 501 or 502 stores params
-// alone; a machine stores everything but path, version and params.
+// About 62 KiB without its lists. A material file of version 52, 60, 500, 501 or 502 stores only
+// params; a machine stores everything but path, version and params.
 struct OldMaterial {
   char path[264] = {};  // of the file that LoadOldMaterial was given, its first 263 characters
   std::string name;     // stored with its length, at most 10000 bytes
@@ -110,9 +110,9 @@ struct OldMaterial {
   std::uint32_t setting165 = 0, setting166 = 0;
 
   // Selectors with a low bank from 0 and a high bank from 1000. Limits within a bank, in this order:
-  // 4, 8, 4, 6, 8, 4, 6, 8. A load makes a value below 0 1 and one above 1000 plus its limit 1001; those
-  // between the banks stay. A save stores them as they stand and then makes a value above 1000 plus its
-  // limit 1000 plus its last decimal digit.
+  // 4, 8, 4, 6, 8, 4, 6, 8. A load sets a value below 0 to 1 and one above 1000 plus its limit to 1001;
+  // those between the banks stay. A save stores them as they are and then sets a value above 1000 plus its
+  // limit to 1000 plus its last decimal digit.
   std::int32_t choice1 = 1, choice2 = 1, choice3 = 1, choice4 = 1;
   std::int32_t choice5 = 1, choice6 = 1, choice7 = 1, choice8 = 1;
 

@@ -42,7 +42,7 @@ struct MaterialPalette {
   std::uint8_t green[20] = {0, 0, 255, 0, 255, 255, 0};
   std::uint8_t blue[20] = {0, 0, 0, 255, 0, 255, 255};
   SettingList listA, listB, listC;
-  SettingGroup groupsA[5], groupsB[5], groupsC[5], groupsD[5];  // since 130, stored behind the others
+  SettingGroup groupsA[5], groupsB[5], groupsC[5], groupsD[5];  // since 130, stored after the others
   SettingGroup groupsE[5], groupsF[5], groupsG[5], groupsH[5];
   std::int16_t colourCount = 0;  // how many colours are stored, at most 20; below 1 none
   std::int16_t groupCount = 0;   // how many entries of each groups array are stored, at most 5
@@ -81,7 +81,7 @@ struct SizeRule {
   std::uint8_t sizeFlagA = 0, sizeFlagB = 0;  // sizeRulesA only
 };
 
-// Fresh lists hold default rules. A list that a file stores replaces them; behind stored angleRules
+// Fresh lists hold default rules. A list that a file stores replaces them; after stored angleRules
 // that are not exactly six, a load appends the six defaults.
 struct MaterialRuleLists {
   // The counts are 0 although angles are there.

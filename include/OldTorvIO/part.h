@@ -38,7 +38,7 @@ struct TorvPart {
   std::int32_t version = 0;  // version word of the file; 0 in group files and sheets
   ShapeList shapes;
   SetupList setupList;
-  PatternList patterns;  // a part file stores the first alone
+  PatternList patterns;  // a part file stores only the first
   MarkList marks;
   ProfileList profiles;
   std::int32_t transformKind = 1;                    // memory only
@@ -72,7 +72,7 @@ struct TorvPart {
   char customText2[256] = {};                     // since 110
   char customText3[256] = {};                     // since 110
   std::int32_t customWord3 = 0, customWord4 = 0;  // since 110
-  char customTextC[256] = {};                     // since 111, stored behind customTextD
+  char customTextC[256] = {};                     // since 111, stored after customTextD
   char customTextD[256] = {};                     // since 111
   char customTextE[256] = {};                     // since 112
   std::uint8_t lateBlock1[8] = {};                // since 140

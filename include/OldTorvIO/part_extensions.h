@@ -7,7 +7,7 @@
 
 namespace oldtorvio {
 
-// A load takes one shape for the whole list: what the file does not store for a shape keeps the
+// A load reads all shapes of the list into one object: what the file does not store for a shape keeps the
 // value of the shape before it.
 struct PlacedShapeList {
   std::uint8_t placedBlock[8] = {};
@@ -27,7 +27,7 @@ struct ContourGroup {
 };
 
 struct BindingEntry {
-  std::uint32_t entryWord1 = 0;  // stored behind entryWord2
+  std::uint32_t entryWord1 = 0;  // stored after entryWord2
   std::uint32_t entryWord2 = 0;
   Shape shape;
 };

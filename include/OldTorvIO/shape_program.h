@@ -17,7 +17,7 @@ struct GroupQuad {
 struct ShapeProgramGroup {
   ShapeList groupShapes;
   std::vector<GroupQuad> groupQuads;
-  std::vector<ProcessSlot> groupSlots;  // stored behind groupSteps
+  std::vector<ProcessSlot> groupSlots;  // stored after groupSteps
   std::vector<StepTable> groupSteps;
 };
 
@@ -31,8 +31,8 @@ struct ShapeProgram {
   std::uint32_t programWord7 = 0;  // since 158
 };
 
-// Its programWord3 starts as 0. Where the reading of the ShapeProgram fails, a load goes on behind
-// this record without the fields below.
+// Its programWord3 starts as 0. Where the ShapeProgram cannot be read, a load goes on after
+// this record, and the fields below keep their values.
 struct ShapeProgramEx : ShapeProgram {
   ShapeProgramEx() { programWord3 = 0; }
 

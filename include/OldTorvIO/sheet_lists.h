@@ -14,8 +14,8 @@ struct SheetSetupEntry {
   std::uint8_t entryBlocks[3][8] = {};
 };
 
-// A list without entries stores its count alone. A load fails for nothing but the three tail fields:
-// of entries that the file does not hold whole it keeps what arrived, at most 1024 of which nothing did.
+// A list without entries stores only its count. A load fails only for the three tail fields. An entry that
+// is cut off keeps what was read of it; at most 1024 entries of which nothing was read are kept.
 struct SheetSetupList {
   std::vector<SheetSetupEntry> entries;
   SetupEntry current;
@@ -44,7 +44,7 @@ struct NamedWorkList {
   WorkList entries;  // a sequence of its own
 };
 
-// Stored from blockWords to blockValues, blockShapes, work. See the blocks of a sheet for what a load keeps.
+// Stored from blockWords to blockValues, blockShapes, work. See blocks of OldSheet for what a load keeps.
 struct ShapeWorkBlock {
   std::uint8_t blockValues[4][8] = {};
   WorkList work;
@@ -60,7 +60,7 @@ struct RowTable {
 };
 
 // Of each row as many words are stored as the sheet's clampInfo has clamps, from the first on, and the
-// value behind them.
+// value after them.
 struct ClampRowTable {
   std::int32_t count = 0;  // rows that are stored, at most 25; below 1 none
   std::uint32_t words[25][8] = {};

@@ -1,4 +1,4 @@
-// Which tool stands at which station of a punch.
+// The tool stations of a punch and the tool at each of them.
 #pragma once
 #include <cstdint>
 #include <vector>
