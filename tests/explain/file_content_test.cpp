@@ -7,6 +7,11 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#if !defined(_WIN32)
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#endif
 
 #include "torvio/explain/detect.h"
 #include "torvio/explain/file_map.h"
@@ -79,6 +84,23 @@ TEST(FileContent, UnreadableFileHasAReasonAndNoBytes) {
     EXPECT_EQ(map::mapFile(one.path, map::FileKind::part, [](const frame::MapLine&) {}).fault->reason, one.reason);
   }
 }
+
+#if !defined(_WIN32)
+TEST(FileContent, SocketIsNoFolderAndCannotBeOpened) {
+  const TempFolder folder;
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const std::string path = folder.path("socket");
+  ASSERT_LT(path.size(), sizeof address.sun_path);
+  path.copy(address.sun_path, path.size());
+  const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  const FileContent content(path);
+  EXPECT_TRUE(content.error().starts_with("cannot be opened: ")) << content.error();
+  EXPECT_TRUE(content.bytes().empty());
+  EXPECT_EQ(::close(socket), 0);
+}
+#endif
 
 TEST(FileContent, PipeIsReadToItsEnd) {
   if (!kIsPosix) GTEST_SKIP() << "no named pipes";

@@ -69,6 +69,13 @@ TEST(LazyArray, WorkWithTheAlgorithmsOfTheStandardLibrary) {
   EXPECT_EQ(next->value, 7);
 }
 
+TEST(LazyArray, PositionsInTwoArraysAreNeverEqual) {
+  Fifty first, second;
+  EXPECT_TRUE(first.begin() == first.begin());
+  EXPECT_TRUE(first.begin() != second.begin());
+  EXPECT_FALSE(first.begin() == second.begin());
+}
+
 TEST(LazyArray, CopiesAreDeepAndMovesLeaveDefaults) {
   Fifty places;
   places[3].value = 1;
