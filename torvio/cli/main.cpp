@@ -68,7 +68,6 @@ std::string fileHelp() {
 class CommandLine {
  public:
   CommandLine() {
-    app_.allow_windows_style_options(false);
     app_.set_version_flag("--version", "torvio " TORVIO_VERSION, "Print the version and exit");
     app_.require_subcommand(1);
     app_.footer(std::string("\"torvio COMMAND --help\" describes a command.\n\n") + kExitCodes);
@@ -78,6 +77,7 @@ class CommandLine {
       formatter->label("SUBCOMMAND", "COMMAND");
       formatter->label("Positionals", "Arguments");
       app->formatter(formatter);
+      app->allow_windows_style_options(false);
       app->set_help_flag("-h,--help", "Print this help and exit");
       if (app != &app_) app->group("Commands");
     }
