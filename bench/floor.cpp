@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 
 namespace bench {
 

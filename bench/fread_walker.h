@@ -7,8 +7,8 @@
 #include <span>
 #include <string>
 
-#include "src/frame/platform.h"
-#include "src/frame/reading.h"
+#include "src/frame/host/platform.h"
+#include "src/frame/codec/reading.h"
 
 namespace bench {
 
@@ -42,13 +42,13 @@ class MemorySource {
 };
 
 template <class Source>
-class FieldReader : public frame::Reading<FieldReader<Source>> {
+class FieldReader : public codec::Reading<FieldReader<Source>> {
  public:
   FieldReader(Source source, int version)
-      : frame::Reading<FieldReader>(version), source_(source), size_(source_.size()), left_(size_) {}
+      : codec::Reading<FieldReader>(version), source_(source), size_(source_.size()), left_(size_) {}
 
   template <class Names, class... T>
-  [[nodiscard]] bool fields(const frame::Fields<Names, T...>& f) {
+  [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
     return std::apply([&](auto&... m) { return (one(m) && ...); }, f.members);
   }
   template <class Names, class M>
@@ -88,7 +88,7 @@ class FieldReader : public frame::Reading<FieldReader<Source>> {
  private:
   template <class M>
   bool one(M& member) {
-    using Item = frame::wire::ItemOf<M>;
+    using Item = codec::wire::ItemOf<M>;
     if constexpr (Item::kIsRow) {
       for (auto& number : member)
         if (!one(number)) return false;

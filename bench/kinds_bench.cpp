@@ -22,7 +22,7 @@ using bench::Source;
 // Both readers give a record that is stored as the file's own bytes.
 template <class Record, class Write>
 void requireSame(Record& library, Record& fread, Write write) {
-  frame::OutStream one, other;
+  codec::OutStream one, other;
   require(write(one, library) && write(other, fread), "a record that cannot be written");
   require(std::ranges::equal(one.bytes(), other.bytes()), "loads that differ");
 }
@@ -31,7 +31,7 @@ bool freadMaterial(const std::string& path, OldMaterial& to) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
   bench::FreadReader io(file, bench::kVersion);
   std::int16_t version = 0;
-  const bool ok = io.fields(F(version)) && io.record(F(to.params)) && io.whole(to);
+  const bool ok = io.fields(FIELDS(version)) && io.record(FIELDS(to.params)) && io.walk(to);
   std::fclose(file);
   return ok;
 }

@@ -21,14 +21,14 @@ using bench::registerTimed;
 using bench::require;
 
 std::vector<std::byte> bytesOf(const TorvPart& part) {
-  frame::OutStream out;
+  codec::OutStream out;
   require(WritePartBody(out, bench::kVersion, false, part), "a part that cannot be written");
   return {out.bytes().begin(), out.bytes().end()};
 }
 
 bool freadPart(const std::string& path, TorvPart& to) { return freadLoad(path, to, PartForm{}); }
 bool freadGroup(const std::string& path, SheetPartList& to) {
-  frame::GroupPartFile<std::vector<TorvPart>> file{to.parts};
+  codec::GroupPartFile<std::vector<TorvPart>> file{to.parts};
   return freadLoad(path, file);
 }
 
@@ -76,7 +76,7 @@ void walkMemoryRead(benchmark::State& state, const PartCase& one) {
   const auto body = std::span(one.content).subspan(2);
   for (auto _ : state) {
     const auto part = std::make_unique<TorvPart>();
-    frame::InStream stream(body);
+    codec::InStream stream(body);
     if (ReadPartBody(stream, bench::kVersion, false, *part) != 0) state.SkipWithError("read");
     benchmark::DoNotOptimize(part->shapes.shapes.data());
   }
@@ -84,7 +84,7 @@ void walkMemoryRead(benchmark::State& state, const PartCase& one) {
 }
 void walkMemoryWrite(benchmark::State& state, const PartCase& one) {
   for (auto _ : state) {
-    frame::OutStream stream;
+    codec::OutStream stream;
     if (!WritePartBody(stream, bench::kVersion, false, *one.part)) state.SkipWithError("write");
     benchmark::DoNotOptimize(stream.bytes().data());
   }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 
 namespace bench {
 namespace {

@@ -57,7 +57,7 @@ struct SheetCase {
  private:
   void requireStoredAsFile(OldSheet& sheet) const {
     constexpr std::size_t kVersionWord = 2;
-    frame::OutStream out;
+    codec::OutStream out;
     require(WriteOldSheet(out, bench::kVersion, sheet), "a sheet that cannot be written");
     require(std::ranges::equal(out.bytes(), std::span(content).subspan(kVersionWord)), "loads that differ");
   }

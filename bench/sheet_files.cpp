@@ -5,7 +5,7 @@
 
 #include "bench/kind_files.h"
 #include "bench/part_files.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 
 namespace bench {
 namespace {

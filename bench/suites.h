@@ -30,7 +30,7 @@ bool freadLoad(const std::string& path, Record& record, const More&... more) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
   FreadReader io(file, kVersion);
   std::int16_t version = 0;
-  const bool ok = io.fields(F(version)) && io.whole(record, more...);
+  const bool ok = io.fields(FIELDS(version)) && io.walk(record, more...);
   std::fclose(file);
   return ok;
 }

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/machine/machine_io.h"
 #include "src/material/material_io.h"
 #include "src/part/part_io.h"

@@ -17,10 +17,10 @@
 #include <type_traits>
 #include <vector>
 
-#include "fuzz/twins.h"
-#include "src/frame/reader.h"
-#include "src/frame/stream.h"
-#include "src/frame/writer.h"
+#include "fuzz/record_pair.h"
+#include "src/frame/codec/reader.h"
+#include "src/frame/codec/stream.h"
+#include "src/frame/codec/writer.h"
 
 namespace fuzzing {
 
@@ -33,9 +33,9 @@ inline void expect(bool holds) {
 }
 
 // The version word in front of every file; false for a file without one.
-inline bool readVersion(oldtorvio::frame::InStream& stream, int& version) {
+inline bool readVersion(oldtorvio::codec::InStream& stream, int& version) {
   std::int16_t word = 0;
-  if (!oldtorvio::frame::readRecord(stream, 0, word)) return false;
+  if (!oldtorvio::codec::readRecord(stream, 0, word)) return false;
   version = word;
   return true;
 }
@@ -51,13 +51,13 @@ Record& fresh() {
 
 // Records that were made the same way, one by the reader and one by the walker.
 template <class Record>
-struct Twins {
+struct RecordPair {
   Record& read;
   Record& walked;
   Extent extent;
 
   // Every 32nd run looks at everything.
-  static Twins fresh(std::size_t turn) {
+  static RecordPair fresh(std::size_t turn) {
     return {fuzzing::fresh<Record>(), fuzzing::fresh<Record, 2>(), turn % 32 == 0 ? Extent::all : Extent::counted};
   }
   template <class Change>
@@ -70,12 +70,12 @@ struct Twins {
 // Loads the bytes over both: read(stream, record) gives the reader's status, walk(record) what the walker
 // came to. The status is that of both.
 template <class Record, class Read, class Walk>
-int loadTwins(Bytes body, const Twins<Record>& twins, Read&& read, Walk&& walk) {
-  oldtorvio::frame::InStream stream(body);
+int loadPair(Bytes body, const RecordPair<Record>& twins, Read&& read, Walk&& walk) {
+  oldtorvio::codec::InStream stream(body);
   const int status = read(stream, twins.read);
   const Walked walked = walk(twins.walked);
   expect(walked.status == status && walked.left == stream.left());
-  expect(holdTheSame(twins.read, twins.walked, twins.extent));
+  expect(equalContents(twins.read, twins.walked, twins.extent));
   return status;
 }
 
@@ -109,15 +109,15 @@ class ScratchFile {
 
 // A record that `load` fills from the scratch file is the one that its parts made from memory.
 template <class Record, class Load>
-void expectLoadedByPath(std::int64_t status, const Twins<Record>& twins, Load&& load) {
+void expectLoadedByPath(std::int64_t status, const RecordPair<Record>& twins, Load&& load) {
   auto& again = fresh<Record, 3>();
   expect(load(ScratchFile::path(), &again) == status);
-  expect(holdTheSame(again, twins.walked, twins.extent));
+  expect(equalContents(again, twins.walked, twins.extent));
 }
 
 template <class Write>
 std::vector<std::byte> stored(Write&& write) {
-  oldtorvio::frame::OutStream out;
+  oldtorvio::codec::OutStream out;
   expect(write(out));
   return {out.bytes().begin(), out.bytes().end()};
 }
@@ -128,7 +128,7 @@ template <class Record, class Read, class Write>
 void expectSettled(Record& record, Read&& read, Write&& write) {
   const auto first = stored([&](auto& out) { return write(out, record); });
   auto& again = fresh<std::remove_const_t<Record>, 1>();
-  oldtorvio::frame::InStream stream(first);
+  oldtorvio::codec::InStream stream(first);
   expect(read(stream, again) == 0);
   expect(stream.left() == 0);
   const auto second = stored([&](auto& out) { return write(out, again); });

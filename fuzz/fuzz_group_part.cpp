@@ -12,14 +12,14 @@ using namespace oldtorvio;
 
 namespace {
 
-using GroupPart = frame::GroupPartFile<std::vector<TorvPart>>;
+using GroupPart = codec::GroupPartFile<std::vector<TorvPart>>;
 
-int load(fuzzing::Bytes body, int version, const fuzzing::Twins<SheetPartList>& twins) {
-  return fuzzing::loadTwins(
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<SheetPartList>& twins) {
+  return fuzzing::loadPair(
       body, twins,
       [&](auto& in, SheetPartList& to) {
         GroupPart file{to.parts};
-        return frame::resultOf(frame::readRecord(in, version, file));
+        return codec::resultOf(codec::readRecord(in, version, file));
       },
       [&](SheetPartList& to) { return fuzzing::walkGroupPart(body, version, to); });
 }
@@ -37,13 +37,13 @@ void askByPath(std::int64_t status) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
-  frame::InStream stream(file);
+  codec::InStream stream(file);
   int version = 0;
   if (!fuzzing::readVersion(stream, version) || version < frame::kFirstGroupPartVersion) return 0;
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::Twins<SheetPartList>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<SheetPartList>::fresh(turn);
   const int status = load(body, version, twins);
   const std::vector<TorvPart>& parts = twins.read.parts;
   fuzzing::expect(status != 0 || !parts.empty());
@@ -57,20 +57,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     askByPath(status);
   }
   if (status == 0) {
-    frame::InStream again(body);
+    codec::InStream again(body);
     std::int32_t extraPartCount = 0, nameBlockSize = 0;
-    fuzzing::expect(frame::readRecord(again, version, extraPartCount) &&
-                    frame::readRecord(again, version, nameBlockSize));
+    fuzzing::expect(codec::readRecord(again, version, extraPartCount) &&
+                    codec::readRecord(again, version, nameBlockSize));
     fuzzing::expectSettled(
         twins.read,
         [&](auto& in, SheetPartList& to) {
           GroupPart whole{to.parts};
-          return frame::resultOf(frame::readRecord(in, version, whole));
+          return codec::resultOf(codec::readRecord(in, version, whole));
         },
         [&](auto& out, const SheetPartList& from) {
-          const frame::GroupPartFile<const std::vector<TorvPart>> whole{
+          const codec::GroupPartFile<const std::vector<TorvPart>> whole{
               from.parts, static_cast<std::int32_t>(from.parts.size() - 1), nameBlockSize};
-          return frame::writeRecord(out, version, whole);
+          return codec::writeRecord(out, version, whole);
         });
   }
   // The new parts stand behind those that the list holds.

@@ -20,18 +20,18 @@ bool comesBack(const OldMachine& m, int version) {
 }
 
 // shapes: of a sheet, the same for both.
-int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMachine>& twins, ShapeList* shapes = nullptr,
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMachine>& twins, ShapeList* shapes = nullptr,
          bool* forgave = nullptr) {
   ShapeList walkedShapes;
   if (shapes != nullptr) walkedShapes = *shapes;
-  const int status = fuzzing::loadTwins(
+  const int status = fuzzing::loadPair(
       body, twins, [&](auto& in, OldMachine& to) { return ReadOldMachine(in, version, shapes, to); },
       [&](OldMachine& to) {
         const auto walked = fuzzing::walkMachine(body, version, shapes != nullptr ? &walkedShapes : nullptr, to);
         if (forgave != nullptr) *forgave = walked.forgave;
         return walked;
       });
-  if (shapes != nullptr) fuzzing::expect(fuzzing::holdTheSame(*shapes, walkedShapes, twins.extent));
+  if (shapes != nullptr) fuzzing::expect(fuzzing::equalContents(*shapes, walkedShapes, twins.extent));
   return status;
 }
 
@@ -81,12 +81,12 @@ void askByPath(int version, int status, const OldMachine& m, std::size_t which) 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
-  frame::InStream stream(file);
+  codec::InStream stream(file);
   if (!fuzzing::readVersion(stream, version) || !frame::isMachineVersion(version)) return 0;
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::Twins<OldMachine>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldMachine>::fresh(turn);
   twins.both([&](OldMachine& m) { m.version = static_cast<std::int16_t>(version); });
   OldMachine& machine = twins.read;
   bool forgave = false;

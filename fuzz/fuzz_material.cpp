@@ -2,7 +2,7 @@
 // what loads can be saved.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/frame/versions.h"
 #include "src/material/material_io.h"
 
@@ -10,9 +10,9 @@ using namespace oldtorvio;
 
 namespace {
 
-int loadTable(fuzzing::Bytes from, const fuzzing::Twins<OldMaterial>& twins, std::size_t& behind) {
-  const fuzzing::Twins<ParamTable> tables{twins.read.params, twins.walked.params, twins.extent};
-  return fuzzing::loadTwins(
+int loadTable(fuzzing::Bytes from, const fuzzing::RecordPair<OldMaterial>& twins, std::size_t& behind) {
+  const fuzzing::RecordPair<ParamTable> tables{twins.read.params, twins.walked.params, twins.extent};
+  return fuzzing::loadPair(
       from, tables,
       [&](auto& in, ParamTable& to) {
         const int status = ReadParamTable(in, to);
@@ -22,8 +22,8 @@ int loadTable(fuzzing::Bytes from, const fuzzing::Twins<OldMaterial>& twins, std
       [&](ParamTable& to) { return fuzzing::walkParamTable(from, to); });
 }
 
-int loadBody(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMaterial>& twins) {
-  return fuzzing::loadTwins(
+int loadBody(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMaterial>& twins) {
+  return fuzzing::loadPair(
       body, twins, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); },
       [&](OldMaterial& to) { return fuzzing::walkMaterialBody(body, version, to); });
 }
@@ -42,11 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
   {
-    frame::InStream head(file);
+    codec::InStream head(file);
     if (!fuzzing::readVersion(head, version) || !frame::isMaterialVersion(version)) return 0;
   }
   const std::size_t turn = fuzzing::turnOf(file);
-  const auto twins = fuzzing::Twins<OldMaterial>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldMaterial>::fresh(turn);
   OldMaterial& material = twins.read;
   const bool isTable = frame::isParamTableVersion(version);
   const fuzzing::Bytes table = isTable ? file : file.subspan(2);

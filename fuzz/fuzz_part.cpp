@@ -4,7 +4,7 @@
 
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/frame/versions.h"
 #include "src/part/part_io.h"
 
@@ -19,14 +19,14 @@ bool fitsWriter(const TorvPart& part) {
   return true;
 }
 
-int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const fuzzing::Twins<TorvPart>& twins) {
-  return fuzzing::loadTwins(
+int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const fuzzing::RecordPair<TorvPart>& twins) {
+  return fuzzing::loadPair(
       body, twins, [&](auto& in, TorvPart& to) { return ReadPartBody(in, version, embedded, to, stopEarly); },
       [&](TorvPart& to) { return fuzzing::walkPartBody(body, version, embedded, stopEarly, to); });
 }
 
-int loadOldest(fuzzing::Bytes body, int version, const fuzzing::Twins<TorvPart>& twins) {
-  return fuzzing::loadTwins(
+int loadOldest(fuzzing::Bytes body, int version, const fuzzing::RecordPair<TorvPart>& twins) {
+  return fuzzing::loadPair(
       body, twins, [&](auto& in, TorvPart& to) { return ReadOldestPart(in, version, to); },
       [&](TorvPart& to) { return fuzzing::walkOldestPart(body, version, to); });
 }
@@ -70,7 +70,7 @@ void askByPath(std::int64_t status, const TorvPart& part, std::size_t which) {
   }
 }
 
-void loadByPath(fuzzing::Bytes file, std::int64_t status, const fuzzing::Twins<TorvPart>& twins, std::size_t turn) {
+void loadByPath(fuzzing::Bytes file, std::int64_t status, const fuzzing::RecordPair<TorvPart>& twins, std::size_t turn) {
   if (turn % 16 != 0) return;
   const fuzzing::ScratchFile scratch(file);
   fuzzing::expectLoadedByPath(status, twins, LoadOldPart);
@@ -83,13 +83,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
   {
-    frame::InStream head(file);
+    codec::InStream head(file);
     if (!fuzzing::readVersion(head, version)) return 0;
   }
   if (!frame::kPartVersions.has(version)) return 0;
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
-  const auto twins = fuzzing::Twins<TorvPart>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<TorvPart>::fresh(turn);
   twins.both([&](TorvPart& part) { setBeside(part, version); });
   const TorvPart& part = twins.read;
   if (version < frame::kFirstMainVersion) {

@@ -7,7 +7,7 @@
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/versions.h"
-#include "src/frame/writer.h"
+#include "src/frame/codec/writer.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/sheet_hazards.h"
 #include "tests/support/sheet_keys.h"
@@ -31,17 +31,17 @@ bool comesBack(const OldSheet& s, int version) {
   return version >= 152 && hasFullTexts && m.material.rules.angleRules.size() == 6 && s.blocks.empty();
 }
 
-int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldSheet>& twins) {
-  return fuzzing::loadTwins(
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSheet>& twins) {
+  return fuzzing::loadPair(
       body, twins, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
       [&](OldSheet& to) { return fuzzing::walkSheet(body, version, to); });
 }
 
-void save(const fuzzing::Twins<OldSheet>& twins, int version) {
+void save(const fuzzing::RecordPair<OldSheet>& twins, int version) {
   OldSheet& sheet = twins.read;
   if (!blocksCanBeStored(sheet.blocks, version)) return;
   if (!canBeSaved(sheet)) {
-    frame::OutStream out;
+    codec::OutStream out;
     fuzzing::expect(!WriteOldSheet(out, version, sheet));
     return;
   }
@@ -158,12 +158,12 @@ void edit(int version, const OldSheet& sheet, std::size_t which) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
-  frame::InStream stream(file);
+  codec::InStream stream(file);
   if (!fuzzing::readVersion(stream, version) || !frame::isSheetVersion(version)) return 0;
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::Twins<OldSheet>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldSheet>::fresh(turn);
   twins.both([&](OldSheet& s) { s.version = static_cast<std::uint16_t>(version); });
   const OldSheet& sheet = twins.read;
   const int status = load(body, version, twins);

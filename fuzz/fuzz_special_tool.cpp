@@ -9,8 +9,8 @@ using namespace oldtorvio;
 
 namespace {
 
-int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldSpecialTool>& twins) {
-  return fuzzing::loadTwins(
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSpecialTool>& twins) {
+  return fuzzing::loadPair(
       body, twins, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
       [&](OldSpecialTool& to) { return fuzzing::walkSpecialTool(body, version, to); });
 }
@@ -40,12 +40,12 @@ void askByPath(std::int64_t status, const OldSpecialTool& loaded) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
-  frame::InStream stream(file);
+  codec::InStream stream(file);
   if (!fuzzing::readVersion(stream, version) || !frame::isSpecialToolVersion(version)) return 0;
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::Twins<OldSpecialTool>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldSpecialTool>::fresh(turn);
   twins.both([&](OldSpecialTool& tool) { tool.tool.fileVersion = static_cast<std::int16_t>(version); });
   const int status = load(body, version, twins);
   if (turn % 16 == 0) {

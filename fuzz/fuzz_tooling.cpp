@@ -2,7 +2,7 @@
 // be saved and asked.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/frame/versions.h"
 #include "src/records/tool_layout.h"
 #include "src/tooling/inventory_io.h"
@@ -12,13 +12,13 @@ using namespace oldtorvio;
 
 namespace {
 
-int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldToolInventory>& twins) {
-  return fuzzing::loadTwins(
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldToolInventory>& twins) {
+  return fuzzing::loadPair(
       body, twins, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
       [&](OldToolInventory& to) { return fuzzing::walkToolInventory(body, version, to); });
 }
-int load(fuzzing::Bytes body, int version, const fuzzing::Twins<OldMacro>& twins) {
-  return fuzzing::loadTwins(
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMacro>& twins) {
+  return fuzzing::loadPair(
       body, twins, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
       [&](OldMacro& to) { return fuzzing::walkMacro(body, version, to); });
 }
@@ -48,7 +48,7 @@ void askByPath(int status, const OldToolInventory& inventory) {
 
 void inventory(fuzzing::Bytes file, int version, std::size_t turn) {
   const fuzzing::Bytes body = file.subspan(2);
-  const auto twins = fuzzing::Twins<OldToolInventory>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldToolInventory>::fresh(turn);
   twins.both([&](OldToolInventory& to) {
     to.version = static_cast<std::int16_t>(version);
     frame::setPath(to.path, fuzzing::ScratchFile::path());
@@ -68,7 +68,7 @@ void inventory(fuzzing::Bytes file, int version, std::size_t turn) {
 
 void macro(fuzzing::Bytes file, int version, std::size_t turn) {
   const fuzzing::Bytes body = file.subspan(2);
-  const auto twins = fuzzing::Twins<OldMacro>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldMacro>::fresh(turn);
   twins.both([&](OldMacro& to) { to.version = static_cast<std::int16_t>(version); });
   const int status = load(body, version, twins);
   if (turn % 16 == 0) {
@@ -89,7 +89,7 @@ void macro(fuzzing::Bytes file, int version, std::size_t turn) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzzing::Bytes file = fuzzing::bytesOf(data, size);
   int version = 0;
-  frame::InStream stream(file);
+  codec::InStream stream(file);
   if (!fuzzing::readVersion(stream, version)) return 0;
   const std::size_t turn = fuzzing::turnOf(file);
   if (frame::isToolInventoryVersion(version)) inventory(file, version, turn);

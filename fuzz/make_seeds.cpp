@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/frame/versions.h"
 #include "src/machine/machine_io.h"
 #include "src/material/material_io.h"

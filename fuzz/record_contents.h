@@ -23,8 +23,8 @@
 #include <vector>
 
 #include "OldTorvIO/records.h"
-#include "fuzz/twins.h"
-#include "src/frame/describe.h"
+#include "fuzz/record_pair.h"
+#include "src/frame/codec/describe.h"
 #include "src/machine/machine_layout.h"
 #include "src/material/material_layout.h"
 #include "src/part/part_layout.h"
@@ -40,34 +40,34 @@ namespace frame = oldtorvio::frame;
 // What is told goes to sink.bytes(at, size); sink.list(list) says that a list begins there, and answers
 // whether it is to be told: descriptions name some in two branches of which a file takes one.
 template <class Sink>
-class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
+class RecordTeller : public codec::RecordWalker<RecordTeller<Sink>> {
  public:
-  RecordTeller(Sink& sink, Extent extent) : frame::Faultless<RecordTeller>(0), sink_(sink), extent_(extent) {}
+  RecordTeller(Sink& sink, Extent extent) : codec::RecordWalker<RecordTeller>(0), sink_(sink), extent_(extent) {}
 
   template <class Names, class... T>
-  [[nodiscard]] bool fields(const frame::Fields<Names, T...>& f) {
+  [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
     std::apply([&](auto&... m) { (one(m), ...); }, f.members);
     return true;
   }
   template <class X>
   [[nodiscard]] bool since(int, const X& x) {
-    return this->walk(x);
+    return this->nested(x);
   }
   template <class X, class... D>
-  [[nodiscard]] bool since(int, const X& x, const frame::Otherwise<D...>&) {
-    return this->walk(x);
+  [[nodiscard]] bool since(int, const X& x, const codec::Otherwise<D...>&) {
+    return this->nested(x);
   }
   template <class X>
   [[nodiscard]] bool below(int, const X& x) {
-    return this->walk(x);
+    return this->nested(x);
   }
   template <class X>
   [[nodiscard]] bool between(int, int, const X& x) {
-    return this->walk(x);
+    return this->nested(x);
   }
   template <class X>
   [[nodiscard]] bool when(bool, const X& x) {
-    return this->walk(x);
+    return this->nested(x);
   }
   template <class X>
   [[nodiscard]] bool leading(std::int64_t, const X& x) {
@@ -133,7 +133,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
     return record;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool rewrite(const R&, const Fn&) {
+  [[nodiscard]] bool beforeWrite(const R&, const Fn&) {
     return true;
   }
   template <class Read, class Written>
@@ -151,10 +151,10 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
   }
 
   template <class R, class... A>
-  [[nodiscard]] bool whole(R& record, const A&... more) {
+  [[nodiscard]] bool walk(R& record, const A&... more) {
     beside(record);
     if (extent_ == Extent::all) arrays(record);
-    return frame::Layout<R>::describe(*this, record, more...);
+    return codec::Layout<R>::describe(*this, record, more...);
   }
 
   template <class V>
@@ -190,7 +190,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
     return list(x.only(), more...);
   }
   template <class X, class... A>
-  [[nodiscard]] bool reversed(const X& x, const A&... more) {
+  [[nodiscard]] bool invertedSuccessList(const X& x, const A&... more) {
     return list(x.only(), more...);
   }
   template <class X, class... A>
@@ -227,7 +227,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
   void beside(oldtorvio::ToolStationList& l) { all(l.stationModeCode, l.spareWord); }
   void beside(oldtorvio::Pattern& p) {
     all(p.transformKind, p.transform);
-    (void)whole(p.scratchShapes);
+    (void)walk(p.scratchShapes);
     pairs(p.bindFirst);
     pairs(p.bindSecond);
     (void)(list(p.bindThird) && list(p.bindFourth) && list(p.bindFifth));
@@ -236,7 +236,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
   void beside(oldtorvio::TorvPart& p) {
     all(p.version, p.partName, p.partFullDosName, p.recordWord, p.transformKind, p.transform, p.memoryWord1,
         p.memoryWord2, p.memoryWord3);
-    (void)whole(p.scratchShapes);
+    (void)walk(p.scratchShapes);
   }
   void beside(oldtorvio::MachineGrid& g) { all(g.gridWidth, g.gridIsNarrow, g.gridValue3); }
   void beside(oldtorvio::MachineExtension& e) { (void)list(e.extensionEntries); }
@@ -246,7 +246,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
     for (oldtorvio::MachineSetup* setup : {&m.setup2, &m.setup3}) {
       all(setup->sizeX, setup->sizeY, setup->clampValue1, setup->clampValue2, setup->machineWord91,
           setup->machineWord92);
-      (void)whole(setup->clampInfo);
+      (void)walk(setup->clampInfo);
     }
   }
   void beside(oldtorvio::OldMaterial& m) { all(m.path, m.version); }
@@ -255,7 +255,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
   void beside(oldtorvio::SheetTextEntry& e) { all(e.entryWord2, e.entryText4, e.entryWord8); }
   void beside(oldtorvio::OldSheet& s) {
     all(s.version, s.sheetName, s.sheetPath, s.transformKind, s.transform, s.processSlotMode, s.auxiliaryFlag);
-    (void)(whole(s.scratchShapes) && list(s.auxiliaryList));
+    (void)(walk(s.scratchShapes) && list(s.auxiliaryList));
   }
 
   // Arrays that descriptions walk as far as they are counted.
@@ -276,7 +276,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
   void arrays(oldtorvio::MaterialStageTable& t) { each(t.blocks); }
   void arrays(oldtorvio::AngleRule& r) { all(r.ruleValues, r.ruleAngles); }
   void arrays(oldtorvio::OldMaterial& m) {
-    (void)whole(m.params);
+    (void)walk(m.params);
     for (oldtorvio::SettingList& settings : m.settingLists) (void)list(settings);
   }
   void arrays(oldtorvio::OldToolInventory& v) { all(v.pairFirst, v.pairSecond); }
@@ -294,13 +294,13 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
 
   template <class T, std::size_t N>
   void each(T (&records)[N]) {
-    for (T& record : records) (void)whole(record);
+    for (T& record : records) (void)walk(record);
   }
   template <class T, std::size_t N>
   void places(oldtorvio::LazyArray<T, N>& records) {
     if (!sink_.list(records)) return;
     // A look at the const one makes none.
-    for (const T& record : std::as_const(records)) (void)whole(const_cast<T&>(record));
+    for (const T& record : std::as_const(records)) (void)walk(const_cast<T&>(record));
   }
 
   void all(auto&... members) { (one(members), ...); }
@@ -310,11 +310,11 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
     sink_.bytes(&member, sizeof member);
   }
   template <class Stored, class T>
-  void one(const frame::As<Stored, T>& as) {
+  void one(const codec::As<Stored, T>& as) {
     one(as.member);
   }
   template <class... T>
-  void one(const frame::Block<T...>& block) {
+  void one(const codec::Block<T...>& block) {
     std::apply([&](auto&... m) { (one(m), ...); }, block.members);
   }
   bool text(const std::string& text) {
@@ -331,7 +331,7 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
     if constexpr (std::is_arithmetic_v<typename V::value_type>)
       sink_.bytes(elements.data(), elements.size() * sizeof(typename V::value_type));
     else
-      for (auto& element : elements) (void)whole(element, more...);
+      for (auto& element : elements) (void)walk(element, more...);
     return true;
   }
   template <class V>
@@ -347,13 +347,13 @@ class RecordTeller : public frame::Faultless<RecordTeller<Sink>> {
 };
 
 // Where a record stands is nothing to the teller, but the descriptions ask for it.
-inline bool tell(auto& teller, auto& record) { return teller.whole(record); }
-inline bool tell(auto& teller, oldtorvio::Pattern& pattern) { return teller.whole(pattern, true); }
-inline bool tell(auto& teller, oldtorvio::OldTool& tool) { return teller.whole(tool, true); }
-inline bool tell(auto& teller, oldtorvio::TorvPart& part) { return teller.whole(part, oldtorvio::PartForm{}); }
+inline bool tell(auto& teller, auto& record) { return teller.walk(record); }
+inline bool tell(auto& teller, oldtorvio::Pattern& pattern) { return teller.walk(pattern, true); }
+inline bool tell(auto& teller, oldtorvio::OldTool& tool) { return teller.walk(tool, true); }
+inline bool tell(auto& teller, oldtorvio::TorvPart& part) { return teller.walk(part, oldtorvio::PartForm{}); }
 inline bool tell(auto& teller, oldtorvio::OldMachine& machine) {
   oldtorvio::ShapeList none;
-  return teller.whole(machine, oldtorvio::MachineForm<oldtorvio::ShapeList>{&none});
+  return teller.walk(machine, oldtorvio::MachineForm<oldtorvio::ShapeList>{&none});
 }
 
 // The bytes themselves, in memory that is used over and over.

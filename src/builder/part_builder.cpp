@@ -15,7 +15,7 @@
 #include "OldTorvIO/special_tool.h"
 #include "src/builder/angle.h"
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/part/part_io.h"
 #include "src/records/tool_layout.h"
 #include "src/tooling/special_tool_io.h"
@@ -23,6 +23,7 @@
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 TorvPart partBuilder;
@@ -126,6 +127,7 @@ void setIfGiven(char (&field)[N], const char* text) {
 }  // namespace oldtorvio
 
 using namespace oldtorvio;
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 
 extern "C" void InitTorvPart(float width, float height, float thickness, int16_t partKind, const char* partName,

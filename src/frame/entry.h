@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <new>
 
-#include "src/frame/platform.h"
-#include "src/frame/reader.h"
+#include "src/frame/host/platform.h"
+#include "src/frame/codec/reader.h"
 #include "src/frame/status.h"
 #include "src/frame/versions.h"
-#include "src/frame/writer.h"
+#include "src/frame/codec/writer.h"
 
 namespace oldtorvio::frame {
 
@@ -29,9 +29,9 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
   return guarded(kDamaged, [&]() -> std::int64_t {
     const File file = File::openToRead(path);
     if (!file) return kNotOpened;
-    InStream stream(file.handle());
+    codec::InStream stream(file.handle());
     std::int16_t version = 0;
-    if (!readUngated(stream, version)) return kDamaged;
+    if (!codec::readUnversioned(stream, version)) return kDamaged;
     keep(version);
     if (!accepts(version)) return kWrongVersion;
     return read(stream, version);
@@ -41,7 +41,7 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
 // Stores what write(stream) gives and closes the file.
 template <class Write>
 std::int64_t storeInto(File& file, Write&& write) {
-  OutStream stream(file.handle());
+  codec::OutStream stream(file.handle());
   const bool stored = write(stream);
   const bool flushed = stream.flush();
   const bool closed = file.close();
@@ -65,8 +65,8 @@ std::int64_t saveFile(const char* path, int version, Accepts&& accepts, Write&& 
     File file = File::openToWrite(path);
     if (!file) return kNotOpened;
     if (!accepts(version)) return kWrongVersion;
-    return storeInto(file, [&](OutStream& stream) {
-      return writeRecord(stream, version, static_cast<std::int16_t>(version)) && write(stream);
+    return storeInto(file, [&](codec::OutStream& stream) {
+      return codec::writeRecord(stream, version, static_cast<std::int16_t>(version)) && write(stream);
     });
   });
 }

@@ -5,22 +5,22 @@
 
 namespace oldtorvio {
 
-using frame::readRecord;
-using frame::readUngated;
-using frame::resultOf;
-using frame::writeRecord;
-using frame::writeUngated;
+using codec::readRecord;
+using codec::readUnversioned;
+using codec::resultOf;
+using codec::writeRecord;
+using codec::writeUnversioned;
 
-int ReadClampInfo(InStream& stream, ClampInfo& info) { return resultOf(readUngated(stream, info)); }
-bool WriteClampInfo(OutStream& stream, const ClampInfo& info) { return writeUngated(stream, info); }
+int ReadClampInfo(InStream& stream, ClampInfo& info) { return resultOf(readUnversioned(stream, info)); }
+bool WriteClampInfo(OutStream& stream, const ClampInfo& info) { return writeUnversioned(stream, info); }
 int ReadMachineFrame(InStream& stream, int version, MachineFrame& frame) {
   return resultOf(readRecord(stream, version, frame));
 }
 bool WriteMachineFrame(OutStream& stream, int version, const MachineFrame& frame) {
   return writeRecord(stream, version, frame);
 }
-int ReadWorkArea(InStream& stream, WorkArea& area) { return resultOf(readUngated(stream, area)); }
-bool WriteWorkArea(OutStream& stream, const WorkArea& area) { return writeUngated(stream, area); }
+int ReadWorkArea(InStream& stream, WorkArea& area) { return resultOf(readUnversioned(stream, area)); }
+bool WriteWorkArea(OutStream& stream, const WorkArea& area) { return writeUnversioned(stream, area); }
 int ReadShapeProgram(InStream& stream, int version, ShapeProgram& program) {
   return resultOf(readRecord(stream, version, program));
 }
@@ -33,15 +33,15 @@ int ReadShapeProgramEx(InStream& stream, int version, ShapeProgramEx& program) {
 bool WriteShapeProgramEx(OutStream& stream, int version, const ShapeProgramEx& program) {
   return writeRecord(stream, version, program);
 }
-int ReadMachineGrid(InStream& stream, MachineGrid& grid) { return resultOf(readUngated(stream, grid)); }
-bool WriteMachineGrid(OutStream& stream, const MachineGrid& grid) { return writeUngated(stream, grid); }
-int ReadGridSegment(InStream& stream, GridSegment& segment) { return resultOf(readUngated(stream, segment)); }
-bool WriteGridSegment(OutStream& stream, const GridSegment& segment) { return writeUngated(stream, segment); }
+int ReadMachineGrid(InStream& stream, MachineGrid& grid) { return resultOf(readUnversioned(stream, grid)); }
+bool WriteMachineGrid(OutStream& stream, const MachineGrid& grid) { return writeUnversioned(stream, grid); }
+int ReadGridSegment(InStream& stream, GridSegment& segment) { return resultOf(readUnversioned(stream, segment)); }
+bool WriteGridSegment(OutStream& stream, const GridSegment& segment) { return writeUnversioned(stream, segment); }
 int ReadMachineExtension(InStream& stream, MachineExtension& extension) {
-  return resultOf(readUngated(stream, extension));
+  return resultOf(readUnversioned(stream, extension));
 }
 bool WriteMachineExtension(OutStream& stream, const MachineExtension& extension) {
-  return writeUngated(stream, extension);
+  return writeUnversioned(stream, extension);
 }
 int ReadMachineUnitTable(InStream& stream, int version, MachineUnitTable& table) {
   return resultOf(readRecord(stream, version, table));

@@ -3,12 +3,12 @@
 // Results as in src/records/record_io.h.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 int ReadClampInfo(InStream& stream, ClampInfo& info);
 bool WriteClampInfo(OutStream& stream, const ClampInfo& info);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include "OldTorvIO/machine.h"
-#include "src/frame/describe.h"
+#include "src/frame/codec/describe.h"
 #include "src/machine/machine_parts_layout.h"
 #include "src/material/material_layout.h"
 #include "src/material/shape_program_layout.h"
@@ -21,21 +21,21 @@ struct MachineForm {
   std::int32_t widthOfNone = 0;  // what a textWidth of 0 counts as when the writer stores the text
 };
 
-namespace frame {
+namespace codec {
 
 template <>
 struct Layout<OldMachine> {
   static bool describe(auto& io, auto& m, const auto& form) {
     std::int32_t textWidth = kTextWidth;
-    return io.fields(F(textWidth))
-        && io.repair(m, [&](auto& r) { r.textWidth = textWidth; })
-        && io.sized(F(m.machineText1), m.textWidth != 0 ? m.textWidth : io.either(0, form.widthOfNone))
-        && io.fields(F(m.machineKind))
+    return io.fields(FIELDS(textWidth))
+        && io.afterRead(m, [&](auto& r) { r.textWidth = textWidth; })
+        && io.sized(FIELDS(m.machineText1), m.textWidth != 0 ? m.textWidth : io.either(0, form.widthOfNone))
+        && io.fields(FIELDS(m.machineKind))
         && io.padded(500, [&] { return describeHead(io, m, form, textWidth); })
         && describeTable(io, m, io.either(textWidth, kTextWidth))
         && describeGrids(io, m, m.gridMode < 0)
-        && io.fields(F(m.stepListPresent))
-        && io.when(m.stepListPresent != 0, [&] { return io.countFirst(F(m.stepTables)); })
+        && io.fields(FIELDS(m.stepListPresent))
+        && io.when(m.stepListPresent != 0, [&] { return io.countFirst(FIELDS(m.stepTables)); })
         && describeWords(io, m)
         && io.since(80, [&] { return describeMaterial(io, m, form); })
         && describeLateTables(io, m)
@@ -48,196 +48,196 @@ struct Layout<OldMachine> {
 
   // textWidth: of the texts behind, the width that was read last.
   static bool describeHead(auto& io, auto& m, const auto& form, std::int32_t& textWidth) {
-    return io.fields(F(m.limitsPresent))
+    return io.fields(FIELDS(m.limitsPresent))
         && io.when(m.limitsPresent == 1, [&] {
-             return io.fields(F(m.limitA, m.limitB)) && io.tail(F(m.limitC, m.limitWord));
+             return io.fields(FIELDS(m.limitA, m.limitB)) && io.optionalTail(FIELDS(m.limitC, m.limitWord));
            })
         && io.when(m.limitsPresent != 1, [&] {
-             return io.repair(m, [](auto& r) {
+             return io.afterRead(m, [](auto& r) {
                r.limitA = r.limitB = -0.125F;
                r.limitC = 0.048F;
                r.limitWord = 0;
              });
            })
-        && io.fields(F(m.secondTextPresent))
+        && io.fields(FIELDS(m.secondTextPresent))
         && io.when(m.secondTextPresent == 1, [&] {
-             return io.fields(F(textWidth))
-                 && io.repair(m, [&](auto& r) { r.secondTextWidth = textWidth; })
-                 && io.sized(F(m.secondText), m.secondTextWidth);
+             return io.fields(FIELDS(textWidth))
+                 && io.afterRead(m, [&](auto& r) { r.secondTextWidth = textWidth; })
+                 && io.sized(FIELDS(m.secondText), m.secondTextWidth);
            })
         // Both fill up to the same length behind it, so that they stay in step: what is written as
         // four bytes is read as a small value and as the mark that shapes follow.
-        && io.differs([&] { return io.fields(F(as<std::int8_t>(m.smallValue), m.shapesPresent)); },
+        && io.differs([&] { return io.fields(FIELDS(as<std::int8_t>(m.smallValue), m.shapesPresent)); },
                       [&] {
-                        return io.fields(F(m.smallValue))
+                        return io.fields(FIELDS(m.smallValue))
                             && io.when(form.writeShapeFlag, [&] {
-                                 return io.rewrite(m, [](auto& r) { r.shapesPresent = 1; })
-                                     && io.fields(F(m.shapesPresent));
+                                 return io.beforeWrite(m, [](auto& r) { r.shapesPresent = 1; })
+                                     && io.fields(FIELDS(m.shapesPresent));
                                });
                       });
   }
 
   static bool describeTable(auto& io, auto& m, std::int32_t textWidth) {
-    return io.fields(F(block(m.sizeX, m.sizeY)))
-        && io.record(F(m.frame))
-        && io.record(F(m.clampInfo))
-        && io.fields(F(m.clampValue1, m.clampValue2, m.clampWord))
-        && io.sized(F(m.machineText2), textWidth)
-        && io.sized(F(m.machineText3), textWidth)
-        && io.record(F(m.workArea))
-        && io.record(F(m.stationsA))
-        && io.since(61, F(m.stationWord), otherwise(0))
-        && io.since(61, [&] { return io.record(F(m.stationsB)) && io.record(F(m.stationsC)); })
-        && io.fields(F(m.blockMode))
-        && io.when(m.blockMode == 2, F(m.blockB))
-        && io.when(m.blockMode == 1 || m.blockMode == 2, F(m.blockA))
-        && io.fields(F(m.gridMode));
+    return io.fields(FIELDS(block(m.sizeX, m.sizeY)))
+        && io.record(FIELDS(m.frame))
+        && io.record(FIELDS(m.clampInfo))
+        && io.fields(FIELDS(m.clampValue1, m.clampValue2, m.clampWord))
+        && io.sized(FIELDS(m.machineText2), textWidth)
+        && io.sized(FIELDS(m.machineText3), textWidth)
+        && io.record(FIELDS(m.workArea))
+        && io.record(FIELDS(m.stationsA))
+        && io.since(61, FIELDS(m.stationWord), otherwise(0))
+        && io.since(61, [&] { return io.record(FIELDS(m.stationsB)) && io.record(FIELDS(m.stationsC)); })
+        && io.fields(FIELDS(m.blockMode))
+        && io.when(m.blockMode == 2, FIELDS(m.blockB))
+        && io.when(m.blockMode == 1 || m.blockMode == 2, FIELDS(m.blockA))
+        && io.fields(FIELDS(m.gridMode));
   }
 
   // A negative mode leaves all of this out.
   static bool describeGrids(auto& io, auto& m, bool areLeftOut) {
     std::int32_t segmentCount = io.countOf(m.segments);
-    return io.repair(m, [](auto& r) { r.gridMode = std::max(r.gridMode, 0); })
+    return io.afterRead(m, [](auto& r) { r.gridMode = std::max(r.gridMode, 0); })
         && io.when(!areLeftOut, [&] {
-             return io.when(m.gridMode == 2, [&] { return io.record(F(m.gridB)); })
-                 && io.when(m.gridMode == 1 || m.gridMode == 2, [&] { return io.record(F(m.gridA)); })
-                 && io.fields(F(m.gridWord1, m.gridAngle, m.gridWord3))
-                 && io.tail(F(segmentCount))
+             return io.when(m.gridMode == 2, [&] { return io.record(FIELDS(m.gridB)); })
+                 && io.when(m.gridMode == 1 || m.gridMode == 2, [&] { return io.record(FIELDS(m.gridA)); })
+                 && io.fields(FIELDS(m.gridWord1, m.gridAngle, m.gridWord3))
+                 && io.optionalTail(FIELDS(segmentCount))
                  && io.when(segmentCount != 0, [&] {
-                      return io.clear(F(m.segments))
-                          && io.fields(F(m.segmentBox))
-                          && io.counted(segmentCount, F(m.segments));
+                      return io.clear(FIELDS(m.segments))
+                          && io.fields(FIELDS(m.segmentBox))
+                          && io.counted(segmentCount, FIELDS(m.segments));
                     })
-                 && io.fields(F(m.gridFlag1, m.gridFlag2))
-                 && io.replaced(F(m.clampInfo))
-                 && io.fields(F(m.hasExtension))
-                 && io.when(m.hasExtension != 0, [&] { return io.record(F(m.extension)); })
-                 && io.fields(F(m.machineWord91, m.machineWord92, m.programMode))
-                 && io.when(m.programMode == 1, [&] { return io.record(F(m.programA)); })
-                 && io.when(m.programMode == 2, [&] { return io.record(F(m.programB)); })
-                 && io.fields(F(m.machineWord93, m.machineWord94, m.machineWord95, m.machineWord96, m.machineWord97,
-                                m.machineWord98, m.machineWord99, m.machineWord100, m.machineWord101,
-                                m.machineWord102, m.machineWord103, m.machineWord104, m.machineWord105,
-                                m.machineWord106, m.machineWord107));
+                 && io.fields(FIELDS(m.gridFlag1, m.gridFlag2))
+                 && io.replaced(FIELDS(m.clampInfo))
+                 && io.fields(FIELDS(m.hasExtension))
+                 && io.when(m.hasExtension != 0, [&] { return io.record(FIELDS(m.extension)); })
+                 && io.fields(FIELDS(m.machineWord91, m.machineWord92, m.programMode))
+                 && io.when(m.programMode == 1, [&] { return io.record(FIELDS(m.programA)); })
+                 && io.when(m.programMode == 2, [&] { return io.record(FIELDS(m.programB)); })
+                 && io.fields(FIELDS(m.machineWord93, m.machineWord94, m.machineWord95, m.machineWord96,
+                                     m.machineWord97, m.machineWord98, m.machineWord99, m.machineWord100,
+                                     m.machineWord101, m.machineWord102, m.machineWord103, m.machineWord104,
+                                     m.machineWord105, m.machineWord106, m.machineWord107));
            });
   }
 
   static bool describeWords(auto& io, auto& m) {
     return io.since(60, [&] {
-             return io.fields(F(m.machineWord1, m.machineWord2, m.machineWord3, m.machineWord4, m.machineWord5,
-                            m.machineWord6, m.machineWord7, m.machineWord8, m.machineWord9, m.machineWord10,
-                            m.machineWord11))
-                 && io.repair(m, [](auto& r) { if (isBelowLimit(r.machineWord1)) r.machineWord1 = r.sizeX; });
+             return io.fields(FIELDS(m.machineWord1, m.machineWord2, m.machineWord3, m.machineWord4, m.machineWord5,
+                                     m.machineWord6, m.machineWord7, m.machineWord8, m.machineWord9, m.machineWord10,
+                                     m.machineWord11))
+                 && io.afterRead(m, [](auto& r) { if (isBelowLimit(r.machineWord1)) r.machineWord1 = r.sizeX; });
            })
-        && io.since(62, F(m.machineWord12, m.machineWord13, m.machineWord14, m.machineWord15, m.machineWord16,
-                          m.machineWord17, m.machineWord18, m.machineWord19, m.machineWord20, m.machineWord21,
-                          m.machineWord22, m.machineWord23, m.machineWord24, m.machineWord25))
+        && io.since(62, FIELDS(m.machineWord12, m.machineWord13, m.machineWord14, m.machineWord15, m.machineWord16,
+                               m.machineWord17, m.machineWord18, m.machineWord19, m.machineWord20, m.machineWord21,
+                               m.machineWord22, m.machineWord23, m.machineWord24, m.machineWord25))
         // Here again, and this time it counts.
-        && io.since(62, F(m.machineWord97))
-        && io.since(62, F(m.machineWord26, m.machineWord27, m.machineWord28, m.machineWord29, m.machineWord30,
-                          m.machineWord31, m.machineWord32, m.machineWord33, m.machineWord34, m.machineWord35,
-                          m.machineWord36, m.machineWord37, m.machineWord38, m.machineWord39, m.machineWord40,
-                          m.machineWord41, m.machineWord42, m.machineWord43, m.machineWord44, m.machineWord45,
-                          m.machineWord46, m.machineWord47, m.machineWord48, m.machineWord49, m.machineWord50,
-                          m.machineWord51, m.machineWord52, m.machineWord53))
-        && io.since(62, F(m.ncPath, m.ncExtension))
-        && io.since(62, F(m.machineWord54, m.machineWord55, m.machineWord56, m.machineWord57, m.machineWord58,
-                          m.machineWord59, m.machineWord60, m.machineWord61))
-        && io.since(71, [&] { return io.fields(F(m.machineWord62, m.machineWord63)) && io.record(F(m.programC)); })
-        && io.since(80, [&] { return io.record(F(m.programD)); })
-        && io.since(80, F(m.machineWord64))
-        && io.since(80, F(m.machineWord65, m.machineWord66), otherwise(-1, -1))
-        && io.since(80, F(m.machineWord67, m.machineWord68, m.machineWord69, m.machineWord70, m.machineWord71,
-                          m.machineWord72, m.machineWord73, m.machineWord74, m.machineWord75, m.machineWord76,
-                          m.machineWord77, m.machineWord78, m.wideValue1, m.wideValue2, m.machineWord79));
+        && io.since(62, FIELDS(m.machineWord97))
+        && io.since(62, FIELDS(m.machineWord26, m.machineWord27, m.machineWord28, m.machineWord29, m.machineWord30,
+                               m.machineWord31, m.machineWord32, m.machineWord33, m.machineWord34, m.machineWord35,
+                               m.machineWord36, m.machineWord37, m.machineWord38, m.machineWord39, m.machineWord40,
+                               m.machineWord41, m.machineWord42, m.machineWord43, m.machineWord44, m.machineWord45,
+                               m.machineWord46, m.machineWord47, m.machineWord48, m.machineWord49, m.machineWord50,
+                               m.machineWord51, m.machineWord52, m.machineWord53))
+        && io.since(62, FIELDS(m.ncPath, m.ncExtension))
+        && io.since(62, FIELDS(m.machineWord54, m.machineWord55, m.machineWord56, m.machineWord57, m.machineWord58,
+                               m.machineWord59, m.machineWord60, m.machineWord61))
+        && io.since(71, [&] { return io.fields(FIELDS(m.machineWord62, m.machineWord63)) && io.record(FIELDS(m.programC)); })
+        && io.since(80, [&] { return io.record(FIELDS(m.programD)); })
+        && io.since(80, FIELDS(m.machineWord64))
+        && io.since(80, FIELDS(m.machineWord65, m.machineWord66), otherwise(-1, -1))
+        && io.since(80, FIELDS(m.machineWord67, m.machineWord68, m.machineWord69, m.machineWord70, m.machineWord71,
+                               m.machineWord72, m.machineWord73, m.machineWord74, m.machineWord75, m.machineWord76,
+                               m.machineWord77, m.machineWord78, m.wideValue1, m.wideValue2, m.machineWord79));
   }
   // In double: the single nearest to 0.0001 is below it.
   static bool isBelowLimit(float value) { return std::fabs(static_cast<double>(value)) < 0.0001; }
 
   static bool describeMaterial(auto& io, auto& m, const auto& form) {
     const bool hasNoShapes = form.shapes == nullptr;
-    return io.record(F(m.material))
-        && io.fields(F(m.machineWord80, m.machineWord81, m.machineWord82))
+    return io.record(FIELDS(m.material))
+        && io.fields(FIELDS(m.machineWord80, m.machineWord81, m.machineWord82))
         && io.when(m.shapesPresent == 1 && io.either(true, form.writeShapeFlag), [&] {
-             return io.when(hasNoShapes, [&] { return io.range(F(m.shapesPresent), 0, 0); })
+             return io.when(hasNoShapes, [&] { return io.range(FIELDS(m.shapesPresent), 0, 0); })
                  && describeShapeTrailer(io, *form.shapes);
            });
   }
 
   static bool describeLateTables(auto& io, auto& m) {
     std::int32_t columnCount = kColumnSize;
-    return io.since(90, F(m.machineWord83, m.machineWord84, m.machineWord85, m.machineWord86, m.machineWord87,
-                          m.machineWord88, m.machineWord89, m.machineWord90))
-        && io.tail([&] {
-             return io.since(90, F(m.lateByteA, m.lateWord8))
-                 && io.since(100, F(m.flagTriple[0], m.flagTriple[1], m.flagTriple[2]))
-                 && io.since(101, F(m.triadWord1, m.triadWord2, m.triadCount));
+    return io.since(90, FIELDS(m.machineWord83, m.machineWord84, m.machineWord85, m.machineWord86, m.machineWord87,
+                               m.machineWord88, m.machineWord89, m.machineWord90))
+        && io.optionalTail([&] {
+             return io.since(90, FIELDS(m.lateByteA, m.lateWord8))
+                 && io.since(100, FIELDS(m.flagTriple[0], m.flagTriple[1], m.flagTriple[2]))
+                 && io.since(101, FIELDS(m.triadWord1, m.triadWord2, m.triadCount));
            })
         && io.since(101, [&] {
-             return io.atMost(F(m.triadCount), 255)
-                 && io.rows(m.triadCount, [&](std::size_t i) { return io.fields(F(m.triads[i])); });
+             return io.atMost(FIELDS(m.triadCount), 255)
+                 && io.rows(m.triadCount, [&](std::size_t i) { return io.fields(FIELDS(m.triads[i])); });
            })
         && io.since(110, [&] {
-             return io.fields(F(m.unitWord))
-                 && io.ignored([&] { return io.record(F(m.unitTable)); })
-                 && io.fields(F(m.machineWord108, m.machineWord109, m.machineWord110, m.machineWord111,
-                                m.machineWord112, m.machineWord113, m.machineWord114, m.machineWord115,
-                                m.machineWord116, m.machineWord117, m.machineWord118, m.machineWord119,
-                                m.machineWord120, m.machineWord121, m.machineWord122, m.machineWord123))
+             return io.fields(FIELDS(m.unitWord))
+                 && io.continueOnFailure([&] { return io.record(FIELDS(m.unitTable)); })
+                 && io.fields(FIELDS(m.machineWord108, m.machineWord109, m.machineWord110, m.machineWord111,
+                                     m.machineWord112, m.machineWord113, m.machineWord114, m.machineWord115,
+                                     m.machineWord116, m.machineWord117, m.machineWord118, m.machineWord119,
+                                     m.machineWord120, m.machineWord121, m.machineWord122, m.machineWord123))
                  && io.rows(6, [&](std::size_t i) {
-                      return describeColumnCount(io, columnCount) && io.leading(columnCount, F(m.numberColumns[i]));
+                      return describeColumnCount(io, columnCount) && io.leading(columnCount, FIELDS(m.numberColumns[i]));
                     })
                  && describeColumnCount(io, columnCount)
-                 && io.rows(columnCount, [&](std::size_t i) { return io.template textItem<256>(F(m.textColumnA[i])); })
+                 && io.rows(columnCount, [&](std::size_t i) { return io.template textItem<256>(FIELDS(m.textColumnA[i])); })
                  && describeColumnCount(io, columnCount)
-                 && io.rows(columnCount, [&](std::size_t i) { return io.template textItem<256>(F(m.textColumnB[i])); });
+                 && io.rows(columnCount, [&](std::size_t i) { return io.template textItem<256>(FIELDS(m.textColumnB[i])); });
            })
-        && io.since(111, F(m.displayName, m.displayTail))
-        && io.since(112, F(m.lateWord1, m.lateWord2))
-        && io.since(112, F(m.lateWord5, m.lateWord4, m.lateWord3), otherwise(0.0001F, 0, 1));
+        && io.since(111, FIELDS(m.displayName, m.displayTail))
+        && io.since(112, FIELDS(m.lateWord1, m.lateWord2))
+        && io.since(112, FIELDS(m.lateWord5, m.lateWord4, m.lateWord3), otherwise(0.0001F, 0, 1));
   }
   static constexpr std::int32_t kColumnSize = 3;
   static bool describeColumnCount(auto& io, std::int32_t& columnCount) {
-    return io.fields(F(columnCount))
-        && io.atMost(F(columnCount), kColumnSize);
+    return io.fields(FIELDS(columnCount))
+        && io.atMost(FIELDS(columnCount), kColumnSize);
   }
 
   static bool describeTail(auto& io, auto& m) {
     std::int32_t lateLength = 0;
-    return io.tail([&] {
+    return io.optionalTail([&] {
              return io.since(130, [&] {
-                      return io.fields(F(m.lateText1, m.lateWord6, m.lateText2, m.lateExtension, m.lateWord7))
+                      return io.fields(FIELDS(m.lateText1, m.lateWord6, m.lateText2, m.lateExtension, m.lateWord7))
                           && io.reserved(13 * 8 + 2 * 4)
-                          && io.fields(F(lateLength))
+                          && io.fields(FIELDS(lateLength))
                           && io.when(lateLength > 0, [&] { return io.reserved(static_cast<std::size_t>(lateLength)); });
                     })
-                 && io.since(141, F(m.lateByteB))
+                 && io.since(141, FIELDS(m.lateByteB))
                  // The writer has no gate here.
                  && io.differs([&] { return io.since(151, [&] { return describeLateWords(io, m); }); },
                                [&] { return describeLateWords(io, m); })
                  && io.below(151, [&] {
-                      return io.repair(m, [](auto& r) {
+                      return io.afterRead(m, [](auto& r) {
                         r.machineWord124 = r.machineWord126 = 0;
                         r.machineWord125 = r.machineWord127 = 1.5F;
                         r.machineWord129 = r.machineWord130 = 1;
                       });
                     })
-                 && io.differs([&] { return io.since(152, F(m.lateByteC)); }, [&] { return io.fields(F(m.lateByteC)); });
+                 && io.differs([&] { return io.since(152, FIELDS(m.lateByteC)); }, [&] { return io.fields(FIELDS(m.lateByteC)); });
            })
-        && io.repair(m, [&](auto& r) { finish(r, io.version()); })
+        && io.afterRead(m, [&](auto& r) { finish(r, io.version()); })
         && io.since(154, [&] {
-             return io.fields(F(m.setupWords, block(m.setup3.sizeX, m.setup3.sizeY)))
-                 && io.record(F(m.setup3.clampInfo))
-                 && io.fields(F(m.setup3.clampValue1, m.setup3.clampValue2, m.setup3.machineWord91,
-                                m.setup3.machineWord92));
+             return io.fields(FIELDS(m.setupWords, block(m.setup3.sizeX, m.setup3.sizeY)))
+                 && io.record(FIELDS(m.setup3.clampInfo))
+                 && io.fields(FIELDS(m.setup3.clampValue1, m.setup3.clampValue2, m.setup3.machineWord91,
+                                     m.setup3.machineWord92));
            })
-        && io.since(157, F(m.endText1))
-        && io.since(170, [&] { return io.fields(F(m.endWord)) && io.reserved(2 * 100 * 4); })
-        && io.since(180, F(m.endText2));
+        && io.since(157, FIELDS(m.endText1))
+        && io.since(170, [&] { return io.fields(FIELDS(m.endWord)) && io.reserved(2 * 100 * 4); })
+        && io.since(180, FIELDS(m.endText2));
   }
   static bool describeLateWords(auto& io, auto& m) {
-    return io.fields(F(m.machineWord124, m.machineWord125, m.machineWord126, m.machineWord127, m.machineWord128,
-                   m.machineWord129, m.machineWord130, m.machineWord131, m.machineWord132));
+    return io.fields(FIELDS(m.machineWord124, m.machineWord125, m.machineWord126, m.machineWord127, m.machineWord128,
+                            m.machineWord129, m.machineWord130, m.machineWord131, m.machineWord132));
   }
 
   static void finish(auto& m, int version) {
@@ -249,5 +249,5 @@ struct Layout<OldMachine> {
   }
 };
 
-}  // namespace frame
+}  // namespace codec
 }  // namespace oldtorvio

@@ -5,13 +5,14 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/machine/machine_io.h"
 #include "src/records/tool_layout.h"
 
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // Loaded over itself and never reset: what a file does not store keeps the value of the one before.

@@ -5,25 +5,25 @@
 
 namespace oldtorvio {
 
-using frame::Reader;
-using frame::readRecord;
-using frame::resultOf;
-using frame::Writer;
-using frame::writeRecord;
-using frame::writeUngated;
+using codec::Reader;
+using codec::readRecord;
+using codec::resultOf;
+using codec::Writer;
+using codec::writeRecord;
+using codec::writeUnversioned;
 
 namespace {
 
 template <class List>
 int readList(InStream& stream, int version, List& list) {
   Reader io(stream, version);
-  return resultOf(io.countThenClear(F(list)));
+  return resultOf(io.countThenClear(FIELDS(list)));
 }
 
 template <class List>
 bool writeList(OutStream& stream, int version, const List& list) {
   Writer io(stream, version);
-  return io.countThenClear(F(list));
+  return io.countThenClear(FIELDS(list));
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ int ReadParamTable(InStream& stream, ParamTable& table) {
   Reader io(stream);
   return readParamTable(io, table);
 }
-bool WriteParamTable(OutStream& stream, const ParamTable& table) { return writeUngated(stream, table); }
+bool WriteParamTable(OutStream& stream, const ParamTable& table) { return writeUnversioned(stream, table); }
 
 int ReadSettingList(InStream& stream, int version, SettingList& list) { return readList(stream, version, list); }
 bool WriteSettingList(OutStream& stream, int version, const SettingList& list) {

@@ -3,12 +3,12 @@
 // Results as in src/records/record_io.h.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 // Under the version word of its own that a table begins with. -1 for a version without a layout: then
 // table.version holds it and nothing else is touched.

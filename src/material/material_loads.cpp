@@ -3,10 +3,11 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/material/material_io.h"
 
 using namespace oldtorvio;
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 
 namespace {

@@ -1,7 +1,7 @@
 // Stored form of a parameter table: five layouts, chosen by the version word that it begins with.
 #pragma once
 #include "OldTorvIO/param_table.h"
-#include "src/frame/describe.h"
+#include "src/frame/codec/describe.h"
 
 namespace oldtorvio {
 
@@ -26,13 +26,13 @@ inline ParamForm paramFormToWrite(std::uint16_t version) {
   return asSigned == 52 ? ParamForm::version52 : ParamForm::none;
 }
 
-namespace frame {
+namespace codec {
 
 template <>
 struct Layout<ParamTable> {
-  static constexpr std::size_t kLeast = 69;
+  static constexpr std::size_t kMinStoredSize = 69;
   static bool describe(auto& io, auto& t) {
-    return io.fields(F(t.version))
+    return io.fields(FIELDS(t.version))
         && describeForm(io, t, io.either(paramFormToRead(t.version), paramFormToWrite(t.version)));
   }
 
@@ -41,13 +41,13 @@ struct Layout<ParamTable> {
 
   static bool describeForm(auto& io, auto& t, ParamForm form) {
     const bool isRefused = form == ParamForm::none;
-    return io.when(isRefused, [&] { return io.range(F(t.version), 60, 59); })
+    return io.when(isRefused, [&] { return io.range(FIELDS(t.version), 60, 59); })
         && io.when(form == ParamForm::main, [&] { return describeMain(io, t, t.version >= 80); })
         && io.when(form == ParamForm::version52, [&] {
-             return io.slice(F(t.intParams), 55, 89)
-                 && io.slice(F(t.intParams), 101, 125)
-                 && io.slice(F(t.realParams), 55, 89)
-                 && io.slice(F(t.realParams), 101, 125)
+             return io.slice(FIELDS(t.intParams), 55, 89)
+                 && io.slice(FIELDS(t.intParams), 101, 125)
+                 && io.slice(FIELDS(t.realParams), 55, 89)
+                 && io.slice(FIELDS(t.realParams), 101, 125)
                  && describeLongName(io, t);
            })
         && io.onlyRead([&](auto& reader) { return describeOldForms(reader, t, form); });
@@ -55,65 +55,65 @@ struct Layout<ParamTable> {
 
   static bool describeOldForms(auto& io, auto& t, ParamForm form) {
     return io.when(form == ParamForm::version502, [&] {
-             return io.template sliceAs<std::int16_t>(F(t.intParams), 55, 89)
-                 && io.template sliceAs<std::int16_t>(F(t.intParams), 101, 125)
-                 && io.slice(F(t.realParams), 55, 89)
-                 && io.slice(F(t.realParams), 101, 125)
-                 && io.bytesOrOne(F(t.name), kShortName);
+             return io.template sliceAs<std::int16_t>(FIELDS(t.intParams), 55, 89)
+                 && io.template sliceAs<std::int16_t>(FIELDS(t.intParams), 101, 125)
+                 && io.slice(FIELDS(t.realParams), 55, 89)
+                 && io.slice(FIELDS(t.realParams), 101, 125)
+                 && io.bytesOrOne(FIELDS(t.name), kShortName);
            })
         && io.when(form == ParamForm::version501, [&] {
-             return io.template sliceAs<std::int16_t>(F(t.intParams), 55, 89)
-                 && io.slice(F(t.realParams), 55, 89)
-                 && io.bytesOrOne(F(t.name), kShortName);
+             return io.template sliceAs<std::int16_t>(FIELDS(t.intParams), 55, 89)
+                 && io.slice(FIELDS(t.realParams), 55, 89)
+                 && io.bytesOrOne(FIELDS(t.name), kShortName);
            })
         && io.when(form == ParamForm::version500, [&] {
-             return io.fields(F(as<float>(t.realParams[55]), as<std::int16_t>(t.intParams[55]),
-                                as<float>(t.realParams[56]), as<float>(t.realParams[57]),
-                                as<std::int16_t>(t.intParams[56]), as<std::int16_t>(t.intParams[57]),
-                                as<std::int16_t>(t.intParams[58]), as<std::int16_t>(t.intParams[59]),
-                                as<float>(t.realParams[58]), as<std::int16_t>(t.intParams[60]),
-                                as<std::int16_t>(t.intParams[61]), as<std::int16_t>(t.intParams[62]),
-                                as<std::int16_t>(t.intParams[63]), as<float>(t.realParams[59]),
-                                as<float>(t.realParams[60]), as<float>(t.realParams[61])))
-                 && io.bytesOrOne(F(t.name), kShortName);
+             return io.fields(FIELDS(as<float>(t.realParams[55]), as<std::int16_t>(t.intParams[55]),
+                                     as<float>(t.realParams[56]), as<float>(t.realParams[57]),
+                                     as<std::int16_t>(t.intParams[56]), as<std::int16_t>(t.intParams[57]),
+                                     as<std::int16_t>(t.intParams[58]), as<std::int16_t>(t.intParams[59]),
+                                     as<float>(t.realParams[58]), as<std::int16_t>(t.intParams[60]),
+                                     as<std::int16_t>(t.intParams[61]), as<std::int16_t>(t.intParams[62]),
+                                     as<std::int16_t>(t.intParams[63]), as<float>(t.realParams[59]),
+                                     as<float>(t.realParams[60]), as<float>(t.realParams[61])))
+                 && io.bytesOrOne(FIELDS(t.name), kShortName);
            });
   }
 
   static bool describeMain(auto& io, auto& t, bool hasLateNumbers) {
-    return io.fields(F(t.title))
-        && io.slice(F(t.intParams), 55, 89)
-        && io.slice(F(t.intParams), 101, 125)
+    return io.fields(FIELDS(t.title))
+        && io.slice(FIELDS(t.intParams), 55, 89)
+        && io.slice(FIELDS(t.intParams), 101, 125)
         // A zero in the file leaves these two integers as they are.
-        && io.slice(F(t.intParams), 401, 489)
-        && io.nonZero(F(t.intParams[490]))
-        && io.fields(F(t.intParams[491]))
-        && io.nonZero(F(t.intParams[492]))
-        && io.slice(F(t.intParams), 493, 500)
-        && io.when(hasLateNumbers, [&] { return io.slice(F(t.intParams), 551, 600); })
-        && io.slice(F(t.realParams), 55, 89)
-        && io.slice(F(t.realParams), 101, 125)
-        && io.slice(F(t.realParams), 401, 500)
-        && io.when(hasLateNumbers, [&] { return io.slice(F(t.realParams), 551, 600); })
-        && io.slice(F(t.textParams), 55, 89)
-        && io.slice(F(t.textParams), 101, 125)
-        && io.slice(F(t.textParams), 401, 500)
-        && io.when(hasLateNumbers, [&] { return io.slice(F(t.textParams), 551, 600); })
+        && io.slice(FIELDS(t.intParams), 401, 489)
+        && io.nonZero(FIELDS(t.intParams[490]))
+        && io.fields(FIELDS(t.intParams[491]))
+        && io.nonZero(FIELDS(t.intParams[492]))
+        && io.slice(FIELDS(t.intParams), 493, 500)
+        && io.when(hasLateNumbers, [&] { return io.slice(FIELDS(t.intParams), 551, 600); })
+        && io.slice(FIELDS(t.realParams), 55, 89)
+        && io.slice(FIELDS(t.realParams), 101, 125)
+        && io.slice(FIELDS(t.realParams), 401, 500)
+        && io.when(hasLateNumbers, [&] { return io.slice(FIELDS(t.realParams), 551, 600); })
+        && io.slice(FIELDS(t.textParams), 55, 89)
+        && io.slice(FIELDS(t.textParams), 101, 125)
+        && io.slice(FIELDS(t.textParams), 401, 500)
+        && io.when(hasLateNumbers, [&] { return io.slice(FIELDS(t.textParams), 551, 600); })
         && describeLongName(io, t);
   }
   static bool describeLongName(auto& io, auto& t) {
-    return io.repair(t, [](auto& r) { r.nameLength = 0; })
-        && io.fields(F(t.nameLength))
-        && io.sized(F(t.name), t.nameLength);
+    return io.afterRead(t, [](auto& r) { r.nameLength = 0; })
+        && io.fields(FIELDS(t.nameLength))
+        && io.sized(FIELDS(t.name), t.nameLength);
   }
 };
 
-}  // namespace frame
+}  // namespace codec
 
 // The status of a table's load, by whatever reads.
 template <class Io>
 int readParamTable(Io& io, ParamTable& table) {
-  if (io.whole(table)) return 0;
-  const bool hasNoLayout = io.stop() == frame::Stop::refused && paramFormToRead(table.version) == ParamForm::none;
+  if (io.walk(table)) return 0;
+  const bool hasNoLayout = io.stop() == codec::Stop::refused && paramFormToRead(table.version) == ParamForm::none;
   return hasNoLayout ? -1 : 1;
 }
 

@@ -5,22 +5,22 @@
 #include <string>
 
 #include "OldTorvIO/part.h"
-#include "src/frame/describe.h"
+#include "src/frame/codec/describe.h"
 #include "src/frame/versions.h"
 #include "src/part/old_part_rules.h"
 #include "src/records/small_layouts.h"
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 // Type, auxWord and flags have been read.
 inline bool describeOldGeometry(auto& io, auto& s) {
-  return io.repair(s, [](auto& r) { if (!keepsFirstFlag(r.type)) r.flags &= ~1U; })
-      && io.fields(F(s.x, s.y))
-      && io.leading(oldValueCount(s.type), F(s.values));
+  return io.afterRead(s, [](auto& r) { if (!keepsFirstFlag(r.type)) r.flags &= ~1U; })
+      && io.fields(FIELDS(s.x, s.y))
+      && io.leading(oldValueCount(s.type), FIELDS(s.values));
 }
 
 inline bool describeOldItem(auto& io, auto& i) {
-  return io.fields(F(as<std::int16_t>(i.itemWord1), as<std::int16_t>(i.toolNumber)));
+  return io.fields(FIELDS(as<std::int16_t>(i.itemWord1), as<std::int16_t>(i.toolNumber)));
 }
 
 struct Version5Part {
@@ -32,33 +32,33 @@ struct Layout<Version5Part> {
   static bool describe(auto& io, auto& file) {
     TorvPart& p = file.part;
     std::int16_t shapeCount = 0, patternCount = 0, markCount = 0;
-    return io.clear(F(p.patterns))
-        && io.clear(F(p.workList))
-        && io.sized(F(p.partName), 21)
-        && io.fields(F(p.width, p.height, p.productName, p.assemblyName, p.materialName, as<std::int16_t>(p.partKind),
-                       as<std::int16_t>(p.partWord1), p.thickness))
-        && io.repair(p, [](auto& r) { r.materialType[0] = '\0'; })
-        && io.clear(F(p.shapes.shapes))
-        && io.fields(F(shapeCount))
+    return io.clear(FIELDS(p.patterns))
+        && io.clear(FIELDS(p.workList))
+        && io.sized(FIELDS(p.partName), 21)
+        && io.fields(FIELDS(p.width, p.height, p.productName, p.assemblyName, p.materialName,
+                            as<std::int16_t>(p.partKind), as<std::int16_t>(p.partWord1), p.thickness))
+        && io.afterRead(p, [](auto& r) { r.materialType[0] = '\0'; })
+        && io.clear(FIELDS(p.shapes.shapes))
+        && io.fields(FIELDS(shapeCount))
         && io.rows(shapeCount, [&](std::size_t i) { return describeShape(io, p, i); })
-        && io.fields(F(patternCount))
+        && io.fields(FIELDS(patternCount))
         && io.rows(patternCount, [&](std::size_t i) { return describePattern(io, p, i); })
         && describeSetupList(io, p.setupList)
-        && io.clear(F(p.marks))
-        && io.fields(F(markCount))
+        && io.clear(FIELDS(p.marks))
+        && io.fields(FIELDS(markCount))
         && io.rows(markCount, [&](std::size_t i) { return describeMark(io, p, i); });
   }
 
  private:
   static bool describeShape(auto& io, TorvPart& p, std::size_t i) {
     Shape s;
-    return io.element(F(p.shapes.shapes), i, [&] {
-             return io.fields(F(s.type, as<std::int16_t>(s.auxWord), as<std::int16_t>(s.flags)))
+    return io.element(FIELDS(p.shapes.shapes), i, [&] {
+             return io.fields(FIELDS(s.type, as<std::int16_t>(s.auxWord), as<std::int16_t>(s.flags)))
                  && describeOldGeometry(io, s);
            })
-        && io.repair(s, [&](auto& r) {
+        && io.afterRead(s, [&](auto& r) {
              limitToFullTurn(r, kFullTurnVersion5);
-             mendSmallArc(r);
+             fixDegenerateArc(r);
              p.shapes.shapes.push_back(r);
            });
   }
@@ -66,18 +66,18 @@ struct Layout<Version5Part> {
   static bool describePattern(auto& io, TorvPart& p, std::size_t i) {
     Pattern t;
     std::int16_t itemCount = 0;
-    return io.element(F(p.patterns), i, [&] {
-             return io.fields(F(as<std::int16_t>(t.headWord), as<std::int16_t>(t.gridCount1),
-                                as<std::int16_t>(t.gridCount2), t.gridStep1, t.gridStep2,
-                                block(t.originX, t.originY, t.rotationCos, t.rotationSin), itemCount))
+    return io.element(FIELDS(p.patterns), i, [&] {
+             return io.fields(FIELDS(as<std::int16_t>(t.headWord), as<std::int16_t>(t.gridCount1),
+                                     as<std::int16_t>(t.gridCount2), t.gridStep1, t.gridStep2,
+                                     block(t.originX, t.originY, t.rotationCos, t.rotationSin), itemCount))
                  && io.rows(itemCount, [&](std::size_t n) {
                       PatternItem item;
-                      return io.element(F(t.items), n, [&] { return describeOldItem(io, item); })
-                          && io.repair(item, [&](auto& r) { t.items.push_back(r); });
+                      return io.element(FIELDS(t.items), n, [&] { return describeOldItem(io, item); })
+                          && io.afterRead(item, [&](auto& r) { t.items.push_back(r); });
                     });
            })
         // A part stands once, where it stands, and it has no tools that a number could mean.
-        && io.repair(t, [&](auto& r) {
+        && io.afterRead(t, [&](auto& r) {
              r.gridCount1 = r.gridCount2 = 1;
              r.gridStep1 = r.gridStep2 = 0;
              r.originX = r.originY = 0;
@@ -89,23 +89,23 @@ struct Layout<Version5Part> {
   static bool describeSetupList(auto& io, SetupList& l) {
     std::int16_t entryCount = 0;
     ContinuationFilter filter;
-    return io.clear(F(l.entries))
-        && io.fields(F(entryCount))
+    return io.clear(FIELDS(l.entries))
+        && io.fields(FIELDS(entryCount))
         && io.rows(entryCount, [&](std::size_t i) {
              SetupEntry e;
-             return io.element(F(l.entries), i, [&] { return describeShortSetupEntry(io, e); })
-                 && io.repair(e, [&](auto& r) { if (filter.keeps(r)) l.entries.push_back(r); });
+             return io.element(FIELDS(l.entries), i, [&] { return describeShortSetupEntry(io, e); })
+                 && io.afterRead(e, [&](auto& r) { if (filter.keeps(r)) l.entries.push_back(r); });
            })
         && describeShortSetupEntry(io, l.current)
-        && io.fields(F(l.tailBlock, l.tailWord1, l.tailWord2));
+        && io.fields(FIELDS(l.tailBlock, l.tailWord1, l.tailWord2));
   }
 
   static bool describeMark(auto& io, TorvPart& p, std::size_t i) {
     MarkEntry m;
-    return io.element(F(p.marks), i, [&] {
-             return io.fields(F(as<std::int16_t>(m.markWord1), m.markShort, m.markWord2, m.markWord3));
+    return io.element(FIELDS(p.marks), i, [&] {
+             return io.fields(FIELDS(as<std::int16_t>(m.markWord1), m.markShort, m.markWord2, m.markWord3));
            })
-        && io.repair(m, [&](auto& r) { p.marks.push_back(r); });
+        && io.afterRead(m, [&](auto& r) { p.marks.push_back(r); });
   }
 };
 
@@ -121,16 +121,16 @@ struct Layout<Version3Part> {
     TorvPart& p = file.part;
     std::uint8_t hasItems = 0, hasShapeFixes = 0, hasSlots = 0, hasMarks = 0, hasLastSection = 0, hasSetupReals = 0;
     std::int16_t shapeCount = 0, unusedCount1 = 0, unusedCount2 = 0;
-    return io.clear(F(p.patterns))
-        && io.clear(F(p.workList))
-        && io.fields(F(p.width, p.height, hasItems, hasShapeFixes, hasSlots, hasMarks, hasLastSection))
+    return io.clear(FIELDS(p.patterns))
+        && io.clear(FIELDS(p.workList))
+        && io.fields(FIELDS(p.width, p.height, hasItems, hasShapeFixes, hasSlots, hasMarks, hasLastSection))
         && io.reserved(47)
-        && io.fields(F(hasSetupReals))
+        && io.fields(FIELDS(hasSetupReals))
         && io.reserved(11)
-        && io.fields(F(shapeCount, unusedCount1, unusedCount2))
-        && io.clear(F(p.shapes.shapes))
+        && io.fields(FIELDS(shapeCount, unusedCount1, unusedCount2))
+        && io.clear(FIELDS(p.shapes.shapes))
         && describeShapes(io, p, shapeCount, hasItems == 1)
-        && io.ignored([&] { return describeSetupSection(io, p.setupList); })
+        && io.continueOnFailure([&] { return describeSetupSection(io, p.setupList); })
         && io.when(hasItems == 1, [&] { return describeItems(io); })
         && io.when(hasShapeFixes == 1, [&] { return describeShapeFixes(io, p.shapes.shapes); })
         && io.notReadOn();
@@ -144,33 +144,33 @@ struct Layout<Version3Part> {
              Shape s;
              std::uint8_t unused1[2] = {}, unused2[2] = {};
              std::int16_t auxWord = 0, flags = 0;
-             return io.element(F(p.shapes.shapes), i, [&] {
-                      return io.fields(F(block(s.type, unused1, auxWord, unused2, flags)))
-                          && io.repair(s, [&](auto& r) {
+             return io.element(FIELDS(p.shapes.shapes), i, [&] {
+                      return io.fields(FIELDS(block(s.type, unused1, auxWord, unused2, flags)))
+                          && io.afterRead(s, [&](auto& r) {
                                r.auxWord = auxWord;
                                r.flags = static_cast<std::uint32_t>(flags);
                              })
                           && describeOldGeometry(io, s);
                     })
-                 && io.repair(s, [&](auto& r) {
+                 && io.afterRead(s, [&](auto& r) {
                       limitToFullTurn(r, kFullTurnVersion3);
                       converter.convert(r, p.shapes.shapes.size());
                       p.shapes.shapes.push_back(r);
                       pattern.items.emplace_back().itemWord1 = r.flags & 0x310U;
                     });
            })
-        && io.repair(p, [&](auto& r) { r.patterns.push_back(std::move(pattern)); });
+        && io.afterRead(p, [&](auto& r) { r.patterns.push_back(std::move(pattern)); });
   }
 
   // A record that carries a text takes those behind it for itself.
   static bool describeSetupSection(auto& io, SetupList& l) {
     std::int16_t recordCount = 0;
     std::int64_t asText = 0;
-    return io.clear(F(l.entries))
-        && io.fields(F(recordCount))
+    return io.clear(FIELDS(l.entries))
+        && io.fields(FIELDS(recordCount))
         && io.rows(recordCount, [&](std::size_t i) {
              const bool isText = asText > 0;
-             return io.when(isText, [&] { return io.repair(asText, [](auto& left) { --left; }); })
+             return io.when(isText, [&] { return io.afterRead(asText, [](auto& left) { --left; }); })
                  && io.when(!isText, [&] { return describeSetupRecord(io, l, i, asText); });
            });
   }
@@ -178,8 +178,8 @@ struct Layout<Version3Part> {
   static bool describeSetupRecord(auto& io, SetupList& l, std::size_t i, std::int64_t& asText) {
     OldSetupRecord record;
     std::string text;
-    return io.element(F(l.entries), i, [&] {
-             return io.fields(F(record.bytes))
+    return io.element(FIELDS(l.entries), i, [&] {
+             return io.fields(FIELDS(record.bytes))
                  && io.when(!record.hasKnownType(), [&] { return io.notReadOn(); })
                  && io.when(record.bytesBehind() > 0,
                             [&] { return io.reserved(static_cast<std::size_t>(record.bytesBehind())); })
@@ -187,14 +187,14 @@ struct Layout<Version3Part> {
                       return io.rows(record.textCount(), [&](std::size_t) {
                         std::uint8_t unused[2] = {};
                         char textPiece[OldSetupRecord::kTextSize] = {};
-                        return io.fields(F(unused, textPiece))
-                            && io.repair(text, [&](auto& all) {
+                        return io.fields(FIELDS(unused, textPiece))
+                            && io.afterRead(text, [&](auto& all) {
                                  all.append(textPiece, std::find(std::begin(textPiece), std::end(textPiece), '\0'));
                                });
                       });
                     });
            })
-        && io.repair(l, [&](auto& list) {
+        && io.afterRead(l, [&](auto& list) {
              if (record.carriesText()) {
                appendText(list, record, text);
                asText = std::max<std::int64_t>(record.textCount(), 0);
@@ -209,28 +209,28 @@ struct Layout<Version3Part> {
   // Into nothing: the pattern keeps the items that its shapes gave it.
   static bool describeItems(auto& io) {
     std::int16_t itemCount = 0, numberCount = 0;
-    return io.fields(F(itemCount))
+    return io.fields(FIELDS(itemCount))
         && io.rows(itemCount, [&](std::size_t) {
              PatternItem item;
              return describeOldItem(io, item);
            })
-        && io.fields(F(numberCount))
+        && io.fields(FIELDS(numberCount))
         && io.rows(numberCount, [&](std::size_t) {
              std::int16_t number = 0;
-             return io.fields(F(number));
+             return io.fields(FIELDS(number));
            })
         && io.notReadOn();
   }
 
   static bool describeShapeFixes(auto& io, std::vector<Shape>& shapes) {
     std::int16_t fixCount = 0;
-    return io.fields(F(fixCount))
+    return io.fields(FIELDS(fixCount))
         && io.rows(fixCount, [&](std::size_t) {
              std::int16_t shapeIndex = 0, value = 0;
              const auto last = static_cast<std::int64_t>(shapes.size()) - 1;
-             return io.fields(F(shapeIndex, value))
-                 && io.range(F(shapeIndex), std::int64_t{0}, last)
-                 && io.repair(shapes[static_cast<std::size_t>(shapeIndex)], [&](auto& shape) {
+             return io.fields(FIELDS(shapeIndex, value))
+                 && io.range(FIELDS(shapeIndex), std::int64_t{0}, last)
+                 && io.afterRead(shapes[static_cast<std::size_t>(shapeIndex)], [&](auto& shape) {
                       shape = Shape();
                       shape.values[8] = value;
                     });
@@ -243,7 +243,7 @@ template <class Io>
 bool walkOldestPart(Io& io, TorvPart& part) {
   Version5Part version5{part};
   Version3Part version3{part};
-  return io.version() == kVersion5 ? io.whole(version5) : io.whole(version3);
+  return io.version() == frame::kVersion5 ? io.walk(version5) : io.walk(version3);
 }
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

@@ -9,7 +9,7 @@
 #include <span>
 #include <string_view>
 
-#include "src/frame/reader.h"
+#include "src/frame/codec/reader.h"
 
 namespace oldtorvio {
 namespace {
@@ -99,15 +99,15 @@ bool isNearlyZero(float value) { return std::fabs(static_cast<double>(value)) < 
 void setContinuationText(SetupEntry& e, std::string_view text) {
   std::array<std::byte, OldSetupRecord::kTextSize> image{};
   std::memcpy(image.data(), text.data(), text.size());
-  frame::InStream stream{std::span<const std::byte>(image)};
-  frame::Reader io(stream);
-  (void)io.fields(F(e.setupShort2, e.setupByte1, e.memoryByte1, e.setupShort3, e.setupByte2, e.memoryByte2,
+  codec::InStream stream{std::span<const std::byte>(image)};
+  codec::Reader io(stream);
+  (void)io.fields(FIELDS(e.setupShort2, e.setupByte1, e.memoryByte1, e.setupShort3, e.setupByte2, e.memoryByte2,
                     e.setupShort4, e.setupByte3, e.memoryBytes, e.setupBlock, e.setupWord1, e.setupByte4));
 }
 
 void setBlock(SetupEntry& entry, float first, float second) {
-  frame::wire::Item<float>::store(first, reinterpret_cast<std::byte*>(entry.setupBlock));
-  frame::wire::Item<float>::store(second, reinterpret_cast<std::byte*>(entry.setupBlock) + 4);
+  codec::wire::Item<float>::store(first, reinterpret_cast<std::byte*>(entry.setupBlock));
+  codec::wire::Item<float>::store(second, reinterpret_cast<std::byte*>(entry.setupBlock) + 4);
 }
 
 }  // namespace
@@ -126,7 +126,7 @@ void limitToFullTurn(Shape& shape, float fullTurn) {
   if (std::fabs(static_cast<double>(angle)) * 180.0 / std::numbers::pi > 360.0) angle = std::copysign(fullTurn, angle);
 }
 
-void mendSmallArc(Shape& shape) {
+void fixDegenerateArc(Shape& shape) {
   if (shape.type == kArc && shape.values[4] < 1.7453292e-05F) shape.values[4] = 1.5707964F;
 }
 
@@ -140,17 +140,17 @@ void OldShapeConverter::convert(Shape& shape, std::size_t before) {
     headX_ = shape.x;
     headY_ = shape.y;
   }
-  if ((shape.flags & kGroupMember) != 0) takeIntoHeadsFrame(shape);
+  if ((shape.flags & kGroupMember) != 0) toGroupFrame(shape);
   if (hasItems_)
     shape.auxWord += 1;
   else
     shape.auxWord = kind == Class::contour ? static_cast<std::int32_t>(before + 2) : 0;
   shape.flags &= 0xFFF3U;
-  mendSmallArc(shape);
+  fixDegenerateArc(shape);
 }
 
 // A member is stored where it lies on the sheet. Every step rounds to single.
-void OldShapeConverter::takeIntoHeadsFrame(Shape& shape) const {
+void OldShapeConverter::toGroupFrame(Shape& shape) const {
   const float c = cosine(headAngle_), s = sine(headAngle_);
   const float x = shape.x, y = shape.y;
   shape.x = x * c + (-(headX_ * c) - headY_ * s) + y * s;
@@ -162,7 +162,7 @@ std::uint16_t OldSetupRecord::type() const { return shortAt(bytes); }
 std::int16_t OldSetupRecord::textCount() const { return static_cast<std::int16_t>(shortAt(bytes + 4)); }
 float OldSetupRecord::real(int index) const {
   float value = 0;
-  frame::wire::Item<float>::load(value, reinterpret_cast<const std::byte*>(bytes) + 12 + 4 * index);
+  codec::wire::Item<float>::load(value, reinterpret_cast<const std::byte*>(bytes) + 12 + 4 * index);
   return value;
 }
 

@@ -22,7 +22,7 @@ inline constexpr float kFullTurnVersion3 = 6.283182F;
 void limitToFullTurn(Shape& shape, float fullTurn);
 
 // An arc that is next to nothing becomes a quarter turn.
-void mendSmallArc(Shape& shape);
+void fixDegenerateArc(Shape& shape);
 
 // The shapes of versions 2 and 3 in stored order: what one needs to know of those before it.
 class OldShapeConverter {
@@ -32,7 +32,7 @@ class OldShapeConverter {
   void convert(Shape& shape, std::size_t before);
 
  private:
-  void takeIntoHeadsFrame(Shape& shape) const;
+  void toGroupFrame(Shape& shape) const;
 
   bool hasItems_;
   float headAngle_ = 0;

@@ -6,11 +6,11 @@
 
 namespace oldtorvio {
 
-using frame::Reader;
-using frame::readRecord;
-using frame::resultOf;
-using frame::Writer;
-using frame::writeRecord;
+using codec::Reader;
+using codec::readRecord;
+using codec::resultOf;
+using codec::Writer;
+using codec::writeRecord;
 
 int ReadPattern(InStream& stream, int version, bool embedded, Pattern& pattern) {
   return resultOf(readRecord(stream, version, pattern, embedded));
@@ -21,11 +21,11 @@ bool WritePattern(OutStream& stream, int version, const Pattern& pattern) {
 }
 int ReadEmbeddedPatternList(InStream& stream, int version, bool embedded, PatternList& list) {
   Reader io(stream, version);
-  return resultOf(io.append(F(list), embedded));
+  return resultOf(io.append(FIELDS(list), embedded));
 }
 bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList& list) {
   Writer io(stream, version);
-  return io.append(F(list), true);
+  return io.append(FIELDS(list), true);
 }
 
 int ReadPlacedShapeList(InStream& stream, int version, PlacedShapeList& list) {
@@ -36,27 +36,27 @@ bool WritePlacedShapeList(OutStream& stream, int version, const PlacedShapeList&
 }
 bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups) {
   Reader io(stream, version);
-  return io.append(F(groups));
+  return io.append(FIELDS(groups));
 }
 bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups) {
   Writer io(stream, version);
-  return io.append(F(groups));
+  return io.append(FIELDS(groups));
 }
 bool ReadContourGroups(InStream& stream, int version, std::vector<ContourGroup>& groups) {
   Reader io(stream, version);
-  return io.clear(F(groups)) && io.append(F(groups));
+  return io.clear(FIELDS(groups)) && io.append(FIELDS(groups));
 }
 bool WriteContourGroups(OutStream& stream, int version, const std::vector<ContourGroup>& groups) {
   Writer io(stream, version);
-  return io.append(F(groups));
+  return io.append(FIELDS(groups));
 }
 bool ReadBindingSets(InStream& stream, int version, std::vector<BindingSet>& sets) {
   Reader io(stream, version);
-  return io.countThenClear(F(sets));
+  return io.countThenClear(FIELDS(sets));
 }
 bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingSet>& sets) {
   Writer io(stream, version);
-  return io.countThenClear(F(sets));
+  return io.countThenClear(FIELDS(sets));
 }
 
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly) {
@@ -65,7 +65,7 @@ int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, b
 }
 int ReadOldestPart(InStream& stream, int version, TorvPart& part) {
   Reader io(stream, version);
-  return resultOf(frame::walkOldestPart(io, part));
+  return resultOf(codec::walkOldestPart(io, part));
 }
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part) {
   return writeRecord(stream, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file});
@@ -82,7 +82,7 @@ std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int vers
       path, version, [](int v) { return v >= frame::kFirstGroupPartVersion; },
       [&](OutStream& stream) {
         if (list.parts.empty()) return false;
-        const frame::GroupPartFile<const std::vector<TorvPart>> file{
+        const codec::GroupPartFile<const std::vector<TorvPart>> file{
             list.parts, static_cast<std::int32_t>(list.parts.size() - 1), nameBlockSize};
         return writeRecord(stream, version, file);
       });

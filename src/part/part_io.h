@@ -3,12 +3,12 @@
 // Results as in src/records/record_io.h. `embedded` is true for a part inside a sheet.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 int ReadPattern(InStream& stream, int version, bool embedded, Pattern& pattern);
 bool WritePattern(OutStream& stream, int version, const Pattern& pattern);

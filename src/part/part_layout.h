@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "OldTorvIO/part_list.h"
-#include "src/frame/describe.h"
-#include "src/frame/text.h"
+#include "src/frame/codec/describe.h"
+#include "src/frame/text/text.h"
 #include "src/records/shape_layout.h"
 #include "src/records/small_layouts.h"
 #include "src/records/tool_layout.h"
@@ -79,47 +79,47 @@ class BindColumns {
   P& p_;
 };
 
-namespace frame {
+namespace codec {
 
 template <>
 struct Layout<ToolBinding> {
-  static constexpr std::size_t kLeast = 16;
-  static constexpr bool kSprints = true;
+  static constexpr std::size_t kMinStoredSize = 16;
+  static constexpr bool kFastPath = true;
   static bool describe(auto& io, auto& b) {
-    return io.fields(F(b.first, b.second))
-        && io.since(156, F(b.third))
-        && io.since(160, F(b.fourth, b.fifth));
+    return io.fields(FIELDS(b.first, b.second))
+        && io.since(156, FIELDS(b.third))
+        && io.since(160, FIELDS(b.fourth, b.fifth));
   }
 };
 
 template <>
 struct Layout<Pattern> {
-  static constexpr std::size_t kLeast = 44;
-  static constexpr std::size_t leastAt(int version) { return version < 80 ? kLeast : 52; }
+  static constexpr std::size_t kMinStoredSize = 44;
+  static constexpr std::size_t minStoredSize(int version) { return version < 80 ? kMinStoredSize : 52; }
   static bool describe(auto& io, auto& p, bool embedded) {
     BindColumns bindings(p);
-    return io.fields(F(p.headWord, p.gridCount1, p.gridCount2, p.gridStep1, p.gridStep2,
-                       block(p.originX, p.originY, p.rotationCos, p.rotationSin), p.patternWord, p.groupKind))
-        && io.repair(p, [&](auto& r) { if (!isGroupKind(r.groupKind, io.version())) r.groupKind = 0; })
+    return io.fields(FIELDS(p.headWord, p.gridCount1, p.gridCount2, p.gridStep1, p.gridStep2,
+                            block(p.originX, p.originY, p.rotationCos, p.rotationSin), p.patternWord, p.groupKind))
+        && io.afterRead(p, [&](auto& r) { if (!isGroupKind(r.groupKind, io.version())) r.groupKind = 0; })
         && io.when(isGroupKind(p.groupKind, io.version()), [&] {
-             return io.fields(F(p.groupBlock, p.groupWords))
-                 && io.since(110, F(p.bindWord1, p.bindWord2, p.bindWord3, p.bindByte, p.bindWord4));
+             return io.fields(FIELDS(p.groupBlock, p.groupWords))
+                 && io.since(110, FIELDS(p.bindWord1, p.bindWord2, p.bindWord3, p.bindByte, p.bindWord4));
            })
         // A short read in the late group data ends the pattern: head and lists stay as they are.
-        && io.tail([&] {
+        && io.optionalTail([&] {
              return io.when(isGroupKind(p.groupKind, io.version()), [&] {
-               return io.since(110, [&] { return io.fields(F(p.bindShorts)) && io.columns(F(bindings)); })
-                   && io.since(151, F(p.lateWord1, p.lateWord2, p.lateWord3))
+               return io.since(110, [&] { return io.fields(FIELDS(p.bindShorts)) && io.columns(FIELDS(bindings)); })
+                   && io.since(151, FIELDS(p.lateWord1, p.lateWord2, p.lateWord3))
                    && io.between(151, 155, [&] {
-                        return io.repair(p, [](auto& r) {
+                        return io.afterRead(p, [](auto& r) {
                           std::fill(r.bindThird.begin(), r.bindThird.end(), r.lateWord3);
                         });
                       });
              });
            })
-        && io.repair(p, [embedded](auto& r) { if (!embedded) resetHead(r); })
-        && io.countFirst(F(p.items))
-        && io.since(80, [&] { return io.countFirst(F(p.profiles)) && io.countFirst(F(p.stepTables)); });
+        && io.afterRead(p, [embedded](auto& r) { if (!embedded) resetHead(r); })
+        && io.countFirst(FIELDS(p.items))
+        && io.since(80, [&] { return io.countFirst(FIELDS(p.profiles)) && io.countFirst(FIELDS(p.stepTables)); });
   }
 
  private:
@@ -133,54 +133,54 @@ struct Layout<Pattern> {
 
 template <>
 struct Layout<PlacedShapeList> {
-  static constexpr std::size_t kLeast = 12;
+  static constexpr std::size_t kMinStoredSize = 12;
   static bool describe(auto& io, auto& l) {
-    return io.fields(F(l.placedBlock)) && io.reusedElement(F(l.shapes.shapes));
+    return io.fields(FIELDS(l.placedBlock)) && io.reusedElement(FIELDS(l.shapes.shapes));
   }
 };
 
 template <>
 struct Layout<ShapeGroup> {
-  static constexpr std::size_t kLeast = 16;
+  static constexpr std::size_t kMinStoredSize = 16;
   static bool describe(auto& io, auto& g) {
-    return io.fields(F(g.groupWord))
-        && io.since(152, F(g.groupByte), otherwise(0))
-        && io.record(F(g.shapes));
+    return io.fields(FIELDS(g.groupWord))
+        && io.since(152, FIELDS(g.groupByte), otherwise(0))
+        && io.record(FIELDS(g.shapes));
   }
 };
 
 template <>
 struct Layout<ContourGroup> {
-  static constexpr std::size_t kLeast = 16;
+  static constexpr std::size_t kMinStoredSize = 16;
   static bool describe(auto& io, auto& g) {
-    return io.fields(F(g.contourWord1, g.contourWord2, g.contourWord3))
-        && io.countThenClear(F(g.shapes))
-        && io.since(155, F(g.contourByte));
+    return io.fields(FIELDS(g.contourWord1, g.contourWord2, g.contourWord3))
+        && io.countThenClear(FIELDS(g.shapes))
+        && io.since(155, FIELDS(g.contourByte));
   }
 };
 
 template <>
 struct Layout<BindingEntry> {
-  static constexpr std::size_t kLeast = 57;
+  static constexpr std::size_t kMinStoredSize = 57;
   static bool describe(auto& io, auto& e) {
-    return io.fields(F(e.entryWord2, e.entryWord1)) && io.record(F(e.shape));
+    return io.fields(FIELDS(e.entryWord2, e.entryWord1)) && io.record(FIELDS(e.shape));
   }
 };
 
 template <>
 struct Layout<BindingSet> {
-  static constexpr std::size_t kLeast = 12;
+  static constexpr std::size_t kMinStoredSize = 12;
   static bool describe(auto& io, auto& s) {
-    return io.fields(F(s.setWord)) && io.countThenClear(F(s.numbers)) && io.countThenClear(F(s.entries));
+    return io.fields(FIELDS(s.setWord)) && io.countThenClear(FIELDS(s.numbers)) && io.countThenClear(FIELDS(s.entries));
   }
 };
 
 template <>
 struct Layout<TorvPart> {
-  static constexpr std::size_t kLeast = 384;
-  static constexpr std::size_t leastAt(int version) { return version < 62 ? kLeast : 1433; }
+  static constexpr std::size_t kMinStoredSize = 384;
+  static constexpr std::size_t minStoredSize(int version) { return version < 62 ? kMinStoredSize : 1433; }
   static bool describe(auto& io, auto& p, const PartForm& form) {
-    return io.when(form.place == PartForm::group, [&] { return io.sized(F(p.partName), form.nameBlockSize); })
+    return io.when(form.place == PartForm::group, [&] { return io.sized(FIELDS(p.partName), form.nameBlockSize); })
         && io.when(form.place == PartForm::sheet && form.nameBlockSize != 0,
                    [&] { return describePlacedPart(io, p, form); })
         && io.when(form.place != PartForm::sheet || form.nameBlockSize == 0, [&] { return describeBody(io, p, form); });
@@ -193,45 +193,45 @@ struct Layout<TorvPart> {
     std::memcpy(partName, p.partName, sizeof partName);
     std::memcpy(partFullDosName, p.partFullDosName, sizeof partFullDosName);
     return io.onlyRead([&](auto& reader) {
-             return reader.repair(partName, [](auto& n) { std::memset(n, 0, sizeof n); })
-                 && reader.repair(partFullDosName, [](auto& n) { std::memset(n, 0, sizeof n); });
+             return reader.afterRead(partName, [](auto& n) { std::memset(n, 0, sizeof n); })
+                 && reader.afterRead(partFullDosName, [](auto& n) { std::memset(n, 0, sizeof n); });
            })
-        && io.sized(F(partName), form.nameBlockSize)
-        && io.sized(F(partFullDosName), form.nameBlockSize)
+        && io.sized(FIELDS(partName), form.nameBlockSize)
+        && io.sized(FIELDS(partFullDosName), form.nameBlockSize)
         && describeBody(io, p, form)
-        && io.repair(p, [&](auto& r) {
-             copyText(r.partName, partName);
-             setText(r.partFullDosName, fixedText(partFullDosName));
+        && io.afterRead(p, [&](auto& r) {
+             frame::copyText(r.partName, partName);
+             frame::setText(r.partFullDosName, fixedText(partFullDosName));
            });
   }
 
   static bool describeBody(auto& io, auto& p, const PartForm& form) {
     const bool embedded = form.embedded();
-    return io.fields(F(p.width, p.height, p.productName, p.assemblyName, p.materialName, p.partKind, p.partWord1,
-                       p.thickness, p.partWord2))
-        && io.record(F(p.shapes))
-        && io.record(F(p.setupList))
-        && io.fields(F(p.noteText))
-        && io.since(80, F(p.headFlag), otherwise(0))
-        && io.since(80, [&] { return io.fields(F(p.hasOptions)) && io.reserved(499); })
-        && io.clear(F(p.patterns))
+    return io.fields(FIELDS(p.width, p.height, p.productName, p.assemblyName, p.materialName, p.partKind, p.partWord1,
+                            p.thickness, p.partWord2))
+        && io.record(FIELDS(p.shapes))
+        && io.record(FIELDS(p.setupList))
+        && io.fields(FIELDS(p.noteText))
+        && io.since(80, FIELDS(p.headFlag), otherwise(0))
+        && io.since(80, [&] { return io.fields(FIELDS(p.hasOptions)) && io.reserved(499); })
+        && io.clear(FIELDS(p.patterns))
         && io.when(!embedded, [&] {
-             return io.record(F(p.toolStations))
-                 && io.single(F(p.patterns), embedded)
+             return io.record(FIELDS(p.toolStations))
+                 && io.single(FIELDS(p.patterns), embedded)
                  // The shapes are the master: the items follow them one for one.
-                 && io.repair(p, [](auto& r) { r.patterns.back().items.resize(r.shapes.shapes.size()); });
+                 && io.afterRead(p, [](auto& r) { r.patterns.back().items.resize(r.shapes.shapes.size()); });
            })
-        && io.when(embedded, [&] { return io.append(F(p.patterns), embedded); })
-        && io.fields(F(p.processSlotCount))
-        && io.range(F(p.processSlotCount), 0, 250)
-        && io.rows(p.processSlotCount, [&](std::size_t i) { return io.record(F(p.processSlots[i])); })
-        && io.countFirst(F(p.marks))
-        && io.countFirst(F(p.profiles))
-        && io.countFirst(F(p.stepTables))
-        && io.fields(F(p.tailWord1, p.tailWord2))
-        && io.since(62, F(p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC, p.lateIndex))
+        && io.when(embedded, [&] { return io.append(FIELDS(p.patterns), embedded); })
+        && io.fields(FIELDS(p.processSlotCount))
+        && io.range(FIELDS(p.processSlotCount), 0, 250)
+        && io.rows(p.processSlotCount, [&](std::size_t i) { return io.record(FIELDS(p.processSlots[i])); })
+        && io.countFirst(FIELDS(p.marks))
+        && io.countFirst(FIELDS(p.profiles))
+        && io.countFirst(FIELDS(p.stepTables))
+        && io.fields(FIELDS(p.tailWord1, p.tailWord2))
+        && io.since(62, FIELDS(p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC, p.lateIndex))
         && io.below(62, [&] {
-             return io.repair(p, [](auto& r) {
+             return io.afterRead(p, [](auto& r) {
                r.descriptionA[0] = r.descriptionB[0] = r.revision[0] = r.materialType[0] = r.descriptionC[0] = '\0';
                r.lateIndex = -1;
              });
@@ -240,25 +240,26 @@ struct Layout<TorvPart> {
   }
 
   static bool describeLatePart(auto& io, auto& p, bool embedded) {
-    return io.clear(F(p.workList))
-        && io.since(71, F(p.workKind), otherwise(2))
-        && io.since(71, [&] { return io.append(F(p.workList)); })
+    return io.clear(FIELDS(p.workList))
+        && io.since(71, FIELDS(p.workKind), otherwise(2))
+        && io.since(71, [&] { return io.append(FIELDS(p.workList)); })
         && io.since(80, [&] {
              return describeShapeTrailer(io, p.shapes)
-                 && io.when(p.hasOptions != 0, F(p.optionWord, p.optionReal, p.optionCount, p.optionValue, p.optionText));
+                 && io.when(p.hasOptions != 0, FIELDS(p.optionWord, p.optionReal, p.optionCount, p.optionValue,
+                                                      p.optionText));
            })
-        && io.since(102, [&] { return io.record(F(p.placedShapes)); })
-        && io.since(110, F(p.customTextA, p.customTextB, p.customWord1, p.customWord2, p.customText1, p.customText2,
-                           p.customText3, p.customWord3, p.customWord4))
-        && io.since(111, F(p.customTextD, p.customTextC))
-        && io.since(112, F(p.customTextE))
-        && io.since(140, F(p.lateBlock1, p.lateBlock2))
-        && io.since(151, [&] { return io.append(F(p.nestShapeGroups)); })
-        && io.since(152, F(p.lateWords))
-        && io.since(154, [&] { return io.clear(F(p.contourGroups)) && io.append(F(p.contourGroups)); })
-        && io.since(161, [&] { return io.countThenClear(F(p.bindingSets)); })
-        && io.since(162, [&] { return io.when(embedded, F(p.woNumber)); })
-        && io.since(180, F(p.finalTextA, p.finalTextB, p.finalTextC, p.finalTextD, p.finalWord1, p.finalWord2));
+        && io.since(102, [&] { return io.record(FIELDS(p.placedShapes)); })
+        && io.since(110, FIELDS(p.customTextA, p.customTextB, p.customWord1, p.customWord2, p.customText1,
+                                p.customText2, p.customText3, p.customWord3, p.customWord4))
+        && io.since(111, FIELDS(p.customTextD, p.customTextC))
+        && io.since(112, FIELDS(p.customTextE))
+        && io.since(140, FIELDS(p.lateBlock1, p.lateBlock2))
+        && io.since(151, [&] { return io.append(FIELDS(p.nestShapeGroups)); })
+        && io.since(152, FIELDS(p.lateWords))
+        && io.since(154, [&] { return io.clear(FIELDS(p.contourGroups)) && io.append(FIELDS(p.contourGroups)); })
+        && io.since(161, [&] { return io.countThenClear(FIELDS(p.bindingSets)); })
+        && io.since(162, [&] { return io.when(embedded, FIELDS(p.woNumber)); })
+        && io.since(180, FIELDS(p.finalTextA, p.finalTextB, p.finalTextC, p.finalTextD, p.finalWord1, p.finalWord2));
   }
 };
 
@@ -274,12 +275,12 @@ template <class Parts>
 struct Layout<GroupPartFile<Parts>> {
   static bool describe(auto& io, auto& g) {
     constexpr std::int32_t kWidest = sizeof(TorvPart::partName);
-    return io.fields(F(g.extraPartCount, g.nameBlockSize))
-        && io.range(F(g.nameBlockSize), 1, kWidest)
-        && io.appendRun(std::int64_t{1} + std::max(g.extraPartCount, 0), F(g.parts),
+    return io.fields(FIELDS(g.extraPartCount, g.nameBlockSize))
+        && io.range(FIELDS(g.nameBlockSize), 1, kWidest)
+        && io.appendRun(std::int64_t{1} + std::max(g.extraPartCount, 0), FIELDS(g.parts),
                         PartForm{PartForm::group, g.nameBlockSize});
   }
 };
 
-}  // namespace frame
+}  // namespace codec
 }  // namespace oldtorvio

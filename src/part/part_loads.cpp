@@ -4,13 +4,14 @@
 #include "OldTorvIO.h"
 #include "OldTorvIO/part_list.h"
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/part/part_io.h"
 #include "src/part/part_layout.h"
 
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // What every accepted part file sets before its body is read, whatever the record held.
@@ -27,6 +28,7 @@ void prepareForLoad(TorvPart& part, std::string_view path) {
 }  // namespace oldtorvio
 
 using namespace oldtorvio;
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 
 extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {

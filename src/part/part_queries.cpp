@@ -6,13 +6,14 @@
 #include "OldTorvIO.h"
 #include "OldTorvIO/part_list.h"
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/records/tool_layout.h"
 #include "src/records/tool_text.h"
 
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // Loads the part and, if that gives 0, lets answer(part) tell the status. The record lives on the
@@ -43,6 +44,7 @@ double angleOf(const TorvPart& part) {
 }  // namespace oldtorvio
 
 using namespace oldtorvio;
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 
 extern "C" int64_t GetOldPartInfo(const char* path, char* materialType, float* width, float* height,

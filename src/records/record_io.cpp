@@ -1,33 +1,33 @@
 #include "src/records/record_io.h"
 
-#include "src/frame/reader.h"
-#include "src/frame/writer.h"
+#include "src/frame/codec/reader.h"
+#include "src/frame/codec/writer.h"
 #include "src/records/shape_layout.h"
 #include "src/records/small_layouts.h"
 #include "src/records/tool_layout.h"
 
 namespace oldtorvio {
 
-using frame::Reader;
-using frame::readRecord;
-using frame::readUngated;
-using frame::resultOf;
-using frame::Writer;
-using frame::writeRecord;
-using frame::writeUngated;
+using codec::Reader;
+using codec::readRecord;
+using codec::readUnversioned;
+using codec::resultOf;
+using codec::Writer;
+using codec::writeRecord;
+using codec::writeUnversioned;
 
 namespace {
 
 template <class List>
 int readCountFirst(InStream& stream, int version, List& list) {
   Reader io(stream, version);
-  return resultOf(io.countFirst(F(list)));
+  return resultOf(io.countFirst(FIELDS(list)));
 }
 
 template <class List>
 bool writeCountFirst(OutStream& stream, int version, const List& list) {
   Writer io(stream, version);
-  return io.countFirst(F(list));
+  return io.countFirst(FIELDS(list));
 }
 
 }  // namespace
@@ -66,11 +66,11 @@ bool WriteShapeList(OutStream& stream, int version, const ShapeList& list) {
 }
 int ReadShapeTrailer(InStream& stream, ShapeList& list) {
   Reader io(stream);
-  return resultOf(frame::describeShapeTrailer(io, list));
+  return resultOf(codec::describeShapeTrailer(io, list));
 }
 bool WriteShapeTrailer(OutStream& stream, const ShapeList& list) {
   Writer io(stream);
-  return frame::describeShapeTrailer(io, list);
+  return codec::describeShapeTrailer(io, list);
 }
 
 int ReadProcessSlot(InStream& stream, int version, ProcessSlot& slot) {
@@ -91,10 +91,10 @@ int ReadStepTableList(InStream& stream, int version, StepTableList& list) {
 bool WriteStepTableList(OutStream& stream, int version, const StepTableList& list) {
   return writeCountFirst(stream, version, list);
 }
-int ReadSetupEntry(InStream& stream, SetupEntry& entry) { return resultOf(readUngated(stream, entry)); }
-bool WriteSetupEntry(OutStream& stream, const SetupEntry& entry) { return writeUngated(stream, entry); }
-int ReadSetupList(InStream& stream, SetupList& list) { return resultOf(readUngated(stream, list)); }
-bool WriteSetupList(OutStream& stream, const SetupList& list) { return writeUngated(stream, list); }
+int ReadSetupEntry(InStream& stream, SetupEntry& entry) { return resultOf(readUnversioned(stream, entry)); }
+bool WriteSetupEntry(OutStream& stream, const SetupEntry& entry) { return writeUnversioned(stream, entry); }
+int ReadSetupList(InStream& stream, SetupList& list) { return resultOf(readUnversioned(stream, list)); }
+bool WriteSetupList(OutStream& stream, const SetupList& list) { return writeUnversioned(stream, list); }
 int ReadMotionBlock(InStream& stream, int version, MotionBlock& block) {
   return resultOf(readRecord(stream, version, block));
 }
@@ -129,11 +129,11 @@ int ReadWorkEntry(InStream& stream, int version, WorkEntry& entry) {
 bool WriteWorkEntry(OutStream& stream, int version, const WorkEntry& entry) {
   return writeRecord(stream, version, entry);
 }
-int ReadMarkEntry(InStream& stream, MarkEntry& entry) { return resultOf(readUngated(stream, entry)); }
-bool WriteMarkEntry(OutStream& stream, const MarkEntry& entry) { return writeUngated(stream, entry); }
-int ReadMarkList(InStream& stream, MarkList& list) { return readCountFirst(stream, frame::kWithoutGates, list); }
+int ReadMarkEntry(InStream& stream, MarkEntry& entry) { return resultOf(readUnversioned(stream, entry)); }
+bool WriteMarkEntry(OutStream& stream, const MarkEntry& entry) { return writeUnversioned(stream, entry); }
+int ReadMarkList(InStream& stream, MarkList& list) { return readCountFirst(stream, codec::kUnversioned, list); }
 bool WriteMarkList(OutStream& stream, const MarkList& list) {
-  return writeCountFirst(stream, frame::kWithoutGates, list);
+  return writeCountFirst(stream, codec::kUnversioned, list);
 }
 
 }  // namespace oldtorvio

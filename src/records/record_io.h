@@ -5,12 +5,12 @@
 // word of the file that surrounds the record.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 void InitOldTool(OldTool& tool);
 // pathIsStored: true inside a ToolStationList, false in inventories and special tool files.

@@ -1,10 +1,11 @@
 #include "src/records/tool_text.h"
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/records/tool_layout.h"
 
 namespace oldtorvio {
 
+using namespace codec;
 using namespace frame;
 
 std::string toolText(const OldTool& tool) {

@@ -3,12 +3,13 @@
 #include <string_view>
 
 #include "OldTorvIO.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/sheet/sheet_file.h"
 
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // The result of the save is nobody's business, as that of a body that cannot be read.

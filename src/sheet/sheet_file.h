@@ -18,7 +18,7 @@ std::int64_t withSheet(const char* path, Accepts&& accepts, Use&& use) noexcept 
   int loadedVersion = 0;
   const std::int64_t status = frame::loadFile(
       path, [&](int version) { loadedVersion = version; }, accepts,
-      [&](frame::InStream& stream, int version) -> std::int64_t {
+      [&](codec::InStream& stream, int version) -> std::int64_t {
         (void)frame::guarded(frame::kDamaged, [&]() -> std::int64_t {
           if (!frame::isSheetVersion(version)) return frame::kDone;
           auto sheet = std::make_unique<OldSheet>();

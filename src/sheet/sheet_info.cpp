@@ -5,13 +5,14 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/end_process.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/records/tool_text.h"
 #include "src/sheet/sheet_file.h"
 
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // Whether a profile makes the machine's special station count.

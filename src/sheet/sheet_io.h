@@ -3,12 +3,12 @@
 // Results as in src/records/record_io.h. `version` is the version word of the file.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 int ReadSheetPartList(InStream& stream, int version, SheetPartList& list);
 bool WriteSheetPartList(OutStream& stream, int version, const SheetPartList& list);

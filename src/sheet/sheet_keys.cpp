@@ -6,11 +6,12 @@
 #include "OldTorvIO.h"
 #include "OldTorvIO/sheet.h"
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 std::string fixed6(double value) {

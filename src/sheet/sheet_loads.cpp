@@ -3,12 +3,13 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/sheet/sheet_io.h"
 
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // Loaded and left: nothing reads it.

@@ -4,10 +4,11 @@
 #include <memory>
 
 #include "OldTorvIO.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/sheet/sheet_file.h"
 
 using namespace oldtorvio;
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 
 extern "C" int64_t GetOldClampInfo(const char* path, uint32_t* word, float* first, float* second, float* third,

@@ -5,9 +5,9 @@
 
 namespace oldtorvio {
 
-using frame::readRecord;
-using frame::resultOf;
-using frame::writeRecord;
+using codec::readRecord;
+using codec::resultOf;
+using codec::writeRecord;
 
 int ReadInventoryEntry(InStream& stream, int version, InventoryEntry& entry) {
   return resultOf(readRecord(stream, version, entry));

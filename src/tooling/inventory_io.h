@@ -1,12 +1,12 @@
 // Tool inventory files.
 #pragma once
 #include "OldTorvIO/tool_inventory.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 // Results as in src/records/record_io.h.
 int ReadInventoryEntry(InStream& stream, int version, InventoryEntry& entry);

@@ -7,10 +7,10 @@
 namespace oldtorvio {
 
 int ReadMacro(InStream& stream, int version, OldMacro& macro) {
-  return frame::resultOf(frame::readRecord(stream, version, macro));
+  return codec::resultOf(codec::readRecord(stream, version, macro));
 }
 bool WriteMacro(OutStream& stream, int version, const OldMacro& macro) {
-  return frame::writeRecord(stream, version, macro);
+  return codec::writeRecord(stream, version, macro);
 }
 
 std::int64_t SaveMacro(const char* path, const OldMacro& macro, int version) {

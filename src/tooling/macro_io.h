@@ -1,12 +1,12 @@
 // Macro files.
 #pragma once
 #include "OldTorvIO/macro.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 // The file behind its version word. Results as in src/records/record_io.h.
 int ReadMacro(InStream& stream, int version, OldMacro& macro);

@@ -6,10 +6,10 @@
 namespace oldtorvio {
 
 int ReadSpecialTool(InStream& stream, int version, OldSpecialTool& tool) {
-  return frame::resultOf(frame::readRecord(stream, version, tool));
+  return codec::resultOf(codec::readRecord(stream, version, tool));
 }
 bool WriteSpecialTool(OutStream& stream, int version, const OldSpecialTool& tool) {
-  return frame::writeRecord(stream, version, tool);
+  return codec::writeRecord(stream, version, tool);
 }
 
 std::int64_t SaveSpecialTool(const char* path, const OldSpecialTool& tool, int version) {

@@ -3,12 +3,12 @@
 #include <string>
 
 #include "OldTorvIO/records.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace oldtorvio {
 
-using frame::InStream;
-using frame::OutStream;
+using codec::InStream;
+using codec::OutStream;
 
 // The file behind its version word; results as in src/records/record_io.h.
 int ReadSpecialTool(InStream& stream, int version, OldSpecialTool& tool);

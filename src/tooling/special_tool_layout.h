@@ -1,27 +1,27 @@
 // Stored form of a special tool file behind its version word.
 #pragma once
 #include "OldTorvIO/special_tool.h"
-#include "src/frame/describe.h"
+#include "src/frame/codec/describe.h"
 #include "src/records/shape_layout.h"
 #include "src/records/small_layouts.h"
 #include "src/records/tool_layout.h"
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 template <>
 struct Layout<OldSpecialTool> {
   static bool describe(auto& io, auto& s) {
     std::uint8_t symmetryByte = symmetryByteFor(s.tool);
-    return io.record(F(s.tool), false)
-        && io.fields(F(symmetryByte))
-        && io.repair(s.tool, [&](auto& tool) {
+    return io.record(FIELDS(s.tool), false)
+        && io.fields(FIELDS(symmetryByte))
+        && io.afterRead(s.tool, [&](auto& tool) {
              if (symmetryByte == 1) tool.symmetryFlags |= kHalfTurnSymmetry;
              if (symmetryByte == 2) tool.symmetryFlags |= kQuarterTurnSymmetry;
            })
         && io.reserved(59)
-        && io.fields(F(s.specialValue))
-        && io.record(F(s.shapes))
-        && io.record(F(s.setupList));
+        && io.fields(FIELDS(s.specialValue))
+        && io.record(FIELDS(s.shapes))
+        && io.record(FIELDS(s.setupList));
   }
 
  private:
@@ -34,4 +34,4 @@ struct Layout<OldSpecialTool> {
   }
 };
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

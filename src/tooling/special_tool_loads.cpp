@@ -8,6 +8,7 @@
 namespace oldtorvio {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // Loaded over itself and never reset: what a file does not store keeps the value of the one before.

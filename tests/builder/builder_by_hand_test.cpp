@@ -10,7 +10,7 @@
 
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
-#include "src/frame/platform.h"
+#include "src/frame/host/platform.h"
 #include "src/part/part_io.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"

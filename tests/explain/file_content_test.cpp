@@ -23,7 +23,7 @@ namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
-using map::FileContent;
+using explain::FileContent;
 
 constexpr std::size_t kMiB = std::size_t{1} << 20U;
 
@@ -77,11 +77,11 @@ TEST(FileContent, UnreadableFileHasAReasonAndNoBytes) {
     const FileContent content(one.path);
     EXPECT_EQ(content.error(), one.reason) << one.path;
     EXPECT_TRUE(content.bytes().empty());
-    const map::FileReport report = map::checkFile(one.path, map::FileKind::part);
+    const explain::FileReport report = explain::checkFile(one.path, explain::FileKind::part);
     EXPECT_EQ(report.status, -2);
     ASSERT_TRUE(report.fault);
     EXPECT_EQ(report.fault->reason, one.reason);
-    EXPECT_EQ(map::mapFile(one.path, map::FileKind::part, [](const frame::MapLine&) {}).fault->reason, one.reason);
+    EXPECT_EQ(explain::mapFile(one.path, explain::FileKind::part, [](const explain::MapLine&) {}).fault->reason, one.reason);
   }
 }
 
@@ -149,13 +149,13 @@ TEST(FileContent, EveryFunctionOpensAFileOnceAndClosesIt) {
     return watch.opened();
   };
   EXPECT_EQ(opens([&] { FileContent content(path); }), 1U);
-  EXPECT_EQ(opens([&] { (void)map::detectKind(path); }), 1U);
-  EXPECT_EQ(opens([&] { (void)map::checkFile(path, map::FileKind::part); }), 1U);
-  EXPECT_EQ(opens([&] { (void)map::mapFile(path, map::FileKind::part, [](const frame::MapLine&) {}); }), 1U);
+  EXPECT_EQ(opens([&] { (void)explain::detectKind(path); }), 1U);
+  EXPECT_EQ(opens([&] { (void)explain::checkFile(path, explain::FileKind::part); }), 1U);
+  EXPECT_EQ(opens([&] { (void)explain::mapFile(path, explain::FileKind::part, [](const explain::MapLine&) {}); }), 1U);
   EXPECT_EQ(opens([&] {
               const FileContent content(path);
-              (void)map::detect(path, content.bytes());
-              (void)map::checkFile(content.bytes(), map::FileKind::part);
+              (void)explain::detect(path, content.bytes());
+              (void)explain::checkFile(content.bytes(), explain::FileKind::part);
             }),
             1U);
 }
@@ -164,9 +164,9 @@ TEST(FileContent, DetectionReportsWhatACheckOfThatKindReports) {
   for (const char* name : {"tool.spt", "tool"}) {
     for (const std::size_t cut : {std::size_t{20}, std::size_t{100000}}) {
       const Bytes bytes = specialToolFile(60, {3, 3}).cut(cut);
-      const auto detected = map::detect(name, bytes.span());
+      const auto detected = explain::detect(name, bytes.span());
       ASSERT_TRUE(detected) << name << cut;
-      const map::FileReport report = map::checkFile(bytes.span(), detected->kind);
+      const explain::FileReport report = explain::checkFile(bytes.span(), detected->kind);
       EXPECT_EQ(detected->report.status, report.status);
       EXPECT_EQ(detected->report.version, report.version);
       EXPECT_EQ(detected->report.walked, report.walked);
@@ -174,12 +174,12 @@ TEST(FileContent, DetectionReportsWhatACheckOfThatKindReports) {
       EXPECT_EQ(detected->report.fault.has_value(), report.fault.has_value());
     }
   }
-  EXPECT_EQ(map::detect("tool.spt", {})->kind, map::FileKind::specialTool);
-  EXPECT_FALSE(map::detect("tool", {}));
+  EXPECT_EQ(explain::detect("tool.spt", {})->kind, explain::FileKind::specialTool);
+  EXPECT_FALSE(explain::detect("tool", {}));
 }
 
 TEST(FileContent, UnreadBytesAreCounted) {
-  map::FileReport report;
+  explain::FileReport report;
   report.walked = 5;
   report.size = 6;
   EXPECT_EQ(report.unread(), "1 unread byte after the last field");

@@ -7,13 +7,14 @@
 #include <memory>
 #include <set>
 
-#include "torvio/explain/format_teller.h"
+#include "torvio/explain/format_printer.h"
 
 namespace {
 
 using namespace oldtorvio;
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
-using map::FormatTeller;
+using explain::FormatPrinter;
 
 struct Named {
   std::int32_t unseen = 0;
@@ -46,51 +47,51 @@ struct Sample {
 }  // namespace
 
 template <>
-inline constexpr std::string_view oldtorvio::map::kTableOf<Named> = "named record";
+inline constexpr std::string_view oldtorvio::explain::kTableOf<Named> = "named record";
 
 template <>
-struct oldtorvio::frame::Layout<Named> {
-  static bool describe(auto& io, auto& n) { return io.fields(F(n.unseen)); }
+struct oldtorvio::codec::Layout<Named> {
+  static bool describe(auto& io, auto& n) { return io.fields(FIELDS(n.unseen)); }
 };
 
 template <>
-struct oldtorvio::frame::Layout<Small> {
-  static bool describe(auto& io, auto& s) { return io.fields(F(s.smallByte)) && io.since(90, F(s.extra)); }
+struct oldtorvio::codec::Layout<Small> {
+  static bool describe(auto& io, auto& s) { return io.fields(FIELDS(s.smallByte)) && io.since(90, FIELDS(s.extra)); }
 };
 
 template <>
-struct oldtorvio::frame::Layout<Sample> {
+struct oldtorvio::codec::Layout<Sample> {
   static bool describe(auto& io, auto& s) {
     std::int32_t secondCount = 0;
-    return io.fields(F(s.first, block(s.real, s.wide), s.raw, s.text, s.row)) &&
-           io.fields(F(s.word1, s.word2, s.word3, as<std::int16_t>(s.kind), s.mode, s.signedMode)) &&
-           io.since(80, F(s.late), otherwise(0.5F)) && io.below(110, F(s.never)) && io.between(112, 120, F(s.ranged)) &&
-           io.range(F(s.kind), 0, 3) && io.atMost(F(s.word2), 7) && io.slice(F(s.slots), 2, 4) &&
-           io.template sliceAs<std::int8_t>(F(s.slots), 5, 8) && io.nonZero(F(s.kept)) &&
-           io.fields(F(s.textWidth, s.count)) && io.sized(F(s.sizedText), s.textWidth) &&
-           io.bytesOrOne(F(s.oldName), 4) && io.lengthText(F(s.lengthNote)) &&
-           io.lengthTextOrEmpty(F(s.longNote), 50) && io.template textItem<256>(F(s.column)) && io.reserved(7) &&
-           io.padded(30, [&] { return io.fields(F(s.kept)); }) && io.leading(s.count, F(s.row)) &&
-           io.when(s.mode == 2, [&] { return io.since(130, [&] { return io.record(F(s.named)); }); }) &&
-           io.when(s.mode != 0, [&] { return io.record(F(s.small)); }) && io.when(s.signedMode > 0, F(s.forgiven)) &&
-           io.when(s.signedMode < 0 && s.mode == 1, F(s.lost)) && io.repair(s, [](auto& r) { r.real = 1; }) &&
-           io.replaced(F(s.freshNamed)) && io.countFirst(F(s.smalls)) && io.countThenClear(F(s.others)) &&
-           io.clear(F(s.more)) && io.append(F(s.more)) && io.counted(s.count, F(s.runOfSmalls)) &&
-           io.appendRun(1 + s.count, F(s.rest)) && io.reusedElement(F(s.reused)) &&
-           io.interleaved(F(s.firsts, s.lasts)) && io.single(F(s.one)) && io.trailer(F(s.smalls), &Small::extra) &&
-           io.countFirst(F(s.numbers)) && io.fields(F(secondCount)) &&
-           io.rows(secondCount, [&](std::size_t i) { return io.fields(F(s.inRow[i])); }) &&
-           io.differs([&] { return io.fields(F(s.onlyReader)); }, [&] { return io.fields(F(s.onlyWriter)); }) &&
-           io.tail([&] { return io.since(161, F(s.ended)); });
+    return io.fields(FIELDS(s.first, block(s.real, s.wide), s.raw, s.text, s.row)) &&
+           io.fields(FIELDS(s.word1, s.word2, s.word3, as<std::int16_t>(s.kind), s.mode, s.signedMode)) &&
+           io.since(80, FIELDS(s.late), otherwise(0.5F)) && io.below(110, FIELDS(s.never)) && io.between(112, 120, FIELDS(s.ranged)) &&
+           io.range(FIELDS(s.kind), 0, 3) && io.atMost(FIELDS(s.word2), 7) && io.slice(FIELDS(s.slots), 2, 4) &&
+           io.template sliceAs<std::int8_t>(FIELDS(s.slots), 5, 8) && io.nonZero(FIELDS(s.kept)) &&
+           io.fields(FIELDS(s.textWidth, s.count)) && io.sized(FIELDS(s.sizedText), s.textWidth) &&
+           io.bytesOrOne(FIELDS(s.oldName), 4) && io.lengthText(FIELDS(s.lengthNote)) &&
+           io.lengthTextOrEmpty(FIELDS(s.longNote), 50) && io.template textItem<256>(FIELDS(s.column)) && io.reserved(7) &&
+           io.padded(30, [&] { return io.fields(FIELDS(s.kept)); }) && io.leading(s.count, FIELDS(s.row)) &&
+           io.when(s.mode == 2, [&] { return io.since(130, [&] { return io.record(FIELDS(s.named)); }); }) &&
+           io.when(s.mode != 0, [&] { return io.record(FIELDS(s.small)); }) && io.when(s.signedMode > 0, FIELDS(s.forgiven)) &&
+           io.when(s.signedMode < 0 && s.mode == 1, FIELDS(s.lost)) && io.afterRead(s, [](auto& r) { r.real = 1; }) &&
+           io.replaced(FIELDS(s.freshNamed)) && io.countFirst(FIELDS(s.smalls)) && io.countThenClear(FIELDS(s.others)) &&
+           io.clear(FIELDS(s.more)) && io.append(FIELDS(s.more)) && io.counted(s.count, FIELDS(s.runOfSmalls)) &&
+           io.appendRun(1 + s.count, FIELDS(s.rest)) && io.reusedElement(FIELDS(s.reused)) &&
+           io.interleaved(FIELDS(s.firsts, s.lasts)) && io.single(FIELDS(s.one)) && io.trailer(FIELDS(s.smalls), &Small::extra) &&
+           io.countFirst(FIELDS(s.numbers)) && io.fields(FIELDS(secondCount)) &&
+           io.rows(secondCount, [&](std::size_t i) { return io.fields(FIELDS(s.inRow[i])); }) &&
+           io.differs([&] { return io.fields(FIELDS(s.onlyReader)); }, [&] { return io.fields(FIELDS(s.onlyWriter)); }) &&
+           io.optionalTail([&] { return io.since(161, FIELDS(s.ended)); });
   }
 };
 
 namespace {
 
 std::string sampleTable() {
-  return FormatTeller::table([](FormatTeller& teller) {
+  return FormatPrinter::table([](FormatPrinter& teller) {
     Sample sample;
-    EXPECT_TRUE(teller.whole(sample));
+    EXPECT_TRUE(teller.walk(sample));
   });
 }
 
@@ -205,20 +206,20 @@ TEST(FormatTable, ConditionsAreFoundOutFromTheFieldsThatChangeThem) {
       {[](int v) { return v == 32000; }, "depends on earlier fields or on where it stands"},
   };
   for (const Case& one : cases) {
-    const std::string table = FormatTeller::table([&](FormatTeller& teller) {
+    const std::string table = FormatPrinter::table([&](FormatPrinter& teller) {
       float before = 0;
       std::int32_t unasked = 0, asked = 0, stored = 0;
-      EXPECT_TRUE(teller.fields(F(before, unasked, asked)) && teller.when(one.isStored(asked), F(stored)));
+      EXPECT_TRUE(teller.fields(FIELDS(before, unasked, asked)) && teller.when(one.isStored(asked), FIELDS(stored)));
     });
     EXPECT_NE(table.find(std::string("| stored | i32 | ") + one.text + " |\n"), std::string::npos) << table;
   }
 }
 
 TEST(FormatTable, NamesThatCountOnAreToldByTheFirstAndTheLast) {
-  const std::string table = FormatTeller::table([](FormatTeller& teller) {
+  const std::string table = FormatPrinter::table([](FormatPrinter& teller) {
     std::int32_t a1 = 0, b2 = 0, c3 = 0, v0 = 0, v1 = 0, v2 = 0, w = 0, w0 = 0, w1 = 0, x9 = 0, x10 = 0, x11 = 0;
     std::int32_t y1 = 0, y2 = 0, m123456 = 0, m123457 = 0, m123458 = 0, n1234567 = 0, n1234568 = 0, n1234569 = 0;
-    EXPECT_TRUE(teller.fields(F(a1, b2, c3, v0, v1, v2, w, w0, w1, x9, x10, x11, y1, y2, m123456, m123457, m123458,
+    EXPECT_TRUE(teller.fields(FIELDS(a1, b2, c3, v0, v1, v2, w, w0, w1, x9, x10, x11, y1, y2, m123456, m123457, m123458,
                                 n1234567, n1234568, n1234569)));
   });
   EXPECT_EQ(rowsOf(table).back(),
@@ -227,14 +228,14 @@ TEST(FormatTable, NamesThatCountOnAreToldByTheFirstAndTheLast) {
 }
 
 TEST(FormatTable, TheLeastOfEachVerbIsToldAsAnyOther) {
-  const std::string table = FormatTeller::table([](FormatTeller& teller) {
+  const std::string table = FormatPrinter::table([](FormatPrinter& teller) {
     std::int32_t blockSize = 0, kind = 0, early = 0, number = 0, inRow[2] = {};
     float turn = 0;
     char text[8] = {};
-    EXPECT_TRUE(teller.fields(F(blockSize, kind)) && teller.range(F(kind), 0, 3) && teller.atMost(F(kind), 2) &&
-                teller.sized(F(text), blockSize) && teller.since(1, F(early)) && teller.reserved(1) &&
-                teller.since(80, F(turn), frame::otherwise(1.5707964F)) &&
-                teller.rows(1, [&](std::size_t i) { return teller.fields(F(inRow[i])); }) && teller.record(F(number)));
+    EXPECT_TRUE(teller.fields(FIELDS(blockSize, kind)) && teller.range(FIELDS(kind), 0, 3) && teller.atMost(FIELDS(kind), 2) &&
+                teller.sized(FIELDS(text), blockSize) && teller.since(1, FIELDS(early)) && teller.reserved(1) &&
+                teller.since(80, FIELDS(turn), codec::otherwise(1.5707964F)) &&
+                teller.rows(1, [&](std::size_t i) { return teller.fields(FIELDS(inRow[i])); }) && teller.record(FIELDS(number)));
   });
   const std::vector<std::string> expected{
       "| blockSize, kind | i32 each | kind refused outside 0 to 3; kind refused above 2 |",
@@ -250,30 +251,30 @@ TEST(FormatTable, TheLeastOfEachVerbIsToldAsAnyOther) {
 }
 
 TEST(FormatTable, RecordsWithoutAPageHaveTheirColumns) {
-  const std::string pattern = map::recordTable("pattern");
+  const std::string pattern = explain::recordTable("pattern");
   EXPECT_NE(pattern.find("| bindings | i32 count and rows | "), std::string::npos) << pattern;
   EXPECT_NE(pattern.find("a count below 1 keeps the columns |\n"), std::string::npos);
   EXPECT_NE(pattern.find("| bindings[i].third | "), std::string::npos);
-  EXPECT_NE(map::recordTable("material-body").find("| name | length text | "), std::string::npos);
-  EXPECT_NE(map::formatTable(map::FileKind::part).find("partKind"), std::string::npos);
+  EXPECT_NE(explain::recordTable("material-body").find("| name | length text | "), std::string::npos);
+  EXPECT_NE(explain::formatTable(explain::FileKind::part).find("partKind"), std::string::npos);
 }
 
 TEST(FormatTable, AConditionOfTwoFieldsIsOnlyToldToDependOnThem) {
-  const std::string table = FormatTeller::table([](FormatTeller& teller) {
+  const std::string table = FormatPrinter::table([](FormatPrinter& teller) {
     std::int32_t one = 0, other = 0, stored = 0;
-    EXPECT_TRUE(teller.fields(F(one, other)) && teller.when(one == 1 || other == 1, F(stored)));
+    EXPECT_TRUE(teller.fields(FIELDS(one, other)) && teller.when(one == 1 || other == 1, FIELDS(stored)));
   });
   EXPECT_NE(table.find("| stored | i32 | depends on earlier fields |\n"), std::string::npos) << table;
 }
 
 TEST(FormatTable, AKnownPlaceSettlesTheConditionsThatNoFieldChanges) {
   for (const bool isInGroup : {false, true}) {
-    const std::string table = FormatTeller::table(
-        [&](FormatTeller& teller) {
+    const std::string table = FormatPrinter::table(
+        [&](FormatPrinter& teller) {
           std::int32_t always = 0, inGroup = 0;
-          EXPECT_TRUE(teller.fields(F(always)) && teller.when(isInGroup, F(inGroup)));
+          EXPECT_TRUE(teller.fields(FIELDS(always)) && teller.when(isInGroup, FIELDS(inGroup)));
         },
-        FormatTeller::Place::given);
+        FormatPrinter::Place::given);
     EXPECT_EQ(table.find("inGroup") != std::string::npos, isInGroup);
     EXPECT_EQ(table.find("depends"), std::string::npos);
   }
@@ -281,24 +282,24 @@ TEST(FormatTable, AKnownPlaceSettlesTheConditionsThatNoFieldChanges) {
 
 TEST(FormatTable, EveryKindAndEveryNamedRecordHasATable) {
   std::set<std::string> tables;
-  for (const map::KindName& kind : map::fileKinds()) {
-    const std::string table = map::formatTable(kind.kind);
+  for (const explain::KindName& kind : explain::fileKinds()) {
+    const std::string table = explain::formatTable(kind.kind);
     EXPECT_TRUE(rowsOf(table).size() > 4 && table.find("| 1 | version | i16 | |\n") != std::string::npos) << kind.name;
     EXPECT_TRUE(tables.insert(table).second) << kind.name;
   }
-  for (const std::string_view name : map::recordNames()) {
-    const std::string table = map::recordTable(name);
+  for (const std::string_view name : explain::recordNames()) {
+    const std::string table = explain::recordTable(name);
     EXPECT_GT(rowsOf(table).size(), 3U) << name;
     EXPECT_TRUE(tables.insert(table).second) << name;
   }
-  EXPECT_EQ(map::recordTable("nonsense"), "");
+  EXPECT_EQ(explain::recordTable("nonsense"), "");
 }
 
 TEST(FormatTable, RecordsOfSeveralFilesAreToldByTheirNames) {
-  const std::string macro = map::formatTable(map::FileKind::macro);
+  const std::string macro = explain::formatTable(explain::FileKind::macro);
   EXPECT_NE(macro.find("| shapes | shape list | |\n"), std::string::npos) << macro;
   EXPECT_EQ(macro.find("auxValue2"), std::string::npos) << macro;
-  const std::string machine = map::formatTable(map::FileKind::machine);
+  const std::string machine = explain::formatTable(explain::FileKind::machine);
   EXPECT_NE(machine.find("| material | material body | since 80 |\n"), std::string::npos);
   EXPECT_NE(machine.find("| lateByteC | u8 | since 152, tail, reader |\n"), std::string::npos);
   EXPECT_NE(machine.find("| lateByteC | u8 | writer |\n"), std::string::npos);

@@ -14,9 +14,9 @@ namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
-using frame::MapLine;
-using map::FileKind;
-using map::FileReport;
+using explain::MapLine;
+using explain::FileKind;
+using explain::FileReport;
 
 struct Told {
   FileReport report;
@@ -26,7 +26,7 @@ struct Told {
 
 Told told(const std::string& path, FileKind kind) {
   Told all;
-  all.report = map::mapFile(path.c_str(), kind, [&](const MapLine& line) {
+  all.report = explain::mapFile(path.c_str(), kind, [&](const MapLine& line) {
     all.bytes += line.size;
     all.last = line.value;
   });
@@ -43,7 +43,7 @@ void expectMapFollowsLoad(const Bytes& file, FileKind kind, const Load& load, st
        cut += cut + step > file.size() && cut < file.size() ? file.size() - cut : step) {
     const std::string path = folder.write("f", file.cut(cut));
     const Told map = told(path, kind);
-    const FileReport check = map::checkFile(path.c_str(), kind);
+    const FileReport check = explain::checkFile(path.c_str(), kind);
     EXPECT_EQ(map.report.status, load(path)) << cut;
     EXPECT_EQ(check.status, map.report.status) << cut;
     EXPECT_EQ(check.walked, map.report.walked) << cut;
@@ -80,7 +80,7 @@ TEST(KindsMap, NameOfOneByteIsToldAsTolerated) {
   EXPECT_NE(one.last.find("which is tolerated there"), std::string::npos) << one.last;
   ASSERT_TRUE(one.report.tolerated);
   EXPECT_EQ(one.report.tolerated->offset, file.size() - 20);
-  EXPECT_EQ(map::checkFile(folder.path("one").c_str(), FileKind::material).tolerated->reason,
+  EXPECT_EQ(explain::checkFile(folder.path("one").c_str(), FileKind::material).tolerated->reason,
             one.report.tolerated->reason);
   const Told two = told(folder.write("two", file.cut(file.size() - 19)), FileKind::material);
   EXPECT_EQ(two.report.status, 1);
@@ -128,7 +128,7 @@ TEST(KindsMap, PartsWithBindingsAreToldAsTheyAreLoaded) {
     group.bindFifth.assign(2, 7);
     ASSERT_EQ(SavePart(folder.path("p").c_str(), *part, version), 0) << version;
     int rows = 0;
-    (void)map::mapFile(folder.path("p").c_str(), FileKind::part, [&](const MapLine& line) {
+    (void)explain::mapFile(folder.path("p").c_str(), FileKind::part, [&](const MapLine& line) {
       if (line.path.find("bind") != std::string::npos && line.path.find("[1]") != std::string::npos) ++rows;
     });
     EXPECT_GT(rows, 0) << version;

@@ -8,7 +8,7 @@
 
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
-#include "src/frame/writer.h"
+#include "src/frame/codec/writer.h"
 #include "src/part/part_io.h"
 #include "src/records/shape_layout.h"
 #include "src/records/small_layouts.h"
@@ -20,9 +20,10 @@
 
 namespace {
 
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 using namespace testing_support;
-namespace map = oldtorvio::map;
+namespace explain = oldtorvio::explain;
 
 TEST(Map, NamesComeFromTheTextOfTheFields) {
   const auto names = fieldNames("r.width, as<std::int16_t>(r.kind), block(p.x, p.y), r.list.count, plain, t.row[i]");
@@ -60,11 +61,11 @@ struct Sample {
 }  // namespace
 
 template <>
-struct oldtorvio::frame::Layout<Sample> {
+struct oldtorvio::codec::Layout<Sample> {
   static bool describe(auto& io, auto& s) {
-    return io.fields(F(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind))) &&
-           io.lengthText(F(s.note)) && io.countFirst(F(s.numbers)) && io.sized(F(s.name), 2) && io.reserved(3) &&
-           io.range(F(s.kind), 0, 3) && io.tail([&] { return io.fields(F(s.wide)); });
+    return io.fields(FIELDS(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind))) &&
+           io.lengthText(FIELDS(s.note)) && io.countFirst(FIELDS(s.numbers)) && io.sized(FIELDS(s.name), 2) && io.reserved(3) &&
+           io.range(FIELDS(s.kind), 0, 3) && io.optionalTail([&] { return io.fields(FIELDS(s.wide)); });
   }
 };
 
@@ -77,7 +78,7 @@ std::vector<std::string> linesOf(const Bytes& bytes, std::optional<Fault>* fault
     lines.push_back(std::to_string(l.offset) + "+" + std::to_string(l.size) + " " + l.path + " = " + l.value);
   });
   Sample sample;
-  (void)mapper.whole(sample);
+  (void)mapper.walk(sample);
   if (fault != nullptr) *fault = mapper.fault();
   return lines;
 }
@@ -98,7 +99,7 @@ TEST(Map, NamesTheRowTheListAndTheRecordThatItIsIn) {
     std::vector<std::string> paths;
     InStream stream(bytes.span());
     Mapper mapper(stream, version, [&](const MapLine& line) { paths.push_back(line.path); });
-    (void)mapper.record(F(record));
+    (void)mapper.record(FIELDS(record));
     return paths;
   };
   const auto has = [](const std::vector<std::string>& paths, const std::string& path) {
@@ -184,8 +185,8 @@ TEST(FileMap, SoundFilesAreWalkedToTheirEnd) {
   for (const int version : partVersions()) {
     const Bytes file = partFile(version);
     const std::string path = folder.write("p", file);
-    for (const map::FileReport& report : {map::checkFile(path.c_str(), map::FileKind::part),
-                                          map::mapFile(path.c_str(), map::FileKind::part, [](const MapLine&) {})}) {
+    for (const explain::FileReport& report : {explain::checkFile(path.c_str(), explain::FileKind::part),
+                                          explain::mapFile(path.c_str(), explain::FileKind::part, [](const MapLine&) {})}) {
       EXPECT_EQ(report.status, 0);
       EXPECT_EQ(report.version, version);
       EXPECT_EQ(report.walked, file.size());
@@ -199,7 +200,7 @@ TEST(FileMap, OnlyASoundFileThatGoesOnHasARemarkAboutItsRest) {
   const TempFolder folder;
   const auto remarksOf = [&](const Bytes& file) {
     int remarks = 0;
-    (void)map::mapFile(folder.write("r", file).c_str(), map::FileKind::part,
+    (void)explain::mapFile(folder.write("r", file).c_str(), explain::FileKind::part,
                        [&](const MapLine& line) { remarks += line.size == 0 ? 1 : 0; });
     return remarks;
   };
@@ -212,7 +213,7 @@ TEST(FileMap, BytesAfterTheLastFieldAreReportedAndNoFault) {
   const TempFolder folder;
   const std::string path = folder.write("p", partFile(180).zeros(5));
   std::string last;
-  const auto report = map::mapFile(path.c_str(), map::FileKind::part, [&](const MapLine& line) { last = line.value; });
+  const auto report = explain::mapFile(path.c_str(), explain::FileKind::part, [&](const MapLine& line) { last = line.value; });
   EXPECT_EQ(report.status, 0);
   EXPECT_FALSE(report.endsExactly());
   EXPECT_EQ(report.walked + 5, report.size);
@@ -221,41 +222,41 @@ TEST(FileMap, BytesAfterTheLastFieldAreReportedAndNoFault) {
 
 TEST(FileMap, StatusIsThatOfTheLoad) {
   const TempFolder folder;
-  const auto statusOf = [&](const Bytes& bytes, map::FileKind kind) {
-    return map::checkFile(folder.write("p", bytes).c_str(), kind).status;
+  const auto statusOf = [&](const Bytes& bytes, explain::FileKind kind) {
+    return explain::checkFile(folder.write("p", bytes).c_str(), kind).status;
   };
-  const auto none = map::checkFile(folder.path("none").c_str(), map::FileKind::part);
+  const auto none = explain::checkFile(folder.path("none").c_str(), explain::FileKind::part);
   EXPECT_EQ(none.status, -2);
   ASSERT_TRUE(none.fault);
   EXPECT_EQ(none.fault->offset, 0U);
   EXPECT_EQ(none.fault->path, "");
-  EXPECT_EQ(statusOf(specialToolFile(80, {1}), map::FileKind::specialTool), -1) << "however sound";
-  EXPECT_EQ(statusOf(Bytes().i16(5).zeros(1000), map::FileKind::part), 0) << "version 5 with nothing in it";
-  EXPECT_EQ(statusOf(Bytes().i16(61).i16(53).zeros(1000), map::FileKind::material), -1) << "a table without a layout";
-  EXPECT_EQ(statusOf(Bytes().i16(61).i16(52).zeros(9000), map::FileKind::material), 1) << "a name of no length";
+  EXPECT_EQ(statusOf(specialToolFile(80, {1}), explain::FileKind::specialTool), -1) << "however sound";
+  EXPECT_EQ(statusOf(Bytes().i16(5).zeros(1000), explain::FileKind::part), 0) << "version 5 with nothing in it";
+  EXPECT_EQ(statusOf(Bytes().i16(61).i16(53).zeros(1000), explain::FileKind::material), -1) << "a table without a layout";
+  EXPECT_EQ(statusOf(Bytes().i16(61).i16(52).zeros(9000), explain::FileKind::material), 1) << "a name of no length";
   oldtorvio::SheetPartList group;
   group.parts.emplace_back().patterns.emplace_back();
   ASSERT_EQ(oldtorvio::SaveGroupPart(folder.path("g").c_str(), group, 300), 0);
-  EXPECT_EQ(map::checkFile(folder.path("g").c_str(), map::FileKind::groupPart).status, 0) << "no upper version";
-  EXPECT_EQ(statusOf(Bytes().u8(1), map::FileKind::part), 1);
-  EXPECT_EQ(statusOf(Bytes().i16(53), map::FileKind::part), -1);
-  EXPECT_EQ(statusOf(Bytes().i16(5), map::FileKind::part), 1);
-  EXPECT_EQ(statusOf(Bytes().i16(52), map::FileKind::part), 1);
-  EXPECT_EQ(statusOf(Bytes().i16(151), map::FileKind::groupPart), 1);
-  EXPECT_EQ(statusOf(Bytes().i16(80), map::FileKind::specialTool), -1);
-  EXPECT_EQ(statusOf(Bytes().i16(1), map::FileKind::specialTool), -1);
-  EXPECT_EQ(statusOf(specialToolFile(52, {1}), map::FileKind::specialTool), 0);
+  EXPECT_EQ(explain::checkFile(folder.path("g").c_str(), explain::FileKind::groupPart).status, 0) << "no upper version";
+  EXPECT_EQ(statusOf(Bytes().u8(1), explain::FileKind::part), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(53), explain::FileKind::part), -1);
+  EXPECT_EQ(statusOf(Bytes().i16(5), explain::FileKind::part), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(52), explain::FileKind::part), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(151), explain::FileKind::groupPart), 1);
+  EXPECT_EQ(statusOf(Bytes().i16(80), explain::FileKind::specialTool), -1);
+  EXPECT_EQ(statusOf(Bytes().i16(1), explain::FileKind::specialTool), -1);
+  EXPECT_EQ(statusOf(specialToolFile(52, {1}), explain::FileKind::specialTool), 0);
 }
 
 // Of nothing but a version word, which the load refuses or misses the rest of.
 TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
-  using Kind = map::FileKind;
+  using Kind = explain::FileKind;
   const TempFolder folder;
   const auto expectSame = [&](Kind kind, auto load) {
     const std::string path = folder.write("p", Bytes().i16(0));
     for (int version = -3; version < 520; ++version) {
       folder.overwrite("p", Bytes().i16(version));
-      EXPECT_EQ(map::checkFile(path.c_str(), kind).status, load(path.c_str())) << map::nameOf(kind) << ' ' << version;
+      EXPECT_EQ(explain::checkFile(path.c_str(), kind).status, load(path.c_str())) << explain::nameOf(kind) << ' ' << version;
     }
   };
   expectSame(Kind::part, [part = std::make_unique<oldtorvio::TorvPart>()](const char* path) {
@@ -285,30 +286,30 @@ TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
 
 TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
   const TempFolder folder;
-  using Kind = map::FileKind;
+  using Kind = explain::FileKind;
   oldtorvio::SheetPartList list;
   list.parts.emplace_back().patterns.emplace_back();
   ASSERT_EQ(oldtorvio::SaveGroupPart(folder.path("g").c_str(), list, 180), 0);
-  EXPECT_EQ(map::detectKind(folder.path("g")), Kind::groupPart);
-  EXPECT_EQ(map::detectKind(""), std::nullopt);
-  EXPECT_EQ(map::detectKind("?"), std::nullopt);
+  EXPECT_EQ(explain::detectKind(folder.path("g")), Kind::groupPart);
+  EXPECT_EQ(explain::detectKind(""), std::nullopt);
+  EXPECT_EQ(explain::detectKind("?"), std::nullopt);
   for (const int version : partVersions())
-    EXPECT_EQ(map::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
+    EXPECT_EQ(explain::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
   for (const int version : {52, 60, 111, 162, 180}) {
-    EXPECT_EQ(map::detectKind(folder.write("s", specialToolFile(version, {1, 2}))), Kind::specialTool) << version;
-    EXPECT_EQ(map::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool) << "the extension decides";
+    EXPECT_EQ(explain::detectKind(folder.write("s", specialToolFile(version, {1, 2}))), Kind::specialTool) << version;
+    EXPECT_EQ(explain::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool) << "the extension decides";
   }
-  EXPECT_EQ(map::detectKind(folder.write("d", partFile(61).cut(500))), Kind::part) << "no other kind has version 61";
-  EXPECT_EQ(map::detectKind(folder.write("r", partFile(80).zeros(37))), Kind::part) << "sound but for the rest";
+  EXPECT_EQ(explain::detectKind(folder.write("d", partFile(61).cut(500))), Kind::part) << "no other kind has version 61";
+  EXPECT_EQ(explain::detectKind(folder.write("r", partFile(80).zeros(37))), Kind::part) << "sound but for the rest";
   // An inventory of this version would be sound after sixteen bytes.
   for (const std::size_t cut : {800U, 1600U})
-    EXPECT_EQ(map::detectKind(folder.write("c", partFile(112).cut(cut))), Kind::part) << "it comes furthest";
-  EXPECT_EQ(map::detectKind(".spt"), Kind::specialTool) << "whatever it holds";
-  EXPECT_EQ(map::detectKind(folder.write("w", Bytes().i16(60))), Kind::part) << "of several alike the first";
-  EXPECT_EQ(map::detectKind(folder.write("x", Bytes().i16(50))), std::nullopt);
-  EXPECT_EQ(map::detectKind(folder.write("e", Bytes())), std::nullopt);
-  EXPECT_EQ(map::detectKind(folder.path("none")), std::nullopt);
-  EXPECT_EQ(map::nameOf(Kind::groupPart), "group-part");
+    EXPECT_EQ(explain::detectKind(folder.write("c", partFile(112).cut(cut))), Kind::part) << "it comes furthest";
+  EXPECT_EQ(explain::detectKind(".spt"), Kind::specialTool) << "whatever it holds";
+  EXPECT_EQ(explain::detectKind(folder.write("w", Bytes().i16(60))), Kind::part) << "of several alike the first";
+  EXPECT_EQ(explain::detectKind(folder.write("x", Bytes().i16(50))), std::nullopt);
+  EXPECT_EQ(explain::detectKind(folder.write("e", Bytes())), std::nullopt);
+  EXPECT_EQ(explain::detectKind(folder.path("none")), std::nullopt);
+  EXPECT_EQ(explain::nameOf(Kind::groupPart), "group-part");
 }
 
 }  // namespace

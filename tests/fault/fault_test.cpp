@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "OldTorvIO.h"
-#include "src/frame/platform.h"
+#include "src/frame/host/platform.h"
 #include "src/machine/machine_io.h"
 #include "src/material/material_io.h"
 #include "src/part/part_io.h"
@@ -44,13 +44,13 @@ TEST(HostileFiles, EveryCountThatClaimsTwoBillionIsAFaultAndTakesNoMemory) {
   for (const Kind& kind : kinds())
     for (const int version : kind.versions) {
       const Bytes whole = kind.file(version);
-      std::vector<frame::MapLine> counts;
-      (void)map::mapFile(folder.write("whole", whole).c_str(), kind.kind, [&](const frame::MapLine& line) {
+      std::vector<explain::MapLine> counts;
+      (void)explain::mapFile(folder.write("whole", whole).c_str(), kind.kind, [&](const explain::MapLine& line) {
         if (line.size == 4 && isCount(line.path)) counts.push_back(line);
       });
       // A table that is a whole file counts the bytes of its name and nothing else.
-      ASSERT_GT(counts.size(), kind.kind == map::FileKind::material && version == 52 ? 0U : 2U) << kind.name;
-      for (const frame::MapLine& count : counts) {
+      ASSERT_GT(counts.size(), kind.kind == explain::FileKind::material && version == 52 ? 0U : 2U) << kind.name;
+      for (const explain::MapLine& count : counts) {
         // These are carried without being counted by, and may claim anything.
         const bool carried = count.path.ends_with("ValueCount") || count.path.ends_with("optionCount");
         const bool station = count.path.find("stations[") != std::string::npos &&
@@ -64,11 +64,11 @@ TEST(HostileFiles, EveryCountThatClaimsTwoBillionIsAFaultAndTakesNoMemory) {
           const AllocationMeter meter;
           const std::int64_t status = kind.load(path.c_str());
           // A material goes on behind a second option that fails, and then may end in its reserved bytes.
-          const bool isForgiven = behind > 0 && kind.kind == map::FileKind::material &&
+          const bool isForgiven = behind > 0 && kind.kind == explain::FileKind::material &&
                                   count.path.starts_with("head.optionB.") && status == 0;
           // Whatever becomes of the blocks, a sheet goes on, and below 161 it ends behind them.
           const bool isOfNoMatter =
-              kind.kind == map::FileKind::sheet && count.path.starts_with("blocks") && version < 161 && status == 0;
+              kind.kind == explain::FileKind::sheet && count.path.starts_with("blocks") && version < 161 && status == 0;
           EXPECT_TRUE(status == 1 || isForgiven || isOfNoMatter) << kind.name << " " << version << " " << count.path;
           EXPECT_LT(meter.peak(), kMiB + kind.recordSize) << kind.name << " " << version << " " << count.path;
         }
@@ -135,21 +135,21 @@ TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimTheWholeFile) {
   const Bytes tail = Bytes().zeros(2U << 20U), most = Bytes().i32(2000000000);
   for (const Kind& kind : kinds()) {
     std::set<int> versions(kind.versions.begin(), kind.versions.end());
-    if (kind.kind == map::FileKind::sheet) versions.insert({52, 61, 62, 79, 80, 110});
+    if (kind.kind == explain::FileKind::sheet) versions.insert({52, 61, 62, 79, 80, 110});
     for (const int version : versions) {
       const Bytes good = kind.file(version);
-      std::vector<frame::MapLine> counts;
+      std::vector<explain::MapLine> counts;
       std::map<std::string, std::size_t> around;  // "list[0]": how many counts stand in front of it
-      (void)map::mapFile(folder.write("good", good).c_str(), kind.kind, [&](const frame::MapLine& line) {
+      (void)explain::mapFile(folder.write("good", good).c_str(), kind.kind, [&](const explain::MapLine& line) {
         for (std::size_t at = line.path.find("[0]"); at != std::string::npos; at = line.path.find("[0]", at + 1))
           around.emplace(line.path.substr(0, at + 3), counts.size());
         if (line.size == 4 && isCount(line.path)) counts.push_back(line);
       });
       ASSERT_FALSE(counts.empty());
-      for (const frame::MapLine& count : counts) {
+      for (const explain::MapLine& count : counts) {
         std::string stored(reinterpret_cast<const char*>(good.span().data()),
                            static_cast<std::size_t>(count.offset) + 4);
-        const auto claim = [&](const frame::MapLine& at) {
+        const auto claim = [&](const explain::MapLine& at) {
           std::memcpy(stored.data() + at.offset, most.span().data(), 4);
         };
         claim(count);
@@ -159,7 +159,7 @@ TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimTheWholeFile) {
         const std::string path = folder.overwrite("claims", file);
         const AllocationMeter meter;
         (void)kind.load(path.c_str());
-        const std::size_t times = kind.kind == map::FileKind::sheet && version < 62 ? 17 : 16;
+        const std::size_t times = kind.kind == explain::FileKind::sheet && version < 62 ? 17 : 16;
         EXPECT_LE(meter.peak(), times * file.size() + kind.recordSize + kMiB)
             << kind.name << " " << version << ", " << count.path;
       }
@@ -482,12 +482,12 @@ TEST(OutOfMemory, LoadsAndQueriesGiveOne) {
   std::uint8_t late = 0;
   for (const Kind& kind : kinds()) {
     const std::string path = folder.write("k", kind.file(180));
-    if (kind.kind == map::FileKind::part) {
+    if (kind.kind == explain::FileKind::part) {
       TorvPart* const record = new TorvPart;
       expectOnFailure<std::int64_t>(1, [&] { return LoadOldPart(path.c_str(), record); });
       EXPECT_EQ(LoadOldPart(path.c_str(), record), 0) << "the record is still good";
       delete record;
-    } else if (kind.kind == map::FileKind::groupPart || kind.kind == map::FileKind::specialTool) {
+    } else if (kind.kind == explain::FileKind::groupPart || kind.kind == explain::FileKind::specialTool) {
       expectOnFailure<std::int64_t>(1, [&] { return kind.load(path.c_str()); });
     }
   }

@@ -51,7 +51,7 @@ constexpr double kSecondsThatNoHostNeeds = 2;
 template <class Record>
 struct Subject {
   const char* name;
-  map::FileKind kind;
+  explain::FileKind kind;
   std::vector<int> versions;  // the first and the last in the short form
   Bytes (*file)(int version);
   std::int64_t (*load)(const char* path, Record* record);
@@ -202,7 +202,7 @@ void askNothing(const char*, std::int64_t, const Record&) {}
 
 const Subject<TorvPart> kPart{
     "part",
-    map::FileKind::part,
+    explain::FileKind::part,
     {52, 62, 80, 110, 151, 161, 180},
     [](int v) { return partFile(v, 32001); },
     LoadOldPart,
@@ -213,7 +213,7 @@ const Subject<TorvPart> kPart{
 
 const Subject<TorvPart> kOldestPart{
     "oldest part",
-    map::FileKind::part,
+    explain::FileKind::part,
     {2, 3, 5},
     oldestPartFile,
     LoadOldPart,
@@ -223,7 +223,7 @@ const Subject<TorvPart> kOldestPart{
     [](TorvPart& part) { part = TorvPart(); }};
 
 const Subject<SheetPartList> kGroup{"group part",
-                                    map::FileKind::groupPart,
+                                    explain::FileKind::groupPart,
                                     {152, 161, 180},
                                     groupFile,
                                     LoadGroupPart,
@@ -237,7 +237,7 @@ const Subject<SheetPartList> kGroup{"group part",
 
 const Subject<OldSpecialTool> kSpecialToolFile{
     "special tool",
-    map::FileKind::specialTool,
+    explain::FileKind::specialTool,
     {52, 110, 160, 180},
     [](int v) {
       return specialToolFile(v, {1, 2});
@@ -249,7 +249,7 @@ const Subject<OldSpecialTool> kSpecialToolFile{
     [](OldSpecialTool& tool) { tool.setupList = {}; }};
 
 const Subject<OldMachine> kMachine{"machine",
-                                   map::FileKind::machine,
+                                   explain::FileKind::machine,
                                    {52, 61, 80, 110, 152, 161, 180},
                                    machineFile,
                                    LoadOldMachine,
@@ -262,14 +262,14 @@ bool storeMaterial(OutStream& out, int version, OldMaterial& material) {
   return WriteParamTable(out, material.params) &&
          (frame::isParamTableVersion(version) || WriteOldMaterialBody(out, version, material));
 }
-const Subject<OldMaterial> kMaterial{"material",   map::FileKind::material, {61, 90, 130, 152, 161, 180},
+const Subject<OldMaterial> kMaterial{"material",   explain::FileKind::material, {61, 90, 130, 152, 161, 180},
                                      materialFile, LoadOldMaterial,         askNothing<OldMaterial>,
                                      storeMaterial};
-const Subject<OldMaterial> kTable{"parameter table", map::FileKind::material, {52, 60},     materialFile,
+const Subject<OldMaterial> kTable{"parameter table", explain::FileKind::material, {52, 60},     materialFile,
                                   LoadOldMaterial,   askNothing<OldMaterial>, storeMaterial};
 
 const Subject<OldToolInventory> kInventory{"tool inventory",
-                                           map::FileKind::toolInventory,
+                                           explain::FileKind::toolInventory,
                                            {54, 60, 110, 150, 180},
                                            inventoryFile,
                                            LoadOldToolInventory,
@@ -280,7 +280,7 @@ const Subject<OldToolInventory> kInventory{"tool inventory",
 
 const Subject<OldMacro> kMacro{
     "macro",
-    map::FileKind::macro,
+    explain::FileKind::macro,
     {52, 60, 80, 160, 180},
     macroFile,
     LoadOldMacro,
@@ -288,7 +288,7 @@ const Subject<OldMacro> kMacro{
     [](OutStream& out, int version, OldMacro& macro) { return WriteMacro(out, version, macro); }};
 
 const Subject<OldSheet> kSheet{"sheet",
-                               map::FileKind::sheet,
+                               explain::FileKind::sheet,
                                {52, 101, 152, 161, 180},
                                smallSheetFile,
                                LoadOldSheet,
@@ -308,7 +308,7 @@ class Sweep {
     goodStatus_ = subject_.load(goodPath_.c_str(), record.get());
     EXPECT_EQ(goodStatus_, version == 2 || version == 3 ? 1 : 0) << subject_.name << " " << version;
     stored_ = storedForm(*record);
-    (void)map::mapFile(goodPath_.c_str(), subject_.kind, [&](const frame::MapLine& line) {
+    (void)explain::mapFile(goodPath_.c_str(), subject_.kind, [&](const explain::MapLine& line) {
       if (line.size == 1 || line.size == 2 || line.size == 4) numbers_.push_back(line);
     });
   }
@@ -325,7 +325,7 @@ class Sweep {
 
   void setNumbers() {
     std::set<std::string> seen;
-    for (const frame::MapLine& line : numbers_) {
+    for (const explain::MapLine& line : numbers_) {
       // One element of each list and array speaks for the others, and one of numbered fields.
       if (!isLong() && !seen.insert(withoutDigits(line.path)).second) continue;
       const auto size = static_cast<unsigned>(line.size);
@@ -370,9 +370,9 @@ class Sweep {
   }
 
   // Whether a load refuses the very value.
-  bool isRefused(const Bytes& file, const frame::MapLine& line) {
+  bool isRefused(const Bytes& file, const explain::MapLine& line) {
     const auto report =
-        map::mapFile(folder_.overwrite("refused", file).c_str(), subject_.kind, [](const frame::MapLine&) {});
+        explain::mapFile(folder_.overwrite("refused", file).c_str(), subject_.kind, [](const explain::MapLine&) {});
     for (const auto& fault : {report.fault, report.tolerated})
       if (fault && fault->offset == line.offset && fault->reason.find("refused") != std::string::npos) return true;
     return false;
@@ -429,7 +429,7 @@ class Sweep {
   std::string goodPath_;
   std::int64_t goodStatus_ = 0;
   std::optional<Bytes> stored_;
-  std::vector<frame::MapLine> numbers_;
+  std::vector<explain::MapLine> numbers_;
   std::set<std::int64_t> bounds_;
   std::size_t count_ = 0;
   double slowest_ = 0;

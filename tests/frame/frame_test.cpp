@@ -10,7 +10,7 @@
 #include <set>
 
 #include "src/frame/entry.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/part/part_layout.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
@@ -18,6 +18,7 @@
 
 namespace {
 
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 using oldtorvio::fixedText;
 using namespace testing_support;
@@ -27,7 +28,7 @@ TEST(InStream, FailedReadLeavesTheStreamAtTheEndAndTheFieldAsItWas) {
   InStream stream(bytes.span());
   Reader io(stream, 180);
   std::int32_t first = 1, second = 2;
-  EXPECT_FALSE(io.fields(F(first, second)));
+  EXPECT_FALSE(io.fields(FIELDS(first, second)));
   EXPECT_EQ(first, 7);
   EXPECT_EQ(second, 2);
   EXPECT_EQ(stream.left(), 0U);
@@ -40,12 +41,12 @@ TEST(InStream, RowsKeepTheirWholeNumbersAndBlocksAllOrNothing) {
   std::uint32_t row[3] = {9, 9, 9};
   std::uint8_t raw[12] = {};
   float x = 5, y = 6, z = 7;
-  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(F(row)); });
+  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(FIELDS(row)); });
   EXPECT_EQ(row[1], 2U);
   EXPECT_EQ(row[2], 9U);
-  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(F(raw)); });
+  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(FIELDS(raw)); });
   EXPECT_EQ(raw[0], 0);
-  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(F(block(x, y, z))); });
+  readFrom(bytes, [&](InStream& s) { return Reader(s, 180).fields(FIELDS(block(x, y, z))); });
   EXPECT_EQ(x, 5.0F);
 }
 
@@ -55,7 +56,7 @@ TEST(InStream, ZeroSizeItemFails) {
   for (const std::int32_t size : {0, -1, 5}) {
     InStream stream(bytes.span());
     Reader io(stream, 180);
-    EXPECT_FALSE(io.sized(F(text), size));
+    EXPECT_FALSE(io.sized(FIELDS(text), size));
     EXPECT_EQ(stream.position(), 0U) << "and moves nothing";
   }
 }
@@ -63,7 +64,7 @@ TEST(InStream, ZeroSizeItemFails) {
 TEST(InStream, ShortSizedFieldFails) {
   const Bytes bytes = Bytes().zeros(2);
   char text[4] = "abc";
-  EXPECT_FALSE(readFrom(bytes, [&](InStream& s) { return Reader(s, 180).sized(F(text), 3); }));
+  EXPECT_FALSE(readFrom(bytes, [&](InStream& s) { return Reader(s, 180).sized(FIELDS(text), 3); }));
   EXPECT_STREQ(text, "abc");
 }
 
@@ -73,7 +74,7 @@ TEST(InStream, LeadingTakesTheFirstOfSeveralNumbers) {
     std::int32_t a = 0, b = 0, c = 0;
     std::size_t consumed = 0;
     EXPECT_TRUE(readFrom(
-        bytes, [&](InStream& s) { return Reader(s, 180).leading(count, F(a, b, c)); }, &consumed));
+        bytes, [&](InStream& s) { return Reader(s, 180).leading(count, FIELDS(a, b, c)); }, &consumed));
     EXPECT_EQ(consumed, static_cast<std::size_t>(std::clamp(count, 0, 3)) * 4);
     EXPECT_EQ(b, count >= 2 ? 2 : 0);
   }
@@ -88,12 +89,12 @@ TEST(InStream, EachVerbOfOneItemFailsWhereTheFileEndsInside) {
     Reader io(stream, 180);
     return !verb(io) && io.stop() == Stop::shortRead && stream.left() == 0;
   };
-  EXPECT_TRUE(fails([&](Reader& io) { return io.textItem<4>(F(text)); }));
-  EXPECT_TRUE(fails([&](Reader& io) { return io.sliceAs<std::int16_t>(F(numbers), 0, 1); }));
-  EXPECT_TRUE(fails([&](Reader& io) { return io.slice(F(numbers), 0, 1); }));
-  EXPECT_TRUE(fails([&](Reader& io) { return io.nonZero(F(numbers[0])); }));
-  EXPECT_TRUE(fails([&](Reader& io) { return io.leading(2, F(numbers)); }));
-  EXPECT_TRUE(fails([&](Reader& io) { return io.lengthText(F(text)); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.textItem<4>(FIELDS(text)); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.sliceAs<std::int16_t>(FIELDS(numbers), 0, 1); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.slice(FIELDS(numbers), 0, 1); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.nonZero(FIELDS(numbers[0])); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.leading(2, FIELDS(numbers)); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.lengthText(FIELDS(text)); }));
   EXPECT_TRUE(fails([&](Reader& io) { return io.reserved(2); }));
   EXPECT_EQ(text, "kept");
   EXPECT_EQ(numbers[0], 7);
@@ -228,7 +229,7 @@ TEST(OutStream, HandsLargeContentToTheFileInOrder) {
     OutStream stream(file.handle());
     Writer io(stream, 180);
     for (std::uint32_t i = 0; i < 200000; ++i) {
-      ASSERT_TRUE(io.fields(F(i)));
+      ASSERT_TRUE(io.fields(FIELDS(i)));
       expected.u32(i);
     }
     ASSERT_TRUE(stream.flush());
@@ -258,12 +259,12 @@ TEST(OutStream, OnceFailedStaysFailed) {
   const char text[4096] = {};
   const std::uint8_t bytes[4096] = {};
   bool ok = true;
-  for (int i = 0; ok && i < 1000; ++i) ok = io.fields(F(text));
+  for (int i = 0; ok && i < 1000; ++i) ok = io.fields(FIELDS(text));
   EXPECT_FALSE(ok);
   EXPECT_FALSE(stream.flush());
-  EXPECT_FALSE(io.fields(F(bytes, bytes)) && stream.flush());
+  EXPECT_FALSE(io.fields(FIELDS(bytes, bytes)) && stream.flush());
   const std::string note(100000, 'n');
-  EXPECT_FALSE(io.lengthText(F(note)) && io.reserved(4096) && stream.flush());
+  EXPECT_FALSE(io.lengthText(FIELDS(note)) && io.reserved(4096) && stream.flush());
 }
 
 TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
@@ -288,18 +289,18 @@ TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
   pattern.bindThird = pattern.bindFourth = pattern.bindFifth = {7};
   const oldtorvio::BindColumns bindings(std::as_const(pattern));
   for (const std::size_t left : {0U, 4U}) {
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.fields(F(numbers)); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.lengthText(F(note)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.fields(FIELDS(numbers)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.lengthText(FIELDS(note)); })) << left;
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.reserved(5); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.slice(F(numbers), 0, 1); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.leading(2, F(numbers)); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.leading(3, F(numbers)); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.sized(F(text), 8); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.textItem<8>(F(note)); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.append(F(shapes)); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.trailer(F(shapes), &oldtorvio::Shape::trailerValue); }))
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.slice(FIELDS(numbers), 0, 1); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.leading(2, FIELDS(numbers)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.leading(3, FIELDS(numbers)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.sized(FIELDS(text), 8); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.textItem<8>(FIELDS(note)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.append(FIELDS(shapes)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.trailer(FIELDS(shapes), &oldtorvio::Shape::trailerValue); }))
         << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.columns(F(bindings)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.columns(FIELDS(bindings)); })) << left;
   }
 }
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "src/frame/reader.h"
+#include "src/frame/codec/reader.h"
 #include "tests/support/bytes.h"
 
 namespace {
@@ -18,15 +18,16 @@ struct Box {
 }  // namespace
 
 template <>
-struct oldtorvio::frame::Layout<Box> {
-  static constexpr std::size_t kLeast = 8;
+struct oldtorvio::codec::Layout<Box> {
+  static constexpr std::size_t kMinStoredSize = 8;
   static bool describe(auto& io, auto& box) {
-    return io.fields(F(box.kind)) && io.range(F(box.kind), 0, 1) && io.countFirst(F(box.numbers));
+    return io.fields(FIELDS(box.kind)) && io.range(FIELDS(box.kind), 0, 1) && io.countFirst(FIELDS(box.numbers));
   }
 };
 
 namespace {
 
+using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
 using testing_support::Bytes;
 
@@ -45,7 +46,7 @@ std::size_t roomBehind(std::int32_t claimed, const std::vector<std::int32_t>& bo
   Reader io(stream, 180);
   std::vector<Box> list;
   list.reserve(roomBefore);
-  (void)io.countFirst(F(list));
+  (void)io.countFirst(FIELDS(list));
   EXPECT_EQ(list.size(), boxes.size());
   return list.capacity();
 }

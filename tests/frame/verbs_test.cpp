@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "src/frame/reader.h"
-#include "src/frame/writer.h"
+#include "src/frame/codec/reader.h"
+#include "src/frame/codec/writer.h"
 #include "tests/support/bytes.h"
 #include "torvio/explain/map.h"
 
@@ -63,69 +63,69 @@ namespace oldtorvio::frame {
 template <>
 struct Layout<Tailed> {
   static bool describe(auto& io, auto& t) {
-    return io.fields(F(t.head)) && io.tail(F(t.first, t.second)) && io.fields(F(t.last));
+    return io.fields(FIELDS(t.head)) && io.optionalTail(FIELDS(t.first, t.second)) && io.fields(FIELDS(t.last));
   }
 };
 template <>
 struct Layout<Refusing> {
-  static bool describe(auto& io, auto& r) { return io.fields(F(r.head, r.kind)) && io.range(F(r.kind), 1, 2); }
+  static bool describe(auto& io, auto& r) { return io.fields(FIELDS(r.head, r.kind)) && io.range(FIELDS(r.kind), 1, 2); }
 };
 template <>
 struct Layout<Outer> {
-  static bool describe(auto& io, auto& o) { return io.record(F(o.inner)) && io.fields(F(o.behind)); }
+  static bool describe(auto& io, auto& o) { return io.record(FIELDS(o.inner)) && io.fields(FIELDS(o.behind)); }
 };
 template <>
 struct Layout<Lenient> {
   static bool describe(auto& io, auto& l) {
-    return io.lenient([&] { return io.record(F(l.inner)); }) && io.fields(F(l.last));
+    return io.endOnFailure([&] { return io.record(FIELDS(l.inner)); }) && io.fields(FIELDS(l.last));
   }
 };
 template <>
 struct Layout<Ignoring> {
   static bool describe(auto& io, auto& i) {
-    return io.ignored([&] { return io.record(F(i.inner)); }) && io.fields(F(i.last));
+    return io.continueOnFailure([&] { return io.record(FIELDS(i.inner)); }) && io.fields(FIELDS(i.last));
   }
 };
 template <>
 struct Layout<Skipping> {
   static bool describe(auto& io, auto& s) {
-    return io.skipUnless(F(s.word), [&] { return io.countThenClear(F(s.list)); });
+    return io.skipUnless(FIELDS(s.word), [&] { return io.countThenClear(FIELDS(s.list)); });
   }
 };
 template <>
 struct Layout<Differing> {
   static bool describe(auto& io, auto& d) {
-    return io.differs([&] { return io.fields(F(as<std::int8_t>(d.number))); },
-                      [&] { return io.fields(F(d.number)); }) &&
-           io.rewrite(d, [](auto& r) { r.marked = 1; }) && io.when(io.either(false, true), F(d.marked));
+    return io.differs([&] { return io.fields(FIELDS(as<std::int8_t>(d.number))); },
+                      [&] { return io.fields(FIELDS(d.number)); }) &&
+           io.beforeWrite(d, [](auto& r) { r.marked = 1; }) && io.when(io.either(false, true), FIELDS(d.marked));
   }
 };
 template <>
 struct Layout<Texts> {
   static bool describe(auto& io, auto& t) {
-    return io.lengthTextOrEmpty(F(t.name), 5) && io.template textItem<6>(F(t.fixed)) &&
-           io.onlyRead([&](auto& reader) { return reader.bytesOrOne(F(t.letters), 3); });
+    return io.lengthTextOrEmpty(FIELDS(t.name), 5) && io.template textItem<6>(FIELDS(t.fixed)) &&
+           io.onlyRead([&](auto& reader) { return reader.bytesOrOne(FIELDS(t.letters), 3); });
   }
 };
 template <>
 struct Layout<Numbers> {
   static bool describe(auto& io, auto& n) {
-    return io.slice(F(n.all), 1, 2) && io.nonZero(F(n.all[3])) &&
-           io.onlyRead([&](auto& reader) { return reader.template sliceAs<std::int16_t>(F(n.all), 4, 5); }) &&
-           io.slice(F(n.words), 0, 1);
+    return io.slice(FIELDS(n.all), 1, 2) && io.nonZero(FIELDS(n.all[3])) &&
+           io.onlyRead([&](auto& reader) { return reader.template sliceAs<std::int16_t>(FIELDS(n.all), 4, 5); }) &&
+           io.slice(FIELDS(n.words), 0, 1);
   }
 };
 template <>
 struct Layout<Padded> {
   static bool describe(auto& io, auto& p) {
     return io.padded(16, [&] {
-      return io.fields(F(p.count)) && io.when(p.count > 0, [&] { return io.sized(F(p.bytes), p.count); });
-    }) && io.fields(F(p.last));
+      return io.fields(FIELDS(p.count)) && io.when(p.count > 0, [&] { return io.sized(FIELDS(p.bytes), p.count); });
+    }) && io.fields(FIELDS(p.last));
   }
 };
 template <>
 struct Layout<Replacing> {
-  static bool describe(auto& io, auto& r) { return io.replaced(F(r.inner)); }
+  static bool describe(auto& io, auto& r) { return io.replaced(FIELDS(r.inner)); }
 };
 
 }  // namespace oldtorvio::frame
@@ -133,10 +133,10 @@ struct Layout<Replacing> {
 namespace {
 
 using namespace oldtorvio;
-using frame::InStream;
-using frame::OutStream;
-using frame::readRecord;
-using frame::writeRecord;
+using codec::InStream;
+using codec::OutStream;
+using codec::readRecord;
+using codec::writeRecord;
 
 constexpr int kVersion = 100;
 
@@ -151,10 +151,10 @@ template <class Record>
 std::vector<std::string> mapped(const Bytes& bytes, bool* walked = nullptr) {
   std::vector<std::string> lines;
   InStream stream(bytes.span());
-  frame::Mapper io(stream, kVersion,
-                   [&](const frame::MapLine& line) { lines.push_back(line.path + " = " + line.value); });
+  explain::Mapper io(stream, kVersion,
+                   [&](const explain::MapLine& line) { lines.push_back(line.path + " = " + line.value); });
   Record record;
-  const bool ok = io.whole(record);
+  const bool ok = io.walk(record);
   if (walked != nullptr) *walked = ok;
   if (!ok) lines.push_back("FAULT " + io.fault()->path + ": " + io.fault()->reason);
   return lines;
@@ -182,9 +182,9 @@ TEST(Verbs, TailForgivesNoRefusal) {
   std::int32_t behind = 0;
   const auto walk = [&](const Bytes& bytes) {
     return readFrom(bytes, [&](InStream& s) {
-      frame::Reader io(s, kVersion);
-      const bool walked = io.tail([&] { return io.record(F(r)); }) && io.fields(F(behind));
-      EXPECT_EQ(io.stop(), walked ? frame::Stop::none : frame::Stop::refused);
+      codec::Reader io(s, kVersion);
+      const bool walked = io.optionalTail([&] { return io.record(FIELDS(r)); }) && io.fields(FIELDS(behind));
+      EXPECT_EQ(io.stop(), walked ? codec::Stop::none : codec::Stop::refused);
       return walked;
     });
   };
@@ -198,10 +198,10 @@ TEST(Verbs, AForgivingRunTellsThatItForgave) {
     std::vector<std::int32_t> list;
     const Bytes bytes = Bytes().i32(1).i32(2).cut(cut);
     readFrom(bytes, [&](InStream& s) {
-      frame::Reader io(s, kVersion);
-      EXPECT_TRUE(io.forgivingRun(2, F(list)));
+      codec::Reader io(s, kVersion);
+      EXPECT_TRUE(io.forgivingRun(2, FIELDS(list)));
       EXPECT_EQ(io.forgave(), cut < 8) << cut;
-      EXPECT_EQ(io.stop(), frame::Stop::none) << cut;
+      EXPECT_EQ(io.stop(), codec::Stop::none) << cut;
       return true;
     });
     EXPECT_EQ(list, (std::vector<std::int32_t>{1, cut < 8 ? 0 : 2})) << cut;
@@ -375,13 +375,13 @@ TEST(Verbs, LongBlocksAreMappedAsRuns) {
   std::string text;
   std::vector<std::uint8_t> block(100, 1);
   block[50] = 0xAB;
-  frame::printBytes(text, block.data(), block.size());
+  explain::printBytes(text, block.data(), block.size());
   EXPECT_EQ(text, "01 x 50, ab, 01 x 49");
   const auto printed = [](std::size_t width, std::initializer_list<std::uint8_t> head) {
     std::vector<std::uint8_t> zeros(width + 1);
     std::copy(head.begin(), head.end(), zeros.begin());
     std::string to;
-    frame::printBytes(to, zeros.data(), width);
+    explain::printBytes(to, zeros.data(), width);
     return to;
   };
   EXPECT_EQ(printed(100, {7, 1, 1}), "07, 01 x 2, 00 x 97");

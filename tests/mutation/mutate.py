@@ -29,7 +29,7 @@ TOP = pathlib.Path(__file__).resolve().parents[2]
 BUILD = TOP / "build" / "mutation"
 REWRITTEN = BUILD / "rewritten"
 QUICK = 0.2  # seconds
-NOT_HERE = {"src/frame/platform_windows.cpp": "not part of the program on this system"}
+NOT_HERE = {"src/frame/host/platform_windows.cpp": "not part of the program on this system"}
 
 # Where the places themselves would stand in the way: (file, as it stands, as it has to be here).
 BY_HAND = [
@@ -39,7 +39,7 @@ BY_HAND = [
      "static const T* const all = new (room) T(); return *all; }"),
     ("include/OldTorvIO/lazy_array.h", ": kDefault;", ": kDefault();"),
     # A constant integer is computed by the compiler where it can be.
-    ("torvio/explain/format_teller.h", "const char kind = std", "char kind = std"),
+    ("torvio/explain/format_printer.h", "const char kind = std", "char kind = std"),
 ]
 
 

@@ -26,8 +26,8 @@ SCALAR = re.compile(r"(?:std::)?(?:size_t|u?int(?:8|16|32|64)_t|string_view)|int
 VERB = re.compile(r"(?:return\s+)?(?:\(*\s*)?!?\s*(?:(?:io|reader|quick|all)\s*\.|self\(\)\.|this->walk\b|describe\w*\(|store\w*\("
                   r"|(?:fields|counted|countFor|readCount|appendRun|append|clear|whole|walk|rest|chain|bytes|reserved|one"
                   r"|numbers|writeElement|lengthText|elementAt|forgive|row|item|inside|list<\w+>)\()")
-NO_CONSTANTS = {"kLeast": "shortest stored form: a hint for how much memory to take",
-                "kSprints": "whether there is a quicker way that does the same",
+NO_CONSTANTS = {"kMinStoredSize": "shortest stored form: a hint for how much memory to take",
+                "kFastPath": "whether there is a quicker way that does the same",
                 "kIsRow": "part of a type", "kIsFields": "part of a type",
                 "kTableOf": "name of a table, by which the compiler chooses"}
 
@@ -185,7 +185,7 @@ class Source:
             return False
         calls = [tokens[k - 1].text for k in range(i, mention)
                  if tokens[k].text == "(" and tokens[k].match > mention]
-        return bool({"F", "readCount", "countFor", "readUngated"} & set(calls))
+        return bool({"F", "readCount", "countFor", "readUnversioned"} & set(calls))
 
     # ---- what is left alone ----
 
@@ -255,7 +255,7 @@ class Source:
             type_text = self.text[tokens[i].end:tokens[name_at].start].strip()
             if name in NO_CONSTANTS:
                 self.mark(i, end, NO_CONSTANTS[name])
-            elif self.file == "src/frame/wire.h":
+            elif self.file == "src/frame/codec/item.h":
                 self.mark(i, end, "size of a type")
             elif tokens[equals].text == ";":
                 self.edits.append((tokens[i].start, tokens[i].end, "const"))
@@ -403,7 +403,7 @@ class Source:
             self.wrap(i + 2, close - 1, f"::oldtorvio_mutation::chosen<{ids[0]}, {values}>(")
 
     def keep_names(self):
-        """The text of an F(...) is the names of its fields, and must not be that of the rewritten one."""
+        """The text of an FIELDS(...) is the names of its fields, and must not be that of the rewritten one."""
         tokens = self.tokens
         starts = [s for s, _, _ in self.edits] + [s for s, _, _, _ in self.around]
         for i, token in enumerate(tokens):
@@ -414,7 +414,7 @@ class Source:
                 continue
             names = " ".join(re.sub(r"//[^\n]*", "", self.text[first:last]).split())
             names = names.replace("\\", "\\\\").replace('"', '\\"')
-            self.edits.append((token.start, tokens[i + 1].end, f'::oldtorvio::frame::bindFields([] {{ return "{names}"; }}, '))
+            self.edits.append((token.start, tokens[i + 1].end, f'::oldtorvio::codec::bindFields([] {{ return "{names}"; }}, '))
 
     def rewrite_tables(self):
         tokens, text = self.tokens, self.text

@@ -32,7 +32,7 @@ namespace {
 
 // ctest compares these by a script, which knows no mutants.
 TEST(FormatPages, ShowTheTablesThatTheDescriptionsGive) {
-  namespace map = oldtorvio::map;
+  namespace explain = oldtorvio::explain;
   const std::string mark = "<!-- format ", end = "<!-- end -->";
   int tables = 0;
   for (const auto& page : std::filesystem::directory_iterator(OLDTORVIO_FORMAT_PAGES)) {
@@ -42,9 +42,9 @@ TEST(FormatPages, ShowTheTablesThatTheDescriptionsGive) {
       at += mark.size();
       const std::string name = text.substr(at, text.find(' ', at) - at);
       const std::size_t from = text.find('\n', at) + 1;
-      std::string told = map::recordTable(name);
-      for (const map::KindName& kind : map::fileKinds())
-        if (kind.name == name) told = map::formatTable(kind.kind);
+      std::string told = explain::recordTable(name);
+      for (const explain::KindName& kind : explain::fileKinds())
+        if (kind.name == name) told = explain::formatTable(kind.kind);
       EXPECT_EQ(text.substr(from, text.find(end, from) - from), told) << name;
     }
   }

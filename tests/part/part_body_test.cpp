@@ -80,14 +80,14 @@ TEST(PartBody, CutAtAnyByteGivesOneExceptInTheLastShapesTail) {
     }
 }
 
-std::vector<frame::MapLine> linesOf(const Bytes& bytes, int version, std::optional<frame::Fault>* fault = nullptr) {
-  std::vector<frame::MapLine> lines;
-  frame::InStream stream(bytes.span());
-  frame::Mapper mapper(stream, version, [&](const frame::MapLine& line) {
+std::vector<explain::MapLine> linesOf(const Bytes& bytes, int version, std::optional<explain::Fault>* fault = nullptr) {
+  std::vector<explain::MapLine> lines;
+  codec::InStream stream(bytes.span());
+  explain::Mapper mapper(stream, version, [&](const explain::MapLine& line) {
     if (line.size > 0) lines.push_back(line);
   });
   const auto part = std::make_unique<TorvPart>();
-  (void)mapper.whole(*part, PartForm{});
+  (void)mapper.walk(*part, PartForm{});
   if (fault != nullptr) *fault = mapper.fault();
   return lines;
 }
@@ -97,14 +97,14 @@ TEST(PartBody, MapTellsEveryByteOnceAndACutFileAsFarAsItGoes) {
     const MadePart made(version, PartForm2{false, true, 32002});
     const auto whole = linesOf(made.bytes, version);
     std::uint64_t at = 0;
-    for (const frame::MapLine& line : whole) {
+    for (const explain::MapLine& line : whole) {
       ASSERT_EQ(line.offset, at) << line.path;
       at += line.size;
     }
     EXPECT_EQ(at, made.bytes.size());
 
     for (std::size_t cut = 0; cut < made.bytes.size(); cut += 7) {
-      std::optional<frame::Fault> fault;
+      std::optional<explain::Fault> fault;
       const auto lines = linesOf(made.bytes.cut(cut), version, &fault);
       ASSERT_TRUE(fault.has_value());
       std::size_t same = 0;

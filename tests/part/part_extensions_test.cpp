@@ -267,8 +267,8 @@ struct PlacedCase {
     std::memset(r.shapes.shapes[1].text, 106, sizeof r.shapes.shapes[1].text);
     return r;
   }
-  static bool read(frame::InStream& s, int version, Record& r) { return ReadPlacedShapeList(s, version, r) == 0; }
-  static bool write(frame::OutStream& s, int version, const Record& r) { return WritePlacedShapeList(s, version, r); }
+  static bool read(codec::InStream& s, int version, Record& r) { return ReadPlacedShapeList(s, version, r) == 0; }
+  static bool write(codec::OutStream& s, int version, const Record& r) { return WritePlacedShapeList(s, version, r); }
   static void same(const Record& got, const Record& want) {
     EXPECT_EQ(std::memcmp(got.placedBlock, want.placedBlock, 8), 0);
     EXPECT_EQ(got.shapes.listKind, want.shapes.listKind);
@@ -306,8 +306,8 @@ struct NestCase {
     return r;
   }
   static Record loaded(int version) { return record(version); }
-  static bool read(frame::InStream& s, int version, Record& r) { return ReadNestShapeGroups(s, version, r); }
-  static bool write(frame::OutStream& s, int version, const Record& r) { return WriteNestShapeGroups(s, version, r); }
+  static bool read(codec::InStream& s, int version, Record& r) { return ReadNestShapeGroups(s, version, r); }
+  static bool write(codec::OutStream& s, int version, const Record& r) { return WriteNestShapeGroups(s, version, r); }
   static void same(const Record& got, const Record& want) {
     ASSERT_EQ(got.size(), want.size());
     for (std::size_t i = 0; i < got.size(); ++i) {
@@ -345,8 +345,8 @@ struct ContourCase {
     return r;
   }
   static Record loaded(int version) { return record(version); }
-  static bool read(frame::InStream& s, int version, Record& r) { return ReadContourGroups(s, version, r); }
-  static bool write(frame::OutStream& s, int version, const Record& r) { return WriteContourGroups(s, version, r); }
+  static bool read(codec::InStream& s, int version, Record& r) { return ReadContourGroups(s, version, r); }
+  static bool write(codec::OutStream& s, int version, const Record& r) { return WriteContourGroups(s, version, r); }
   static void same(const Record& got, const Record& want) {
     ASSERT_EQ(got.size(), want.size());
     for (std::size_t i = 0; i < got.size(); ++i) {
@@ -381,8 +381,8 @@ struct BindingCase {
     return r;
   }
   static Record loaded(int version) { return record(version); }
-  static bool read(frame::InStream& s, int version, Record& r) { return ReadBindingSets(s, version, r); }
-  static bool write(frame::OutStream& s, int version, const Record& r) { return WriteBindingSets(s, version, r); }
+  static bool read(codec::InStream& s, int version, Record& r) { return ReadBindingSets(s, version, r); }
+  static bool write(codec::OutStream& s, int version, const Record& r) { return WriteBindingSets(s, version, r); }
   static void same(const Record& got, const Record& want) {
     ASSERT_EQ(got.size(), want.size());
     for (std::size_t i = 0; i < got.size(); ++i) {

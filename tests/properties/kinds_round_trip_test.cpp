@@ -589,7 +589,7 @@ TEST(KindsCut, MachineFlagsThatArrivedBeforeAForgivenCutStay) {
   std::memcpy(machine->flagTriple, "\x07\x08\x09", 3);
   ASSERT_EQ(SaveMachine(path.c_str(), *machine, 180), 0);
   std::uint64_t at = 0;
-  (void)map::mapFile(path.c_str(), map::FileKind::machine, [&](const frame::MapLine& line) {
+  (void)explain::mapFile(path.c_str(), explain::FileKind::machine, [&](const explain::MapLine& line) {
     if (line.path.starts_with("flagTriple") && at == 0) at = line.offset;
   });
   ASSERT_GT(at, 0U);

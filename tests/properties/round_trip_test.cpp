@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "OldTorvIO.h"
-#include "src/frame/writer.h"
+#include "src/frame/codec/writer.h"
 #include "src/part/part_io.h"
 #include "src/part/part_layout.h"
 #include "src/tooling/special_tool_io.h"
@@ -173,8 +173,8 @@ TEST(Reload, SpecialToolOverEveryOtherVersionHoldsWhatTheLaterFileStores) {
 template <class Record, class... More>
 void expectLeastSize(const char* name, const More&... more) {
   const auto record = std::make_unique<Record>();
-  const Bytes stored = written([&](auto& s) { return frame::writeRecord(s, 52, *record, more...); });
-  EXPECT_GE(stored.size(), frame::Layout<Record>::kLeast) << name;
+  const Bytes stored = written([&](auto& s) { return codec::writeRecord(s, 52, *record, more...); });
+  EXPECT_GE(stored.size(), codec::Layout<Record>::kMinStoredSize) << name;
 }
 
 TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
@@ -192,10 +192,10 @@ TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
   expectLeastSize<BindingSet>("binding set");
   expectLeastSize<TorvPart>("part", PartForm{PartForm::sheet});
   const auto atLeast = [](const auto& record, int version, const auto&... more) {
-    using Form = frame::Layout<std::remove_cvref_t<decltype(record)>>;
-    const Bytes stored = written([&](auto& s) { return frame::writeRecord(s, version, record, more...); });
-    EXPECT_GE(stored.size(), Form::leastAt(version)) << version;
-    EXPECT_GE(Form::leastAt(version), Form::kLeast) << version;
+    using Form = codec::Layout<std::remove_cvref_t<decltype(record)>>;
+    const Bytes stored = written([&](auto& s) { return codec::writeRecord(s, version, record, more...); });
+    EXPECT_GE(stored.size(), Form::minStoredSize(version)) << version;
+    EXPECT_GE(Form::minStoredSize(version), Form::kMinStoredSize) << version;
   };
   for (int version = 52; version <= 180; ++version) {
     atLeast(TorvPart(), version, PartForm{PartForm::sheet});
@@ -204,9 +204,9 @@ TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
   }
   Shape least;
   least.valueCount = least.extraCount = 0;
-  EXPECT_EQ(written([&](auto& s) { return frame::writeRecord(s, 52, least); }).size(), frame::Layout<Shape>::kLeast);
+  EXPECT_EQ(written([&](auto& s) { return codec::writeRecord(s, 52, least); }).size(), codec::Layout<Shape>::kMinStoredSize);
   // A step table may end in front of its count.
-  EXPECT_EQ(frame::Layout<StepTable>::kLeast, 20U);
+  EXPECT_EQ(codec::Layout<StepTable>::kMinStoredSize, 20U);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "OldTorvIO.h"
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "src/part/part_io.h"
 #include "src/records/record_io.h"
 #include "src/sheet/sheet_io.h"
@@ -155,7 +155,7 @@ struct Line {
 
 std::vector<Line> linesOf(const std::string& path) {
   std::vector<Line> lines;
-  const auto report = map::mapFile(path.c_str(), map::FileKind::sheet, [&](const frame::MapLine& line) {
+  const auto report = explain::mapFile(path.c_str(), explain::FileKind::sheet, [&](const explain::MapLine& line) {
     if (line.size == 0) return;
     EXPECT_EQ(line.offset, lines.empty() ? 0 : lines.back().end) << "a gap in front of " << line.path;
     lines.push_back(

@@ -16,8 +16,8 @@
 namespace {
 
 using oldtorvio::ProcessSlot;
-using oldtorvio::frame::InStream;
-using oldtorvio::frame::OutStream;
+using oldtorvio::codec::InStream;
+using oldtorvio::codec::OutStream;
 using testing_support::Bytes;
 using testing_support::readFrom;
 using testing_support::written;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "OldTorvIO.h"
-#include "src/frame/platform.h"
+#include "src/frame/host/platform.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/files.h"
 #include "tests/support/io_faults.h"
@@ -66,7 +66,7 @@ class FullFile {
 
  private:
   frame::File file_ = frame::File::openToWrite("/dev/full");
-  frame::OutStream stream_{file_.handle()};
+  codec::OutStream stream_{file_.handle()};
 };
 
 void expectResults(int version, std::size_t step) {

@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 namespace testing_support {
 
@@ -113,7 +113,7 @@ void setFromBytes(T& field, std::span<const std::byte> bytes) {
 // how many bytes it consumed.
 template <class Fn>
 auto readFrom(const Bytes& bytes, Fn&& fn, std::size_t* consumed = nullptr) {
-  oldtorvio::frame::InStream stream(bytes.span());
+  oldtorvio::codec::InStream stream(bytes.span());
   auto result = fn(stream);
   if (consumed != nullptr) *consumed = static_cast<std::size_t>(stream.position());
   return result;
@@ -123,7 +123,7 @@ auto readFrom(const Bytes& bytes, Fn&& fn, std::size_t* consumed = nullptr) {
 // its result.
 template <class Fn>
 Bytes written(Fn&& fn, bool* ok = nullptr) {
-  oldtorvio::frame::OutStream stream;
+  oldtorvio::codec::OutStream stream;
   const bool result = fn(stream);
   if (ok != nullptr) *ok = result;
   return Bytes::of(stream.bytes());

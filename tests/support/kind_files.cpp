@@ -140,13 +140,13 @@ Bytes sheetFile(int version) {
 
 const std::vector<Kind>& kinds() {
   static const std::vector<Kind> all{
-      {map::FileKind::part,
+      {explain::FileKind::part,
        "part",
        {52, 62, 80, 110, 151, 161, 180},
        [](int v) { return partFile(v, 32001); },
        loadAnew<TorvPart, LoadOldPart>,
        sizeof(TorvPart)},
-      {map::FileKind::groupPart,
+      {explain::FileKind::groupPart,
        "group",
        {152, 161, 180},
        groupFile,
@@ -155,7 +155,7 @@ const std::vector<Kind>& kinds() {
          return LoadGroupPart(path, &list);
        },
        sizeof(TorvPart)},
-      {map::FileKind::specialTool,
+      {explain::FileKind::specialTool,
        "special tool",
        {52, 110, 160, 180},
        [](int v) {
@@ -166,31 +166,31 @@ const std::vector<Kind>& kinds() {
          return LoadOldSpecialTool(path, &tool);
        },
        sizeof(OldSpecialTool)},
-      {map::FileKind::machine,
+      {explain::FileKind::machine,
        "machine",
        {52, 61, 80, 110, 152, 161, 180},
        machineFile,
        loadAnew<OldMachine, LoadOldMachine>,
        sizeof(OldMachine)},
-      {map::FileKind::material,
+      {explain::FileKind::material,
        "material",
        {52, 61, 90, 130, 152, 161, 180},
        materialFile,
        loadAnew<OldMaterial, LoadOldMaterial>,
        sizeof(OldMaterial)},
-      {map::FileKind::toolInventory,
+      {explain::FileKind::toolInventory,
        "tool inventory",
        {54, 60, 110, 150, 180},
        inventoryFile,
        loadAnew<OldToolInventory, LoadOldToolInventory>,
        sizeof(OldToolInventory)},
-      {map::FileKind::macro,
+      {explain::FileKind::macro,
        "macro",
        {52, 60, 80, 160, 180},
        macroFile,
        loadAnew<OldMacro, LoadOldMacro>,
        sizeof(OldMacro)},
-      {map::FileKind::sheet, "sheet", {152, 161, 180}, sheetFile, loadAnew<OldSheet, LoadOldSheet>, sizeof(OldSheet)},
+      {explain::FileKind::sheet, "sheet", {152, 161, 180}, sheetFile, loadAnew<OldSheet, LoadOldSheet>, sizeof(OldSheet)},
   };
   return all;
 }

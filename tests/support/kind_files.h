@@ -11,7 +11,7 @@
 
 namespace testing_support {
 
-namespace map = oldtorvio::map;
+namespace explain = oldtorvio::explain;
 
 Bytes partFile(int version, std::int32_t groupKind = 0);
 Bytes groupFile(int version);
@@ -27,7 +27,7 @@ void fullMachine(RandomRecords& random, oldtorvio::OldMachine* m, int version);
 void fullSheet(oldtorvio::OldSheet& s, int version);
 
 struct Kind {
-  map::FileKind kind;
+  explain::FileKind kind;
   std::string name;
   std::vector<int> versions;
   Bytes (*file)(int version);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "src/frame/writer.h"
+#include "src/frame/codec/writer.h"
 #include "src/sheet/sheet_io.h"
 #include "src/sheet/sheet_layout.h"
 
@@ -12,8 +12,8 @@ namespace testing_support {
 // A save begins with the second block and ends the process when no block from there on can be stored.
 inline bool blocksCanBeStored(const std::vector<oldtorvio::ShapeWorkBlock>& blocks, int version) {
   const auto canBeStored = [version](const oldtorvio::ShapeWorkBlock& block) {
-    oldtorvio::frame::OutStream out;
-    return oldtorvio::frame::writeRecord(out, version, block);
+    oldtorvio::codec::OutStream out;
+    return oldtorvio::codec::writeRecord(out, version, block);
   };
   return blocks.empty() || std::any_of(blocks.begin() + 1, blocks.end(), canBeStored);
 }

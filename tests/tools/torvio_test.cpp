@@ -143,16 +143,16 @@ TEST_F(Torvio, FileOfNoKindIsReportedAsOne) {
 TEST_F(Torvio, FormatPrintsTheTableOfAKindOrOfARecord) {
   const Outcome kind = torvio("format macro");
   EXPECT_EQ(kind.code, 0);
-  EXPECT_EQ(kind.output, oldtorvio::map::formatTable(oldtorvio::map::FileKind::macro));
+  EXPECT_EQ(kind.output, oldtorvio::explain::formatTable(oldtorvio::explain::FileKind::macro));
   const Outcome record = torvio("format clamp-info");
   EXPECT_EQ(record.code, 0);
-  EXPECT_EQ(record.output, oldtorvio::map::recordTable("clamp-info"));
+  EXPECT_EQ(record.output, oldtorvio::explain::recordTable("clamp-info"));
   EXPECT_NE(record.output, "");
 }
 
 std::vector<std::string> namesOfKinds() {
   std::vector<std::string> names;
-  for (const auto& kind : oldtorvio::map::fileKinds()) names.emplace_back(kind.name);
+  for (const auto& kind : oldtorvio::explain::fileKinds()) names.emplace_back(kind.name);
   return names;
 }
 
@@ -189,7 +189,7 @@ TEST_F(Torvio, HelpNamesTheKindsAndTheRecords) {
   for (const char* command : {"map", "check", "format"})
     expectNames(torvio(std::string(command) + " --help").output, namesOfKinds());
   std::vector<std::string> records;
-  for (const std::string_view name : oldtorvio::map::recordNames()) records.emplace_back(name);
+  for (const std::string_view name : oldtorvio::explain::recordNames()) records.emplace_back(name);
   expectNames(torvio("format --help").output, records);
 }
 
@@ -205,7 +205,7 @@ TEST_F(Torvio, WrongNameIsReportedWithTheRightOnes) {
   }
   for (const Outcome& run : {map, check, format}) expectNames(run.errors, namesOfKinds());
   std::vector<std::string> records;
-  for (const std::string_view name : oldtorvio::map::recordNames()) records.emplace_back(name);
+  for (const std::string_view name : oldtorvio::explain::recordNames()) records.emplace_back(name);
   expectNames(format.errors, records);
   expectNames(command.errors, {"map", "check", "format"});
 }

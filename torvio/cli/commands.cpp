@@ -23,27 +23,27 @@ std::string hex(std::uint64_t offset) {
   return digits;
 }
 
-std::string describe(const frame::Fault& fault) {
+std::string describe(const explain::Fault& fault) {
   return "at " + hex(fault.offset) + " in " + fault.path + ": " + fault.reason;
 }
 
 // A file that no kind accepts is walked as a part file, up to its version word; the report must not
 // speak of parts then.
-constexpr map::FileKind kInsteadOfUnknown = map::FileKind::part;
-void nameVersionOfUnknown(map::FileReport& report) {
+constexpr explain::FileKind kInsteadOfUnknown = explain::FileKind::part;
+void nameVersionOfUnknown(explain::FileReport& report) {
   if (report.version) report.fault->reason = std::to_string(*report.version) + " is not a version of any kind of file";
 }
 
 struct Checked {
   std::string kind;
-  map::FileReport report;
+  explain::FileReport report;
 };
 
-Checked checked(const std::string& path, std::span<const std::byte> bytes, std::optional<map::FileKind> forced) {
-  if (forced) return {std::string(map::nameOf(*forced)), map::checkFile(bytes, *forced)};
-  if (auto detected = map::detect(path, bytes))
-    return {std::string(map::nameOf(detected->kind)), std::move(detected->report)};
-  Checked unknown{"unknown kind", map::checkFile(bytes, kInsteadOfUnknown)};
+Checked checked(const std::string& path, std::span<const std::byte> bytes, std::optional<explain::FileKind> forced) {
+  if (forced) return {std::string(explain::nameOf(*forced)), explain::checkFile(bytes, *forced)};
+  if (auto detected = explain::detect(path, bytes))
+    return {std::string(explain::nameOf(detected->kind)), std::move(detected->report)};
+  Checked unknown{"unknown kind", explain::checkFile(bytes, kInsteadOfUnknown)};
   nameVersionOfUnknown(unknown.report);
   return unknown;
 }
@@ -51,7 +51,7 @@ Checked checked(const std::string& path, std::span<const std::byte> bytes, std::
 // For each line of a map; the text is reused, as there may be millions.
 class LinePrinter {
  public:
-  void operator()(const frame::MapLine& line) {
+  void operator()(const explain::MapLine& line) {
     char start[64];
     const auto offset = static_cast<unsigned long long>(line.offset), size = static_cast<unsigned long long>(line.size);
     if (line.size == 0)
@@ -72,8 +72,8 @@ struct Verdict {
   ExitCode code;
 };
 
-Verdict check(const std::string& path, std::optional<map::FileKind> forced) try {
-  const map::FileContent file(path);
+Verdict check(const std::string& path, std::optional<explain::FileKind> forced) try {
+  const explain::FileContent file(path);
   if (!file.error().empty()) return {file.error(), kNotReadOrWritten};
   const auto& [kind, report] = checked(path, file.bytes(), forced);
   std::string text = kind + ", version " + (report.version ? std::to_string(*report.version) : "-");
@@ -92,15 +92,15 @@ Verdict check(const std::string& path, std::optional<map::FileKind> forced) try 
 
 }  // namespace
 
-ExitCode mapCommand(const std::string& path, std::optional<map::FileKind> forced) try {
-  const map::FileContent file(path);
+ExitCode mapCommand(const std::string& path, std::optional<explain::FileKind> forced) try {
+  const explain::FileContent file(path);
   if (!file.error().empty()) {
     printError(onOneLine(path) + ": " + file.error());
     return kNotReadOrWritten;
   }
-  const auto detected = forced ? std::nullopt : map::detect(path, file.bytes());
+  const auto detected = forced ? std::nullopt : explain::detect(path, file.bytes());
   const auto kind = detected ? std::optional(detected->kind) : forced;
-  map::FileReport report = map::mapFile(file.bytes(), kind.value_or(kInsteadOfUnknown), LinePrinter());
+  explain::FileReport report = explain::mapFile(file.bytes(), kind.value_or(kInsteadOfUnknown), LinePrinter());
   if (!report.fault) return kSound;
   if (!kind) nameVersionOfUnknown(report);
   print("FAULT " + describe(*report.fault) + "\n");
@@ -110,7 +110,7 @@ ExitCode mapCommand(const std::string& path, std::optional<map::FileKind> forced
   return kNotReadOrWritten;
 }
 
-ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<map::FileKind> forced) {
+ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<explain::FileKind> forced) {
   ExitCode worst = kSound;
   for (const std::string& path : paths) {
     const Verdict verdict = check(path, forced);
@@ -122,24 +122,24 @@ ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<map::
 
 ExitCode formatCommand(const std::string& name) {
   const auto kind = kindNamed(name);
-  print(kind ? map::formatTable(*kind) : map::recordTable(name));
+  print(kind ? explain::formatTable(*kind) : explain::recordTable(name));
   return kSound;
 }
 
 std::vector<std::string> kindNames() {
   std::vector<std::string> names;
-  for (const map::KindName& kind : map::fileKinds()) names.emplace_back(kind.name);
+  for (const explain::KindName& kind : explain::fileKinds()) names.emplace_back(kind.name);
   return names;
 }
 
 std::vector<std::string> recordNames() {
   std::vector<std::string> names;
-  for (const std::string_view record : map::recordNames()) names.emplace_back(record);
+  for (const std::string_view record : explain::recordNames()) names.emplace_back(record);
   return names;
 }
 
-std::optional<map::FileKind> kindNamed(const std::string& name) {
-  for (const map::KindName& kind : map::fileKinds())
+std::optional<explain::FileKind> kindNamed(const std::string& name) {
+  for (const explain::KindName& kind : explain::fileKinds())
     if (kind.name == name) return kind.kind;
   return std::nullopt;
 }

@@ -19,11 +19,11 @@ enum ExitCode : int {
 
 // Prints offset, size, field path and value of every field; for a damaged file up to the fault, and
 // then what failed there. A file that could not be read is an error on standard error.
-ExitCode mapCommand(const std::string& path, std::optional<oldtorvio::map::FileKind> forced);
+ExitCode mapCommand(const std::string& path, std::optional<oldtorvio::explain::FileKind> forced);
 
 // Prints one line a file, with its path and then kind, version, status, bytes walked of bytes there and
 // fault, or why it could not be read.
-ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<oldtorvio::map::FileKind> forced);
+ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<oldtorvio::explain::FileKind> forced);
 
 // Prints the stored form of a kind of file, or of a record that files embed, as a Markdown table.
 ExitCode formatCommand(const std::string& name);
@@ -31,6 +31,6 @@ ExitCode formatCommand(const std::string& name);
 // The names of kinds and records, in the order of the documentation.
 std::vector<std::string> kindNames();
 std::vector<std::string> recordNames();
-std::optional<oldtorvio::map::FileKind> kindNamed(const std::string& name);
+std::optional<oldtorvio::explain::FileKind> kindNamed(const std::string& name);
 
 }  // namespace torvio

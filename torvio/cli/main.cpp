@@ -61,7 +61,7 @@ constexpr const char* kExitCodes =
 
 std::string fileHelp() {
   return list("Kinds", kindNames()) + "\n\nA FILE may be a pipe. One of more than " +
-         std::to_string(oldtorvio::map::FileContent::kLargestMiB) +
+         std::to_string(oldtorvio::explain::FileContent::kLargestMiB) +
          " MiB is not read.\nArguments after \"--\" are files, even if they begin with \"-\".\n\n" + kExitCodes;
 }
 

@@ -3,10 +3,10 @@
 #include <tuple>
 #include <utility>
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 #include "torvio/explain/file_content.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 namespace {
 
 // Higher is likelier. A kind that refuses the version is no candidate at all.
@@ -54,4 +54,4 @@ std::optional<FileKind> detectKind(const std::string& path) {
   return detected ? std::optional(detected->kind) : std::nullopt;
 }
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

@@ -8,7 +8,7 @@
 
 #include "torvio/explain/file_map.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 
 struct Detected {
   FileKind kind;
@@ -25,4 +25,4 @@ std::optional<Detected> detect(std::string_view path, std::span<const std::byte>
 // its extension, or none.
 std::optional<FileKind> detectKind(const std::string& path);
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

@@ -7,9 +7,9 @@
 #include <cstring>
 #include <system_error>
 
-#include "src/frame/platform.h"
+#include "src/frame/host/platform.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 namespace {
 
 // Some systems open folders and some do not; all can be asked.
@@ -61,4 +61,4 @@ void FileContent::fail(const std::string& error) {
   size_ = 0;
 }
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 
 class FileContent {
  public:
@@ -33,4 +33,4 @@ class FileContent {
   std::string error_;
 };
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

@@ -15,9 +15,10 @@
 #include "src/tooling/macro_layout.h"
 #include "src/tooling/special_tool_layout.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 namespace {
 
+using namespace codec;
 using namespace frame;
 
 // Each kind of file once: its name, what its load does with a version, and its walk.
@@ -64,24 +65,24 @@ std::int64_t statusOf(bool walked) { return walked ? kDone : kDamaged; }
 template <class Io>
 std::int64_t walkPart(Io& io) {
   const auto part = std::make_unique<TorvPart>();
-  return statusOf(io.version() >= kFirstMainVersion ? io.whole(*part, PartForm{}) : walkOldestPart(io, *part));
+  return statusOf(io.version() >= kFirstMainVersion ? io.walk(*part, PartForm{}) : walkOldestPart(io, *part));
 }
 
 template <class Io>
 std::int64_t walkMaterial(Io& io) {
   const auto record = std::make_unique<OldMaterial>();
   OldMaterial& material = *record;
-  if (!io.record(F(material.params))) {
+  if (!io.record(FIELDS(material.params))) {
     const bool hasNoLayout = io.stop() == Stop::refused && paramFormToRead(material.params.version) == ParamForm::none;
     return hasNoLayout ? kWrongVersion : kDamaged;
   }
-  return statusOf(isParamTableVersion(io.version()) || io.whole(material));
+  return statusOf(isParamTableVersion(io.version()) || io.walk(material));
 }
 
 template <class Record, class Io, class... A>
 std::int64_t walkRecord(Io& io, const A&... more) {
   const auto record = std::make_unique<Record>();
-  return statusOf(io.whole(*record, more...));
+  return statusOf(io.walk(*record, more...));
 }
 
 // The file behind its version word, or from its beginning if it is a whole table.
@@ -93,7 +94,7 @@ std::int64_t walkBody(FileKind kind, Io& io) {
     case FileKind::groupPart: {
       std::vector<TorvPart> parts;
       GroupPartFile<std::vector<TorvPart>> file{parts};
-      return statusOf(io.whole(file));
+      return statusOf(io.walk(file));
     }
     case FileKind::specialTool:
       return walkRecord<OldSpecialTool>(io);
@@ -113,7 +114,7 @@ std::int64_t walkBody(FileKind kind, Io& io) {
 std::optional<int> versionOf(std::span<const std::byte> bytes) {
   InStream stream(bytes);
   std::int16_t version = 0;
-  return readUngated(stream, version) ? std::optional<int>(version) : std::nullopt;
+  return readUnversioned(stream, version) ? std::optional<int>(version) : std::nullopt;
 }
 
 // The report for a file that could not be read.
@@ -149,9 +150,9 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
     sink(line);
   };
   if (!report.version || !isWholeTable(kind, *report.version)) {
-    Mapper head(stream, kWithoutGates, counting);
+    Mapper head(stream, kUnversioned, counting);
     std::int16_t version = 0;
-    if (!head.fields(F(version))) {
+    if (!head.fields(FIELDS(version))) {
       report.status = kDamaged;
       report.fault = head.fault();
       return report;
@@ -196,4 +197,4 @@ FileReport checkFile(const std::string& path, FileKind kind) {
   return file.error().empty() ? checkFile(file.bytes(), kind) : notRead(file.error());
 }
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

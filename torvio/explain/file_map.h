@@ -9,7 +9,7 @@
 
 #include "torvio/explain/map.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 
 enum class FileKind : std::uint8_t { part, groupPart, specialTool, machine, material, toolInventory, macro, sheet };
 
@@ -26,8 +26,8 @@ struct FileReport {
   std::optional<int> version;  // none when the file has no two bytes
   std::uint64_t walked = 0;    // bytes up to the end of the last field
   std::uint64_t size = 0;      // bytes of the file
-  std::optional<frame::Fault> fault;
-  std::optional<frame::Fault> tolerated;  // the first place where the file breaks and the load goes on
+  std::optional<explain::Fault> fault;
+  std::optional<explain::Fault> tolerated;  // the first place where the file breaks and the load goes on
 
   bool endsExactly() const { return status == 0 && walked == size; }
   // What is to be said of a sound file that goes on: "37 unread bytes after the last field".
@@ -35,12 +35,12 @@ struct FileReport {
 };
 
 // Walks the bytes of a file as one of that kind and reports every field to the sink, the version word first.
-FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const frame::MapSink& sink);
+FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const explain::MapSink& sink);
 // The same report without the fields, much faster for a sound file.
 FileReport checkFile(std::span<const std::byte> bytes, FileKind kind);
 
 // The same for the file at that path, which is opened once.
-FileReport mapFile(const std::string& path, FileKind kind, const frame::MapSink& sink);
+FileReport mapFile(const std::string& path, FileKind kind, const explain::MapSink& sink);
 FileReport checkFile(const std::string& path, FileKind kind);
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

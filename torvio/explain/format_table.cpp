@@ -12,9 +12,9 @@
 #include "src/tooling/inventory_layout.h"
 #include "src/tooling/macro_layout.h"
 #include "src/tooling/special_tool_layout.h"
-#include "torvio/explain/format_teller.h"
+#include "torvio/explain/format_printer.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 
 // Records that several kinds of file embed, and those that stand in one kind more than once.
 template <>
@@ -81,85 +81,85 @@ inline constexpr std::string_view kTableOf<MachineUnitTable> = "unit table";
 namespace {
 
 template <class Record, class... A>
-void walkFresh(FormatTeller& teller, const A&... more) {
+void walkFresh(FormatPrinter& teller, const A&... more) {
   const auto record = std::make_unique<Record>();
-  (void)teller.whole(*record, more...);
+  (void)teller.walk(*record, more...);
 }
 
 template <class OldPart>
-void walkOldPart(FormatTeller& teller) {
+void walkOldPart(FormatPrinter& teller) {
   const auto part = std::make_unique<TorvPart>();
   // A list for an index that a file gives; its last place tells itself by its name.
   constexpr std::size_t kShapes = 3001;
   part->shapes.shapes.resize(kShapes);
   teller.call(kShapes - 1, "the last of shapes");
   OldPart old{*part};
-  (void)teller.whole(old);
+  (void)teller.walk(old);
 }
 
-void walkMachine(FormatTeller& teller) {
+void walkMachine(FormatPrinter& teller) {
   const auto machine = std::make_unique<OldMachine>();
   machine->textWidth = teller.numberCalled("textWidth");
   machine->secondTextWidth = machine->textWidth;
   ShapeList shapes;
-  (void)teller.whole(*machine, MachineForm<ShapeList>{&shapes});
+  (void)teller.walk(*machine, MachineForm<ShapeList>{&shapes});
 }
 
-void walkMaterial(FormatTeller& teller) {
+void walkMaterial(FormatPrinter& teller) {
   const auto record = std::make_unique<OldMaterial>();
   OldMaterial& material = *record;
-  (void)teller.record(F(material.params));
-  (void)teller.whole(material);
+  (void)teller.record(FIELDS(material.params));
+  (void)teller.walk(material);
 }
 
-void walkSheet(FormatTeller& teller) {
+void walkSheet(FormatPrinter& teller) {
   const auto sheet = std::make_unique<OldSheet>();
   sheet->textWidth = teller.numberCalled("textWidth");
   sheet->clampInfo.clampCount = teller.numberCalled("clampCount");
-  (void)teller.whole(*sheet);
+  (void)teller.walk(*sheet);
 }
 
 struct RecordTable {
   std::string_view name;
-  void (*walk)(FormatTeller&);
-  FormatTeller::Place place = FormatTeller::Place::open;
+  void (*walk)(FormatPrinter&);
+  FormatPrinter::Place place = FormatPrinter::Place::open;
 };
 
 constexpr std::array kRecords{
-    RecordTable{"part-2-3", walkOldPart<frame::Version3Part>},
-    RecordTable{"part-5", walkOldPart<frame::Version5Part>},
+    RecordTable{"part-2-3", walkOldPart<codec::Version3Part>},
+    RecordTable{"part-5", walkOldPart<codec::Version5Part>},
     RecordTable{"placed-part",
-                [](FormatTeller& t) {
+                [](FormatPrinter& t) {
                   walkFresh<TorvPart>(t, PartForm{PartForm::sheet, t.numberCalled("nameWidth")});
                 },
-                FormatTeller::Place::given},
-    RecordTable{"pattern", [](FormatTeller& t) { walkFresh<Pattern>(t, false); }},
-    RecordTable{"parameter-table", [](FormatTeller& t) { walkFresh<ParamTable>(t); }},
-    RecordTable{"material-body", [](FormatTeller& t) { walkFresh<OldMaterial>(t); }},
-    RecordTable{"setting-entry", [](FormatTeller& t) { walkFresh<SettingEntry>(t); }},
-    RecordTable{"setting-group", [](FormatTeller& t) { walkFresh<SettingGroup>(t); }},
-    RecordTable{"tool-set", [](FormatTeller& t) { walkFresh<MaterialToolSet>(t); }},
-    RecordTable{"angle-rule", [](FormatTeller& t) { walkFresh<AngleRule>(t, false); }},
-    RecordTable{"size-rule-a", [](FormatTeller& t) { walkFresh<SizeRule>(t, SizeRuleForm::a); },
-                FormatTeller::Place::given},
-    RecordTable{"size-rule-b", [](FormatTeller& t) { walkFresh<SizeRule>(t, SizeRuleForm::b); },
-                FormatTeller::Place::given},
-    RecordTable{"shape-program", [](FormatTeller& t) { walkFresh<ShapeProgram>(t); }},
-    RecordTable{"extended-shape-program", [](FormatTeller& t) { walkFresh<ShapeProgramEx>(t); }},
-    RecordTable{"clamp-info", [](FormatTeller& t) { walkFresh<ClampInfo>(t); }},
-    RecordTable{"machine-grid", [](FormatTeller& t) { walkFresh<MachineGrid>(t); }},
-    RecordTable{"machine-extension", [](FormatTeller& t) { walkFresh<MachineExtension>(t); }},
-    RecordTable{"unit-table", [](FormatTeller& t) { walkFresh<MachineUnitTable>(t); }},
+                FormatPrinter::Place::given},
+    RecordTable{"pattern", [](FormatPrinter& t) { walkFresh<Pattern>(t, false); }},
+    RecordTable{"parameter-table", [](FormatPrinter& t) { walkFresh<ParamTable>(t); }},
+    RecordTable{"material-body", [](FormatPrinter& t) { walkFresh<OldMaterial>(t); }},
+    RecordTable{"setting-entry", [](FormatPrinter& t) { walkFresh<SettingEntry>(t); }},
+    RecordTable{"setting-group", [](FormatPrinter& t) { walkFresh<SettingGroup>(t); }},
+    RecordTable{"tool-set", [](FormatPrinter& t) { walkFresh<MaterialToolSet>(t); }},
+    RecordTable{"angle-rule", [](FormatPrinter& t) { walkFresh<AngleRule>(t, false); }},
+    RecordTable{"size-rule-a", [](FormatPrinter& t) { walkFresh<SizeRule>(t, SizeRuleForm::a); },
+                FormatPrinter::Place::given},
+    RecordTable{"size-rule-b", [](FormatPrinter& t) { walkFresh<SizeRule>(t, SizeRuleForm::b); },
+                FormatPrinter::Place::given},
+    RecordTable{"shape-program", [](FormatPrinter& t) { walkFresh<ShapeProgram>(t); }},
+    RecordTable{"extended-shape-program", [](FormatPrinter& t) { walkFresh<ShapeProgramEx>(t); }},
+    RecordTable{"clamp-info", [](FormatPrinter& t) { walkFresh<ClampInfo>(t); }},
+    RecordTable{"machine-grid", [](FormatPrinter& t) { walkFresh<MachineGrid>(t); }},
+    RecordTable{"machine-extension", [](FormatPrinter& t) { walkFresh<MachineExtension>(t); }},
+    RecordTable{"unit-table", [](FormatPrinter& t) { walkFresh<MachineUnitTable>(t); }},
 };
 
-void walkBody(FileKind kind, FormatTeller& teller) {
+void walkBody(FileKind kind, FormatPrinter& teller) {
   switch (kind) {
     case FileKind::part:
       return walkFresh<TorvPart>(teller, PartForm{});
     case FileKind::groupPart: {
       std::vector<TorvPart> parts;
-      frame::GroupPartFile<std::vector<TorvPart>> file{parts};
-      (void)teller.whole(file);
+      codec::GroupPartFile<std::vector<TorvPart>> file{parts};
+      (void)teller.walk(file);
       return;
     }
     case FileKind::specialTool:
@@ -180,18 +180,18 @@ void walkBody(FileKind kind, FormatTeller& teller) {
 }  // namespace
 
 std::string formatTable(FileKind kind) {
-  const auto walk = [kind](FormatTeller& teller) {
+  const auto walk = [kind](FormatPrinter& teller) {
     std::int16_t version = 0;
-    (void)teller.fields(F(version));
+    (void)teller.fields(FIELDS(version));
     walkBody(kind, teller);
   };
   // A part body says much by its place, and that of a part file is known.
-  return FormatTeller::table(walk, kind == FileKind::part ? FormatTeller::Place::given : FormatTeller::Place::open);
+  return FormatPrinter::table(walk, kind == FileKind::part ? FormatPrinter::Place::given : FormatPrinter::Place::open);
 }
 
 std::string recordTable(std::string_view name) {
   const auto found = std::find_if(kRecords.begin(), kRecords.end(), [&](const auto& one) { return one.name == name; });
-  return found == kRecords.end() ? std::string() : FormatTeller::table(found->walk, found->place);
+  return found == kRecords.end() ? std::string() : FormatPrinter::table(found->walk, found->place);
 }
 
 std::vector<std::string_view> recordNames() {
@@ -201,4 +201,4 @@ std::vector<std::string_view> recordNames() {
   return names;
 }
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

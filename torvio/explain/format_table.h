@@ -6,7 +6,7 @@
 
 #include "torvio/explain/file_map.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 
 // A file of that kind from its first byte. Of part files the layout from version 52 on.
 std::string formatTable(FileKind kind);
@@ -16,4 +16,4 @@ std::string formatTable(FileKind kind);
 std::string recordTable(std::string_view name);
 std::vector<std::string_view> recordNames();
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <iterator>
 
-namespace oldtorvio::frame {
+namespace oldtorvio::explain {
 namespace {
 
 // "block(r.x, r.y)" and "as<T>(r.kind)" name what stands in their parentheses; "r.x" names "x".
@@ -178,4 +178,4 @@ std::string Mapper::pathOf(const std::string& name) const {
   return path;
 }
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::explain

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "src/frame/reading.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/reading.h"
+#include "src/frame/codec/stream.h"
 
-namespace oldtorvio::frame {
+namespace oldtorvio::explain {
 
 struct MapLine {
   std::uint64_t offset = 0;
@@ -29,7 +29,7 @@ struct Fault {
   std::string reason;
 };
 
-// The names in the text of an F(...): "r.list.count, as<std::int16_t>(r.kind)" has "list.count" and
+// The names in the text of an FIELDS(...): "r.list.count, as<std::int16_t>(r.kind)" has "list.count" and
 // "kind".
 std::vector<std::string> fieldNames(std::string_view stringised);
 
@@ -39,16 +39,16 @@ void printValue(std::string& to, double value);
 void printText(std::string& to, const char* field, std::size_t width);
 void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width);
 
-class Mapper : public Reading<Mapper> {
+class Mapper : public codec::Reading<Mapper> {
  public:
-  Mapper(InStream& in, int version, MapSink sink) : Reading(version), in_(in), sink_(std::move(sink)) {}
+  Mapper(codec::InStream& in, int version, MapSink sink) : Reading(version), in_(in), sink_(std::move(sink)) {}
 
   const std::optional<Fault>& fault() const { return fault_; }
   // The first that the format tolerates.
   const std::optional<Fault>& tolerated() const { return tolerated_; }
 
   template <class Names, class... T>
-  [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
+  [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
     const std::vector<std::string> names = fieldNames(f.names());
     std::size_t i = 0;
     return std::apply([&](auto&... m) { return (item(names[i++], m) && ...); }, f.members);
@@ -105,7 +105,7 @@ class Mapper : public Reading<Mapper> {
  private:
   template <class M>
   bool item(const std::string& name, M& member) {
-    using Item = wire::ItemOf<M>;
+    using Item = codec::wire::ItemOf<M>;
     if constexpr (Item::kIsRow) {
       return numberRow(name, member, std::extent_v<M>);
     } else {
@@ -125,7 +125,7 @@ class Mapper : public Reading<Mapper> {
     return true;
   }
 
-  template <Number T>
+  template <codec::Number T>
   static void print(std::string& to, T value) {
     if constexpr (std::is_floating_point_v<T>)
       printValue(to, value);
@@ -141,11 +141,11 @@ class Mapper : public Reading<Mapper> {
     printBytes(to, bytes, N);
   }
   template <class Stored, class T>
-  static void print(std::string& to, const As<Stored, T>& as) {
+  static void print(std::string& to, const codec::As<Stored, T>& as) {
     print(to, as.member);
   }
   template <class... T>
-  static void print(std::string& to, const Block<T...>& block) {
+  static void print(std::string& to, const codec::Block<T...>& block) {
     std::apply([&](auto&... m) { ((print(to, m), to += ' '), ...); }, block.members);
     to.pop_back();
   }
@@ -157,7 +157,7 @@ class Mapper : public Reading<Mapper> {
   void enterPath(const std::string& name, std::int64_t index);
   std::string pathOf(const std::string& name) const;
 
-  InStream& in_;
+  codec::InStream& in_;
   MapSink sink_;
   std::string path_;  // ends with "." unless empty
   struct Outer {
@@ -171,4 +171,4 @@ class Mapper : public Reading<Mapper> {
   std::optional<Fault> tolerated_;
 };
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::explain

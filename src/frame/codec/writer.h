@@ -5,11 +5,11 @@
 #include <limits>
 #include <string>
 
-#include "src/frame/describe.h"
+#include "src/frame/codec/describe.h"
 #include "src/frame/end_process.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 // Room that is there already. Its place is a local of the walker, which stays in a register, where a
 // place in the stream would go through memory after every run of fields.
@@ -31,9 +31,9 @@ class LocalRoom {
 };
 
 template <class Room>  // OutStream&, or LocalRoom for one small element
-class WriterInto : public Faultless<WriterInto<Room>> {
+class WriterInto : public RecordWalker<WriterInto<Room>> {
  public:
-  explicit WriterInto(Room out, int version = kWithoutGates) : Faultless<WriterInto>(version), out_(out) {}
+  explicit WriterInto(Room out, int version = kUnversioned) : RecordWalker<WriterInto>(version), out_(out) {}
 
   const std::remove_reference_t<Room>& out() const { return out_; }
 
@@ -69,7 +69,7 @@ class WriterInto : public Faultless<WriterInto<Room>> {
   [[nodiscard]] bool lengthText(const X& x) {
     const std::string& text = x.only();
     std::int32_t length = 0;
-    if (!countFor(text, length) || !fields(F(length))) return false;
+    if (!countFor(text, length) || !fields(FIELDS(length))) return false;
     for (std::size_t i = 0; i < text.size();) {
       const std::size_t step = std::min<std::size_t>(text.size() - i, InStream::kLargestRun);
       if (!bytes(text.data() + i, step)) return false;
@@ -127,8 +127,8 @@ class WriterInto : public Faultless<WriterInto<Room>> {
     return written();
   }
   template <class X>
-  [[nodiscard]] bool ignored(const X& x) {
-    (void)this->walk(x);
+  [[nodiscard]] bool continueOnFailure(const X& x) {
+    (void)this->nested(x);
     return true;
   }
   template <class Read>
@@ -140,13 +140,13 @@ class WriterInto : public Faultless<WriterInto<Room>> {
     return forWriters;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool rewrite(R& record, const Fn& fn) {
+  [[nodiscard]] bool beforeWrite(R& record, const Fn& fn) {
     fn(record);
     return true;
   }
 
   template <class R, class... A>
-  [[nodiscard]] bool whole(R& record, const A&... more) {
+  [[nodiscard]] bool walk(R& record, const A&... more) {
     return Layout<std::remove_const_t<R>>::describe(*this, record, more...);
   }
 
@@ -170,7 +170,7 @@ class WriterInto : public Faultless<WriterInto<Room>> {
   template <class X, class... A>
   [[nodiscard]] bool append(const X& x, const A&... more) {
     std::int32_t count = 0;
-    return countFor(x.only(), count) && fields(F(count)) && appendRun(count, x, more...);
+    return countFor(x.only(), count) && fields(FIELDS(count)) && appendRun(count, x, more...);
   }
   template <class X, class... A>
   [[nodiscard]] bool appendRun(std::int64_t, const X& x, const A&... more) {
@@ -187,30 +187,30 @@ class WriterInto : public Faultless<WriterInto<Room>> {
     return appendRun(0, x, more...);
   }
   template <class X, class... A>
-  [[nodiscard]] bool reversed(const X& x, const A&... more) {
+  [[nodiscard]] bool invertedSuccessList(const X& x, const A&... more) {
     const auto& list = x.only();
     std::int32_t count = 0;
-    if (!countFor(list, count) || !fields(F(count)) || list.empty()) return list.empty();
+    if (!countFor(list, count) || !fields(FIELDS(count)) || list.empty()) return list.empty();
     // It counts from one where the list counts from zero: the last turn has no element.
     for (std::size_t i = 1;; ++i) {
       if (i == list.size()) EndProcess();
-      if (whole(list[i], more...) || out_.failed()) return false;
+      if (walk(list[i], more...) || out_.failed()) return false;
     }
   }
   template <class X, class... A>
   [[nodiscard]] bool interleaved(const X& x, const A&... more) {
     const auto& [first, second] = x.members;
     std::int32_t count = 0;
-    if (first.size() != second.size() || !countFor(first, count) || !fields(F(count))) return false;
+    if (first.size() != second.size() || !countFor(first, count) || !fields(FIELDS(count))) return false;
     for (std::size_t i = 0; i < first.size(); ++i)
-      if (!whole(first[i]) || !whole(second[i], more...)) return false;
+      if (!walk(first[i]) || !walk(second[i], more...)) return false;
     return true;
   }
   template <class X>
   [[nodiscard]] bool columns(const X& x) {
     const auto& view = x.only();
     std::int32_t count = 0;
-    if (!view.sameLengths() || !countFor(view, count) || !fields(F(count))) return false;
+    if (!view.sameLengths() || !countFor(view, count) || !fields(FIELDS(count))) return false;
     for (std::size_t i = 0; i < view.size(); ++i)
       if (!writeElement(view.row(i))) return false;
     return true;
@@ -223,7 +223,7 @@ class WriterInto : public Faultless<WriterInto<Room>> {
   }
   template <class X, class... A>
   [[nodiscard]] bool single(const X& x, const A&... more) {
-    return !x.only().empty() && whole(x.only().front(), more...);
+    return !x.only().empty() && walk(x.only().front(), more...);
   }
   template <class X, class M>
   [[nodiscard]] bool trailer(const X& x, M member) {
@@ -251,12 +251,12 @@ class WriterInto : public Faultless<WriterInto<Room>> {
   // An element that is not sure to fit the room at hand starts again on the careful way.
   template <class R, class... A>
   bool writeElement(const R& element, const A&... more) {
-    if constexpr (Sprints<R> && std::is_reference_v<Room>)
-      if (sprint(element, more...)) return true;
-    return whole(element, more...);
+    if constexpr (HasFastPath<R> && std::is_reference_v<Room>)
+      if (writeFast(element, more...)) return true;
+    return walk(element, more...);
   }
   template <class R, class... A>
-  [[gnu::flatten]] bool sprint(const R& element, const A&... more) {
+  [[gnu::flatten]] bool writeFast(const R& element, const A&... more) {
     const std::span<std::byte> free = out_.free();
     WriterInto<LocalRoom> quick(LocalRoom(free), this->version());
     if (!Layout<R>::describe(quick, element, more...)) return false;
@@ -292,11 +292,11 @@ using Writer = WriterInto<OutStream&>;
 template <class R, class... A>
 bool writeRecord(OutStream& stream, int version, R&& record, const A&... more) {
   Writer writer(stream, version);
-  return writer.whole(record, more...);
+  return writer.walk(record, more...);
 }
 template <class R>
-bool writeUngated(OutStream& stream, R&& record) {
-  return Writer(stream).whole(record);
+bool writeUnversioned(OutStream& stream, R&& record) {
+  return Writer(stream).walk(record);
 }
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

@@ -19,9 +19,9 @@
 #include <utility>
 #include <vector>
 
-#include "src/frame/describe.h"
+#include "src/frame/codec/describe.h"
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 template <class Self>
 class Reading : public Gates<Self> {
@@ -60,7 +60,7 @@ class Reading : public Gates<Self> {
   [[nodiscard]] bool lengthText(const X& x) {
     std::int32_t length = 0;
     self().enter(x.names);
-    bool ok = self().fields(F(length));
+    bool ok = self().fields(FIELDS(length));
     if (ok && length > 0) {
       std::string text;
       ok = self().text(text, static_cast<std::uint64_t>(length));
@@ -76,7 +76,7 @@ class Reading : public Gates<Self> {
   [[nodiscard]] bool lengthTextOrEmpty(const X& x, std::int32_t longest) {
     std::int32_t length = 0;
     self().enter(x.names);
-    bool ok = self().fields(F(length)) && atMost(F(length), longest);
+    bool ok = self().fields(FIELDS(length)) && atMost(FIELDS(length), longest);
     std::string text;
     ok = ok && (length < 1 || self().text(text, static_cast<std::uint64_t>(length)));
     if (ok) {
@@ -148,31 +148,31 @@ class Reading : public Gates<Self> {
     return record;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool repair(R& record, const Fn& fn) {
+  [[nodiscard]] bool afterRead(R& record, const Fn& fn) {
     fn(record);
     return true;
   }
   template <class X>
-  [[nodiscard]] bool tail(const X& x) {
-    if (this->walk(x)) return true;
+  [[nodiscard]] bool optionalTail(const X& x) {
+    if (this->nested(x)) return true;
     if (forgive()) stop_ = Stop::ended;
     return false;
   }
   template <class X>
-  [[nodiscard]] bool lenient(const X& x) {
-    if (this->walk(x)) return true;
+  [[nodiscard]] bool endOnFailure(const X& x) {
+    if (this->nested(x)) return true;
     self().forgiven();
     stop_ = Stop::ended;
     return false;
   }
   template <class X>
-  [[nodiscard]] bool ignored(const X& x) {
-    if (!this->walk(x)) forgiveAll();
+  [[nodiscard]] bool continueOnFailure(const X& x) {
+    if (!this->nested(x)) forgiveAll();
     return true;
   }
   template <class X, class Rest>
   [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
-    return this->walk(x) ? rest() : forgive();
+    return this->nested(x) ? rest() : forgive();
   }
   template <class Read, class Written>
   [[nodiscard]] bool differs(const Read& read, const Written&) {
@@ -187,13 +187,13 @@ class Reading : public Gates<Self> {
     return forReaders;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool rewrite(const R&, const Fn&) {
+  [[nodiscard]] bool beforeWrite(const R&, const Fn&) {
     return true;
   }
 
   // One whole record, whoever holds it: where a tail ended it, it is whole as well.
   template <class R, class... A>
-  [[nodiscard]] bool whole(R& record, const A&... more) {
+  [[nodiscard]] bool walk(R& record, const A&... more) {
     if (Layout<R>::describe(self(), record, more...)) return true;
     if (stop_ != Stop::ended) return false;
     stop_ = Stop::none;
@@ -202,7 +202,7 @@ class Reading : public Gates<Self> {
   template <class X, class... A>
   [[nodiscard]] bool record(const X& x, const A&... more) {
     self().enter(x.names);
-    const bool ok = whole(x.only(), more...);
+    const bool ok = walk(x.only(), more...);
     self().leave();
     return ok;
   }
@@ -210,7 +210,7 @@ class Reading : public Gates<Self> {
   [[nodiscard]] bool replaced(const X& x, const A&... more) {
     std::remove_cvref_t<decltype(x.only())> fresh;
     self().enter(x.names);
-    const bool ok = whole(fresh, more...);
+    const bool ok = walk(fresh, more...);
     self().leave();
     if (ok) x.only() = std::move(fresh);
     return ok;
@@ -251,12 +251,12 @@ class Reading : public Gates<Self> {
   [[nodiscard]] bool appendRun(std::int64_t count, const X& x, const A&... more) {
     auto& list = x.only();
     using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
-    makeRoom(list, count, leastOf<Element>());
+    makeRoom(list, count, minStoredSizeOf<Element>());
     if constexpr (kHoldsLists<Element>) return appendHolders(count, x, more...);
     for (std::int64_t i = self().quickRun(list, count, more...); i < count;
          i += 1 + self().quickRun(list, count - i - 1, more...)) {
       self().enter(x.names, i);
-      const bool ok = whole(list.emplace_back(), more...);
+      const bool ok = walk(list.emplace_back(), more...);
       self().leave();
       if (!ok) {
         list.pop_back();
@@ -279,11 +279,11 @@ class Reading : public Gates<Self> {
     std::int32_t count = 0;
     if (!readCount(x, count)) return false;
     list.clear();
-    makeRoom(list, count, leastOf<Element>());
+    makeRoom(list, count, minStoredSizeOf<Element>());
     Element element;
     for (std::int32_t i = 0; i < count; ++i) {
       self().enter(x.names, i);
-      const bool ok = whole(element, more...);
+      const bool ok = walk(element, more...);
       self().leave();
       if (!ok) return false;
       list.push_back(element);
@@ -302,7 +302,7 @@ class Reading : public Gates<Self> {
     return true;
   }
   template <class X, class... A>
-  [[nodiscard]] bool reversed(const X& x, const A&... more) {
+  [[nodiscard]] bool invertedSuccessList(const X& x, const A&... more) {
     auto& list = x.only();
     std::int32_t count = 0;
     list.clear();
@@ -329,19 +329,19 @@ class Reading : public Gates<Self> {
     if (count == 0) return true;
     first.clear();
     second.clear();
-    const std::size_t least = leastOf<One>() + leastOf<Other>();
+    const std::size_t least = minStoredSizeOf<One>() + minStoredSizeOf<Other>();
     makeRoom(first, count, least);
     makeRoom(second, count, least);
     for (std::int32_t i = 0; i < count; ++i) {
       self().enter(x.names, i, 0);
-      bool ok = whole(first.emplace_back());
+      bool ok = walk(first.emplace_back());
       self().leave();
       if (!ok) {
         first.pop_back();
         return false;
       }
       self().enter(x.names, i, 1);
-      ok = whole(second.emplace_back(), more...);
+      ok = walk(second.emplace_back(), more...);
       self().leave();
       if (!ok) {
         second.pop_back();
@@ -358,7 +358,7 @@ class Reading : public Gates<Self> {
     if (!readCount(x, count)) return false;
     if (count < 1) return true;
     view.clear();
-    view.reserve(roomFor(count, leastOf<Row>()));
+    view.reserve(roomFor(count, minStoredSizeOf<Row>()));
     for (std::int32_t i = 0; i < count; ++i) {
       Row row;
       self().enter(x.names, i);
@@ -394,7 +394,7 @@ class Reading : public Gates<Self> {
     return true;
   }
 
-  // Hooks: where the walk is. `list` tells apart the lists of an F(...) that names several.
+  // Hooks: where the walk is. `list` tells apart the lists of an FIELDS(...) that names several.
   template <class Names>
   void enter(const Names&, std::int64_t /*index*/ = -1, std::size_t /*list*/ = 0) {}
   void leave() {}
@@ -407,7 +407,7 @@ class Reading : public Gates<Self> {
   // The same for one element, which is at its defaults.
   template <class R, class... A>
   bool freshElement(R& element, const A&... more) {
-    return whole(element, more...);
+    return walk(element, more...);
   }
   template <class X, class T>
   void refused(const X&, const T&) {}
@@ -445,7 +445,7 @@ class Reading : public Gates<Self> {
   template <class X, class R, class... A>
   bool elementAt(const X& x, std::int64_t i, R& element, const A&... more) {
     self().enter(x.names, i);
-    const bool ok = whole(element, more...);
+    const bool ok = walk(element, more...);
     self().leave();
     return ok;
   }
@@ -456,19 +456,19 @@ class Reading : public Gates<Self> {
   template <class X>
   bool readCount(const X& x, std::int32_t& count) {
     self().enter(x.names);
-    const bool ok = self().fields(F(count));
+    const bool ok = self().fields(FIELDS(count));
     self().leave();
     return ok;
   }
-  bool trailerOf(auto& trailerValue) { return self().fields(F(trailerValue)); }
+  bool trailerOf(auto& trailerValue) { return self().fields(FIELDS(trailerValue)); }
 
   // Bytes of the shortest form of an element, which may grow with the versions.
   template <class Element>
-  std::size_t leastOf() const {
-    if constexpr (requires { Layout<Element>::leastAt(0); })
-      return Layout<Element>::leastAt(this->version());
+  std::size_t minStoredSizeOf() const {
+    if constexpr (requires { Layout<Element>::minStoredSize(0); })
+      return Layout<Element>::minStoredSize(this->version());
     else
-      return Layout<Element>::kLeast;
+      return Layout<Element>::kMinStoredSize;
   }
   // A count is what the file claims; what is left of the file bounds what it can hold, and one more that
   // it holds in part: without a place of its own that one would double the list.
@@ -495,13 +495,13 @@ class Reading : public Gates<Self> {
     void (*giveBack)(void* list);  // none when it was called: each time may copy what came so far
   };
   template <class Element>
-  static constexpr bool kHoldsLists = !std::is_trivially_copyable_v<Element> && !Sprints<Element>;
+  static constexpr bool kHoldsLists = !std::is_trivially_copyable_v<Element> && !HasFastPath<Element>;
 
   template <class X, class... A>
   bool appendHolders(std::int64_t count, const X& x, const A&... more) {
     auto& list = x.only();
     using List = std::remove_cvref_t<decltype(list)>;
-    const std::size_t least = leastOf<typename List::value_type>();
+    const std::size_t least = minStoredSizeOf<typename List::value_type>();
     Holders here{holders_, 0, &list, [](void* all) { giveBackRoom(*static_cast<List*>(all)); }};
     for (std::int64_t i = 0; i < count; ++i) {
       const std::int64_t behind = std::min(count - i, static_cast<std::int64_t>(list.capacity() - list.size())) - 1;
@@ -509,7 +509,7 @@ class Reading : public Gates<Self> {
       holders_ = &here;
       typename List::value_type element;
       self().enter(x.names, i);
-      const bool ok = whole(element, more...);
+      const bool ok = walk(element, more...);
       self().leave();
       holders_ = here.around;
       if (!ok) return false;
@@ -537,4 +537,4 @@ class Reading : public Gates<Self> {
   Holders* holders_ = nullptr;
 };
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

@@ -1,4 +1,4 @@
-#include "src/frame/platform.h"
+#include "src/frame/host/platform.h"
 
 namespace oldtorvio::frame {
 namespace {

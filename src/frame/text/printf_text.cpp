@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 
 namespace oldtorvio::frame {
 namespace {

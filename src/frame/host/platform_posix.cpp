@@ -9,8 +9,8 @@
 #include <memory>
 #include <vector>
 
-#include "src/frame/platform.h"
-#include "src/frame/profile_text.h"
+#include "src/frame/host/platform.h"
+#include "src/frame/text/profile_text.h"
 
 namespace oldtorvio::frame {
 namespace {

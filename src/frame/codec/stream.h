@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 class InStream {
  public:
@@ -105,4 +105,4 @@ class OutStream {
   bool failed_ = false;
 };
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

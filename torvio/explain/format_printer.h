@@ -16,19 +16,19 @@
 #include <utility>
 #include <vector>
 
-#include "src/frame/describe.h"
+#include "src/frame/codec/describe.h"
 #include "torvio/explain/map.h"
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 
 // The name of a record that has a table of its own; others tell it in one row by that name. A record
 // without one is told field by field where it stands.
 template <class Record>
 inline constexpr std::string_view kTableOf{};
 
-class FormatTeller {
+class FormatPrinter {
  public:
-  using Walk = std::function<void(FormatTeller&)>;
+  using Walk = std::function<void(FormatPrinter&)>;
 
   // Whether the walk says where the record stands, so that a condition which no field changes is known.
   enum class Place : std::uint8_t { open, given };
@@ -48,7 +48,7 @@ class FormatTeller {
   int version() const { return 0; }
 
   template <class Names, class... T>
-  [[nodiscard]] bool fields(const frame::Fields<Names, T...>& f) {
+  [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
     begin(f.names);
     std::size_t i = 0;
     std::apply([&](auto&... m) { (item(i++, m), ...); }, f.members);
@@ -59,8 +59,8 @@ class FormatTeller {
     return inside({first, {}}, x);
   }
   template <class X, class... D>
-  [[nodiscard]] bool since(int first, const X& x, const frame::Otherwise<D...>& defaults) {
-    defaults_ = telling() ? textsOf(defaults) : std::vector<std::string>();
+  [[nodiscard]] bool since(int first, const X& x, const codec::Otherwise<D...>& defaults) {
+    defaults_ = isPrinting() ? textsOf(defaults) : std::vector<std::string>();
     const bool ok = since(first, x);
     defaults_.clear();
     return ok;
@@ -155,7 +155,7 @@ class FormatTeller {
     }
     // No reader comes further with another value, and what follows may count on that.
     auto& value = x.only();
-    if (!telling() && (value < lowest || value > highest))
+    if (!isPrinting() && (value < lowest || value > highest))
       value = static_cast<std::remove_cvref_t<decltype(value)>>(lowest);
     rule(x.names, "refused outside " + valueText(lowest) + " to " + valueText(highest));
     return true;
@@ -174,19 +174,19 @@ class FormatTeller {
     return record;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool repair(const R&, const Fn&) {
+  [[nodiscard]] bool afterRead(const R&, const Fn&) {
     return true;
   }
   template <class X>
-  [[nodiscard]] bool tail(const X& x) {
+  [[nodiscard]] bool optionalTail(const X& x) {
     return inside({0, kTail}, x);
   }
   template <class X>
-  [[nodiscard]] bool lenient(const X& x) {
+  [[nodiscard]] bool endOnFailure(const X& x) {
     return inside({0, "any fault ends the record with success"}, x);
   }
   template <class X>
-  [[nodiscard]] bool ignored(const X& x) {
+  [[nodiscard]] bool continueOnFailure(const X& x) {
     return inside({0, "a fault changes nothing"}, x);
   }
   template <class X, class Rest>
@@ -206,13 +206,13 @@ class FormatTeller {
     return forReaders;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool rewrite(const R&, const Fn&) {
+  [[nodiscard]] bool beforeWrite(const R&, const Fn&) {
     return true;
   }
 
   template <class R, class... A>
-  [[nodiscard]] bool whole(R& record, const A&... more) {
-    return frame::Layout<R>::describe(*this, record, more...);
+  [[nodiscard]] bool walk(R& record, const A&... more) {
+    return codec::Layout<R>::describe(*this, record, more...);
   }
   template <class X, class... A>
   [[nodiscard]] bool record(const X& x, const A&... more) {
@@ -223,7 +223,7 @@ class FormatTeller {
       return true;
     } else {
       R fresh;
-      return insideOf(name(0), [&] { return whole(fresh, more...); });
+      return insideOf(name(0), [&] { return walk(fresh, more...); });
     }
   }
   template <class X, class... A>
@@ -264,7 +264,7 @@ class FormatTeller {
     return list<0>(x, sizeText(count) + " times, a fault changes nothing", more...);
   }
   template <class X, class... A>
-  [[nodiscard]] bool reversed(const X& x, const A&... more) {
+  [[nodiscard]] bool invertedSuccessList(const X& x, const A&... more) {
     return list<0>(x, "list, a sound element ends it and is dropped", more...);
   }
   template <class X, class Fn>
@@ -287,7 +287,7 @@ class FormatTeller {
     begin(x.names);
     add(0, "i32 count and rows", "a count below 1 keeps the columns");
     Row row;
-    return insideOf(name(0) + "[i]", [&] { return whole(row); });
+    return insideOf(name(0) + "[i]", [&] { return walk(row); });
   }
   template <class Fn>
   [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
@@ -329,28 +329,28 @@ class FormatTeller {
     bool isNever = false;
   };
 
-  explicit FormatTeller(std::vector<Question> questions) : questions_(std::move(questions)) {}
-  explicit FormatTeller(Probe probe) : probe_(probe) {}
+  explicit FormatPrinter(std::vector<Question> questions) : questions_(std::move(questions)) {}
+  explicit FormatPrinter(Probe probe) : probe_(probe) {}
 
   static std::vector<Question> learnQuestions(const Walk& walk, Place place);
-  bool telling() const { return !probe_; }
+  bool isPrinting() const { return !probe_; }
   Question ask(bool stored);
   std::string markdown() const;
 
-  // Names of the F(...) at hand.
+  // Names of the FIELDS(...) at hand.
   template <class Names>
   void begin(const Names& names) {
     text_ = names();
-    names_ = telling() ? frame::fieldNames(text_) : std::vector<std::string>();
+    names_ = isPrinting() ? explain::fieldNames(text_) : std::vector<std::string>();
     runFrom_ = rows_.size();
   }
-  std::string name(std::size_t i) const { return telling() ? pathOf(names_[i]) : std::string(); }
+  std::string name(std::size_t i) const { return isPrinting() ? pathOf(names_[i]) : std::string(); }
   std::string pathOf(std::string names) const;
-  // A row, or one more name in the row before, if that is of the same F(...) and type.
+  // A row, or one more name in the row before, if that is of the same FIELDS(...) and type.
   void add(std::size_t i, const std::string& stored, const std::string& condition = {});
   template <class Names>
   void rule(const Names& names, const std::string& text) {
-    if (telling()) addRule(path_ + frame::fieldNames(names()).front(), text);
+    if (isPrinting()) addRule(path_ + explain::fieldNames(names()).front(), text);
   }
   void addRule(const std::string& name, const std::string& text);
   static std::string conditionText(const std::vector<Condition>& conditions);
@@ -361,7 +361,7 @@ class FormatTeller {
   bool inside(Condition condition, const X& x) {
     conditions_.push_back(std::move(condition));
     bool ok = true;
-    if constexpr (frame::kIsFields<X>)
+    if constexpr (codec::kIsFields<X>)
       ok = fields(x);
     else
       ok = x();
@@ -379,7 +379,7 @@ class FormatTeller {
   template <class X>
   bool sliceOf(const X& x, std::size_t first, std::size_t last, const std::string& type) {
     begin(x.names);
-    if (telling()) names_[0].append("[" + std::to_string(first) + ".." + std::to_string(last) + "]");
+    if (isPrinting()) names_[0].append("[" + std::to_string(first) + ".." + std::to_string(last) + "]");
     add(0, std::to_string(last - first + 1) + " × " + type);
     return true;
   }
@@ -390,31 +390,31 @@ class FormatTeller {
     begin(x.names);
     if constexpr (!kTableOf<Element>.empty()) {
       add(Which, how + " (" + std::string(kTableOf<Element>) + ")");
-    } else if constexpr (frame::Number<Element>) {
+    } else if constexpr (codec::Number<Element>) {
       add(Which, how + " (" + storedType<Element>() + ")");
     } else if constexpr (requires { std::tuple_size<Element>::value; }) {
       add(Which, how + " (text " + std::to_string(std::tuple_size_v<Element>) + ")");
     } else {
       add(Which, how);
       Element fresh;
-      (void)insideOf(name(Which) + "[i]", [&] { return whole(fresh, more...); });
+      (void)insideOf(name(Which) + "[i]", [&] { return walk(fresh, more...); });
     }
     return true;
   }
 
   template <class M>
   void item(std::size_t i, M& member) {
-    if constexpr (frame::Number<std::remove_cv_t<M>>) {
+    if constexpr (codec::Number<std::remove_cv_t<M>>) {
       if constexpr (std::is_integral_v<M>)
         touch(
             i, [&](auto value) { member = static_cast<M>(value); }, M{});
     } else {
       touchAs(i, member);
     }
-    if (telling()) add(i, storedType<std::remove_cv_t<M>>());
+    if (isPrinting()) add(i, storedType<std::remove_cv_t<M>>());
   }
   template <class Stored, class T>
-  void touchAs(std::size_t i, const frame::As<Stored, T>& as) {
+  void touchAs(std::size_t i, const codec::As<Stored, T>& as) {
     if constexpr (std::is_integral_v<Stored>)
       touch(
           i, [&](auto value) { as.member = static_cast<T>(value); }, Stored{});
@@ -426,18 +426,18 @@ class FormatTeller {
   template <class Set, class Stored>
   void touch(std::size_t i, const Set& set, Stored) {
     const std::size_t number = wholeNumbers_++;
-    if (telling()) {
+    if (isPrinting()) {
       if (isSize(names_[i])) set(sizeof(Stored) == 1 ? shortNumberCalled(names_[i]) : numberCalled(names_[i]));
     } else if (probe_->field == number && std::in_range<Stored>(probe_->value)) {
       set(probe_->value);
-      probed_ = frame::fieldNames(text_)[i];
+      probed_ = explain::fieldNames(text_)[i];
       probedIsSigned_ = std::is_signed_v<Stored>;
     }
   }
   static bool isSize(std::string_view name);
   std::int32_t shortNumberCalled(const std::string& name);
 
-  template <frame::Number T>
+  template <codec::Number T>
   static std::string numberType() {
     const char kind = std::is_floating_point_v<T> ? 'f' : std::is_signed_v<T> ? 'i' : 'u';
     return kind + std::to_string(8 * sizeof(T));
@@ -450,7 +450,7 @@ class FormatTeller {
   }
 
   template <class... D>
-  static std::vector<std::string> textsOf(const frame::Otherwise<D...>& defaults) {
+  static std::vector<std::string> textsOf(const codec::Otherwise<D...>& defaults) {
     return std::apply([](auto... value) { return std::vector<std::string>{numberText(value)...}; }, defaults.values);
   }
   static std::string numberText(double value);
@@ -473,12 +473,12 @@ class FormatTeller {
   std::int32_t nextCalled_ = 30000, nextShort_ = 101;
 };
 
-template <frame::Number T>
-struct FormatTeller::Type<T> {
+template <codec::Number T>
+struct FormatPrinter::Type<T> {
   static std::string text() { return numberType<T>(); }
 };
 template <class T, std::size_t N>
-struct FormatTeller::Type<T[N]> {
+struct FormatPrinter::Type<T[N]> {
   static std::string text() {
     if constexpr (std::is_same_v<T, char>)
       return "text " + std::to_string(N);
@@ -489,11 +489,11 @@ struct FormatTeller::Type<T[N]> {
   }
 };
 template <class Stored, class T>
-struct FormatTeller::Type<frame::As<Stored, T>> {
+struct FormatPrinter::Type<codec::As<Stored, T>> {
   static std::string text() { return storedType<Stored>(); }
 };
 template <class... T>
-struct FormatTeller::Type<frame::Block<T...>> {
+struct FormatPrinter::Type<codec::Block<T...>> {
   static std::string text() {
     const std::array<std::string, sizeof...(T)> types{storedType<T>()...};
     std::string all = "block of ";
@@ -508,4 +508,4 @@ struct FormatTeller::Type<frame::Block<T...>> {
   }
 };
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain

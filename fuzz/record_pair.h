@@ -16,16 +16,16 @@ std::size_t turnOf(Bytes file);
 
 enum class Extent : std::uint8_t { counted, all };  // see fuzz/record_contents.h
 
-bool holdTheSame(oldtorvio::ShapeList& one, oldtorvio::ShapeList& other, Extent extent);
-bool holdTheSame(oldtorvio::TorvPart& one, oldtorvio::TorvPart& other, Extent extent);
-bool holdTheSame(oldtorvio::SheetPartList& one, oldtorvio::SheetPartList& other, Extent extent);
-bool holdTheSame(oldtorvio::OldSpecialTool& one, oldtorvio::OldSpecialTool& other, Extent extent);
-bool holdTheSame(oldtorvio::OldToolInventory& one, oldtorvio::OldToolInventory& other, Extent extent);
-bool holdTheSame(oldtorvio::OldMacro& one, oldtorvio::OldMacro& other, Extent extent);
-bool holdTheSame(oldtorvio::ParamTable& one, oldtorvio::ParamTable& other, Extent extent);
-bool holdTheSame(oldtorvio::OldMaterial& one, oldtorvio::OldMaterial& other, Extent extent);
-bool holdTheSame(oldtorvio::OldMachine& one, oldtorvio::OldMachine& other, Extent extent);
-bool holdTheSame(oldtorvio::OldSheet& one, oldtorvio::OldSheet& other, Extent extent);
+bool equalContents(oldtorvio::ShapeList& one, oldtorvio::ShapeList& other, Extent extent);
+bool equalContents(oldtorvio::TorvPart& one, oldtorvio::TorvPart& other, Extent extent);
+bool equalContents(oldtorvio::SheetPartList& one, oldtorvio::SheetPartList& other, Extent extent);
+bool equalContents(oldtorvio::OldSpecialTool& one, oldtorvio::OldSpecialTool& other, Extent extent);
+bool equalContents(oldtorvio::OldToolInventory& one, oldtorvio::OldToolInventory& other, Extent extent);
+bool equalContents(oldtorvio::OldMacro& one, oldtorvio::OldMacro& other, Extent extent);
+bool equalContents(oldtorvio::ParamTable& one, oldtorvio::ParamTable& other, Extent extent);
+bool equalContents(oldtorvio::OldMaterial& one, oldtorvio::OldMaterial& other, Extent extent);
+bool equalContents(oldtorvio::OldMachine& one, oldtorvio::OldMachine& other, Extent extent);
+bool equalContents(oldtorvio::OldSheet& one, oldtorvio::OldSheet& other, Extent extent);
 
 struct Walked {
   int status = 0;

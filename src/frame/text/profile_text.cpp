@@ -1,8 +1,8 @@
-#include "src/frame/profile_text.h"
+#include "src/frame/text/profile_text.h"
 
 #include <algorithm>
 
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 
 namespace oldtorvio::frame {
 namespace {

@@ -1,17 +1,17 @@
 // The reader: walks a description over a stream and fills the record.
 #pragma once
-#include "src/frame/reading.h"
-#include "src/frame/stream.h"
+#include "src/frame/codec/reading.h"
+#include "src/frame/codec/stream.h"
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 // The quick way through one small element: its place in the file is a local, which stays in a
 // register, where a place in the stream would go through memory after every run of fields. It knows
 // success only. Anything else (the window ends, a value is refused) is left to the reader, which
 // starts the element again.
-class Sprinter : public Reading<Sprinter> {
+class FastReader : public Reading<FastReader> {
  public:
-  Sprinter(const std::byte* at, const std::byte* end, int version) : Reading(version), at_(at), end_(end) {}
+  FastReader(const std::byte* at, const std::byte* end, int version) : Reading(version), at_(at), end_(end) {}
   const std::byte* at() const { return at_; }
 
   template <class Names, class... T>
@@ -52,7 +52,7 @@ class Sprinter : public Reading<Sprinter> {
 
 class Reader : public Reading<Reader> {
  public:
-  explicit Reader(InStream& in, int version = kWithoutGates) : Reading(version), in_(in) {}
+  explicit Reader(InStream& in, int version = kUnversioned) : Reading(version), in_(in) {}
 
   // A run of fields is checked once against what is there; only one that does not fit goes field by
   // field, so that exactly the whole fields are set.
@@ -115,26 +115,26 @@ class Reader : public Reading<Reader> {
 
   template <class V, class... A>
   std::int64_t quickRun(V& list, std::int64_t count, const A&... more) {
-    if constexpr (Sprints<typename V::value_type>)
-      return sprintRun(list, count, more...);
+    if constexpr (HasFastPath<typename V::value_type>)
+      return readRunFast(list, count, more...);
     else
       return 0;
   }
   template <class R, class... A>
   bool freshElement(R& element, const A&... more) {
-    if constexpr (Sprints<R>) {
-      if (sprint(element, more...)) return true;
+    if constexpr (HasFastPath<R>) {
+      if (readFast(element, more...)) return true;
       element = R();
     }
-    return whole(element, more...);
+    return walk(element, more...);
   }
 
  private:
   // The list has room for what can be there.
   template <class V, class... A>
-  [[gnu::flatten]] std::int64_t sprintRun(V& list, std::int64_t count, const A&... more) {
+  [[gnu::flatten]] std::int64_t readRunFast(V& list, std::int64_t count, const A&... more) {
     const auto window = in_.window();
-    Sprinter quick(window.data(), window.data() + window.size(), version());
+    FastReader quick(window.data(), window.data() + window.size(), version());
     const std::byte* behind = window.data();
     std::int64_t done = 0;
     for (; done < count; ++done) {
@@ -148,9 +148,9 @@ class Reader : public Reading<Reader> {
     return done;
   }
   template <class R, class... A>
-  [[gnu::flatten]] bool sprint(R& element, const A&... more) {
+  [[gnu::flatten]] bool readFast(R& element, const A&... more) {
     const auto window = in_.window();
-    Sprinter quick(window.data(), window.data() + window.size(), version());
+    FastReader quick(window.data(), window.data() + window.size(), version());
     if (!Layout<R>::describe(quick, element, more...)) return false;
     in_.consume(static_cast<std::size_t>(quick.at() - window.data()));
     return true;
@@ -185,11 +185,11 @@ inline int resultOf(bool walked) { return walked ? 0 : 1; }
 template <class R, class... A>
 bool readRecord(InStream& stream, int version, R& record, const A&... more) {
   Reader reader(stream, version);
-  return reader.whole(record, more...);
+  return reader.walk(record, more...);
 }
 template <class R>
-bool readUngated(InStream& stream, R& record) {
-  return Reader(stream).whole(record);
+bool readUnversioned(InStream& stream, R& record) {
+  return Reader(stream).walk(record);
 }
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

@@ -1,4 +1,4 @@
-#include "src/frame/text.h"
+#include "src/frame/text/text.h"
 
 #include <charconv>
 #include <cmath>

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "src/frame/platform.h"
+#include "src/frame/host/platform.h"
 
 namespace oldtorvio::frame {
 

@@ -1,10 +1,10 @@
-#include "src/frame/stream.h"
+#include "src/frame/codec/stream.h"
 
 #include <algorithm>
 
-#include "src/frame/platform.h"
+#include "src/frame/host/platform.h"
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 namespace {
 
 // Large enough that the system calls vanish, small enough to stay in the processor's cache.
@@ -20,7 +20,7 @@ InStream::InStream(std::span<const std::byte> memory)
     : begin_(memory.data()), at_(begin_), end_(begin_ + memory.size()) {}
 
 InStream::InStream(std::FILE* file) : file_(file) {
-  const auto size = sizeOfFile(file);
+  const auto size = frame::sizeOfFile(file);
   sizeKnown_ = size.has_value();
   behind_ = size.value_or(0);
   capacity_ = sizeKnown_ ? static_cast<std::size_t>(std::min<std::uint64_t>(behind_, kWindow)) : kWindow;
@@ -120,4 +120,4 @@ bool OutStream::makeRoom(std::size_t size) {
   return true;
 }
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

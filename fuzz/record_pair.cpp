@@ -1,8 +1,8 @@
-#include "fuzz/twins.h"
+#include "fuzz/record_pair.h"
 
 #include "bench/fread_walker.h"
 #include "fuzz/record_contents.h"
-#include "src/frame/reader.h"
+#include "src/frame/codec/reader.h"
 #include "src/part/old_part_layout.h"
 
 using namespace oldtorvio;
@@ -20,7 +20,7 @@ Walked walked(Bytes body, int version, Walk&& walk) {
 
 template <class Record, class... More>
 Walked walkedWhole(Bytes body, int version, Record& record, const More&... more) {
-  return walked(body, version, [&](auto& walker) { return frame::resultOf(walker.whole(record, more...)); });
+  return walked(body, version, [&](auto& walker) { return codec::resultOf(walker.walk(record, more...)); });
 }
 
 }  // namespace
@@ -31,31 +31,31 @@ std::size_t turnOf(Bytes file) {
   return turn >> 8U;
 }
 
-bool holdTheSame(ShapeList& one, ShapeList& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool holdTheSame(TorvPart& one, TorvPart& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool holdTheSame(SheetPartList& one, SheetPartList& other, Extent extent) {
+bool equalContents(ShapeList& one, ShapeList& other, Extent extent) { return haveEqualContents(one, other, extent); }
+bool equalContents(TorvPart& one, TorvPart& other, Extent extent) { return haveEqualContents(one, other, extent); }
+bool equalContents(SheetPartList& one, SheetPartList& other, Extent extent) {
   return haveEqualContents(one, other, extent);
 }
-bool holdTheSame(OldSpecialTool& one, OldSpecialTool& other, Extent extent) {
+bool equalContents(OldSpecialTool& one, OldSpecialTool& other, Extent extent) {
   return haveEqualContents(one, other, extent);
 }
-bool holdTheSame(OldToolInventory& one, OldToolInventory& other, Extent extent) {
+bool equalContents(OldToolInventory& one, OldToolInventory& other, Extent extent) {
   return haveEqualContents(one, other, extent);
 }
-bool holdTheSame(OldMacro& one, OldMacro& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool holdTheSame(ParamTable& one, ParamTable& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool holdTheSame(OldMaterial& one, OldMaterial& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool holdTheSame(OldMachine& one, OldMachine& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool holdTheSame(OldSheet& one, OldSheet& other, Extent extent) { return haveEqualContents(one, other, extent); }
+bool equalContents(OldMacro& one, OldMacro& other, Extent extent) { return haveEqualContents(one, other, extent); }
+bool equalContents(ParamTable& one, ParamTable& other, Extent extent) { return haveEqualContents(one, other, extent); }
+bool equalContents(OldMaterial& one, OldMaterial& other, Extent extent) { return haveEqualContents(one, other, extent); }
+bool equalContents(OldMachine& one, OldMachine& other, Extent extent) { return haveEqualContents(one, other, extent); }
+bool equalContents(OldSheet& one, OldSheet& other, Extent extent) { return haveEqualContents(one, other, extent); }
 
 Walked walkPartBody(Bytes body, int version, bool embedded, bool stopEarly, TorvPart& part) {
   return walkedWhole(body, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file, 0, stopEarly});
 }
 Walked walkOldestPart(Bytes body, int version, TorvPart& part) {
-  return walked(body, version, [&](auto& walker) { return frame::resultOf(frame::walkOldestPart(walker, part)); });
+  return walked(body, version, [&](auto& walker) { return codec::resultOf(codec::walkOldestPart(walker, part)); });
 }
 Walked walkGroupPart(Bytes body, int version, SheetPartList& list) {
-  frame::GroupPartFile<std::vector<TorvPart>> file{list.parts};
+  codec::GroupPartFile<std::vector<TorvPart>> file{list.parts};
   return walkedWhole(body, version, file);
 }
 Walked walkSpecialTool(Bytes body, int version, OldSpecialTool& tool) { return walkedWhole(body, version, tool); }

@@ -11,7 +11,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 // A member stored with another width than it has in memory: as<std::int16_t>(record.kind).
 template <class Stored, class T>
@@ -147,4 +147,4 @@ template <class T>
 using ItemOf = Item<std::remove_cvref_t<T>>;
 
 }  // namespace wire
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec

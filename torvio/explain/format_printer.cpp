@@ -1,11 +1,11 @@
-#include "torvio/explain/format_teller.h"
+#include "torvio/explain/format_printer.h"
 
 #include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <iterator>
 
-namespace oldtorvio::map {
+namespace oldtorvio::explain {
 namespace {
 
 struct Numbered {
@@ -67,17 +67,17 @@ constexpr const char* kUnknownQuestion = "depends on earlier fields or on where 
 
 }  // namespace
 
-std::string FormatTeller::table(const Walk& walk, Place place) {
-  FormatTeller teller(learnQuestions(walk, place));
+std::string FormatPrinter::table(const Walk& walk, Place place) {
+  FormatPrinter teller(learnQuestions(walk, place));
   walk(teller);
   return teller.markdown();
 }
 
 // The first field, which may be a version that chooses a layout, is tried with many values, the
 // others with the few that flags, counts and modes have.
-std::vector<FormatTeller::Question> FormatTeller::learnQuestions(const Walk& walk, Place place) {
+std::vector<FormatPrinter::Question> FormatPrinter::learnQuestions(const Walk& walk, Place place) {
   constexpr std::int64_t kLowest = -2, kHighest = 3, kHighestOfTheFirst = 600;
-  FormatTeller first(Probe{});
+  FormatPrinter first(Probe{});
   walk(first);
   std::vector<Question> questions;
   for (const bool stored : first.answers_)
@@ -91,7 +91,7 @@ std::vector<FormatTeller::Question> FormatTeller::learnQuestions(const Walk& wal
     std::string name;
     bool isSigned = false;
     for (std::int64_t value = kLowest; value <= (field == 0 ? kHighestOfTheFirst : kHighest); ++value) {
-      FormatTeller probe(Probe{field, value});
+      FormatPrinter probe(Probe{field, value});
       walk(probe);
       if (probe.probed_.empty()) continue;
       values.push_back(value);
@@ -111,54 +111,54 @@ std::vector<FormatTeller::Question> FormatTeller::learnQuestions(const Walk& wal
   return questions;
 }
 
-FormatTeller::Question FormatTeller::ask(bool stored) {
-  if (telling()) return questions_[whens_++];
+FormatPrinter::Question FormatPrinter::ask(bool stored) {
+  if (isPrinting()) return questions_[whens_++];
   answers_.push_back(stored);
   return {};
 }
 
-std::int32_t FormatTeller::numberCalled(const std::string& name) {
+std::int32_t FormatPrinter::numberCalled(const std::string& name) {
   nextCalled_ += 2;
   call(nextCalled_, name);
   call(std::int64_t{1} + nextCalled_, "1 + " + name);
   return nextCalled_;
 }
 
-std::int32_t FormatTeller::shortNumberCalled(const std::string& name) {
+std::int32_t FormatPrinter::shortNumberCalled(const std::string& name) {
   call(++nextShort_, name);
   return nextShort_;
 }
 
-bool FormatTeller::isSize(std::string_view name) {
+bool FormatPrinter::isSize(std::string_view name) {
   for (const std::string_view end : {"Count", "count", "Length", "Width", "Size"})
     if (name.ends_with(end)) return true;
   return false;
 }
 
-std::string FormatTeller::valueText(std::int64_t value) const {
+std::string FormatPrinter::valueText(std::int64_t value) const {
   const auto called = called_.find(value);
   return called == called_.end() ? std::to_string(value) : called->second;
 }
 
 // A size that earlier values make, other than as it stands, is nought here.
-bool FormatTeller::reserved(std::size_t size) {
+bool FormatPrinter::reserved(std::size_t size) {
   remark("reserved", sizeText(static_cast<std::int64_t>(size)) + " bytes", "dropped");
   return true;
 }
 
-void FormatTeller::remark(const std::string& names, const std::string& stored, const std::string& condition) {
-  if (telling()) rows_.push_back({{path_ + names}, stored, conditions_, condition});
+void FormatPrinter::remark(const std::string& names, const std::string& stored, const std::string& condition) {
+  if (isPrinting()) rows_.push_back({{path_ + names}, stored, conditions_, condition});
 }
 
 // Of a block each name has the path.
-std::string FormatTeller::pathOf(std::string names) const {
+std::string FormatPrinter::pathOf(std::string names) const {
   for (std::size_t at = 0; (at = names.find(", ", at)) != std::string::npos; at += path_.size() + 2)
     names.insert(at + 2, path_);
   return path_ + names;
 }
 
-void FormatTeller::add(std::size_t i, const std::string& stored, const std::string& told) {
-  if (!telling()) return;
+void FormatPrinter::add(std::size_t i, const std::string& stored, const std::string& told) {
+  if (!isPrinting()) return;
   const std::string condition = defaults_.empty() ? told : defaults_[i] + " below";
   if (names_[i] == "itself") names_[i] = "value";
   const bool goesOn = rows_.size() > runFrom_ && rows_.back().stored == stored && rows_.back().condition == condition;
@@ -169,7 +169,7 @@ void FormatTeller::add(std::size_t i, const std::string& stored, const std::stri
 }
 
 // At the row of the field where it has just been told under the same conditions, or on its own.
-void FormatTeller::addRule(const std::string& name, const std::string& text) {
+void FormatPrinter::addRule(const std::string& name, const std::string& text) {
   for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
     if (std::find(row->names.begin(), row->names.end(), name) == row->names.end()) continue;
     if (conditionText(row->conditions) != conditionText(conditions_)) break;
@@ -181,12 +181,12 @@ void FormatTeller::addRule(const std::string& name, const std::string& text) {
 }
 
 // Defaults are singles and small whole numbers: six digits tell them.
-std::string FormatTeller::numberText(double value) {
+std::string FormatPrinter::numberText(double value) {
   char digits[32];
   return {digits, std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::general, 6).ptr};
 }
 
-std::string FormatTeller::conditionText(const std::vector<Condition>& conditions) {
+std::string FormatPrinter::conditionText(const std::vector<Condition>& conditions) {
   int since = 0;
   std::vector<std::string> texts;
   const auto isWriter = [](const Condition& one) { return one.text == kWriter; };
@@ -201,7 +201,7 @@ std::string FormatTeller::conditionText(const std::vector<Condition>& conditions
   return all;
 }
 
-std::string FormatTeller::markdown() const {
+std::string FormatPrinter::markdown() const {
   std::string table = "| # | field | stored as | condition |\n|---|---|---|---|\n";
   for (std::size_t i = 0; i < rows_.size(); ++i) {
     const TableRow& row = rows_[i];
@@ -214,4 +214,4 @@ std::string FormatTeller::markdown() const {
   return table;
 }
 
-}  // namespace oldtorvio::map
+}  // namespace oldtorvio::explain
