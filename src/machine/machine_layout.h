@@ -1,4 +1,4 @@
-// Stored form of a machine behind its version word; sheets embed the same.
+// Stored form of a machine after its version word; sheets embed the same.
 #pragma once
 #include <algorithm>
 #include <cmath>
@@ -13,12 +13,12 @@
 
 namespace oldtorvio {
 
-// What a machine's surroundings lend it.
+// What the owner of a machine passes to its description.
 template <class Shapes>  // ShapeList, const in a writer
 struct MachineForm {
-  Shapes* shapes = nullptr;      // whose trailer values may stand in the machine
+  Shapes* shapes = nullptr;      // whose trailer values may be stored in the machine
   bool writeShapeFlag = false;  // the writer marks and stores them
-  std::int32_t widthOfNone = 0;  // what a textWidth of 0 counts as when the writer stores the text
+  std::int32_t widthOfNone = 0;  // the width of the stored text if textWidth is 0
 };
 
 namespace codec {
@@ -28,14 +28,14 @@ struct Layout<OldMachine> {
   static bool describe(auto& io, auto& m, const auto& form) {
     std::int32_t textWidth = kTextWidth;
     return io.fields(FIELDS(textWidth))
-        && io.afterRead(m, [&](auto& r) { r.textWidth = textWidth; })
+        && io.afterRead(m, "", [&](auto& r) { r.textWidth = textWidth; })
         && io.sized(FIELDS(m.machineText1), m.textWidth != 0 ? m.textWidth : io.either(0, form.widthOfNone))
         && io.fields(FIELDS(m.machineKind))
         && io.padded(500, [&] { return describeHead(io, m, form, textWidth); })
         && describeTable(io, m, io.either(textWidth, kTextWidth))
         && describeGrids(io, m, m.gridMode < 0)
         && io.fields(FIELDS(m.stepListPresent))
-        && io.when(m.stepListPresent != 0, [&] { return io.countFirst(FIELDS(m.stepTables)); })
+        && io.when(notEquals(FIELDS(m.stepListPresent), 0), [&] { return io.list(FIELDS(m.stepTables), kCountFirst); })
         && describeWords(io, m)
         && io.since(80, [&] { return describeMaterial(io, m, form); })
         && describeLateTables(io, m)
@@ -43,35 +43,35 @@ struct Layout<OldMachine> {
   }
 
  private:
-  // A save tells this width whatever the record's widths are.
+  // A save stores this width whatever the record's widths are.
   static constexpr std::int32_t kTextWidth = 256;
 
-  // textWidth: of the texts behind, the width that was read last.
+  // textWidth: the width that was read last, which is that of the texts that follow.
   static bool describeHead(auto& io, auto& m, const auto& form, std::int32_t& textWidth) {
     return io.fields(FIELDS(m.limitsPresent))
-        && io.when(m.limitsPresent == 1, [&] {
+        && io.when(equals(FIELDS(m.limitsPresent), 1), [&] {
              return io.fields(FIELDS(m.limitA, m.limitB)) && io.optionalTail(FIELDS(m.limitC, m.limitWord));
            })
-        && io.when(m.limitsPresent != 1, [&] {
-             return io.afterRead(m, [](auto& r) {
+        && io.when(notEquals(FIELDS(m.limitsPresent), 1), [&] {
+             return io.afterRead(m, "limitA and limitB become -0.125, limitC 0.048, limitWord 0", [](auto& r) {
                r.limitA = r.limitB = -0.125F;
                r.limitC = 0.048F;
                r.limitWord = 0;
              });
            })
         && io.fields(FIELDS(m.secondTextPresent))
-        && io.when(m.secondTextPresent == 1, [&] {
+        && io.when(equals(FIELDS(m.secondTextPresent), 1), [&] {
              return io.fields(FIELDS(textWidth))
-                 && io.afterRead(m, [&](auto& r) { r.secondTextWidth = textWidth; })
+                 && io.afterRead(m, "", [&](auto& r) { r.secondTextWidth = textWidth; })
                  && io.sized(FIELDS(m.secondText), m.secondTextWidth);
            })
-        // Both fill up to the same length behind it, so that they stay in step: what is written as
-        // four bytes is read as a small value and as the mark that shapes follow.
+        // Four bytes are written, of which a reader takes the first as the value and the second as the mark that
+        // shapes follow. Both sides then fill up to the same length.
         && io.differs([&] { return io.fields(FIELDS(as<std::int8_t>(m.smallValue), m.shapesPresent)); },
                       [&] {
                         return io.fields(FIELDS(m.smallValue))
-                            && io.when(form.writeShapeFlag, [&] {
-                                 return io.beforeWrite(m, [](auto& r) { r.shapesPresent = 1; })
+                            && io.when(custom("with the shapes of a sheet", form.writeShapeFlag), [&] {
+                                 return io.beforeWrite(m, "shapesPresent becomes 1", [](auto& r) { r.shapesPresent = 1; })
                                      && io.fields(FIELDS(m.shapesPresent));
                                });
                       });
@@ -89,32 +89,32 @@ struct Layout<OldMachine> {
         && io.since(61, FIELDS(m.stationWord), otherwise(0))
         && io.since(61, [&] { return io.record(FIELDS(m.stationsB)) && io.record(FIELDS(m.stationsC)); })
         && io.fields(FIELDS(m.blockMode))
-        && io.when(m.blockMode == 2, FIELDS(m.blockB))
-        && io.when(m.blockMode == 1 || m.blockMode == 2, FIELDS(m.blockA))
+        && io.when(equals(FIELDS(m.blockMode), 2), FIELDS(m.blockB))
+        && io.when(oneOf(FIELDS(m.blockMode), 1, 2), FIELDS(m.blockA))
         && io.fields(FIELDS(m.gridMode));
   }
 
   // A negative mode leaves all of this out.
   static bool describeGrids(auto& io, auto& m, bool areLeftOut) {
     std::int32_t segmentCount = io.countOf(m.segments);
-    return io.afterRead(m, [](auto& r) { r.gridMode = std::max(r.gridMode, 0); })
-        && io.when(!areLeftOut, [&] {
-             return io.when(m.gridMode == 2, [&] { return io.record(FIELDS(m.gridB)); })
-                 && io.when(m.gridMode == 1 || m.gridMode == 2, [&] { return io.record(FIELDS(m.gridA)); })
+    return io.afterRead(m, "a negative gridMode becomes 0", [](auto& r) { r.gridMode = std::max(r.gridMode, 0); })
+        && io.when(custom(FIELDS(m.gridMode), "stored as 0 or above", !areLeftOut), [&] {
+             return io.when(equals(FIELDS(m.gridMode), 2), [&] { return io.record(FIELDS(m.gridB)); })
+                 && io.when(oneOf(FIELDS(m.gridMode), 1, 2), [&] { return io.record(FIELDS(m.gridA)); })
                  && io.fields(FIELDS(m.gridWord1, m.gridAngle, m.gridWord3))
                  && io.optionalTail(FIELDS(segmentCount))
-                 && io.when(segmentCount != 0, [&] {
+                 && io.when(notEquals(FIELDS(segmentCount), 0), [&] {
                       return io.clear(FIELDS(m.segments))
                           && io.fields(FIELDS(m.segmentBox))
-                          && io.counted(segmentCount, FIELDS(m.segments));
+                          && io.list(FIELDS(m.segments), counted(segmentCount));
                     })
                  && io.fields(FIELDS(m.gridFlag1, m.gridFlag2))
-                 && io.replaced(FIELDS(m.clampInfo))
+                 && describeClampInfoAgain(io, m)
                  && io.fields(FIELDS(m.hasExtension))
-                 && io.when(m.hasExtension != 0, [&] { return io.record(FIELDS(m.extension)); })
+                 && io.when(notEquals(FIELDS(m.hasExtension), 0), [&] { return io.record(FIELDS(m.extension)); })
                  && io.fields(FIELDS(m.machineWord91, m.machineWord92, m.programMode))
-                 && io.when(m.programMode == 1, [&] { return io.record(FIELDS(m.programA)); })
-                 && io.when(m.programMode == 2, [&] { return io.record(FIELDS(m.programB)); })
+                 && io.when(equals(FIELDS(m.programMode), 1), [&] { return io.record(FIELDS(m.programA)); })
+                 && io.when(equals(FIELDS(m.programMode), 2), [&] { return io.record(FIELDS(m.programB)); })
                  && io.fields(FIELDS(m.machineWord93, m.machineWord94, m.machineWord95, m.machineWord96,
                                      m.machineWord97, m.machineWord98, m.machineWord99, m.machineWord100,
                                      m.machineWord101, m.machineWord102, m.machineWord103, m.machineWord104,
@@ -122,17 +122,25 @@ struct Layout<OldMachine> {
            });
   }
 
+  // Stored a second time, which is what counts. One that cannot be read leaves the first.
+  static bool describeClampInfoAgain(auto& io, auto& m) {
+    ClampInfo clampInfo = io.either(ClampInfo(), ClampInfo(m.clampInfo));
+    return io.record(FIELDS(clampInfo))
+        && io.afterRead(m, "", [&](auto& r) { r.clampInfo = clampInfo; });
+  }
+
   static bool describeWords(auto& io, auto& m) {
     return io.since(60, [&] {
              return io.fields(FIELDS(m.machineWord1, m.machineWord2, m.machineWord3, m.machineWord4, m.machineWord5,
                                      m.machineWord6, m.machineWord7, m.machineWord8, m.machineWord9, m.machineWord10,
                                      m.machineWord11))
-                 && io.afterRead(m, [](auto& r) { if (isBelowLimit(r.machineWord1)) r.machineWord1 = r.sizeX; });
+                 && io.afterRead(m, "machineWord1 becomes sizeX if it is below 0.0001",
+                                 [](auto& r) { if (isBelowLimit(r.machineWord1)) r.machineWord1 = r.sizeX; });
            })
         && io.since(62, FIELDS(m.machineWord12, m.machineWord13, m.machineWord14, m.machineWord15, m.machineWord16,
                                m.machineWord17, m.machineWord18, m.machineWord19, m.machineWord20, m.machineWord21,
                                m.machineWord22, m.machineWord23, m.machineWord24, m.machineWord25))
-        // Here again, and this time it counts.
+        // Stored a second time, which is what counts.
         && io.since(62, FIELDS(m.machineWord97))
         && io.since(62, FIELDS(m.machineWord26, m.machineWord27, m.machineWord28, m.machineWord29, m.machineWord30,
                                m.machineWord31, m.machineWord32, m.machineWord33, m.machineWord34, m.machineWord35,
@@ -155,12 +163,14 @@ struct Layout<OldMachine> {
   static bool isBelowLimit(float value) { return std::fabs(static_cast<double>(value)) < 0.0001; }
 
   static bool describeMaterial(auto& io, auto& m, const auto& form) {
-    const bool hasNoShapes = form.shapes == nullptr;
     return io.record(FIELDS(m.material))
         && io.fields(FIELDS(m.machineWord80, m.machineWord81, m.machineWord82))
-        && io.when(m.shapesPresent == 1 && io.either(true, form.writeShapeFlag), [&] {
-             return io.when(hasNoShapes, [&] { return io.range(FIELDS(m.shapesPresent), 0, 0); })
-                 && describeShapeTrailer(io, *form.shapes);
+        && io.when(custom("read, or written with the shapes of a sheet", io.either(true, form.writeShapeFlag)), [&] {
+             return io.when(equals(FIELDS(m.shapesPresent), 1), [&] {
+               return io.when(custom("in a machine file", form.shapes == nullptr),
+                              [&] { return io.require(equals(FIELDS(m.shapesPresent), 0)); })
+                   && describeShapeTrailer(io, *form.shapes);
+             });
            });
   }
 
@@ -174,7 +184,7 @@ struct Layout<OldMachine> {
                  && io.since(101, FIELDS(m.triadWord1, m.triadWord2, m.triadCount));
            })
         && io.since(101, [&] {
-             return io.atMost(FIELDS(m.triadCount), 255)
+             return io.require(atMost(FIELDS(m.triadCount), 255))
                  && io.rows(m.triadCount, [&](std::size_t i) { return io.fields(FIELDS(m.triads[i])); });
            })
         && io.since(110, [&] {
@@ -199,7 +209,7 @@ struct Layout<OldMachine> {
   static constexpr std::int32_t kColumnSize = 3;
   static bool describeColumnCount(auto& io, std::int32_t& columnCount) {
     return io.fields(FIELDS(columnCount))
-        && io.atMost(FIELDS(columnCount), kColumnSize);
+        && io.require(atMost(FIELDS(columnCount), kColumnSize));
   }
 
   static bool describeTail(auto& io, auto& m) {
@@ -209,14 +219,14 @@ struct Layout<OldMachine> {
                       return io.fields(FIELDS(m.lateText1, m.lateWord6, m.lateText2, m.lateExtension, m.lateWord7))
                           && io.reserved(13 * 8 + 2 * 4)
                           && io.fields(FIELDS(lateLength))
-                          && io.when(lateLength > 0, [&] { return io.reserved(static_cast<std::size_t>(lateLength)); });
+                          && io.when(above(FIELDS(lateLength), 0), [&] { return io.reserved(static_cast<std::size_t>(lateLength)); });
                     })
                  && io.since(141, FIELDS(m.lateByteB))
                  // The writer has no gate here.
                  && io.differs([&] { return io.since(151, [&] { return describeLateWords(io, m); }); },
                                [&] { return describeLateWords(io, m); })
                  && io.below(151, [&] {
-                      return io.afterRead(m, [](auto& r) {
+                      return io.afterRead(m, kEarlyLateWords, [](auto& r) {
                         r.machineWord124 = r.machineWord126 = 0;
                         r.machineWord125 = r.machineWord127 = 1.5F;
                         r.machineWord129 = r.machineWord130 = 1;
@@ -224,7 +234,7 @@ struct Layout<OldMachine> {
                     })
                  && io.differs([&] { return io.since(152, FIELDS(m.lateByteC)); }, [&] { return io.fields(FIELDS(m.lateByteC)); });
            })
-        && io.afterRead(m, [&](auto& r) { finish(r, io.version()); })
+        && io.afterRead(m, kFinish, [&](auto& r) { finish(r, io.version()); })
         && io.since(154, [&] {
              return io.fields(FIELDS(m.setupWords, block(m.setup3.sizeX, m.setup3.sizeY)))
                  && io.record(FIELDS(m.setup3.clampInfo))
@@ -235,11 +245,16 @@ struct Layout<OldMachine> {
         && io.since(170, [&] { return io.fields(FIELDS(m.endWord)) && io.reserved(2 * 100 * 4); })
         && io.since(180, FIELDS(m.endText2));
   }
+  static constexpr const char* kEarlyLateWords =
+      "machineWord124 and 126 become 0, machineWord125 and 127 1.5, machineWord129 and 130 1";
   static bool describeLateWords(auto& io, auto& m) {
     return io.fields(FIELDS(m.machineWord124, m.machineWord125, m.machineWord126, m.machineWord127, m.machineWord128,
                             m.machineWord129, m.machineWord130, m.machineWord131, m.machineWord132));
   }
 
+  static constexpr const char* kFinish =
+      "limitB becomes the larger of areaValues[0] and [1] if that is above it, limitA becomes limitB; setup2, below 154 "
+      "also setup3, become the first setup";
   static void finish(auto& m, int version) {
     const float larger = std::max(m.workArea.areaValues[0], m.workArea.areaValues[1]);
     if (larger > m.limitB) m.limitB = larger;

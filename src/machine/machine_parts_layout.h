@@ -10,7 +10,7 @@ struct Layout<ClampInfo> {
   static constexpr std::size_t kMinStoredSize = 24;
   static bool describe(auto& io, auto& c) {
     return io.fields(FIELDS(c.clampWord1, c.clampWord2, c.clampWord3, c.clampWord4, c.clampCount))
-        && io.atMost(FIELDS(c.clampCount), 8)
+        && io.require(atMost(FIELDS(c.clampCount), 8))
         && io.leading(c.clampCount, FIELDS(c.clampPositions))
         && io.fields(FIELDS(c.clampSpacing));
   }
@@ -38,11 +38,11 @@ struct Layout<MachineGrid> {
   static bool describe(auto& io, auto& g) {
     auto storedWidth = static_cast<std::uint32_t>(g.gridWidth);
     return io.fields(FIELDS(block(g.gridHead1, g.gridHead2)))
-        && io.afterRead(g, [](auto& r) { r.cellByteCount = 40000; })
+        && io.afterRead(g, "a file that ends here leaves cellByteCount 40000", [](auto& r) { r.cellByteCount = 40000; })
         && io.fields(FIELDS(g.cellByteCount))
         && io.sized(FIELDS(g.gridCells), g.cellByteCount)
         && io.fields(FIELDS(g.cellSizeX, g.cellSizeY, storedWidth))
-        && io.afterRead(g, [&](auto& r) {
+        && io.afterRead(g, "gridIsNarrow is 1 for a width below 65536; gridWidth takes its lower 16 bits", [&](auto& r) {
              r.gridIsNarrow = storedWidth < 0x10000U ? 1 : 0;
              r.gridWidth = static_cast<std::int32_t>(storedWidth & 0xFFFFU);
            })
@@ -74,7 +74,7 @@ struct Layout<MachineExtension> {
                             e.extensionValue41, e.extensionValue42, e.extensionValue43, e.extensionValue44))
         && io.fields(FIELDS(block(e.extensionValue45, e.extensionValue46), e.extensionValue47, e.extensionValue48,
                             e.extensionValue49, e.extensionValue50))
-        && io.countThenClear(FIELDS(e.extensionWords));
+        && io.list(FIELDS(e.extensionWords), kReplaced);
   }
 };
 
@@ -92,7 +92,7 @@ template <>
 struct Layout<MachineUnit> {
   static constexpr std::size_t kMinStoredSize = 12;
   static bool describe(auto& io, auto& u) {
-    return io.fields(FIELDS(u.unitKey1, u.unitKey2)) && io.countThenClear(FIELDS(u.unitEntries));
+    return io.fields(FIELDS(u.unitKey1, u.unitKey2)) && io.list(FIELDS(u.unitEntries), kReplaced);
   }
 };
 
@@ -102,7 +102,7 @@ struct Layout<MachineUnitTable> {
   static bool describe(auto& io, auto& t) {
     return io.fields(FIELDS(t.unitFlag1, t.unitFlag2, t.unitValue1, t.unitValue2, t.unitValue3, t.unitValue4,
                             t.unitValue5, t.unitValue6, t.unitValue7))
-        && io.countThenClear(FIELDS(t.units))
+        && io.list(FIELDS(t.units), kReplaced)
         && io.since(121, FIELDS(t.unitValue8, t.unitValue9, t.unitValue10, t.unitValue11, t.unitValue12, t.unitValue13,
                                 t.unitValue14, t.unitValue15, t.unitValue16))
         && io.since(141, FIELDS(t.unitFlag4, t.unitValue17, t.unitValue18, t.unitValue19, t.unitFlag5, t.unitValue20,

@@ -17,13 +17,13 @@ namespace {
 template <class List>
 int readList(InStream& stream, int version, List& list) {
   Reader io(stream, version);
-  return resultOf(io.countThenClear(FIELDS(list)));
+  return resultOf(io.list(FIELDS(list), codec::kReplaced));
 }
 
 template <class List>
 bool writeList(OutStream& stream, int version, const List& list) {
   Writer io(stream, version);
-  return io.countThenClear(FIELDS(list));
+  return io.list(FIELDS(list), codec::kReplaced);
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ inline constexpr ChoiceLimit kChoiceLimits[] = {
     {&OldMaterial::choice1, 4}, {&OldMaterial::choice2, 8}, {&OldMaterial::choice3, 4}, {&OldMaterial::choice4, 6},
     {&OldMaterial::choice5, 8}, {&OldMaterial::choice6, 4}, {&OldMaterial::choice7, 6}, {&OldMaterial::choice8, 8},
 };
-// What a load makes of a value outside both banks. The gap between the banks is not looked at.
+// What a load makes of a value outside both banks. The gap between the banks is ignored.
 inline std::int32_t choiceAfterReading(std::int32_t value, std::int32_t limit) {
   if (value >= 0 && value < 1001 + limit) return value;
   return value < 1000 ? 1 : 1001;
@@ -43,8 +43,8 @@ struct Layout<SettingEntry> {
 template <>
 struct Layout<SettingGroup> {
   static bool describe(auto& io, auto& g) {
-    // A group that the file ends in front of is left out, and so are all behind it.
-    return io.skipUnless(FIELDS(g.groupWord), [&] { return io.countThenClear(FIELDS(g.groupList)); });
+    // A group that the file does not reach is left out, and so are all after it.
+    return io.optionalTail(FIELDS(g.groupWord)) && io.list(FIELDS(g.groupList), kReplaced);
   }
 };
 
@@ -61,9 +61,9 @@ template <>
 struct Layout<MaterialToolSetTable> {
   static bool describe(auto& io, auto& t) {
     return io.fields(FIELDS(t.toleranceA, t.toleranceB, t.toleranceC, t.toleranceD))
-        && io.afterRead(t, [](auto& r) { r.setCount = 6; })
+        && io.afterRead(t, "a file that ends here leaves setCount 6", [](auto& r) { r.setCount = 6; })
         && io.fields(FIELDS(t.setCount))
-        && io.atMost(FIELDS(t.setCount), 6)
+        && io.require(atMost(FIELDS(t.setCount), 6))
         && io.rows(t.setCount, [&](std::size_t i) { return io.record(FIELDS(t.sets[i])); });
   }
 };
@@ -72,16 +72,16 @@ template <>
 struct Layout<MaterialPalette> {
   static bool describe(auto& io, auto& p) {
     return io.fields(FIELDS(p.paletteMode))
-        && io.afterRead(p, [](auto& r) { r.colourCount = 20; })
+        && io.afterRead(p, "a file that ends here leaves colourCount 20", [](auto& r) { r.colourCount = 20; })
         && io.fields(FIELDS(p.colourCount))
-        && io.atMost(FIELDS(p.colourCount), 20)
+        && io.require(atMost(FIELDS(p.colourCount), 20))
         && io.rows(p.colourCount, [&](std::size_t i) { return io.fields(FIELDS(p.red[i], p.green[i], p.blue[i])); })
-        && io.countThenClear(FIELDS(p.listA))
-        && io.countThenClear(FIELDS(p.listB))
-        && io.countThenClear(FIELDS(p.listC))
-        && io.afterRead(p, [](auto& r) { r.groupCount = 5; })
+        && io.list(FIELDS(p.listA), kReplaced)
+        && io.list(FIELDS(p.listB), kReplaced)
+        && io.list(FIELDS(p.listC), kReplaced)
+        && io.afterRead(p, "a file that ends here leaves groupCount 5", [](auto& r) { r.groupCount = 5; })
         && io.fields(FIELDS(p.groupCount))
-        && io.atMost(FIELDS(p.groupCount), 5)
+        && io.require(atMost(FIELDS(p.groupCount), 5))
         && io.rows(p.groupCount, [&](std::size_t i) {
              return io.record(FIELDS(p.groupsE[i])) && io.record(FIELDS(p.groupsF[i]))
                  && io.record(FIELDS(p.groupsG[i])) && io.record(FIELDS(p.groupsH[i]));
@@ -121,8 +121,10 @@ struct Layout<AngleRule> {
         && describeEntries(io, r, paired ? doubled(r.angleCount) : r.angleCount)
         && io.fields(FIELDS(r.sizeLimitX, r.sizeLimitY))
         && io.reserved(10)
-        && io.afterRead(r, [paired](auto& rule) {
-             if (paired) rule.angleCount = static_cast<std::int8_t>(doubled(rule.angleCount) / 2);
+        && io.when(custom("of pairRules", paired), [&] {
+             return io.afterRead(r, "angleCount becomes half of the count that was walked", [](auto& rule) {
+             rule.angleCount = static_cast<std::int8_t>(doubled(rule.angleCount) / 2);
+             });
            });
   }
 
@@ -131,7 +133,7 @@ struct Layout<AngleRule> {
   static std::int8_t doubled(std::int8_t count) { return static_cast<std::int8_t>(static_cast<std::uint8_t>(count * 2)); }
 
   static bool describeEntries(auto& io, auto& r, std::int8_t entryCount) {
-    return io.atMost(FIELDS(entryCount), 10)
+    return io.require(atMost(FIELDS(entryCount), 10))
         && io.rows(entryCount, [&](std::size_t i) { return io.fields(FIELDS(r.ruleValues[i], r.ruleAngles[i])); });
   }
 };
@@ -140,10 +142,11 @@ template <>
 struct Layout<SizeRule> {
   static constexpr std::size_t kMinStoredSize = 22;
   static bool describe(auto& io, auto& r, SizeRuleForm form) {
-    return io.when(form == SizeRuleForm::a, FIELDS(r.sizeFlagA, r.sizeFlagB, r.sizeValue5, r.sizeValue1, r.sizeValue2,
-                                                   r.sizeValue3, r.sizeValue4))
-        && io.when(form == SizeRuleForm::b, FIELDS(r.sizeValue1, r.sizeValue2, r.sizeValue3, r.sizeValue4, r.sizeValue5,
-                                                   r.sizeValue6));
+    return io.when(custom("in sizeRulesA", form == SizeRuleForm::a), FIELDS(r.sizeFlagA, r.sizeFlagB, r.sizeValue5,
+                                                                            r.sizeValue1, r.sizeValue2, r.sizeValue3,
+                                                                            r.sizeValue4))
+        && io.when(custom("in sizeRulesB", form == SizeRuleForm::b), FIELDS(r.sizeValue1, r.sizeValue2, r.sizeValue3,
+                                                                            r.sizeValue4, r.sizeValue5, r.sizeValue6));
   }
 };
 
@@ -154,18 +157,18 @@ struct Layout<MaterialRuleLists> {
     return io.fields(FIELDS(l.ruleFlag1, l.ruleWord1, l.ruleAngle1, l.ruleFlag2, l.ruleWord2, l.ruleAngle2,
                             angleRuleCount))
         && io.clear(FIELDS(l.angleRules))
-        && io.appendRun(angleRuleCount, FIELDS(l.angleRules), false)
+        && io.list(FIELDS(l.angleRules), appended(angleRuleCount), false)
         && io.optionalTail([&] { return io.reserved(10); })
-        && io.afterRead(l, [&](auto& r) {
+        && io.afterRead(l, "unless there are 6 angleRules, the 6 default rules are added", [&](auto& r) {
              if (angleRuleCount == 6) return;
              for (const AngleRule& rule : MaterialRuleLists::defaultAngleRules()) r.angleRules.push_back(rule);
            })
         && io.fields(FIELDS(l.ruleFlag3))
-        && io.since(155, [&] { return io.countThenClear(FIELDS(l.pairRules), true); })
+        && io.since(155, [&] { return io.list(FIELDS(l.pairRules), kReplaced, true); })
         && io.since(161, [&] {
-             return io.countThenClear(FIELDS(l.sizeRulesA), SizeRuleForm::a)
+             return io.list(FIELDS(l.sizeRulesA), kReplaced, SizeRuleForm::a)
                  && io.fields(FIELDS(l.ruleFlag4))
-                 && io.countThenClear(FIELDS(l.sizeRulesB), SizeRuleForm::b);
+                 && io.list(FIELDS(l.sizeRulesB), kReplaced, SizeRuleForm::b);
            });
   }
 };
@@ -185,28 +188,28 @@ template <>
 struct Layout<OldMaterial> {
   static bool describe(auto& io, auto& s) {
     constexpr std::int32_t kLongestName = 10000;
-    return io.lengthTextOrEmpty(FIELDS(s.name), kLongestName)
-        && io.countThenClear(FIELDS(s.entryList))
+    return io.lengthText(FIELDS(s.name), kLongestName)
+        && io.list(FIELDS(s.entryList), kReplaced)
         && io.record(FIELDS(s.toolSets))
         && io.record(FIELDS(s.palette))
         && io.record(FIELDS(s.stages))
         && io.record(FIELDS(s.rules))
         && io.fields(FIELDS(s.modeA, s.modeB))
-        && io.afterRead(s, [](auto& r) { if (r.modeB == 6) r.modeB = 10; })
+        && io.afterRead(s, "modeB 6 becomes 10", [](auto& r) { if (r.modeB == 6) r.modeB = 10; })
         && io.fields(FIELDS(s.modeC, s.setting1, s.setting2, s.setting3, s.setting4, s.setting5, s.setting6,
                             s.setting7))
         && io.fields(FIELDS(s.choice1, s.choice2, s.choice3, s.choice4, s.choice5, s.choice6, s.choice7, s.choice8))
         && io.fields(FIELDS(s.setting8, s.setting9))
-        && io.afterRead(s, [](auto& r) {
+        && io.afterRead(s, "choices outside their two banks become 1 or 1001", [](auto& r) {
              for (const auto& [choice, limit] : kChoiceLimits) r.*choice = choiceAfterReading(r.*choice, limit);
            })
-        // Too late for what has just been stored: it reaches the next file alone.
-        && io.beforeWrite(s, [](auto& r) {
+        // Too late for what has just been stored: only the next file has it.
+        && io.beforeWrite(s, "choices above their high bank become 1000 and their last digit", [](auto& r) {
              for (const auto& [choice, limit] : kChoiceLimits) r.*choice = choiceAfterWriting(r.*choice, limit);
            })
         && io.fields(FIELDS(s.setting10, s.setting11, s.setting12, s.settingListCount))
-        && io.atMost(FIELDS(s.settingListCount), 6)
-        && io.rows(s.settingListCount, [&](std::size_t i) { return io.countThenClear(FIELDS(s.settingLists[i])); })
+        && io.require(atMost(FIELDS(s.settingListCount), 6))
+        && io.rows(s.settingListCount, [&](std::size_t i) { return io.list(FIELDS(s.settingLists[i]), kReplaced); })
         && io.record(FIELDS(s.head))
         && io.fields(FIELDS(s.setting13))
         && io.optionalTail([&] { return io.reserved(500); })

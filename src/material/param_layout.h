@@ -18,8 +18,8 @@ inline ParamForm paramFormToRead(std::uint16_t version) {
   }
 }
 
-// The writer knows two layouts, so that a table of version 500 to 502 is stored in one that its own
-// version word does not tell.
+// The writer knows two layouts, so that a table of version 500 to 502 is stored in one that does not match its
+// version word.
 inline ParamForm paramFormToWrite(std::uint16_t version) {
   const auto asSigned = static_cast<std::int16_t>(version);
   if (asSigned >= 60) return ParamForm::main;
@@ -40,33 +40,32 @@ struct Layout<ParamTable> {
   static constexpr std::size_t kShortName = 21;
 
   static bool describeForm(auto& io, auto& t, ParamForm form) {
-    const bool isRefused = form == ParamForm::none;
-    return io.when(isRefused, [&] { return io.range(FIELDS(t.version), 60, 59); })
-        && io.when(form == ParamForm::main, [&] { return describeMain(io, t, t.version >= 80); })
-        && io.when(form == ParamForm::version52, [&] {
+    return io.require(custom(FIELDS(t.version), "52, 60 to 499, or in a file 500 to 502", form != ParamForm::none))
+        && io.when(custom(FIELDS(t.version), "60 to 499", form == ParamForm::main), [&] { return describeMain(io, t); })
+        && io.when(custom(FIELDS(t.version), "52", form == ParamForm::version52), [&] {
              return io.slice(FIELDS(t.intParams), 55, 89)
                  && io.slice(FIELDS(t.intParams), 101, 125)
                  && io.slice(FIELDS(t.realParams), 55, 89)
                  && io.slice(FIELDS(t.realParams), 101, 125)
                  && describeLongName(io, t);
            })
-        && io.onlyRead([&](auto& reader) { return describeOldForms(reader, t, form); });
+        && io.onlyRead([&](auto& reader) { return describeOldForms(reader, t); });
   }
 
-  static bool describeOldForms(auto& io, auto& t, ParamForm form) {
-    return io.when(form == ParamForm::version502, [&] {
-             return io.template sliceAs<std::int16_t>(FIELDS(t.intParams), 55, 89)
-                 && io.template sliceAs<std::int16_t>(FIELDS(t.intParams), 101, 125)
+  static bool describeOldForms(auto& io, auto& t) {
+    return io.when(equals(FIELDS(t.version), 502), [&] {
+             return io.template slice<std::int16_t>(FIELDS(t.intParams), 55, 89)
+                 && io.template slice<std::int16_t>(FIELDS(t.intParams), 101, 125)
                  && io.slice(FIELDS(t.realParams), 55, 89)
                  && io.slice(FIELDS(t.realParams), 101, 125)
-                 && io.bytesOrOne(FIELDS(t.name), kShortName);
+                 && describeShortName(io, t);
            })
-        && io.when(form == ParamForm::version501, [&] {
-             return io.template sliceAs<std::int16_t>(FIELDS(t.intParams), 55, 89)
+        && io.when(equals(FIELDS(t.version), 501), [&] {
+             return io.template slice<std::int16_t>(FIELDS(t.intParams), 55, 89)
                  && io.slice(FIELDS(t.realParams), 55, 89)
-                 && io.bytesOrOne(FIELDS(t.name), kShortName);
+                 && describeShortName(io, t);
            })
-        && io.when(form == ParamForm::version500, [&] {
+        && io.when(equals(FIELDS(t.version), 500), [&] {
              return io.fields(FIELDS(as<float>(t.realParams[55]), as<std::int16_t>(t.intParams[55]),
                                      as<float>(t.realParams[56]), as<float>(t.realParams[57]),
                                      as<std::int16_t>(t.intParams[56]), as<std::int16_t>(t.intParams[57]),
@@ -75,33 +74,45 @@ struct Layout<ParamTable> {
                                      as<std::int16_t>(t.intParams[61]), as<std::int16_t>(t.intParams[62]),
                                      as<std::int16_t>(t.intParams[63]), as<float>(t.realParams[59]),
                                      as<float>(t.realParams[60]), as<float>(t.realParams[61])))
-                 && io.bytesOrOne(FIELDS(t.name), kShortName);
+                 && describeShortName(io, t);
            });
   }
 
-  static bool describeMain(auto& io, auto& t, bool hasLateNumbers) {
+  static bool describeMain(auto& io, auto& t) {
     return io.fields(FIELDS(t.title))
         && io.slice(FIELDS(t.intParams), 55, 89)
         && io.slice(FIELDS(t.intParams), 101, 125)
-        // A zero in the file leaves these two integers as they are.
         && io.slice(FIELDS(t.intParams), 401, 489)
-        && io.nonZero(FIELDS(t.intParams[490]))
+        && io.fields(FIELDS(nonZero(t.intParams[490])))
         && io.fields(FIELDS(t.intParams[491]))
-        && io.nonZero(FIELDS(t.intParams[492]))
+        && io.fields(FIELDS(nonZero(t.intParams[492])))
         && io.slice(FIELDS(t.intParams), 493, 500)
-        && io.when(hasLateNumbers, [&] { return io.slice(FIELDS(t.intParams), 551, 600); })
+        && io.when(hasLateNumbers(t), [&] { return io.slice(FIELDS(t.intParams), 551, 600); })
         && io.slice(FIELDS(t.realParams), 55, 89)
         && io.slice(FIELDS(t.realParams), 101, 125)
         && io.slice(FIELDS(t.realParams), 401, 500)
-        && io.when(hasLateNumbers, [&] { return io.slice(FIELDS(t.realParams), 551, 600); })
+        && io.when(hasLateNumbers(t), [&] { return io.slice(FIELDS(t.realParams), 551, 600); })
         && io.slice(FIELDS(t.textParams), 55, 89)
         && io.slice(FIELDS(t.textParams), 101, 125)
         && io.slice(FIELDS(t.textParams), 401, 500)
-        && io.when(hasLateNumbers, [&] { return io.slice(FIELDS(t.textParams), 551, 600); })
+        && io.when(hasLateNumbers(t), [&] { return io.slice(FIELDS(t.textParams), 551, 600); })
         && describeLongName(io, t);
   }
+  static auto hasLateNumbers(auto& t) { return custom(FIELDS(t.version), "80 or above", t.version >= 80); }
+
+  // Read byte by byte: a file that ends after the first one has a name of one byte.
+  static bool describeShortName(auto& io, auto& t) {
+    const bool isComplete = io.has(kShortName);
+    return io.when(custom("all of it is there", isComplete), [&] { return io.sized(FIELDS(t.name), kShortName); })
+        && io.when(custom("the file ends in it", !isComplete), [&] {
+             return io.fields(FIELDS(t.name[0]))
+                 && io.optionalTail(FIELDS(t.name[1]))
+                 && io.slice(FIELDS(t.name), 2, kShortName - 1);
+           });
+  }
+
   static bool describeLongName(auto& io, auto& t) {
-    return io.afterRead(t, [](auto& r) { r.nameLength = 0; })
+    return io.afterRead(t, "a file that ends here leaves nameLength 0", [](auto& r) { r.nameLength = 0; })
         && io.fields(FIELDS(t.nameLength))
         && io.sized(FIELDS(t.name), t.nameLength);
   }

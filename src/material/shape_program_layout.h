@@ -18,9 +18,9 @@ struct Layout<ShapeProgramGroup> {
   static constexpr std::size_t kMinStoredSize = 24;
   static bool describe(auto& io, auto& g) {
     return io.record(FIELDS(g.groupShapes))
-        && io.countThenClear(FIELDS(g.groupQuads))
-        && io.countThenClear(FIELDS(g.groupSteps))
-        && io.countThenClear(FIELDS(g.groupSlots));
+        && io.list(FIELDS(g.groupQuads), kReplaced)
+        && io.list(FIELDS(g.groupSteps), kReplaced)
+        && io.list(FIELDS(g.groupSlots), kReplaced);
   }
 };
 
@@ -30,7 +30,7 @@ struct Layout<ShapeProgram> {
   static bool describe(auto& io, auto& p) {
     return io.fields(FIELDS(p.programWord1, p.programWord2, p.programWord3, p.programWord4, p.programWord5,
                             p.programWord6, p.programValue1, p.programValue2, p.programValue3, p.programValue4))
-        && io.countThenClear(FIELDS(p.programGroups))
+        && io.list(FIELDS(p.programGroups), kReplaced)
         && io.since(158, FIELDS(p.programWord7));
   }
 };

@@ -1,4 +1,4 @@
-// Stored forms of parts of version 5 and of versions 2 and 3, behind the version word. They are read
+// Stored forms of parts of version 5 and of versions 2 and 3, after the version word. They are read
 // only: a save at these versions takes the main layout.
 #pragma once
 #include <algorithm>
@@ -14,7 +14,9 @@ namespace oldtorvio::codec {
 
 // Type, auxWord and flags have been read.
 inline bool describeOldGeometry(auto& io, auto& s) {
-  return io.afterRead(s, [](auto& r) { if (!keepsFirstFlag(r.type)) r.flags &= ~1U; })
+  return io.afterRead(s, "only types 2 to 5 keep bit 0 of flags", [](auto& r) {
+             if (!keepsFirstFlag(r.type)) r.flags &= ~1U;
+           })
       && io.fields(FIELDS(s.x, s.y))
       && io.leading(oldValueCount(s.type), FIELDS(s.values));
 }
@@ -37,7 +39,7 @@ struct Layout<Version5Part> {
         && io.sized(FIELDS(p.partName), 21)
         && io.fields(FIELDS(p.width, p.height, p.productName, p.assemblyName, p.materialName,
                             as<std::int16_t>(p.partKind), as<std::int16_t>(p.partWord1), p.thickness))
-        && io.afterRead(p, [](auto& r) { r.materialType[0] = '\0'; })
+        && io.afterRead(p, "materialType becomes empty", [](auto& r) { r.materialType[0] = '\0'; })
         && io.clear(FIELDS(p.shapes.shapes))
         && io.fields(FIELDS(shapeCount))
         && io.rows(shapeCount, [&](std::size_t i) { return describeShape(io, p, i); })
@@ -56,7 +58,7 @@ struct Layout<Version5Part> {
              return io.fields(FIELDS(s.type, as<std::int16_t>(s.auxWord), as<std::int16_t>(s.flags)))
                  && describeOldGeometry(io, s);
            })
-        && io.afterRead(s, [&](auto& r) {
+        && io.afterRead(s, "angles are limited to a full turn, degenerate arcs are fixed", [&](auto& r) {
              limitToFullTurn(r, kFullTurnVersion5);
              fixDegenerateArc(r);
              p.shapes.shapes.push_back(r);
@@ -73,11 +75,11 @@ struct Layout<Version5Part> {
                  && io.rows(itemCount, [&](std::size_t n) {
                       PatternItem item;
                       return io.element(FIELDS(t.items), n, [&] { return describeOldItem(io, item); })
-                          && io.afterRead(item, [&](auto& r) { t.items.push_back(r); });
+                          && io.afterRead(item, "", [&](auto& r) { t.items.push_back(r); });
                     });
            })
-        // A part stands once, where it stands, and it has no tools that a number could mean.
-        && io.afterRead(t, [&](auto& r) {
+        // A part is placed once, at its own origin, and has no tools that a number could refer to.
+        && io.afterRead(t, "one by one copy without steps at 0, 0; no tool numbers", [&](auto& r) {
              r.gridCount1 = r.gridCount2 = 1;
              r.gridStep1 = r.gridStep2 = 0;
              r.originX = r.originY = 0;
@@ -94,7 +96,7 @@ struct Layout<Version5Part> {
         && io.rows(entryCount, [&](std::size_t i) {
              SetupEntry e;
              return io.element(FIELDS(l.entries), i, [&] { return describeShortSetupEntry(io, e); })
-                 && io.afterRead(e, [&](auto& r) { if (filter.keeps(r)) l.entries.push_back(r); });
+                 && io.afterRead(e, "continuations of a text are merged or dropped", [&](auto& r) { if (filter.keeps(r)) l.entries.push_back(r); });
            })
         && describeShortSetupEntry(io, l.current)
         && io.fields(FIELDS(l.tailBlock, l.tailWord1, l.tailWord2));
@@ -105,12 +107,12 @@ struct Layout<Version5Part> {
     return io.element(FIELDS(p.marks), i, [&] {
              return io.fields(FIELDS(as<std::int16_t>(m.markWord1), m.markShort, m.markWord2, m.markWord3));
            })
-        && io.afterRead(m, [&](auto& r) { p.marks.push_back(r); });
+        && io.afterRead(m, "", [&](auto& r) { p.marks.push_back(r); });
   }
 };
 
-// Versions 2 and 3. The reading never succeeds: behind the shapes and the setup section there is
-// always a place where it ends.
+// Versions 2 and 3. A load never succeeds: after the shapes and the setup section there is always a place where
+// it ends.
 struct Version3Part {
   TorvPart& part;
 };
@@ -131,12 +133,14 @@ struct Layout<Version3Part> {
         && io.clear(FIELDS(p.shapes.shapes))
         && describeShapes(io, p, shapeCount, hasItems == 1)
         && io.continueOnFailure([&] { return describeSetupSection(io, p.setupList); })
-        && io.when(hasItems == 1, [&] { return describeItems(io); })
-        && io.when(hasShapeFixes == 1, [&] { return describeShapeFixes(io, p.shapes.shapes); })
-        && io.notReadOn();
+        && io.when(equals(FIELDS(hasItems), 1), [&] { return describeItems(io); })
+        && io.when(equals(FIELDS(hasShapeFixes), 1), [&] { return describeShapeFixes(io, p.shapes.shapes); })
+        && io.require(kNothingFollows);
   }
 
  private:
+  static constexpr PlaceCondition kNothingFollows = custom("nothing after this is read", false);
+
   static bool describeShapes(auto& io, TorvPart& p, std::int16_t shapeCount, bool hasItems) {
     OldShapeConverter converter(hasItems);
     Pattern pattern;
@@ -146,23 +150,25 @@ struct Layout<Version3Part> {
              std::int16_t auxWord = 0, flags = 0;
              return io.element(FIELDS(p.shapes.shapes), i, [&] {
                       return io.fields(FIELDS(block(s.type, unused1, auxWord, unused2, flags)))
-                          && io.afterRead(s, [&](auto& r) {
+                          && io.afterRead(s, "", [&](auto& r) {
                                r.auxWord = auxWord;
                                r.flags = static_cast<std::uint32_t>(flags);
                              })
                           && describeOldGeometry(io, s);
                     })
-                 && io.afterRead(s, [&](auto& r) {
+                 && io.afterRead(s, "angles are limited to a full turn, types and flags are converted", [&](auto& r) {
                       limitToFullTurn(r, kFullTurnVersion3);
                       converter.convert(r, p.shapes.shapes.size());
                       p.shapes.shapes.push_back(r);
                       pattern.items.emplace_back().itemWord1 = r.flags & 0x310U;
                     });
            })
-        && io.afterRead(p, [&](auto& r) { r.patterns.push_back(std::move(pattern)); });
+        && io.afterRead(p, "one pattern with an item for each shape", [&](auto& r) {
+             r.patterns.push_back(std::move(pattern));
+           });
   }
 
-  // A record that carries a text takes those behind it for itself.
+  // A record that carries a text uses up the records after it.
   static bool describeSetupSection(auto& io, SetupList& l) {
     std::int16_t recordCount = 0;
     std::int64_t asText = 0;
@@ -170,8 +176,10 @@ struct Layout<Version3Part> {
         && io.fields(FIELDS(recordCount))
         && io.rows(recordCount, [&](std::size_t i) {
              const bool isText = asText > 0;
-             return io.when(isText, [&] { return io.afterRead(asText, [](auto& left) { --left; }); })
-                 && io.when(!isText, [&] { return describeSetupRecord(io, l, i, asText); });
+             return io.when(custom("counted as a text of the record before", isText),
+                            [&] { return io.afterRead(asText, "nothing is stored", [](auto& left) { --left; }); })
+                 && io.when(custom("not a text of a record before", !isText),
+                            [&] { return describeSetupRecord(io, l, i, asText); });
            });
   }
 
@@ -180,21 +188,21 @@ struct Layout<Version3Part> {
     std::string text;
     return io.element(FIELDS(l.entries), i, [&] {
              return io.fields(FIELDS(record.bytes))
-                 && io.when(!record.hasKnownType(), [&] { return io.notReadOn(); })
-                 && io.when(record.bytesBehind() > 0,
+                 && io.require(custom("records of an unknown type are not read", record.hasKnownType()))
+                 && io.when(custom("the type has more bytes", record.bytesBehind() > 0),
                             [&] { return io.reserved(static_cast<std::size_t>(record.bytesBehind())); })
-                 && io.when(record.carriesText(), [&] {
+                 && io.when(custom("the type has a text", record.carriesText()), [&] {
                       return io.rows(record.textCount(), [&](std::size_t) {
                         std::uint8_t unused[2] = {};
                         char textPiece[OldSetupRecord::kTextSize] = {};
                         return io.fields(FIELDS(unused, textPiece))
-                            && io.afterRead(text, [&](auto& all) {
+                            && io.afterRead(text, "", [&](auto& all) {
                                  all.append(textPiece, std::find(std::begin(textPiece), std::end(textPiece), '\0'));
                                });
                       });
                     });
            })
-        && io.afterRead(l, [&](auto& list) {
+        && io.afterRead(l, "the record becomes entries of a text, the current entry, or an entry", [&](auto& list) {
              if (record.carriesText()) {
                appendText(list, record, text);
                asText = std::max<std::int64_t>(record.textCount(), 0);
@@ -206,7 +214,7 @@ struct Layout<Version3Part> {
            });
   }
 
-  // Into nothing: the pattern keeps the items that its shapes gave it.
+  // Discarded: the pattern keeps the items that its shapes gave it.
   static bool describeItems(auto& io) {
     std::int16_t itemCount = 0, numberCount = 0;
     return io.fields(FIELDS(itemCount))
@@ -219,7 +227,7 @@ struct Layout<Version3Part> {
              std::int16_t number = 0;
              return io.fields(FIELDS(number));
            })
-        && io.notReadOn();
+        && io.require(kNothingFollows);
   }
 
   static bool describeShapeFixes(auto& io, std::vector<Shape>& shapes) {
@@ -229,8 +237,9 @@ struct Layout<Version3Part> {
              std::int16_t shapeIndex = 0, value = 0;
              const auto last = static_cast<std::int64_t>(shapes.size()) - 1;
              return io.fields(FIELDS(shapeIndex, value))
-                 && io.range(FIELDS(shapeIndex), std::int64_t{0}, last)
-                 && io.afterRead(shapes[static_cast<std::size_t>(shapeIndex)], [&](auto& shape) {
+                 && io.require(within(FIELDS(shapeIndex), std::int64_t{0}, last))
+                 && io.afterRead(shapes[static_cast<std::size_t>(shapeIndex)], "the shape is reset, value is its values[8]",
+                                 [&](auto& shape) {
                       shape = Shape();
                       shape.values[8] = value;
                     });

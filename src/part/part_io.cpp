@@ -21,11 +21,11 @@ bool WritePattern(OutStream& stream, int version, const Pattern& pattern) {
 }
 int ReadEmbeddedPatternList(InStream& stream, int version, bool embedded, PatternList& list) {
   Reader io(stream, version);
-  return resultOf(io.append(FIELDS(list), embedded));
+  return resultOf(io.list(FIELDS(list), codec::kAppended, embedded));
 }
 bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList& list) {
   Writer io(stream, version);
-  return io.append(FIELDS(list), true);
+  return io.list(FIELDS(list), codec::kAppended, true);
 }
 
 int ReadPlacedShapeList(InStream& stream, int version, PlacedShapeList& list) {
@@ -36,27 +36,27 @@ bool WritePlacedShapeList(OutStream& stream, int version, const PlacedShapeList&
 }
 bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups) {
   Reader io(stream, version);
-  return io.append(FIELDS(groups));
+  return io.list(FIELDS(groups), codec::kAppended);
 }
 bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups) {
   Writer io(stream, version);
-  return io.append(FIELDS(groups));
+  return io.list(FIELDS(groups), codec::kAppended);
 }
 bool ReadContourGroups(InStream& stream, int version, std::vector<ContourGroup>& groups) {
   Reader io(stream, version);
-  return io.clear(FIELDS(groups)) && io.append(FIELDS(groups));
+  return io.clear(FIELDS(groups)) && io.list(FIELDS(groups), codec::kAppended);
 }
 bool WriteContourGroups(OutStream& stream, int version, const std::vector<ContourGroup>& groups) {
   Writer io(stream, version);
-  return io.append(FIELDS(groups));
+  return io.list(FIELDS(groups), codec::kAppended);
 }
 bool ReadBindingSets(InStream& stream, int version, std::vector<BindingSet>& sets) {
   Reader io(stream, version);
-  return io.countThenClear(FIELDS(sets));
+  return io.list(FIELDS(sets), codec::kReplaced);
 }
 bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingSet>& sets) {
   Writer io(stream, version);
-  return io.countThenClear(FIELDS(sets));
+  return io.list(FIELDS(sets), codec::kReplaced);
 }
 
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly) {

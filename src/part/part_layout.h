@@ -18,11 +18,11 @@ inline bool isGroupKind(std::int32_t kind, int version) {
   return kind >= 32000 && kind <= (version < 110 ? 32004 : 32006);
 }
 
-// Where a part body stands, which decides what it holds beside the body proper.
+// Where a part is embedded, which decides what is stored besides its body.
 struct PartForm {
   enum Place { file, group, sheet } place = file;
-  std::int32_t nameBlockSize = 0;  // of the name blocks in front of it; 0 in a sheet: there are none
-  bool stopEarly = false;          // end behind the descriptions
+  std::int32_t nameBlockSize = 0;  // of the name blocks before it; 0 in a sheet: there are none
+  bool stopEarly = false;          // end after the descriptions
 
   bool embedded() const { return place == sheet; }
 };
@@ -100,30 +100,37 @@ struct Layout<Pattern> {
     BindColumns bindings(p);
     return io.fields(FIELDS(p.headWord, p.gridCount1, p.gridCount2, p.gridStep1, p.gridStep2,
                             block(p.originX, p.originY, p.rotationCos, p.rotationSin), p.patternWord, p.groupKind))
-        && io.afterRead(p, [&](auto& r) { if (!isGroupKind(r.groupKind, io.version())) r.groupKind = 0; })
-        && io.when(isGroupKind(p.groupKind, io.version()), [&] {
+        && io.afterRead(p, "groupKind becomes 0 if it is no group kind", [&](auto& r) {
+             if (!isGroupKind(r.groupKind, io.version())) r.groupKind = 0;
+           })
+        && io.when(groupKind(io, p), [&] {
              return io.fields(FIELDS(p.groupBlock, p.groupWords))
                  && io.since(110, FIELDS(p.bindWord1, p.bindWord2, p.bindWord3, p.bindByte, p.bindWord4));
            })
         // A short read in the late group data ends the pattern: head and lists stay as they are.
         && io.optionalTail([&] {
-             return io.when(isGroupKind(p.groupKind, io.version()), [&] {
-               return io.since(110, [&] { return io.fields(FIELDS(p.bindShorts)) && io.columns(FIELDS(bindings)); })
+             return io.when(groupKind(io, p), [&] {
+               return io.since(110, [&] { return io.fields(FIELDS(p.bindShorts)) && io.list(FIELDS(bindings), kPositiveCountFirst); })
                    && io.since(151, FIELDS(p.lateWord1, p.lateWord2, p.lateWord3))
                    && io.between(151, 155, [&] {
-                        return io.afterRead(p, [](auto& r) {
+                        return io.afterRead(p, "all bindThird become lateWord3", [](auto& r) {
                           std::fill(r.bindThird.begin(), r.bindThird.end(), r.lateWord3);
                         });
                       });
              });
            })
-        && io.afterRead(p, [embedded](auto& r) { if (!embedded) resetHead(r); })
-        && io.countFirst(FIELDS(p.items))
-        && io.since(80, [&] { return io.countFirst(FIELDS(p.profiles)) && io.countFirst(FIELDS(p.stepTables)); });
+        && io.when(custom("in a part or group file", !embedded), [&] {
+             return io.afterRead(p, "headWord becomes 0, the grid 1 by 1 without steps", [](auto& r) { resetHead(r); });
+           })
+        && io.list(FIELDS(p.items), kCountFirst)
+        && io.since(80, [&] { return io.list(FIELDS(p.profiles), kCountFirst) && io.list(FIELDS(p.stepTables), kCountFirst); });
   }
 
  private:
-  // In a part file of its own a pattern stands once, where the part stands.
+  static auto groupKind(const auto& io, auto& p) {
+    return custom(FIELDS(p.groupKind), "32000 to 32006 (32004 below version 110)", isGroupKind(p.groupKind, io.version()));
+  }
+  // In a part file a pattern is placed once, at the part's own origin.
   static void resetHead(Pattern& p) {
     p.headWord = 0;
     p.gridCount1 = p.gridCount2 = 1;
@@ -135,7 +142,7 @@ template <>
 struct Layout<PlacedShapeList> {
   static constexpr std::size_t kMinStoredSize = 12;
   static bool describe(auto& io, auto& l) {
-    return io.fields(FIELDS(l.placedBlock)) && io.reusedElement(FIELDS(l.shapes.shapes));
+    return io.fields(FIELDS(l.placedBlock)) && io.list(FIELDS(l.shapes.shapes), kReusedElement);
   }
 };
 
@@ -154,7 +161,7 @@ struct Layout<ContourGroup> {
   static constexpr std::size_t kMinStoredSize = 16;
   static bool describe(auto& io, auto& g) {
     return io.fields(FIELDS(g.contourWord1, g.contourWord2, g.contourWord3))
-        && io.countThenClear(FIELDS(g.shapes))
+        && io.list(FIELDS(g.shapes), kReplaced)
         && io.since(155, FIELDS(g.contourByte));
   }
 };
@@ -171,7 +178,7 @@ template <>
 struct Layout<BindingSet> {
   static constexpr std::size_t kMinStoredSize = 12;
   static bool describe(auto& io, auto& s) {
-    return io.fields(FIELDS(s.setWord)) && io.countThenClear(FIELDS(s.numbers)) && io.countThenClear(FIELDS(s.entries));
+    return io.fields(FIELDS(s.setWord)) && io.list(FIELDS(s.numbers), kReplaced) && io.list(FIELDS(s.entries), kReplaced);
   }
 };
 
@@ -180,26 +187,27 @@ struct Layout<TorvPart> {
   static constexpr std::size_t kMinStoredSize = 384;
   static constexpr std::size_t minStoredSize(int version) { return version < 62 ? kMinStoredSize : 1433; }
   static bool describe(auto& io, auto& p, const PartForm& form) {
-    return io.when(form.place == PartForm::group, [&] { return io.sized(FIELDS(p.partName), form.nameBlockSize); })
-        && io.when(form.place == PartForm::sheet && form.nameBlockSize != 0,
-                   [&] { return describePlacedPart(io, p, form); })
-        && io.when(form.place != PartForm::sheet || form.nameBlockSize == 0, [&] { return describeBody(io, p, form); });
+    const bool isPlaced = form.place == PartForm::sheet && form.nameBlockSize != 0;
+    return io.when(custom("in a group file", form.place == PartForm::group),
+                   [&] { return io.sized(FIELDS(p.partName), form.nameBlockSize); })
+        && io.when(custom("with name blocks, in a sheet", isPlaced), [&] { return describePlacedPart(io, p, form); })
+        && io.when(custom("without name blocks", !isPlaced), [&] { return describeBody(io, p, form); });
   }
 
  private:
-  // In a sheet the names are blocks of their own; the record takes their texts behind the body.
+  // In a sheet the names are blocks of their own; the record gets their texts after the body.
   static bool describePlacedPart(auto& io, auto& p, const PartForm& form) {
     char partName[256] = {}, partFullDosName[256] = {};
     std::memcpy(partName, p.partName, sizeof partName);
     std::memcpy(partFullDosName, p.partFullDosName, sizeof partFullDosName);
     return io.onlyRead([&](auto& reader) {
-             return reader.afterRead(partName, [](auto& n) { std::memset(n, 0, sizeof n); })
-                 && reader.afterRead(partFullDosName, [](auto& n) { std::memset(n, 0, sizeof n); });
+             return reader.afterRead(partName, "", [](auto& n) { std::memset(n, 0, sizeof n); })
+                 && reader.afterRead(partFullDosName, "", [](auto& n) { std::memset(n, 0, sizeof n); });
            })
         && io.sized(FIELDS(partName), form.nameBlockSize)
         && io.sized(FIELDS(partFullDosName), form.nameBlockSize)
         && describeBody(io, p, form)
-        && io.afterRead(p, [&](auto& r) {
+        && io.afterRead(p, "the texts of the name blocks become partName and partFullDosName", [&](auto& r) {
              frame::copyText(r.partName, partName);
              frame::setText(r.partFullDosName, fixedText(partFullDosName));
            });
@@ -215,38 +223,34 @@ struct Layout<TorvPart> {
         && io.since(80, FIELDS(p.headFlag), otherwise(0))
         && io.since(80, [&] { return io.fields(FIELDS(p.hasOptions)) && io.reserved(499); })
         && io.clear(FIELDS(p.patterns))
-        && io.when(!embedded, [&] {
+        && io.when(custom("in a part or group file", !embedded), [&] {
              return io.record(FIELDS(p.toolStations))
-                 && io.single(FIELDS(p.patterns), embedded)
-                 // The shapes are the master: the items follow them one for one.
-                 && io.afterRead(p, [](auto& r) { r.patterns.back().items.resize(r.shapes.shapes.size()); });
+                 && io.list(FIELDS(p.patterns), kSingle, embedded)
+                 && io.afterRead(p, "the pattern gets as many items as there are shapes",
+                                 [](auto& r) { r.patterns.back().items.resize(r.shapes.shapes.size()); });
            })
-        && io.when(embedded, [&] { return io.append(FIELDS(p.patterns), embedded); })
+        && io.when(custom("in a sheet", embedded), [&] { return io.list(FIELDS(p.patterns), kAppended, embedded); })
         && io.fields(FIELDS(p.processSlotCount))
-        && io.range(FIELDS(p.processSlotCount), 0, 250)
+        && io.require(within(FIELDS(p.processSlotCount), 0, 250))
         && io.rows(p.processSlotCount, [&](std::size_t i) { return io.record(FIELDS(p.processSlots[i])); })
-        && io.countFirst(FIELDS(p.marks))
-        && io.countFirst(FIELDS(p.profiles))
-        && io.countFirst(FIELDS(p.stepTables))
+        && io.list(FIELDS(p.marks), kCountFirst)
+        && io.list(FIELDS(p.profiles), kCountFirst)
+        && io.list(FIELDS(p.stepTables), kCountFirst)
         && io.fields(FIELDS(p.tailWord1, p.tailWord2))
-        && io.since(62, FIELDS(p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC, p.lateIndex))
-        && io.below(62, [&] {
-             return io.afterRead(p, [](auto& r) {
-               r.descriptionA[0] = r.descriptionB[0] = r.revision[0] = r.materialType[0] = r.descriptionC[0] = '\0';
-               r.lateIndex = -1;
-             });
-           })
-        && io.when(!form.stopEarly, [&] { return describeLatePart(io, p, embedded); });
+        && io.since(62, FIELDS(p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC),
+                    otherwise(""))
+        && io.since(62, FIELDS(p.lateIndex), otherwise(-1))
+        && io.when(custom("unless only descriptions are asked for", !form.stopEarly), [&] { return describeLatePart(io, p, embedded); });
   }
 
   static bool describeLatePart(auto& io, auto& p, bool embedded) {
     return io.clear(FIELDS(p.workList))
         && io.since(71, FIELDS(p.workKind), otherwise(2))
-        && io.since(71, [&] { return io.append(FIELDS(p.workList)); })
+        && io.since(71, [&] { return io.list(FIELDS(p.workList), kAppended); })
         && io.since(80, [&] {
              return describeShapeTrailer(io, p.shapes)
-                 && io.when(p.hasOptions != 0, FIELDS(p.optionWord, p.optionReal, p.optionCount, p.optionValue,
-                                                      p.optionText));
+                 && io.when(notEquals(FIELDS(p.hasOptions), 0), FIELDS(p.optionWord, p.optionReal, p.optionCount,
+                                                                       p.optionValue, p.optionText));
            })
         && io.since(102, [&] { return io.record(FIELDS(p.placedShapes)); })
         && io.since(110, FIELDS(p.customTextA, p.customTextB, p.customWord1, p.customWord2, p.customText1,
@@ -254,11 +258,11 @@ struct Layout<TorvPart> {
         && io.since(111, FIELDS(p.customTextD, p.customTextC))
         && io.since(112, FIELDS(p.customTextE))
         && io.since(140, FIELDS(p.lateBlock1, p.lateBlock2))
-        && io.since(151, [&] { return io.append(FIELDS(p.nestShapeGroups)); })
+        && io.since(151, [&] { return io.list(FIELDS(p.nestShapeGroups), kAppended); })
         && io.since(152, FIELDS(p.lateWords))
-        && io.since(154, [&] { return io.clear(FIELDS(p.contourGroups)) && io.append(FIELDS(p.contourGroups)); })
-        && io.since(161, [&] { return io.countThenClear(FIELDS(p.bindingSets)); })
-        && io.since(162, [&] { return io.when(embedded, FIELDS(p.woNumber)); })
+        && io.since(154, [&] { return io.clear(FIELDS(p.contourGroups)) && io.list(FIELDS(p.contourGroups), kAppended); })
+        && io.since(161, [&] { return io.list(FIELDS(p.bindingSets), kReplaced); })
+        && io.since(162, [&] { return io.when(custom("in a sheet", embedded), FIELDS(p.woNumber)); })
         && io.since(180, FIELDS(p.finalTextA, p.finalTextB, p.finalTextC, p.finalTextD, p.finalWord1, p.finalWord2));
   }
 };
@@ -276,9 +280,8 @@ struct Layout<GroupPartFile<Parts>> {
   static bool describe(auto& io, auto& g) {
     constexpr std::int32_t kWidest = sizeof(TorvPart::partName);
     return io.fields(FIELDS(g.extraPartCount, g.nameBlockSize))
-        && io.range(FIELDS(g.nameBlockSize), 1, kWidest)
-        && io.appendRun(std::int64_t{1} + std::max(g.extraPartCount, 0), FIELDS(g.parts),
-                        PartForm{PartForm::group, g.nameBlockSize});
+        && io.require(within(FIELDS(g.nameBlockSize), 1, kWidest))
+        && io.list(FIELDS(g.parts), appended(std::int64_t{1} + std::max(g.extraPartCount, 0)), PartForm{PartForm::group, g.nameBlockSize});
   }
 };
 

@@ -21,13 +21,13 @@ namespace {
 template <class List>
 int readCountFirst(InStream& stream, int version, List& list) {
   Reader io(stream, version);
-  return resultOf(io.countFirst(FIELDS(list)));
+  return resultOf(io.list(FIELDS(list), codec::kCountFirst));
 }
 
 template <class List>
 bool writeCountFirst(OutStream& stream, int version, const List& list) {
   Writer io(stream, version);
-  return io.countFirst(FIELDS(list));
+  return io.list(FIELDS(list), codec::kCountFirst);
 }
 
 }  // namespace

@@ -22,7 +22,8 @@ struct Layout<ProcessSlot> {
         && io.since(80, FIELDS(s.firstLength, s.firstAngle, s.secondLength, s.secondAngle, s.slotKind),
                     otherwise(kFresh.firstLength, kFresh.firstAngle, kFresh.secondLength, kFresh.secondAngle,
                               kFresh.slotKind))
-        && io.since(90, FIELDS(s.toolUse, s.toolActive, s.slotByte, s.toolChoice, s.firstToolNumber, s.secondToolNumber));
+        && io.since(90, FIELDS(s.toolUse, s.toolActive, s.slotByte, s.toolChoice, s.firstToolNumber,
+                               s.secondToolNumber));
   }
 };
 
@@ -34,7 +35,7 @@ struct Layout<StepTable> {
     constexpr int kMostSteps = 20;
     return io.fields(FIELDS(t.tableWord1, t.tableBlock, t.tableWord2, t.tableWord3))
         && io.optionalTail(FIELDS(t.stepCount))
-        && io.atMost(FIELDS(t.stepCount), kMostSteps)
+        && io.require(atMost(FIELDS(t.stepCount), kMostSteps))
         && io.rows(t.stepCount, [&](std::size_t i) {
              return io.fields(FIELDS(t.stepByteA[i], t.stepWord[i], t.stepByteB[i], t.stepByteC[i]));
            })
@@ -46,8 +47,8 @@ struct Layout<StepTable> {
 // As parts of version 5 store it.
 inline bool describeShortSetupEntry(auto& io, auto& e) {
   return io.fields(FIELDS(e.setupShort1, e.setupShort2, e.setupByte1, e.setupShort3, e.setupByte2, e.setupShort4,
-                     e.setupByte3, e.setupBlock, e.setupWord1, e.setupByte4, e.setupWord2, e.setupShort5,
-                     e.setupWord3));
+                          e.setupByte3, e.setupBlock, e.setupWord1, e.setupByte4, e.setupWord2, e.setupShort5,
+                          e.setupWord3));
 }
 
 template <>
@@ -65,8 +66,8 @@ struct Layout<SetupList> {
     std::int32_t entryCount = io.countOf(l.entries);
     return io.fields(FIELDS(entryCount))
         // Without entries nothing else is stored; a negative count stores the rest.
-        && io.when(entryCount != 0, [&] {
-             return io.counted(entryCount, FIELDS(l.entries))
+        && io.when(notEquals(FIELDS(entryCount), 0), [&] {
+             return io.list(FIELDS(l.entries), counted(entryCount))
                  && io.record(FIELDS(l.current))
                  && io.fields(FIELDS(l.tailBlock, l.tailWord1, l.tailWord2));
            });
@@ -78,7 +79,7 @@ struct Layout<MotionBlock> {
   static constexpr std::size_t kMinStoredSize = 48;
   static bool describe(auto& io, auto& m) {
     return io.fields(FIELDS(m.motionKind, m.motionWord, m.motionValue, m.motionLength1, m.motionAngle1, m.motionAngle2,
-                       m.motionLength2))
+                            m.motionLength2))
         && io.optionalTail([&] {
              return io.since(151, FIELDS(m.lateWord1, m.lateWord2))
                  && io.since(152, FIELDS(m.lateWord3, m.lateWord4, m.lateWord5));
@@ -93,7 +94,7 @@ struct Layout<ProfileRecord> {
   static constexpr std::size_t minStoredSize(int version) { return version < 80 ? kMinStoredSize : 224; }
   static bool describe(auto& io, auto& p) {
     return io.fields(FIELDS(p.profileHead, p.profileIndex, p.profileWord1, p.profileWord2, p.profileCondition1,
-                       p.profileBlock, p.profileCondition2, p.profileWord4))
+                            p.profileBlock, p.profileCondition2, p.profileWord4))
         && io.since(54, FIELDS(p.profileWord3))
         && io.since(80, [&] {
              return io.fields(FIELDS(p.profileWords))
@@ -116,14 +117,10 @@ struct Layout<PatternItem> {
   static constexpr bool kFastPath = true;
   static bool describe(auto& io, auto& i) {
     return io.fields(FIELDS(i.itemWord1, i.toolNumber))
-        && io.since(62, FIELDS(i.itemWord2, block(i.itemPair1[0], i.itemPair1[1]), block(i.itemPair2[0], i.itemPair2[1]),
-                          i.itemShort1, i.itemShort2, i.itemWord3, i.itemWord4))
-        && io.below(62, [&] {
-             return io.afterRead(i, [](auto& r) {
-               r.itemWord2 = r.itemShort1 = r.itemShort2 = r.itemWord3 = r.itemWord4 = 0;
-               r.itemPair1[0] = r.itemPair1[1] = r.itemPair2[0] = r.itemPair2[1] = 0;
-             });
-           })
+        && io.since(62, FIELDS(i.itemWord2, block(i.itemPair1[0], i.itemPair1[1]),
+                               block(i.itemPair2[0], i.itemPair2[1]), i.itemShort1, i.itemShort2, i.itemWord3,
+                               i.itemWord4),
+                    otherwise(0))
         && io.since(90, FIELDS(i.lateWord));
   }
 };

@@ -26,24 +26,34 @@ template <>
 struct Layout<OldTool> {
   static constexpr std::size_t kMinStoredSize = 76;
   static bool describe(auto& io, auto& tool, bool pathIsStored) {
-    return io.afterRead(tool, [](auto& t) { t.name.clear(); })
+    return io.afterRead(tool, "name becomes empty", [](auto& t) { t.name.clear(); })
         && io.fields(FIELDS(tool.orientation, tool.shapeCode))
-        && io.when(tool.shapeCode == kSpecialTool, [&] { return io.since(90, FIELDS(tool.specialBlock)); })
+        && io.when(equals(FIELDS(tool.shapeCode), kSpecialTool), [&] { return io.since(90, FIELDS(tool.specialBlock)); })
         && io.fields(FIELDS(tool.specialToolIndex))
-        && io.when(pathIsStored && tool.shapeCode == kSpecialTool, FIELDS(tool.specialToolPath))
+        && io.when(custom("in a station list", pathIsStored), [&] {
+             return io.when(equals(FIELDS(tool.shapeCode), kSpecialTool), FIELDS(tool.specialToolPath));
+           })
         && io.fields(FIELDS(tool.auxWord1))
-        && io.when(tool.shapeCode == kTriangle, FIELDS(tool.dimension2, tool.dimension1, tool.dimension3))
-        && io.when(tool.shapeCode != kTriangle, FIELDS(tool.dimension1, tool.dimension2, tool.dimension3))
-        && io.afterRead(tool, [](auto& t) { if (t.shapeCode == kSpecialTool) t.symmetryFlags = symmetryOf(t.dimension3); })
+        && io.when(equals(FIELDS(tool.shapeCode), kTriangle), FIELDS(tool.dimension2, tool.dimension1, tool.dimension3))
+        && io.when(notEquals(FIELDS(tool.shapeCode), kTriangle), FIELDS(tool.dimension1, tool.dimension2,
+                                                                        tool.dimension3))
+        && io.when(equals(FIELDS(tool.shapeCode), kSpecialTool), [&] {
+             return io.afterRead(tool, "symmetryFlags is derived from dimension3: 1 near 1, 2 near 2, otherwise 0",
+                                 [](auto& t) { t.symmetryFlags = symmetryOf(t.dimension3); });
+           })
         && io.fields(FIELDS(tool.firstValueCount))
         // Four entries below version 110: the middle two do not exist there and are 0.
         && io.since(110, FIELDS(tool.firstValues))
         && io.below(110, FIELDS(tool.firstValues[0], tool.firstValues[1], tool.firstValues[2], tool.firstValues[5]))
-        && io.below(110, [&] { return io.afterRead(tool.firstValues, [](auto& all) { all[3] = all[4] = 0; }); })
+        && io.below(110, [&] {
+             return io.afterRead(tool.firstValues, "firstValues[3] and [4] become 0", [](auto& r) { r[3] = r[4] = 0; });
+           })
         && io.fields(FIELDS(tool.secondValueCount))
         && io.since(110, FIELDS(tool.secondValues))
         && io.below(110, FIELDS(tool.secondValues[0], tool.secondValues[1], tool.secondValues[2], tool.secondValues[5]))
-        && io.below(110, [&] { return io.afterRead(tool.secondValues, [](auto& all) { all[3] = all[4] = 0; }); })
+        && io.below(110, [&] {
+             return io.afterRead(tool.secondValues, "secondValues[3] and [4] become 0", [](auto& r) { r[3] = r[4] = 0; });
+           })
         && io.fields(FIELDS(tool.auxWord2, tool.auxWord3))
         && io.since(60, FIELDS(tool.extraValues))
         && io.since(110, FIELDS(tool.lateWords))
@@ -58,17 +68,17 @@ struct Layout<ToolStation> {
     std::int32_t pairCount = 2;
     return io.fields(FIELDS(s.stationNumber, s.orientation, s.stationType, s.toolCount, s.stationValue, s.limits,
                             s.valueCount))
-        && io.afterRead(s, [](auto& r) { if (r.stationType == 0 && r.valueCount < 1) r.valueCount = 1; })
+        && io.afterRead(s, "of stationType 0 valueCount becomes at least 1",
+                        [](auto& r) { if (r.stationType == 0 && r.valueCount < 1) r.valueCount = 1; })
         && io.fields(FIELDS(s.values, s.offsets, s.byteA, s.byteB, s.byteD, s.realC))
         && io.since(60, FIELDS(s.placeValue, s.placeWord))
         && io.since(61, FIELDS(s.wordsC, s.realsE))
         && io.since(90, FIELDS(s.wordA, s.realA, s.realB, s.wordB, s.realD, s.byteF, s.byteG, s.byteH, s.stationText,
                                s.byteC, s.byteE))
         && io.since(100, [&] {
-             // More than two pair values run on into the words behind them; what the version stores
-             // of those is then read over.
+             // More than two pair values run on into the words after them, of which the version stores some again.
              return io.fields(FIELDS(s.wordD, pairCount))
-                 && io.atMost(FIELDS(pairCount), 9)
+                 && io.require(atMost(FIELDS(pairCount), 9))
                  && io.leading(pairCount, FIELDS(s.pairValues[0], s.pairValues[1], s.wordE, s.wordF, s.realF, s.wordG,
                                                  s.wordH, s.wordI, s.wordJ))
                  && io.fields(FIELDS(s.wordE, s.wordF, s.realF));
@@ -87,16 +97,16 @@ struct Layout<ToolStationList> {
     return io.fields(FIELDS(l.headerWord))
         && io.since(61, FIELDS(l.secondHeaderWord), otherwise(0))
         && io.since(90, FIELDS(l.stationModeWord), otherwise(2))
-        && io.afterRead(l, [](auto& r) {
+        && io.afterRead(l, "stationModeCode is bits 8 to 11 of stationModeWord; extraWords become 0", [](auto& r) {
              r.stationModeCode = (r.stationModeWord >> 8U) & 0xFU;
              r.extraWords[0] = r.extraWords[1] = 0;
            })
         && io.since(100, [&] {
              return io.fields(FIELDS(extraWordCount))
-                 && io.range(FIELDS(extraWordCount), 1, 2)
+                 && io.require(within(FIELDS(extraWordCount), 1, 2))
                  && io.leading(extraWordCount, FIELDS(l.extraWords));
            })
-        && io.interleaved(FIELDS(l.stations, l.tools), true);
+        && io.list(FIELDS(l.stations, l.tools), kCountFirst, true);
   }
 };
 

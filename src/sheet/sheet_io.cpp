@@ -24,35 +24,35 @@ int ReadSheetSetupList(InStream& stream, SheetSetupList& list) { return resultOf
 bool WriteSheetSetupList(OutStream& stream, const SheetSetupList& list) { return writeUnversioned(stream, list); }
 int ReadSheetTextEntries(InStream& stream, int version, std::vector<SheetTextEntry>& list) {
   Reader io(stream, version);
-  return resultOf(io.countThenClear(FIELDS(list)));
+  return resultOf(io.list(FIELDS(list), codec::kReplaced));
 }
 bool WriteSheetTextEntries(OutStream& stream, int version, const std::vector<SheetTextEntry>& list) {
   Writer io(stream, version);
-  return io.countThenClear(FIELDS(list));
+  return io.list(FIELDS(list), codec::kReplaced);
 }
 int ReadNamedWorkLists(InStream& stream, int version, std::vector<NamedWorkList>& list) {
   Reader io(stream, version);
-  return resultOf(io.clear(FIELDS(list)) && io.append(FIELDS(list)));
+  return resultOf(io.clear(FIELDS(list)) && io.list(FIELDS(list), codec::kAppended));
 }
 bool WriteNamedWorkLists(OutStream& stream, int version, const std::vector<NamedWorkList>& list) {
   Writer io(stream, version);
-  return io.append(FIELDS(list));
+  return io.list(FIELDS(list), codec::kAppended);
 }
 int ReadMachineExtensionEntries(InStream& stream, std::vector<MachineExtensionEntry>& list) {
   Reader io(stream);
-  return resultOf(io.countFirst(FIELDS(list)));
+  return resultOf(io.list(FIELDS(list), codec::kCountFirst));
 }
 bool WriteMachineExtensionEntries(OutStream& stream, const std::vector<MachineExtensionEntry>& list) {
   Writer io(stream);
-  return io.countFirst(FIELDS(list));
+  return io.list(FIELDS(list), codec::kCountFirst);
 }
 bool ReadShapeWorkBlocks(InStream& stream, int version, std::vector<ShapeWorkBlock>& blocks) {
   Reader io(stream, version);
-  return io.invertedSuccessList(FIELDS(blocks));
+  return io.list(FIELDS(blocks), codec::kInvertedSuccess);
 }
 bool WriteShapeWorkBlocks(OutStream& stream, int version, const std::vector<ShapeWorkBlock>& blocks) {
   Writer io(stream, version);
-  return io.invertedSuccessList(FIELDS(blocks));
+  return io.list(FIELDS(blocks), codec::kInvertedSuccess);
 }
 
 int ReadOldSheet(InStream& stream, int version, OldSheet& sheet) {

@@ -1,4 +1,4 @@
-// Stored form of a sheet behind its version word, and of the lists that only sheets have.
+// Stored form of a sheet after its version word, and of the lists that only sheets have.
 #pragma once
 #include <algorithm>
 #include <cstring>
@@ -21,12 +21,12 @@ struct Layout<SheetPartList> {
     std::int32_t partCount = io.countOf(l.parts);
     return io.fields(FIELDS(partCount))
         // Without parts not even the width is stored, and the list stays as it was.
-        && io.when(partCount != 0, [&] {
+        && io.when(notEquals(FIELDS(partCount), 0), [&] {
              return io.fields(FIELDS(l.nameWidth))
                  // The width matters only where a name is stored.
-                 && io.when(partCount > 0, [&] { return io.atMost(FIELDS(l.nameWidth), kWidestName); })
+                 && io.when(above(FIELDS(partCount), 0), [&] { return io.require(atMost(FIELDS(l.nameWidth), kWidestName)); })
                  && io.clear(FIELDS(l.parts))
-                 && io.when(partCount > 0, [&] { return describeParts(io, l, partCount); });
+                 && io.when(above(FIELDS(partCount), 0), [&] { return describeParts(io, l, partCount); });
            });
   }
 
@@ -34,8 +34,8 @@ struct Layout<SheetPartList> {
   static constexpr std::int32_t kWidestName = sizeof(TorvPart::partName);
   // A width below 1 would store no name, which is a failed read and a failed write.
   static bool describeParts(auto& io, auto& l, std::int32_t partCount) {
-    return io.range(FIELDS(l.nameWidth), 1, kWidestName)
-        && io.appendRun(partCount, FIELDS(l.parts), PartForm{PartForm::sheet, l.nameWidth});
+    return io.require(within(FIELDS(l.nameWidth), 1, kWidestName))
+        && io.list(FIELDS(l.parts), appended(partCount), PartForm{PartForm::sheet, l.nameWidth});
   }
 };
 
@@ -52,9 +52,9 @@ struct Layout<SheetSetupList> {
   static bool describe(auto& io, auto& l) {
     std::int32_t entryCount = io.countOf(l.entries);
     return io.optionalTail(FIELDS(entryCount))
-        && io.when(entryCount != 0, [&] {
+        && io.when(notEquals(FIELDS(entryCount), 0), [&] {
              return io.clear(FIELDS(l.entries))
-                 && io.forgivingRun(entryCount, FIELDS(l.entries))
+                 && io.list(FIELDS(l.entries), appendedAndKept(entryCount))
                  && io.continueOnFailure([&] { return io.record(FIELDS(l.current)); })
                  && io.continueOnFailure([&] {
                       return io.fields(FIELDS(l.currentBlocks[0], l.currentBlocks[1], l.currentBlocks[2]));
@@ -78,7 +78,7 @@ template <>
 struct Layout<NamedWorkList> {
   static constexpr std::size_t kMinStoredSize = 272;
   static bool describe(auto& io, auto& l) {
-    return io.fields(FIELDS(l.listName, l.listWord1, l.listWord2, l.listWord3)) && io.countThenClear(FIELDS(l.entries));
+    return io.fields(FIELDS(l.listName, l.listWord1, l.listWord2, l.listWord3)) && io.list(FIELDS(l.entries), kReplaced);
   }
 };
 
@@ -94,7 +94,7 @@ struct Layout<ShapeWorkBlock> {
   static bool describe(auto& io, auto& b) {
     return io.fields(FIELDS(b.blockWords, b.blockValues[0], b.blockValues[1], b.blockValues[2], b.blockValues[3]))
         && io.record(FIELDS(b.blockShapes))
-        && io.countThenClear(FIELDS(b.work));
+        && io.list(FIELDS(b.work), kReplaced);
   }
 };
 
@@ -102,7 +102,7 @@ template <>
 struct Layout<RowTable> {
   static bool describe(auto& io, auto& t) {
     return io.fields(FIELDS(t.count))
-        && io.atMost(FIELDS(t.count), 25)
+        && io.require(atMost(FIELDS(t.count), 25))
         && io.rows(t.count, [&](std::size_t i) { return io.fields(FIELDS(t.words[i], t.values[i])); });
   }
 };
@@ -111,7 +111,7 @@ template <>
 struct Layout<ClampRowTable> {
   static bool describe(auto& io, auto& t, std::int32_t clampCount) {
     return io.fields(FIELDS(t.count))
-        && io.atMost(FIELDS(t.count), 25)
+        && io.require(atMost(FIELDS(t.count), 25))
         && io.rows(t.count, [&](std::size_t i) {
              return io.leading(clampCount, FIELDS(t.words[i])) && io.fields(FIELDS(t.values[i]));
            });
@@ -132,7 +132,7 @@ struct Layout<OldSheet> {
            })
         && io.record(FIELDS(s.partList))
         && describeOwnShapes(io, io.unchanged(s))
-        && io.countThenClear(FIELDS(s.workList))
+        && io.list(FIELDS(s.workList), kReplaced)
         && io.record(FIELDS(s.rowTable))
         && io.record(FIELDS(s.clampInfo))
         && io.record(FIELDS(s.clampRowTable), s.clampInfo.clampCount)
@@ -142,10 +142,10 @@ struct Layout<OldSheet> {
         && io.since(54, FIELDS(s.leadWords[5]))
         && describeMachine(io, s)
         && io.since(60, [&] {
-             return io.countThenClear(FIELDS(s.textEntries))
+             return io.list(FIELDS(s.textEntries), kReplaced)
                  // Emptied before the count is read; a failure inside is ignored.
                  && io.clear(FIELDS(s.namedWorkLists))
-                 && io.continueOnFailure([&] { return io.append(FIELDS(s.namedWorkLists)); });
+                 && io.continueOnFailure([&] { return io.list(FIELDS(s.namedWorkLists), kAppended); });
            })
         && io.since(90, FIELDS(s.trailingWords))
         && io.since(102, FIELDS(s.utilization))
@@ -157,7 +157,7 @@ struct Layout<OldSheet> {
         && io.optionalTail([&] { return io.since(130, FIELDS(s.materialText5)) && io.since(140, FIELDS(s.lateValue)); })
         && io.since(152, [&] {
              // Its result has the reverse meaning, and is ignored.
-             return io.continueOnFailure([&] { return io.invertedSuccessList(FIELDS(s.blocks)); });
+             return io.continueOnFailure([&] { return io.list(FIELDS(s.blocks), kInvertedSuccess); });
            })
         && io.since(161, FIELDS(s.lateText));
   }
@@ -167,15 +167,15 @@ struct Layout<OldSheet> {
   static bool describeOwnShapes(auto& io, auto& s) {
     std::int32_t shapeCount = io.countOf(s.shapes.shapes);
     return io.fields(FIELDS(s.shapes.listTag, s.shapes.listKind, shapeCount))
-        && io.counted(shapeCount, FIELDS(s.shapes.shapes))
-        && io.when(shapeCount > 0, [&] {
+        && io.list(FIELDS(s.shapes.shapes), counted(shapeCount))
+        && io.when(above(FIELDS(shapeCount), 0), [&] {
              return io.fields(FIELDS(s.processSlotCount))
                  && io.rows(s.processSlotCount, [&](std::size_t i) { return io.record(FIELDS(s.processSlots[i])); })
-                 && io.countFirst(FIELDS(s.marks))
-                 && io.countFirst(FIELDS(s.profiles))
-                 && io.countFirst(FIELDS(s.stepTables))
+                 && io.list(FIELDS(s.marks), kCountFirst)
+                 && io.list(FIELDS(s.profiles), kCountFirst)
+                 && io.list(FIELDS(s.stepTables), kCountFirst)
                  && io.record(FIELDS(s.setupList))
-                 && io.countFirst(FIELDS(s.patternItems));
+                 && io.list(FIELDS(s.patternItems), kCountFirst);
            });
   }
 
@@ -216,9 +216,10 @@ struct Layout<OldSheet> {
         && io.since(61, [&] { return io.sized(FIELDS(machinePath), s.textWidth); })
         && io.record(FIELDS(s.machine), MachineForm<std::remove_reference_t<decltype(s.shapes)>>{
                                        &s.shapes, false, hasNoVersion(s.paramTable) ? 256 : 0})
-        && io.afterRead(s.machine, [&](auto& m) { frame::setText(m.path, fixedText(machinePath)); })
-        && io.when(s.machine.hasExtension != 0, [&] { return io.countFirst(FIELDS(s.machine.extension.extensionEntries)); })
-        && io.when(s.machine.hasExtension == 0, FIELDS(s.optionWord));
+        && io.afterRead(s.machine, "the machine's path becomes machinePath, empty below 61", [&](auto& m) { frame::setText(m.path, fixedText(machinePath)); })
+        && io.when(notEquals(FIELDS(s.machine.hasExtension), 0),
+                   [&] { return io.list(FIELDS(s.machine.extension.extensionEntries), kCountFirst); })
+        && io.when(equals(FIELDS(s.machine.hasExtension), 0), FIELDS(s.optionWord));
   }
 };
 

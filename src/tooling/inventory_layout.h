@@ -1,4 +1,4 @@
-// Stored form of a tool inventory behind its version word.
+// Stored form of a tool inventory after its version word.
 #pragma once
 #include "OldTorvIO/tool_inventory.h"
 #include "src/frame/codec/describe.h"
@@ -31,12 +31,12 @@ struct Layout<OldToolInventory> {
   static bool describe(auto& io, auto& v) {
     std::int32_t toolCount = io.countOf(v.tools);
     return io.fields(FIELDS(toolCount))
-        && io.onlyRead([](auto& reader) { return reader.below(54, [&] { return reader.notReadOn(); }); })
+        && io.onlyRead([](auto& reader) { return reader.below(54, [&] { return reader.require(custom("nothing after this is read", false)); }); })
         && io.rows(20, [&](std::size_t i) { return io.fields(FIELDS(v.pairFirst[i], v.pairSecond[i])); })
         && io.clear(FIELDS(v.tools))
-        && io.appendRun(toolCount, FIELDS(v.tools), false)
-        && io.countFirst(FIELDS(v.entries))
-        && io.countThenClear(FIELDS(v.specialToolFiles));
+        && io.list(FIELDS(v.tools), appended(toolCount), false)
+        && io.list(FIELDS(v.entries), kCountFirst)
+        && io.list(FIELDS(v.specialToolFiles), kReplaced);
   }
 };
 

@@ -1,4 +1,4 @@
-// Stored form of a macro behind its version word.
+// Stored form of a macro after its version word.
 #pragma once
 #include "OldTorvIO/macro.h"
 #include "src/frame/codec/describe.h"
@@ -13,7 +13,7 @@ struct Layout<OldMacro> {
   static bool describe(auto& io, auto& m) {
     return io.fields(FIELDS(m.macroHead, m.macroHeadSecond, m.macroHeadWord, m.macroBlock, m.macroBlockLong))
         && io.record(FIELDS(m.shapes))
-        && io.countFirst(FIELDS(m.items))
+        && io.list(FIELDS(m.items), kCountFirst)
         && io.since(60, [&] { return io.record(FIELDS(m.stationList)) && io.fields(FIELDS(m.macroTailWords)); })
         && io.since(80, [&] { return describeShapeTrailer(io, m.shapes); });
   }

@@ -1,4 +1,4 @@
-// Stored form of a special tool file behind its version word.
+// Stored form of a special tool file after its version word.
 #pragma once
 #include "OldTorvIO/special_tool.h"
 #include "src/frame/codec/describe.h"
@@ -14,7 +14,7 @@ struct Layout<OldSpecialTool> {
     std::uint8_t symmetryByte = symmetryByteFor(s.tool);
     return io.record(FIELDS(s.tool), false)
         && io.fields(FIELDS(symmetryByte))
-        && io.afterRead(s.tool, [&](auto& tool) {
+        && io.afterRead(s.tool, "symmetryByte 1 adds flag 1 to symmetryFlags, 2 adds flag 2", [&](auto& tool) {
              if (symmetryByte == 1) tool.symmetryFlags |= kHalfTurnSymmetry;
              if (symmetryByte == 2) tool.symmetryFlags |= kQuarterTurnSymmetry;
            })
@@ -25,7 +25,7 @@ struct Layout<OldSpecialTool> {
   }
 
  private:
-  // The byte that, added to what a load derives from the dimensions, gives the tool's flags back.
+  // The byte that, added to what a load derives from the dimensions, restores the tool's flags.
   static std::uint8_t symmetryByteFor(const OldTool& tool) {
     const std::uint32_t derived = tool.shapeCode == kSpecialTool ? symmetryOf(tool.dimension3) : 0;
     const std::uint32_t missing = tool.symmetryFlags & ~derived;

@@ -19,7 +19,7 @@
 namespace {
 
 using namespace oldtorvio::codec;
-using namespace oldtorvio::codec;
+using namespace oldtorvio::frame;
 using oldtorvio::fixedText;
 using namespace testing_support;
 
@@ -90,9 +90,9 @@ TEST(InStream, EachVerbOfOneItemFailsWhereTheFileEndsInside) {
     return !verb(io) && io.stop() == Stop::shortRead && stream.left() == 0;
   };
   EXPECT_TRUE(fails([&](Reader& io) { return io.textItem<4>(FIELDS(text)); }));
-  EXPECT_TRUE(fails([&](Reader& io) { return io.sliceAs<std::int16_t>(FIELDS(numbers), 0, 1); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.slice<std::int16_t>(FIELDS(numbers), 0, 1); }));
   EXPECT_TRUE(fails([&](Reader& io) { return io.slice(FIELDS(numbers), 0, 1); }));
-  EXPECT_TRUE(fails([&](Reader& io) { return io.nonZero(FIELDS(numbers[0])); }));
+  EXPECT_TRUE(fails([&](Reader& io) { return io.fields(FIELDS(nonZero(numbers[0]))); }));
   EXPECT_TRUE(fails([&](Reader& io) { return io.leading(2, FIELDS(numbers)); }));
   EXPECT_TRUE(fails([&](Reader& io) { return io.lengthText(FIELDS(text)); }));
   EXPECT_TRUE(fails([&](Reader& io) { return io.reserved(2); }));
@@ -297,10 +297,10 @@ TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.leading(3, FIELDS(numbers)); })) << left;
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.sized(FIELDS(text), 8); })) << left;
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.textItem<8>(FIELDS(note)); })) << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.append(FIELDS(shapes)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.list(FIELDS(shapes), kAppended); })) << left;
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.trailer(FIELDS(shapes), &oldtorvio::Shape::trailerValue); }))
         << left;
-    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.columns(FIELDS(bindings)); })) << left;
+    EXPECT_TRUE(fails(left, [&](Writer& io) { return io.list(FIELDS(bindings), kPositiveCountFirst); })) << left;
   }
 }
 

@@ -21,13 +21,12 @@ template <>
 struct oldtorvio::codec::Layout<Box> {
   static constexpr std::size_t kMinStoredSize = 8;
   static bool describe(auto& io, auto& box) {
-    return io.fields(FIELDS(box.kind)) && io.range(FIELDS(box.kind), 0, 1) && io.countFirst(FIELDS(box.numbers));
+    return io.fields(FIELDS(box.kind)) && io.require(within(FIELDS(box.kind), 0, 1)) && io.list(FIELDS(box.numbers), kCountFirst);
   }
 };
 
 namespace {
 
-using namespace oldtorvio::codec;
 using namespace oldtorvio::codec;
 using testing_support::Bytes;
 
@@ -46,7 +45,7 @@ std::size_t roomBehind(std::int32_t claimed, const std::vector<std::int32_t>& bo
   Reader io(stream, 180);
   std::vector<Box> list;
   list.reserve(roomBefore);
-  (void)io.countFirst(FIELDS(list));
+  (void)io.list(FIELDS(list), kCountFirst);
   EXPECT_EQ(list.size(), boxes.size());
   return list.capacity();
 }

@@ -1,4 +1,4 @@
-// What the verbs of a description do, each in a record of its own.
+// What the verbs of a layout do, each in a record of its own.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -22,9 +22,9 @@ struct Refusing {
 };
 struct Outer {
   Tailed inner;
-  std::int32_t behind = 0;
+  std::int32_t after = 0;
 };
-struct Lenient {
+struct Ending {
   Refusing inner;
   std::int32_t last = 0;
 };
@@ -41,7 +41,6 @@ struct Differing {
 };
 struct Texts {
   std::string name = "before", fixed = "before";
-  char letters[4] = {'a', 'b', 'c', 'd'};
 };
 struct Numbers {
   std::int32_t all[6] = {10, 11, 12, 13, 14, 15};
@@ -52,8 +51,10 @@ struct Padded {
   std::array<std::uint8_t, 8> bytes = {};
   std::int32_t last = 0;
 };
-struct Replacing {
-  Tailed inner{7, 7, 7, 7};
+struct Defaulted {
+  std::int32_t number = 1, other = 2, row[3] = {3, 4, 5};
+  char text[8] = "before";
+  float x = 6, y = 7;
 };
 
 }  // namespace
@@ -68,14 +69,16 @@ struct Layout<Tailed> {
 };
 template <>
 struct Layout<Refusing> {
-  static bool describe(auto& io, auto& r) { return io.fields(FIELDS(r.head, r.kind)) && io.range(FIELDS(r.kind), 1, 2); }
+  static bool describe(auto& io, auto& r) {
+    return io.fields(FIELDS(r.head, r.kind)) && io.require(within(FIELDS(r.kind), 1, 2));
+  }
 };
 template <>
 struct Layout<Outer> {
-  static bool describe(auto& io, auto& o) { return io.record(FIELDS(o.inner)) && io.fields(FIELDS(o.behind)); }
+  static bool describe(auto& io, auto& o) { return io.record(FIELDS(o.inner)) && io.fields(FIELDS(o.after)); }
 };
 template <>
-struct Layout<Lenient> {
+struct Layout<Ending> {
   static bool describe(auto& io, auto& l) {
     return io.endOnFailure([&] { return io.record(FIELDS(l.inner)); }) && io.fields(FIELDS(l.last));
   }
@@ -89,7 +92,7 @@ struct Layout<Ignoring> {
 template <>
 struct Layout<Skipping> {
   static bool describe(auto& io, auto& s) {
-    return io.skipUnless(FIELDS(s.word), [&] { return io.countThenClear(FIELDS(s.list)); });
+    return io.optionalTail(FIELDS(s.word)) && io.list(FIELDS(s.list), kReplaced);
   }
 };
 template <>
@@ -97,21 +100,21 @@ struct Layout<Differing> {
   static bool describe(auto& io, auto& d) {
     return io.differs([&] { return io.fields(FIELDS(as<std::int8_t>(d.number))); },
                       [&] { return io.fields(FIELDS(d.number)); }) &&
-           io.beforeWrite(d, [](auto& r) { r.marked = 1; }) && io.when(io.either(false, true), FIELDS(d.marked));
+           io.beforeWrite(d, "marked becomes 1", [](auto& r) { r.marked = 1; }) &&
+           io.when(custom("in a writer", io.either(false, true)), FIELDS(d.marked));
   }
 };
 template <>
 struct Layout<Texts> {
   static bool describe(auto& io, auto& t) {
-    return io.lengthTextOrEmpty(FIELDS(t.name), 5) && io.template textItem<6>(FIELDS(t.fixed)) &&
-           io.onlyRead([&](auto& reader) { return reader.bytesOrOne(FIELDS(t.letters), 3); });
+    return io.lengthText(FIELDS(t.name), 5) && io.template textItem<6>(FIELDS(t.fixed));
   }
 };
 template <>
 struct Layout<Numbers> {
   static bool describe(auto& io, auto& n) {
-    return io.slice(FIELDS(n.all), 1, 2) && io.nonZero(FIELDS(n.all[3])) &&
-           io.onlyRead([&](auto& reader) { return reader.template sliceAs<std::int16_t>(FIELDS(n.all), 4, 5); }) &&
+    return io.slice(FIELDS(n.all), 1, 2) && io.fields(FIELDS(nonZero(n.all[3]))) &&
+           io.onlyRead([&](auto& reader) { return reader.template slice<std::int16_t>(FIELDS(n.all), 4, 5); }) &&
            io.slice(FIELDS(n.words), 0, 1);
   }
 };
@@ -119,13 +122,17 @@ template <>
 struct Layout<Padded> {
   static bool describe(auto& io, auto& p) {
     return io.padded(16, [&] {
-      return io.fields(FIELDS(p.count)) && io.when(p.count > 0, [&] { return io.sized(FIELDS(p.bytes), p.count); });
+      return io.fields(FIELDS(p.count)) &&
+             io.when(above(FIELDS(p.count), 0), [&] { return io.sized(FIELDS(p.bytes), p.count); });
     }) && io.fields(FIELDS(p.last));
   }
 };
 template <>
-struct Layout<Replacing> {
-  static bool describe(auto& io, auto& r) { return io.replaced(FIELDS(r.inner)); }
+struct Layout<Defaulted> {
+  static bool describe(auto& io, auto& d) {
+    return io.since(101, FIELDS(d.number, d.other), otherwise(-1, 0)) && io.since(101, FIELDS(d.row), otherwise(9)) &&
+           io.since(101, FIELDS(d.text), otherwise("")) && io.since(101, FIELDS(block(d.x, d.y)), otherwise(0.5));
+  }
 };
 
 }  // namespace oldtorvio::codec
@@ -141,18 +148,18 @@ using codec::writeRecord;
 constexpr int kVersion = 100;
 
 template <class Record>
-bool readWhole(const Bytes& bytes, Record& record, std::size_t* consumed = nullptr) {
+bool readAll(const Bytes& bytes, Record& record, std::size_t* consumed = nullptr) {
   return readFrom(
       bytes, [&](InStream& s) { return readRecord(s, kVersion, record); }, consumed);
 }
 
-// What the map says of the same bytes, line by line.
+// The map of the same bytes, line by line.
 template <class Record>
 std::vector<std::string> mapped(const Bytes& bytes, bool* walked = nullptr) {
   std::vector<std::string> lines;
   InStream stream(bytes.span());
   explain::Mapper io(stream, kVersion,
-                   [&](const explain::MapLine& line) { lines.push_back(line.path + " = " + line.value); });
+                     [&](const explain::MapLine& line) { lines.push_back(line.path + " = " + line.value); });
   Record record;
   const bool ok = io.walk(record);
   if (walked != nullptr) *walked = ok;
@@ -160,46 +167,46 @@ std::vector<std::string> mapped(const Bytes& bytes, bool* walked = nullptr) {
   return lines;
 }
 
-TEST(Verbs, TailEndsItsRecordWithSuccessWherever) {
-  const Bytes whole = Bytes().i32(1).i32(2).i32(3).i32(4);
-  for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
+TEST(Verbs, OptionalTailEndsItsRecordWithSuccessWhereverItIsCut) {
+  const Bytes all = Bytes().i32(1).i32(2).i32(3).i32(4);
+  for (std::size_t cut = 0; cut <= all.size(); ++cut) {
     Tailed t;
-    EXPECT_EQ(readWhole(Bytes(whole).cut(cut), t), (cut >= 4 && cut < 12) || cut == 16) << cut;
+    EXPECT_EQ(readAll(Bytes(all).cut(cut), t), (cut >= 4 && cut < 12) || cut == 16) << cut;
     EXPECT_EQ(t.first, cut >= 8 ? 2 : 0);
     EXPECT_EQ(t.second, cut >= 12 ? 3 : 0);
     EXPECT_EQ(t.last, cut >= 16 ? 4 : 0);
   }
-  // What holds the record goes on, and then there is nothing left.
+  // The owner of the record goes on, and then there is nothing left.
   Outer outer;
-  EXPECT_FALSE(readWhole(Bytes(whole).cut(8), outer));
+  EXPECT_FALSE(readAll(Bytes(all).cut(8), outer));
   EXPECT_EQ(outer.inner.first, 2);
-  EXPECT_TRUE(readWhole(Bytes(whole).i32(5), outer));
-  EXPECT_EQ(outer.behind, 5);
+  EXPECT_TRUE(readAll(Bytes(all).i32(5), outer));
+  EXPECT_EQ(outer.after, 5);
 }
 
-TEST(Verbs, TailForgivesNoRefusal) {
+TEST(Verbs, OptionalTailForgivesNoRefusal) {
   Refusing r;
-  std::int32_t behind = 0;
+  std::int32_t after = 0;
   const auto walk = [&](const Bytes& bytes) {
     return readFrom(bytes, [&](InStream& s) {
       codec::Reader io(s, kVersion);
-      const bool walked = io.optionalTail([&] { return io.record(FIELDS(r)); }) && io.fields(FIELDS(behind));
+      const bool walked = io.optionalTail([&] { return io.record(FIELDS(r)); }) && io.fields(FIELDS(after));
       EXPECT_EQ(io.stop(), walked ? codec::Stop::none : codec::Stop::refused);
       return walked;
     });
   };
   EXPECT_FALSE(walk(Bytes().i32(1).i32(3).i32(9)));
   EXPECT_TRUE(walk(Bytes().i32(1).i32(2).i32(9)));
-  EXPECT_EQ(behind, 9);
+  EXPECT_EQ(after, 9);
 }
 
-TEST(Verbs, AForgivingRunTellsThatItForgave) {
+TEST(Verbs, ListThatKeepsFailingElementsReportsThatItForgave) {
   for (const std::size_t cut : {4U, 6U, 8U}) {
     std::vector<std::int32_t> list;
     const Bytes bytes = Bytes().i32(1).i32(2).cut(cut);
     readFrom(bytes, [&](InStream& s) {
       codec::Reader io(s, kVersion);
-      EXPECT_TRUE(io.forgivingRun(2, FIELDS(list)));
+      EXPECT_TRUE(io.list(FIELDS(list), codec::appendedAndKept(2)));
       EXPECT_EQ(io.forgave(), cut < 8) << cut;
       EXPECT_EQ(io.stop(), codec::Stop::none) << cut;
       return true;
@@ -208,38 +215,38 @@ TEST(Verbs, AForgivingRunTellsThatItForgave) {
   }
 }
 
-TEST(Verbs, LenientEndsTheRecordWithSuccessWhateverFailedAndItsOwnerGoesOn) {
+TEST(Verbs, EndOnFailureEndsTheRecordWithSuccessAndItsOwnerGoesOn) {
   for (const auto& [bytes, wanted] : {std::pair{Bytes().i32(1).i32(2).i32(9), 9},
                                       std::pair{Bytes().i32(1).i32(3).i32(9), 0}, std::pair{Bytes().i32(1), 0}}) {
-    Lenient l;
-    EXPECT_TRUE(readWhole(bytes, l));
+    Ending l;
+    EXPECT_TRUE(readAll(bytes, l));
     EXPECT_EQ(l.last, wanted);
   }
-  Lenient l;
+  Ending l;
   std::size_t consumed = 0;
-  EXPECT_TRUE(readWhole(Bytes().i32(1).i32(3).i32(9), l, &consumed));
-  EXPECT_EQ(consumed, 8U) << "the refused value is consumed, what stands behind it is not";
+  EXPECT_TRUE(readAll(Bytes().i32(1).i32(3).i32(9), l, &consumed));
+  EXPECT_EQ(consumed, 8U) << "the refused value is consumed, what follows it is not";
 }
 
-TEST(Verbs, IgnoredGoesOnBehindAFailure) {
+TEST(Verbs, ContinueOnFailureGoesOnAfterAFailure) {
   Ignoring i;
-  EXPECT_TRUE(readWhole(Bytes().i32(1).i32(3).i32(9), i));
+  EXPECT_TRUE(readAll(Bytes().i32(1).i32(3).i32(9), i));
   EXPECT_EQ(i.last, 9);
-  EXPECT_FALSE(readWhole(Bytes().i32(1), i)) << "a short read leaves nothing to go on with";
+  EXPECT_FALSE(readAll(Bytes().i32(1), i)) << "a short read leaves nothing to go on with";
   EXPECT_EQ(i.last, 9);
 }
 
-TEST(Verbs, SkipUnlessLeavesOutWhatStandsBehindAShortRead) {
-  const Bytes whole = Bytes().i32(1).i32(2).i32(3).i32(4);
-  for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
+TEST(Verbs, OptionalTailLeavesOutWhatFollowsAShortRead) {
+  const Bytes all = Bytes().i32(1).i32(2).i32(3).i32(4);
+  for (std::size_t cut = 0; cut <= all.size(); ++cut) {
     Skipping s;
     s.list = {7};
-    EXPECT_EQ(readWhole(Bytes(whole).cut(cut), s), cut < 4 || cut == 16) << cut;
+    EXPECT_EQ(readAll(Bytes(all).cut(cut), s), cut < 4 || cut == 16) << cut;
     EXPECT_EQ(s.list.size(), cut < 8 ? 1U : (cut - 8) / 4) << cut;
   }
 }
 
-TEST(Verbs, ReaderAndWriterDifferInPlainSight) {
+TEST(Verbs, ReaderAndWriterWalkDifferentChains) {
   Differing d;
   d.number = 0x1234;
   const Bytes stored = written([&](OutStream& s) { return writeRecord(s, kVersion, d); });
@@ -247,14 +254,14 @@ TEST(Verbs, ReaderAndWriterDifferInPlainSight) {
   EXPECT_EQ(d.marked, 1) << "the writer changes the record";
   Differing back;
   std::size_t consumed = 0;
-  EXPECT_TRUE(readWhole(stored, back, &consumed));
+  EXPECT_TRUE(readAll(stored, back, &consumed));
   EXPECT_EQ(back.number, 0x34);
   EXPECT_EQ(back.marked, 0);
   EXPECT_EQ(consumed, 1U);
 }
 
-TEST(Verbs, LengthTextOrEmptyEmptiesAtZeroAndBelowAndHasALongest) {
-  const Bytes fixed = Bytes().text(6, "fixed"), letters = Bytes().text(3, "xyz");
+TEST(Verbs, LengthTextWithALimitIsEmptiedAtZeroAndBelowAndRefusedAboveIt) {
+  const Bytes fixed = Bytes().text(6, "fixed");
   const struct {
     Bytes bytes;
     bool read;
@@ -269,12 +276,12 @@ TEST(Verbs, LengthTextOrEmptyEmptiesAtZeroAndBelowAndHasALongest) {
   };
   for (const auto& one : cases) {
     Texts t;
-    EXPECT_EQ(readWhole(Bytes(one.bytes).add(fixed).add(letters), t), one.read);
+    EXPECT_EQ(readAll(Bytes(one.bytes).add(fixed), t), one.read);
     EXPECT_EQ(t.name, one.name);
     EXPECT_EQ(t.fixed, one.read ? "fixed" : "before");
   }
   Texts cut;
-  EXPECT_FALSE(readWhole(Bytes().i32(3).text(2, "ab"), cut));
+  EXPECT_FALSE(readAll(Bytes().i32(3).text(2, "ab"), cut));
   EXPECT_EQ(cut.name, "before");
   Texts tooLong;
   tooLong.name = "abcdef";
@@ -282,7 +289,7 @@ TEST(Verbs, LengthTextOrEmptyEmptiesAtZeroAndBelowAndHasALongest) {
   EXPECT_FALSE(writeRecord(out, kVersion, tooLong));
 }
 
-TEST(Verbs, TextItemFillsWithZerosAndIsNeverCut) {
+TEST(Verbs, TextItemIsFilledWithZerosAndNeverCut) {
   Texts t;
   t.name = "n";
   t.fixed = std::string("abc\0def", 7);
@@ -292,7 +299,7 @@ TEST(Verbs, TextItemFillsWithZerosAndIsNeverCut) {
   EXPECT_EQ(written([&](OutStream& s) { return writeRecord(s, kVersion, t); }),
             Bytes().i32(1).text(1, "n").text(6, "sixsix"));
   Texts back;
-  EXPECT_TRUE(readWhole(Bytes().i32(0).text(6, "sixsix").zeros(3), back));
+  EXPECT_TRUE(readAll(Bytes().i32(0).text(6, "sixsix"), back));
   EXPECT_EQ(back.fixed, "sixsix");
   t.fixed = "seven77";
   OutStream out;
@@ -300,26 +307,16 @@ TEST(Verbs, TextItemFillsWithZerosAndIsNeverCut) {
   EXPECT_EQ(out.bytes().size(), 5U);
 }
 
-TEST(Verbs, BytesOrOneTakesAllOrExactlyOne) {
-  const Bytes head = Bytes().i32(0).text(6, "fixed");
-  for (std::size_t count = 0; count <= 3; ++count) {
-    Texts t;
-    EXPECT_EQ(readWhole(Bytes(head).add(Bytes().text(3, "xyz").cut(count)), t), count == 1 || count == 3) << count;
-    EXPECT_EQ(t.letters[0], count >= 1 ? 'x' : 'a');
-    EXPECT_EQ(t.letters[3], 'd');
-  }
-}
-
-TEST(Verbs, SlicesAreReadEntryByEntryAsFarAsTheyGo) {
-  const Bytes whole = Bytes().i32(1).i32(2).i32(0).i16(-4).i16(5).text(2, "ab").text(2, "c");
+TEST(Verbs, SlicesAreReadEntryByEntryUpToTheEndOfTheFile) {
+  const Bytes all = Bytes().i32(1).i32(2).i32(0).i16(-4).i16(5).text(2, "ab").text(2, "c");
   Numbers n;
-  EXPECT_TRUE(readWhole(whole, n));
+  EXPECT_TRUE(readAll(all, n));
   const std::int32_t wanted[] = {10, 1, 2, 13, -4, 5};
   EXPECT_TRUE(std::equal(std::begin(wanted), std::end(wanted), n.all)) << "a stored zero keeps 13";
   EXPECT_EQ(std::string(n.words[0], 4), std::string("abc\0", 4));
-  for (std::size_t cut = 0; cut < whole.size(); ++cut) {
+  for (std::size_t cut = 0; cut < all.size(); ++cut) {
     Numbers part;
-    EXPECT_FALSE(readWhole(Bytes(whole).cut(cut), part)) << cut;
+    EXPECT_FALSE(readAll(Bytes(all).cut(cut), part)) << cut;
     EXPECT_EQ(part.all[1], cut >= 4 ? 1 : 11);
     EXPECT_EQ(part.all[2], cut >= 8 ? 2 : 12);
     EXPECT_EQ(part.all[4], cut >= 14 ? -4 : 14);
@@ -330,30 +327,21 @@ TEST(Verbs, SlicesAreReadEntryByEntryAsFarAsTheyGo) {
             Bytes().i32(1).i32(2).i32(0).text(2, "ab").text(2, "c"));
 }
 
-TEST(Verbs, PaddedFillsUpFromItsBeginningWhateverStoodInIt) {
+TEST(Verbs, PaddedFillsUpFromItsBeginningWhateverItHolds) {
   for (int count = 0; count <= 8; ++count) {
     Padded p{count, {1, 2, 3, 4, 5, 6, 7, 8}, 99};
     const Bytes stored = written([&](OutStream& s) { return s.room(3) != nullptr && writeRecord(s, kVersion, p); });
     ASSERT_EQ(stored.size(), 23U);
     Padded back;
-    const Bytes behind = Bytes::of(stored.span().subspan(3));
-    EXPECT_TRUE(readWhole(behind, back));
+    const Bytes after = Bytes::of(stored.span().subspan(3));
+    EXPECT_TRUE(readAll(after, back));
     EXPECT_EQ(back.last, 99);
     EXPECT_EQ(back.bytes[7], count == 8 ? 8 : 0);
-    EXPECT_FALSE(readWhole(Bytes(behind).cut(15), back)) << "a cut in the fill bytes";
+    EXPECT_FALSE(readAll(Bytes(after).cut(15), back)) << "a cut in the fill bytes";
   }
 }
 
-TEST(Verbs, ReplacedTakesTheWholeRecordOrLeavesTheOld) {
-  Replacing r;
-  EXPECT_FALSE(readWhole(Bytes().i16(1), r));
-  EXPECT_EQ(r.inner.head, 7);
-  EXPECT_TRUE(readWhole(Bytes().i32(1), r)) << "its tail";
-  EXPECT_EQ(r.inner.head, 1);
-  EXPECT_EQ(r.inner.first, 0) << "fresh, not what it held";
-}
-
-TEST(Verbs, MapTellsWhatIsToleratedAndNamesEachEntry) {
+TEST(Verbs, MapReportsToleratedFaultsAndNamesEachEntry) {
   EXPECT_EQ(mapped<Tailed>(Bytes().i32(1)),
             (std::vector<std::string>{"head = 1",
                                       " = fails at first (needs 4 bytes, the file has 0), which is tolerated there"}));
@@ -371,6 +359,80 @@ TEST(Verbs, MapTellsWhatIsToleratedAndNamesEachEntry) {
             (std::vector<std::string>{"count = 2", "bytes = 05 06", "reserved = (dropped)", "last = 1"}));
 }
 
+TEST(Verbs, DefaultsAreSetWhereTheVersionDoesNotStoreTheField) {
+  Defaulted d;
+  EXPECT_TRUE(readAll(Bytes(), d));
+  EXPECT_EQ(d.number, -1);
+  EXPECT_EQ(d.other, 0);
+  for (const std::int32_t one : d.row) EXPECT_EQ(one, 9);
+  EXPECT_EQ(std::string(d.text, 7), std::string("\0efore\0", 7)) << "the bytes after the NUL stay";
+  EXPECT_EQ(d.x, 0.5F);
+  EXPECT_EQ(d.y, 0.5F);
+}
+
+TEST(Verbs, ConditionsCompareTheFieldThatWasRead) {
+  for (std::int32_t value = -2; value <= 4; ++value) {
+    EXPECT_EQ(codec::equals(FIELDS(value), 2).holds, value == 2) << value;
+    EXPECT_EQ(codec::notEquals(FIELDS(value), 2).holds, value != 2) << value;
+    EXPECT_EQ(codec::above(FIELDS(value), 1).holds, value > 1) << value;
+    EXPECT_EQ(codec::atMost(FIELDS(value), 1).holds, value <= 1) << value;
+    EXPECT_EQ(codec::within(FIELDS(value), 0, 2).holds, value >= 0 && value <= 2) << value;
+    EXPECT_EQ(codec::oneOf(FIELDS(value), -1, 3).holds, value == -1 || value == 3) << value;
+  }
+}
+
+TEST(Verbs, ConditionsCompareUnsignedAndSmallFieldsByValue) {
+  std::uint32_t large = 4000000000U;
+  std::int8_t small = -1;
+  EXPECT_TRUE(codec::above(FIELDS(large), 0).holds);
+  EXPECT_FALSE(codec::atMost(FIELDS(large), 25).holds);
+  EXPECT_TRUE(codec::atMost(FIELDS(small), 20).holds);
+  EXPECT_FALSE(codec::within(FIELDS(small), 0, 250).holds);
+}
+
+// Each list rule over a list that holds 7, from files that count none, one or a negative number of elements, and
+// from one that is cut off inside its second element.
+TEST(Verbs, ListRulesSayWhenAListIsClearedAndWhatBecomesOfAnElementThatIsCutOff) {
+  using List = std::vector<std::int32_t>;
+  const auto read = [](auto rule, const Bytes& bytes, bool& ok) {
+    List list{7};
+    readFrom(bytes, [&](InStream& s) {
+      codec::Reader io(s, kVersion);
+      ok = io.list(FIELDS(list), rule);
+      return ok;
+    });
+    return list;
+  };
+  const auto expectLists = [&](auto rule, const char* name, const List& none, const List& negative, const List& one,
+                               const List& cut, bool cutPasses) {
+    bool ok = false;
+    EXPECT_EQ(read(rule, Bytes().i32(0), ok), none) << name;
+    EXPECT_TRUE(ok) << name;
+    EXPECT_EQ(read(rule, Bytes().i32(-3), ok), negative) << name;
+    EXPECT_TRUE(ok) << name;
+    EXPECT_EQ(read(rule, Bytes().i32(1).i32(5), ok), one) << name;
+    EXPECT_EQ(read(rule, Bytes().i32(2).i32(5).i16(6), ok), cut) << name;
+    EXPECT_EQ(ok, cutPasses) << name;
+  };
+  expectLists(codec::kCountFirst, "kCountFirst", {7}, {}, {5}, {5}, false);
+  expectLists(codec::kReplaced, "kReplaced", {}, {}, {5}, {5}, false);
+  expectLists(codec::kAppended, "kAppended", {7}, {7}, {7, 5}, {7, 5}, false);
+  expectLists(codec::kReusedElement, "kReusedElement", {}, {}, {5}, {5}, false);
+
+  bool ok = false;
+  EXPECT_EQ(read(codec::kInvertedSuccess, Bytes().i32(1).i32(5), ok), List{});
+  EXPECT_FALSE(ok) << "an element that can be read completely is a failure";
+  EXPECT_EQ(read(codec::kInvertedSuccess, Bytes().i32(1).i16(5), ok), List{0});
+  EXPECT_TRUE(ok);
+  EXPECT_EQ(read(codec::counted(0), Bytes(), ok), List{7});
+  EXPECT_EQ(read(codec::counted(-1), Bytes(), ok), List{});
+  EXPECT_EQ(read(codec::counted(1), Bytes().i32(5), ok), List{5});
+  EXPECT_EQ(read(codec::appended(1), Bytes().i32(5), ok), (List{7, 5}));
+  EXPECT_EQ(read(codec::appendedAndKept(2), Bytes().i32(5).i16(6), ok), (List{7, 5, 0}));
+  EXPECT_TRUE(ok);
+  EXPECT_EQ(read(codec::kSingle, Bytes().i32(5).i32(6), ok), (List{7, 5}));
+}
+
 TEST(Verbs, LongBlocksAreMappedAsRuns) {
   std::string text;
   std::vector<std::uint8_t> block(100, 1);
@@ -386,7 +448,7 @@ TEST(Verbs, LongBlocksAreMappedAsRuns) {
   };
   EXPECT_EQ(printed(100, {7, 1, 1}), "07, 01 x 2, 00 x 97");
   EXPECT_EQ(printed(65, {}), "00 x 65");
-  EXPECT_EQ(printed(64, {}).substr(0, 6), "00 00 ") << "short ones are told in full";
+  EXPECT_EQ(printed(64, {}).substr(0, 6), "00 00 ") << "short ones are printed in full";
   EXPECT_EQ(printed(64, {}).size(), 64U * 3 - 1);
 }
 

@@ -189,7 +189,7 @@ TEST_F(Torvio, HelpNamesTheKindsAndTheRecords) {
   for (const char* command : {"map", "check", "format"})
     expectNames(torvio(std::string(command) + " --help").output, namesOfKinds());
   std::vector<std::string> records;
-  for (const std::string_view name : oldtorvio::explain::recordNames()) records.emplace_back(name);
+  for (const std::string& name : oldtorvio::explain::recordNames()) records.emplace_back(name);
   expectNames(torvio("format --help").output, records);
 }
 
@@ -205,7 +205,7 @@ TEST_F(Torvio, WrongNameIsReportedWithTheRightOnes) {
   }
   for (const Outcome& run : {map, check, format}) expectNames(run.errors, namesOfKinds());
   std::vector<std::string> records;
-  for (const std::string_view name : oldtorvio::explain::recordNames()) records.emplace_back(name);
+  for (const std::string& name : oldtorvio::explain::recordNames()) records.emplace_back(name);
   expectNames(format.errors, records);
   expectNames(command.errors, {"map", "check", "format"});
 }

@@ -40,81 +40,12 @@ std::string joinNames(const std::vector<std::string>& names) {
   return all;
 }
 
-// Which of the values say yes, in words: they are in order, and a run at an end of them goes on.
-std::string valuesText(const std::vector<std::int64_t>& values, const std::vector<bool>& yes, bool isSigned) {
-  const auto noes = std::count(yes.begin(), yes.end(), false);
-  const auto onlyNo = std::find(yes.begin(), yes.end(), false);
-  const bool noIsInside = onlyNo != yes.end() - 1 && (!isSigned || onlyNo != yes.begin());
-  if (noes == 1 && noIsInside) return "not " + std::to_string(values[static_cast<std::size_t>(onlyNo - yes.begin())]);
-  std::string all;
-  for (std::size_t i = 0; i < values.size();) {
-    std::size_t end = i;
-    while (end < values.size() && yes[end]) ++end;
-    if (end > i) {
-      const std::string first = std::to_string(values[i]), last = std::to_string(values[end - 1]);
-      std::string run = first;
-      if (end - i > 1) run.append(end - i == 2 ? " or " : " to ").append(last);
-      if (end == values.size()) run = values[i] == 1 ? "above 0" : first + " or above";
-      if (i == 0 && isSigned) run = values[end - 1] == -1 ? "below 0" : last + " or below";
-      all.append(all.empty() ? "" : ", ").append(run);
-    }
-    i = std::max(end, i + 1);
-  }
-  return all;
-}
-
-constexpr const char* kUnknownQuestion = "depends on earlier fields or on where it stands";
-
 }  // namespace
 
 std::string FormatPrinter::table(const Walk& walk, Place place) {
-  FormatPrinter teller(learnQuestions(walk, place));
-  walk(teller);
-  return teller.markdown();
-}
-
-// The first field, which may be a version that chooses a layout, is tried with many values, the
-// others with the few that flags, counts and modes have.
-std::vector<FormatPrinter::Question> FormatPrinter::learnQuestions(const Walk& walk, Place place) {
-  constexpr std::int64_t kLowest = -2, kHighest = 3, kHighestOfTheFirst = 600;
-  FormatPrinter first(Probe{});
-  walk(first);
-  std::vector<Question> questions;
-  for (const bool stored : first.answers_)
-    questions.push_back(place == Place::open ? Question{kUnknownQuestion} : Question{"", !stored});
-  std::vector<std::size_t> askers(questions.size());
-  if (questions.empty()) return questions;
-
-  for (std::size_t field = 0; field < first.wholeNumbers_; ++field) {
-    std::vector<std::int64_t> values;
-    std::vector<std::vector<bool>> answers;
-    std::string name;
-    bool isSigned = false;
-    for (std::int64_t value = kLowest; value <= (field == 0 ? kHighestOfTheFirst : kHighest); ++value) {
-      FormatPrinter probe(Probe{field, value});
-      walk(probe);
-      if (probe.probed_.empty()) continue;
-      values.push_back(value);
-      answers.push_back(probe.answers_);
-      name = probe.probed_;
-      isSigned = probe.probedIsSigned_;
-    }
-    for (std::size_t k = 0; k < questions.size(); ++k) {
-      std::vector<bool> yes;
-      yes.reserve(answers.size());
-      for (const std::vector<bool>& one : answers) yes.push_back(one[k]);
-      if (std::count(yes.begin(), yes.end(), true) % static_cast<std::ptrdiff_t>(yes.size()) == 0) continue;
-      questions[k] = {++askers[k] == 1 ? "if " + name + " is " + valuesText(values, yes, isSigned)
-                                       : std::string("depends on earlier fields")};
-    }
-  }
-  return questions;
-}
-
-FormatPrinter::Question FormatPrinter::ask(bool stored) {
-  if (isPrinting()) return questions_[whens_++];
-  answers_.push_back(stored);
-  return {};
+  FormatPrinter printer(place);
+  walk(printer);
+  return printer.markdown();
 }
 
 std::int32_t FormatPrinter::numberCalled(const std::string& name) {
@@ -147,7 +78,7 @@ bool FormatPrinter::reserved(std::size_t size) {
 }
 
 void FormatPrinter::remark(const std::string& names, const std::string& stored, const std::string& condition) {
-  if (isPrinting()) rows_.push_back({{path_ + names}, stored, conditions_, condition});
+  rows_.push_back({{path_ + names}, stored, conditions_, condition});
 }
 
 // Of a block each name has the path.
@@ -157,9 +88,8 @@ std::string FormatPrinter::pathOf(std::string names) const {
   return path_ + names;
 }
 
-void FormatPrinter::add(std::size_t i, const std::string& stored, const std::string& told) {
-  if (!isPrinting()) return;
-  const std::string condition = defaults_.empty() ? told : defaults_[i] + " below";
+void FormatPrinter::add(std::size_t i, const std::string& stored, const std::string& rule) {
+  const std::string condition = defaults_.empty() ? rule : defaults_[defaults_.size() == 1 ? 0 : i] + " below";
   if (names_[i] == "itself") names_[i] = "value";
   const bool goesOn = rows_.size() > runFrom_ && rows_.back().stored == stored && rows_.back().condition == condition;
   if (goesOn && !stored.starts_with("block"))
@@ -181,7 +111,7 @@ void FormatPrinter::addRule(const std::string& name, const std::string& text) {
 }
 
 // Defaults are singles and small whole numbers: six digits tell them.
-std::string FormatPrinter::numberText(double value) {
+std::string FormatPrinter::defaultText(double value) {
   char digits[32];
   return {digits, std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::general, 6).ptr};
 }

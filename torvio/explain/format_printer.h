@@ -21,8 +21,8 @@
 
 namespace oldtorvio::explain {
 
-// The name of a record that has a table of its own; others tell it in one row by that name. A record
-// without one is told field by field where it stands.
+// The name of a record that has a table of its own: others refer to it by that name. A record without one is
+// described field by field where it is embedded.
 template <class Record>
 inline constexpr std::string_view kTableOf{};
 
@@ -30,17 +30,17 @@ class FormatPrinter {
  public:
   using Walk = std::function<void(FormatPrinter&)>;
 
-  // Whether the walk says where the record stands, so that a condition which no field changes is known.
+  // Whether `walk` knows where the record is embedded. If so, conditions on the place are decided and not printed.
   enum class Place : std::uint8_t { open, given };
 
-  // The table of what `walk` walks, which it does several times: each with a fresh record.
+  // The table of what `walk` walks.
   static std::string table(const Walk& walk, Place place = Place::open);
 
-  // A value that sizes and counts are told by: "text, textWidth bytes".
+  // A value that stands for the name of a size or count: "text, textWidth bytes".
   std::int32_t numberCalled(const std::string& name);
   void call(std::int64_t value, const std::string& name) { called_[value] = name; }
 
-  // A row that no verb tells.
+  // A row that no verb makes.
   void remark(const std::string& names, const std::string& stored, const std::string& condition);
 
   // ---- the verbs ----
@@ -60,7 +60,7 @@ class FormatPrinter {
   }
   template <class X, class... D>
   [[nodiscard]] bool since(int first, const X& x, const codec::Otherwise<D...>& defaults) {
-    defaults_ = isPrinting() ? textsOf(defaults) : std::vector<std::string>();
+    defaults_ = textsOf(defaults);
     const bool ok = since(first, x);
     defaults_.clear();
     return ok;
@@ -73,13 +73,15 @@ class FormatPrinter {
   [[nodiscard]] bool between(int first, int last, const X& x) {
     return inside({0, std::to_string(first) + " to " + std::to_string(last)}, x);
   }
+  template <class Names, codec::Test kTest, std::size_t kCount, class X>
+  [[nodiscard]] bool when(const codec::Condition<Names, kTest, kCount>& condition, const X& x) {
+    const std::string name = fieldNames(condition.names()).front();
+    return inside({0, "if " + name + " is " + comparison(kTest, condition.comparedWith, condition.text)}, x);
+  }
   template <class X>
-  [[nodiscard]] bool when(bool stored, const X& x) {
-    const Question question = ask(stored);
-    const std::size_t before = rows_.size();
-    const bool ok = inside({0, question.text}, x);
-    if (question.isNever) rows_.resize(before);
-    return ok;
+  [[nodiscard]] bool when(const codec::PlaceCondition& condition, const X& x) {
+    if (place_ == Place::given) return !condition.holds || inside({}, x);
+    return inside({0, condition.text}, x);
   }
 
   template <class X>
@@ -94,18 +96,13 @@ class FormatPrinter {
       return inside({0, "the first " + sizeText(count) + " of these"}, x);
     }
   }
-  template <class X>
+  template <class Stored = void, class X>
   [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
     using One = std::remove_cvref_t<decltype(x.only()[0])>;
-    return sliceOf(x, first, last, storedType<One>());
-  }
-  template <class Stored, class X>
-  [[nodiscard]] bool sliceAs(const X& x, std::size_t first, std::size_t last) {
-    return sliceOf(x, first, last, storedType<Stored>());
-  }
-  template <class X>
-  [[nodiscard]] bool nonZero(const X& x) {
-    return inside({0, "a stored 0 keeps what the record holds"}, x);
+    begin(x.names);
+    names_[0].append("[" + std::to_string(first) + ".." + std::to_string(last) + "]");
+    add(0, std::to_string(last - first + 1) + " × " + storedType<std::conditional_t<std::is_void_v<Stored>, One, Stored>>());
+    return true;
   }
   template <class X>
   [[nodiscard]] bool sized(const X& x, std::int64_t size) {
@@ -115,19 +112,13 @@ class FormatPrinter {
     return true;
   }
   template <class X>
-  [[nodiscard]] bool bytesOrOne(const X& x, std::size_t size) {
-    begin(x.names);
-    add(0, "text " + std::to_string(size), "the file may end behind its first byte");
-    return true;
-  }
-  template <class X>
   [[nodiscard]] bool lengthText(const X& x) {
     begin(x.names);
     add(0, "length text");
     return true;
   }
   template <class X>
-  [[nodiscard]] bool lengthTextOrEmpty(const X& x, std::int64_t longest) {
+  [[nodiscard]] bool lengthText(const X& x, std::int64_t longest) {
     begin(x.names);
     add(0, "length text", "a length above " + std::to_string(longest) + " is refused");
     return true;
@@ -147,26 +138,16 @@ class FormatPrinter {
     return ok;
   }
 
-  template <class X, class T>
-  [[nodiscard]] bool range(const X& x, T lowest, T highest) {
-    if (lowest > highest) {
-      rule(x.names, "refused");
-      return true;
-    }
-    // No reader comes further with another value, and what follows may count on that.
-    auto& value = x.only();
-    if (!isPrinting() && (value < lowest || value > highest))
-      value = static_cast<std::remove_cvref_t<decltype(value)>>(lowest);
-    rule(x.names, "refused outside " + valueText(lowest) + " to " + valueText(highest));
+  template <class Names, codec::Test kTest, std::size_t kCount>
+  [[nodiscard]] bool require(const codec::Condition<Names, kTest, kCount>& condition) {
+    const std::string text = kTest == codec::Test::atMost   ? "refused above " + valueText(condition.comparedWith[0])
+                             : kTest == codec::Test::within ? "refused outside " + rangeText(condition.comparedWith)
+                                 : "refused unless " + comparison(kTest, condition.comparedWith, condition.text);
+    addRule(path_ + fieldNames(condition.names()).front(), text);
     return true;
   }
-  template <class X>
-  [[nodiscard]] bool atMost(const X& x, std::int64_t highest) {
-    rule(x.names, "refused above " + valueText(highest));
-    return true;
-  }
-  [[nodiscard]] bool notReadOn() {
-    remark("end", "", "refused: nothing behind is read");
+  [[nodiscard]] bool require(const codec::PlaceCondition& condition) {
+    remark("end", "", std::string("refused: ") + condition.text);
     return true;
   }
   template <class R>
@@ -174,7 +155,8 @@ class FormatPrinter {
     return record;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool afterRead(const R&, const Fn&) {
+  [[nodiscard]] bool afterRead(const R&, const char* what, const Fn&) {
+    if (*what != '\0') remark("(load)", "", what);
     return true;
   }
   template <class X>
@@ -189,10 +171,6 @@ class FormatPrinter {
   [[nodiscard]] bool continueOnFailure(const X& x) {
     return inside({0, "a fault changes nothing"}, x);
   }
-  template <class X, class Rest>
-  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
-    return inside({0, "where the file ends in it, the record has ended"}, x) && rest();
-  }
   template <class Read, class Written>
   [[nodiscard]] bool differs(const Read& read, const Written& written) {
     return inside({0, "reader"}, read) && inside({0, kWriter}, written);
@@ -206,9 +184,11 @@ class FormatPrinter {
     return forReaders;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(const R&, const Fn&) {
+  [[nodiscard]] bool beforeWrite(const R&, const char* what, const Fn&) {
+    if (*what != '\0') remark("(save)", "", what);
     return true;
   }
+  static constexpr bool has(std::size_t) { return true; }
 
   template <class R, class... A>
   [[nodiscard]] bool walk(R& record, const A&... more) {
@@ -226,76 +206,37 @@ class FormatPrinter {
       return insideOf(name(0), [&] { return walk(fresh, more...); });
     }
   }
-  template <class X, class... A>
-  [[nodiscard]] bool replaced(const X& x, const A&... more) {
-    return inside({0, "read into a fresh one"}, [&] { return record(x, more...); });
-  }
-
   template <class V>
   std::int32_t countOf(const V&) const {
     return 0;
   }
-  template <class X, class... A>
-  [[nodiscard]] bool countFirst(const X& x, const A&... more) {
-    return list<0>(x, "count-first list", more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool counted(std::int64_t count, const X& x, const A&... more) {
-    return list<0>(x, sizeText(count) + " times, 0 keeps the list", more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
-    return list<0>(x, "list", more...);
+  template <class X, class Rule, class... A>
+  [[nodiscard]] bool list(const X& x, Rule rule, const A&... more) {
+    if constexpr (std::tuple_size_v<decltype(x.members)> == 2) {
+      return elements<0>(x, "count-first list, in turns with the next") &&
+             elements<1>(x, "in turns with the one before", more...);
+    } else if constexpr (requires { x.only().row(0); }) {
+      using Row = typename std::remove_cvref_t<decltype(x.only())>::Row;
+      begin(x.names);
+      add(0, "i32 count and rows", "a count below 1 keeps the columns");
+      Row row;
+      return insideOf(name(0) + "[i]", [&] { return walk(row); });
+    } else {
+      return elements<0>(x, ruleText(rule), more...);
+    }
   }
   template <class X>
   [[nodiscard]] bool clear(const X&) {
     return true;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool append(const X& x, const A&... more) {
-    return list<0>(x, "list behind what there is", more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool appendRun(std::int64_t count, const X& x, const A&... more) {
-    return list<0>(x, sizeText(count) + " times", more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool forgivingRun(std::int64_t count, const X& x, const A&... more) {
-    return list<0>(x, sizeText(count) + " times, a fault changes nothing", more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool invertedSuccessList(const X& x, const A&... more) {
-    return list<0>(x, "list, a sound element ends it and is dropped", more...);
   }
   template <class X, class Fn>
   [[nodiscard]] bool element(const X& x, std::size_t, const Fn& chain) {
     begin(x.names);
     return insideOf(name(0) + "[i]", chain);
   }
-  template <class X, class... A>
-  [[nodiscard]] bool reusedElement(const X& x, const A&... more) {
-    return list<0>(x, "list, one element read over and over", more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool interleaved(const X& x, const A&... more) {
-    return list<0>(x, "count-first list, in turns with the next") &&
-           list<1>(x, "in turns with the one before", more...);
-  }
-  template <class X>
-  [[nodiscard]] bool columns(const X& x) {
-    using Row = typename std::remove_cvref_t<decltype(x.only())>::Row;
-    begin(x.names);
-    add(0, "i32 count and rows", "a count below 1 keeps the columns");
-    Row row;
-    return insideOf(name(0) + "[i]", [&] { return walk(row); });
-  }
   template <class Fn>
   [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
     return inside({0, count > 0 ? "for each of " + valueText(count) : "for each"}, [&] { return row(std::size_t{0}); });
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool single(const X& x, const A&... more) {
-    return list<0>(x, "one, without a count", more...);
   }
   template <class X, class R, class M>
   [[nodiscard]] bool trailer(const X& x, M R::*) {
@@ -318,44 +259,53 @@ class FormatPrinter {
     std::vector<Condition> conditions;  // when it began
     std::string condition;
   };
-  // One walk that only answers: the number of a whole-number field, and the value that it is given.
-  struct Probe {
-    std::optional<std::size_t> field;
-    std::int64_t value = 0;
-  };
 
-  struct Question {
-    std::string text;
-    bool isNever = false;
-  };
+  explicit FormatPrinter(Place place) : place_(place) {}
 
-  explicit FormatPrinter(std::vector<Question> questions) : questions_(std::move(questions)) {}
-  explicit FormatPrinter(Probe probe) : probe_(probe) {}
-
-  static std::vector<Question> learnQuestions(const Walk& walk, Place place);
-  bool isPrinting() const { return !probe_; }
-  Question ask(bool stored);
   std::string markdown() const;
 
   // Names of the FIELDS(...) at hand.
   template <class Names>
   void begin(const Names& names) {
-    text_ = names();
-    names_ = isPrinting() ? explain::fieldNames(text_) : std::vector<std::string>();
+    names_ = fieldNames(names());
     runFrom_ = rows_.size();
   }
-  std::string name(std::size_t i) const { return isPrinting() ? pathOf(names_[i]) : std::string(); }
+  std::string name(std::size_t i) const { return pathOf(names_[i]); }
   std::string pathOf(std::string names) const;
   // A row, or one more name in the row before, if that is of the same FIELDS(...) and type.
   void add(std::size_t i, const std::string& stored, const std::string& condition = {});
-  template <class Names>
-  void rule(const Names& names, const std::string& text) {
-    if (isPrinting()) addRule(path_ + explain::fieldNames(names()).front(), text);
-  }
   void addRule(const std::string& name, const std::string& text);
   static std::string conditionText(const std::vector<Condition>& conditions);
   std::string valueText(std::int64_t value) const;
+  template <std::size_t kCount>
+  std::string rangeText(const std::array<std::int64_t, kCount>& range) const {
+    return valueText(range.front()) + " to " + valueText(range.back());
+  }
   std::string sizeText(std::int64_t size) const { return size > 0 ? valueText(size) : "so many"; }
+
+  // What a comparison compares with: "2", "not 0", "above 0", "1 or 2".
+  template <std::size_t kCount>
+  std::string comparison(codec::Test test, const std::array<std::int64_t, kCount>& values, const char* text) const {
+    std::string all = test == codec::Test::notEquals ? "not " : test == codec::Test::above ? "above " : "";
+    if (test == codec::Test::atMost) all = "at most ";
+    if (test == codec::Test::custom) all = text;
+    for (std::size_t i = 0; i < kCount; ++i)
+      all.append(i == 0 ? "" : test == codec::Test::within ? " to " : " or ").append(valueText(values[i]));
+    return all;
+  }
+  template <class Rule>
+  std::string ruleText(Rule rule) const {
+    using codec::Clear, codec::CountFrom, codec::Failing;
+    if constexpr (Rule::kCount == CountFrom::one) return "one, without a count";
+    if constexpr (Rule::kCount == CountFrom::caller)
+      return sizeText(rule.count) + " times" + (Rule::kClear == Clear::unlessZero ? ", 0 keeps the list" : "") +
+             (Rule::kFailing == Failing::kept ? ", elements that are cut off are kept" : "");
+    if constexpr (Rule::kFailing == Failing::inverted) return "list, a complete element ends it and is dropped";
+    if constexpr (Rule::kFailing == Failing::reused) return "list, all elements are read into one object";
+    return Rule::kClear == Clear::unlessZero ? "count-first list"
+           : Rule::kClear == Clear::never    ? "list, added to what there is"
+                                             : "list";
+  }
 
   template <class X>
   bool inside(Condition condition, const X& x) {
@@ -376,16 +326,8 @@ class FormatPrinter {
     return ok;
   }
 
-  template <class X>
-  bool sliceOf(const X& x, std::size_t first, std::size_t last, const std::string& type) {
-    begin(x.names);
-    if (isPrinting()) names_[0].append("[" + std::to_string(first) + ".." + std::to_string(last) + "]");
-    add(0, std::to_string(last - first + 1) + " × " + type);
-    return true;
-  }
-
   template <std::size_t Which, class X, class... A>
-  bool list(const X& x, const std::string& how, const A&... more) {
+  bool elements(const X& x, const std::string& how, const A&... more) {
     using Element = typename std::remove_cvref_t<std::tuple_element_t<Which, decltype(x.members)>>::value_type;
     begin(x.names);
     if constexpr (!kTableOf<Element>.empty()) {
@@ -404,35 +346,24 @@ class FormatPrinter {
 
   template <class M>
   void item(std::size_t i, M& member) {
-    if constexpr (codec::Number<std::remove_cv_t<M>>) {
-      if constexpr (std::is_integral_v<M>)
-        touch(
-            i, [&](auto value) { member = static_cast<M>(value); }, M{});
-    } else {
-      touchAs(i, member);
-    }
-    if (isPrinting()) add(i, storedType<std::remove_cv_t<M>>());
+    if constexpr (std::is_integral_v<M>)
+      nameSize(i, member, M{});
+    else if constexpr (!codec::Number<M>)
+      nameStoredSize(i, member);
+    add(i, storedType<std::remove_cv_t<M>>());
   }
   template <class Stored, class T>
-  void touchAs(std::size_t i, const codec::As<Stored, T>& as) {
-    if constexpr (std::is_integral_v<Stored>)
-      touch(
-          i, [&](auto value) { as.member = static_cast<T>(value); }, Stored{});
+  void nameStoredSize(std::size_t i, const codec::As<Stored, T>& as) {
+    if constexpr (std::is_integral_v<Stored>) nameSize(i, as.member, Stored{});
   }
   template <class M>
-  void touchAs(std::size_t, const M&) {}
+  void nameStoredSize(std::size_t, const M&) {}
 
-  // Gives a whole number the value of the probe, or one that a size or count is known by.
-  template <class Set, class Stored>
-  void touch(std::size_t i, const Set& set, Stored) {
-    const std::size_t number = wholeNumbers_++;
-    if (isPrinting()) {
-      if (isSize(names_[i])) set(sizeof(Stored) == 1 ? shortNumberCalled(names_[i]) : numberCalled(names_[i]));
-    } else if (probe_->field == number && std::in_range<Stored>(probe_->value)) {
-      set(probe_->value);
-      probed_ = explain::fieldNames(text_)[i];
-      probedIsSigned_ = std::is_signed_v<Stored>;
-    }
+  // A field that is a size or count by its name gets a value that stands for that name.
+  template <class T, class Stored>
+  void nameSize(std::size_t i, T& member, Stored) {
+    if (isSize(names_[i]))
+      member = static_cast<T>(sizeof(Stored) == 1 ? shortNumberCalled(names_[i]) : numberCalled(names_[i]));
   }
   static bool isSize(std::string_view name);
   std::int32_t shortNumberCalled(const std::string& name);
@@ -451,23 +382,17 @@ class FormatPrinter {
 
   template <class... D>
   static std::vector<std::string> textsOf(const codec::Otherwise<D...>& defaults) {
-    return std::apply([](auto... value) { return std::vector<std::string>{numberText(value)...}; }, defaults.values);
+    return std::apply([](auto... value) { return std::vector<std::string>{defaultText(value)...}; }, defaults.values);
   }
-  static std::string numberText(double value);
+  static std::string defaultText(const char* value) { return *value == '\0' ? "empty" : value; }
+  static std::string defaultText(double value);
 
-  std::optional<Probe> probe_;
-  std::vector<bool> answers_;  // of a probe
-  std::string probed_;         // name of the field that took the value
-  bool probedIsSigned_ = false;
-  std::vector<Question> questions_;  // what each `when` asks for
-  std::size_t whens_ = 0, wholeNumbers_ = 0;
-
+  Place place_;
   std::vector<TableRow> rows_;
   std::vector<Condition> conditions_;
   std::string path_;  // ends with "." unless empty
-  std::string_view text_;
   std::vector<std::string> names_;
-  std::vector<std::string> defaults_;  // of the fields at hand, below their version
+  std::vector<std::string> defaults_;  // of the fields at hand below their version, one for each or one for all
   std::size_t runFrom_ = 0;
   std::map<std::int64_t, std::string> called_;
   std::int32_t nextCalled_ = 30000, nextShort_ = 101;
@@ -491,6 +416,10 @@ struct FormatPrinter::Type<T[N]> {
 template <class Stored, class T>
 struct FormatPrinter::Type<codec::As<Stored, T>> {
   static std::string text() { return storedType<Stored>(); }
+};
+template <class T>
+struct FormatPrinter::Type<codec::NonZero<T>> {
+  static std::string text() { return storedType<T>() + ", 0 keeps what the record holds"; }
 };
 template <class... T>
 struct FormatPrinter::Type<codec::Block<T...>> {

@@ -16,7 +16,7 @@
 
 namespace oldtorvio::explain {
 
-// Records that several kinds of file embed, and those that stand in one kind more than once.
+// Records that several kinds of file embed, and those that one kind embeds more than once.
 template <>
 inline constexpr std::string_view kTableOf<Shape> = "shape";
 template <>
@@ -81,42 +81,42 @@ inline constexpr std::string_view kTableOf<MachineUnitTable> = "unit table";
 namespace {
 
 template <class Record, class... A>
-void walkFresh(FormatPrinter& teller, const A&... more) {
+void walkFresh(FormatPrinter& printer, const A&... more) {
   const auto record = std::make_unique<Record>();
-  (void)teller.walk(*record, more...);
+  (void)printer.walk(*record, more...);
 }
 
 template <class OldPart>
-void walkOldPart(FormatPrinter& teller) {
+void walkOldPart(FormatPrinter& printer) {
   const auto part = std::make_unique<TorvPart>();
-  // A list for an index that a file gives; its last place tells itself by its name.
+  // A list for an index that a file gives; the index of its last shape is printed by name.
   constexpr std::size_t kShapes = 3001;
   part->shapes.shapes.resize(kShapes);
-  teller.call(kShapes - 1, "the last of shapes");
+  printer.call(kShapes - 1, "the last of shapes");
   OldPart old{*part};
-  (void)teller.walk(old);
+  (void)printer.walk(old);
 }
 
-void walkMachine(FormatPrinter& teller) {
+void walkMachine(FormatPrinter& printer) {
   const auto machine = std::make_unique<OldMachine>();
-  machine->textWidth = teller.numberCalled("textWidth");
+  machine->textWidth = printer.numberCalled("textWidth");
   machine->secondTextWidth = machine->textWidth;
   ShapeList shapes;
-  (void)teller.walk(*machine, MachineForm<ShapeList>{&shapes});
+  (void)printer.walk(*machine, MachineForm<ShapeList>{&shapes});
 }
 
-void walkMaterial(FormatPrinter& teller) {
+void walkMaterial(FormatPrinter& printer) {
   const auto record = std::make_unique<OldMaterial>();
   OldMaterial& material = *record;
-  (void)teller.record(FIELDS(material.params));
-  (void)teller.walk(material);
+  (void)printer.record(FIELDS(material.params));
+  (void)printer.walk(material);
 }
 
-void walkSheet(FormatPrinter& teller) {
+void walkSheet(FormatPrinter& printer) {
   const auto sheet = std::make_unique<OldSheet>();
-  sheet->textWidth = teller.numberCalled("textWidth");
-  sheet->clampInfo.clampCount = teller.numberCalled("clampCount");
-  (void)teller.walk(*sheet);
+  sheet->textWidth = printer.numberCalled("textWidth");
+  sheet->clampInfo.clampCount = printer.numberCalled("clampCount");
+  (void)printer.walk(*sheet);
 }
 
 struct RecordTable {
@@ -125,79 +125,108 @@ struct RecordTable {
   FormatPrinter::Place place = FormatPrinter::Place::open;
 };
 
+// A record that other tables refer to, by the name that they use.
+template <class Record, auto... more>
+constexpr RecordTable tableOf() {
+  return {kTableOf<Record>, [](FormatPrinter& printer) { walkFresh<Record>(printer, more...); }};
+}
+
 constexpr std::array kRecords{
-    RecordTable{"part-2-3", walkOldPart<codec::Version3Part>},
-    RecordTable{"part-5", walkOldPart<codec::Version5Part>},
-    RecordTable{"placed-part",
-                [](FormatPrinter& t) {
-                  walkFresh<TorvPart>(t, PartForm{PartForm::sheet, t.numberCalled("nameWidth")});
+    RecordTable{"part 2 3", walkOldPart<codec::Version3Part>},
+    RecordTable{"part 5", walkOldPart<codec::Version5Part>},
+    RecordTable{"placed part",
+                [](FormatPrinter& printer) {
+                  walkFresh<TorvPart>(printer, PartForm{PartForm::sheet, printer.numberCalled("nameWidth")});
                 },
                 FormatPrinter::Place::given},
-    RecordTable{"pattern", [](FormatPrinter& t) { walkFresh<Pattern>(t, false); }},
-    RecordTable{"parameter-table", [](FormatPrinter& t) { walkFresh<ParamTable>(t); }},
-    RecordTable{"material-body", [](FormatPrinter& t) { walkFresh<OldMaterial>(t); }},
-    RecordTable{"setting-entry", [](FormatPrinter& t) { walkFresh<SettingEntry>(t); }},
-    RecordTable{"setting-group", [](FormatPrinter& t) { walkFresh<SettingGroup>(t); }},
-    RecordTable{"tool-set", [](FormatPrinter& t) { walkFresh<MaterialToolSet>(t); }},
-    RecordTable{"angle-rule", [](FormatPrinter& t) { walkFresh<AngleRule>(t, false); }},
-    RecordTable{"size-rule-a", [](FormatPrinter& t) { walkFresh<SizeRule>(t, SizeRuleForm::a); },
+    tableOf<TorvPart, PartForm{PartForm::file}>(),
+    tableOf<Pattern, false>(),
+    tableOf<PatternItem>(),
+    tableOf<Shape>(),
+    tableOf<ShapeList>(),
+    tableOf<OldTool, true>(),
+    tableOf<ToolStation>(),
+    tableOf<ToolStationList>(),
+    tableOf<ProcessSlot>(),
+    tableOf<StepTable>(),
+    tableOf<SetupEntry>(),
+    tableOf<SetupList>(),
+    tableOf<MotionBlock>(),
+    tableOf<ProfileRecord>(),
+    tableOf<WorkEntry>(),
+    tableOf<MarkEntry>(),
+    tableOf<ParamTable>(),
+    tableOf<OldMaterial>(),
+    tableOf<SettingEntry>(),
+    tableOf<SettingGroup>(),
+    tableOf<MaterialToolSet>(),
+    tableOf<AngleRule, false>(),
+    RecordTable{"size rule a", [](FormatPrinter& printer) { walkFresh<SizeRule>(printer, SizeRuleForm::a); },
                 FormatPrinter::Place::given},
-    RecordTable{"size-rule-b", [](FormatPrinter& t) { walkFresh<SizeRule>(t, SizeRuleForm::b); },
+    RecordTable{"size rule b", [](FormatPrinter& printer) { walkFresh<SizeRule>(printer, SizeRuleForm::b); },
                 FormatPrinter::Place::given},
-    RecordTable{"shape-program", [](FormatPrinter& t) { walkFresh<ShapeProgram>(t); }},
-    RecordTable{"extended-shape-program", [](FormatPrinter& t) { walkFresh<ShapeProgramEx>(t); }},
-    RecordTable{"clamp-info", [](FormatPrinter& t) { walkFresh<ClampInfo>(t); }},
-    RecordTable{"machine-grid", [](FormatPrinter& t) { walkFresh<MachineGrid>(t); }},
-    RecordTable{"machine-extension", [](FormatPrinter& t) { walkFresh<MachineExtension>(t); }},
-    RecordTable{"unit-table", [](FormatPrinter& t) { walkFresh<MachineUnitTable>(t); }},
+    tableOf<ShapeProgram>(),
+    tableOf<ShapeProgramEx>(),
+    tableOf<ClampInfo>(),
+    tableOf<MachineGrid>(),
+    tableOf<MachineExtension>(),
+    tableOf<MachineUnitTable>(),
 };
 
-void walkBody(FileKind kind, FormatPrinter& teller) {
+// "shape list" is "shape-list" on a command line.
+std::string commandName(std::string_view name) {
+  std::string all(name);
+  std::replace(all.begin(), all.end(), ' ', '-');
+  return all;
+}
+
+void walkBody(FileKind kind, FormatPrinter& printer) {
   switch (kind) {
     case FileKind::part:
-      return walkFresh<TorvPart>(teller, PartForm{});
+      return walkFresh<TorvPart>(printer, PartForm{});
     case FileKind::groupPart: {
       std::vector<TorvPart> parts;
       codec::GroupPartFile<std::vector<TorvPart>> file{parts};
-      (void)teller.walk(file);
+      (void)printer.walk(file);
       return;
     }
     case FileKind::specialTool:
-      return walkFresh<OldSpecialTool>(teller);
+      return walkFresh<OldSpecialTool>(printer);
     case FileKind::machine:
-      return walkMachine(teller);
+      return walkMachine(printer);
     case FileKind::material:
-      return walkMaterial(teller);
+      return walkMaterial(printer);
     case FileKind::toolInventory:
-      return walkFresh<OldToolInventory>(teller);
+      return walkFresh<OldToolInventory>(printer);
     case FileKind::macro:
-      return walkFresh<OldMacro>(teller);
+      return walkFresh<OldMacro>(printer);
     default:
-      return walkSheet(teller);
+      return walkSheet(printer);
   }
 }
 
 }  // namespace
 
 std::string formatTable(FileKind kind) {
-  const auto walk = [kind](FormatPrinter& teller) {
+  const auto walk = [kind](FormatPrinter& printer) {
     std::int16_t version = 0;
-    (void)teller.fields(FIELDS(version));
-    walkBody(kind, teller);
+    (void)printer.fields(FIELDS(version));
+    walkBody(kind, printer);
   };
-  // A part body says much by its place, and that of a part file is known.
+  // What a part body holds depends on where it is embedded, which is known in a part file.
   return FormatPrinter::table(walk, kind == FileKind::part ? FormatPrinter::Place::given : FormatPrinter::Place::open);
 }
 
 std::string recordTable(std::string_view name) {
-  const auto found = std::find_if(kRecords.begin(), kRecords.end(), [&](const auto& one) { return one.name == name; });
+  const auto found =
+      std::find_if(kRecords.begin(), kRecords.end(), [&](const auto& one) { return commandName(one.name) == name; });
   return found == kRecords.end() ? std::string() : FormatPrinter::table(found->walk, found->place);
 }
 
-std::vector<std::string_view> recordNames() {
-  std::vector<std::string_view> names;
+std::vector<std::string> recordNames() {
+  std::vector<std::string> names;
   names.reserve(kRecords.size());
-  for (const RecordTable& one : kRecords) names.push_back(one.name);
+  for (const RecordTable& one : kRecords) names.push_back(commandName(one.name));
   return names;
 }
 

@@ -14,6 +14,6 @@ std::string formatTable(FileKind kind);
 // What files embed, and the layouts of the oldest parts, by name: "clamp-info", "part-3". Empty for a
 // name that is none of recordNames().
 std::string recordTable(std::string_view name);
-std::vector<std::string_view> recordNames();
+std::vector<std::string> recordNames();
 
 }  // namespace oldtorvio::explain

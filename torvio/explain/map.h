@@ -91,11 +91,9 @@ class Mapper : public codec::Reading<Mapper> {
   }
   void leave();
   void atRow(std::int64_t row) { row_ = row; }
-  template <class X, class T>
-  void refused(const X& x, const T& value) {
-    std::string reason = "the value ";
-    printValue(reason, static_cast<std::int64_t>(value));
-    fault_ = Fault{lastOffset_, pathOf(fieldNames(x.names()).front()), reason + " is refused"};
+  template <class Names>
+  void refused(const Names& names, std::int64_t value) {
+    fault_ = Fault{lastOffset_, pathOf(fieldNames(names()).front()), "the value " + std::to_string(value) + " is refused"};
   }
   void refusedHere();
   void forgiven();
@@ -143,6 +141,10 @@ class Mapper : public codec::Reading<Mapper> {
   template <class Stored, class T>
   static void print(std::string& to, const codec::As<Stored, T>& as) {
     print(to, as.member);
+  }
+  template <class T>
+  static void print(std::string& to, const codec::NonZero<T>& number) {
+    print(to, number.stored);
   }
   template <class... T>
   static void print(std::string& to, const codec::Block<T...>& block) {

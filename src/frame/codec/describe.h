@@ -1,75 +1,58 @@
-// How a record's stored form is told: once, as a chain of verbs that every walker understands.
+// How the stored form of a record is described: once, as a chain of verbs that every walker understands.
 //
 //   template <> struct Layout<MarkEntry> {
-//     static constexpr std::size_t kMinStoredSize = 14;              // bytes of its shortest stored form
-//     static constexpr std::size_t minStoredSize(int version);     // the same at a version, where it grows much
+//     static constexpr std::size_t kMinStoredSize = 14;      // bytes of the shortest stored form
+//     static constexpr std::size_t minStoredSize(int version);  // the same at a version, where it grows a lot
 //     static bool describe(auto& io, auto& mark) {
 //       return io.fields(FIELDS(mark.markWord1, mark.markShort, mark.markWord2, mark.markWord3));
 //     }
 //   };
 //
-// `&&` is the stop rule: behind a failure nothing more is evaluated, so the fields read so far stay
-// and the rest keep what they held. Conditions are arguments of verbs, never bare ifs.
+// `&&` is the stop rule: after a failure nothing more is evaluated. Fields read so far stay, the rest keep what
+// they held. Where a verb takes FIELDS(...) it also takes a lambda with a chain of its own.
 //
-// Fields and gates. Where a verb takes FIELDS(...) it also takes a lambda with a chain of its own.
-//   fields(FIELDS(a, b))              stored in this order
-//   since(80, FIELDS(a))              stored from version 80 on
-//   since(80, FIELDS(a), otherwise(x))  as above, and below it the reader sets a to x
-//   below(110, FIELDS(a))             stored below version 110
-//   between(112, 120, FIELDS(a))      stored in these versions and no others
-//   when(condition, FIELDS(a))        stored when an earlier value says so
-//   leading(n, FIELDS(a, b, c))       the first n of these numbers, or of one array of numbers
-//   slice(FIELDS(a), first, last)     these entries of an array of numbers or texts
-//   sliceAs<T>(FIELDS(a), first, last)  as slice, each stored as a T
-//   nonZero(FIELDS(a))                the reader keeps what the record holds where the file stores 0
-//   sized(FIELDS(text), n)            n bytes of a fixed text or block as one item; none is a failed read
-//   bytesOrOne(FIELDS(text), n)       n single bytes; a file that ends behind the first passes as well
-//   lengthText(FIELDS(s))             i32 length and that many bytes, kept up to their first NUL
-//   lengthTextOrEmpty(FIELDS(s), n)   as lengthText; a length below 1 empties s, one above n is refused
-//   textItem<256>(FIELDS(s))          a string stored as a fixed text
-//   reserved(499)                fill bytes: dropped by the reader, zeros from the writer
-//   padded(500, chain)           the chain, then fill bytes until both take 500
+// Fields
+//   fields(FIELDS(a, b))            stored in this order
+//   since(80, FIELDS(a))            stored from version 80 on
+//   since(80, FIELDS(a), otherwise(x))  the same; below 80 a reader sets a to x
+//   below(110, FIELDS(a))           stored below version 110
+//   between(112, 120, FIELDS(a))    stored in these versions only
+//   when(condition, FIELDS(a))      stored if the condition holds, see "Conditions" below
+//   leading(n, FIELDS(a, b, c))     the first n of these numbers, or of one array of numbers
+//   slice(FIELDS(a), first, last)   these entries of an array; slice<T> stores each as a T
+//   sized(FIELDS(text), n)          n bytes of a fixed text or block as one item; n below 1 is a failed read
+//   lengthText(FIELDS(s))           i32 length and that many bytes, kept up to their first NUL; a length below 1
+//                                   leaves s as it is
+//   lengthText(FIELDS(s), n)        the same, but a length below 1 empties s and one above n is refused
+//   textItem<256>(FIELDS(s))        a string stored as a fixed text
+//   reserved(499)                   fill bytes: dropped by readers, zeros from a writer
+//   padded(500, chain)              the chain, then fill bytes until both take 500
+// Single fields may be stored in another form: as<T>(a), block(a, b), nonZero(a), see item.h.
 //
-// Rules.
-//   range(FIELDS(a), lo, hi)          refused outside; reader and writer alike
-//   atMost(FIELDS(a), hi)             refused above
-//   notReadOn()                  refuses: what follows is not read by anyone
-//   unchanged(record)            the record, const to a writer: where a look at it would change it
-//   afterRead(record, [](auto& r))  reader only, when all before it succeeded
-//   optionalTail(FIELDS(a))                   a short read inside ends the record with success; a refusal does not
-//   endOnFailure(chain)               any failure inside ends the record with success
-//   continueOnFailure(chain)               a failure inside is ignored, in a writer too: the walk goes on after it
-//   skipUnless(FIELDS(a), chain)      where a cannot be read the chain is skipped and the walk goes on
+// Rules
+//   require(condition)              refused unless the condition holds; readers and writers alike
+//   afterRead(record, "what", [](auto& r) {...})    readers only, when all before it succeeded
+//   beforeWrite(record, "what", [](auto& r) {...})  writers only, when all before it succeeded
+//   optionalTail(FIELDS(a))         a short read inside ends the record with success; a refusal does not
+//   endOnFailure(chain)             any failure inside ends the record with success
+//   continueOnFailure(chain)        a failure inside is ignored, by a writer too: the walk goes on after it
 //
-// Where reader and writer differ.
-//   differs(chain, chain)        what the reader walks, what the writer walks
-//   onlyRead([&](auto& io) {...})  what no writer stores
-//   either(a, b)                 a value: a for a reader, b for the writer
-//   beforeWrite(record, [](auto& r)) writer only, when all before it succeeded: changes the record
+// Where readers and writers differ
+//   differs(chain, chain)           what a reader walks, what a writer walks
+//   onlyRead([&](auto& io) {...})   what no writer stores
+//   either(a, b)                    a value: a for a reader, b for a writer
 //
-// Records and lists. Further arguments go to the element's description. An element that fails is not
-// kept, unless the verb says so.
-//   record(FIELDS(r))                 an embedded record
-//   replaced(FIELDS(r))               as record, read into a fresh one that then takes its place
-//   countFirst(FIELDS(v))             i32 count; zero leaves the list as it was, anything else empties it
-//   counted(count, FIELDS(v))         the same behind a count that a field has taken (see countOf)
-//   countThenClear(FIELDS(v))         i32 count; the list is emptied whatever it is
-//   clear(FIELDS(v)), append(FIELDS(v))    emptied here; i32 count and elements behind what the list holds
-//   appendRun(n, FIELDS(v))           n elements behind what the list holds, no count stored
-//   element(FIELDS(v), i, chain)      reading only: the chain is told as entry i of v
-//   reusedElement(FIELDS(v))          as countThenClear, with one element that is read over and over
-//   forgivingRun(n, FIELDS(v))        as appendRun, but an element that fails is kept as far as it came and
-//                                the walk goes on; those that took no byte are kept up to a bound
-//   invertedSuccessList(FIELDS(v))               i32 count; an element that can be read whole ends the list as a failure
-//                                and is not kept, one that cannot is kept; the writer begins with the second
-//                                element, fails behind the first that it could store whole, and ends the
-//                                process when it has none left
-//   interleaved(FIELDS(v, w))         count-first, elements of v and w in turns; v keeps one whose w failed
-//   columns(FIELDS(view))             i32 count and rows of parallel columns; below one keeps the columns
-//   rows(n, [&](auto i) {...})   n rows of parallel arrays, in place
-//   single(FIELDS(v))                 one element without count; the writer stores the first alone
-//   trailer(FIELDS(v), &R::member)    one number for each element that the list holds
+// Records and lists. Further arguments go to the description of the element.
+//   record(FIELDS(r))               an embedded record
+//   list(FIELDS(v), rule)           elements by a rule, see "List rules" below
+//   list(FIELDS(v, w), rule)        elements of v and w in turns; v keeps one whose w failed
+//   list(FIELDS(view), rule)        rows of parallel columns
+//   clear(FIELDS(v))                a reader empties the list here
+//   rows(n, [&](auto i) {...})      n rows of arrays, in place
+//   element(FIELDS(v), i, chain)    readers only: the chain is described as entry i of v
+//   trailer(FIELDS(v), &R::member)  one number for each element that the list holds
 #pragma once
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
@@ -88,7 +71,7 @@ struct Fields {
   [[no_unique_address]] Names names;
   std::tuple<T...> members;
 
-  // The only member of an FIELDS(...) that names one record or list.
+  // The only member of a FIELDS(...) that names one.
   auto& only() const {
     static_assert(sizeof...(T) == 1, "this verb takes one member");
     return std::get<0>(members);
@@ -105,6 +88,76 @@ inline constexpr bool kIsFields = false;
 template <class Names, class... T>
 inline constexpr bool kIsFields<Fields<Names, T...>> = true;
 
+// ---- Conditions: comparisons of a field that has been read. They are data, so that tables can print them.
+//
+//   equals(FIELDS(a), 2), notEquals(FIELDS(a), 0), above(FIELDS(a), 0), atMost(FIELDS(a), 25),
+//   within(FIELDS(a), 1, 256), oneOf(FIELDS(a), 1, 2)
+//   custom("in a sheet", holds)              no comparison: what it depends on is no field
+//   custom(FIELDS(a), "a group kind", holds)  a comparison that is none of the above
+
+enum class Test : std::uint8_t { equals, notEquals, above, atMost, within, oneOf, custom };
+
+template <class Names, Test kTest, std::size_t kCount>
+struct Condition {
+  [[no_unique_address]] Names names;
+  bool holds;
+  std::int64_t value;                            // of the field
+  std::array<std::int64_t, kCount> comparedWith;  // none of a custom condition, whose text says it
+  const char* text = nullptr;
+};
+
+// A condition that depends on no field.
+struct PlaceCondition {
+  const char* text;
+  bool holds;
+};
+
+template <class X>
+constexpr std::int64_t valueOf(const X& x) {
+  return static_cast<std::int64_t>(x.only());
+}
+template <Test kTest, class X, class... V>
+constexpr auto conditionOf(const X& x, bool holds, V... comparedWith) {
+  using Names = std::remove_cvref_t<decltype(x.names)>;
+  return Condition<Names, kTest, sizeof...(V)>{
+      x.names, holds, valueOf(x), {static_cast<std::int64_t>(comparedWith)...}};
+}
+
+template <class X>
+constexpr auto equals(const X& x, std::int64_t value) {
+  return conditionOf<Test::equals>(x, valueOf(x) == value, value);
+}
+template <class X>
+constexpr auto notEquals(const X& x, std::int64_t value) {
+  return conditionOf<Test::notEquals>(x, valueOf(x) != value, value);
+}
+template <class X>
+constexpr auto above(const X& x, std::int64_t value) {
+  return conditionOf<Test::above>(x, valueOf(x) > value, value);
+}
+template <class X>
+constexpr auto atMost(const X& x, std::int64_t highest) {
+  return conditionOf<Test::atMost>(x, valueOf(x) <= highest, highest);
+}
+template <class X>
+constexpr auto within(const X& x, std::int64_t lowest, std::int64_t highest) {
+  return conditionOf<Test::within>(x, lowest <= valueOf(x) && valueOf(x) <= highest, lowest, highest);
+}
+template <class X, class... V>
+constexpr auto oneOf(const X& x, V... values) {
+  return conditionOf<Test::oneOf>(x, ((valueOf(x) == values) || ...), values...);
+}
+template <class X>
+constexpr auto custom(const X& x, const char* text, bool holds) {
+  auto condition = conditionOf<Test::custom>(x, holds);
+  condition.text = text;
+  return condition;
+}
+constexpr PlaceCondition custom(const char* text, bool holds) { return {text, holds}; }
+
+// ---- Defaults: what a reader sets fields to that the version does not store. One for each field, or one for all.
+// A text takes otherwise("") or another text; the bytes after the NUL stay. All numbers of an array take the same.
+
 template <class... T>
 struct Otherwise {
   std::tuple<T...> values;
@@ -114,11 +167,62 @@ constexpr Otherwise<T...> otherwise(T... values) {
   return {{values...}};
 }
 
+// ---- List rules: where the count comes from, when a reader empties the list, and what becomes of an element that
+// cannot be read completely.
+
+enum class CountFrom : std::uint8_t {
+  file,
+  caller,
+  one,  // one element and no count; a writer stores the first one only
+};
+enum class Clear : std::uint8_t {
+  beforeCount,  // before the count is read
+  always,       // once the count has been read
+  unlessZero,   // a count of 0 leaves the list as it was
+  ifPositive,   // so does a negative one
+  never,        // the elements are appended
+};
+enum class Failing : std::uint8_t {
+  dropped,   // it is not kept, and the walk fails
+  reused,    // the same, and all elements are read into one object: what one does not set it has from the last
+  kept,      // it is kept as far as it was read, and the walk goes on; of those without a byte at most 1024 are kept
+  inverted,  // it is kept, and the walk goes on; an element that can be read completely ends the list as a failure
+             // and is dropped. A writer begins with the second element, fails after the first that it could store
+             // completely, and ends the process when it has none left
+};
+
+template <CountFrom kFrom, Clear kClearRule, Failing kFailingRule>
+struct ListRule {
+  static constexpr CountFrom kCount = kFrom;
+  static constexpr Clear kClear = kClearRule;
+  static constexpr Failing kFailing = kFailingRule;
+  std::int64_t count = kFrom == CountFrom::one ? 1 : 0;  // of readers: writers store the elements that there are
+};
+
+inline constexpr ListRule<CountFrom::file, Clear::unlessZero, Failing::dropped> kCountFirst;
+inline constexpr ListRule<CountFrom::file, Clear::ifPositive, Failing::dropped> kPositiveCountFirst;
+inline constexpr ListRule<CountFrom::file, Clear::always, Failing::dropped> kReplaced;
+inline constexpr ListRule<CountFrom::file, Clear::never, Failing::dropped> kAppended;
+inline constexpr ListRule<CountFrom::file, Clear::always, Failing::reused> kReusedElement;
+inline constexpr ListRule<CountFrom::file, Clear::beforeCount, Failing::inverted> kInvertedSuccess;
+
+inline constexpr ListRule<CountFrom::one, Clear::never, Failing::dropped> kSingle;
+
+using GivenCount = ListRule<CountFrom::caller, Clear::unlessZero, Failing::dropped>;
+using GivenAppended = ListRule<CountFrom::caller, Clear::never, Failing::dropped>;
+using GivenKept = ListRule<CountFrom::caller, Clear::never, Failing::kept>;
+// A count that is stored elsewhere, see countOf().
+constexpr GivenCount counted(std::int64_t count) { return {count}; }
+constexpr GivenAppended appended(std::int64_t count) { return {count}; }
+constexpr GivenKept appendedAndKept(std::int64_t count) { return {count}; }
+
+// ---- Layouts.
+
 template <class Record>
 struct Layout;  // a specialisation describes the record, see above
 
-// Small elements that files hold by the thousand say so with `static constexpr bool kFastPath = true`:
-// reader and writer then take a quicker way through them.
+// Small elements that files hold by the thousand set `static constexpr bool kFastPath = true`: reader and writer
+// then take a faster way through them.
 template <class R>
 concept HasFastPath = Layout<std::remove_const_t<R>>::kFastPath;
 
@@ -128,13 +232,13 @@ struct Layout<T> {
   static bool describe(auto& io, auto& itself) { return io.fields(FIELDS(itself)); }
 };
 
-// Why a chain stopped: a tail forgives a short read, never a refusal, and then the record has ended.
+// Why a walk stopped: an optional tail forgives a short read, never a refusal, and then the record has ended.
 enum class Stop : std::uint8_t { none, shortRead, refused, ended };
 
-// The version for records that have no gate.
+// The version for records whose form is the same at every version.
 inline constexpr int kUnversioned = 0;
 
-// The gates, alike for every walker.
+// The conditions on versions and fields, alike for every walker.
 template <class Self>
 class Gates {
  public:
@@ -159,9 +263,9 @@ class Gates {
   [[nodiscard]] bool between(int first, int last, const X& x) {
     return version_ < first || version_ > last || nested(x);
   }
-  template <class X>
-  [[nodiscard]] bool when(bool stored, const X& x) {
-    return !stored || nested(x);
+  template <class C, class X>
+  [[nodiscard]] bool when(const C& condition, const X& x) {
+    return !condition.holds || nested(x);
   }
 
  protected:
@@ -178,16 +282,12 @@ class Gates {
   int version_;
 };
 
-// What is alike for walkers that meet no file, so no fault of one.
+// What walkers over a record without a file have in common: nothing can be missing.
 template <class Self>
 class RecordWalker : public Gates<Self> {
  public:
   using Gates<Self>::Gates;
 
-  template <class X>
-  [[nodiscard]] bool nonZero(const X& x) {
-    return this->nested(x);
-  }
   template <class X>
   [[nodiscard]] bool optionalTail(const X& x) {
     return this->nested(x);
@@ -200,12 +300,8 @@ class RecordWalker : public Gates<Self> {
   [[nodiscard]] bool continueOnFailure(const X& x) {
     return this->nested(x);
   }
-  template <class X, class Rest>
-  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
-    return this->nested(x) && rest();
-  }
   template <class R, class Fn>
-  [[nodiscard]] bool afterRead(const R&, const Fn&) {
+  [[nodiscard]] bool afterRead(const R&, const char*, const Fn&) {
     return true;
   }
   template <class X>
@@ -214,10 +310,6 @@ class RecordWalker : public Gates<Self> {
   }
   template <class X, class... A>
   [[nodiscard]] bool record(const X& x, const A&... more) {
-    return this->self().walk(x.only(), more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool replaced(const X& x, const A&... more) {
     return this->self().walk(x.only(), more...);
   }
 };

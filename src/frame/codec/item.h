@@ -33,6 +33,17 @@ constexpr Block<T...> block(T&... members) {
   return {{members...}};
 }
 
+// A number of which a stored 0 leaves the member as it is.
+template <class T>
+struct NonZero {
+  T& member;
+  mutable std::remove_const_t<T> stored = 0;  // set by a load
+};
+template <class T>
+constexpr NonZero<T> nonZero(T& member) {
+  return {member};
+}
+
 template <class T>
 concept Number = std::is_arithmetic_v<T> && !std::is_same_v<std::remove_cv_t<T>, bool>;
 
@@ -121,6 +132,18 @@ struct Item<As<Stored, T>> {
     as.member = static_cast<T>(stored);
   }
   static void store(const As<Stored, T>& as, std::byte* to) { Item<Stored>::store(static_cast<Stored>(as.member), to); }
+};
+
+template <class T>
+struct Item<NonZero<T>> {
+  using Stored = std::remove_const_t<T>;
+  static constexpr std::size_t kWidth = sizeof(T);
+  static constexpr bool kIsRow = false;
+  static void load(const NonZero<T>& number, const std::byte* from) {
+    Item<Stored>::load(number.stored, from);
+    if (number.stored != 0) number.member = number.stored;
+  }
+  static void store(const NonZero<T>& number, std::byte* to) { Item<Stored>::store(number.member, to); }
 };
 
 template <class... T>

@@ -87,12 +87,12 @@ class Reader : public Reading<Reader> {
     return one(member);
   }
   // As fields: checked once, and entry by entry only where the whole slice is not there.
-  template <class X>
+  template <class Stored = void, class X>
   [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
     auto& all = x.only();
     using Item = wire::ItemOf<decltype(all[0])>;
-    const std::byte* from = in_.run((last - first + 1) * Item::kWidth);
-    if (from == nullptr) return Reading::slice(x, first, last);
+    const std::byte* from = std::is_void_v<Stored> ? in_.run((last - first + 1) * Item::kWidth) : nullptr;
+    if (from == nullptr) return Reading::slice<Stored>(x, first, last);
     for (std::size_t i = first; i <= last; ++i, from += Item::kWidth) Item::load(all[i], from);
     in_.consume((last - first + 1) * Item::kWidth);
     return true;

@@ -1,15 +1,15 @@
-// The verbs of everything that reads, told once. A walker derives from Reading<Self> and supplies
-//   fields(F)             moves fields, one by one as far as they are there
-//   fieldOf(names, i, m)  moves one field, which the names call by position i
-//   indexed(names, i, m)  moves one field, entry i of the array that the names call
-//   numbers(names, row, n)  moves the first n numbers of an array, each kept if it is there whole
-//   sizedField(names, field, n)  the first n bytes of a fixed field, as one item
+// The verbs of everything that reads. A walker derives from Reading<Self> and supplies
+//   fields(FIELDS)        reads fields, one by one as far as they are there
+//   fieldOf(names, i, m)  reads one field, which has the name at position i
+//   indexed(names, i, m)  reads one field, entry i of the array of that name
+//   numbers(names, row, n)  reads the first n numbers of an array; those that are there are kept
+//   sizedField(names, field, n)  reads the first n bytes of a fixed field, as one item
 //   text(string, n)       appends n bytes or nothing
-//   drop(n)               reserved bytes
+//   drop(n)               skips reserved bytes
 //   left()                bytes up to the end of the file
 //   has(n)                whether n more bytes are there
 //   position()            bytes since the beginning
-// and may hide the hooks at the end to follow where it is.
+// and may hide the hooks at the end, to follow the walk.
 #pragma once
 #include <algorithm>
 #include <array>
@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "OldTorvIO/fixed_text.h"
 #include "src/frame/codec/describe.h"
 
 namespace oldtorvio::codec {
@@ -53,7 +54,7 @@ class Reading : public Gates<Self> {
   template <class X>
   [[nodiscard]] bool sized(const X& x, std::int32_t size) {
     auto& field = x.only();
-    if (size < 1 || static_cast<std::size_t>(size) > sizeof field) return refuse(x, size);
+    if (size < 1 || static_cast<std::size_t>(size) > sizeof field) return refuseValue(x.names, size);
     return self().sizedField(x.names, field, static_cast<std::size_t>(size));
   }
   template <class X>
@@ -73,10 +74,10 @@ class Reading : public Gates<Self> {
     return ok;
   }
   template <class X>
-  [[nodiscard]] bool lengthTextOrEmpty(const X& x, std::int32_t longest) {
+  [[nodiscard]] bool lengthText(const X& x, std::int32_t longest) {
     std::int32_t length = 0;
     self().enter(x.names);
-    bool ok = self().fields(FIELDS(length)) && atMost(FIELDS(length), longest);
+    bool ok = self().fields(FIELDS(length)) && require(atMost(FIELDS(length), longest));
     std::string text;
     ok = ok && (length < 1 || self().text(text, static_cast<std::uint64_t>(length)));
     if (ok) {
@@ -100,55 +101,30 @@ class Reading : public Gates<Self> {
     return chain() && self().drop(size - static_cast<std::size_t>(self().position() - from));
   }
 
-  template <class X>
+  // Each entry is stored as a Stored, or as what it is.
+  template <class Stored = void, class X>
   [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
-    for (std::size_t i = first; i <= last; ++i)
-      if (!self().indexed(x.names, i, x.only()[i])) return false;
+    for (std::size_t i = first; i <= last; ++i) {
+      if constexpr (std::is_void_v<Stored>) {
+        if (!self().indexed(x.names, i, x.only()[i])) return false;
+      } else {
+        auto one = as<Stored>(x.only()[i]);
+        if (!self().indexed(x.names, i, one)) return false;
+      }
+    }
     return true;
-  }
-  template <class Stored, class X>
-  [[nodiscard]] bool sliceAs(const X& x, std::size_t first, std::size_t last) {
-    for (std::size_t i = first; i <= last; ++i)
-      if (auto one = as<Stored>(x.only()[i]); !self().indexed(x.names, i, one)) return false;
-    return true;
-  }
-  template <class X>
-  [[nodiscard]] bool nonZero(const X& x) {
-    std::remove_cvref_t<decltype(x.only())> stored = 0;
-    if (!self().fieldOf(x.names, 0, stored)) return false;
-    if (stored != 0) x.only() = stored;
-    return true;
-  }
-  template <class X>
-  [[nodiscard]] bool bytesOrOne(const X& x, std::size_t size) {
-    auto& text = x.only();
-    if (self().has(size)) return self().sizedField(x.names, text, size);
-    // Not all are there, so one of them fails.
-    std::size_t i = 0;
-    while (self().indexed(x.names, i, text[i])) ++i;
-    return i == 1 && forgive();
   }
 
-  template <class X, class T>
-  [[nodiscard]] bool range(const X& x, T lowest, T highest) {
-    const auto& value = x.only();
-    return (lowest <= value && value <= highest) || refuse(x, value);
-  }
-  template <class X>
-  [[nodiscard]] bool atMost(const X& x, std::int64_t highest) {
-    const auto& value = x.only();
-    return value <= highest || refuse(x, value);
-  }
-  [[nodiscard]] bool notReadOn() {
-    self().refusedHere();
-    return refuseSilently();
+  template <class C>
+  [[nodiscard]] bool require(const C& condition) {
+    return condition.holds || refuse(condition);
   }
   template <class R>
   static R& unchanged(R& record) {
     return record;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool afterRead(R& record, const Fn& fn) {
+  [[nodiscard]] bool afterRead(R& record, const char*, const Fn& fn) {
     fn(record);
     return true;
   }
@@ -170,10 +146,6 @@ class Reading : public Gates<Self> {
     if (!this->nested(x)) forgiveAll();
     return true;
   }
-  template <class X, class Rest>
-  [[nodiscard]] bool skipUnless(const X& x, const Rest& rest) {
-    return this->nested(x) ? rest() : forgive();
-  }
   template <class Read, class Written>
   [[nodiscard]] bool differs(const Read& read, const Written&) {
     return read();
@@ -187,11 +159,11 @@ class Reading : public Gates<Self> {
     return forReaders;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(const R&, const Fn&) {
+  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
     return true;
   }
 
-  // One whole record, whoever holds it: where a tail ended it, it is whole as well.
+  // One record. Where an optional tail ended it, it is complete as well.
   template <class R, class... A>
   [[nodiscard]] bool walk(R& record, const A&... more) {
     if (Layout<R>::describe(self(), record, more...)) return true;
@@ -206,63 +178,38 @@ class Reading : public Gates<Self> {
     self().leave();
     return ok;
   }
-  template <class X, class... A>
-  [[nodiscard]] bool replaced(const X& x, const A&... more) {
-    std::remove_cvref_t<decltype(x.only())> fresh;
-    self().enter(x.names);
-    const bool ok = walk(fresh, more...);
-    self().leave();
-    if (ok) x.only() = std::move(fresh);
-    return ok;
-  }
-
   template <class V>
   std::int32_t countOf(const V&) const {
     return 0;
   }
-  template <class X, class... A>
-  [[nodiscard]] bool countFirst(const X& x, const A&... more) {
-    std::int32_t count = 0;
-    return readCount(x, count) && counted(count, x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool counted(std::int32_t count, const X& x, const A&... more) {
-    if (count != 0) x.only().clear();
-    return appendRun(count, x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
-    std::int32_t count = 0;
-    if (!readCount(x, count)) return false;
-    x.only().clear();
-    return appendRun(count, x, more...);
+  template <class X, class Rule, class... A>
+  [[nodiscard]] bool list(const X& x, Rule rule, const A&... more) {
+    if constexpr (Rule::kClear == Clear::beforeCount) clearLists(x);
+    std::int64_t count = rule.count;
+    if constexpr (Rule::kCount == CountFrom::file) {
+      std::int32_t stored = 0;
+      if (!readCount(x, stored)) return false;
+      count = stored;
+    }
+    if constexpr (Rule::kClear == Clear::always) clearLists(x);
+    if constexpr (Rule::kClear == Clear::unlessZero)
+      if (count != 0) clearLists(x);
+    if constexpr (Rule::kClear == Clear::ifPositive)
+      if (count > 0) clearLists(x);
+    if constexpr (std::tuple_size_v<decltype(x.members)> == 2)
+      return readInTurns(count, x, more...);
+    else if constexpr (requires { x.only().row(0); })
+      return readColumns(count, x);
+    else if constexpr (Rule::kFailing == Failing::dropped)
+      return readElements(count, x, more...);
+    else if constexpr (Rule::kFailing == Failing::reused)
+      return readReused(count, x, more...);
+    else
+      return readFailing<Rule::kFailing == Failing::inverted>(count, x, more...);
   }
   template <class X>
   [[nodiscard]] bool clear(const X& x) {
-    x.only().clear();
-    return true;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool append(const X& x, const A&... more) {
-    std::int32_t count = 0;
-    return readCount(x, count) && appendRun(count, x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool appendRun(std::int64_t count, const X& x, const A&... more) {
-    auto& list = x.only();
-    using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
-    makeRoom(list, count, minStoredSizeOf<Element>());
-    if constexpr (kHoldsLists<Element>) return appendHolders(count, x, more...);
-    for (std::int64_t i = self().quickRun(list, count, more...); i < count;
-         i += 1 + self().quickRun(list, count - i - 1, more...)) {
-      self().enter(x.names, i);
-      const bool ok = walk(list.emplace_back(), more...);
-      self().leave();
-      if (!ok) {
-        list.pop_back();
-        return false;
-      }
-    }
+    clearLists(x);
     return true;
   }
   template <class X, class Fn>
@@ -272,103 +219,6 @@ class Reading : public Gates<Self> {
     self().leave();
     return ok;
   }
-  template <class X, class... A>
-  [[nodiscard]] bool reusedElement(const X& x, const A&... more) {
-    auto& list = x.only();
-    using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
-    std::int32_t count = 0;
-    if (!readCount(x, count)) return false;
-    list.clear();
-    makeRoom(list, count, minStoredSizeOf<Element>());
-    Element element;
-    for (std::int32_t i = 0; i < count; ++i) {
-      self().enter(x.names, i);
-      const bool ok = walk(element, more...);
-      self().leave();
-      if (!ok) return false;
-      list.push_back(element);
-    }
-    return true;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool forgivingRun(std::int64_t count, const X& x, const A&... more) {
-    auto& list = x.only();
-    int empty = 0;
-    for (std::int64_t i = 0; i < count && empty < kMostEmptyElements; ++i) {
-      const std::uint64_t from = self().position();
-      if (!elementAt(x, i, list.emplace_back(), more...)) forgiveAll();
-      if (self().position() == from) ++empty;
-    }
-    return true;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool invertedSuccessList(const X& x, const A&... more) {
-    auto& list = x.only();
-    std::int32_t count = 0;
-    list.clear();
-    if (!readCount(x, count)) return false;
-    int empty = 0;
-    for (std::int32_t i = 0; i < count && empty < kMostEmptyElements; ++i) {
-      const std::uint64_t from = self().position();
-      if (elementAt(x, i, list.emplace_back(), more...)) {
-        list.pop_back();
-        return false;
-      }
-      forgiveAll();
-      if (self().position() == from) ++empty;
-    }
-    return true;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool interleaved(const X& x, const A&... more) {
-    auto& [first, second] = x.members;
-    using One = typename std::remove_cvref_t<decltype(first)>::value_type;
-    using Other = typename std::remove_cvref_t<decltype(second)>::value_type;
-    std::int32_t count = 0;
-    if (!readCount(x, count)) return false;
-    if (count == 0) return true;
-    first.clear();
-    second.clear();
-    const std::size_t least = minStoredSizeOf<One>() + minStoredSizeOf<Other>();
-    makeRoom(first, count, least);
-    makeRoom(second, count, least);
-    for (std::int32_t i = 0; i < count; ++i) {
-      self().enter(x.names, i, 0);
-      bool ok = walk(first.emplace_back());
-      self().leave();
-      if (!ok) {
-        first.pop_back();
-        return false;
-      }
-      self().enter(x.names, i, 1);
-      ok = walk(second.emplace_back(), more...);
-      self().leave();
-      if (!ok) {
-        second.pop_back();
-        return false;
-      }
-    }
-    return true;
-  }
-  template <class X>
-  [[nodiscard]] bool columns(const X& x) {
-    auto& view = x.only();
-    using Row = typename std::remove_cvref_t<decltype(view)>::Row;
-    std::int32_t count = 0;
-    if (!readCount(x, count)) return false;
-    if (count < 1) return true;
-    view.clear();
-    view.reserve(roomFor(count, minStoredSizeOf<Row>()));
-    for (std::int32_t i = 0; i < count; ++i) {
-      Row row;
-      self().enter(x.names, i);
-      const bool ok = self().freshElement(row);
-      self().leave();
-      if (!ok) return false;
-      view.append(row);
-    }
-    return true;
-  }
   template <class Fn>
   [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
     bool ok = true;
@@ -377,10 +227,6 @@ class Reading : public Gates<Self> {
       ok = row(static_cast<std::size_t>(i));
     }
     return ok;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool single(const X& x, const A&... more) {
-    return appendRun(1, x, more...);
   }
   template <class X, class M>
   [[nodiscard]] bool trailer(const X& x, M member) {
@@ -394,7 +240,7 @@ class Reading : public Gates<Self> {
     return true;
   }
 
-  // Hooks: where the walk is. `list` tells apart the lists of an FIELDS(...) that names several.
+  // Hooks: where the walk is. `list` is the position of a list in a FIELDS(...) that names several.
   template <class Names>
   void enter(const Names&, std::int64_t /*index*/ = -1, std::size_t /*list*/ = 0) {}
   void leave() {}
@@ -409,8 +255,8 @@ class Reading : public Gates<Self> {
   bool freshElement(R& element, const A&... more) {
     return walk(element, more...);
   }
-  template <class X, class T>
-  void refused(const X&, const T&) {}
+  template <class Names>
+  void refused(const Names&, std::int64_t /*value*/) {}
   void refusedHere() {}
   void forgiven() { forgave_ = true; }
 
@@ -425,22 +271,114 @@ class Reading : public Gates<Self> {
     stop_ = Stop::refused;
     return false;
   }
+  template <class Names, Test kTest, std::size_t kCount>
+  bool refuse(const Condition<Names, kTest, kCount>& condition) {
+    return refuseValue(condition.names, condition.value);
+  }
+  bool refuse(const PlaceCondition&) {
+    self().refusedHere();
+    return refuseSilently();
+  }
   bool forgive() {
     if (stop_ != Stop::shortRead) return false;
     stop_ = Stop::none;
     self().forgiven();
     return true;
   }
-  template <class X, class T>
-  bool refuse(const X& x, const T& value) {
-    stop_ = Stop::refused;
-    self().refused(x, value);
-    return false;
+  template <class Names>
+  bool refuseValue(const Names& names, std::int64_t value) {
+    self().refused(names, value);
+    return refuseSilently();
   }
 
  private:
-  // The file pays for every element but for these.
+  // Every element consumes bytes of the file but for these.
   static constexpr int kMostEmptyElements = 1024;
+
+  template <class X>
+  static void clearLists(const X& x) {
+    std::apply([](auto&... lists) { (lists.clear(), ...); }, x.members);
+  }
+  template <class X, class... A>
+  bool readElements(std::int64_t count, const X& x, const A&... more) {
+    auto& list = x.only();
+    using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
+    makeRoom(list, count, minStoredSizeOf<Element>());
+    if constexpr (kHoldsLists<Element>) return appendHolders(count, x, more...);
+    for (std::int64_t i = self().quickRun(list, count, more...); i < count;
+         i += 1 + self().quickRun(list, count - i - 1, more...)) {
+      if (elementAt(x, i, list.emplace_back(), more...)) continue;
+      list.pop_back();
+      return false;
+    }
+    return true;
+  }
+  template <class X, class... A>
+  bool readReused(std::int64_t count, const X& x, const A&... more) {
+    auto& list = x.only();
+    using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
+    makeRoom(list, count, minStoredSizeOf<Element>());
+    Element element;
+    for (std::int64_t i = 0; i < count; ++i) {
+      if (!elementAt(x, i, element, more...)) return false;
+      list.push_back(element);
+    }
+    return true;
+  }
+  // Failing elements are kept; one that succeeds ends the list where success is inverted.
+  template <bool kInverted, class X, class... A>
+  bool readFailing(std::int64_t count, const X& x, const A&... more) {
+    auto& list = x.only();
+    int empty = 0;
+    for (std::int64_t i = 0; i < count && empty < kMostEmptyElements; ++i) {
+      const std::uint64_t from = self().position();
+      if (!elementAt(x, i, list.emplace_back(), more...)) {
+        forgiveAll();
+      } else if constexpr (kInverted) {
+        list.pop_back();
+        return false;
+      }
+      if (self().position() == from) ++empty;
+    }
+    return true;
+  }
+  template <class X, class... A>
+  bool readInTurns(std::int64_t count, const X& x, const A&... more) {
+    auto& [first, second] = x.members;
+    const std::size_t least = minStoredSizeOf<typename std::remove_cvref_t<decltype(first)>::value_type>() +
+                              minStoredSizeOf<typename std::remove_cvref_t<decltype(second)>::value_type>();
+    makeRoom(first, count, least);
+    makeRoom(second, count, least);
+    for (std::int64_t i = 0; i < count; ++i) {
+      if (!elementAt(x, i, first.emplace_back())) {
+        first.pop_back();
+        return false;
+      }
+      self().enter(x.names, i, 1);
+      const bool ok = walk(second.emplace_back(), more...);
+      self().leave();
+      if (!ok) {
+        second.pop_back();
+        return false;
+      }
+    }
+    return true;
+  }
+  template <class X>
+  bool readColumns(std::int64_t count, const X& x) {
+    auto& view = x.only();
+    using Row = typename std::remove_cvref_t<decltype(view)>::Row;
+    view.reserve(view.size() + roomFor(count, minStoredSizeOf<Row>()));
+    for (std::int64_t i = 0; i < count; ++i) {
+      Row row;
+      self().enter(x.names, i);
+      const bool ok = self().freshElement(row);
+      self().leave();
+      if (!ok) return false;
+      view.append(row);
+    }
+    return true;
+  }
 
   template <class X, class R, class... A>
   bool elementAt(const X& x, std::int64_t i, R& element, const A&... more) {
@@ -526,10 +464,32 @@ class Reading : public Gates<Self> {
   // Growing copies, and for a while there are both: so by doubling up to a quarter of what can be, then to all.
   static std::size_t grown(std::size_t size, std::size_t more) { return size < more / 3 ? 2 * size + 1 : size + more; }
 
+  // Defaults: one for each field, or one for all.
   template <class M, class D, std::size_t... I>
   static void assign(const M& members, const D& defaults, std::index_sequence<I...>) {
-    static_assert(std::tuple_size_v<M> == sizeof...(I), "one default for each field");
-    ((std::get<I>(members) = static_cast<std::remove_cvref_t<std::tuple_element_t<I, M>>>(std::get<I>(defaults))), ...);
+    constexpr std::size_t kFields = std::tuple_size_v<M>;
+    if constexpr (sizeof...(I) == 1 && kFields > 1) {
+      std::apply([&](auto&... m) { (setDefault(m, std::get<0>(defaults)), ...); }, members);
+    } else {
+      static_assert(kFields == sizeof...(I), "one default for each field, or one for all");
+      (setDefault(std::get<I>(members), std::get<I>(defaults)), ...);
+    }
+  }
+  template <class M, class D>
+  static void setDefault(M& member, const D& value) {
+    member = static_cast<M>(value);
+  }
+  template <std::size_t N>
+  static void setDefault(char (&text)[N], const char* value) {
+    (void)setFixedText(text, value);
+  }
+  template <Number T, std::size_t N, class D>
+  static void setDefault(T (&numbers)[N], const D& value) {
+    for (T& number : numbers) number = static_cast<T>(value);
+  }
+  template <class... T, class D>
+  static void setDefault(const Block<T...>& block, const D& value) {
+    std::apply([&](auto&... m) { (setDefault(m, value), ...); }, block.members);
   }
 
   Stop stop_ = Stop::none;

@@ -78,7 +78,7 @@ class WriterInto : public RecordWalker<WriterInto<Room>> {
     return true;
   }
   template <class X>
-  [[nodiscard]] bool lengthTextOrEmpty(const X& x, std::int32_t longest) {
+  [[nodiscard]] bool lengthText(const X& x, std::int32_t longest) {
     return x.only().size() <= static_cast<std::size_t>(longest) && lengthText(x);
   }
   // The text up to its NUL; one that does not fit is never cut.
@@ -110,13 +110,9 @@ class WriterInto : public RecordWalker<WriterInto<Room>> {
     return true;
   }
 
-  template <class X, class T>
-  [[nodiscard]] bool range(const X& x, T lowest, T highest) {
-    return lowest <= x.only() && x.only() <= highest;
-  }
-  template <class X>
-  [[nodiscard]] bool atMost(const X& x, std::int64_t highest) {
-    return x.only() <= highest;
+  template <class C>
+  [[nodiscard]] bool require(const C& condition) {
+    return condition.holds;
   }
   template <class R>
   static const R& unchanged(const R& record) {
@@ -140,7 +136,7 @@ class WriterInto : public RecordWalker<WriterInto<Room>> {
     return forWriters;
   }
   template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(R& record, const Fn& fn) {
+  [[nodiscard]] bool beforeWrite(R& record, const char*, const Fn& fn) {
     fn(record);
     return true;
   }
@@ -155,75 +151,27 @@ class WriterInto : public RecordWalker<WriterInto<Room>> {
   std::int32_t countOf(const V& list) const {
     return list.size() > kMostElements ? -1 : static_cast<std::int32_t>(list.size());
   }
-  template <class X, class... A>
-  [[nodiscard]] bool countFirst(const X& x, const A&... more) {
-    return append(x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool counted(std::int32_t count, const X& x, const A&... more) {
-    return count >= 0 && appendRun(count, x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool countThenClear(const X& x, const A&... more) {
-    return append(x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool append(const X& x, const A&... more) {
-    std::int32_t count = 0;
-    return countFor(x.only(), count) && fields(FIELDS(count)) && appendRun(count, x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool appendRun(std::int64_t, const X& x, const A&... more) {
-    for (const auto& element : x.only())
-      if (!writeElement(element, more...)) return false;
-    return true;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool reusedElement(const X& x, const A&... more) {
-    return append(x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool forgivingRun(std::int64_t, const X& x, const A&... more) {
-    return appendRun(0, x, more...);
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool invertedSuccessList(const X& x, const A&... more) {
-    const auto& list = x.only();
-    std::int32_t count = 0;
-    if (!countFor(list, count) || !fields(FIELDS(count)) || list.empty()) return list.empty();
-    // It counts from one where the list counts from zero: the last turn has no element.
-    for (std::size_t i = 1;; ++i) {
-      if (i == list.size()) EndProcess();
-      if (walk(list[i], more...) || out_.failed()) return false;
+  template <class X, class Rule, class... A>
+  [[nodiscard]] bool list(const X& x, Rule rule, const A&... more) {
+    if constexpr (Rule::kCount == CountFrom::one) {
+      return !x.only().empty() && walk(x.only().front(), more...);
+    } else {
+      if (!storeCount(x, rule)) return false;
+      if constexpr (Rule::kFailing == Failing::inverted)
+        return writeInverted(x.only(), more...);
+      else if constexpr (std::tuple_size_v<decltype(x.members)> == 2)
+        return writeInTurns(std::get<0>(x.members), std::get<1>(x.members), more...);
+      else if constexpr (requires { x.only().row(0); })
+        return writeColumns(x.only());
+      else
+        return writeElements(x.only(), more...);
     }
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool interleaved(const X& x, const A&... more) {
-    const auto& [first, second] = x.members;
-    std::int32_t count = 0;
-    if (first.size() != second.size() || !countFor(first, count) || !fields(FIELDS(count))) return false;
-    for (std::size_t i = 0; i < first.size(); ++i)
-      if (!walk(first[i]) || !walk(second[i], more...)) return false;
-    return true;
-  }
-  template <class X>
-  [[nodiscard]] bool columns(const X& x) {
-    const auto& view = x.only();
-    std::int32_t count = 0;
-    if (!view.sameLengths() || !countFor(view, count) || !fields(FIELDS(count))) return false;
-    for (std::size_t i = 0; i < view.size(); ++i)
-      if (!writeElement(view.row(i))) return false;
-    return true;
   }
   template <class Fn>
   [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
     for (std::int64_t i = 0; i < count; ++i)
       if (!row(static_cast<std::size_t>(i))) return false;
     return true;
-  }
-  template <class X, class... A>
-  [[nodiscard]] bool single(const X& x, const A&... more) {
-    return !x.only().empty() && walk(x.only().front(), more...);
   }
   template <class X, class M>
   [[nodiscard]] bool trailer(const X& x, M member) {
@@ -248,7 +196,48 @@ class WriterInto : public RecordWalker<WriterInto<Room>> {
     if (size > 0) std::memcpy(to, from, size);
     return true;
   }
-  // An element that is not sure to fit the room at hand starts again on the careful way.
+  template <class X, class Rule>
+  bool storeCount(const X& x, Rule rule) {
+    if constexpr (Rule::kCount == CountFrom::caller) {
+      return rule.count >= 0;  // it has been stored
+    } else {
+      const auto& list = std::get<0>(x.members);
+      if constexpr (std::tuple_size_v<decltype(x.members)> == 2)
+        if (list.size() != std::get<1>(x.members).size()) return false;
+      if constexpr (requires { list.sameLengths(); })
+        if (!list.sameLengths()) return false;
+      std::int32_t count = 0;
+      return countFor(list, count) && fields(FIELDS(count));
+    }
+  }
+  template <class V, class... A>
+  bool writeElements(const V& list, const A&... more) {
+    for (const auto& element : list)
+      if (!writeElement(element, more...)) return false;
+    return true;
+  }
+  template <class V, class W, class... A>
+  bool writeInTurns(const V& first, const W& second, const A&... more) {
+    for (std::size_t i = 0; i < first.size(); ++i)
+      if (!walk(first[i]) || !walk(second[i], more...)) return false;
+    return true;
+  }
+  template <class View>
+  bool writeColumns(const View& view) {
+    for (std::size_t i = 0; i < view.size(); ++i)
+      if (!writeElement(view.row(i))) return false;
+    return true;
+  }
+  template <class V, class... A>
+  bool writeInverted(const V& list, const A&... more) {
+    if (list.empty()) return true;
+    // It counts from one where the list counts from zero: the last turn has no element.
+    for (std::size_t i = 1;; ++i) {
+      if (i == list.size()) EndProcess();
+      if (walk(list[i], more...) || out_.failed()) return false;
+    }
+  }
+  // An element that may not fit the room at hand is stored again the slow way.
   template <class R, class... A>
   bool writeElement(const R& element, const A&... more) {
     if constexpr (HasFastPath<R> && std::is_reference_v<Room>)
