@@ -5,7 +5,7 @@ int main() {
   oldtorvio::codec::InStream in{std::span<const std::byte>()};
   oldtorvio::codec::Reader io(in, 180);
   int value = 0;
-#if defined(MENDED)
+#if defined(CORRECTED)
   return io.fields(FIELDS(value)) ? 0 : 1;
 #else
   io.fields(FIELDS(value));

@@ -5,7 +5,7 @@ int main() {
   oldtorvio::codec::InStream in{std::span<const std::byte>()};
   oldtorvio::codec::Reader io(in, 180);
   std::vector<std::uint32_t> one, other;
-#if defined(MENDED)
+#if defined(CORRECTED)
   return io.countFirst(FIELDS(one)) && io.countFirst(FIELDS(other)) ? 0 : 1;
 #else
   return io.countFirst(FIELDS(one, other)) ? 0 : 1;
