@@ -1,4 +1,4 @@
-// A verb whose answer is dropped would let a chain run on behind a failure.
+// A verb whose result is discarded would let a chain continue after a failure.
 #include "src/frame/codec/reader.h"
 
 int main() {

@@ -1,4 +1,4 @@
-// A list verb takes one list: naming two would silently leave one out.
+// A list verb takes one list: of two, one would silently be ignored.
 #include "src/frame/codec/reader.h"
 
 int main() {

@@ -4,8 +4,8 @@
 usage: consumers.py --build BUILD --scratch FOLDER [--full] [--cc COMMAND] [--cxx COMMAND] [--c-flags FLAGS]
                     [--cxx-flags FLAGS] [--config NAME]
 
-Prints one line for each consumer, and ends with 1 if any of them fails. Without --full only the ones that take a
-few seconds.
+Prints one line for each consumer, and exits with 1 if any of them fails. Without --full it runs only those that
+take a few seconds.
 """
 import argparse
 import os
@@ -31,12 +31,12 @@ def run(command, **options):
     done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                           errors="replace", **options)
     if done.returncode != 0:
-        raise Failed(f"{shlex.join(map(str, command))}\nends with {done.returncode}\n{done.stdout}")
+        raise Failed(f"{shlex.join(map(str, command))}\nexits with {done.returncode}\n{done.stdout}")
     return done.stdout
 
 
-def require(holds, complaint):
-    if not holds:
+def require(condition, complaint):
+    if not condition:
         raise Failed(complaint)
 
 
@@ -66,15 +66,15 @@ class Consumers:
     # ---- the installed files ----
 
     def install(self):
-        """Moved after the installation: nothing in it may know where it was installed."""
+        """Moved after the installation: no file in it may depend on where it was installed."""
         first = self.scratch / "installed"
         run(["cmake", "--install", self.given.build, "--prefix", first, "--strip", *self.config()])
         first.rename(self.prefix)
         found = [file for name in ("LICENSE", "OldTorvIO.h", "records.h", "oldtorvio.pc", "OldTorvIOConfig.cmake")
                  for file in self.prefix.rglob(name)]
-        require(len(found) == 5, f"installed of the five expected files: {found}")
+        require(len(found) == 5, f"of the five expected files only these are installed: {found}")
         for file in [*self.prefix.rglob("*.cmake"), *self.prefix.rglob("*.pc")]:
-            require(str(self.scratch) not in file.read_text(encoding="utf-8"), f"{file} names the folder of the installation")
+            require(str(self.scratch) not in file.read_text(encoding="utf-8"), f"{file} contains the path of the installation")
         for file in self.libraries():
             print(f"        {file.stat().st_size:9} bytes  {file.relative_to(self.prefix)}")
 
@@ -86,7 +86,7 @@ class Consumers:
         return next(self.prefix.rglob("oldtorvio.pc")).parents[1]
 
     def soname_and_package_agree(self):
-        """A program runs with the libraries of its soname and builds with the packages of its version: the same ones."""
+        """Libraries with the same soname and packages of a compatible version must be the same set."""
         major, minor, patch = map(int, self.version.split("."))
         abi = f"{major}.{minor}" if major == 0 else f"{major}"
         require((self.library_folder() / f"libOldTorvIO.so.{abi}").exists(), f"there is no libOldTorvIO.so.{abi}")
@@ -164,7 +164,7 @@ class Consumers:
         def work():
             folder = self.library_folder()
             if static:
-                # As a system has it that comes without the shared library: the linker would prefer that one.
+                # Without the shared library, which the linker would prefer.
                 copy = self.scratch / "static_only"
                 if not copy.exists():
                     shutil.copytree(self.prefix, copy, symlinks=True)
