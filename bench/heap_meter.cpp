@@ -9,7 +9,7 @@
 
 namespace {
 
-// One thread measures. Less than nothing is held when more was given back than taken.
+// Only one thread measures. `held` is negative after more memory was freed than allocated.
 bool counting = false;
 std::int64_t held = 0, mostHeld = 0;
 

@@ -570,7 +570,7 @@ TEST(OutOfMemory, QueriesOfAMachineFileReturnOneAndLeaveTheirOutputs) {
 // files: another file for each attempt, since a record keeps the memory of earlier loads.
 void expectZeroAfterTheVersionWordOnFailure(const std::function<Bytes(std::size_t attempt)>& files,
                                             const std::function<std::int32_t(const char*)>& load,
-                                            const std::function<bool()>& hasAnswered) {
+                                            const std::function<bool()>& setItsOutputs) {
   const TempFolder folder;
   std::size_t before = 0;
   {
@@ -592,7 +592,7 @@ void expectZeroAfterTheVersionWordOnFailure(const std::function<Bytes(std::size_
         happened = failing.happened();
       }
       ASSERT_EQ(status, happened && n < before ? 1 : 0) << "allocation " << n;
-      ASSERT_EQ(hasAnswered(), !happened) << "allocation " << n;
+      ASSERT_EQ(setItsOutputs(), !happened) << "allocation " << n;
       ASSERT_TRUE(happened || n > before) << "nothing was allocated after the version word";
       ASSERT_LT(n, 100000U);
       std::filesystem::remove(path);
@@ -691,9 +691,9 @@ TEST(OutOfMemory, ReplacingTheSkeletonReturnsOneThenMinusTwoThenZero) {
 TEST(OutOfMemory, QueriesOfASheetFileReturnZeroAfterTheVersionWordAndLeaveTheirOutputs) {
   const Bytes sheet = sheetFile(180);
   const auto sameFile = [&](std::size_t) { return sheet; };
-  const auto expectQuiet = [&](const std::function<std::int64_t(const char*)>& query, const auto& hasAnswered) {
+  const auto expectQuiet = [&](const std::function<std::int64_t(const char*)>& query, const auto& setItsOutputs) {
     expectZeroAfterTheVersionWordOnFailure(
-        sameFile, [&](const char* path) { return static_cast<std::int32_t>(query(path)); }, hasAnswered);
+        sameFile, [&](const char* path) { return static_cast<std::int32_t>(query(path)); }, setItsOutputs);
   };
   float n[12] = {};
   std::uint32_t count = 0;
@@ -994,21 +994,21 @@ TEST_F(AllExports, EightThreadsQueryOneSheet) {
   OldSheet* sheet = nullptr;
   ASSERT_EQ(GetOldSheetHandle(folder_.path("sheet").c_str(), &sheet), 0);
   const std::vector<std::string> keys = {"part_details_01", "preSkeletonDosName", "sheet_utilization", "width"};
-  const auto ask = [&] {
+  const auto query = [&] {
     std::string all;
-    std::vector<char> answer(1U << 16U);
+    std::vector<char> value(1U << 16U);
     for (const std::string& key : keys) {
-      EXPECT_EQ(GetOldSheetInfoByName(sheet, key.c_str(), answer.data()), 0);
-      all += answer.data();
+      EXPECT_EQ(GetOldSheetInfoByName(sheet, key.c_str(), value.data()), 0);
+      all += value.data();
     }
-    EXPECT_EQ(GetOldSheetInfoPartGroupIDs(sheet, answer.data()), 0);
-    return all + answer.data();
+    EXPECT_EQ(GetOldSheetInfoPartGroupIDs(sheet, value.data()), 0);
+    return all + value.data();
   };
-  const std::string expected = ask();
+  const std::string expected = query();
   std::vector<std::thread> threads;
   for (int t = 0; t < 8; ++t)
     threads.emplace_back([&] {
-      for (int i = 0; i < 50; ++i) EXPECT_EQ(ask(), expected);
+      for (int i = 0; i < 50; ++i) EXPECT_EQ(query(), expected);
     });
   for (std::thread& thread : threads) thread.join();
   FreeSheetHandle(sheet);
