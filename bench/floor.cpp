@@ -93,8 +93,8 @@ void addStation(ToolStationList& list, int number) {
   tool.dimension1 = static_cast<float>(number);
 }
 
-void require(bool holds, const char* what) {
-  if (holds) return;
+void require(bool condition, const char* what) {
+  if (condition) return;
   std::fprintf(stderr, "the benchmark is wrong: %s\n", what);
   std::exit(1);
 }

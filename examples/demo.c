@@ -116,7 +116,7 @@ int main(int argc, char** argv) {
   if (argc != 2) {
     fprintf(stderr,
             "usage: example_demo FOLDER\n"
-            "FOLDER holds the files of make_samples and is the configured folder of special tools: examples/demo.sh\n"
+            "FOLDER has the files of make_samples and is the configured folder of special tools: examples/demo.sh\n"
             "prepares it and runs this program.\n");
     return 2;
   }

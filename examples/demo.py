@@ -79,8 +79,8 @@ class MachineInformation(ctypes.Structure):
                 ("infoStationCount", c_int32)]
 
 
-def check(holds, what):
-    if not holds:
+def check(condition, what):
+    if not condition:
         sys.exit("unexpected: " + what)
 
 

@@ -322,7 +322,7 @@ int main(int argc, char** argv) {
   if (argc != 2) {
     fprintf(stderr,
             "usage: example_nest_demo FOLDER\n"
-            "FOLDER holds the files of example_nest and example_demo: examples/demo.sh prepares it and runs this\n"
+            "FOLDER has the files of example_nest and example_demo: examples/demo.sh prepares it and runs this\n"
             "program.\n");
     return 2;
   }

@@ -20,7 +20,7 @@ namespace oldtorvio {
 //     allocates.
 //   - A reference stays valid as long as the LazyArray exists. A reference to an unallocated element that was taken
 //     through a const LazyArray keeps showing the default, even after the element is written.
-//   - A moved-from LazyArray holds the defaults.
+//   - All elements of a moved-from LazyArray have their defaults.
 //   - sizeof does not depend on the number of elements; size() returns it.
 // An index outside 0 to size() - 1 is undefined behaviour, as in an array.
 template <class T, std::size_t kSize>

@@ -1,4 +1,4 @@
-// Special tool files and the folder that holds them.
+// Special tool files, and the configured folder for them.
 #pragma once
 #include <string>
 

@@ -76,17 +76,17 @@ def main():
     options = argparse.ArgumentParser(description="Builds without presets, with both compilers, at every build type.")
     options.add_argument("--short", action="store_true")
     options.add_argument("--jobs", type=int, default=os.cpu_count() or 2)
-    given = options.parse_args()
+    args = options.parse_args()
     begin = time.monotonic()
 
-    build_types = ("Release", "Debug") if given.short else BUILD_TYPES
-    cells = [Cell(compilers, build_type, given.short) for build_type in build_types for compilers in COMPILERS]
-    at_once = min(given.jobs, len(cells))
+    build_types = ("Release", "Debug") if args.short else BUILD_TYPES
+    cells = [Cell(compilers, build_type, args.short) for build_type in build_types for compilers in COMPILERS]
+    at_once = min(args.jobs, len(cells))
     with concurrent.futures.ThreadPoolExecutor(at_once) as pool:
-        list(pool.map(lambda cell: cell.build(given.jobs // at_once), cells))
+        list(pool.map(lambda cell: cell.build(args.jobs // at_once), cells))
     failed = [cell.name for cell in cells if cell.complaint]
-    for cell in cells[:1] if given.short else [cell for cell in cells if cell.everything]:
-        if not cell.complaint and not consumers_of(cell, not given.short):
+    for cell in cells[:1] if args.short else [cell for cell in cells if cell.everything]:
+        if not cell.complaint and not consumers_of(cell, not args.short):
             failed.append(f"consumers of {cell.name}")
     print(f"{len(cells)} builds in {time.monotonic() - begin:.0f} s, with their consumers: "
           + (f"FAILED: {'; '.join(failed)}" if failed else "no warning, nothing failed"))

@@ -43,9 +43,9 @@ TEST(HostileFiles, EveryCountThatClaimsTwoBillionIsAFaultAndTakesNoMemory) {
   const TempFolder folder;
   for (const Kind& kind : kinds())
     for (const int version : kind.versions) {
-      const Bytes whole = kind.file(version);
+      const Bytes complete = kind.file(version);
       std::vector<explain::MapLine> counts;
-      (void)explain::mapFile(folder.write("whole", whole).c_str(), kind.kind, [&](const explain::MapLine& line) {
+      (void)explain::mapFile(folder.write("complete", complete).c_str(), kind.kind, [&](const explain::MapLine& line) {
         if (line.size == 4 && isCount(line.path)) counts.push_back(line);
       });
       // A file that is only a parameter table has one count, the bytes of its name.
@@ -57,7 +57,7 @@ TEST(HostileFiles, EveryCountThatClaimsTwoBillionIsAFaultAndTakesNoMemory) {
                              (count.path.ends_with(".valueCount") || count.path.ends_with(".toolCount"));
         if (carried || station) continue;
         for (const std::size_t following : {0U, 60U}) {
-          Bytes file = whole.cut(static_cast<std::size_t>(count.offset));
+          Bytes file = complete.cut(static_cast<std::size_t>(count.offset));
           file.i32(2000000000).fill(following, 1);
           const std::string path = folder.overwrite("claims", file);
           std::filesystem::resize_file(path, file.size());
@@ -704,10 +704,10 @@ TEST(OutOfMemory, QueriesOfASheetFileReturnZeroAfterTheVersionWordAndLeaveTheirO
               [&] { return std::bit_cast<std::uint32_t>(std::exchange(utilization, -1.0F)) != 0xBF800000U; });
   std::string text3, text5;
   const auto clear = [&] {
-    const bool answered = text3[0] != '#' && text5[0] != '#';
+    const bool isSet = text3[0] != '#' && text5[0] != '#';
     text3.assign(300, '#');
     text5.assign(300, '#');
-    return answered;
+    return isSet;
   };
   (void)(text3.assign(300, '#'), text5.assign(300, '#'));
   expectQuiet([&](const char* path) { return GetOldVLMQMaterialName(path, text3.data(), text5.data()); }, clear);
@@ -723,12 +723,12 @@ TEST(OutOfMemory, QueriesOfASheetFileReturnZeroAfterTheVersionWordAndLeaveTheirO
                                &n[0], &n[1], &n[2], &late, parts, 64, &partsLength, tools, 64, &toolsLength);
       },
       [&] {
-        const bool answered = std::exchange(partsLength, 0) == 7;
+        const bool isSet = std::exchange(partsLength, 0) == 7;
         for (std::string& one : texts) {
-          EXPECT_EQ(one[0] != '#', answered);
+          EXPECT_EQ(one[0] != '#', isSet);
           one.assign(600, '#');
         }
-        return answered;
+        return isSet;
       });
 }
 

@@ -36,7 +36,7 @@ bool readsOnce(const ExportCall& call) {
 
 struct Outcome {
   std::int64_t status = 0;
-  std::string before, answer;  // everything that the call may change, before and after it
+  std::string before, output;  // everything that the call may change, before and after it
   bool happened = false;
   std::size_t opened = 0;
   std::array<std::size_t, kIoCalls> counts{};
@@ -90,7 +90,7 @@ class Bench {
       judge(outcome);
       p.renew();
       EXPECT_EQ(p.call(), good.status) << "once more";
-      expectSame(p.answer(), good.answer, "once more");
+      expectSame(p.answer(), good.output, "once more");
     }
     if (!call.keepsRoom) {
       EXPECT_EQ(meter.held(), 0);
@@ -120,7 +120,7 @@ class Bench {
       EXPECT_EQ(watch.stillOpen(), 0U);
       EXPECT_EQ(watch.closedInVain(), 0U);
     }
-    outcome.answer = p.answer();
+    outcome.output = p.answer();
     return outcome;
   }
 };
@@ -160,7 +160,7 @@ TEST(IoFaults, AFileThatCannotBeOpenedIsReportedAndChangesNothing) {
             // A table is opened again once its path and version are set. The other two set a count of 0.
             if (call.form != "a table alone" && call.name != "OpenSpecialToolFile" &&
                 call.name != "LoadOldToolInventoryForCount")
-              expectSame(seen.answer, seen.before, "changed");
+              expectSame(seen.output, seen.before, "changed");
           };
           EXPECT_TRUE(bench.trial(call, good, &fault, judge));
         }
@@ -175,11 +175,11 @@ void expectFaultsToBeEnds(const Bench& bench, const std::function<std::vector<st
     if (!readsOnce(call)) continue;
     ++calls;
     const Outcome good = bench.undisturbed(call);
-    const Bytes& whole = bench.samples.content(call.input);
+    const Bytes& complete = bench.samples.content(call.input);
     std::size_t begin = 0;
     for (std::size_t n = 0; n < good.read.size(); begin += good.read[n++])
       for (const std::size_t bytes : placesInRead(good.read[n])) {
-        const Outcome cut = bench.withInput(call, whole.cut(begin + bytes));
+        const Outcome cut = bench.withInput(call, complete.cut(begin + bytes));
         for (const bool forGood : kinds) {
           SCOPED_TRACE(call.title() + ", read " + std::to_string(n) + " after " + std::to_string(bytes) +
                        (forGood ? " and on" : ""));
@@ -187,9 +187,9 @@ void expectFaultsToBeEnds(const Bench& bench, const std::function<std::vector<st
           const auto judge = [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, cut.status);
             // An edit that does not get to its save changes no file.
-            const bool stays = call.files == Files::edited && cut.answer == cut.before;
-            expectSame(seen.answer, stays ? seen.before : cut.answer, "not as if the file ended");
-            if (call.allOrNothing && seen.status != call.whenDone) expectSame(seen.answer, seen.before, "changed");
+            const bool stays = call.files == Files::edited && cut.output == cut.before;
+            expectSame(seen.output, stays ? seen.before : cut.output, "not as if the file ended");
+            if (call.allOrNothing && seen.status != call.whenDone) expectSame(seen.output, seen.before, "changed");
           };
           EXPECT_TRUE(bench.trial(call, good, &fault, judge));
         }
@@ -231,9 +231,9 @@ TEST(IoFaults, AReadThatFailsInOneOfSeveralFilesIsReported) {
           (void)bench.trial(call, good, &fault, [&](const Outcome& seen) {
             if (call.files == Files::tools) {
               // The folder or the tool cannot be read, or the fault hit something that is not needed.
-              if (seen.status == call.whenDone) return expectSame(seen.answer, good.answer, "not done");
+              if (seen.status == call.whenDone) return expectSame(seen.output, good.output, "not done");
               EXPECT_EQ(seen.status, -1);
-              return expectSame(seen.answer, seen.before, "changed");
+              return expectSame(seen.output, seen.before, "changed");
             }
             if (call.files == Files::loaded) {
               // A table: the version word first, then everything from the beginning.
@@ -244,8 +244,8 @@ TEST(IoFaults, AReadThatFailsInOneOfSeveralFilesIsReported) {
             const bool inVersionWord = n == 0 && bytes < 2;
             const bool meetsPart = n == 1 || (n == 0 && forGood);
             EXPECT_EQ(seen.status, inVersionWord ? 1 : meetsPart ? -2 : 0);
-            if (n == 0 && !forGood && !inVersionWord) return expectSame(seen.answer, good.answer, "not done");
-            if (n < 2) expectSame(seen.answer, seen.before, "changed");
+            if (n == 0 && !forGood && !inVersionWord) return expectSame(seen.output, good.output, "not done");
+            if (n < 2) expectSame(seen.output, seen.before, "changed");
           });
         }
   }
@@ -266,7 +266,7 @@ TEST(IoFaults, AFileOfUnknownSizeIsReadToItsEnd) {
           const IoFault fault{IoCall::query, n, forGood, EOVERFLOW, 0};
           EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, good.status);
-            expectSame(seen.answer, good.answer, "another answer");
+            expectSame(seen.output, good.output, "another output");
           }));
         }
     }
@@ -286,7 +286,7 @@ TEST(IoFaults, AFileThatIsBufferedDespiteTheRequestIsReadAndWrittenAsUsual) {
     const IoFault fault{IoCall::buffer, 0, true, EINVAL, 0};
     EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
       EXPECT_EQ(seen.status, good.status);
-      expectSame(seen.answer, good.answer, "another answer");
+      expectSame(seen.output, good.output, "another output");
     }));
   }
 }
@@ -294,7 +294,7 @@ TEST(IoFaults, AFileThatIsBufferedDespiteTheRequestIsReadAndWrittenAsUsual) {
 // After a failed save or edit, the file has the first bytes of what would have been saved.
 void expectFirstBytes(const Outcome& seen, const Outcome& good, std::size_t bytes) {
   const std::string_view head = "file: ";
-  expectSame(seen.answer, good.answer.substr(0, head.size() + bytes), "not what had been written");
+  expectSame(seen.output, good.output.substr(0, head.size() + bytes), "not what had been written");
 }
 
 void expectWritesToBeTold(const Bench& bench, const std::vector<int>& errors, const std::vector<bool>& kinds,
@@ -346,7 +346,7 @@ TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
         EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
           EXPECT_EQ(seen.status, call.files == Files::saved ? -2 : call.whenDone);
           EXPECT_EQ(seen.count(IoCall::close), good.count(IoCall::close));
-          expectSame(seen.answer, good.answer, "another answer");
+          expectSame(seen.output, good.output, "another output");
         }));
       }
   }
@@ -357,20 +357,20 @@ TEST(IoFaults, AFileThatGetsShorterWhileItIsReadEndsThere) {
   for (const ExportCall& call : exportCalls()) {
     if (!readsOnce(call)) continue;
     const Outcome good = bench.undisturbed(call);
-    const Bytes& whole = bench.samples.content(call.input);
+    const Bytes& complete = bench.samples.content(call.input);
     for (const std::size_t size :
-         {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{300}, whole.size() / 2, whole.size() - 4}) {
+         {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{300}, complete.size() / 2, complete.size() - 4}) {
       SCOPED_TRACE(call.title() + ", down to " + std::to_string(size));
-      const Outcome cut = bench.withInput(call, whole.cut(size));
+      const Outcome cut = bench.withInput(call, complete.cut(size));
       (void)bench.trial(
           call, good, nullptr,
           [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, cut.status);
-            expectSame(seen.answer, cut.answer, "not as if the file had been short from the beginning");
+            expectSame(seen.output, cut.output, "not as if the file had been short from the beginning");
             bench.samples.restore(call.input);
           },
           [&](IoWatch& watch) {
-            watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, whole.cut(size)); });
+            watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, complete.cut(size)); });
           });
     }
   }
@@ -387,7 +387,7 @@ TEST(IoFaults, AFileThatGetsLongerWhileItIsReadIsReadAsItWas) {
         call, good, nullptr,
         [&](const Outcome& seen) {
           EXPECT_EQ(seen.status, good.status);
-          expectSame(seen.answer, good.answer, "another answer");
+          expectSame(seen.output, good.output, "another output");
           bench.samples.restore(call.input);
         },
         [&](IoWatch& watch) { watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, longer); }); });
@@ -399,11 +399,11 @@ TEST(IoFaults, ASheetThatCanBeReadButNotWrittenStaysAsItIs) {
   for (const ExportCall& call : exportCalls()) {
     if (call.files != Files::edited) continue;
     const Outcome good = bench.undisturbed(call);
-    EXPECT_FALSE(good.answer == good.before) << call.title();
+    EXPECT_FALSE(good.output == good.before) << call.title();
     const IoFault fault{IoCall::open, call.notOpened.size() - 1, false, EACCES, 0};
     EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
       EXPECT_EQ(seen.status, 0);
-      expectSame(seen.answer, seen.before, "changed");
+      expectSame(seen.output, seen.before, "changed");
     }));
   }
 }
@@ -422,9 +422,9 @@ TEST(IoFaults, FoldersThatCannotBeReadHaveNoSpecialTools) {
         EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
           // An entry that cannot be examined is treated as a file, and several spellings of a folder are tried.
           if ((n > 0 || !forGood) && seen.status == call.whenDone)
-            return expectSame(seen.answer, good.answer, "another answer");
+            return expectSame(seen.output, good.output, "another output");
           EXPECT_EQ(seen.status, -1);
-          expectSame(seen.answer, seen.before, "changed");
+          expectSame(seen.output, seen.before, "changed");
         }));
       }
   }
@@ -468,7 +468,7 @@ void expectOf(
 // Checks only the status: -2, or -1 from the part builder.
 void expectNothingToOpen(const ExportCall& call, const Outcome& seen, const Outcome&) {
   EXPECT_EQ(seen.status, call.files == Files::tools ? -1 : -2);
-  if (!setsACountToZero(call) && call.files != Files::edited) expectSame(seen.answer, seen.before, "changed");
+  if (!setsACountToZero(call) && call.files != Files::edited) expectSame(seen.output, seen.before, "changed");
 }
 
 TEST(OddFiles, AFolderInPlaceOfAFileIsNotOpened) {
@@ -487,11 +487,11 @@ TEST(OddFiles, FilesOfZeroBytesAndOfOneHaveNoVersion) {
           if (call.files != Files::saved) writeFile(path, Bytes().fill(size, 1));
         },
         [](const ExportCall& call, const Outcome& seen, const Outcome& good) {
-          if (call.files == Files::saved) return expectSame(seen.answer, good.answer, "not saved");
+          if (call.files == Files::saved) return expectSame(seen.output, good.output, "not saved");
           EXPECT_EQ(seen.status, call.files == Files::tools ? -1 : 1);
           // Flags that were not read are set to 0.
           if (setsACountToZero(call) || call.name == "GetSheetDriverFlags" || call.files == Files::edited) return;
-          expectSame(seen.answer, seen.before, "changed");
+          expectSame(seen.output, seen.before, "changed");
         });
 }
 
@@ -506,7 +506,7 @@ TEST(OddFiles, APathOfAHundredThousandCharactersIsNotOpened) {
       bench.samples.move(call.input, longPath);
       const Outcome seen = bench.undisturbed(call);
       EXPECT_EQ(seen.status, -2);
-      if (!setsACountToZero(call)) expectSame(seen.answer, seen.before, "changed");
+      if (!setsACountToZero(call)) expectSame(seen.output, seen.before, "changed");
     }
     bench.samples.move(call.input, path);
   }
@@ -550,7 +550,7 @@ TEST(OddFiles, APathIsUsedUnchanged) {
       EXPECT_EQ(seen.status, good.status);
       // Only outputs that contain no path.
       if (call.allOrNothing || call.name == "SaveOldSheet" || call.files == Files::edited)
-        expectSame(seen.answer, good.answer, "another answer");
+        expectSame(seen.output, good.output, "another output");
       EXPECT_TRUE(std::filesystem::is_regular_file(path));
       std::filesystem::remove(path);
       bench.samples.move(call.input, home);
@@ -608,8 +608,8 @@ TEST(OddFiles, AReadOnlyFileIsLoadedAndNeverChanged) {
       },
       [](const ExportCall& call, const Outcome& seen, const Outcome& good) {
         EXPECT_EQ(seen.status, call.files == Files::saved ? -2 : good.status);
-        if (call.files == Files::saved) return expectSame(seen.answer, std::string("file: \1\0", 8), "changed");
-        expectSame(seen.answer, call.files == Files::edited ? seen.before : good.answer, "another answer");
+        if (call.files == Files::saved) return expectSame(seen.output, std::string("file: \1\0", 8), "changed");
+        expectSame(seen.output, call.files == Files::edited ? seen.before : good.output, "another output");
       });
 }
 
@@ -716,8 +716,8 @@ TEST(OddFiles, APipeIsReadLikeAFileWithTheSameBytes) {
       expectOf(
           bench,
           [&](const std::string& path, const ExportCall& call) {
-            const Bytes& whole = bench.samples.content(call.input);
-            const Bytes content = whole.cut(static_cast<std::size_t>(static_cast<double>(whole.size()) * share));
+            const Bytes& complete = bench.samples.content(call.input);
+            const Bytes content = complete.cut(static_cast<std::size_t>(static_cast<double>(complete.size()) * share));
             cut = bench.withInput(call, content);
             std::filesystem::remove(path);
             ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
@@ -730,7 +730,7 @@ TEST(OddFiles, APipeIsReadLikeAFileWithTheSameBytes) {
           [&](const ExportCall&, const Outcome& seen, const Outcome&) {
             writer.reset();
             EXPECT_EQ(seen.status, cut->status);
-            expectSame(seen.answer, cut->answer, "another answer than from a file");
+            expectSame(seen.output, cut->output, "another output than from a file");
             cut.reset();
           },
           nullptr, isLoadedOnce);
@@ -750,13 +750,13 @@ TEST(OddFiles, AnEndlessPipeTakesMemoryOnlyForWhatItDelivered) {
       const std::string path = bench.samples.path(call.input);
       std::filesystem::remove(path);
       ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-      std::size_t given = 0, peak = 0;
+      std::size_t delivered = 0, peak = 0;
       {
-        const PipeWriter writer(path, [&given, &block, left = 256](int pipe) mutable {
+        const PipeWriter writer(path, [&delivered, &block, left = 256](int pipe) mutable {
           const std::uint8_t version[2] = {180, 0};
           const auto wrote =
-              given == 0 ? ::write(pipe, version, sizeof version) : ::write(pipe, block.data(), block.size());
-          if (wrote > 0) given += static_cast<std::size_t>(wrote);
+              delivered == 0 ? ::write(pipe, version, sizeof version) : ::write(pipe, block.data(), block.size());
+          if (wrote > 0) delivered += static_cast<std::size_t>(wrote);
           return wrote > 0 && --left > 0;
         });
         const AllocationMeter meter;
@@ -764,7 +764,7 @@ TEST(OddFiles, AnEndlessPipeTakesMemoryOnlyForWhatItDelivered) {
         EXPECT_TRUE(status == 0 || status == 1 || status == -1) << status;
         peak = meter.peak();
       }
-      EXPECT_LE(peak, 16 * given + (1U << 21U));
+      EXPECT_LE(peak, 16 * delivered + (1U << 21U));
       bench.samples.restore(call.input);
     }
   }

@@ -127,10 +127,10 @@ class Server:
     def ask(self, line):
         self.process.stdin.write(line + "\n")
         self.process.stdin.flush()
-        answer = self.process.stdout.readline().rstrip("\n")
+        reply = self.process.stdout.readline().rstrip("\n")
         for left in os.scandir(self.folder):  # by a process that was killed
             shutil.rmtree(left.path, ignore_errors=True) if left.is_dir() else os.unlink(left.path)
-        return answer
+        return reply
 
     def names(self):
         self.process.stdin.write("list\n")
@@ -187,21 +187,21 @@ def measure(program, jobs):
 
     def one(server, test):
         begin = time.monotonic()
-        answer, _, places = server.ask(f"touch 120000:{test.number}").partition(";")
+        reply, _, places = server.ask(f"touch 120000:{test.number}").partition(";")
         test.seconds = time.monotonic() - begin
-        if answer == "passed":
+        if reply == "passed":
             test.sites = frozenset(map(int, places.split()))
         else:
-            unfit.append(f"{test.name} ({answer})")
+            unfit.append(f"{test.name} ({reply})")
 
     in_parallel(program, jobs, tests, one)
 
     # Together as well, in several orders: a test that fails because of another would kill mutants for no reason.
     def together(server, order):
         order = [test for test in order if test.sites]
-        while (answer := server.ask(f"run 0 {groups_for(order)}")) != "passed":
-            failed = tests[int(answer.split()[1])]
-            unfit.append(f"{failed.name} ({answer.split()[0]} among others)")
+        while (reply := server.ask(f"run 0 {groups_for(order)}")) != "passed":
+            failed = tests[int(reply.split()[1])]
+            unfit.append(f"{failed.name} ({reply.split()[0]} among others)")
             order.remove(failed)
             failed.sites = frozenset()
 
@@ -246,8 +246,8 @@ def run_mutants(program, jobs, sites, tests, longest, explained):
         if not able:
             result = "not reached" if not by_site[site.id] else "survived"
         else:
-            answer = server.ask(f"run {site.id} {groups_for(able)}")
-            how, _, number = answer.partition(" ")
+            reply = server.ask(f"run {site.id} {groups_for(able)}")
+            how, _, number = reply.partition(" ")
             if how == "passed":
                 result = "survived"
             else:
@@ -347,28 +347,28 @@ def main():
                          help="run all tests on explained survivors as well, not only the quick ones: takes hours")
     options.add_argument("--jobs", type=int, default=os.cpu_count() or 2)
     options.add_argument("--sources", action="store_true", help="only rewrite the sources")
-    given = options.parse_args()
+    args = options.parse_args()
 
     sites, skipped = rewrite_all()
-    if given.sources:
+    if args.sources:
         print(f"{len(sites)} places, {len(skipped)} left out")
         return 0
-    program = build(given.jobs)
+    program = build(args.jobs)
     begin = time.monotonic()
     compiled = compiled_sites(program)
     constant = [site for site in sites if site.id not in compiled]
-    sites = [site for site in sites if site.id in compiled and given.only in site.name]
+    sites = [site for site in sites if site.id in compiled and args.only in site.name]
     before = {}
-    if given.again:
+    if args.again:
         for line in (BUILD / "results.txt").read_text(encoding="utf-8").splitlines():
             name, result = line.rsplit(": killed by ", 1) if ": killed by " in line else (None, None)
             before[name] = f"killed by {result}"
-    tests, unfit = measure(program, given.jobs)
+    tests, unfit = measure(program, args.jobs)
     print(f"{len(tests)} tests of {sum(test.seconds for test in tests):.0f} s, {len(sites)} mutants", file=sys.stderr)
     explained = Explanations(sites)
     known = {site.id for site in sites if explained.entry_for(site)}
     to_run = [site for site in sites if site.name not in before]
-    results = run_mutants(program, given.jobs, to_run, tests, given.longest, set() if given.thorough else known)
+    results = run_mutants(program, args.jobs, to_run, tests, args.longest, set() if args.thorough else known)
     results.update({site.id: before[site.name] for site in sites if site.id not in results})
     return 0 if report(sites, results, explained, skipped, constant, unfit, time.monotonic() - begin) else 1
 

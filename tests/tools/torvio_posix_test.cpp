@@ -117,7 +117,7 @@ TEST_F(TorvioOnPosix, FileThatDoesNotFitInMemoryLeavesTheOthersToBeChecked) {
 // ---- pipes -----------------------------------------------------------------------------------------------
 
 TEST_F(TorvioOnPosix, PipeIsReadLikeAFile) {
-  // Larger than what a pipe holds, and of a kind that is detected from the content.
+  // Larger than the buffer of a pipe, and of a kind that is detected from the content.
   const std::string path = folder_.write("shapes", specialToolFile(60, std::vector<int>(5000, 3)));
   ASSERT_GT(std::filesystem::file_size(path), 200000U);
 
