@@ -394,7 +394,7 @@ TEST(IoFaults, AFileThatGetsLongerWhileItIsReadIsReadAsItWas) {
   }
 }
 
-TEST(IoFaults, ASheetThatCanBeReadButNotWrittenStaysAsItIs) {
+TEST(IoFaults, AReadOnlySheetIsNotChanged) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     if (call.files != Files::edited) continue;
@@ -574,7 +574,7 @@ TEST(OddFiles, APathIsUsedUnchanged) {
 
 #if !defined(_WIN32)
 
-TEST(OddFiles, LinksThatLeadInCirclesAreNotOpened) {
+TEST(OddFiles, CircularLinksAreNotOpened) {
   const Bench bench;
   expectOf(
       bench, [](const std::string& path, const ExportCall&) { std::filesystem::create_symlink(path, path); },

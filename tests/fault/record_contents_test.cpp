@@ -90,7 +90,7 @@ TYPED_TEST_SUITE(ContentsOf, Records);
 TYPED_TEST(ContentsOf, ARecordIncludesEveryMember) { EXPECT_EQ(missedBytes<TypeParam>(), std::vector<Run>()); }
 
 // Any difference in a member matters, whether it is stored or not.
-TEST(RecordContents, DifferWhereAnyMemberDiffers) {
+TEST(RecordContents, DifferIfAnyMemberDiffers) {
   using fuzzing::Extent;
   const auto differ = [](auto change, Extent extent) {
     const auto one = std::make_unique<OldSheet>(), other = std::make_unique<OldSheet>();

@@ -81,7 +81,7 @@ TEST_F(TorvioOnPosix, DeniedPermissionIsNamed) {
   EXPECT_EQ(run.output, tool_ + ": cannot be opened: Permission denied\n");
 }
 
-TEST_F(TorvioOnPosix, FailedReadIsNotTakenForTheEndOfTheFile) {
+TEST_F(TorvioOnPosix, FailedReadIsNotTreatedAsTheEndOfTheFile) {
   // Nothing is mapped at the first address of a process, so its memory cannot be read from there.
   constexpr const char* kUnreadable = "/proc/self/mem";
   if (!std::filesystem::exists(kUnreadable)) GTEST_SKIP() << "no file that opens and cannot be read";
