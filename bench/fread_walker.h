@@ -12,6 +12,7 @@
 
 namespace bench {
 
+namespace codec = oldtorvio::codec;
 namespace frame = oldtorvio::frame;
 
 class FileSource {

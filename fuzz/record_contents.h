@@ -35,7 +35,7 @@
 
 namespace fuzzing {
 
-namespace frame = oldtorvio::frame;
+namespace codec = oldtorvio::codec;
 
 // What is told goes to sink.bytes(at, size); sink.list(list) says that a list begins there, and answers
 // whether it is to be told: descriptions name some in two branches of which a file takes one.

@@ -13,7 +13,6 @@ namespace {
 
 using namespace oldtorvio;
 using namespace oldtorvio::codec;
-using namespace oldtorvio::frame;
 using explain::FormatPrinter;
 
 struct Named {

@@ -21,7 +21,7 @@
 namespace {
 
 using namespace oldtorvio::codec;
-using namespace oldtorvio::frame;
+using namespace oldtorvio::explain;
 using namespace testing_support;
 namespace explain = oldtorvio::explain;
 

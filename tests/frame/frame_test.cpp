@@ -19,7 +19,7 @@
 namespace {
 
 using namespace oldtorvio::codec;
-using namespace oldtorvio::frame;
+using namespace oldtorvio::codec;
 using oldtorvio::fixedText;
 using namespace testing_support;
 

@@ -28,7 +28,7 @@ struct oldtorvio::codec::Layout<Box> {
 namespace {
 
 using namespace oldtorvio::codec;
-using namespace oldtorvio::frame;
+using namespace oldtorvio::codec;
 using testing_support::Bytes;
 
 constexpr std::int32_t kTooMany = std::numeric_limits<std::int32_t>::max();

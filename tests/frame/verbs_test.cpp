@@ -58,7 +58,7 @@ struct Replacing {
 
 }  // namespace
 
-namespace oldtorvio::frame {
+namespace oldtorvio::codec {
 
 template <>
 struct Layout<Tailed> {
@@ -128,7 +128,7 @@ struct Layout<Replacing> {
   static bool describe(auto& io, auto& r) { return io.replaced(FIELDS(r.inner)); }
 };
 
-}  // namespace oldtorvio::frame
+}  // namespace oldtorvio::codec
 
 namespace {
 
