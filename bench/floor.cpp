@@ -36,7 +36,7 @@ Folder::~Folder() {
 }
 
 void floorSave(const std::string& path, const std::vector<std::byte>& content) {
-  // Made anew for each save, as a save cannot keep one either.
+  // Allocated for each save, because a save cannot keep a buffer either.
   const auto buffer = std::make_unique_for_overwrite<std::byte[]>(content.size());
   std::memcpy(buffer.get(), content.data(), content.size());
   std::FILE* file = std::fopen(path.c_str(), "wb");
@@ -49,7 +49,7 @@ void fillShapes(Source& from, const std::vector<Shape>& like, std::vector<Shape>
   to.reserve(like.size());
   for (const Shape& one : like) {
     Shape& shape = to.emplace_back();
-    // The numbers that version 180 stores, and the text and note where there is one.
+    // The numbers that version 180 stores, and the text and the note if there are any.
     from.fill(&shape, 96);
     shape.textFlag = one.textFlag;
     if (one.textFlag > 0) from.fill(shape.text, sizeof shape.text);
@@ -93,8 +93,8 @@ void addStation(ToolStationList& list, int number) {
   tool.dimension1 = static_cast<float>(number);
 }
 
-void require(bool holds, const char* what) {
-  if (holds) return;
+void require(bool condition, const char* what) {
+  if (condition) return;
   std::fprintf(stderr, "the benchmark is wrong: %s\n", what);
   std::exit(1);
 }

@@ -1,4 +1,4 @@
-// What the baselines share: files read and written at once, records filled by memcpy.
+// What the baselines share: files read and written with one call, records filled by memcpy.
 #pragma once
 #include <cstddef>
 #include <cstring>
@@ -14,18 +14,18 @@ namespace bench {
 
 inline constexpr int kVersion = 180;
 
-// Room for the bytes of a file. Nothing is in it before they are.
+// An uninitialised buffer for the bytes of a file.
 struct Bytes {
   explicit Bytes(std::size_t count) : all(std::make_unique_for_overwrite<char[]>(count)), size(count) {}
   std::unique_ptr<char[]> all;
   std::size_t size;
 };
 
-// The whole file with one call.
+// Reads the complete file with one call.
 Bytes readAtOnce(const std::string& path);
 std::vector<std::byte> contentOf(const std::string& path);
 
-// A folder that goes with the program.
+// A folder that is removed at the end of the program.
 class Folder {
  public:
   Folder();
@@ -36,10 +36,10 @@ class Folder {
   std::filesystem::path folder_;
 };
 
-// The floor of a save: a buffer of the same bytes filled by memcpy, written with one call.
+// The floor of a save: the same bytes copied to a buffer by memcpy and written with one call.
 void floorSave(const std::string& path, const std::vector<std::byte>& content);
 
-// Fills from a block of stored bytes, over and over: what is copied does not matter, how much does.
+// Fills from a block of stored bytes, repeatedly: only the number of copied bytes matters.
 class Source {
  public:
   explicit Source(const Bytes& bytes) : bytes_(bytes.all.get()), size_(bytes.size) {}
@@ -64,11 +64,11 @@ void fillNumbers(Source& from, const std::vector<T>& like, std::vector<T>& to) {
 void fillShapes(Source& from, const std::vector<oldtorvio::Shape>& like, std::vector<oldtorvio::Shape>& to);
 void fillStations(Source& from, const oldtorvio::ToolStationList& like, oldtorvio::ToolStationList& to);
 
-// A shape of its own for each number; every 16th has a text and every 8th a note.
+// A different shape for each number; every 16th has a text and every 8th a note.
 oldtorvio::Shape shapeNumber(int i);
 void addStation(oldtorvio::ToolStationList& list, int number);
 
-// Ends the program when the benchmark itself is wrong.
-void require(bool holds, const char* what);
+// Ends the program with a message if the condition is false: the benchmark itself is wrong then.
+void require(bool condition, const char* what);
 
 }  // namespace bench

@@ -1,14 +1,14 @@
-// The baseline that reads as simple programs do: one fread a field, over the same descriptions. The fuzz
-// targets hold the reader against it, field by field and without windows, runs or quick ways, and take it
-// from memory: see fuzz/fuzz_checks.h.
+// The baseline that reads as simple programs do: one fread for each field, with the same layouts. The fuzz targets
+// compare the reader with it, reading from memory: it reads field by field, without windows, runs or fast paths. See
+// fuzz/fuzz_checks.h.
 #pragma once
 #include <cstdio>
 #include <cstring>
 #include <span>
 #include <string>
 
-#include "src/frame/host/platform.h"
 #include "src/frame/codec/reading.h"
+#include "src/frame/host/platform.h"
 
 namespace bench {
 
@@ -17,7 +17,7 @@ namespace frame = oldtorvio::frame;
 
 class FileSource {
  public:
-  FileSource(std::FILE* file) : file_(file) {}  // NOLINT: stands for its file
+  FileSource(std::FILE* file) : file_(file) {}  // NOLINT: converts from a file
   std::uint64_t size() const { return frame::sizeOfFile(file_).value_or(0); }
   bool read(void* to, std::size_t size) { return std::fread(to, size, 1, file_) == 1; }
   void toEnd() { (void)std::fseek(file_, 0, SEEK_END); }
@@ -28,7 +28,7 @@ class FileSource {
 
 class MemorySource {
  public:
-  MemorySource(std::span<const std::byte> all) : left_(all) {}  // NOLINT: stands for its bytes
+  MemorySource(std::span<const std::byte> all) : left_(all) {}  // NOLINT: converts from bytes
   std::uint64_t size() const { return left_.size(); }
   bool read(void* to, std::size_t size) {
     if (size > left_.size()) return false;
@@ -68,7 +68,7 @@ class FieldReader : public codec::Reading<FieldReader<Source>> {
   }
   template <class Names, class M>
   [[nodiscard]] bool sizedField(const Names&, M& field, std::size_t size) {
-    // What is there only in part is not kept.
+    // A field that is not complete in the file is not changed.
     return has(size) ? take(std::data(field), size) : endsHere();
   }
   bool text(std::string& to, std::uint64_t size) {
@@ -106,7 +106,7 @@ class FieldReader : public codec::Reading<FieldReader<Source>> {
     left_ -= size;
     return true;
   }
-  // A read that cannot be met eats what is left.
+  // A read beyond the end consumes the rest of the file.
   bool endsHere() {
     source_.toEnd();
     left_ = 0;

@@ -1,5 +1,4 @@
-// What the program takes from the heap with new. It counts only while a meter lives: what is timed does
-// not pay for it.
+// Measures what the program allocates with new. It counts only while a meter exists, so timed code is not slowed down.
 #pragma once
 #include <cstddef>
 
@@ -11,10 +10,10 @@ class HeapMeter {
   ~HeapMeter();
   HeapMeter(const HeapMeter&) = delete;
   HeapMeter& operator=(const HeapMeter&) = delete;
-  std::size_t peak() const;  // bytes held at most beyond what was held before
+  std::size_t peak() const;  // most bytes allocated at a time, in addition to those before
 };
 
-// The most that once() holds at a time.
+// The most bytes that once() has allocated at a time.
 template <class Once>
 std::size_t peakOf(const Once& once) {
   const HeapMeter meter;

@@ -1,4 +1,4 @@
-// Machines with their materials and tool inventories that are measured, and what their floors fill.
+// The measured machines, materials and tool inventories, and how their floors are filled.
 #pragma once
 #include <memory>
 
@@ -12,7 +12,7 @@ std::unique_ptr<oldtorvio::OldMachine> fullMachine(int stations);
 // 5,000 tools, every fifth a special tool.
 oldtorvio::OldToolInventory inventoryOf5000();
 
-// Floors of loads, as fillPart.
+// The floors of loads, like fillPart.
 void fillMachine(Source& from, const oldtorvio::OldMachine& like, oldtorvio::OldMachine& to);
 void fillMaterial(Source& from, const oldtorvio::OldMaterial& like, oldtorvio::OldMaterial& to);
 void fillInventory(Source& from, const oldtorvio::OldToolInventory& like, oldtorvio::OldToolInventory& to);

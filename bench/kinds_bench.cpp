@@ -1,5 +1,5 @@
-// Loads of machines, materials and tool inventories against what they cannot be faster than, and
-// against one fread a field; queries against the load of their file.
+// Compares loads of machines, materials and tool inventories with their floor and with one fread per field, and queries
+// with the load of their file.
 #include "OldTorvIO.h"
 #include "bench/kind_files.h"
 #include "bench/suites.h"
@@ -19,7 +19,7 @@ using bench::registerQuery;
 using bench::require;
 using bench::Source;
 
-// Both readers give a record that is stored as the file's own bytes.
+// The records of both readers must be stored as the same bytes.
 template <class Record, class Write>
 void requireSame(Record& library, Record& fread, Write write) {
   codec::OutStream one, other;

@@ -1,5 +1,4 @@
-// Loads and saves of part files against what they cannot be faster than, and against one fread a
-// field.
+// Compares loads and saves of part files with their floor and with one fread per field.
 #include <benchmark/benchmark.h>
 
 #include <functional>

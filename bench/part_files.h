@@ -1,4 +1,4 @@
-// The files that are measured, and what the baselines need to know of them.
+// The measured part files, and how their floors are filled.
 #pragma once
 #include <memory>
 #include <string>
@@ -16,8 +16,8 @@ std::unique_ptr<oldtorvio::TorvPart> largePart();
 // 200 parts; every tenth has 200 shapes.
 oldtorvio::SheetPartList groupOfParts();
 
-// The floor of a load: records are constructed as `like` has them, all texts and lists that the file
-// stores filled by memcpy from the bytes read, without looking at them.
+// The floor of a load: constructs the same records as in `like`, and fills all texts and lists that the file stores by
+// memcpy from its bytes, without parsing them.
 void fillPart(Source& from, const oldtorvio::TorvPart& like, oldtorvio::TorvPart& to);
 void fillGroup(Source& from, const oldtorvio::SheetPartList& like, oldtorvio::SheetPartList& to);
 

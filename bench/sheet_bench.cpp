@@ -1,5 +1,5 @@
-// Sheets of 1, 50 and 2,000 parts: loads and saves, queries against the load of their file, edits
-// against a load and a save.
+// Sheets of 1, 50 and 2,000 parts: loads and saves, queries compared with the load of their file, edits compared with a
+// load and a save.
 #include <algorithm>
 #include <memory>
 #include <span>
@@ -29,15 +29,15 @@ using bench::require;
 
 enum class Way { floor, fread };
 
-// Whatever a part's share of an answer is, it is less.
-constexpr std::size_t kMostOfAPart = 1024;
+// More than one part adds to any output.
+constexpr std::size_t kMaxBytesPerPart = 1024;
 
 bool freadSheet(const std::string& path, OldSheet& to) { return freadLoad(path, to); }
 
 struct SheetCase {
   std::string name;
   std::string path;
-  std::unique_ptr<OldSheet> like = std::make_unique<OldSheet>();  // the file as it is loaded
+  std::unique_ptr<OldSheet> like = std::make_unique<OldSheet>();  // the record that a load of the file returns
   std::vector<std::byte> content;
 
   explicit SheetCase(int parts) : name("SheetOf" + std::to_string(parts)), path(folder().path(name.c_str())) {
@@ -73,9 +73,9 @@ void registerLoadAndSave(const SheetCase& one) {
 }
 
 void registerQueries(const SheetCase& one) {
-  // The answers' buffers are the caller's: they are there before.
-  const auto longText = std::make_shared<std::vector<char>>((one.like->partList.parts.size() + 1) * kMostOfAPart);
-  const auto query = [&](const char* name, auto ask) { registerQuery(name, one.load(), one.path, ask); };
+  // Output buffers belong to the caller: their allocation is not measured.
+  const auto longText = std::make_shared<std::vector<char>>((one.like->partList.parts.size() + 1) * kMaxBytesPerPart);
+  const auto query = [&](const char* name, auto call) { registerQuery(name, one.load(), one.path, call); };
 
   query("GetOldSheetInfo", [longText](const char* path) {
     char texts[9][261];
@@ -127,9 +127,8 @@ void registerQueries(const SheetCase& one) {
   });
 }
 
-// The floor of an edit is the floor of the load and that of the save; one fread a field is followed by
-// the same save. They have a copy of the file, which is made again before each of them. also(way) loads
-// what else an edit loads.
+// The floor of an edit is the floor of the load and that of the save; one fread per field is followed by the same save.
+// Each works on a copy of the file that is recreated before. also(way) loads what else an edit loads.
 template <class Edit, class Also>
 void registerEdit(const SheetCase& one, const std::string& name, Edit edit, Also also) {
   const std::string path = one.path + " edited";

@@ -1,7 +1,7 @@
-// The benchmarks by file family, and what they share.
+// The benchmarks of each file family, and what they share.
 //
-// Names are CASE/library, CASE/floor and CASE/fread, or QUERY/query/CASE for a query that is held
-// against the load CASE.
+// Names are CASE/library, CASE/floor and CASE/fread, or QUERY/query/CASE for a query that is compared with the load
+// CASE.
 #pragma once
 #include <benchmark/benchmark.h>
 
@@ -24,7 +24,7 @@ void registerSheets();
 
 const Folder& folder();
 
-// The version word and the body, one fread a field.
+// Reads the version word and the body with one fread per field.
 template <class Record, class... More>
 bool freadLoad(const std::string& path, Record& record, const More&... more) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
@@ -43,8 +43,7 @@ struct Nothing {
   void operator()() const {}
 };
 
-// Times once(), with prepare() before each call in time that does not count. The heap is metered in a
-// call of its own, once a benchmark.
+// Times once(). prepare() before each call is not timed. The heap is measured in a separate call, once per benchmark.
 template <class Prepare, class Once>
 void registerPrepared(const std::string& name, std::size_t bytes, Prepare prepare, Once once) {
   const auto peak = std::make_shared<std::optional<std::size_t>>();
@@ -71,7 +70,7 @@ void registerTimed(const std::string& name, std::size_t bytes, Once once) {
   registerPrepared(name, bytes, Nothing(), once);
 }
 
-// The file read with one call, a record filled from it. The bytes are gone when it is there.
+// Reads the file with one call and fills a record from it. The bytes are freed before it returns.
 template <class Record, class Fill>
 std::unique_ptr<Record> floorLoad(const std::string& path, const Record& like, Fill fill) {
   const Bytes bytes = readAtOnce(path);
@@ -81,8 +80,8 @@ std::unique_ptr<Record> floorLoad(const std::string& path, const Record& like, F
   return record;
 }
 
-// library(path, record) gives a status, fread(path, record) a truth, fill(source, like, record) is the
-// floor's. `like` has to outlive the benchmarks.
+// library(path, record) returns a status, fread(path, record) whether it succeeded; fill(source, like, record) belongs
+// to the floor. `like` has to outlive the benchmarks.
 template <class Record, class Load, class Walk, class Fill>
 void registerLoads(const std::string& name, const std::string& path, const Record& like, Load library, Walk fread,
                    Fill fill) {
@@ -103,11 +102,11 @@ void registerLoads(const std::string& name, const std::string& path, const Recor
   });
 }
 
-// ask(path) gives a status.
+// query(path) returns a status.
 template <class Query>
-void registerQuery(const std::string& name, const std::string& load, const std::string& path, Query ask) {
+void registerQuery(const std::string& name, const std::string& load, const std::string& path, Query query) {
   registerTimed(name + "/query/" + load, static_cast<std::size_t>(std::filesystem::file_size(path)),
-                [=] { require(ask(path.c_str()) == 0, "a query that fails"); });
+                [=] { require(query(path.c_str()) == 0, "a query that fails"); });
 }
 
 }  // namespace bench

@@ -37,7 +37,7 @@ def ratio_text(value):
 
 
 def by_name(names):
-    """Sheets of 2,000 parts behind those of 50."""
+    """Sorts sheets of 2,000 parts after those of 50."""
     return sorted(names, key=lambda name: [int(piece) if piece.isdigit() else piece for piece in re.split(r"(\d+)", name)])
 
 

@@ -1,4 +1,4 @@
-# For the toolchain files: libraries and headers of `triple` as Debian's cross compilers lay them out.
+# For the toolchain files: libraries and headers of `triple` where Debian's cross compilers have them.
 set(CMAKE_FIND_ROOT_PATH /usr/${triple})
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

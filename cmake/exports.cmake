@@ -1,5 +1,5 @@
-# The shared library exports exactly the listed names, whatever else has default visibility in its objects (the
-# standard library's templates do). Each system has a file of its own for that.
+# Makes the shared library export exactly the listed names, even if other symbols in its objects have default visibility
+# (as templates of the standard library do). Each system uses a different kind of file for that.
 function(oldtorvio_exports_only target)
   list(JOIN ARGN "\n" names)
   if(WIN32)

@@ -1,4 +1,4 @@
-# The flags of all our own C++ code.
+# The flags of all C++ code of this project.
 function(oldtorvio_flags target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
@@ -7,15 +7,15 @@ function(oldtorvio_flags target)
     target_compile_options(${target} PRIVATE /utf-8 /bigobj /permissive-)
     target_compile_definitions(${target} PRIVATE _CRT_SECURE_NO_WARNINGS)
   else()
-    # Single precision rounds after every operation: a fused multiply and add would not.
+    # Single-precision results are rounded after every operation; a fused multiply-add would not do that.
     target_compile_options(${target} PRIVATE -ffp-contract=off)
     if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "86")
-      # The processor's older registers would round later than that.
+      # x87 registers would round later.
       target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
     endif()
   endif()
   if(MINGW)
-    # More sections than its object files usually take.
+    # Object files have more sections than the default format allows.
     target_compile_options(${target} PRIVATE -Wa,-mbig-obj)
   endif()
   oldtorvio_link_flags(${target})
@@ -23,12 +23,12 @@ endfunction()
 
 function(oldtorvio_link_flags target)
   if(MINGW)
-    # No DLL but the system's own: the compiler's runtime is linked in.
+    # Links the runtime of the compiler statically: the DLL depends only on DLLs of the system.
     target_link_options(${target} PRIVATE -static)
   endif()
 endfunction()
 
-# The warnings of all our own code. Another project's build does not show them unless it asks for errors.
+# The warnings of all code of this project. In the build of another project they are off unless they are errors.
 function(oldtorvio_warnings target)
   if(NOT OldTorvIO_IS_TOP_LEVEL AND NOT OLDTORVIO_WERROR)
     return()

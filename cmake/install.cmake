@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, and how other projects find it: the CMake package and oldtorvio.pc.
+# Installation, and how other projects find the library: the CMake package and oldtorvio.pc.
 install(TARGETS OldTorvIO OldTorvIO_static EXPORT OldTorvIO
   RUNTIME COMPONENT OldTorvIO_Runtime
   LIBRARY COMPONENT OldTorvIO_Runtime NAMELINK_COMPONENT OldTorvIO_Development
@@ -9,7 +9,7 @@ endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT OldTorvIO_Development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_Runtime)
 
-# What a program without C++ code of its own has to link with the static library.
+# What a program without C++ code has to link in addition to the static library.
 set(cxx_runtime ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_ITEM cxx_runtime ${CMAKE_C_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_DUPLICATES cxx_runtime)
@@ -26,7 +26,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/OldTorvIOConfigVersion.cm
 install(FILES ${PROJECT_BINARY_DIR}/OldTorvIOConfig.cmake ${PROJECT_BINARY_DIR}/OldTorvIOConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT OldTorvIO_Development)
 
-# oldtorvio.pc finds its prefix from its own place, unless the folders were configured as absolute paths.
+# oldtorvio.pc computes its prefix from its own location, unless the folders were configured as absolute paths.
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR} OR IS_ABSOLUTE ${CMAKE_INSTALL_INCLUDEDIR})
   set(pc_prefix ${CMAKE_INSTALL_PREFIX})

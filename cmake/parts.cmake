@@ -1,11 +1,11 @@
-# The parts around the library. Each has an option of three values:
+# The optional parts of the project. Each has an option with three values:
 #
-#   AUTO  built if the library that it needs is found; the default when this project is built by itself
-#   ON    built; configuring fails if the library that it needs is missing
-#   OFF   not built; the default in another project's build
+#   AUTO  built if the package that it needs is found; the default when this project is built by itself
+#   ON    built; configuring fails if the package that it needs is missing
+#   OFF   not built; the default in the build of another project
 #
 # oldtorvio_part(NAME DESCRIPTION [PACKAGE package DEBIAN package] [IF variable]) defines the option
-# OLDTORVIO_NAME and sets with_NAME. With IF, AUTO also asks for that variable to be true.
+# OLDTORVIO_NAME and sets with_NAME. With IF, AUTO also requires that variable to be true.
 function(oldtorvio_part name description)
   cmake_parse_arguments(PARSE_ARGV 2 part "" "PACKAGE;DEBIAN;IF" "")
   set(option OLDTORVIO_${name})
@@ -38,10 +38,10 @@ function(oldtorvio_part name description)
   set(with_${name} TRUE PARENT_SCOPE)
 endfunction()
 
-# Finds a package. Its targets are then known in the calling folder and below.
+# Finds a package. Its targets are then defined in the calling folder and below.
 function(oldtorvio_find package found)
   if(CMAKE_CROSSCOMPILING AND package STREQUAL "GTest" AND EXISTS /usr/src/googletest/CMakeLists.txt)
-    # The installed build of it is for this host, its sources are for any.
+    # The installed library is built for this host; its sources can be built for any.
     set(BUILD_GMOCK OFF)
     set(INSTALL_GTEST OFF)
     add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)

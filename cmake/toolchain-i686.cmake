@@ -1,4 +1,4 @@
-# A 32-bit host: an x86-64 processor runs it as it is, any other by qemu.
+# A 32-bit host: x86-64 processors run its programs natively, others need qemu.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(triple i686-linux-gnu)

@@ -6,8 +6,8 @@
 
 #include "OldTorvIO.h"
 
-static void expect(int holds, const char* what) {
-  if (holds) return;
+static void expect(int condition, const char* what) {
+  if (condition) return;
   fprintf(stderr, "unexpected: %s\n", what);
   exit(1);
 }
@@ -51,10 +51,10 @@ static int32_t integer_in(float bytes) {
   return integer;
 }
 
-static void ask_station(int32_t index) {
+static void query_station(int32_t index) {
   int32_t number, type, value_count, shape_code, word;
   float orientation, real, value, values[6], limits[4], dimensions[3], offsets[3], pair[2];
-  char path[257] = ""; /* stays as it is for all but a special tool */
+  char path[257] = ""; /* unchanged unless it is a special tool */
   LoadOldStationToolFromMachine(index, &number, &type, &orientation, &real, &value, &value_count, values, &limits[0],
                                 &limits[1], &limits[2], &limits[3], &shape_code, dimensions, offsets, path, &pair[0],
                                 &pair[1], &word);
@@ -63,7 +63,7 @@ static void ask_station(int32_t index) {
   printf(path[0] != '\0' ? ", \"%s\"\n" : "%s\n", path);
 }
 
-static void ask_machine(const char* path) {
+static void query_machine(const char* path) {
   MachineInformation machine = {0};
   char name[257] = "", text[257] = "", second[257] = "", late[257] = "";
   uint32_t kind = 0;
@@ -74,7 +74,7 @@ static void ask_machine(const char* path) {
   printf("  \"%.256s\" in \"%.256s\", version %d, station mode %d, extra words %u and %u\n", machine.infoText2,
          machine.infoText1, (int)machine.infoVersion, (int)machine.infoStationMode, (unsigned)machine.infoExtra1,
          (unsigned)machine.infoExtra2);
-  for (i = 0; i < machine.infoStationCount; ++i) ask_station(i);
+  for (i = 0; i < machine.infoStationCount; ++i) query_station(i);
   expect(GetOldVLMQMachineName(path, name, &kind, text, second, late) == 0, "the machine's name");
   printf("  name \"%s\", kind %u, texts \"%s\", \"%s\", \"%s\"\n", name, (unsigned)kind, text, second, late);
   expect(GetMachineDatasForQD(path, &size[0], &size[1], &clamps, &mode, &stations[0], &stations[1], &stations[2],
@@ -85,7 +85,7 @@ static void ask_machine(const char* path) {
          area[1], area[2], area[3]);
 }
 
-static void ask_tool(int32_t index) {
+static void query_tool(int32_t index) {
   char name[257] = "";
   float dimensions[3], orientation, first[6], second[6];
   int32_t first_count, second_count, i;
@@ -98,10 +98,10 @@ static void ask_tool(int32_t index) {
   printf("\n");
 }
 
-static void ask_inventory(const char* path) {
+static void query_inventory(const char* path) {
   uint32_t count = 0, i;
   expect(LoadOldToolInventoryForCount(path, &count) == 0 && count == 3, "three tools");
-  for (i = 0; i < count; ++i) ask_tool((int32_t)i);
+  for (i = 0; i < count; ++i) query_tool((int32_t)i);
 }
 
 static void in_folder(char* path, size_t size, const char* folder, const char* name) {
@@ -116,7 +116,7 @@ int main(int argc, char** argv) {
   if (argc != 2) {
     fprintf(stderr,
             "usage: example_demo FOLDER\n"
-            "FOLDER holds the files of make_samples and is the configured folder of special tools: examples/demo.sh\n"
+            "FOLDER has the files of make_samples and is the configured folder of special tools: examples/demo.sh\n"
             "prepares it and runs this program.\n");
     return 2;
   }
@@ -131,8 +131,8 @@ int main(int argc, char** argv) {
   expect(SaveTorvPart(path, 180) == 0, "the builder after a refused save");
 
   in_folder(path, sizeof path, argv[1], "punch.mch");
-  ask_machine(path);
+  query_machine(path);
   in_folder(path, sizeof path, argv[1], "shop.inv");
-  ask_inventory(path);
+  query_inventory(path);
   return 0;
 }

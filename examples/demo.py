@@ -1,8 +1,8 @@
-"""The library from Python, with nothing but ctypes: builds parts, and queries and edits the sample files.
+"""Uses the library from Python with ctypes only: builds parts, and queries and edits the sample files.
 
 usage: demo.py LIBRARY FOLDER
 
-LIBRARY is the shared library, such as build/libOldTorvIO.so. FOLDER holds the files that example_nest and make_samples
+LIBRARY is the shared library, such as build/libOldTorvIO.so. FOLDER has the files that example_nest and make_samples
 write, and is the configured folder of special tools: examples/demo.sh prepares it and runs this program.
 """
 import ctypes
@@ -79,8 +79,8 @@ class MachineInformation(ctypes.Structure):
                 ("infoStationCount", c_int32)]
 
 
-def check(holds, what):
-    if not holds:
+def check(condition, what):
+    if not condition:
         sys.exit("unexpected: " + what)
 
 
@@ -163,7 +163,7 @@ class Sheet:
 
 
 def info(name):
-    """What GetOldSheetInfo returns: nine texts, four numbers, the names and the tools."""
+    """The outputs of GetOldSheetInfo: nine texts, four numbers, the names and the tools."""
     texts = [ctypes.create_string_buffer(261) for _ in range(9)]
     numbers = [c_float(), c_float(), c_float(), c_double()]
     long = [ctypes.create_string_buffer(16384), ctypes.create_string_buffer(16384)]
@@ -177,7 +177,7 @@ def info(name):
 
 
 def small(name):
-    """What the five small queries return."""
+    """The outputs of the five small queries."""
     word, count, real, places = c_uint32(), c_uint32(), [c_float() for _ in range(4)], (c_float * 8)()
     status = torv.GetOldClampInfo(path(name), byref(word), *map(byref, real[:3]), places, byref(count), byref(real[3]))
     check(status == 0, "the clamps")
@@ -197,7 +197,7 @@ files = [rf"C:\KESTRADA\PARTS\{one}.part" for one in names]
 
 def expected(version, orders, area="19.750000"):
     """The values of all keys for the parts that have work orders: twelve, or none."""
-    late, count = version >= 152, len(orders)  # below 152 what follows the machine is read out of step
+    late, count = version >= 152, len(orders)  # below 152 a load misreads what follows the machine
     parts = list(zip(names, files, orders))
     detail = [f"{file}|{4 + i / 2:f}|{3 + i / 4:f}|5|{order}|;" for i, (_, file, order) in enumerate(parts, 1)]
     return {

@@ -10,12 +10,12 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# The demo has its own setting for the folder of special tools.
+# The demo has a setting of its own for the folder of special tools.
 export XDG_CONFIG_HOME=$work/config XDG_CONFIG_DIRS=$work/none
 mkdir -p "$work/config/OldTorvIO" "$work/files"
 printf '[Kestrada64bit]\nZRK_DEFAULT_SPECIAL_TOOL_PATH=%s/\n' "$work/files" >"$work/config/OldTorvIO/win.ini"
 
-echo '== a C++ program makes a nest: a plate, 12 parts in 60 placements, a machine with 40 stations'
+echo '== a C++ program creates a nest: a plate, 12 parts in 60 placements, a machine with 40 stations'
 "$build/examples/example_nest" "$work/files"
 echo '== samples: special tools, a group part file, a machine, materials, an inventory, a macro, a part of version 5'
 "$build/examples/make_samples" "$work/files"
@@ -28,7 +28,7 @@ python3 "$here/demo.py" "$build/libOldTorvIO.so" "$work/files"
 echo '== a C++ program loads a material, a macro and the part of version 5 into records'
 "$build/examples/example_records" "$work/files"
 cd "$work/files"
-echo '== torvio check: all files, the last being the sheet of version 112 that its edit made unreadable'
+echo '== torvio check: all files, and last the sheet of version 112 that an edit made unreadable'
 mkdir ../apart
 mv edited_112.sheet ../apart
 "$build/bin/torvio" check ./*

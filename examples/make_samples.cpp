@@ -1,4 +1,4 @@
-// Makes the sample files of the demo: one or two of every kind that no exported function writes.
+// Creates the sample files of the demo: one or two of every kind that no exported function writes.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -46,7 +46,7 @@ OldSpecialTool cornerPunch() {
   punch.specialValue = 0.125F;
   for (int i = 0; i < 4; ++i)
     punch.shapes.shapes.push_back(shapeAt(2, static_cast<float>(i % 2), static_cast<float>(i / 2), 0.1F));
-  punch.shapes.shapes.push_back(shapeAt(7, 0.5F, 0.5F, 0));  // a head of its own never enters a group
+  punch.shapes.shapes.push_back(shapeAt(7, 0.5F, 0.5F, 0));  // a head of the tool is not copied into a group
   return punch;
 }
 

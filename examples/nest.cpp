@@ -1,4 +1,4 @@
-// Makes a nest and saves it at three versions: a plate, twelve parts in sixty placements and a machine
+// Creates a nest and saves it at three versions: a plate, twelve parts in sixty placements and a machine
 // with forty stations. Uses only the shared library and the public headers.
 #include <algorithm>
 #include <cstdint>
@@ -16,7 +16,7 @@ using namespace oldtorvio;
 namespace {
 
 constexpr int kParts = 12;          // with five placements each
-constexpr int kShapesOfAPart = 16;  // each worked by a station of its own
+constexpr int kShapesOfAPart = 16;  // each made by a different station
 constexpr int kPunches = 36;        // the stations that the parts use
 constexpr int kSpecialTool = 37, kSlotTool = 38, kUnusedTool = 39, kLaser = 40;
 
@@ -84,7 +84,7 @@ TorvPart bracket(int number) {
 OldTool toolOf(int station) {
   OldTool tool;
   tool.shapeCode = station <= 24 ? 1 : 3;                                     // round, rectangle
-  tool.dimension1 = 0.125F * static_cast<float>(station == 9 ? 8 : station);  // 9 is the same as 8
+  tool.dimension1 = 0.125F * static_cast<float>(station == 9 ? 8 : station);  // 9 has the size of 8
   if (station > 24) tool.dimension2 = 0.25F;
   if (station == kSlotTool || station == kUnusedTool) tool.shapeCode = 103;  // square
   if (station == kLaser) tool.shapeCode = 33;

@@ -1,5 +1,5 @@
 /* Calls every query on the sheets that nest.cpp makes, edits copies of them and queries these, using only the
- * functions of the shared library. Every result is compared with what the nest is known to hold. */
+ * functions of the shared library. Every result is compared with the known contents of the nest. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -10,8 +10,8 @@ enum { kParts = 12, kPunches = 36, kFlags = 601, kRoom = 16384 };
 
 static char found[kRoom], wanted[kRoom];
 
-static void expect(int holds, const char* what) {
-  if (holds) return;
+static void expect(int condition, const char* what) {
+  if (condition) return;
   fprintf(stderr, "unexpected: %s\n", what);
   exit(1);
 }
@@ -33,7 +33,7 @@ static void print_start(const char* name, const char* text) {
 
 static int keeps_order(int version) { return version >= 162; }
 static int keeps_skeleton(int version) { return version >= 100; }
-/* Below version 152 what follows the machine is read out of step: see docs/quirks.md. */
+/* Below version 152 a load misreads what follows the machine: see docs/quirks.md. */
 static int keeps_end(int version) { return version >= 152; }
 
 /* ---- The tools ---- */
@@ -55,7 +55,7 @@ static void want_tools(int version) {
   WANT("33  5.000  0.250  0.000  0.000,");
 }
 
-static void ask_info(const char* path, int version) {
+static void query_info(const char* path, int version) {
   char text[9][261], names[kRoom] = "unchanged";
   const char* const end[5] = {"MILD STEEL", "DC01", "OILED", "GRAIN ALONG X", "STOCK 17"};
   float width = 0, height = 0, thickness = 0;
@@ -66,7 +66,7 @@ static void ask_info(const char* path, int version) {
   (GetOldSheetInfo(path, text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7], text[8], &width, \
                    &height, &thickness, &late, names, names_size, &names_length, found, tools_size,               \
                    &tools_length) == 0)
-  /* Without room first: the lengths are set, the texts stay. */
+  /* Without room first: only the lengths are set. */
   expect(ASK(0, 0) && strcmp(names, "unchanged") == 0, "a text without room");
   expect(names_length < kRoom && tools_length < kRoom, "the lengths");
   expect(ASK(names_length, tools_length + 1) && strcmp(names, "unchanged") == 0, "a text without room for its NUL");
@@ -92,9 +92,9 @@ static void ask_info(const char* path, int version) {
   print_start("tools", found);
 }
 
-static void ask_small(const char* path, int version) {
+static void query_small(const char* path, int version) {
   static int32_t flags[kFlags];
-  static const float positions[8] = {6, 18, 30, 42, 27.5f, 33, 38.5f, 44}; /* four, and those of a fresh machine */
+  static const float positions[8] = {6, 18, 30, 42, 27.5f, 33, 38.5f, 44}; /* four of this machine, and the defaults */
   char text3[257] = "", text5[257] = "";
   float value[3], place[8], spacing = 0, utilization = -1;
   uint32_t word = 0, count = 0;
@@ -183,7 +183,7 @@ static void want_area(const Nest* nest) { WANT("%s", nest->cut_area); }
 static void want_utilization(const Nest* nest) { WANT("%s", keeps_end(nest->version) ? "0.812500" : "0.000000"); }
 static void want_sequence(const Nest* nest) { WANT("60"), (void)nest; }
 
-static void ask_keys(const char* path, const Nest* nest) {
+static void query_keys(const char* path, const Nest* nest) {
   static const struct {
     const char* key;
     void (*want)(const Nest*);
@@ -221,7 +221,7 @@ static void ask_keys(const char* path, const Nest* nest) {
   print_start("groups", found);
   FreeSheetHandle(sheet);
 
-  /* The same file, loaded into a sheet of our own. */
+  /* The same file, loaded into an existing sheet. */
   expect(mine != NULL && LoadOldSheet(path, mine) == 0, "a load");
   expect(GetOldSheetInfoByName(mine, "part_count", found) == 0 && atoi(found) == nest->parts, "the parts of a load");
   DeleteSheetInfo(mine);
@@ -289,20 +289,20 @@ static void edit(const char* path, const char* part) {
          "a work order that the part does not have");
   expect(UpdateSheetPartWONumber(path, "BRACKET 05", "WO-7001", "WO-8000") == 0, "another work order");
   printf("  another work order for one part\n");
-  ask_info(path, nest.version);
-  ask_keys(path, &nest);
+  query_info(path, nest.version);
+  query_keys(path, &nest);
 
   expect(ReplaceSheetSknPatListWithPartPatList(path, "no such part") == -2, "a part that does not exist");
   expect(ReplaceSheetSknPatListWithPartPatList(path, part) == 0, "a part as skeleton");
   printf("  a part as skeleton\n");
   nest.parts = 0;
   nest.cut_area = "0.000000";
-  ask_keys(path, &nest);
+  query_keys(path, &nest);
   free(before.data);
 }
 
 /* A save below version 152 stores more of the machine than a load of that version expects. In a sheet that is
- * loaded and saved again the surplus is read as the lists that follow the machine. */
+ * loaded and saved again, the surplus is read as the lists that follow the machine. */
 static void edit_old(const char* path) {
   OldSheet* sheet = NULL;
   expect(ReplaceSheetMachineNcPath(path, "D:\\NC\\HALL2\\") == 0, "an edit returns 0 whatever happens");
@@ -322,7 +322,7 @@ int main(int argc, char** argv) {
   if (argc != 2) {
     fprintf(stderr,
             "usage: example_nest_demo FOLDER\n"
-            "FOLDER holds the files of example_nest and example_demo: examples/demo.sh prepares it and runs this\n"
+            "FOLDER has the files of example_nest and example_demo: examples/demo.sh prepares it and runs this\n"
             "program.\n");
     return 2;
   }
@@ -332,9 +332,9 @@ int main(int argc, char** argv) {
     printf("%s\n", name);
     in_folder(path, argv[1], name);
     expect(LoadOldSheetInformation(path) == 0, "the current sheet");
-    ask_info(path, nest.version);
-    ask_small(path, nest.version);
-    ask_keys(path, &nest);
+    query_info(path, nest.version);
+    query_small(path, nest.version);
+    query_keys(path, &nest);
   }
   expect(LoadOldSheetInformation("no such file") == -2, "a sheet that does not exist");
 

@@ -16,6 +16,6 @@ values = (ctypes.c_uint32 * 9)(0x3F000000)  # a radius of 0.5, as bits
 torv.AddPatternToTorvPart(6, 6, 1, 0, values, 0, 0, 0, 0, 0, 0, None, 0, 0, 0, 0)
 assert torv.SaveTorvPart(path, 180) == 0
 
-answer = ctypes.create_string_buffer(257)
-assert torv.GetOldPartInfo_v1(path, b"Thickness", answer) == 0
-print("thickness", answer.value.decode())
+value = ctypes.create_string_buffer(257)
+assert torv.GetOldPartInfo_v1(path, b"Thickness", value) == 0
+print("thickness", value.value.decode())

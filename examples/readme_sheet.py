@@ -21,7 +21,7 @@ assert torv.ReplaceSheetMachineNcPath(path, rb"C:\KESTRADA\NC") == 0  # an edit:
 nest = sheet()
 assert torv.GetOldSheetHandle(path, ctypes.byref(nest)) == 0
 for key in (b"width", b"height", b"sheet_thickness", b"part_count"):
-    answer = ctypes.create_string_buffer(32)
-    assert torv.GetOldSheetInfoByName(nest, key, answer) == 0
-    print(key.decode(), answer.value.decode())
+    value = ctypes.create_string_buffer(32)
+    assert torv.GetOldSheetInfoByName(nest, key, value) == 0
+    print(key.decode(), value.value.decode())
 torv.FreeSheetHandle(nest)

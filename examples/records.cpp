@@ -1,9 +1,9 @@
 // Loads a material, a macro and a part of version 5 into records and prints some of their fields.
-#include "OldTorvIO.h"
-
 #include <iostream>
 #include <memory>
 #include <string>
+
+#include "OldTorvIO.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ bool showMaterial(const std::string& folder) {
             << "\n  parameter 101 = " << steel->params.realParams[101] << ", 401 = \""
             << fixedText(steel->params.textParams[401]) << "\"\n";
 
-  // Into the same record: the short form stores only parameters and a name, so the rest stays.
+  // Into the same record: the short form stores only parameters and a name, so all other fields keep their values.
   if (LoadOldMaterial((folder + "/thick.mat").c_str(), steel.get()) != 0) return false;
   std::cout << "thick.mat, version " << steel->version << "\n  name \"" << steel->name << "\", still "
             << steel->toolSets.setCount << " tool set, parameter 55 = " << steel->params.realParams[55] << "\n";

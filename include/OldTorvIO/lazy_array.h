@@ -1,4 +1,4 @@
-// An array that takes memory only for the elements that were written to.
+// An array that allocates memory for its elements on first use.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -9,21 +9,20 @@
 
 namespace oldtorvio {
 
-// A fixed number of elements, used like a plain array: an index of any integer type to read and to write,
-// range-for, copies that are deep. Each element holds its default until it is written to. A part has room
-// for 250 process slots and uses few of them; a plain array would more than triple its size.
+// A fixed number of elements, used like a plain array: an index of any integer type reads and writes, range-for works,
+// copies are deep. An element has its default value until it is written. A part has room for 250 process slots and uses
+// few of them; a plain array would more than triple its size.
 //
 // It differs from a plain array in five ways:
-//   - The elements are not in one block of memory: there is no data(), and the address of one element says
-//     nothing about the address of the next.
-//   - The first access to an element of a LazyArray that is not const takes memory for it and its
-//     neighbours, also for reading, and may throw std::bad_alloc. Reading through a const LazyArray (see
-//     std::as_const) never does.
-//   - A reference stays valid as long as the LazyArray does. One that was taken through a const LazyArray
-//     from an element without memory keeps showing the default, also after the element was written to.
-//   - A LazyArray that was moved from holds the defaults.
-//   - sizeof says nothing about the number of elements: size() does.
-// An index outside 0 to size() - 1 is undefined, as in an array.
+//   - The elements are not contiguous: there is no data(), and pointers to them do not support arithmetic.
+//   - Through a non-const LazyArray, the first access to an element allocates memory for it and its neighbours, even if
+//     it only reads, and may throw std::bad_alloc. Access through a const LazyArray (see std::as_const) never
+//     allocates.
+//   - A reference stays valid as long as the LazyArray exists. A reference to an unallocated element that was taken
+//     through a const LazyArray keeps showing the default, even after the element is written.
+//   - All elements of a moved-from LazyArray have their defaults.
+//   - sizeof does not depend on the number of elements; size() returns it.
+// An index outside 0 to size() - 1 is undefined behaviour, as in an array.
 template <class T, std::size_t kSize>
 class LazyArray {
   template <class Owner, class Element>

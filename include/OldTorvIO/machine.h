@@ -12,7 +12,7 @@
 
 namespace oldtorvio {
 
-// A further setup of the machine; the fields of these names in OldMachine are the first.
+// One more setup of the machine. The fields of the same names in OldMachine are the first setup.
 struct MachineSetup {
   float sizeX = 0, sizeY = 0;
   ClampInfo clampInfo;
@@ -20,29 +20,32 @@ struct MachineSetup {
   std::uint32_t machineWord91 = 0, machineWord92 = 0;
 };
 
-// About 150 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
-// fills its field has no NUL. Words without a stated meaning are carried.
+// About 150 KiB without its lists: allocate it on the heap. Texts are raw bytes of the file: a text that fills its
+// field has no NUL. Fields without a comment on their meaning are only loaded and saved. "Since N" is the first version
+// that stores a field, "N below" the value that a load of an older file sets.
 struct OldMachine {
-  std::int16_t version = 0;  // of a machine file; the machine of a sheet keeps what it holds
-  // Of the file that LoadOldMachineInformation or GetOldVLMQMachineName was given, its first 259
-  // characters; set also when the version is refused. A sheet stores its machine's.
+  std::int16_t version = 0;  // version word of a machine file; a load of a sheet leaves it unchanged
+  // Path of the file that LoadOldMachineInformation or GetOldVLMQMachineName loaded (its first 259 characters), set
+  // even if the version is refused. A sheet stores the path of its machine.
   char path[260] = {};
   std::int32_t textWidth = 0;  // bytes of machineText1 in the file, 1 to 256; 0 cannot be stored
   char machineText1[256] = {};
-  std::int32_t machineKind = 1;    // 1: no station limits, 2: no work area (see GetMachineDatasForQD)
-  std::uint8_t limitsPresent = 0;  // 1: the four values below are stored; else a load makes them
-  float limitA = -0.1F;            // -0.125, -0.125, 0.048 and 0. At the end of a load limitB becomes
-  float limitB = -0.1F;            // the larger of areaValues[0] and [1] if that is above it, and
-  float limitC = 0.05F;            // limitA becomes limitB.
+  std::int32_t machineKind = 1;  // 1: no station limits, 2: no work area (see GetMachineDatasForQD)
+  // 1: the four values below are stored; otherwise a load sets them to -0.125, -0.125, 0.048 and 0. At its end a load
+  // raises limitB to the larger of areaValues[0] and [1] if that is above it, and sets limitA to limitB.
+  std::uint8_t limitsPresent = 0;
+  float limitA = -0.1F;
+  float limitB = -0.1F;
+  float limitC = 0.05F;
   std::uint32_t limitWord = 0;
   std::uint8_t secondTextPresent = 0;  // 1: secondText is stored
-  std::int32_t secondTextWidth = 0;    // its bytes in the file, 1 to 256
+  std::int32_t secondTextWidth = 0;    // bytes of secondText in the file, 1 to 256
   char secondText[256] = {};
-  std::int32_t smallValue = 0;     // a load takes one byte with its sign, a save stores four
-  std::uint8_t shapesPresent = 0;  // 1: trailer values of a sheet's shapes are stored with the machine
+  std::int32_t smallValue = 0;     // a load reads a signed byte, a save stores four bytes
+  std::uint8_t shapesPresent = 0;  // 1: the machine stores trailer values of the shapes of its sheet
   float sizeX = 0, sizeY = 0;
   MachineFrame frame;
-  ClampInfo clampInfo;  // stored twice, the second counts
+  ClampInfo clampInfo;  // stored twice; a load keeps the second
   float clampValue1 = 3.189F, clampValue2 = 0.3937F;
   std::uint32_t clampWord = 0;
   char machineText2[256] = {}, machineText3[256] = {};
@@ -52,14 +55,14 @@ struct OldMachine {
   ToolStationList stationsB, stationsC;  // since 61
   std::uint32_t blockMode = 0;           // 1: blockA is stored, 2: blockB and blockA
   std::uint8_t blockA[16] = {}, blockB[16] = {};
-  // 1: gridA is stored, 2: gridB and gridA. A negative mode in a file leaves out everything from here
-  // to machineWord107 and becomes 0.
+  // 1: gridA is stored, 2: gridB and gridA. After a negative mode a file stores none of gridA to programB, the second
+  // clampInfo and machineWord91 to machineWord107, and a load sets the mode to 0.
   std::int32_t gridMode = 0;
   MachineGrid gridA, gridB;
   std::uint32_t gridWord1 = 0;
   float gridAngle = 1.5707964F;
   std::uint32_t gridWord3 = 0;
-  std::uint8_t segmentBox[16] = {};  // stored with segments that are not empty
+  std::uint8_t segmentBox[16] = {};  // stored if there are segments
   std::vector<GridSegment> segments;
   std::uint8_t gridFlag1 = 0, gridFlag2 = 0;
   std::int32_t hasExtension = 0;  // not 0: extension is stored
@@ -74,7 +77,7 @@ struct OldMachine {
   ShapeProgram programC;                                // since 71
   ShapeProgramEx programD;                              // since 80
   std::uint8_t wideValue1[8] = {}, wideValue2[8] = {};  // since 80
-  OldMaterial material;                                 // since 80, without params, path, version
+  OldMaterial material;                                 // since 80, without params, path and version
   std::uint8_t lateByteA = 0;                           // since 90
   std::uint32_t lateWord8 = 0;                          // since 90
   std::uint8_t flagTriple[3] = {};                      // since 100
@@ -82,7 +85,7 @@ struct OldMachine {
   std::int32_t triadCount = 0;                          // since 101; stored triads, at most 255
   std::uint8_t triads[255][7] = {};                     // since 101
   std::uint32_t unitWord = 0;                           // since 110
-  MachineUnitTable unitTable;                           // since 110
+  MachineUnitTable unitTable;                           // since 110; a load ignores a fault in it
   std::uint32_t numberColumns[6][3] = {};               // since 110
   std::string textColumnA[3], textColumnB[3];           // since 110; at most 256 bytes each
   char displayName[256] = {};                           // since 111; the machine's name
@@ -97,17 +100,17 @@ struct OldMachine {
   char lateExtension[11] = {};                          // since 130
   std::uint32_t lateWord7 = 0;                          // since 130
   std::uint8_t lateByteB = 0;                           // since 141
-  std::uint8_t lateByteC = 0;                           // since 152; a save stores it at every version
-  MachineSetup setup2;                                  // never stored: a load copies the first setup
+  std::uint8_t lateByteC = 0;                           // since 152, but a save stores it at every version
+  MachineSetup setup2;                                  // never stored; a load copies the first setup
   float setupWords[5] = {0, 0.5F, 0.5F, 0.04F, 0};      // since 154
-  MachineSetup setup3;                                  // since 154; below a load copies the first setup
+  MachineSetup setup3;                                  // since 154; a load of an older file copies the first setup
   char endText1[256] = {};                              // since 157
   std::uint32_t endWord = 0;                            // since 170
   char endText2[256] = {};                              // since 180
 
-  // The words without a name, numbered by the version that brought them.
+  // Numbered words, grouped by the version that added them.
   // since 60
-  float machineWord1 = 0.0001F;  // a load makes one below 0.0001 (absolute) the sizeX
+  float machineWord1 = 0.0001F;  // a load replaces an absolute value below 0.0001 by sizeX
   std::uint32_t machineWord2 = 0, machineWord3 = 0, machineWord4 = 0, machineWord5 = 0, machineWord6 = 0;
   std::uint32_t machineWord7 = 0, machineWord8 = 0, machineWord9 = 0, machineWord10 = 0, machineWord11 = 0;
 
@@ -150,7 +153,7 @@ struct OldMachine {
   // at every version
   std::uint32_t machineWord91 = 0, machineWord92 = 0;
   std::uint32_t machineWord93 = 0, machineWord94 = 0, machineWord95 = 0, machineWord96 = 0;
-  float machineWord97 = 40.0F;  // since 62 stored a second time, which counts
+  float machineWord97 = 40.0F;  // since 62 stored a second time, which a load keeps
   std::uint32_t machineWord98 = 0, machineWord99 = 0, machineWord100 = 0, machineWord101 = 0, machineWord102 = 0;
   std::uint32_t machineWord103 = 0, machineWord104 = 0, machineWord105 = 0, machineWord106 = 0, machineWord107 = 0;
 

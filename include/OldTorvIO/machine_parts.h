@@ -31,12 +31,12 @@ struct MachineGrid {
   std::uint32_t gridHead1 = 0, gridHead2 = 0;
   std::uint8_t gridCells[40000] = {};  // the first 10000 are 1 in a fresh grid
   float cellSizeX = 5.0F, cellSizeY = 5.0F;
-  std::int32_t gridWidth = 10;  // a load keeps the low 16 bits
+  std::int32_t gridWidth = 10;  // a load keeps the low 16 bits of the stored width
   std::int32_t gridValue1 = 8;
   float gridValue2 = 1.0F;
   float gridValue3 = 0.25F;            // memory only
   std::int32_t cellByteCount = 40000;  // stored bytes of gridCells, 1 to 40000
-  std::int32_t gridIsNarrow = 1;       // derived by a load: 1 if the stored width was below 65536
+  std::int32_t gridIsNarrow = 1;       // set by a load: 1 if the stored width is below 65536, else 0
 };
 
 struct GridSegment {
@@ -46,7 +46,7 @@ struct GridSegment {
   std::int32_t segmentKind = 2;
 };
 
-// Stored only by sheets.
+// Stored in sheets only.
 struct MachineExtensionEntry {
   std::uint8_t headBlock[16] = {};
   std::uint32_t words[4] = {};
@@ -87,7 +87,7 @@ struct MachineExtension {
   float extensionValue49 = 0.5F;
   std::int32_t extensionValue50 = 1;
   std::vector<std::int32_t> extensionWords = {1, 11};
-  std::vector<MachineExtensionEntry> extensionEntries;  // stored only by sheets
+  std::vector<MachineExtensionEntry> extensionEntries;  // stored in sheets only
 };
 
 struct MachineUnitEntry {

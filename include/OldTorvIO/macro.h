@@ -16,7 +16,7 @@ struct OldMacro {
   PatternItemList items;
   std::uint8_t macroBlock[8] = {};       // stored before the shapes
   std::uint8_t macroBlockLong[36] = {};  // stored before the shapes
-  std::int16_t version = 0;              // version word of the file, also when it is refused
+  std::int16_t version = 0;              // version word of the file, even if it is refused
   ToolStationList stationList;           // since 60
   std::uint32_t macroTailWords[2] = {};  // since 60
 };

@@ -1,4 +1,4 @@
-// A material: rules, tool sets and settings of how a sheet of it is worked.
+// A material: rules, tool sets and settings for machining sheets of this material.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -9,18 +9,18 @@
 
 namespace oldtorvio {
 
-// About 62 KiB without its lists. A material file of version 52, 60, 500, 501 or 502 stores only
-// params; a machine stores everything but path, version and params.
+// About 62 KiB without its lists: allocate it on the heap. A material file of version 52, 60, 500, 501 or 502 stores
+// only params; a machine stores everything but path, version and params.
 struct OldMaterial {
-  char path[264] = {};  // of the file that LoadOldMaterial was given, its first 263 characters
-  std::string name;     // stored with its length, at most 10000 bytes
+  char path[264] = {};  // path of the file that LoadOldMaterial loaded, its first 263 characters
+  std::string name;     // at most 10000 bytes
   std::vector<MaterialEntry> entryList;
   MaterialToolSetTable toolSets;
   MaterialPalette palette;
   MaterialStageTable stages;
   MaterialRuleLists rules;
   std::uint32_t modeA = 0;
-  std::uint32_t modeB = 0;  // a load makes 6 a 10
+  std::uint32_t modeB = 0;  // a load changes 6 to 10
   std::uint32_t modeC = 0;
   SettingList settingLists[6];
 
@@ -109,16 +109,16 @@ struct OldMaterial {
   float setting164 = 1.5F;
   std::uint32_t setting165 = 0, setting166 = 0;
 
-  // Selectors with a low bank from 0 and a high bank from 1000. Limits within a bank, in this order:
-  // 4, 8, 4, 6, 8, 4, 6, 8. A load sets a value below 0 to 1 and one above 1000 plus its limit to 1001;
-  // those between the banks stay. A save stores them as they are and then sets a value above 1000 plus its
-  // limit to 1000 plus its last decimal digit.
+  // Selectors with a low bank that starts at 0 and a high bank that starts at 1000. Their highest numbers within a bank
+  // are 4, 8, 4, 6, 8, 4, 6, 8, in this order. A load changes a value below 0 to 1, and one above 1000 plus its highest
+  // number to 1001; values between the banks are kept. A save stores the values unchanged, and then changes a value
+  // above 1000 plus its highest number to 1000 plus its last decimal digit.
   std::int32_t choice1 = 1, choice2 = 1, choice3 = 1, choice4 = 1;
   std::int32_t choice5 = 1, choice6 = 1, choice7 = 1, choice8 = 1;
 
-  std::uint16_t version = 0;          // version word of the file
+  std::uint16_t version = 0;          // version word of the file, even if it is refused
   std::int16_t settingListCount = 6;  // how many of settingLists are stored, at most 6
-  ParamTable params;                  // material files only
+  ParamTable params;                  // in material files only
   MaterialHeadRecord head;
 };
 

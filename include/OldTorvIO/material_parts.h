@@ -64,10 +64,10 @@ struct MaterialEntry {
   char entryText[256] = {};  // raw
 };
 
-// What a rule says of one shape code: values and angles side by side.
+// A rule for one shape code. ruleValues[i] and ruleAngles[i] belong together.
 struct AngleRule {
   std::uint8_t ruleCode = 0;
-  // Used entries, at most 10; in pairRules the used pairs, at most 5. Below 1: none is stored.
+  // How many entries are stored, at most 10; in pairRules how many pairs, at most 5. Below 1: none.
   std::int8_t angleCount = 0;
   float ruleValues[10] = {0.025F, 0.025F, 0.025F, 0.025F, 0.025F, 0.025F, 0.025F, 0.025F, 0.025F, 0.025F};
   float ruleAngles[10] = {};  // radians
@@ -75,16 +75,16 @@ struct AngleRule {
 };
 
 struct SizeRule {
-  std::uint32_t sizeValue1 = 0;  // in sizeRulesA the bits of a float, in sizeRulesB a key: 1, 5, 7 or 9
+  std::uint32_t sizeValue1 = 0;  // in sizeRulesA the bits of a float, in sizeRulesB a key (1, 5, 7 or 9)
   float sizeValue2 = 0, sizeValue3 = 0, sizeValue4 = 0, sizeValue5 = 0;
   float sizeValue6 = 0;                       // sizeRulesB only
   std::uint8_t sizeFlagA = 0, sizeFlagB = 0;  // sizeRulesA only
 };
 
-// Fresh lists hold default rules. A list that a file stores replaces them; after stored angleRules
-// that are not exactly six, a load appends the six defaults.
+// A new record has default rules. A list that a file stores replaces them; if the stored count of angleRules is not
+// exactly six, a load appends the six default rules.
 struct MaterialRuleLists {
-  // The counts are 0 although angles are there.
+  // Their angleCount is 0, although they have angles.
   static std::vector<AngleRule> defaultAngleRules() {
     return {
         angleRule(1, 20.5F, {0}),

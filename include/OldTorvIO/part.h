@@ -16,12 +16,13 @@
 
 namespace oldtorvio {
 
-// About 6 KiB without its lists: keep it on the heap where stacks are small. Texts are raw bytes of
-// the file: a text that fills its field has no NUL.
+// About 6 KiB without its lists: allocate it on the heap if the stack is small. Texts are raw bytes of the file: a text
+// that fills its field has no NUL. "Since N" is the first version that stores a field, "N below" the value that a load
+// of an older file sets.
 struct TorvPart {
   std::int32_t recordWord = 0;      // memory only
-  char partName[256] = "NEW PART";  // stored by group part files and sheets
-  char partFullDosName[260] = {};   // full path; a load from a part file sets it, a sheet stores it
+  char partName[256] = "NEW PART";  // stored in group part files and sheets
+  char partFullDosName[260] = {};   // full path; set by LoadOldPart, stored in sheets
   float width = 30.0F, height = 20.0F;
   char productName[21] = "NEW PRODUCT";
   char assemblyName[21] = "NEW ASSEMBLY";
@@ -29,8 +30,8 @@ struct TorvPart {
   std::int32_t partKind = 1;
   std::int32_t partWord1 = 1;
   float thickness = 0.05F;
-  char descriptionA[256] = {};  // since 62, as the five below; a load of an older file
-  char descriptionB[256] = {};  // makes them empty and lateIndex -1
+  char descriptionA[256] = {};  // since 62, as the next five; a load of an older file
+  char descriptionB[256] = {};  // empties the texts and sets lateIndex to -1
   char revision[21] = {};
   char materialType[256] = {};
   char descriptionC[256] = {};
@@ -79,7 +80,7 @@ struct TorvPart {
   std::uint8_t lateBlock2[8] = {};                // since 140
   std::int32_t lateWords[6] = {};                 // since 152
   char woNumber[256] = {};                        // work order number; since 162, in sheets only
-  std::vector<ShapeGroup> nestShapeGroups;        // since 151; a load adds to it
+  std::vector<ShapeGroup> nestShapeGroups;        // since 151; a load appends to it
   std::vector<ContourGroup> contourGroups;        // since 154
   std::vector<BindingSet> bindingSets;            // since 161
   char finalTextA[256] = {};                      // since 180

@@ -9,8 +9,8 @@ namespace oldtorvio {
 
 struct SheetPartList {
   std::vector<TorvPart> parts;  // in stored order
-  // Bytes that a sheet stores of partName and of partFullDosName of each part, 1 to 256. A sheet without parts
-  // does not store it; one with a negative part count stores any width.
+  // How many bytes of partName and of partFullDosName a sheet stores for each part, 1 to 256. Not stored in a sheet
+  // without parts. With a negative part count a load accepts any value.
   std::int32_t nameWidth = 256;
 };
 

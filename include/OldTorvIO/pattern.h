@@ -1,4 +1,4 @@
-// One placement of a part's tool work.
+// One placement of the tooling of a part.
 #pragma once
 #include <cstdint>
 #include <utility>
@@ -11,18 +11,18 @@
 
 namespace oldtorvio {
 
-// A placement, and a group when groupKind lies in 32000 to 32004 (to 32006 from version 110 on).
-// The five bind columns are parallel: binding i is entry i of each.
+// A placement. It is a group if groupKind is 32000 to 32004, or to 32006 from version 110 on. The five bind columns are
+// parallel: binding i is entry i of each.
 struct Pattern {
   std::int32_t headWord = 0;
   std::uint32_t gridCount1 = 1, gridCount2 = 1;  // repeats of the placement
   std::uint32_t gridStep1 = 0, gridStep2 = 0;
   float originX = 0, originY = 0;
   float rotationCos = 1.0F, rotationSin = 0;
-  PatternItemList items;                                      // in a part file one for each shape of the part
+  PatternItemList items;                                      // one for each shape of the part in a part file
   std::uint32_t patternWord = 0;                              // group id of the placement
   std::uint8_t groupBlock[8] = {};                            // groups only
-  std::int32_t groupKind = 0;                                 // a load makes a kind outside the band 0
+  std::int32_t groupKind = 0;                                 // a load changes any other kind to 0
   std::uint32_t groupWords[7] = {};                           // groups only
   ProfileList profiles;                                       // since 80
   std::int32_t transformKind = 1;                             // memory only

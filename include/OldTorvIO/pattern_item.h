@@ -1,4 +1,4 @@
-// How one shape of a pattern is worked.
+// How one shape of a pattern is machined.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -7,9 +7,9 @@ namespace oldtorvio {
 
 struct PatternItem {
   std::uint32_t itemWord1 = 0;
-  std::int32_t toolNumber = 0;    // 1-based station number, 0 without a tool
+  std::int32_t toolNumber = 0;    // 1-based station number; 0: no tool
   std::uint32_t memoryWord1 = 0;  // memory only
-  std::uint32_t itemWord2 = 0;    // since 62, as all down to itemWord4; 0 below
+  std::uint32_t itemWord2 = 0;    // since 62, as all fields to itemWord4; 0 below
   std::uint32_t itemPair1[2] = {};
   std::uint32_t itemPair2[2] = {};
   std::uint32_t itemShort1 = 0, itemShort2 = 0;

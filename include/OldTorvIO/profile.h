@@ -1,4 +1,4 @@
-// Profiles and the motion blocks that they hold.
+// Profiles and their motion blocks.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -25,9 +25,9 @@ struct ProfileRecord {
   std::int32_t profileIndex = -1;
   std::uint32_t profileWord1 = 0, profileWord2 = 0;
   std::uint32_t profileWord3 = 0;       // since 54
-  std::uint32_t profileCondition1 = 0;  // not 0: one condition for the profile's tool to count
+  std::uint32_t profileCondition1 = 0;  // not 0: one of the conditions for its tool to be used
   std::uint8_t profileBlock[8] = {};
-  std::uint32_t profileCondition2 = 0;  // as profileCondition1
+  std::uint32_t profileCondition2 = 0;  // like profileCondition1
   std::uint32_t profileWord4 = 0;
   std::uint32_t profileWord5 = 0;                            // since 80
   std::int32_t profileLink = -1;                             // since 80

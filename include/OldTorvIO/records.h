@@ -1,4 +1,4 @@
-// All records and the functions that get and set their texts. OldTorvIO.h includes this in C++.
+// All records, and the functions that get and set their texts. OldTorvIO.h includes this header in C++.
 #pragma once
 #include "OldTorvIO/fixed_text.h"
 #include "OldTorvIO/machine.h"

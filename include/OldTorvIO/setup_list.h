@@ -6,14 +6,14 @@
 
 namespace oldtorvio {
 
-// The fields are stored in this order at every version, 42 bytes; those that are memory only are not.
+// The fields are stored in this order at every version, 42 bytes; those marked "memory only" are not stored.
 //
-// A load of a part of version 2 or 3 makes continuation entries (setupShort1 is 8) that carry 27 characters
-// of a text. The characters lie where the fields from setupShort2 to setupByte4 are in memory, the memory
-// only bytes between them included: on a little-endian host these are bytes 2 to 28 of the entry. On a
-// big-endian host the fields have the same values. A save loses the characters between the fields.
+// A load of a part of version 2 or 3 creates continuation entries (setupShort1 is 8), each with 27 characters of a
+// text. On a little-endian host the characters are bytes 2 to 28 of the entry in memory: the fields from setupShort2 to
+// setupByte4 and the "memory only" bytes between them. On a big-endian host the fields have the same values. A save
+// loses the characters in the "memory only" bytes.
 struct SetupEntry {
-  std::uint16_t setupShort1 = 0;  // the entry's type
+  std::uint16_t setupShort1 = 0;  // type of the entry
   std::uint16_t setupShort2 = 0;
   std::uint8_t setupByte1 = 0;
   std::uint8_t memoryByte1 = 0;  // memory only
@@ -36,7 +36,7 @@ static_assert(offsetof(SetupEntry, setupShort2) == 2 && offsetof(SetupEntry, set
                   offsetof(SetupEntry, setupByte4) == 28,
               "the text of a continuation entry is one run of 27 bytes");
 
-// A list without entries stores only its count: current and the tail fields are then lost.
+// A list without entries is stored as its count only: a save loses current and the tail fields then.
 struct SetupList {
   std::vector<SetupEntry> entries;
   SetupEntry current;

@@ -1,5 +1,4 @@
-// Shape programs: groups of shapes with their process slots and step tables. Machines hold four,
-// materials two.
+// Shape programs: groups of shapes with their process slots and step tables. A machine has four, a material two.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -31,8 +30,8 @@ struct ShapeProgram {
   std::uint32_t programWord7 = 0;  // since 158
 };
 
-// Its programWord3 starts as 0. Where the ShapeProgram cannot be read, a load goes on after
-// this record, and the fields below keep their values.
+// The default of programWord3 is 0 here. If the ShapeProgram cannot be read, a load continues after this record without
+// an error, and the fields below keep their values.
 struct ShapeProgramEx : ShapeProgram {
   ShapeProgramEx() { programWord3 = 0; }
 

@@ -1,4 +1,4 @@
-// A sheet: one nest of parts on a plate, with the machine and the parameters it was made for.
+// A sheet: one nest of parts on a plate, with its machine and parameters.
 #pragma once
 #include <algorithm>
 #include <array>
@@ -22,24 +22,24 @@
 namespace oldtorvio {
 
 struct OldSheet;
-// Gives a sheet the values of a new one, as construction does: sheetName "NEW SHEET", an empty sheetPath, 60 by
-// 45, 0.048 thick, listKind of shapes 0, textWidth 256, processSlotMode and auxiliaryFlag 1; processSlotCount,
-// rowTable, clampRowTable, headerWord, leadWords, trailingWords, utilization and partTextWord 0; sheetLabel,
-// skeletonDosName, partTexts, materialGroup, materialType, materialText3 to materialText5 and lateText empty.
-// All other fields, the lists among them, stay as they are.
+// Sets these fields to the values of a new sheet, as the constructor does: sheetName to "NEW SHEET", the size to 60 by
+// 45 and 0.048 thick, listKind of shapes to 0, textWidth to 256, processSlotMode and auxiliaryFlag to 1;
+// processSlotCount, headerWord, leadWords, rowTable, clampRowTable, trailingWords, utilization and partTextWord to 0;
+// sheetPath, sheetLabel, skeletonDosName, partTexts, materialGroup, materialType, materialText3 to materialText5 and
+// lateText to empty. All other fields, including the lists, are unchanged.
 void InitOldSheet(OldSheet& sheet);
 
-// About 208 KiB without its lists: keep it on the heap. Texts are raw bytes of the file: a text that
-// fills its field has no NUL. Words without a stated meaning are carried. A file without shapes stores
-// nothing of processSlotCount, processSlots, marks, profiles, stepTables, setupList and patternItems; a
-// load then leaves these fields as they are.
+// About 208 KiB without its lists: allocate it on the heap. Texts are raw bytes of the file: a text that fills its
+// field has no NUL. Fields without a comment on their meaning are only loaded and saved. If a file stores no entries of
+// shapes, it stores none of processSlotCount, processSlots, marks, profiles, stepTables, setupList and patternItems,
+// and a load leaves them unchanged.
 //
-// InitOldSheet gives a new sheet its values: see there for what a field holds that is not 0 or empty.
+// The constructor calls InitOldSheet, which lists the values that differ from the initializers below.
 struct OldSheet {
   OldSheet() { InitOldSheet(*this); }
 
-  std::uint16_t version = 0;    // version word of the file, also when it is refused
-  char sheetName[256] = {};     // memory only; a load leaves it at "NEW SHEET"
+  std::uint16_t version = 0;    // version word of the file, even if it is refused
+  char sheetName[256] = {};     // memory only; no load changes it
   char sheetPath[260] = {};     // memory only; LoadOldSheetInformation sets it
   float width = 0, height = 0;  // of the plate, in the suite's length unit
   float thickness = 0;          // of the plate
@@ -59,20 +59,21 @@ struct OldSheet {
   ProcessSlots processSlots;                         // 250
   std::vector<std::array<char, 256>> auxiliaryList;  // memory only
   std::uint8_t auxiliaryFlag = 0;                    // memory only
-  std::vector<ShapeWorkBlock> blocks;                // since 152; a load keeps only blocks that are cut off
-  std::int32_t textWidth = 0;  // bytes of sheetLabel, machine path and partTexts in the file, 1 to 256
+  std::vector<ShapeWorkBlock> blocks;  // since 152; a load keeps only blocks that it cannot read completely
+  std::int32_t textWidth = 0;  // bytes of sheetLabel, the machine path and each of partTexts in the file, 1 to 256
   char sheetLabel[256] = {};
   WorkList workList;  // the sequence of the sheet
   RowTable rowTable;
   ClampRowTable clampRowTable;
-  ClampInfo clampInfo;                        // of the sheet; the machine has its own
-  ParamTable paramTable;                      // its integers are the driver flags, its name the material file; one of
-                                              // version 0 is stored with the version of the file (see SaveOldSheet)
-  std::uint32_t leadWords[6] = {};            // the sixth since 54
-  OldMachine machine;                         // its path is stored before it since 61; a load sets it, to empty below
-  std::uint32_t optionWord = 0;               // stored where the machine has no extension
+  ClampInfo clampInfo;  // of the sheet; the machine has its own
+  // The integers are the driver flags, the name is that of the material file. A table of version 0 is stored with the
+  // version of the file (see SaveOldSheet).
+  ParamTable paramTable;
+  std::uint32_t leadWords[6] = {};            // [5] since 54
+  OldMachine machine;                         // its path is stored since 61; a load of an older file empties it
+  std::uint32_t optionWord = 0;               // stored if the machine has no extension
   std::vector<SheetTextEntry> textEntries;    // since 60
-  std::vector<NamedWorkList> namedWorkLists;  // since 60; a fault inside is ignored
+  std::vector<NamedWorkList> namedWorkLists;  // since 60; load and save ignore a fault inside
   std::uint32_t trailingWords[3] = {};        // since 90
   ShapeList skeletonShapes;                   // since 100
   char skeletonDosName[260] = {};             // since 100

@@ -14,8 +14,9 @@ struct SheetSetupEntry {
   std::uint8_t entryBlocks[3][8] = {};
 };
 
-// A list without entries stores only its count. A load fails only for the three tail fields. An entry that
-// is cut off keeps what was read of it; at most 1024 entries of which nothing was read are kept.
+// A list without entries is stored as its count only. A load fails only if one of the three tail fields is missing. Of
+// an entry that cannot be read completely, the list keeps what was read; it keeps at most 1024 entries that took no
+// byte from the file.
 struct SheetSetupList {
   std::vector<SheetSetupEntry> entries;
   SetupEntry current;
@@ -24,7 +25,6 @@ struct SheetSetupList {
   std::uint32_t tailWord1 = 0, tailWord2 = 0;
 };
 
-// Words without a stated meaning are carried.
 struct SheetTextEntry {
   std::uint32_t entryWord1 = 0;
   std::uint32_t entryWord2 = 0;  // memory only
@@ -44,7 +44,7 @@ struct NamedWorkList {
   WorkList entries;  // a sequence of its own
 };
 
-// Stored from blockWords to blockValues, blockShapes, work. See blocks of OldSheet for what a load keeps.
+// Stored in the order blockWords, blockValues, blockShapes, work. See `blocks` of OldSheet for what a load keeps.
 struct ShapeWorkBlock {
   std::uint8_t blockValues[4][8] = {};
   WorkList work;
@@ -52,17 +52,16 @@ struct ShapeWorkBlock {
   std::uint32_t blockWords[5] = {};  // stored first
 };
 
-// A row is a word and a value of eight bytes.
+// Each row is a word and an 8-byte value.
 struct RowTable {
-  std::int32_t count = 0;  // rows that are stored, at most 25; below 1 none
+  std::int32_t count = 0;  // stored rows, at most 25; below 1 none
   std::uint32_t words[25] = {};
   std::uint8_t values[25][8] = {};
 };
 
-// Of each row as many words are stored as the sheet's clampInfo has clamps, from the first on, and the
-// value after them.
+// Each row is stored as its first words, as many as the clampInfo of the sheet has clamps, and its value.
 struct ClampRowTable {
-  std::int32_t count = 0;  // rows that are stored, at most 25; below 1 none
+  std::int32_t count = 0;  // stored rows, at most 25; below 1 none
   std::uint32_t words[25][8] = {};
   std::uint8_t values[25][8] = {};
 };

@@ -1,4 +1,4 @@
-// A special tool: a punch of free shape, in a file of its own.
+// A special tool: a punch with a custom shape, in a file of its own.
 #pragma once
 #include "OldTorvIO/setup_list.h"
 #include "OldTorvIO/shape.h"
@@ -7,9 +7,9 @@
 namespace oldtorvio {
 
 struct OldSpecialTool {
-  OldTool tool;  // tool.fileVersion holds the file's version word
+  OldTool tool;  // tool.fileVersion is the version word of the file
   float specialValue = 0;
-  ShapeList shapes;  // outline
+  ShapeList shapes;  // the outline
   SetupList setupList;
 };
 

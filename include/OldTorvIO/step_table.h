@@ -10,8 +10,8 @@ struct StepTable {
   std::uint32_t tableWord1 = 0;
   std::uint8_t tableBlock[8] = {};
   std::uint32_t tableWord2 = 0, tableWord3 = 0;
-  std::int8_t stepCount = 0;  // entries in the file, at most 20; below 1 none
-  // The steps, in four columns.
+  std::int8_t stepCount = 0;  // stored steps, at most 20; below 1 none
+  // The steps, as four columns.
   std::uint8_t stepByteA[20] = {255, 255, 255, 255, 255, 255, 255, 255, 255, 255,
                                 255, 255, 255, 255, 255, 255, 255, 255, 255, 255};
   std::uint32_t stepWord[20] = {};

@@ -23,14 +23,14 @@ struct InventoryEntry {
 };
 
 struct OldToolInventory {
-  std::vector<OldTool> tools;  // emptied by a load that comes to it
+  std::vector<OldTool> tools;  // emptied when a load reaches it
   std::uint32_t pairFirst[20] = {}, pairSecond[20] = {};
-  char path[256] = {};                  // of the file, its first 255 characters
-  std::vector<InventoryEntry> entries;  // a file without entries keeps them
-  // A tool of shape code 108 names its file by the 1-based specialToolIndex. Emptied by a load
-  // that comes to it.
+  char path[256] = {};                  // of the loaded file, its first 255 characters
+  std::vector<InventoryEntry> entries;  // a load of a file without entries keeps them
+  // The files of the special tools: specialToolIndex of a tool is a 1-based position in it. Emptied when a load reaches
+  // it.
   std::vector<std::array<char, 256>> specialToolFiles;
-  std::int16_t version = 0;  // version word of the file, also when it is refused
+  std::int16_t version = 0;  // version word of the file, even if it is refused
 };
 
 }  // namespace oldtorvio

@@ -12,11 +12,11 @@ struct ToolStation {
   std::uint32_t placeWord = 0;     // since 60
   std::int32_t stationNumber = 0;  // 1-based
   float orientation = 0;
-  std::int32_t stationType = 0;  // 0 with values, 2 without
+  std::int32_t stationType = 0;  // 0: has values, 2: has none
   std::int32_t toolCount = 0;    // below 1: no tool
   float stationValue = 0;
-  float limits[4] = {};         // area: smallest x, smallest y, largest x, largest y
-  std::int32_t valueCount = 0;  // how many of values count; a load makes it at least 1 for
+  float limits[4] = {};         // smallest x, smallest y, largest x, largest y
+  std::int32_t valueCount = 0;  // how many of values are used; a load raises it to at least 1 for
                                 // stationType 0
   float values[6] = {};
   float offsets[3] = {};
@@ -43,7 +43,7 @@ struct ToolStation {
   std::uint32_t wordI = 0, wordJ = 0;            // since 130
 };
 
-// stations[i] holds tools[i]. After a load that failed inside a tool, stations may be one longer.
+// tools[i] is the tool of stations[i]. After a load that failed inside a tool, stations may be one longer.
 struct ToolStationList {
   std::vector<ToolStation> stations;
   std::uint32_t headerWord = 0;
@@ -52,7 +52,7 @@ struct ToolStationList {
   std::uint32_t spareWord = 0;         // memory only
   std::vector<OldTool> tools;
   std::uint32_t extraWords[2] = {};   // since 100; 0 below
-  std::uint32_t stationModeCode = 0;  // derived: bits 8 to 11 of stationModeWord
+  std::uint32_t stationModeCode = 0;  // set by a load: bits 8 to 11 of stationModeWord
 };
 
 }  // namespace oldtorvio

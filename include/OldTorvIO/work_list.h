@@ -1,4 +1,4 @@
-// The working sequence of a part or sheet.
+// The machining sequence of a part or sheet.
 #pragma once
 #include <cstdint>
 #include <vector>

@@ -19,7 +19,7 @@ float reducedAngle(float angle, std::uint32_t symmetryFlags) {
     const auto wide = static_cast<double>(angle);
     if (wide >= 0 && wide <= step) return angle;
     const auto next = static_cast<float>(wide < 0 ? wide + step : wide - step);
-    // Not equal to itself: not a number.
+    // A NaN differs from itself.
     if (next == angle || next != next) return angle;
     angle = next;
   }

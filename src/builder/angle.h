@@ -1,12 +1,12 @@
-// The angle of a group whose tool repeats itself.
+// The angle of a group, reduced by the symmetry of its tool.
 #pragma once
 #include <cstdint>
 
 namespace oldtorvio {
 
-// Brings an angle (radians) into the range that the tool's symmetry leaves different: 0 to a half
-// turn or a quarter turn, both ends included. Each step is taken in double precision and rounded to
-// single. An angle that a step no longer changes, and one that is no number, is left as it is.
+// Reduces an angle (radians) to 0 to half a turn or 0 to a quarter turn, as the symmetry allows, both ends included.
+// Each step is computed in double precision and rounded to single. An angle so large that a step does not change it
+// is returned as it is then, and so is a NaN.
 float reducedAngle(float angle, std::uint32_t symmetryFlags);
 
 }  // namespace oldtorvio

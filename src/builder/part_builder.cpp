@@ -1,7 +1,7 @@
-// The part builder: one part in the process, put together call by call and saved.
+// The part builder: one part for the process, built by one call after another and then saved.
 //
-// Invariants: the first pattern holds one item for each shape; stations and tools are of one length.
-// An adding call either adds all that belongs together or nothing.
+// Invariants: the first pattern has one item for each shape; stations and tools have the same length.
+// A call that adds something adds all of it or nothing.
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -30,9 +30,9 @@ TorvPart partBuilder;
 
 constexpr std::uint32_t kGroupMember = 128;
 constexpr std::int8_t kGroupHead = 7;
-// The longest path that a text of 256 holds with its NUL.
+// The longest path that fits a 256-byte text with its NUL.
 constexpr std::size_t kLongestToolPath = 255;
-// The path of a group's tool is checked before the test whether the file exists.
+// A group's tool: checked before the file is looked for.
 constexpr std::size_t kLongestGroupToolPath = 259;
 
 std::int32_t shapeCount() { return static_cast<std::int32_t>(partBuilder.shapes.shapes.size()); }
@@ -43,8 +43,7 @@ void reserveFor(List& list, std::size_t more) {
   if (needed > list.capacity()) list.reserve(std::max(needed, 2 * list.capacity()));
 }
 
-// Makes room for shapes and their items, and the first pattern if there is none: the last step of an
-// adding call that can fail.
+// Makes room for shapes and their items, and creates the first pattern if there is none. Nothing after this can fail.
 void prepareToAdd(std::size_t count) {
   reserveFor(partBuilder.shapes.shapes, count);
   if (!partBuilder.patterns.empty()) {
@@ -75,8 +74,8 @@ Shape makeShape(float x, float y, std::uint8_t type, std::uint32_t flags, const 
 
 std::uint32_t bitsOf(float value) { return std::bit_cast<std::uint32_t>(value); }
 
-// The station of the tool with that name, 1-based, or 0. Tools have no names unless a caller's tool
-// brought one, so that in practice an empty name finds the first station.
+// The 1-based station of the tool with that name, or 0. A load leaves the name of a tool empty, so an empty name finds
+// the first station and any other finds none.
 std::int32_t stationNamed(std::string_view toolName) {
   const auto& tools = partBuilder.toolStations.tools;
   for (std::size_t i = 0; i < tools.size(); ++i)
@@ -86,7 +85,7 @@ std::int32_t stationNamed(std::string_view toolName) {
 
 constexpr std::string_view kToolExtension = ".spt";
 
-// The path of the first file in the folder of special tools with that name, as this host opens it.
+// The path of the first file with that name in the folder of special tools, as this host opens it.
 std::optional<std::string> findToolFile(std::string_view toolName) {
   std::string folder = GetSpecialToolFolder();
   if (!folder.ends_with('\\')) folder += '\\';
@@ -133,7 +132,7 @@ using namespace oldtorvio::frame;
 extern "C" void InitTorvPart(float width, float height, float thickness, int16_t partKind, const char* partName,
                              const char* assemblyName, const char* materialName, const char* customText1,
                              const char* customText2, const char* customText3) noexcept {
-  // In place: a second part on the stack would be large, one on the heap could be refused.
+  // Reconstructed in place: a second part is too large for the stack, and the heap may have no room for it.
   std::destroy_at(&partBuilder);
   std::construct_at(&partBuilder);
   partBuilder.partKind = partKind;
@@ -228,7 +227,7 @@ extern "C" uint16_t AddPatIntoGroupPat(int32_t groupIndex, float x, float y, uin
     if (groupIndex < 1) return 0;
     prepareToAdd(1);
     addPrepared(makeShape(x, y, type, kGroupMember, values), PatternItem());
-    // The position counts the new member, which may so become its own head.
+    // Checked after the member is added, so the member may be its own head.
     if (groupIndex > shapeCount()) EndProcess();
     partBuilder.shapes.shapes[static_cast<std::size_t>(groupIndex - 1)].values[1] += 1.0F;
     return static_cast<std::uint16_t>(shapeCount());

@@ -10,7 +10,7 @@ namespace {
 
 }  // namespace
 
-// Tested in processes that end before they could count their lines.
+// Tested in child processes, which end before their coverage counts are saved.
 void EndProcess() noexcept { std::abort(); }  // GCOVR_EXCL_LINE
 
 void EndProcessForSubscript() noexcept { throwSubscript(); }  // GCOVR_EXCL_LINE

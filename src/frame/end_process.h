@@ -2,12 +2,12 @@
 
 namespace oldtorvio {
 
-// Ends the process: the one answer to a caller's error that has no result, such as a text that does
-// not fit a checked copy. What a file holds leads here where the public header says so and nowhere else.
+// Ends the process. For caller errors that a function has no way to report, such as a text that does not fit where
+// it is copied. The contents of a file lead here only where the public header says so.
 [[noreturn]] void EndProcess() noexcept;
 
-// The same for an index outside a list of the file: std::out_of_range is thrown with the text "invalid vector<T>
-// subscript" and not caught, so that the text appears on the error stream.
+// The same for an index outside a list of the file. Throws std::out_of_range with the text "invalid vector<T>
+// subscript"; since nothing catches it, the text appears on standard error.
 [[noreturn]] void EndProcessForSubscript() noexcept;
 
 }  // namespace oldtorvio

@@ -1,18 +1,18 @@
-// What every exported function has in common: no exception crosses, files open and close in one
-// place, and the version word is read, kept and judged in one order.
+// What the exported functions share: no exception leaves them, files are opened and closed in one place, and the
+// version word is read, stored and checked in that order.
 #pragma once
 #include <cstdint>
 #include <new>
 
-#include "src/frame/host/platform.h"
 #include "src/frame/codec/reader.h"
+#include "src/frame/codec/writer.h"
+#include "src/frame/host/platform.h"
 #include "src/frame/status.h"
 #include "src/frame/versions.h"
-#include "src/frame/codec/writer.h"
 
 namespace oldtorvio::frame {
 
-// Runs a function's body; whatever it throws becomes its answer for "out of memory".
+// Runs a function's body. Any exception becomes the function's result for "out of memory".
 template <class Result, class Fn>
 Result guarded(Result outOfMemory, Fn&& body) noexcept {
   try {
@@ -22,8 +22,8 @@ Result guarded(Result outOfMemory, Fn&& body) noexcept {
   }
 }
 
-// Opens `path`, reads the version word, hands it to keep(version) and, if accepts(version), the
-// stream behind it to read(stream, version), whose status is the result.
+// Opens `path`, reads the version word and passes it to keep(version), also if it is then refused. If
+// accepts(version), returns the status of read(stream, version), which starts after the version word.
 template <class Keep, class Accepts, class Read>
 std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& read) noexcept {
   return guarded(kDamaged, [&]() -> std::int64_t {
@@ -38,7 +38,7 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
   });
 }
 
-// Stores what write(stream) gives and closes the file.
+// Writes with write(stream), then flushes and closes the file. All three must succeed.
 template <class Write>
 std::int64_t storeInto(File& file, Write&& write) {
   codec::OutStream stream(file.handle());
@@ -48,7 +48,7 @@ std::int64_t storeInto(File& file, Write&& write) {
   return stored && flushed && closed ? kDone : kNotSaved;
 }
 
-// Creates `path` and stores what write(stream) gives. A failed write leaves what had been stored before.
+// Creates `path` and writes it with write(stream). A failed write leaves the bytes that were stored before it.
 template <class Write>
 std::int64_t saveUnversioned(const char* path, Write&& write) noexcept {
   return guarded(kNotSaved, [&]() -> std::int64_t {
@@ -57,8 +57,8 @@ std::int64_t saveUnversioned(const char* path, Write&& write) noexcept {
   });
 }
 
-// Creates `path`, tests the version, stores the version word and what write(stream) gives. A refused
-// version leaves an empty file; a failed write leaves what had been stored before it.
+// Creates `path`, checks the version, stores the version word and continues with write(stream). A refused version
+// leaves an empty file; a failed write leaves the bytes that were stored before it.
 template <class Accepts, class Write>
 std::int64_t saveFile(const char* path, int version, Accepts&& accepts, Write&& write) noexcept {
   return guarded(kNotSaved, [&]() -> std::int64_t {

@@ -41,7 +41,7 @@ inline constexpr VersionSet KnownSheetVersions{1,   6,   52,  54,  60,  80,  90,
 inline constexpr VersionSet kMacroVersions{3,   5,   52,  54,  60,  61,  62,  80,  90,  91,         92,  100, 101,
                                            102, 110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 
-// A material of one of these versions is a parameter table and nothing else.
+// A material file of one of these versions consists of a parameter table only.
 constexpr bool isParamTableVersion(int version) {
   return version == 52 || version == 60 || (version >= 500 && version <= 502);
 }
@@ -51,7 +51,7 @@ constexpr bool isMaterialVersion(int version) {
   return isParamTableVersion(version) || kLongMaterialVersions.has(version);
 }
 
-// Files below this version have layouts of their own, or none that is still read.
+// Files below this version have other layouts, or none that is supported.
 inline constexpr int kFirstMainVersion = 52;
 inline constexpr int kVersion5 = 5;  // of parts
 
@@ -61,10 +61,10 @@ constexpr bool isSpecialToolVersion(int version) {
 // Tool inventories have the same list.
 constexpr bool isToolInventoryVersion(int version) { return version >= 54 && KnownSheetVersions.has(version); }
 constexpr bool isMacroVersion(int version) { return version >= kFirstMainVersion && kMacroVersions.has(version); }
-// Machines have no list, but the queries on the current machine take those of inventories alone.
+// Machine files load at any version of this range; queries of the current machine accept only those of inventories.
 constexpr bool isMachineVersion(int version) { return version >= kFirstMainVersion && version <= VersionSet::kHighest; }
 constexpr bool isKnownSheetVersion(int version) { return isToolInventoryVersion(version); }
-// The edits of sheets test only the list.
+// Edits of sheets check only the list.
 constexpr bool isListedSheetVersion(int version) { return KnownSheetVersions.has(version); }
 constexpr bool isSheetVersion(int version) {
   return version >= kFirstMainVersion && (version <= VersionSet::kHighest || version >= 500);
@@ -73,7 +73,7 @@ constexpr bool isSavedSheetVersion(int version) {
   return version >= kFirstMainVersion && version <= VersionSet::kHighest;
 }
 
-// Group part files start here and have no list and no upper version.
+// The first version of group part files. Every later one is accepted.
 inline constexpr int kFirstGroupPartVersion = 152;
 
 }  // namespace oldtorvio::frame

@@ -1,4 +1,4 @@
-// Readers and writers of the machine family: shape programs, the tables of a machine, its body.
+// Readers and writers of machine files: shape programs, the tables of a machine, its body.
 //
 // Results as in src/records/record_io.h.
 #pragma once
@@ -29,15 +29,15 @@ bool WriteMachineExtension(OutStream& stream, const MachineExtension& extension)
 int ReadMachineUnitTable(InStream& stream, int version, MachineUnitTable& table);
 bool WriteMachineUnitTable(OutStream& stream, int version, const MachineUnitTable& table);
 
-// The body behind the version word. shapes: the list whose trailer values may stand in the machine,
-// or null; a body that holds them then gives 1.
+// The body after the version word. `shapes`: the list whose trailer values the machine may store. If it is null, a body
+// that stores such values returns 1.
 int ReadOldMachine(InStream& stream, int version, ShapeList* shapes, OldMachine& machine);
-// writeShapeFlag not 0: shapesPresent becomes 1 in the record and is stored, and so are the trailer
-// values of shapes. The material's choices change as WriteOldMaterialBody tells.
+// writeShapeFlag: shapesPresent becomes 1 in the record and is stored, and so are the trailer values of `shapes`. The
+// choices of the material change as WriteOldMaterialBody describes.
 bool WriteOldMachine(OutStream& stream, int version, const ShapeList* shapes, OldMachine& machine, bool writeShapeFlag);
 
-// For samples and tests: no export writes machine files. A version outside 52 to 180 gives -1. Below
-// version 152 the file holds words that the loader does not expect there.
+// For samples and tests: no export writes machine files. -1 for a version outside 52 to 180. Below version 152 the file
+// has bytes that the reader does not expect.
 std::int64_t SaveMachine(const char* path, OldMachine& machine, int version);
 
 }  // namespace oldtorvio

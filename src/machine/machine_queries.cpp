@@ -1,4 +1,4 @@
-// Machine files: the load into a caller's record, and what is asked of the current machine and of a file.
+// Loads of machine files, and queries of the current machine and of machine files.
 #include <algorithm>
 #include <bit>
 #include <memory>
@@ -15,13 +15,12 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Loaded over itself and never reset: what a file does not store keeps the value of the one before.
+// Never reset: what a file does not store keeps the value of the machine before.
 OldMachine currentMachine;
 
-// Loads the current machine and, when that succeeded, lets answer(version) answer. A load that fails
-// behind the version word is no failure here.
-template <class Answer>
-std::int64_t loadCurrent(const char* path, Answer&& answer) noexcept {
+// Loads the current machine and, on success, calls setOutputs(version). A fault after the version word returns 0 too.
+template <class SetOutputs>
+std::int64_t loadCurrent(const char* path, SetOutputs&& setOutputs) noexcept {
   return loadFile(
       path,
       [&](int version) {
@@ -32,7 +31,7 @@ std::int64_t loadCurrent(const char* path, Answer&& answer) noexcept {
       [&](InStream& stream, int version) -> std::int64_t {
         const auto status = guarded(
             kDamaged, [&]() -> std::int64_t { return ReadOldMachine(stream, version, nullptr, currentMachine); });
-        if (status == kDone) answer(version);
+        if (status == kDone) setOutputs(version);
         return kDone;
       });
 }
@@ -91,7 +90,7 @@ extern "C" void LoadOldStationToolFromMachine(int32_t index, int32_t* stationNum
                                               float* offsets, char* specialToolPath, float* pairValue0,
                                               float* pairValue1, int32_t* wordF) noexcept {
   const ToolStationList& list = currentMachine.stationsA;
-  // A load that failed inside a tool left a station without one.
+  // After a load that failed inside a tool, the last station has none.
   if (index < 0 || static_cast<std::size_t>(index) >= std::min(list.stations.size(), list.tools.size())) EndProcess();
   const ToolStation& station = list.stations[static_cast<std::size_t>(index)];
   const OldTool& tool = list.tools[static_cast<std::size_t>(index)];
@@ -143,7 +142,7 @@ extern "C" int64_t GetMachineDatasForQD(const char* path, float* sizeX, float* s
 
     *sizeX = machine->sizeX;
     *sizeY = machine->sizeY;
-    // Integers in the outputs' four bytes, as their callers expect them.
+    // These two outputs are 32-bit integers in the bytes of a float.
     *clampCount = std::bit_cast<float>(machine->clampInfo.clampCount);
     *blockMode = std::bit_cast<float>(machine->blockMode);
     StationLimits limits = limitsOf(machine->stationsA);

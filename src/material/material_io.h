@@ -1,4 +1,4 @@
-// Readers and writers of the material family: parameter tables, the tables of a material, its body.
+// Readers and writers of material files: parameter tables, the tables of a material, its body.
 //
 // Results as in src/records/record_io.h.
 #pragma once
@@ -10,8 +10,7 @@ namespace oldtorvio {
 using codec::InStream;
 using codec::OutStream;
 
-// Under the version word of its own that a table begins with. -1 for a version without a layout: then
-// table.version holds it and nothing else is touched.
+// A table begins with a version word of its own. -1 for a version without a layout, which changes only table.version.
 int ReadParamTable(InStream& stream, ParamTable& table);
 bool WriteParamTable(OutStream& stream, const ParamTable& table);
 
@@ -30,13 +29,13 @@ bool WriteMaterialRuleLists(OutStream& stream, int version, const MaterialRuleLi
 int ReadMaterialHeadRecord(InStream& stream, int version, MaterialHeadRecord& head);
 bool WriteMaterialHeadRecord(OutStream& stream, int version, const MaterialHeadRecord& head);
 
-// Everything but path, version and params. The writer stores the choices as they stand and then
-// brings those above their limit back into their bank, in the record.
+// Everything but path, version and params. The writer stores the choices as they are, and then reduces those above
+// their limit in the record.
 int ReadOldMaterialBody(InStream& stream, int version, OldMaterial& material);
 bool WriteOldMaterialBody(OutStream& stream, int version, OldMaterial& material);
 
-// For samples and tests: no export writes material files. A version that the loader would refuse
-// gives -1. Versions 52, 60, 500, 501 and 502 store params alone, under params.version.
+// For samples and tests: no export writes material files. -1 for a version that LoadOldMaterial refuses. Versions 52,
+// 60, 500, 501 and 502 store only params, with params.version as the version word.
 std::int64_t SaveMaterial(const char* path, OldMaterial& material, int version);
 
 }  // namespace oldtorvio

@@ -12,8 +12,8 @@ using namespace oldtorvio::frame;
 
 namespace {
 
-// The whole file is a parameter table, and its version word the one that has just been read: the file
-// is read again from its beginning.
+// The file consists of a parameter table only, whose version word has been read already: it is read again from the
+// beginning.
 std::int64_t loadShort(const char* path, OldMaterial& material) {
   const File file = File::openToRead(path);
   if (!file) return kNotOpened;

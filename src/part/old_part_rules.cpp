@@ -38,7 +38,7 @@ Class classOf(std::int8_t type) {
   }
 }
 
-// Correctly rounded singles whatever the host's single-precision functions are like.
+// Computed in double precision, so that the result does not depend on the host's single-precision functions.
 float cosine(float angle) { return static_cast<float>(std::cos(static_cast<double>(angle))); }
 float sine(float angle) { return static_cast<float>(std::sin(static_cast<double>(angle))); }
 
@@ -94,15 +94,15 @@ std::uint16_t shortAt(const std::uint8_t* from) {
 
 bool isNearlyZero(float value) { return std::fabs(static_cast<double>(value)) < 0.0001; }
 
-// The characters take the bytes that the fields from setupShort2 to setupByte4 have in memory on a
-// little-endian host; on any other the fields have the same values.
+// The text occupies the bytes of the fields from setupShort2 to setupByte4 in the memory of a little-endian host. On a
+// big-endian host the fields get the same values.
 void setContinuationText(SetupEntry& e, std::string_view text) {
   std::array<std::byte, OldSetupRecord::kTextSize> image{};
   std::memcpy(image.data(), text.data(), text.size());
   codec::InStream stream{std::span<const std::byte>(image)};
   codec::Reader io(stream);
   (void)io.fields(FIELDS(e.setupShort2, e.setupByte1, e.memoryByte1, e.setupShort3, e.setupByte2, e.memoryByte2,
-                    e.setupShort4, e.setupByte3, e.memoryBytes, e.setupBlock, e.setupWord1, e.setupByte4));
+                         e.setupShort4, e.setupByte3, e.memoryBytes, e.setupBlock, e.setupWord1, e.setupByte4));
 }
 
 void setBlock(SetupEntry& entry, float first, float second) {
@@ -149,7 +149,7 @@ void OldShapeConverter::convert(Shape& shape, std::size_t before) {
   fixDegenerateArc(shape);
 }
 
-// A member is stored where it lies on the sheet. Every step rounds to single.
+// A member is stored with absolute coordinates; a load makes them relative to its head. Every step rounds to single.
 void OldShapeConverter::toGroupFrame(Shape& shape) const {
   const float c = cosine(headAngle_), s = sine(headAngle_);
   const float x = shape.x, y = shape.y;

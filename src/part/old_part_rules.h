@@ -1,4 +1,4 @@
-// What the oldest part layouts (versions 2, 3 and 5) make of their values.
+// How values of the oldest part layouts (versions 2, 3 and 5) are converted.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -9,26 +9,25 @@
 
 namespace oldtorvio {
 
-// How many values a shape of the type stores; of type 9 the fifth is not stored. An unknown type has
-// none.
+// The number of values of a shape of this type; 0 for an unknown type. Of type 9 the fifth is not stored.
 int oldValueCount(std::int8_t type);
 
-// Types that keep bit value 1 of the flags.
+// Whether shapes of this type keep the flag of value 1.
 bool keepsFirstFlag(std::int8_t type);
 
-// A second angle beyond a full turn, for the types that have one, becomes the layout's own full turn.
+// For types 2 and 5: a third value (an angle) beyond a full turn becomes the full turn of the layout, with its sign.
 inline constexpr float kFullTurnVersion5 = 6.2830853F;
 inline constexpr float kFullTurnVersion3 = 6.283182F;
 void limitToFullTurn(Shape& shape, float fullTurn);
 
-// An arc that is next to nothing becomes a quarter turn.
+// An arc (type 9) with an angle below a thousandth of a degree becomes a quarter turn.
 void fixDegenerateArc(Shape& shape);
 
-// The shapes of versions 2 and 3 in stored order: what one needs to know of those before it.
+// Converts the shapes of versions 2 and 3 in stored order: members of a group depend on the head before them.
 class OldShapeConverter {
  public:
   explicit OldShapeConverter(bool hasItems) : hasItems_(hasItems) {}
-  // `before` is the number of shapes that the part has already.
+  // `before`: the number of shapes already in the part.
   void convert(Shape& shape, std::size_t before);
 
  private:
@@ -48,22 +47,20 @@ struct OldSetupRecord {
 
   std::uint16_t type() const;
   std::int16_t textCount() const;
-  float real(int index) const;  // r0 to r3
+  float real(int index) const;  // 0 to 3
   std::uint8_t byteB() const { return bytes[28]; }
 
   bool hasKnownType() const { return type() >= 1 && type() <= 17; }
-  bool carriesText() const;  // of a known type
-  int bytesBehind() const;   // dropped bytes between this record and the next
+  bool carriesText() const;  // for a known type
+  int bytesBehind() const;   // discarded bytes between this record and the next
 };
 
-// The entry of a record that carries no text. Type 10 is the list's current entry, the others are
-// appended.
+// The entry for a record without text. The caller stores type 10 as the list's current entry and appends the others.
 SetupEntry setupEntryOf(const OldSetupRecord& record);
-// Appends the entry of a text-carrying record and those that hold its text, 27 characters each.
+// Appends the entry for a record that carries a text, and continuation entries with 27 characters of the text each.
 void appendText(SetupList& list, const OldSetupRecord& record, const std::string& text);
 
-// A version 5 list: entries of type 8 continue one that tells how many of them there are; more are
-// dropped.
+// For the setup list of version 5: an entry announces how many entries of type 8 continue it; surplus ones are dropped.
 class ContinuationFilter {
  public:
   bool keeps(const SetupEntry& entry);

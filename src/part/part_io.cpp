@@ -16,7 +16,7 @@ int ReadPattern(InStream& stream, int version, bool embedded, Pattern& pattern) 
   return resultOf(readRecord(stream, version, pattern, embedded));
 }
 bool WritePattern(OutStream& stream, int version, const Pattern& pattern) {
-  // The head is stored as the record holds it wherever the pattern stands.
+  // The writer stores the head as it is in both forms.
   return writeRecord(stream, version, pattern, true);
 }
 int ReadEmbeddedPatternList(InStream& stream, int version, bool embedded, PatternList& list) {

@@ -1,4 +1,4 @@
-// Readers and writers of the part family: patterns, part extensions, the part body, group files.
+// Readers and writers of part files: patterns, part extensions, the body of a part, group part files.
 //
 // Results as in src/records/record_io.h. `embedded` is true for a part inside a sheet.
 #pragma once
@@ -17,7 +17,7 @@ bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList&
 
 int ReadPlacedShapeList(InStream& stream, int version, PlacedShapeList& list);
 bool WritePlacedShapeList(OutStream& stream, int version, const PlacedShapeList& list);
-// These three give true for success, readers too.
+// Readers and writers of these three return true for success.
 bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups);
 bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups);
 bool ReadContourGroups(InStream& stream, int version, std::vector<ContourGroup>& groups);
@@ -25,17 +25,16 @@ bool WriteContourGroups(OutStream& stream, int version, const std::vector<Contou
 bool ReadBindingSets(InStream& stream, int version, std::vector<BindingSet>& sets);
 bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingSet>& sets);
 
-// The body behind the version word. stopEarly ends the reading with 0 behind the descriptions.
+// The body after the version word. stopEarly ends the read with 0 after the descriptions.
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly = false);
-// The body of versions 2, 3 (always 1) and 5, which nothing writes.
+// The body of versions 2, 3 (which always return 1) and 5. There is no writer for them.
 int ReadOldestPart(InStream& stream, int version, TorvPart& part);
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part);
 
-// Saves any part as a part file: what SaveTorvPart does with the part builder.
+// Saves any part as a part file, as SaveTorvPart saves the part builder.
 std::int64_t SavePart(const char* path, const TorvPart& part, int version);
-// Saves the parts as a group part file. The list must hold at least one part and nameBlockSize lie in
-// 1 to 256, or the result is -2; a version below 152 gives -1. For samples and tests: no export
-// writes group files.
+// Saves the parts as a group part file. -2 unless the list has at least one part and nameBlockSize is 1 to 256; -1 for
+// a version below 152. For samples and tests: no export writes group part files.
 std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version, std::int32_t nameBlockSize = 256);
 
 }  // namespace oldtorvio

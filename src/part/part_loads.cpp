@@ -1,4 +1,4 @@
-// Part and group part files: the loads, and the lists that group files are loaded into.
+// Loads of part and group part files, and the lists for group part files.
 #include <new>
 
 #include "OldTorvIO.h"
@@ -14,7 +14,7 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// What every accepted part file sets before its body is read, whatever the record held.
+// Every load of an accepted version resets these fields before it reads the body.
 void prepareForLoad(TorvPart& part, std::string_view path) {
   part.optionWord = 0;
   part.optionCount = 1;
@@ -45,7 +45,7 @@ extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
 extern "C" int64_t LoadGroupPart(const char* path, SheetPartList* list) noexcept {
   if (list == nullptr) return kNotOpened;
   const auto keepNothing = [](int) {};
-  const auto acceptAll = [](int) { return true; };  // a version too low is damage here, never -1
+  const auto acceptAll = [](int) { return true; };  // a version below 152 returns 1, never -1
   return loadFile(path, keepNothing, acceptAll, [&](InStream& stream, int version) -> std::int64_t {
     if (version < kFirstGroupPartVersion) return kDamaged;
     GroupPartFile<std::vector<TorvPart>> file{list->parts};

@@ -1,4 +1,4 @@
-// Flat questions about part and group part files: load, answer, forget.
+// Queries of part and group part files: each loads the file, copies the results out and discards the rest.
 #include <cmath>
 #include <memory>
 #include <string>
@@ -16,14 +16,14 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Loads the part and, if that gives 0, lets answer(part) tell the status. The record lives on the
-// heap: callers' stacks may be small.
-template <class Answer>
-std::int64_t askPart(const char* path, Answer&& answer) noexcept {
+// Loads the part and, on success, returns the status of query(part). The record is on the heap: callers may have
+// small stacks.
+template <class Query>
+std::int64_t queryPart(const char* path, Query&& query) noexcept {
   return guarded(kDamaged, [&]() -> std::int64_t {
     const auto part = std::make_unique<TorvPart>();
     const std::int64_t status = LoadOldPart(path, part.get());
-    return status == kDone ? answer(*part) : status;
+    return status == kDone ? query(*part) : status;
   });
 }
 
@@ -49,7 +49,7 @@ using namespace oldtorvio::frame;
 
 extern "C" int64_t GetOldPartInfo(const char* path, char* materialType, float* width, float* height,
                                   float* thickness) noexcept {
-  return askPart(path, [&](const TorvPart& part) {
+  return queryPart(path, [&](const TorvPart& part) {
     copyOut(materialType, fixedText(part.materialType));
     *width = part.width;
     *height = part.height;
@@ -60,7 +60,7 @@ extern "C" int64_t GetOldPartInfo(const char* path, char* materialType, float* w
 
 extern "C" int64_t GetOldPartInfo_v1(const char* path, const char* key, char* value) noexcept {
   if (path == nullptr || key == nullptr || value == nullptr) return kDamaged;
-  return askPart(path, [&](const TorvPart& part) {
+  return queryPart(path, [&](const TorvPart& part) {
     if (equalNoCase(key, "angle"))
       copyOut(value, general(angleOf(part)));
     else if (equalNoCase(key, "Revision"))
@@ -76,7 +76,7 @@ extern "C" int64_t GetOldPartInfo_v1(const char* path, const char* key, char* va
 }
 
 extern "C" int64_t GetOldPartTool(const char* path, char* text, int32_t size, uint32_t* length) noexcept {
-  return askPart(path, [&](const TorvPart& part) {
+  return queryPart(path, [&](const TorvPart& part) {
     std::string items;
     eachTool(part.toolStations, [&](const OldTool& tool) {
       if (const std::string item = toolText(tool); !item.empty()) items.append(item).append(",");
@@ -87,7 +87,7 @@ extern "C" int64_t GetOldPartTool(const char* path, char* text, int32_t size, ui
 }
 
 extern "C" int64_t GetOldSptFromPart(const char* path, char* text) noexcept {
-  return askPart(path, [&](const TorvPart& part) {
+  return queryPart(path, [&](const TorvPart& part) {
     std::string paths;
     eachTool(part.toolStations, [&](const OldTool& tool) {
       if (tool.shapeCode == kSpecialTool) paths.append(",").append(fixedText(tool.specialToolPath)).append(",");

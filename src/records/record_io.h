@@ -1,8 +1,8 @@
 // Readers and writers of the records that several file kinds embed.
 //
-// A reader gives 0, or 1 on a short read or a refused value; what was read up to there stays in the
-// record. A writer gives true, or false when something could not be stored. `version` is the version
-// word of the file that surrounds the record.
+// A reader returns 0, or 1 for a short read or a refused value; what it read before that stays in the record. A writer
+// returns true, or false if something could not be stored. `version` is the version word of the file that embeds the
+// record.
 #pragma once
 #include "OldTorvIO/records.h"
 #include "src/frame/codec/stream.h"
@@ -28,7 +28,7 @@ int ReadShape(InStream& stream, int version, Shape& shape);
 bool WriteShape(OutStream& stream, int version, const Shape& shape);
 int ReadShapeList(InStream& stream, int version, ShapeList& list);
 bool WriteShapeList(OutStream& stream, int version, const ShapeList& list);
-// One trailerValue for each shape that the list holds; there is no count in the file.
+// One trailerValue for each shape in the list; no count is stored.
 int ReadShapeTrailer(InStream& stream, ShapeList& list);
 bool WriteShapeTrailer(OutStream& stream, const ShapeList& list);
 

@@ -1,4 +1,4 @@
-// A tool as the tool lists of parts and sheets print it.
+// A tool as one item of the tool lists of GetOldPartTool and GetOldSheetInfo.
 #pragma once
 #include <string>
 
@@ -6,7 +6,7 @@
 
 namespace oldtorvio {
 
-// Empty for a tool of code 0; without a closing comma.
+// Empty for shape code 0. Without the comma that follows an item.
 std::string toolText(const OldTool& tool);
 
 }  // namespace oldtorvio

@@ -1,4 +1,4 @@
-// Edits of sheet files: read, change one thing, write back.
+// Edits of sheet files: load, change one thing, save.
 #include <memory>
 #include <string_view>
 
@@ -12,7 +12,7 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// The result of the save is nobody's business, as that of a body that cannot be read.
+// The result of the save is not reported, nor that of a body that cannot be read.
 template <class Change>
 std::int64_t edit(const char* path, Change&& change) noexcept {
   return withSheet(path, isListedSheetVersion, [&](OldSheet& sheet, int version) {
@@ -35,10 +35,10 @@ extern "C" int64_t ReplaceSheetMachineNcPath(const char* path, const char* ncPat
 
 extern "C" int64_t ReplaceSheetSknPatListWithPartPatList(const char* path, const char* partPath) noexcept {
   const auto keepNothing = [](int) {};
-  // The sheet's version is judged before the part is looked at.
-  const std::int64_t firstLook =
+  // The sheet's version is checked before the part is loaded.
+  const std::int64_t versionStatus =
       loadFile(path, keepNothing, isListedSheetVersion, [](InStream&, int) -> std::int64_t { return kDone; });
-  if (firstLook != kDone) return firstLook;
+  if (versionStatus != kDone) return versionStatus;
   return guarded(kNotOpened, [&]() -> std::int64_t {
     const auto part = std::make_unique<TorvPart>();
     if (LoadOldPart(partPath, part.get()) != kDone) return kNotOpened;

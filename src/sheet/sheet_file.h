@@ -1,5 +1,4 @@
-// What the questions about sheet files and their edits share: a first look at the version, then the
-// whole sheet for a moment.
+// What queries and edits of sheet files share: check the version, load the sheet, use it, discard it.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -9,9 +8,9 @@
 
 namespace oldtorvio {
 
-// Loads the sheet onto the heap and, if its body could be read, hands it to use(sheet, version). A body
-// that cannot be read gives 0, as if there had been nothing to do: callers have always been told so.
-// `accepts` judges the version; one that passes but that no sheet has is left unread.
+// Loads the sheet onto the heap and, if its body could be read, calls use(sheet, version). A body that cannot be read
+// returns 0 as well. A version that accepts(version) refuses returns -1; one that it accepts but that no sheet has (1
+// and 6) returns 0 without a read of the body.
 template <class Accepts, class Use>
 std::int64_t withSheet(const char* path, Accepts&& accepts, Use&& use) noexcept {
   std::unique_ptr<OldSheet> loaded;
@@ -28,7 +27,7 @@ std::int64_t withSheet(const char* path, Accepts&& accepts, Use&& use) noexcept 
         });
         return frame::kDone;
       });
-  // The file is closed by now: an edit may write it.
+  // The file is closed here, so that an edit can write it.
   if (status != frame::kDone || !loaded) return status;
   return frame::guarded(frame::kDone, [&]() -> std::int64_t {
     use(*loaded, loadedVersion);

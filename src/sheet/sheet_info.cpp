@@ -1,4 +1,4 @@
-// What a sheet is made of, and the tools that its nest really uses.
+// GetOldSheetInfo: material, size and machine of a sheet, and the tools that its nest uses.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -15,19 +15,22 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Whether a profile makes the machine's special station count.
-bool counts(const ProfileRecord& profile) {
+// Whether a profile uses the special station of the machine.
+bool usesSpecialStation(const ProfileRecord& profile) {
   return static_cast<std::int32_t>(profile.profileWords[1]) % 10 == 7 && profile.firstBlock.motionKind != 5 &&
          profile.profileCondition1 != 0 && profile.profileCondition2 != 0;
 }
 
-bool anyProfileCounts(const OldSheet& sheet) {
-  const auto anyOfPattern = [](const Pattern& pattern) { return std::ranges::any_of(pattern.profiles, counts); };
+bool nestUsesSpecialStation(const OldSheet& sheet) {
+  const auto anyOfPattern = [](const Pattern& pattern) {
+    return std::ranges::any_of(pattern.profiles, usesSpecialStation);
+  };
   const auto anyOfPart = [&](const TorvPart& part) { return std::ranges::any_of(part.patterns, anyOfPattern); };
-  return std::ranges::any_of(sheet.profiles, counts) || std::ranges::any_of(sheet.partList.parts, anyOfPart);
+  return std::ranges::any_of(sheet.profiles, usesSpecialStation) ||
+         std::ranges::any_of(sheet.partList.parts, anyOfPart);
 }
 
-// The tools of a nest in order of first use.
+// The tool numbers of a nest in order of first use.
 class UsedTools {
  public:
   explicit UsedTools(const OldSheet& sheet)
@@ -38,14 +41,14 @@ class UsedTools {
         for (const PatternItem& item : pattern.items) note(item.toolNumber);
       slots(part.processSlots, part.processSlotCount);
     }
-    // The first items belong to something else than the nest.
+    // The first 28 items of the sheet are ignored.
     constexpr std::size_t kFirstItem = 28;
     for (std::size_t i = kFirstItem; i < sheet.patternItems.size(); ++i) note(sheet.patternItems[i].toolNumber);
     slots(sheet.processSlots, sheet.processSlotCount);
     noteSpecialStation(sheet);
   }
 
-  // An item is left out directly behind its equal.
+  // An item equal to the one before it is left out.
   std::string text() const {
     std::string all = ",", last;
     for (const std::int64_t number : numbers_) {
@@ -58,7 +61,7 @@ class UsedTools {
   }
 
  private:
-  // One past the last station passes, and then ends the process.
+  // The number after the last station is accepted too; at() then ends the process.
   bool passes(std::int64_t number) const { return number >= 1 && number <= last_; }
   template <class T>
   static const T& at(const std::vector<T>& list, std::int64_t number) {
@@ -83,7 +86,7 @@ class UsedTools {
   void noteSpecialStation(const OldSheet& sheet) {
     constexpr std::int32_t kCombined = 4;
     constexpr unsigned kSpecial = 2;
-    if (sheet.machine.machineKind != kCombined || !anyProfileCounts(sheet)) return;
+    if (sheet.machine.machineKind != kCombined || !nestUsesSpecialStation(sheet)) return;
     const auto special = std::ranges::find_if(list_.stations, [](auto& s) { return (s.byteA & kSpecial) != 0; });
     if (special != list_.stations.end()) note(special - list_.stations.begin() + 1);
   }
@@ -100,7 +103,7 @@ std::string partNamesOf(const OldSheet& sheet) {
   return all;
 }
 
-void giveSized(const std::string& text, char* to, std::int32_t size, std::int32_t* length) {
+void copyOutSized(const std::string& text, char* to, std::int32_t size, std::int32_t* length) {
   std::uint32_t needed = 0;
   copyOutBounded(text, to, size, needed);
   *length = static_cast<std::int32_t>(needed);
@@ -117,7 +120,7 @@ extern "C" int64_t GetOldSheetInfo(const char* path, char* materialName, char* m
                                    double* lateValue, char* partNames, int32_t partNamesSize, int32_t* partNamesLength,
                                    char* tools, int32_t toolsSize, int32_t* toolsLength) noexcept {
   return withSheet(path, isKnownSheetVersion, [&](const OldSheet& sheet, int) {
-    // Everything that takes memory comes before the first output.
+    // Everything that allocates comes before the first output.
     const std::string material = std::string(fixedText(sheet.paramTable.name)) + ".mat";
     const std::string names = partNamesOf(sheet);
     const std::string usedTools = UsedTools(sheet).text();
@@ -135,7 +138,7 @@ extern "C" int64_t GetOldSheetInfo(const char* path, char* materialName, char* m
     *height = sheet.height;
     *thickness = sheet.thickness;
     *lateValue = sheet.lateValue;
-    giveSized(names, partNames, partNamesSize, partNamesLength);
-    giveSized(usedTools, tools, toolsSize, toolsLength);
+    copyOutSized(names, partNames, partNamesSize, partNamesLength);
+    copyOutSized(usedTools, tools, toolsSize, toolsLength);
   });
 }

@@ -1,4 +1,4 @@
-// Readers and writers of the sheet family: the lists that only sheets have, the body of a sheet.
+// Readers and writers of sheet files: the lists that only sheets have, the body of a sheet.
 //
 // Results as in src/records/record_io.h. `version` is the version word of the file.
 #pragma once
@@ -20,14 +20,14 @@ int ReadNamedWorkLists(InStream& stream, int version, std::vector<NamedWorkList>
 bool WriteNamedWorkLists(OutStream& stream, int version, const std::vector<NamedWorkList>& list);
 int ReadMachineExtensionEntries(InStream& stream, std::vector<MachineExtensionEntry>& list);
 bool WriteMachineExtensionEntries(OutStream& stream, const std::vector<MachineExtensionEntry>& list);
-// In reverse, as the format has it: a block that can be read whole ends the reader with false and is
-// not kept, one that cannot is kept. The writer begins with the second block and gives false behind the
-// first that it could store whole; when none is left, as at once in a list of one, the process ends.
+// Success and failure are inverted for these blocks. The reader drops a block that it can read completely and returns
+// false; it keeps one that it cannot read, and goes on. The writer begins with the second block and returns false after
+// the first that it could store completely. If there is none, as in a list of one, it ends the process.
 bool ReadShapeWorkBlocks(InStream& stream, int version, std::vector<ShapeWorkBlock>& blocks);
 bool WriteShapeWorkBlocks(OutStream& stream, int version, const std::vector<ShapeWorkBlock>& blocks);
 
-// The body behind the version word. The writer changes the choices of the machine's material as
-// WriteOldMaterialBody tells.
+// The body after the version word. The writer changes the choices of the machine's material as WriteOldMaterialBody
+// does.
 int ReadOldSheet(InStream& stream, int version, OldSheet& sheet);
 bool WriteOldSheet(OutStream& stream, int version, OldSheet& sheet);
 

@@ -1,4 +1,4 @@
-// Questions about a loaded sheet, by key.
+// Queries of a loaded sheet.
 #include <cmath>
 #include <string>
 #include <string_view>
@@ -26,14 +26,14 @@ std::string integer(std::int64_t value) {
   return text;
 }
 
-// Placements of the part, in 32 bits whatever they come to.
+// The number of placements of the part. It wraps at 32 bits.
 std::int32_t quantityOf(const TorvPart& part) {
   std::uint32_t quantity = 0;
   for (const Pattern& pattern : part.patterns) quantity += pattern.gridCount1 * pattern.gridCount2;
   return static_cast<std::int32_t>(quantity);
 }
 
-// One item a part, the last character of all cut off.
+// The items of all parts, without the last character.
 template <class Item>
 std::string listOf(const OldSheet& sheet, const Item& append) {
   std::string text;
@@ -57,7 +57,7 @@ void appendDetails(std::string& text, const TorvPart& part) {
   text.append(integer(quantityOf(part))).append("|").append(fixedText(part.woNumber)).append("|;|");
 }
 
-// Cut shapes of the skeleton are marked by one of their values.
+// The cut shapes of the skeleton have a mark in values[8].
 std::string cutArea(const OldSheet& sheet) {
   constexpr std::int8_t kCutType = 17;
   constexpr double kMark = 0.17456;
@@ -70,10 +70,10 @@ std::string cutArea(const OldSheet& sheet) {
 
 struct Key {
   std::string_view name;
-  std::string (*answer)(const OldSheet&);
+  std::string (*value)(const OldSheet&);
 };
 
-// The field's width: a name without a NUL comes out whole.
+// The size of the field: a name without a NUL fills it.
 constexpr std::size_t kLongestSkeletonName = sizeof(OldSheet::skeletonDosName);
 
 const Key kKeys[] = {
@@ -93,7 +93,7 @@ const Key kKeys[] = {
     {"part_details_01", [](const OldSheet& s) { return listOf(s, appendDetails); }},
     {"sheet_mat_type", [](const OldSheet& s) { return std::string(fixedText(s.materialType)); }},
     {"sheet_thickness", [](const OldSheet& s) { return fixed6(static_cast<double>(s.thickness)); }},
-    // The name itself is what is printed, directives and all.
+    // The name is used as a printf format.
     {"preSkeletonDosName",
      [](const OldSheet& s) { return printedWithoutValues(fixedText(s.skeletonDosName), kLongestSkeletonName); }},
     {"totalSknPartCutArea", cutArea},
@@ -111,7 +111,7 @@ extern "C" int64_t GetOldSheetInfoByName(const OldSheet* sheet, const char* key,
   return guarded(kDamaged, [&]() -> std::int64_t {
     for (const Key& one : kKeys)
       if (equalNoCase(key, one.name)) {
-        copyOut(value, one.answer(*sheet));
+        copyOut(value, one.value(*sheet));
         break;
       }
     return kDone;

@@ -1,4 +1,4 @@
-// Sheets: making, freeing, loading, saving.
+// Sheets: create, free, load, save.
 #include <memory>
 
 #include "OldTorvIO.h"
@@ -12,10 +12,10 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Loaded and left: nothing reads it.
+// LoadOldSheetInformation loads it; no function reads it.
 OldSheet currentSheet;
 
-// A save of a sheet stores the version word before it judges it.
+// A save of a sheet stores the version word before it checks it.
 constexpr auto kAnyVersion = [](int) { return true; };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Small questions about sheet files.
+// The smaller queries of sheet files.
 #include <algorithm>
 #include <bit>
 #include <memory>
@@ -19,7 +19,7 @@ extern "C" int64_t GetOldClampInfo(const char* path, uint32_t* word, float* firs
     *first = std::bit_cast<float>(clamps.clampWord2);
     *second = std::bit_cast<float>(clamps.clampWord3);
     *third = std::bit_cast<float>(clamps.clampWord4);
-    // The machine's, all eight, whatever the sheet's own are.
+    // All eight positions of the machine; the sheet's own are not returned.
     std::ranges::copy(sheet.machine.clampInfo.clampPositions, positions);
     *count = static_cast<std::uint32_t>(clamps.clampCount);
     *spacing = clamps.clampSpacing;
@@ -41,7 +41,7 @@ extern "C" int64_t GetSheetDriverFlags(const char* path, int32_t* flags) noexcep
   return guarded(kDamaged, [&]() -> std::int64_t {
     const auto sheet = std::make_unique<OldSheet>();
     const std::int64_t status = LoadOldSheet(path, sheet.get());
-    // Also those of a file that breaks off, as far as they came.
+    // With status 1 as well, as far as they were read.
     if (status == kDone || status == kDamaged) std::ranges::copy(sheet->paramTable.intParams, flags);
     return status;
   });

@@ -1,4 +1,4 @@
-// Tool inventories: the load into a caller's record, and the current inventory that two exports share.
+// Loads of tool inventories, and the current inventory.
 #include <algorithm>
 #include <string_view>
 
@@ -15,7 +15,7 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Loaded over itself and never reset: what a file does not store keeps the value of the one before.
+// Never reset: what a file does not store keeps the value of the inventory before.
 OldToolInventory currentToolInventory;
 
 template <class Read>
@@ -39,8 +39,8 @@ constexpr ToolKind kToolKinds[] = {
     {107, "TRIANGLE"}, {109, "CORNERR"},  {110, "ROUNDED C"},       {112, "GR"},
 };
 
-// A kind without a name leaves the caller's buffer as it is.
-void giveName(const OldTool& tool, char* name) {
+// A code without a name leaves the buffer unchanged.
+void copyOutName(const OldTool& tool, char* name) {
   if (tool.shapeCode == kSpecialTool) {
     const auto& files = currentToolInventory.specialToolFiles;
     const std::int64_t index = std::int64_t{tool.specialToolIndex} - 1;
@@ -52,7 +52,7 @@ void giveName(const OldTool& tool, char* name) {
     if (kind.shapeCode == tool.shapeCode) copyOut(name, kind.name);
 }
 
-void giveValues(std::int32_t count, const float (&values)[6], float* const (&to)[6]) {
+void copyOutValues(std::int32_t count, const float (&values)[6], float* const (&to)[6]) {
   if (count < 1 || count > 6) return;
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) *to[i] = values[i];
 }
@@ -88,15 +88,15 @@ extern "C" void GetOldToolInventoryInformation(int32_t index, char* name, float*
   const std::vector<OldTool>& tools = currentToolInventory.tools;
   if (index < 0 || static_cast<std::size_t>(index) >= tools.size()) EndProcess();
   const OldTool& tool = tools[static_cast<std::size_t>(index)];
-  giveName(tool, name);
+  copyOutName(tool, name);
   *dimension1 = tool.dimension1;
   *dimension2 = tool.dimension2;
   *dimension3 = tool.dimension3;
   *orientation = tool.orientation;
   *firstValueCount = tool.firstValueCount;
-  giveValues(tool.firstValueCount, tool.firstValues,
-             {firstValue0, firstValue1, firstValue2, firstValue3, firstValue4, firstValue5});
+  copyOutValues(tool.firstValueCount, tool.firstValues,
+                {firstValue0, firstValue1, firstValue2, firstValue3, firstValue4, firstValue5});
   *secondValueCount = tool.secondValueCount;
-  giveValues(tool.secondValueCount, tool.secondValues,
-             {secondValue0, secondValue1, secondValue2, secondValue3, secondValue4, secondValue5});
+  copyOutValues(tool.secondValueCount, tool.secondValues,
+                {secondValue0, secondValue1, secondValue2, secondValue3, secondValue4, secondValue5});
 }

@@ -8,11 +8,11 @@ namespace oldtorvio {
 using codec::InStream;
 using codec::OutStream;
 
-// The file behind its version word. Results as in src/records/record_io.h.
+// The file after its version word. Results as in src/records/record_io.h.
 int ReadMacro(InStream& stream, int version, OldMacro& macro);
 bool WriteMacro(OutStream& stream, int version, const OldMacro& macro);
 
-// For samples and tests: no export writes macros. A version that the loader would refuse gives -1.
+// For samples and tests: no export writes macros. -1 for a version that LoadOldMacro refuses.
 std::int64_t SaveMacro(const char* path, const OldMacro& macro, int version);
 
 }  // namespace oldtorvio

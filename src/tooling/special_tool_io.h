@@ -1,4 +1,4 @@
-// Special tool files and the folder that holds them.
+// Special tool files, and the configured folder for them.
 #pragma once
 #include <string>
 
@@ -10,15 +10,14 @@ namespace oldtorvio {
 using codec::InStream;
 using codec::OutStream;
 
-// The file behind its version word; results as in src/records/record_io.h.
+// The file after its version word; results as in src/records/record_io.h.
 int ReadSpecialTool(InStream& stream, int version, OldSpecialTool& tool);
 bool WriteSpecialTool(OutStream& stream, int version, const OldSpecialTool& tool);
 
-// For samples and tests: no export writes special tool files. A version that the loader would refuse
-// gives -1.
+// For samples and tests: no export writes special tool files. -1 for a version that LoadOldSpecialTool refuses.
 std::int64_t SaveSpecialTool(const char* path, const OldSpecialTool& tool, int version);
 
-// The configured folder as it stands, with or without a final "\".
+// The configured folder, with or without a final "\" as configured.
 std::string GetSpecialToolFolder();
 
 }  // namespace oldtorvio

@@ -1,5 +1,4 @@
-// Special tool files: the load into a caller's record, and the current special tool that two exports
-// share.
+// Loads of special tool files, and the current special tool.
 #include "OldTorvIO.h"
 #include "OldTorvIO/special_tool.h"
 #include "src/frame/entry.h"
@@ -11,15 +10,15 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Loaded over itself and never reset: what a file does not store keeps the value of the one before.
+// Never reset: what a file does not store keeps the value of the tool before.
 OldSpecialTool currentSpecialTool;
 
-// *loaded tells whether the version was accepted and the record read, whatever came of it.
-std::int64_t load(const char* path, OldSpecialTool& tool, bool* loaded = nullptr) noexcept {
+// *wasRead becomes true once the version is accepted, whether or not the rest can be read.
+std::int64_t load(const char* path, OldSpecialTool& tool, bool* wasRead = nullptr) noexcept {
   return loadFile(
       path, [&](int version) { tool.tool.fileVersion = static_cast<std::int16_t>(version); }, isSpecialToolVersion,
       [&](InStream& stream, int version) -> std::int64_t {
-        if (loaded != nullptr) *loaded = true;
+        if (wasRead != nullptr) *wasRead = true;
         return ReadSpecialTool(stream, version, tool);
       });
 }
@@ -42,10 +41,10 @@ extern "C" int32_t OpenSpecialToolFile(const char* path, uint32_t* shapeCount, f
                                        float* secondValue5, float* extraValue0, float* extraValue1,
                                        uint8_t* lateFlag) noexcept {
   *shapeCount = 0;
-  bool loaded = false;
-  const auto status = static_cast<std::int32_t>(load(path, currentSpecialTool, &loaded));
-  // The record counts, not the status: a reading that failed behind the shapes still hands them out.
-  if (!loaded || currentSpecialTool.shapes.shapes.empty()) return status;
+  bool wasRead = false;
+  const auto status = static_cast<std::int32_t>(load(path, currentSpecialTool, &wasRead));
+  // The record decides, not the status: a read that failed after the shapes still returns them.
+  if (!wasRead || currentSpecialTool.shapes.shapes.empty()) return status;
 
   const OldTool& tool = currentSpecialTool.tool;
   *shapeCount = static_cast<std::uint32_t>(currentSpecialTool.shapes.shapes.size());

@@ -1,4 +1,4 @@
-# The client in C calls every export of the list.
+# Checks that the client in C calls every export of the list.
 file(READ ${CLIENT} client)
 file(STRINGS ${LIST} wanted)
 foreach(name ${wanted})

@@ -1,11 +1,11 @@
-# The library's table of exported symbols is the checked-in list, no name more and none less. Of a Windows
-# library OBJDUMP tells the tables, of others NM; the former imports from the system's own alone.
+# The exported symbols of the library are exactly those of the checked-in list. OBJDUMP prints the tables of a Windows
+# library, NM those of others. A Windows library must import only from DLLs of the system.
 if(OBJDUMP)
   execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE tables COMMAND_ERROR_IS_FATAL ANY)
   string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${tables}")
   list(TRANSFORM imports REPLACE "DLL Name: " "")
   if(imports STREQUAL "")
-    message(FATAL_ERROR "no table of imports found: this test looks in the wrong place")
+    message(FATAL_ERROR "no imports found: this test reads the wrong table")
   endif()
   foreach(import ${imports})
     if(NOT import MATCHES "^(KERNEL32[.]dll|msvcrt[.]dll)$")

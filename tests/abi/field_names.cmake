@@ -1,5 +1,5 @@
-# A list of field names, as a description spells it, is in the read-only data of the tool (so the
-# test looks in the right place), and nothing of such a form is in that of the shared library.
+# The read-only data of the tool contains lists of field names as they are written in a layout (which shows that the test
+# looks in the right place), that of the shared library contains nothing like them.
 set(TOOL_NAMES "w[.]workWord1, w[.]workByte, w[.]workWord2")
 set(LIBRARY_NAMES "[a-zA-Z0-9]+[.][a-zA-Z0-9]+, [a-zA-Z0-9]+[.][a-zA-Z0-9]+")
 foreach(which LIBRARY TOOL)
@@ -13,5 +13,5 @@ if(TOOL_FOUND STREQUAL "")
   message(FATAL_ERROR "the tool has no field names: this test looks in the wrong place")
 endif()
 if(NOT LIBRARY_FOUND STREQUAL "")
-  message(FATAL_ERROR "the shared library holds field names: ${LIBRARY_FOUND}")
+  message(FATAL_ERROR "the shared library contains field names: ${LIBRARY_FOUND}")
 endif()

@@ -1,4 +1,4 @@
-# The library includes nothing of the tool, and its public headers nothing of its internals.
+# The library must not include files of the tool, and its public headers none of its internals.
 cmake_policy(VERSION 3.21)
 file(GLOB_RECURSE sources ${SOURCE}/src/*.h ${SOURCE}/src/*.cpp)
 file(GLOB_RECURSE headers ${SOURCE}/include/*.h)

@@ -1,4 +1,4 @@
-# Writes one add_test a test suite of a GoogleTest program, which a RUNNER may start.
+# Writes one add_test for each test suite of a GoogleTest program, which may need a RUNNER.
 execute_process(COMMAND ${RUNNER} ${BINARY} --gtest_list_tests OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX REPLACE "\r?\n" ";" lines "${listing}")
 set(command "")

@@ -1,17 +1,17 @@
-/* The chief header compiled as C, and every export called from C through the shared library. */
+/* The main header compiled as C, and every export called from C through the shared library. */
 #include <stdio.h>
 #include <string.h>
 
 #include "OldTorvIO.h"
 
 static int failures = 0;
-#define EXPECT(holds) ((holds) ? (void)0 : (void)(printf("line %d: %s\n", __LINE__, #holds), ++failures))
+#define EXPECT(condition) ((condition) ? (void)0 : (void)(printf("line %d: %s\n", __LINE__, #condition), ++failures))
 
 static int written(const char* path, const uint8_t* bytes, size_t size) {
   FILE* file = fopen(path, "wb");
   if (file == NULL) return 0;
-  const int whole = fwrite(bytes, 1, size, file) == size;
-  return fclose(file) == 0 && whole;
+  const int complete = fwrite(bytes, 1, size, file) == size;
+  return fclose(file) == 0 && complete;
 }
 
 static int32_t integer_in(float bytes) {
@@ -20,8 +20,8 @@ static int32_t integer_in(float bytes) {
   return integer;
 }
 
-/* An inventory of version 54 with one square tool; all else is zero. */
-static void ask_an_inventory(const char* path) {
+/* An inventory of version 54 with one square tool; everything else is zero. */
+static void query_inventory(const char* path) {
   enum { kToolCount = 2, kShapeCode = 170, kDimension1 = 182, kSize = 250 };
   uint8_t bytes[kSize] = {54};
   char name[257] = "unchanged";
@@ -45,11 +45,11 @@ static void ask_an_inventory(const char* path) {
                                  &n[1], &f[10], &f[11], &f[12], &f[13], &f[14], &f[15]);
   EXPECT(strcmp(name, "SQUARE") == 0 && f[0] == 1 && f[1] == 0 && f[2] == 0 && f[3] == 0);
   EXPECT(n[0] == 0 && n[1] == 0);
-  for (i = 4; i < sizeof f / sizeof *f; ++i) EXPECT(f[i] == 9); /* no values count */
+  for (i = 4; i < sizeof f / sizeof *f; ++i) EXPECT(f[i] == 9); /* no values are set */
 }
 
-/* A machine of version 54 with one station and its rectangular tool; all else is zero. */
-static void ask_a_machine(const char* path) {
+/* A machine of version 54 with one station and its rectangular tool; everything else is zero. */
+static void query_machine(const char* path) {
   enum { kTextWidth = 2, kMachineText1 = 6, kKind = 7, kStationCount = 601, kStation = 605, kStationType = 613 };
   enum { kToolCount = 617, kShapeCode = 692, kBlockMode = 764, kClampCount = 806, kSize = 902 };
   uint8_t bytes[kSize] = {54};
@@ -96,8 +96,8 @@ static void ask_a_machine(const char* path) {
                               &q[11]) == -2);
 }
 
-/* A fresh sheet: saved, loaded, asked, edited and freed. `part` is a part with two shapes. */
-static void ask_a_sheet(const char* path, const char* part) {
+/* A fresh sheet: saved, loaded, queried, edited and freed. `part` is a part with two shapes. */
+static void query_sheet(const char* path, const char* part) {
   static int32_t flags[601];
   char text[9][261], names[16] = "unchanged", tools[16] = "unchanged";
   float f[5] = {9, 9, 9, 9, 9}, positions[8];
@@ -112,7 +112,7 @@ static void ask_a_sheet(const char* path, const char* part) {
   for (i = 0; i < 9; ++i) strcpy(text[i], "unchanged");
   for (i = 0; i < 601; ++i) flags[i] = 9;
 
-  /* What is refused leaves everything as it was. */
+  /* Refused calls change nothing. */
   EXPECT(sheet != NULL);
   EXPECT(SaveOldSheet(path, NULL, 180) == -2);
   EXPECT(SaveOldSheet(NULL, sheet, 180) == -2);
@@ -236,9 +236,9 @@ int main(int argc, char** argv) {
   DeleteOldPartlistInfo(NULL);
   EXPECT(LoadOldMaterial(path, NULL) == -2);
   EXPECT(LoadOldMacro(path, NULL) == -2);
-  ask_a_sheet(sheet_path, path);
-  ask_an_inventory(path);
-  ask_a_machine(path);
+  query_sheet(sheet_path, path);
+  query_inventory(path);
+  query_machine(path);
   (void)remove(path);
   (void)remove(sheet_path);
   printf("%d failures\n", failures);

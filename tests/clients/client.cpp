@@ -1,5 +1,5 @@
-// A C++ program of another project. It includes only the main header, takes a folder to write to, and says with its
-// exit code whether the library did what it was asked to do.
+// A C++ program of another project. It includes only the main header and takes a folder to write to. Its exit code says
+// whether everything worked.
 #include <OldTorvIO.h>
 
 #include <cstdint>
@@ -11,9 +11,9 @@ namespace {
 
 int failures = 0;
 
-void expect(bool holds, const char* what) {
-  if (holds) return;
-  std::printf("not so: %s\n", what);
+void expect(bool condition, const char* what) {
+  if (condition) return;
+  std::printf("false: %s\n", what);
   ++failures;
 }
 

@@ -4,8 +4,8 @@
 usage: consumers.py --build BUILD --scratch FOLDER [--full] [--cc COMMAND] [--cxx COMMAND] [--c-flags FLAGS]
                     [--cxx-flags FLAGS] [--config NAME]
 
-Prints one line for each consumer, and ends with 1 if any of them fails. Without --full only the ones that take a
-few seconds.
+Prints one line for each consumer, and exits with 1 if any of them fails. Without --full it runs only those that
+take a few seconds.
 """
 import argparse
 import os
@@ -31,24 +31,24 @@ def run(command, **options):
     done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                           errors="replace", **options)
     if done.returncode != 0:
-        raise Failed(f"{shlex.join(map(str, command))}\nends with {done.returncode}\n{done.stdout}")
+        raise Failed(f"{shlex.join(map(str, command))}\nexits with {done.returncode}\n{done.stdout}")
     return done.stdout
 
 
-def require(holds, complaint):
-    if not holds:
+def require(condition, complaint):
+    if not condition:
         raise Failed(complaint)
 
 
 class Consumers:
-    def __init__(self, given):
-        self.given = given
-        self.scratch = pathlib.Path(given.scratch).resolve()
+    def __init__(self, args):
+        self.args = args
+        self.scratch = pathlib.Path(args.scratch).resolve()
         shutil.rmtree(self.scratch, ignore_errors=True)
         self.scratch.mkdir(parents=True)
         self.prefix = self.scratch / "prefix"
         self.failures = self.passed = 0
-        cache = (pathlib.Path(given.build) / "CMakeCache.txt").read_text(encoding="utf-8")
+        cache = (pathlib.Path(args.build) / "CMakeCache.txt").read_text(encoding="utf-8")
         self.version = re.search(r"^CMAKE_PROJECT_VERSION:STATIC=(.*)$", cache, re.MULTILINE)[1]
 
     def check(self, name, work):
@@ -66,15 +66,15 @@ class Consumers:
     # ---- the installed files ----
 
     def install(self):
-        """Moved after the installation: nothing in it may know where it was installed."""
+        """Moved after the installation: no file in it may depend on where it was installed."""
         first = self.scratch / "installed"
-        run(["cmake", "--install", self.given.build, "--prefix", first, "--strip", *self.config()])
+        run(["cmake", "--install", self.args.build, "--prefix", first, "--strip", *self.config()])
         first.rename(self.prefix)
         found = [file for name in ("LICENSE", "OldTorvIO.h", "records.h", "oldtorvio.pc", "OldTorvIOConfig.cmake")
                  for file in self.prefix.rglob(name)]
-        require(len(found) == 5, f"installed of the five expected files: {found}")
+        require(len(found) == 5, f"of the five expected files only these are installed: {found}")
         for file in [*self.prefix.rglob("*.cmake"), *self.prefix.rglob("*.pc")]:
-            require(str(self.scratch) not in file.read_text(encoding="utf-8"), f"{file} names the folder of the installation")
+            require(str(self.scratch) not in file.read_text(encoding="utf-8"), f"{file} contains the path of the installation")
         for file in self.libraries():
             print(f"        {file.stat().st_size:9} bytes  {file.relative_to(self.prefix)}")
 
@@ -86,7 +86,7 @@ class Consumers:
         return next(self.prefix.rglob("oldtorvio.pc")).parents[1]
 
     def soname_and_package_agree(self):
-        """A program runs with the libraries of its soname and builds with the packages of its version: the same ones."""
+        """Libraries with the same soname and packages of a compatible version must be the same set."""
         major, minor, patch = map(int, self.version.split("."))
         abi = f"{major}.{minor}" if major == 0 else f"{major}"
         require((self.library_folder() / f"libOldTorvIO.so.{abi}").exists(), f"there is no libOldTorvIO.so.{abi}")
@@ -109,15 +109,15 @@ class Consumers:
     # ---- by CMake ----
 
     def config(self):
-        return ["--config", self.given.config] if self.given.config else []
+        return ["--config", self.args.config] if self.args.config else []
 
     def configure(self, project, build, language, standard, **variables):
         variables |= {"LANGUAGE": language, "STANDARD": standard, "CMAKE_PREFIX_PATH": self.prefix}
         self.configure_plainly(HERE / project, build, **variables)
 
     def configure_plainly(self, source, build, **variables):
-        variables |= {"CMAKE_C_COMPILER": self.given.cc, "CMAKE_CXX_COMPILER": self.given.cxx,
-                      "CMAKE_C_FLAGS": self.given.c_flags, "CMAKE_CXX_FLAGS": self.given.cxx_flags}
+        variables |= {"CMAKE_C_COMPILER": self.args.cc, "CMAKE_CXX_COMPILER": self.args.cxx,
+                      "CMAKE_C_FLAGS": self.args.c_flags, "CMAKE_CXX_FLAGS": self.args.cxx_flags}
         log = run(["cmake", "-S", source, "-B", build, "--no-warn-unused-cli",
                    *(f"-D{name}={value}" for name, value in variables.items())])
         require("warning" not in log.lower(), f"configuring warns:\n{log}")
@@ -164,7 +164,7 @@ class Consumers:
         def work():
             folder = self.library_folder()
             if static:
-                # As a system has it that comes without the shared library: the linker would prefer that one.
+                # Without the shared library, which the linker would prefer.
                 copy = self.scratch / "static_only"
                 if not copy.exists():
                     shutil.copytree(self.prefix, copy, symlinks=True)
@@ -175,8 +175,8 @@ class Consumers:
                         env=dict(os.environ, PKG_CONFIG_PATH=str(folder / "pkgconfig")))
             in_c = language == "C"
             program = self.scratch / f"pkg_{language}{standard}_{'static' if static else 'shared'}"
-            run([*shlex.split(self.given.cc if in_c else self.given.cxx),
-                 *shlex.split(self.given.c_flags if in_c else self.given.cxx_flags),
+            run([*shlex.split(self.args.cc if in_c else self.args.cxx),
+                 *shlex.split(self.args.c_flags if in_c else self.args.cxx_flags),
                  f"-std={'c' if in_c else 'c++'}{standard}", *WARNINGS, HERE / ("client.c" if in_c else "client.cpp"), "-o", program,
                  *shlex.split(found), f"-Wl,-rpath,{folder}"])
             needs_library = self.run_client(program)
@@ -189,13 +189,13 @@ class Consumers:
             return
         self.check("soname and package version agree", self.soname_and_package_agree)
         found = [("C", 99, SHARED), ("CXX", 17, SHARED), ("CXX", 17, STATIC)]
-        if self.given.full:
+        if self.args.full:
             found += [("C", 99, STATIC), ("CXX", 20, SHARED), ("CXX", 20, STATIC)]
         for language, standard, library in found:
             self.check(f"find_package, {language.replace('X', '+')}{standard}, {library}",
                        self.find_package(language, standard, library))
         by_pkg_config = [("C", 99, False), ("C", 99, True)]
-        if self.given.full:
+        if self.args.full:
             by_pkg_config += [("CXX", 17, False), ("CXX", 17, True)]
         for language, standard, static in by_pkg_config:
             name = f"pkg-config{' --static' if static else ''}, {language.replace('X', '+')}{standard}"
@@ -204,7 +204,7 @@ class Consumers:
             else:
                 print(f"skipped            {name}: there is no pkg-config")
         self.check("examples, as a project of their own", self.examples)
-        if self.given.full:
+        if self.args.full:
             self.check("add_subdirectory, C99 and C++17, both libraries", self.subdirectory)
 
 

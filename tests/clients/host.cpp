@@ -31,7 +31,7 @@ using namespace testing_support;
 using namespace oldtorvio;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::size_t kSmallStack = 1U << 20U;  // they widen every frame
+constexpr std::size_t kSmallStack = 1U << 20U;  // sanitizers enlarge every stack frame
 constexpr bool kIsSanitized = true;
 #else
 constexpr std::size_t kSmallStack = 64U << 10U;
@@ -95,26 +95,26 @@ void onSmallStack(const std::function<void()>& work) {
 }
 void here(const std::function<void()>& work) { work(); }
 
-using Answers = std::map<std::string, std::string>;
+using Outputs = std::map<std::string, std::string>;
 
-// What every export answers, each called by run(call).
+// The outputs of every export, each called by run(call).
 template <class Run>
-Answers answersOf(const Exports& exports, const Samples& samples, const Run& run) {
-  Answers answers;
+Outputs outputsOf(const Exports& exports, const Samples& samples, const Run& run) {
+  Outputs outputs;
   for (const ExportCall& call : exportCalls()) {
     const PreparedCall p = call.prepare(exports, samples);
     std::int64_t status = 0;
     run([&] { status = p.call(); });
     EXPECT_EQ(status, call.whenDone) << call.title();
-    answers[call.title()] = p.answer();
+    outputs[call.title()] = p.answer();
     if (call.files == ExportCall::Files::edited) samples.restore(call.input);
   }
-  return answers;
+  return outputs;
 }
 
-void expectSame(const Answers& a, const Answers& b) {
+void expectSame(const Outputs& a, const Outputs& b) {
   ASSERT_EQ(a.size(), b.size());
-  for (const auto& [title, answer] : a) EXPECT_TRUE(answer == b.at(title)) << title;
+  for (const auto& [title, output] : a) EXPECT_TRUE(output == b.at(title)) << title;
 }
 
 TEST(Host, FindsEveryExportByItsName) {
@@ -127,28 +127,28 @@ TEST(Host, FindsEveryExportByItsName) {
   EXPECT_EQ(found, 45U);
 }
 
-TEST(Host, GetsTheSameAnswersWithADecimalCommaOnASmallStackAndFromALibraryLoadedAnew) {
+TEST(Host, GetsTheSameOutputsWithADecimalCommaOnASmallStackAndAfterAReload) {
   const Samples samples;
-  Answers plain;
+  Outputs plain;
   for (int round = 0; round < 2; ++round) {
     {
       Library library;
-      const Answers inC = answersOf(library.exports(), samples, here);
+      const Outputs inC = outputsOf(library.exports(), samples, here);
       if (round == 0) plain = inC;
       expectSame(plain, inC);
-      expectSame(plain, answersOf(library.exports(), samples, onSmallStack));
+      expectSame(plain, outputsOf(library.exports(), samples, onSmallStack));
       {
         const CommaLocale comma;
         if (comma.isSet()) {
-          expectSame(plain, answersOf(library.exports(), samples, here));
-          expectSame(plain, answersOf(library.exports(), samples, onSmallStack));
+          expectSame(plain, outputsOf(library.exports(), samples, here));
+          expectSame(plain, outputsOf(library.exports(), samples, onSmallStack));
         }
       }
       library.exports().each([](const char* name, const auto& function) { EXPECT_GE(function.calls(), 2U) << name; });
     }
     EXPECT_FALSE(Library::isLoaded());
   }
-  // The numbers in the answers are such that a comma would show.
+  // The outputs contain numbers in which a comma would show.
   EXPECT_NE(plain.at("GetOldSheetInfoByName, width").find('.'), std::string::npos);
   EXPECT_NE(plain.at("GetOldPartTool").find('.'), std::string::npos);
 }
@@ -172,7 +172,7 @@ TEST(Host, LoadsAndUnloadsOnASmallStack) {
   }
 }
 
-// What the process has once, told by those that answer from it.
+// The state of the process, checked through the functions that return it.
 class State {
  public:
   explicit State(const Samples& samples) : samples_(samples) {}
@@ -200,14 +200,14 @@ class State {
     library->GetShapeAt(0, &type, &f, &f, &f, &f, &f, &f);
     return type == -77;
   }
-  void askInventory(const Library& library) const {
+  void queryInventory(const Library& library) const {
     char name[257];
     float f = 0;
     std::int32_t n = 0;
     library->GetOldToolInventoryInformation(0, name, &f, &f, &f, &f, &n, &f, &f, &f, &f, &f, &f, &n, &f, &f, &f, &f, &f,
                                             &f);
   }
-  void askMachine(const Library& library) const {
+  void queryMachine(const Library& library) const {
     char path[257];
     float f[6] = {};
     std::int32_t n = 0;
@@ -229,7 +229,7 @@ class State {
   const Samples& samples_;
 };
 
-TEST(Host, ALibraryLoadedAnewRemembersNothing) {
+TEST(Host, AReloadedLibraryHasNoState) {
   const Samples samples;
   State state(samples);
   {
@@ -237,18 +237,18 @@ TEST(Host, ALibraryLoadedAnewRemembersNothing) {
     state.fill(library);
     EXPECT_FALSE(state.builderIsEmpty(library));
     EXPECT_FALSE(state.specialToolIsEmpty(library));
-    state.askInventory(library);
-    state.askMachine(library);
+    state.queryInventory(library);
+    state.queryMachine(library);
   }
   ASSERT_FALSE(Library::isLoaded());
   const Library library;
   EXPECT_TRUE(state.builderIsEmpty(library));
   EXPECT_TRUE(state.specialToolIsEmpty(library));
-  EXPECT_EXIT(state.askInventory(library), endedByTheLibrary(), "");
-  EXPECT_EXIT(state.askMachine(library), endedByTheLibrary(), "");
+  EXPECT_EXIT(state.queryInventory(library), endedByTheLibrary(), "");
+  EXPECT_EXIT(state.queryMachine(library), endedByTheLibrary(), "");
 }
 
-TEST(Host, ALibraryThatSomebodyElseHoldsRemembersAll) {
+TEST(Host, ALibraryWithAnotherHandleKeepsItsState) {
   const Samples samples;
   State state(samples);
   std::optional<Library> first(std::in_place);
@@ -258,9 +258,9 @@ TEST(Host, ALibraryThatSomebodyElseHoldsRemembersAll) {
   EXPECT_TRUE(Library::isLoaded());
   EXPECT_FALSE(state.builderIsEmpty(second));
   EXPECT_FALSE(state.specialToolIsEmpty(second));
-  state.askInventory(second);
-  state.askMachine(second);
-  (void)answersOf(*second.operator->(), samples, here);
+  state.queryInventory(second);
+  state.queryMachine(second);
+  (void)outputsOf(*second.operator->(), samples, here);
 }
 
 TEST(Host, RecordsOutliveTheLibrary) {
@@ -284,39 +284,39 @@ TEST(Host, RecordsOutliveTheLibrary) {
   EXPECT_EQ(part->shapes.shapes.size(), shapes);
 }
 
-// Under the leak sanitizer the code would be another if anything that the library held were lost.
+// Under the leak sanitizer the exit code would differ if memory of the library were leaked.
 TEST(Host, TheProcessMayEndWhileTheLibraryHoldsState) {
   const Samples samples;
-  enum class End { loaded, unloadedOnTheWay, unloaded };
+  enum class End { loaded, unloadedAtExit, unloaded };
   const auto endWithState = [&](End end) {
     static Library* kept = nullptr;
     static std::unique_ptr<Library> unloadedAtExit;
     kept = new Library;
     State(samples).fill(*kept);
-    (void)answersOf(kept->exports(), samples, here);
+    (void)outputsOf(kept->exports(), samples, here);
     if (end == End::unloaded) delete std::exchange(kept, nullptr);
-    if (end == End::unloadedOnTheWay) unloadedAtExit.reset(std::exchange(kept, nullptr));
+    if (end == End::unloadedAtExit) unloadedAtExit.reset(std::exchange(kept, nullptr));
     std::exit(testing::Test::HasFailure() ? 1 : 7);
   };
   EXPECT_EXIT(endWithState(End::loaded), testing::ExitedWithCode(7), "");
-  EXPECT_EXIT(endWithState(End::unloadedOnTheWay), testing::ExitedWithCode(7), "");
+  EXPECT_EXIT(endWithState(End::unloadedAtExit), testing::ExitedWithCode(7), "");
   EXPECT_EXIT(endWithState(End::unloaded), testing::ExitedWithCode(7), "");
 }
 
 #if defined(__GLIBC__)
-TEST(Host, LoadingAndUnloadingHoldsNoMemory) {
-  if (testing_support::isCounted()) GTEST_SKIP() << "what the counting itself holds is not told apart";
+TEST(Host, LoadingAndUnloadingLeaksNoMemory) {
+  if (testing_support::isCounted()) GTEST_SKIP() << "memory of the coverage counters is not distinguished";
   if (kIsSanitized) GTEST_SKIP() << "the sanitizer looks for leaks itself";
   const char* const tunables = std::getenv("GLIBC_TUNABLES");
   if (tunables == nullptr || std::string(tunables).find("tcache_count=0") == std::string::npos)
-    GTEST_SKIP() << "the heap counts what it keeps for next time as held unless GLIBC_TUNABLES has tcache_count=0";
+    GTEST_SKIP() << "the heap reports freed memory in its caches as allocated unless GLIBC_TUNABLES has tcache_count=0";
   const Samples samples;
   const auto cycle = [&] {
     const Library library;
     State(samples).fill(library);
-    (void)answersOf(*library.operator->(), samples, here);
+    (void)outputsOf(*library.operator->(), samples, here);
   };
-  // The loader keeps a little at first.
+  // The loader keeps some memory at first.
   for (int i = 0; i < 10; ++i) cycle();
   const auto before = mallinfo2().uordblks;
   for (int i = 0; i < 20; ++i) cycle();

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Builds the project as a stranger does, without a preset, with both compilers and at every build type, and then
-uses what was installed (consumers.py). Any warning fails.
+"""Builds the project as users do, without a preset, with both compilers and at every build type, and then uses the
+installed library (consumers.py). Any warning is a failure.
 
 usage: matrix.py [--short] [--jobs N]
 
@@ -23,7 +23,7 @@ TOP = HERE.parents[1]
 BUILD = TOP / "build" / "matrix"
 COMPILERS = (("gcc", "g++"), ("clang", "clang++"))
 BUILD_TYPES = ("Release", "None", "Debug", "RelWithDebInfo", "MinSizeRel")
-# What a cell leaves out that builds only the product.
+# What a build of only the product leaves out.
 PRODUCT = ["-DBUILD_TESTING=OFF", "-DOLDTORVIO_BENCH=OFF"]
 SHORT = [*PRODUCT, "-DOLDTORVIO_EXAMPLES=OFF", "-DCMAKE_UNITY_BUILD=ON", "-DCMAKE_UNITY_BUILD_BATCH_SIZE=0"]
 
@@ -31,7 +31,7 @@ SHORT = [*PRODUCT, "-DOLDTORVIO_EXAMPLES=OFF", "-DCMAKE_UNITY_BUILD=ON", "-DCMAK
 class Cell:
     def __init__(self, compilers, build_type, short):
         self.cc, self.cxx = compilers
-        # Without a build type a build is a Release build: that is how most people build.
+        # The Release build sets no build type, as most users do.
         type_option = [] if build_type == "Release" else [f"-DCMAKE_BUILD_TYPE={build_type}"]
         self.everything = build_type == "Release" and not short
         self.name = f"{self.cxx} {build_type}, " + ("everything" if self.everything else "library and tool" if short
@@ -47,7 +47,7 @@ class Cell:
         environment = dict(os.environ, CMAKE_C_COMPILER_LAUNCHER="ccache", CMAKE_CXX_COMPILER_LAUNCHER="ccache")
         steps = (["cmake", "-S", TOP, "-B", self.folder, f"-DCMAKE_C_COMPILER={self.cc}",
                   f"-DCMAKE_CXX_COMPILER={self.cxx}", *self.options],
-                 # A warning is shown when a file is compiled: all are.
+                 # Warnings only show when a file is compiled: compile all.
                  ["cmake", "--build", self.folder, "--clean-first", "-j", str(jobs)])
         with open(log, "w", encoding="utf-8") as output:
             for step in steps:
@@ -76,19 +76,19 @@ def main():
     options = argparse.ArgumentParser(description="Builds without presets, with both compilers, at every build type.")
     options.add_argument("--short", action="store_true")
     options.add_argument("--jobs", type=int, default=os.cpu_count() or 2)
-    given = options.parse_args()
+    args = options.parse_args()
     begin = time.monotonic()
 
-    build_types = ("Release", "Debug") if given.short else BUILD_TYPES
-    cells = [Cell(compilers, build_type, given.short) for build_type in build_types for compilers in COMPILERS]
-    at_once = min(given.jobs, len(cells))
+    build_types = ("Release", "Debug") if args.short else BUILD_TYPES
+    cells = [Cell(compilers, build_type, args.short) for build_type in build_types for compilers in COMPILERS]
+    at_once = min(args.jobs, len(cells))
     with concurrent.futures.ThreadPoolExecutor(at_once) as pool:
-        list(pool.map(lambda cell: cell.build(given.jobs // at_once), cells))
+        list(pool.map(lambda cell: cell.build(args.jobs // at_once), cells))
     failed = [cell.name for cell in cells if cell.complaint]
-    for cell in cells[:1] if given.short else [cell for cell in cells if cell.everything]:
-        if not cell.complaint and not consumers_of(cell, not given.short):
+    for cell in cells[:1] if args.short else [cell for cell in cells if cell.everything]:
+        if not cell.complaint and not consumers_of(cell, not args.short):
             failed.append(f"consumers of {cell.name}")
-    print(f"{len(cells)} builds in {time.monotonic() - begin:.0f} s with what uses them: "
+    print(f"{len(cells)} builds in {time.monotonic() - begin:.0f} s, with their consumers: "
           + (f"FAILED: {'; '.join(failed)}" if failed else "no warning, nothing failed"))
     return 1 if failed else 0
 

@@ -1,4 +1,4 @@
-"""README shows the example programs word for word, and docs/quirks.md names tests that exist."""
+"""README shows the example programs verbatim, and docs/quirks.md names tests that exist."""
 import pathlib
 import re
 import sys
@@ -14,5 +14,5 @@ existing = {".".join(names) for names in re.findall(r"\bTEST(?:_F|_P)?\((\w+),\s
 named = re.findall(r"`(\w+)\.(\w+|\*)`", (root / "docs" / "quirks.md").read_text())
 wrong += [f"docs/quirks.md names {suite}.{test}, which does not exist" for suite, test in named
           if not any(one.startswith(suite + ".") and test in ("*", one.split(".")[1]) for one in existing)]
-wrong += [] if len(named) > 20 else ["docs/quirks.md names hardly any test: the pattern no longer fits"]
+wrong += [] if len(named) > 20 else ["docs/quirks.md names hardly any test: the pattern does not match any more"]
 sys.exit("\n".join(wrong) if wrong else 0)

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Lines and branches of src/, include/ and torvio/explain/ that the tests reach, from what a clang build counted.
+"""Lines and branches of src/, include/ and torvio/explain/ that the tests reach, from the counters of a clang build.
 
 usage: report.py TOP PROFILES BINARY [BINARY ...]
 
-A template is told once a line however often it is instantiated: what any instantiation, in any program,
-reaches counts. Branches are the conditions of the source and both of their outcomes; the edges that a
-compiler makes for exceptions are none. tests/coverage/exceptions.txt lists what need not be reached, each
-with its reason; an entry that was reached is named, but is no error: half of the outcomes are differences of
-two counts, which processes that end on the way can leave a little apart. Ends with 1 for anything left.
+A line of a template is reached if any instantiation in any program reaches it. Branches are the conditions
+of the source with both outcomes; edges that the compiler adds for exceptions are not included.
+tests/coverage/exceptions.txt lists what need not be reached, with reasons. An entry that was reached is
+printed, but is no error: half of the outcomes are differences of two counters, which can be inexact if a
+process ends early. Exits with 1 if anything else was not reached.
 """
 import glob
 import json
@@ -94,40 +94,40 @@ def main():
                 sources[name] = source.read().splitlines()
         return sources[name][line - 1]
 
-    def forgiven(name, line, kind, what=""):
+    def excused(name, line, kind, what=""):
         key = (name, kind, text_of(name, line).strip())
         keys = [key] if key in excepted else [k for k in excepted
                                               if k[:2] == ("*", kind) and what and what.startswith(k[2])]
         unused.difference_update(keys)
         return bool(keys)
 
-    missed, forgotten = [], 0
+    missed, excused_count = [], 0
     for (name, line), count in sorted(lines.items()):
         if count == 0 and text_of(name, line).strip() != "}":
-            if forgiven(name, line, "line"):
-                forgotten += 1
+            if excused(name, line, "line"):
+                excused_count += 1
             else:
                 missed.append(f"{name}:{line}: not reached: {text_of(name, line).strip()}")
     line_misses = len(missed)
     outcomes = 0
     for (name, line, column, end_line, end_column), both in sorted(branches.items()):
         if both == [0, 0]:
-            continue  # decided by the compiler, or behind an outcome or a line that is told itself
+            continue  # decided by the compiler, or after an outcome or line that is reported itself
         outcomes += 2
         for kind, count in zip(("true", "false"), both):
             if count == 0:
                 what = text_of(name, line)[column - 1:end_column - 1 if end_line == line else None]
-                if forgiven(name, line, kind, what):
-                    forgotten += 1
+                if excused(name, line, kind, what):
+                    excused_count += 1
                 else:
                     missed.append(f"{name}:{line}:{column}: never {kind}: {what}")
     branch_misses = len(missed) - line_misses
     print("\n".join(missed))
     for name, kind, text in sorted(unused):
-        print(f"{name}: an exception that was none this time ({kind}): {text}")
+        print(f"{name}: this exception was reached ({kind}): {text}")
     print(f"lines: {len(lines) - line_misses} of {len(lines)} ({100 * (1 - line_misses / len(lines)):.1f} %)")
     print(f"outcomes of branches: {outcomes - branch_misses} of {outcomes} ({100 * (1 - branch_misses / outcomes):.1f} %)")
-    print(f"of these excepted with a reason: {forgotten}")
+    print(f"excepted with a reason: {excused_count}")
     return 1 if missed else 0
 
 

@@ -1,4 +1,4 @@
-"""The tables of docs/formats/ are what `torvio format` prints. With --update the pages are rewritten.
+"""Checks that the tables of docs/formats/ are the output of `torvio format`. With --update the pages are rewritten.
 
 A block begins with <!-- format NAME --> and ends with <!-- end -->.
 """
@@ -14,24 +14,24 @@ block = re.compile(r"(<!-- format (\S+) -->\n).*?(<!-- end -->\n)", re.DOTALL)
 
 def printed(name):
     run = subprocess.run([tool, "format", name], capture_output=True, text=True, encoding="utf-8")
-    return run.stdout if run.returncode == 0 else sys.exit(f"torvio knows no format {name}")
+    return run.stdout if run.returncode == 0 else sys.exit(f"torvio has no format {name}")
 
 
-told, wrong = set(), []
+documented, wrong = set(), []
 for page in sorted((pathlib.Path(root) / "docs" / "formats").glob("*.md")):
     old = page.read_text(encoding="utf-8")
     new = block.sub(lambda found: found[1] + printed(found[2]) + found[3], old)
-    told.update(name for _, name, _ in block.findall(old))
+    documented.update(name for _, name, _ in block.findall(old))
     if len(block.findall(old)) != old.count("<!-- format"):
-        wrong.append(f"{page.name}: a block has no end, or none of its own")
+        wrong.append(f"{page.name}: a block has no end of its own")
     elif old == new:
         continue
     elif update:
         page.write_text(new, encoding="utf-8")
         print(f"{page.name}: rewritten")
     else:
-        wrong.append(f"{page.name}: its tables are not what torvio format prints; ./dev docs rewrites them")
+        wrong.append(f"{page.name}: its tables differ from the output of torvio format; ./dev docs rewrites them")
 for name in ("machine", "material", "tool-inventory", "macro", "part-5", "part-2-3"):
-    if name not in told:
-        wrong.append(f"no page tells the format of {name}")
+    if name not in documented:
+        wrong.append(f"no page has the format of {name}")
 sys.exit("\n".join(wrong) if wrong else 0)

@@ -1,4 +1,4 @@
-// What holds for every export of the list: it works, and each allocation of it may fail.
+// Every export of the list works, and each of its allocations may fail.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,7 +21,7 @@ TEST(EveryExport, TheTableOfCallsHasExactlyTheListedNames) {
   EXPECT_EQ(called, std::set<std::string>(listed.begin(), listed.end()));
 }
 
-TEST(EveryExport, WorksAndGivesTheSameASecondTime) {
+TEST(EveryExport, WorksAndReturnsTheSameASecondTime) {
   const Samples samples;
   Exports exports = linkedExports();
   for (const ExportCall& call : exportCalls()) {
@@ -29,7 +29,7 @@ TEST(EveryExport, WorksAndGivesTheSameASecondTime) {
     const std::string before = p.answer();
     EXPECT_EQ(p.call(), call.whenDone) << call.title();
     const std::string answer = p.answer();
-    // A call that changes nothing would be no test of anything.
+    // A call without a visible effect would test nothing.
     if (call.name != "LoadOldSheetInformation") {
       EXPECT_NE(answer, before) << call.title();
     }
@@ -40,7 +40,7 @@ TEST(EveryExport, WorksAndGivesTheSameASecondTime) {
   exports.each([](const char* name, const auto& function) { EXPECT_GT(function.calls(), 1U) << name; });
 }
 
-// One after the other, and in the order in which they are listed.
+// Accepts the listed statuses, only in this order.
 class Stages {
  public:
   explicit Stages(const std::vector<std::int64_t>& all) : all_(all), seen_(all.size()) {}
@@ -59,7 +59,7 @@ class Stages {
   std::size_t at_ = 0;
 };
 
-void expectFailingAllocationsToBeTold(const Samples& samples) {
+void expectFailedAllocationsToBeReported(const Samples& samples) {
   const Exports exports = linkedExports();
   for (const ExportCall& call : exportCalls()) {
     std::string good;
@@ -86,12 +86,12 @@ void expectFailingAllocationsToBeTold(const Samples& samples) {
           EXPECT_EQ(p.answer(), good);
           return;
         }
-        EXPECT_TRUE(stages.accepts(status)) << "gives " << status;
+        EXPECT_TRUE(stages.accepts(status)) << "returns " << status;
         const std::string answer = p.answer();
         if (call.allOrNothing) {
           EXPECT_EQ(answer, before);
         }
-        // What has been stored before the fault stays.
+        // What was stored before the fault stays.
         if (call.files == Files::saved || call.files == Files::edited) {
           EXPECT_TRUE(answer == before || good.starts_with(answer));
         }
@@ -116,10 +116,10 @@ void expectFailingAllocationsToBeTold(const Samples& samples) {
   }
 }
 
-TEST(EveryExport, TellsEachAllocationThatFailsAndWorksBehindIt) {
+TEST(EveryExport, ReportsEachFailedAllocationAndWorksAfterwards) {
   for (const int version : sampleVersions()) {
     SCOPED_TRACE(version);
-    expectFailingAllocationsToBeTold(Samples(0, version));
+    expectFailedAllocationsToBeReported(Samples(0, version));
   }
 }
 

@@ -1,4 +1,4 @@
-// Hostile counts, memory, failing allocations, small stacks and threads.
+// Hostile counts, memory use, failing allocations, small stacks and threads.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -43,33 +43,33 @@ TEST(HostileFiles, EveryCountThatClaimsTwoBillionIsAFaultAndTakesNoMemory) {
   const TempFolder folder;
   for (const Kind& kind : kinds())
     for (const int version : kind.versions) {
-      const Bytes whole = kind.file(version);
+      const Bytes complete = kind.file(version);
       std::vector<explain::MapLine> counts;
-      (void)explain::mapFile(folder.write("whole", whole).c_str(), kind.kind, [&](const explain::MapLine& line) {
+      (void)explain::mapFile(folder.write("complete", complete).c_str(), kind.kind, [&](const explain::MapLine& line) {
         if (line.size == 4 && isCount(line.path)) counts.push_back(line);
       });
-      // A table that is a whole file counts the bytes of its name and nothing else.
+      // A file that is only a parameter table has one count, the bytes of its name.
       ASSERT_GT(counts.size(), kind.kind == explain::FileKind::material && version == 52 ? 0U : 2U) << kind.name;
       for (const explain::MapLine& count : counts) {
-        // These are carried without being counted by, and may claim anything.
+        // Nothing is read by these counts: any value is accepted.
         const bool carried = count.path.ends_with("ValueCount") || count.path.ends_with("optionCount");
         const bool station = count.path.find("stations[") != std::string::npos &&
                              (count.path.ends_with(".valueCount") || count.path.ends_with(".toolCount"));
         if (carried || station) continue;
-        for (const std::size_t behind : {0U, 60U}) {
-          Bytes file = whole.cut(static_cast<std::size_t>(count.offset));
-          file.i32(2000000000).fill(behind, 1);
+        for (const std::size_t following : {0U, 60U}) {
+          Bytes file = complete.cut(static_cast<std::size_t>(count.offset));
+          file.i32(2000000000).fill(following, 1);
           const std::string path = folder.overwrite("claims", file);
           std::filesystem::resize_file(path, file.size());
           const AllocationMeter meter;
           const std::int64_t status = kind.load(path.c_str());
-          // A material goes on behind a second option that fails, and then may end in its reserved bytes.
-          const bool isForgiven = behind > 0 && kind.kind == explain::FileKind::material &&
-                                  count.path.starts_with("head.optionB.") && status == 0;
-          // Whatever becomes of the blocks, a sheet goes on, and below 161 it ends behind them.
-          const bool isOfNoMatter =
+          // A material continues after optionB fails, and may then end in its reserved bytes.
+          const bool isTolerated = following > 0 && kind.kind == explain::FileKind::material &&
+                                   count.path.starts_with("head.optionB.") && status == 0;
+          // A sheet continues after blocks that fail; below version 161 nothing follows them.
+          const bool isIgnored =
               kind.kind == explain::FileKind::sheet && count.path.starts_with("blocks") && version < 161 && status == 0;
-          EXPECT_TRUE(status == 1 || isForgiven || isOfNoMatter) << kind.name << " " << version << " " << count.path;
+          EXPECT_TRUE(status == 1 || isTolerated || isIgnored) << kind.name << " " << version << " " << count.path;
           EXPECT_LT(meter.peak(), kMiB + kind.recordSize) << kind.name << " " << version << " " << count.path;
         }
       }
@@ -128,9 +128,9 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFile) {
   }
 }
 
-// Each count of a file with all those of the lists around it: all claim two billion, and much is behind them.
-// Parts below 62 are stored so short that a list of the smallest ones takes 16.1 times their bytes.
-TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimTheWholeFile) {
+// Each count of a file, together with the counts of the lists that contain it: all claim two billion, and many bytes
+// follow. Parts below version 62 are stored in so few bytes that a list of the smallest ones takes 16.1 times the file.
+TEST(HostileFiles, PeakMemoryIsBoundedForNestedListsWithHugeCounts) {
   const TempFolder folder;
   const Bytes tail = Bytes().zeros(2U << 20U), most = Bytes().i32(2000000000);
   for (const Kind& kind : kinds()) {
@@ -139,7 +139,7 @@ TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimTheWholeFile) {
     for (const int version : versions) {
       const Bytes good = kind.file(version);
       std::vector<explain::MapLine> counts;
-      std::map<std::string, std::size_t> around;  // "list[0]": how many counts stand in front of it
+      std::map<std::string, std::size_t> around;  // "list[0]": how many counts come before it
       (void)explain::mapFile(folder.write("good", good).c_str(), kind.kind, [&](const explain::MapLine& line) {
         for (std::size_t at = line.path.find("[0]"); at != std::string::npos; at = line.path.find("[0]", at + 1))
           around.emplace(line.path.substr(0, at + 3), counts.size());
@@ -167,8 +167,8 @@ TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimTheWholeFile) {
   }
 }
 
-// Its room goes to the lists that its elements hold, and it grows as elements arrive.
-TEST(HostileFiles, AListThatClaimsTooMuchHoldsAllThatCame) {
+// The reserved memory is needed for the lists inside its elements; the list grows as elements are read.
+TEST(HostileFiles, AListWithAHugeCountKeepsAllElementsThatWereRead) {
   for (const int version : {52, 80, 180}) {
     for (const std::size_t count : {1U, 2U, 3U, 10U, 700U}) {
       SheetPartList list;
@@ -194,8 +194,8 @@ TEST(HostileFiles, AListThatClaimsTooMuchHoldsAllThatCame) {
   }
 }
 
-// However much has come when the lists inside begin to claim.
-TEST(HostileFiles, PeakMemoryIsBoundedWhereListsInListsClaimBehindSoundElements) {
+// However many sound elements come before the inner lists with huge counts.
+TEST(HostileFiles, PeakMemoryIsBoundedForNestedListsWithHugeCountsAfterSoundElements) {
   constexpr std::size_t kSize = 2U << 20U;
   const std::string most("\x00\x94\x35\x77", 4);  // two billion
   for (const int version : {62, 80, 180}) {
@@ -373,8 +373,8 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFileForTheOtherKinds) {
 
 // ---- a disk that is full ----------------------------------------------------------------------
 
-// Stores with room for 0, 1, 2, ... bytes before the hand-over that fails, up to all that is stored. A failure in the
-// last bytes that are ignored shows only in the stream.
+// Writes with the file full after 0, 1, 2, ... bytes, up to everything that is stored. A failure in the last `ignored`
+// bytes shows only in the stream.
 template <class Write>
 void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& write, std::size_t ignored = 0) {
   constexpr std::size_t kAll = std::size_t{1} << 20U;
@@ -390,7 +390,7 @@ void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& w
   }
 }
 
-TEST(FullDisk, FailsTheSaveOfARecordWhereverItTakesNoMore) {
+TEST(FullDisk, FailsTheSaveOfARecordAtEveryByte) {
   if (!frame::File::openToWrite("/dev/full")) GTEST_SKIP() << "no device that is always full";
   for (const int version : {54, 110, 152, 180}) {
     const auto check = [&](const std::string& what, const auto& write, std::size_t ignored = 0) {
@@ -420,7 +420,7 @@ TEST(FullDisk, FailsTheSaveOfARecordWhereverItTakesNoMore) {
     check(
         "a sheet", [&](OutStream& to) { return WriteOldSheet(to, version, *sheet); }, version == 152 ? 4 : 0);
     if (version < 152) continue;
-    // Behind blocks that cannot be stored the save goes on, and tells of the disk at its end.
+    // After blocks that cannot be stored the save continues, and reports the full disk at its end.
     sheet->blocks.resize(2);
     sheet->blocks[1].blockShapes.shapes.resize(1);
     const std::size_t size = written([&](auto& to) { return WriteOldSheet(to, version, *sheet); }).size();
@@ -448,10 +448,10 @@ TEST(FullDisk, AMaterialWhoseTableOrBodyCannotBeStoredIsNotSaved) {
 
 // ---- failing allocations -------------------------------------------------------------------------
 
-// Calls fn with its 1st, 2nd, ... allocation failing, until one call needs no more: each call that
-// lost an allocation must give `told`.
+// Calls fn with its 1st, 2nd, ... allocation failing, until a call needs no more: each call with a failed allocation
+// must return `expected`.
 template <class Result, class Fn>
-void expectOnFailure(Result told, Fn&& fn) {
+void expectOnFailure(Result expected, Fn&& fn) {
   for (const bool forGood : {false, true}) {
     bool happened = true;
     std::size_t failures = 0;
@@ -464,14 +464,14 @@ void expectOnFailure(Result told, Fn&& fn) {
       }
       if (!happened) break;
       ++failures;
-      ASSERT_EQ(result, told) << "allocation " << n;
+      ASSERT_EQ(result, expected) << "allocation " << n;
       ASSERT_LT(n, 100000U);
     }
     EXPECT_GT(failures, 0U);
   }
 }
 
-TEST(OutOfMemory, LoadsAndQueriesGiveOne) {
+TEST(OutOfMemory, LoadsAndQueriesReturnOne) {
   const TempFolder folder;
   const std::string part = folder.write("p", partFile(180, 32001)), group = folder.write("g", groupFile(180)),
                     tool = folder.write("t.spt", specialToolFile(180, {1, 2}));
@@ -508,8 +508,8 @@ TEST(OutOfMemory, LoadsAndQueriesGiveOne) {
   });
 }
 
-// As expectOnFailure, each time with a record of its own, which is made while there is memory and
-// has to load the file once there is memory again.
+// As expectOnFailure, but each time with a new record, created while memory is available, which must load the file
+// when memory is available again.
 template <class Record>
 void expectOneOnFailure(const std::string& path, std::int64_t (*load)(const char*, Record*)) {
   std::size_t failures = 0;
@@ -532,7 +532,7 @@ void expectOneOnFailure(const std::string& path, std::int64_t (*load)(const char
   EXPECT_GT(failures, 2U);
 }
 
-TEST(OutOfMemory, LoadsOfTheOtherKindsGiveOneAndTheRecordLoadsAgain) {
+TEST(OutOfMemory, LoadsOfTheOtherKindsReturnOneAndTheRecordLoadsAgain) {
   const TempFolder folder;
   for (const int version : {54, 161, 180}) {
     expectOneOnFailure<OldMachine>(folder.write("machine", machineFile(version)), LoadOldMachine);
@@ -542,7 +542,7 @@ TEST(OutOfMemory, LoadsOfTheOtherKindsGiveOneAndTheRecordLoadsAgain) {
   for (const int version : {61, 161, 180})
     expectOneOnFailure<OldMaterial>(folder.write("material", materialFile(version)), LoadOldMaterial);
   for (const int version : {52, 60}) {
-    // A table has no lists: the windows over the file, which is opened twice, and the name.
+    // A table has no lists. It allocates the window over the file, which is opened twice, and the name.
     const std::string path = folder.write("table", materialFile(version));
     const auto record = std::make_unique<OldMaterial>();
     expectOnFailure<std::int64_t>(1, [&] { return LoadOldMaterial(path.c_str(), record.get()); });
@@ -550,7 +550,7 @@ TEST(OutOfMemory, LoadsOfTheOtherKindsGiveOneAndTheRecordLoadsAgain) {
   }
 }
 
-TEST(OutOfMemory, QueriesAboutAMachineFileGiveOneAndLeaveTheirOutputs) {
+TEST(OutOfMemory, QueriesOfAMachineFileReturnOneAndLeaveTheirOutputs) {
   const TempFolder folder;
   const std::string path = folder.write("m", machineFile(180));
   float out[12];
@@ -566,20 +566,20 @@ TEST(OutOfMemory, QueriesAboutAMachineFileGiveOneAndLeaveTheirOutputs) {
   });
 }
 
-// Those on what exists once in the process answer 0 where memory runs out behind the version word.
-// files: a file for each attempt, since what the loads before have taken is there already.
-void expectZeroBehindTheVersionWordOnFailure(const std::function<Bytes(std::size_t attempt)>& files,
-                                             const std::function<std::int32_t(const char*)>& load,
-                                             const std::function<bool()>& hasAnswered) {
+// Loads into a record of the process return 0 if memory runs out after the version word.
+// files: another file for each attempt, since a record keeps the memory of earlier loads.
+void expectZeroAfterTheVersionWordOnFailure(const std::function<Bytes(std::size_t attempt)>& files,
+                                            const std::function<std::int32_t(const char*)>& load,
+                                            const std::function<bool()>& setItsOutputs) {
   const TempFolder folder;
-  std::size_t inFront = 0;
+  std::size_t before = 0;
   {
     const std::string refused = folder.write("refused", Bytes().i16(53).zeros(100));
     const AllocationMeter meter;
     ASSERT_EQ(load(refused.c_str()), -1);
-    inFront = meter.count();
+    before = meter.count();
   }
-  ASSERT_GT(inFront, 0U);
+  ASSERT_GT(before, 0U);
   std::size_t attempt = 0;
   for (const bool forGood : {false, true}) {
     bool happened = true;
@@ -591,16 +591,16 @@ void expectZeroBehindTheVersionWordOnFailure(const std::function<Bytes(std::size
         status = load(path.c_str());
         happened = failing.happened();
       }
-      ASSERT_EQ(status, happened && n < inFront ? 1 : 0) << "allocation " << n;
-      ASSERT_EQ(hasAnswered(), !happened) << "allocation " << n;
-      ASSERT_TRUE(happened || n > inFront) << "nothing was allocated behind the version word";
+      ASSERT_EQ(status, happened && n < before ? 1 : 0) << "allocation " << n;
+      ASSERT_EQ(setItsOutputs(), !happened) << "allocation " << n;
+      ASSERT_TRUE(happened || n > before) << "nothing was allocated after the version word";
       ASSERT_LT(n, 100000U);
       std::filesystem::remove(path);
     }
   }
 }
 
-TEST(OutOfMemory, LoadsAndHandlesOfSheetsGiveOneAndTheRecordLoadsAgain) {
+TEST(OutOfMemory, LoadsAndHandlesOfSheetsReturnOneAndTheRecordLoadsAgain) {
   const TempFolder folder;
   const std::string path = folder.write("s", sheetFile(180));
   expectOneOnFailure<OldSheet>(path, LoadOldSheet);
@@ -626,18 +626,18 @@ TEST(OutOfMemory, LoadsAndHandlesOfSheetsGiveOneAndTheRecordLoadsAgain) {
   });
 }
 
-TEST(OutOfMemory, SavesOfSheetsGiveMinusTwo) {
+TEST(OutOfMemory, SavesOfSheetsReturnMinusTwo) {
   const TempFolder folder;
   const auto sheet = std::make_unique<OldSheet>();
   fullSheet(*sheet, 180);
   const std::string path = folder.path("s");
   expectOnFailure<std::int64_t>(-2, [&] { return SaveOldSheet(path.c_str(), sheet.get(), 180); });
-  // A sheet that was never loaded is stored with a table made for the moment.
+  // A sheet that was never loaded is stored with a temporary table.
   const auto fresh = std::make_unique<OldSheet>();
   expectOnFailure<std::int64_t>(-2, [&] { return SaveOldSheet(path.c_str(), fresh.get(), 180); });
 }
 
-TEST(OutOfMemory, AnswersByKeyGiveOneAndLeaveTheValue) {
+TEST(OutOfMemory, QueriesByKeyReturnOneAndLeaveTheValue) {
   const auto sheet = std::make_unique<OldSheet>();
   fullSheet(*sheet, 180);
   std::string value;
@@ -653,7 +653,7 @@ TEST(OutOfMemory, AnswersByKeyGiveOneAndLeaveTheValue) {
   }
 }
 
-TEST(OutOfMemory, GroupIdsGiveOneAndLeaveTheValue) {
+TEST(OutOfMemory, GroupIdsReturnOneAndLeaveTheValue) {
   const auto sheet = std::make_unique<OldSheet>();
   sheet->partList.parts.resize(1);
   sheet->partList.parts[0].patterns.resize(20);
@@ -667,8 +667,8 @@ TEST(OutOfMemory, GroupIdsGiveOneAndLeaveTheValue) {
   });
 }
 
-// Of the sheet, whose version is looked at first, 1; of the part -2; behind that the edit is nobody's business.
-TEST(OutOfMemory, APartAsSkeletonGivesOneThenMinusTwoThenZero) {
+// 1 for the sheet, whose version is read first, -2 for the part; the edit after that is not reported.
+TEST(OutOfMemory, ReplacingTheSkeletonReturnsOneThenMinusTwoThenZero) {
   const TempFolder folder;
   const std::string sheet = folder.write("s", sheetFile(180)), part = folder.write("p", partFile(180));
   std::vector<std::int64_t> statuses;
@@ -687,13 +687,13 @@ TEST(OutOfMemory, APartAsSkeletonGivesOneThenMinusTwoThenZero) {
   EXPECT_EQ(statuses, (std::vector<std::int64_t>{1, -2, 0}));
 }
 
-// What these answer behind a first look at the version is 0, also when memory ran out: with untouched outputs.
-TEST(OutOfMemory, QueriesAboutASheetFileGiveZeroBehindTheVersionWordAndLeaveTheirOutputs) {
+// Once the version is read these return 0, even if memory runs out, and their outputs are unchanged.
+TEST(OutOfMemory, QueriesOfASheetFileReturnZeroAfterTheVersionWordAndLeaveTheirOutputs) {
   const Bytes sheet = sheetFile(180);
   const auto sameFile = [&](std::size_t) { return sheet; };
-  const auto expectQuiet = [&](const std::function<std::int64_t(const char*)>& query, const auto& hasAnswered) {
-    expectZeroBehindTheVersionWordOnFailure(
-        sameFile, [&](const char* path) { return static_cast<std::int32_t>(query(path)); }, hasAnswered);
+  const auto expectQuiet = [&](const std::function<std::int64_t(const char*)>& query, const auto& setItsOutputs) {
+    expectZeroAfterTheVersionWordOnFailure(
+        sameFile, [&](const char* path) { return static_cast<std::int32_t>(query(path)); }, setItsOutputs);
   };
   float n[12] = {};
   std::uint32_t count = 0;
@@ -704,10 +704,10 @@ TEST(OutOfMemory, QueriesAboutASheetFileGiveZeroBehindTheVersionWordAndLeaveThei
               [&] { return std::bit_cast<std::uint32_t>(std::exchange(utilization, -1.0F)) != 0xBF800000U; });
   std::string text3, text5;
   const auto clear = [&] {
-    const bool answered = text3[0] != '#' && text5[0] != '#';
+    const bool isSet = text3[0] != '#' && text5[0] != '#';
     text3.assign(300, '#');
     text5.assign(300, '#');
-    return answered;
+    return isSet;
   };
   (void)(text3.assign(300, '#'), text5.assign(300, '#'));
   expectQuiet([&](const char* path) { return GetOldVLMQMaterialName(path, text3.data(), text5.data()); }, clear);
@@ -723,25 +723,25 @@ TEST(OutOfMemory, QueriesAboutASheetFileGiveZeroBehindTheVersionWordAndLeaveThei
                                &n[0], &n[1], &n[2], &late, parts, 64, &partsLength, tools, 64, &toolsLength);
       },
       [&] {
-        const bool answered = std::exchange(partsLength, 0) == 7;
+        const bool isSet = std::exchange(partsLength, 0) == 7;
         for (std::string& one : texts) {
-          EXPECT_EQ(one[0] != '#', answered);
+          EXPECT_EQ(one[0] != '#', isSet);
           one.assign(600, '#');
         }
-        return answered;
+        return isSet;
       });
 }
 
-TEST(OutOfMemory, LoadsOfTheCurrentMachineGiveZeroBehindTheVersionWordAndLeaveTheirOutputs) {
+TEST(OutOfMemory, LoadsOfTheCurrentMachineReturnZeroAfterTheVersionWordAndLeaveTheirOutputs) {
   const Bytes machine = machineFile(180);
   const auto sameFile = [&](std::size_t) { return machine; };
   MachineInformation information{};
-  expectZeroBehindTheVersionWordOnFailure(
+  expectZeroAfterTheVersionWordOnFailure(
       sameFile, [&](const char* path) { return LoadOldMachineInformation(path, &information); },
       [&] { return std::exchange(information.infoVersion, 0) == 180; });
   char text[4][257] = {};
   std::uint32_t kind = 0;
-  expectZeroBehindTheVersionWordOnFailure(
+  expectZeroAfterTheVersionWordOnFailure(
       sameFile,
       [&](const char* path) {
         return static_cast<std::int32_t>(GetOldVLMQMachineName(path, text[0], &kind, text[1], text[2], text[3]));
@@ -749,9 +749,9 @@ TEST(OutOfMemory, LoadsOfTheCurrentMachineGiveZeroBehindTheVersionWordAndLeaveTh
       [&] { return std::exchange(kind, 0U) != 0; });
 }
 
-TEST(OutOfMemory, LoadsOfTheCurrentInventoryGiveZeroBehindTheVersionWordAndACountOfZero) {
+TEST(OutOfMemory, LoadsOfTheCurrentInventoryReturnZeroAfterTheVersionWordWithACountOfZero) {
   std::uint32_t count = 0;
-  expectZeroBehindTheVersionWordOnFailure(
+  expectZeroAfterTheVersionWordOnFailure(
       [](std::size_t attempt) {
         OldToolInventory inventory;
         inventory.tools.resize(100 + attempt);
@@ -763,7 +763,7 @@ TEST(OutOfMemory, LoadsOfTheCurrentInventoryGiveZeroBehindTheVersionWordAndACoun
       [&] { return std::exchange(count, 0U) >= 100; });
 }
 
-TEST(OutOfMemory, SavesGiveMinusTwo) {
+TEST(OutOfMemory, SavesReturnMinusTwo) {
   const TempFolder folder;
   const auto part = std::make_unique<TorvPart>();
   part->patterns.emplace_back();
@@ -796,12 +796,12 @@ TEST(OutOfMemory, AddingCallsAddNothing) {
     start();
     const Bytes before = content();
     const std::int32_t shapes = empty ? 0 : 4;
-    const auto attempt = [&](auto told, auto call) {
+    const auto attempt = [&](auto expected, auto call) {
       for (const bool forGood : {false, true})
         for (std::size_t n = 0;; ++n) {
           start();
           bool happened = false;
-          decltype(told) result{};
+          decltype(expected) result{};
           {
             const FailingAllocation failing(n, forGood);
             result = call();
@@ -811,7 +811,7 @@ TEST(OutOfMemory, AddingCallsAddNothing) {
             EXPECT_GT(static_cast<std::int32_t>(result), shapes);
             break;
           }
-          ASSERT_EQ(result, told) << n;
+          ASSERT_EQ(result, expected) << n;
           ASSERT_EQ(content(), before) << n;
         }
     };
@@ -826,7 +826,7 @@ TEST(OutOfMemory, AddingCallsAddNothing) {
 
 // ---- stack and threads ---------------------------------------------------------------------------
 
-// Those of which the process has one.
+// Functions that use a record of the process.
 void callCurrentMachineAndInventory(const std::string& machine, const std::string& inventory) {
   MachineInformation information;
   char text[4][257] = {};
@@ -850,7 +850,7 @@ void callCurrentMachineAndInventory(const std::string& machine, const std::strin
   EXPECT_STREQ(text[1], "STAR");
 }
 
-// Loads and asks the sheet, saves it under a name of its own and edits that.
+// Loads and queries the sheet, saves it under another name and edits that file.
 void callSheets(const std::string& folder, bool withCurrentSheet) {
   const std::string path = folder + "/sheet";
   OldSheet* const sheet = CreateSheetInfo();
@@ -899,7 +899,7 @@ void callSheets(const std::string& folder, bool withCurrentSheet) {
   DeleteSheetInfo(edited);
 }
 
-// Every export once, on content that makes it work.
+// Calls every export once, with files that let it succeed.
 void callEverything(const std::string& folder, bool withBuilder) {
   const std::string part = folder + "/p.part", group = folder + "/g", tool = folder + "/named.spt";
   char text[8192] = "";
@@ -963,9 +963,9 @@ void callEverything(const std::string& folder, bool withBuilder) {
   delete record;
 }
 
-class WholeLibrary : public testing::Test {
+class AllExports : public testing::Test {
  protected:
-  WholeLibrary() {
+  AllExports() {
     folder_.write("p.part", partFile(180, 32001));
     folder_.write("g", groupFile(180));
     folder_.write("named.spt", specialToolFile(162, {1}));
@@ -980,41 +980,41 @@ class WholeLibrary : public testing::Test {
   WinIni ini_{WinIni::folderSetting(folder_.path() + "/")};
 };
 
-TEST_F(WholeLibrary, EveryExportWorksOnAStackOf64Kibibytes) {
+TEST_F(AllExports, EveryExportWorksOnAStackOf64Kibibytes) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  GTEST_SKIP() << "sanitizers widen every frame";
+  GTEST_SKIP() << "sanitizers enlarge every stack frame";
 #endif
   std::string path = folder_.path();
   ASSERT_TRUE(runOnStackOf(
       64U * 1024U, [](void* folder) { callEverything(*static_cast<std::string*>(folder), true); }, &path));
 }
 
-TEST_F(WholeLibrary, EightThreadsAskOneSheet) {
+TEST_F(AllExports, EightThreadsQueryOneSheet) {
   if (isCounted()) GTEST_SKIP() << "threads that count at once lose counts";
   OldSheet* sheet = nullptr;
   ASSERT_EQ(GetOldSheetHandle(folder_.path("sheet").c_str(), &sheet), 0);
   const std::vector<std::string> keys = {"part_details_01", "preSkeletonDosName", "sheet_utilization", "width"};
-  const auto ask = [&] {
+  const auto query = [&] {
     std::string all;
-    std::vector<char> answer(1U << 16U);
+    std::vector<char> value(1U << 16U);
     for (const std::string& key : keys) {
-      EXPECT_EQ(GetOldSheetInfoByName(sheet, key.c_str(), answer.data()), 0);
-      all += answer.data();
+      EXPECT_EQ(GetOldSheetInfoByName(sheet, key.c_str(), value.data()), 0);
+      all += value.data();
     }
-    EXPECT_EQ(GetOldSheetInfoPartGroupIDs(sheet, answer.data()), 0);
-    return all + answer.data();
+    EXPECT_EQ(GetOldSheetInfoPartGroupIDs(sheet, value.data()), 0);
+    return all + value.data();
   };
-  const std::string alone = ask();
+  const std::string expected = query();
   std::vector<std::thread> threads;
   for (int t = 0; t < 8; ++t)
     threads.emplace_back([&] {
-      for (int i = 0; i < 50; ++i) EXPECT_EQ(ask(), alone);
+      for (int i = 0; i < 50; ++i) EXPECT_EQ(query(), expected);
     });
   for (std::thread& thread : threads) thread.join();
   FreeSheetHandle(sheet);
 }
 
-TEST_F(WholeLibrary, EightThreadsOnTheirOwnRecords) {
+TEST_F(AllExports, EightThreadsOnTheirOwnRecords) {
   if (isCounted()) GTEST_SKIP() << "threads that count at once lose counts";
   std::vector<std::thread> threads;
   for (int t = 0; t < 8; ++t)

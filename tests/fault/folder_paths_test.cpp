@@ -38,7 +38,7 @@ struct Outputs {
   std::uint8_t byte = 0;
 };
 
-// Every function that reads or writes the file of a path.
+// Every function that reads or writes a file by its path.
 std::vector<Row> rows() {
   return {
       {"LoadOldPart", loadsInto<TorvPart, LoadOldPart>},
@@ -175,7 +175,7 @@ std::vector<Row> rows() {
   };
 }
 
-// The same folder, written in each way that a host understands.
+// The same folder in every spelling that the host understands.
 std::vector<std::string> spellings(const std::string& folder) {
   return {folder, folder + "/", folder + kSeparator + ".",
           folder + "/../" + folder.substr(folder.find_last_of("/\\") + 1)};
@@ -206,7 +206,7 @@ TEST(FolderPaths, ALinkToAFolderCannotBeOpenedEither) {
 }
 #endif
 
-TEST(FolderPaths, AFolderLeavesTheRecordAsItWas) {
+TEST(FolderPaths, AFolderLeavesTheRecordUnchanged) {
   const TempFolder folder;
   const auto part = std::make_unique<TorvPart>();
   part->version = 77;
@@ -223,7 +223,7 @@ TEST(FolderPaths, AFolderLeavesTheRecordAsItWas) {
   EXPECT_STREQ(inventory.path, "");
 }
 
-TEST(FolderPaths, AFolderInPlaceOfThePartLeavesTheSheetAsItWas) {
+TEST(FolderPaths, AFolderInPlaceOfThePartLeavesTheSheetUnchanged) {
   const TempFolder folder;
   const auto sheet = std::make_unique<OldSheet>();
   ASSERT_EQ(SaveOldSheet(folder.path("sheet").c_str(), sheet.get(), 180), 0);

@@ -1,10 +1,9 @@
-// Damaged files of every kind: each bit flipped, each number at its extremes, each count and width at its bound
-// and one above. Whatever the file says, the load answers within its bars of memory and time, the record it
-// leaves can be asked, saved, loaded again and destroyed, and the questions by path answer.
+// Damaged files of every kind: each bit flipped, each number at its extremes, each count and width at its limit and one
+// above. Whatever the file contains, the load stays within its limits of memory and time, the record can be queried,
+// saved, loaded again and destroyed, and the queries by path return.
 //
-// The short form takes some of the bits and, of each name, one number that counts or that a load refuses;
-// OLDTORVIO_LONG_TESTS=1 takes every bit and every number of every version, and prints the slowest load of
-// each kind.
+// The short form tests some of the bits and, for each field name, one number that is a count or has a limit;
+// OLDTORVIO_LONG_TESTS=1 tests every bit and every number of every version, and prints the slowest load of each kind.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -43,11 +42,11 @@ using namespace testing_support;
 bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 constexpr std::size_t kMiB = 1U << 20U;
-constexpr double kSecondsThatNoHostNeeds = 2;
+constexpr double kMaxSeconds = 2;  // far more than any host needs
 
 // ---- the kinds -----------------------------------------------------------------------------------------
 
-// How a kind is loaded, asked and saved. `Record` is what its load takes.
+// How a kind is loaded, queried and saved. `Record` is the record that its load fills.
 template <class Record>
 struct Subject {
   const char* name;
@@ -55,16 +54,16 @@ struct Subject {
   std::vector<int> versions;  // the first and the last in the short form
   Bytes (*file)(int version);
   std::int64_t (*load)(const char* path, Record* record);
-  // The questions by path: status is that of the load.
-  void (*askByPath)(const char* path, std::int64_t status, const Record& record);
-  // Stores the record, or answers false; what would end the process is left out.
+  // Makes the queries by path; `status` is that of the load.
+  void (*queryByPath)(const char* path, std::int64_t status, const Record& record);
+  // Stores the record, or returns false; records whose save would end the process are not saved.
   bool (*store)(OutStream& out, int version, Record& record);
-  // Brings a record in use to where a load of the file makes it the same as a load into a fresh one.
+  // Prepares a record that already holds data, so that a load has the same result as one into a fresh record.
   void (*beforeLoad)(Record& record) = [](Record&) {};
   std::set<std::int64_t> statuses = {-1, 0, 1};
 };
 
-// Versions 2 and 3 (whose load always gives 1) and 5, which nothing writes. An element in each list.
+// Versions 2 and 3 (whose load always returns 1) and 5, which no writer stores. One element in each list.
 Bytes oldestPartFile(int version) {
   const auto shape = [](Bytes& b, int type) {
     for (int i = 0; i < (type == 1 ? 1 : 3); ++i) b.f32(1.5F + static_cast<float>(i));
@@ -89,7 +88,7 @@ Bytes oldestPartFile(int version) {
   return b.zeros(12).i16(1).i16(7).i16(1).i16(1).i16(2).zeros(64);
 }
 
-// Everything small: the short table, short texts.
+// Small in every respect: the short table, short texts.
 Bytes smallSheetFile(int version) {
   const auto s = std::make_unique<OldSheet>();
   fullSheet(*s, version);
@@ -99,7 +98,7 @@ Bytes smallSheetFile(int version) {
   return readableSheetFile(*s, version);
 }
 
-void askPart(const char* path, std::int64_t status, const TorvPart& part) {
+void queryPart(const char* path, std::int64_t status, const TorvPart& part) {
   char text[257];
   float f[3];
   std::uint32_t length = 0;
@@ -114,14 +113,14 @@ void askPart(const char* path, std::int64_t status, const TorvPart& part) {
   EXPECT_LT(std::strlen(paths.data()), paths.size());
 }
 
-void askGroup(const char* path, std::int64_t status, const SheetPartList&) {
+void queryGroup(const char* path, std::int64_t status, const SheetPartList&) {
   std::uint32_t length = 0;
   EXPECT_EQ(GetOldSptFromGroupPart(path, nullptr, 0, &length), status);
   std::vector<char> paths(length + 1);
   EXPECT_EQ(GetOldSptFromGroupPart(path, paths.data(), static_cast<std::int32_t>(paths.size()), &length), status);
 }
 
-void askSpecialTool(const char* path, std::int64_t status, const OldSpecialTool&) {
+void querySpecialTool(const char* path, std::int64_t status, const OldSpecialTool&) {
   std::uint32_t count = 0;
   float f[19];
   std::int32_t n[2];
@@ -134,7 +133,7 @@ void askSpecialTool(const char* path, std::int64_t status, const OldSpecialTool&
     GetShapeAt(static_cast<std::int32_t>(i), &n[0], &f[0], &f[1], &f[2], &f[3], &f[4], &f[5]);
 }
 
-void askMachine(const char* path, std::int64_t status, const OldMachine& machine) {
+void queryMachine(const char* path, std::int64_t status, const OldMachine& machine) {
   const bool isKnown = frame::isKnownSheetVersion(machine.version);
   float f[14], values[6], dimensions[3], offsets[3];
   std::int32_t n[5];
@@ -152,7 +151,7 @@ void askMachine(const char* path, std::int64_t status, const OldMachine& machine
   EXPECT_EQ(GetOldVLMQMachineName(path, text[0], &kind, text[1], text[2], text[3]), isKnown ? 0 : -1);
 }
 
-void askInventory(const char* path, std::int64_t status, const OldToolInventory& inventory) {
+void queryInventory(const char* path, std::int64_t status, const OldToolInventory& inventory) {
   std::uint32_t count = 0;
   EXPECT_EQ(LoadOldToolInventoryForCount(path, &count), status == 1 ? 0 : status);
   EXPECT_EQ(count, status == 0 ? inventory.tools.size() : 0);
@@ -163,20 +162,20 @@ void askInventory(const char* path, std::int64_t status, const OldToolInventory&
     const OldTool& tool = inventory.tools[i];
     const auto index = static_cast<std::int64_t>(tool.specialToolIndex);
     const auto fileCount = static_cast<std::int64_t>(inventory.specialToolFiles.size());
-    // A special tool without a file ends the process.
+    // A special tool without a file would end the process.
     if (tool.shapeCode == kSpecialTool && (index < 1 || index > fileCount)) continue;
     GetOldToolInventoryInformation(static_cast<std::int32_t>(i), name, &f[0], &f[1], &f[2], &f[3], &n[0], &f[4], &f[5],
                                    &f[6], &f[7], &f[8], &f[9], &n[1], &f[10], &f[11], &f[12], &f[13], &f[14], &f[15]);
   }
 }
 
-// The record, and the file.
-void askSheet(const char* path, std::int64_t status, const OldSheet& sheet) {
+// Queries the record and the file.
+void querySheet(const char* path, std::int64_t status, const OldSheet& sheet) {
   std::size_t room = 2048;
   for (const TorvPart& part : sheet.partList.parts) room += 1024 + 12 * part.patterns.size();
-  std::vector<char> answer(room);
-  for (const char* key : kSheetKeys) EXPECT_EQ(GetOldSheetInfoByName(&sheet, key, answer.data()), 0);
-  EXPECT_EQ(GetOldSheetInfoPartGroupIDs(&sheet, answer.data()), 0);
+  std::vector<char> value(room);
+  for (const char* key : kSheetKeys) EXPECT_EQ(GetOldSheetInfoByName(&sheet, key, value.data()), 0);
+  EXPECT_EQ(GetOldSheetInfoPartGroupIDs(&sheet, value.data()), 0);
 
   const std::int64_t quiet = frame::isKnownSheetVersion(sheet.version) ? 0 : -1;
   float f[4], positions[8];
@@ -198,7 +197,7 @@ void askSheet(const char* path, std::int64_t status, const OldSheet& sheet) {
 }
 
 template <class Record>
-void askNothing(const char*, std::int64_t, const Record&) {}
+void noQueries(const char*, std::int64_t, const Record&) {}
 
 const Subject<TorvPart> kPart{
     "part",
@@ -206,9 +205,9 @@ const Subject<TorvPart> kPart{
     {52, 62, 80, 110, 151, 161, 180},
     [](int v) { return partFile(v, 32001); },
     LoadOldPart,
-    askPart,
+    queryPart,
     [](OutStream& out, int version, TorvPart& part) { return WritePartBody(out, version, false, part); },
-    // Loads add to these.
+    // Loads append to these.
     [](TorvPart& part) { part.nestShapeGroups.clear(); }};
 
 const Subject<TorvPart> kOldestPart{
@@ -217,9 +216,9 @@ const Subject<TorvPart> kOldestPart{
     {2, 3, 5},
     oldestPartFile,
     LoadOldPart,
-    askPart,
+    queryPart,
     [](OutStream& out, int, TorvPart& part) { return WritePartBody(out, 180, true, part); },
-    // Of no other version than these, so that what only later ones store is as it was.
+    // These versions do not set the fields of later ones, which a damaged version word may have changed.
     [](TorvPart& part) { part = TorvPart(); }};
 
 const Subject<SheetPartList> kGroup{"group part",
@@ -227,7 +226,7 @@ const Subject<SheetPartList> kGroup{"group part",
                                     {152, 161, 180},
                                     groupFile,
                                     LoadGroupPart,
-                                    askGroup,
+                                    queryGroup,
                                     [](OutStream& out, int version, SheetPartList& list) {
                                       const bool isThere = !list.parts.empty();
                                       return isThere && WritePartBody(out, version, false, list.parts.back());
@@ -243,9 +242,9 @@ const Subject<OldSpecialTool> kSpecialToolFile{
       return specialToolFile(v, {1, 2});
     },
     LoadOldSpecialTool,
-    askSpecialTool,
+    querySpecialTool,
     [](OutStream& out, int version, OldSpecialTool& tool) { return WriteSpecialTool(out, version, tool); },
-    // A file without entries keeps those of a record in use.
+    // A file without entries keeps those of the record.
     [](OldSpecialTool& tool) { tool.setupList = {}; }};
 
 const Subject<OldMachine> kMachine{"machine",
@@ -253,7 +252,7 @@ const Subject<OldMachine> kMachine{"machine",
                                    {52, 61, 80, 110, 152, 161, 180},
                                    machineFile,
                                    LoadOldMachine,
-                                   askMachine,
+                                   queryMachine,
                                    [](OutStream& out, int version, OldMachine& machine) {
                                      return WriteOldMachine(out, version, nullptr, machine, false);
                                    }};
@@ -262,18 +261,22 @@ bool storeMaterial(OutStream& out, int version, OldMaterial& material) {
   return WriteParamTable(out, material.params) &&
          (frame::isParamTableVersion(version) || WriteOldMaterialBody(out, version, material));
 }
-const Subject<OldMaterial> kMaterial{"material",   explain::FileKind::material, {61, 90, 130, 152, 161, 180},
-                                     materialFile, LoadOldMaterial,         askNothing<OldMaterial>,
+const Subject<OldMaterial> kMaterial{"material",
+                                     explain::FileKind::material,
+                                     {61, 90, 130, 152, 161, 180},
+                                     materialFile,
+                                     LoadOldMaterial,
+                                     noQueries<OldMaterial>,
                                      storeMaterial};
 const Subject<OldMaterial> kTable{"parameter table", explain::FileKind::material, {52, 60},     materialFile,
-                                  LoadOldMaterial,   askNothing<OldMaterial>, storeMaterial};
+                                  LoadOldMaterial,   noQueries<OldMaterial>,      storeMaterial};
 
 const Subject<OldToolInventory> kInventory{"tool inventory",
                                            explain::FileKind::toolInventory,
                                            {54, 60, 110, 150, 180},
                                            inventoryFile,
                                            LoadOldToolInventory,
-                                           askInventory,
+                                           queryInventory,
                                            [](OutStream& out, int version, OldToolInventory& inventory) {
                                              return WriteToolInventory(out, version, inventory);
                                            }};
@@ -284,7 +287,7 @@ const Subject<OldMacro> kMacro{
     {52, 60, 80, 160, 180},
     macroFile,
     LoadOldMacro,
-    askNothing<OldMacro>,
+    noQueries<OldMacro>,
     [](OutStream& out, int version, OldMacro& macro) { return WriteMacro(out, version, macro); }};
 
 const Subject<OldSheet> kSheet{"sheet",
@@ -292,7 +295,7 @@ const Subject<OldSheet> kSheet{"sheet",
                                {52, 101, 152, 161, 180},
                                smallSheetFile,
                                LoadOldSheet,
-                               askSheet,
+                               querySheet,
                                [](OutStream& out, int version, OldSheet& sheet) {
                                  return blocksCanBeStored(sheet.blocks, version) && WriteOldSheet(out, version, sheet);
                                }};
@@ -316,7 +319,7 @@ class Sweep {
   void flipBits() {
     constexpr std::size_t kBitsOfTheShortForm = 250;
     const std::size_t bits = good_.size() * 8;
-    // Odd, so that all places of a byte have their turn.
+    // Odd, so that every bit of a byte is flipped at times.
     const std::size_t step = isLong() ? 1 : (bits / kBitsOfTheShortForm) | 1U;
     for (std::size_t bit = 0; bit < bits; bit += step)
       check(changed(bit / 8, 1, [bit](std::uint64_t byte) { return byte ^ (1U << (bit % 8)); }),
@@ -326,7 +329,7 @@ class Sweep {
   void setNumbers() {
     std::set<std::string> seen;
     for (const explain::MapLine& line : numbers_) {
-      // One element of each list and array speaks for the others, and one of numbered fields.
+      // One element of each list and array is enough, and one of each group of numbered fields.
       if (!isLong() && !seen.insert(withoutDigits(line.path)).second) continue;
       const auto size = static_cast<unsigned>(line.size);
       const std::int64_t largest = (std::int64_t{1} << (8 * size - 1)) - 1;
@@ -334,7 +337,7 @@ class Sweep {
         return changed(static_cast<std::size_t>(line.offset), size,
                        [value](std::uint64_t) { return static_cast<std::uint64_t>(value); });
       };
-      // A byte may count up to 255.
+      // A byte may be a count up to 255.
       const std::int64_t highest = size == 1 && !isRefused(set(largest), line) ? 255 : largest;
       const bool hasBound = isRefused(set(highest), line);
       if (!isLong() && !hasBound && !isCount(line.path)) continue;
@@ -369,7 +372,7 @@ class Sweep {
     return path;
   }
 
-  // Whether a load refuses the very value.
+  // Whether a load refuses exactly this value.
   bool isRefused(const Bytes& file, const explain::MapLine& line) {
     const auto report =
         explain::mapFile(folder_.overwrite("refused", file).c_str(), subject_.kind, [](const explain::MapLine&) {});
@@ -413,10 +416,10 @@ class Sweep {
     }
     EXPECT_TRUE(subject_.statuses.contains(status)) << status;
     EXPECT_LE(peak, 16 * file.size() + sizeof(Record) + kMiB);
-    EXPECT_LT(seconds, kSecondsThatNoHostNeeds);
-    subject_.askByPath(path.c_str(), status, *record);
+    EXPECT_LT(seconds, kMaxSeconds);
+    subject_.queryByPath(path.c_str(), status, *record);
     (void)storedForm(*record);
-    // The sound file makes the record what it makes of a fresh one.
+    // A load of the sound file has the same result as one into a fresh record.
     subject_.beforeLoad(*record);
     EXPECT_EQ(subject_.load(goodPath_.c_str(), record.get()), goodStatus_);
     EXPECT_TRUE(storedForm(*record) == stored_) << "loaded again";
@@ -436,7 +439,7 @@ class Sweep {
   std::string slowestCase_;
 };
 
-// bounds: those that counts and widths of these files have at one version or another.
+// bounds: the limits of counts and widths in these files, of all versions together.
 template <class Record>
 void sweep(const Subject<Record>& subject, std::set<std::int64_t> bounds) {
   std::set<std::int64_t> found;
@@ -465,10 +468,10 @@ void sweep(const Subject<Record>& subject, std::set<std::int64_t> bounds) {
               << ")\n";
 }
 
-// Of shapes 9 values and 2 extra values, of stations 9 pair values and 2 extra words, of step tables 20 steps, of
-// parts 250 slots; names and texts of 256 bytes, of sheets 260; of materials a table's version of 502, a name of
-// 10000 bytes, 6 tool sets and setting lists, 20 colours, 5 groups, 10 entries of a rule or 5 pairs of them; of
-// machines 8 clamps, 40000 cells, 255 triads, 3 columns; of sheets 25 rows.
+// The limits are, for shapes 9 values and 2 extra values, for stations 9 pair values and 2 extra words, for step tables
+// 20 steps, for parts 250 slots; for names and texts 256 bytes, in sheets 260; for materials a table version of 502, a
+// name of 10000 bytes, 6 tool sets and setting lists, 20 colours, 5 groups, 10 entries or 5 pairs of a rule; for machines
+// 8 clamps, 40000 cells, 255 triads, 3 columns; for sheets 25 rows.
 TEST(DamagedFiles, OfPartsDoNoHarm) { sweep(kPart, {2, 9, 20, 250}); }
 TEST(DamagedFiles, OfOldestPartsDoNoHarm) { sweep(kOldestPart, {}); }
 TEST(DamagedFiles, OfGroupPartsDoNoHarm) { sweep(kGroup, {2, 9, 20, 250, 256}); }

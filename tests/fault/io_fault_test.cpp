@@ -1,4 +1,4 @@
-// Files that fail: in opening, reading, writing and closing, and files that are none.
+// Files whose open, read, write or close fails, and paths that are no ordinary files.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -28,7 +28,7 @@ using namespace testing_support;
 using Files = ExportCall::Files;
 
 bool writes(const ExportCall& call) { return call.files == Files::saved || call.files == Files::edited; }
-// Reads its input once, from its beginning to its end.
+// Whether the call reads its input once, from beginning to end.
 bool readsOnce(const ExportCall& call) {
   return (call.files == Files::loaded && call.notOpened.size() == 1) ||
          (call.files == Files::edited && call.notOpened.size() == 2);
@@ -36,7 +36,7 @@ bool readsOnce(const ExportCall& call) {
 
 struct Outcome {
   std::int64_t status = 0;
-  std::string before, answer;  // of all that the call may change
+  std::string before, output;  // everything that the call may change, before and after it
   bool happened = false;
   std::size_t opened = 0;
   std::array<std::size_t, kIoCalls> counts{};
@@ -45,7 +45,7 @@ struct Outcome {
   std::size_t count(IoCall call) const { return counts[static_cast<std::size_t>(call)]; }
 };
 
-// An answer may be a file of megabytes, which nobody wants to see printed.
+// Not EXPECT_EQ, which would print both: an output may be a file of megabytes.
 void expectSame(const std::string& a, const std::string& b, const char* what) {
   const auto differ = std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first;
   EXPECT_TRUE(a == b) << what << ": " << a.size() << " and " << b.size() << " bytes, differing at "
@@ -55,7 +55,7 @@ void expectSame(const std::string& a, const std::string& b, const char* what) {
 bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 const auto kNothing = [](IoWatch&) {};
-const std::function<void()> kAsItIs = [] {};
+const std::function<void()> kNoChange = [] {};
 
 // The calls on one set of samples, with and without faults.
 class Bench {
@@ -64,23 +64,23 @@ class Bench {
 
   Outcome undisturbed(const ExportCall& call) const {
     const PreparedCall p = call.prepare(exports, samples);
-    return run(p, nullptr, kNothing, kAsItIs);
+    return run(p, nullptr, kNothing, kNoChange);
   }
 
-  // What the call gives where its input has other bytes.
+  // The outcome of the call with other bytes in its input.
   Outcome withInput(const ExportCall& call, const Bytes& content) const {
     const PreparedCall p = call.prepare(exports, samples);
     samples.replace(call.input, content);
-    Outcome outcome = run(p, nullptr, kNothing, kAsItIs);
+    Outcome outcome = run(p, nullptr, kNothing, kNoChange);
     samples.restore(call.input);
     return outcome;
   }
 
-  // Makes the call with a fault, with what set(watch) adds, behind install(), and hands what came of it to judge(outcome). Behind
-  // it the call works on what it left, and nothing is held. Gives whether the fault happened.
+  // After install(), makes the call with a fault and with what set(watch) adds, and calls judge(outcome). Then checks that
+  // the call works on what was left, and that no memory is leaked. Returns whether the fault happened.
   template <class Judge, class Set = decltype(kNothing)>
   bool trial(const ExportCall& call, const Outcome& good, const IoFault* fault, const Judge& judge,
-             const Set& set = kNothing, const std::function<void()>& install = kAsItIs) const {
+             const Set& set = kNothing, const std::function<void()>& install = kNoChange) const {
     bool happened = false;
     const AllocationMeter meter;
     {
@@ -90,7 +90,7 @@ class Bench {
       judge(outcome);
       p.renew();
       EXPECT_EQ(p.call(), good.status) << "once more";
-      expectSame(p.answer(), good.answer, "once more");
+      expectSame(p.answer(), good.output, "once more");
     }
     if (!call.keepsRoom) {
       EXPECT_EQ(meter.held(), 0);
@@ -120,12 +120,12 @@ class Bench {
       EXPECT_EQ(watch.stillOpen(), 0U);
       EXPECT_EQ(watch.closedInVain(), 0U);
     }
-    outcome.answer = p.answer();
+    outcome.output = p.answer();
     return outcome;
   }
 };
 
-// A few places in a block of that many bytes, the first always among them, the last before its end.
+// A few places in a block of `size` bytes, including the first and the last.
 std::vector<std::size_t> placesIn(std::size_t size, std::size_t most) {
   std::vector<std::size_t> places;
   for (std::size_t at = 0; at < size; at += size / most + 1) places.push_back(at);
@@ -146,7 +146,7 @@ TEST(IoFaults, EveryExportClosesWhatItOpensAndOpensNoMoreThanItNeeds) {
   }
 }
 
-TEST(IoFaults, AFileThatCannotBeOpenedIsToldAndChangesNothing) {
+TEST(IoFaults, AFileThatCannotBeOpenedIsReportedAndChangesNothing) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     const Outcome good = bench.undisturbed(call);
@@ -157,17 +157,17 @@ TEST(IoFaults, AFileThatCannotBeOpenedIsToldAndChangesNothing) {
           const IoFault fault{IoCall::open, n, forGood, error, 0};
           const auto judge = [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, call.notOpened[n]);
-            // A table is opened again when its path and version are known. These two give a count of zero.
+            // A table is opened again once its path and version are set. The other two set a count of 0.
             if (call.form != "a table alone" && call.name != "OpenSpecialToolFile" &&
                 call.name != "LoadOldToolInventoryForCount")
-              expectSame(seen.answer, seen.before, "changed");
+              expectSame(seen.output, seen.before, "changed");
           };
           EXPECT_TRUE(bench.trial(call, good, &fault, judge));
         }
   }
 }
 
-// The fault that a read meets behind some bytes does what the end of the file there would do.
+// A read that fails after some bytes has the same effect as the end of the file at that place.
 void expectFaultsToBeEnds(const Bench& bench, const std::function<std::vector<std::size_t>(std::size_t)>& placesInRead,
                           const std::vector<bool>& kinds) {
   std::size_t calls = 0;
@@ -175,21 +175,21 @@ void expectFaultsToBeEnds(const Bench& bench, const std::function<std::vector<st
     if (!readsOnce(call)) continue;
     ++calls;
     const Outcome good = bench.undisturbed(call);
-    const Bytes& whole = bench.samples.content(call.input);
+    const Bytes& complete = bench.samples.content(call.input);
     std::size_t begin = 0;
     for (std::size_t n = 0; n < good.read.size(); begin += good.read[n++])
       for (const std::size_t bytes : placesInRead(good.read[n])) {
-        const Outcome cut = bench.withInput(call, whole.cut(begin + bytes));
+        const Outcome cut = bench.withInput(call, complete.cut(begin + bytes));
         for (const bool forGood : kinds) {
-          SCOPED_TRACE(call.title() + ", read " + std::to_string(n) + " behind " + std::to_string(bytes) +
+          SCOPED_TRACE(call.title() + ", read " + std::to_string(n) + " after " + std::to_string(bytes) +
                        (forGood ? " and on" : ""));
           const IoFault fault{IoCall::read, n, forGood, EIO, bytes};
           const auto judge = [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, cut.status);
-            // An edit that does not come to saving leaves each file as it is.
-            const bool stays = call.files == Files::edited && cut.answer == cut.before;
-            expectSame(seen.answer, stays ? seen.before : cut.answer, "not as if the file ended");
-            if (call.allOrNothing && seen.status != call.whenDone) expectSame(seen.answer, seen.before, "changed");
+            // An edit that does not get to its save changes no file.
+            const bool stays = call.files == Files::edited && cut.output == cut.before;
+            expectSame(seen.output, stays ? seen.before : cut.output, "not as if the file ended");
+            if (call.allOrNothing && seen.status != call.whenDone) expectSame(seen.output, seen.before, "changed");
           };
           EXPECT_TRUE(bench.trial(call, good, &fault, judge));
         }
@@ -209,14 +209,14 @@ TEST(IoFaults, AReadThatFailsIsTheEndOfTheFile) {
 
 TEST(IoFaults, AReadThatFailsInALargeFileIsItsEnd) {
   const Bench bench(8000);
-  // Of each several windows.
+  // Each is several windows long.
   for (const char* input : {"part", "group", "tool.spt", "machine", "material", "inventory", "macro", "sheet"})
     EXPECT_GT(bench.samples.content(input).size(), 600U << 10U) << input;
   if (isLong()) return expectFaultsToBeEnds(bench, [](std::size_t size) { return placesIn(size, 10); }, {false, true});
   expectFaultsToBeEnds(bench, [](std::size_t size) { return std::vector{size / 2}; }, {false});
 }
 
-TEST(IoFaults, AReadThatFailsInOneOfSeveralFilesIsTold) {
+TEST(IoFaults, AReadThatFailsInOneOfSeveralFilesIsReported) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     if (call.files == Files::none || call.files == Files::saved || readsOnce(call)) continue;
@@ -225,34 +225,34 @@ TEST(IoFaults, AReadThatFailsInOneOfSeveralFilesIsTold) {
     for (std::size_t n = 0; n < good.read.size(); ++n)
       for (const bool forGood : {false, true})
         for (const std::size_t bytes : placesIn(good.read[n], 40)) {
-          SCOPED_TRACE(call.title() + ", read " + std::to_string(n) + " behind " + std::to_string(bytes) +
+          SCOPED_TRACE(call.title() + ", read " + std::to_string(n) + " after " + std::to_string(bytes) +
                        (forGood ? " and on" : ""));
           const IoFault fault{IoCall::read, n, forGood, EIO, bytes};
           (void)bench.trial(call, good, &fault, [&](const Outcome& seen) {
             if (call.files == Files::tools) {
-              // No folder, or a tool that cannot be loaded; or the fault met what nobody looks at.
-              if (seen.status == call.whenDone) return expectSame(seen.answer, good.answer, "not done");
+              // The folder or the tool cannot be read, or the fault hit something that is not needed.
+              if (seen.status == call.whenDone) return expectSame(seen.output, good.output, "not done");
               EXPECT_EQ(seen.status, -1);
-              return expectSame(seen.answer, seen.before, "changed");
+              return expectSame(seen.output, seen.before, "changed");
             }
             if (call.files == Files::loaded) {
-              // A table: the version word, then all of it from its beginning.
+              // A table: the version word first, then everything from the beginning.
               EXPECT_EQ(seen.status, n == 0 && bytes >= 2 && !forGood ? 0 : 1);
               return;
             }
-            // An edit: the version word, the part, the sheet, of which the last fields may be missing.
+            // An edit reads the version word, the part, and the sheet, whose last fields may be missing.
             const bool inVersionWord = n == 0 && bytes < 2;
             const bool meetsPart = n == 1 || (n == 0 && forGood);
             EXPECT_EQ(seen.status, inVersionWord ? 1 : meetsPart ? -2 : 0);
-            if (n == 0 && !forGood && !inVersionWord) return expectSame(seen.answer, good.answer, "not done");
-            if (n < 2) expectSame(seen.answer, seen.before, "changed");
+            if (n == 0 && !forGood && !inVersionWord) return expectSame(seen.output, good.output, "not done");
+            if (n < 2) expectSame(seen.output, seen.before, "changed");
           });
         }
   }
 }
 
-// Nobody asks how large a file is to decide what is in it.
-TEST(IoFaults, AFileWhoseSizeIsNotToldIsReadToItsEnd) {
+// The result must not depend on the reported size of a file.
+TEST(IoFaults, AFileOfUnknownSizeIsReadToItsEnd) {
   for (const std::size_t many : {0U, 8000U}) {
     const Bench bench(many);
     std::size_t asked = 0;
@@ -266,7 +266,7 @@ TEST(IoFaults, AFileWhoseSizeIsNotToldIsReadToItsEnd) {
           const IoFault fault{IoCall::query, n, forGood, EOVERFLOW, 0};
           EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, good.status);
-            expectSame(seen.answer, good.answer, "another answer");
+            expectSame(seen.output, good.output, "another output");
           }));
         }
     }
@@ -276,7 +276,7 @@ TEST(IoFaults, AFileWhoseSizeIsNotToldIsReadToItsEnd) {
   }
 }
 
-TEST(IoFaults, AFileThatBuffersAgainstAllRequestsIsReadAndWrittenAsEver) {
+TEST(IoFaults, AFileThatIsBufferedDespiteTheRequestIsReadAndWrittenAsUsual) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     const Outcome good = bench.undisturbed(call);
@@ -286,15 +286,15 @@ TEST(IoFaults, AFileThatBuffersAgainstAllRequestsIsReadAndWrittenAsEver) {
     const IoFault fault{IoCall::buffer, 0, true, EINVAL, 0};
     EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
       EXPECT_EQ(seen.status, good.status);
-      expectSame(seen.answer, good.answer, "another answer");
+      expectSame(seen.output, good.output, "another output");
     }));
   }
 }
 
-// What stands in a file behind a save or edit that failed: the first bytes of what would have been saved.
+// After a failed save or edit, the file has the first bytes of what would have been saved.
 void expectFirstBytes(const Outcome& seen, const Outcome& good, std::size_t bytes) {
   const std::string_view head = "file: ";
-  expectSame(seen.answer, good.answer.substr(0, head.size() + bytes), "not what had been written");
+  expectSame(seen.output, good.output.substr(0, head.size() + bytes), "not what had been written");
 }
 
 void expectWritesToBeTold(const Bench& bench, const std::vector<int>& errors, const std::vector<bool>& kinds,
@@ -307,19 +307,19 @@ void expectWritesToBeTold(const Bench& bench, const std::vector<int>& errors, co
       for (const std::size_t bytes : placesInWrite(good.written[n]))
         for (const bool forGood : kinds)
           for (const int error : errors) {
-            SCOPED_TRACE(call.title() + ", write " + std::to_string(n) + " behind " + std::to_string(bytes) +
+            SCOPED_TRACE(call.title() + ", write " + std::to_string(n) + " after " + std::to_string(bytes) +
                          (forGood ? " and on" : ""));
             const IoFault fault{IoCall::write, n, forGood, error, bytes};
             EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
               EXPECT_EQ(seen.status, call.files == Files::edited ? 0 : -2);
-              EXPECT_EQ(seen.count(IoCall::write), n + 1) << "nothing is written behind a gap";
+              EXPECT_EQ(seen.count(IoCall::write), n + 1) << "nothing is written after a gap";
               expectFirstBytes(seen, good, begin + bytes);
             }));
           }
   }
 }
 
-TEST(IoFaults, AWriteThatFailsIsToldAndLeavesWhatHadBeenWritten) {
+TEST(IoFaults, AWriteThatFailsIsReportedAndLeavesWhatHadBeenWritten) {
   expectWritesToBeTold(Bench(), {ENOSPC, EIO, EFBIG}, {false, true},
                        [](std::size_t size) { return placesIn(size, 3); });
 }
@@ -335,7 +335,7 @@ TEST(IoFaults, AWriteThatFailsInALargeFileLeavesWhatHadBeenWritten) {
   expectWritesToBeTold(bench, {ENOSPC}, {false}, [](std::size_t size) { return std::vector{size / 2}; });
 }
 
-TEST(IoFaults, AClosingThatFailsMattersToASaveAlone) {
+TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     const Outcome good = bench.undisturbed(call);
@@ -346,7 +346,7 @@ TEST(IoFaults, AClosingThatFailsMattersToASaveAlone) {
         EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
           EXPECT_EQ(seen.status, call.files == Files::saved ? -2 : call.whenDone);
           EXPECT_EQ(seen.count(IoCall::close), good.count(IoCall::close));
-          expectSame(seen.answer, good.answer, "another answer");
+          expectSame(seen.output, good.output, "another output");
         }));
       }
   }
@@ -357,20 +357,20 @@ TEST(IoFaults, AFileThatGetsShorterWhileItIsReadEndsThere) {
   for (const ExportCall& call : exportCalls()) {
     if (!readsOnce(call)) continue;
     const Outcome good = bench.undisturbed(call);
-    const Bytes& whole = bench.samples.content(call.input);
+    const Bytes& complete = bench.samples.content(call.input);
     for (const std::size_t size :
-         {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{300}, whole.size() / 2, whole.size() - 4}) {
+         {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{300}, complete.size() / 2, complete.size() - 4}) {
       SCOPED_TRACE(call.title() + ", down to " + std::to_string(size));
-      const Outcome cut = bench.withInput(call, whole.cut(size));
+      const Outcome cut = bench.withInput(call, complete.cut(size));
       (void)bench.trial(
           call, good, nullptr,
           [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, cut.status);
-            expectSame(seen.answer, cut.answer, "not as if the file had been short from the beginning");
+            expectSame(seen.output, cut.output, "not as if the file had been short from the beginning");
             bench.samples.restore(call.input);
           },
           [&](IoWatch& watch) {
-            watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, whole.cut(size)); });
+            watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, complete.cut(size)); });
           });
     }
   }
@@ -387,23 +387,23 @@ TEST(IoFaults, AFileThatGetsLongerWhileItIsReadIsReadAsItWas) {
         call, good, nullptr,
         [&](const Outcome& seen) {
           EXPECT_EQ(seen.status, good.status);
-          expectSame(seen.answer, good.answer, "another answer");
+          expectSame(seen.output, good.output, "another output");
           bench.samples.restore(call.input);
         },
         [&](IoWatch& watch) { watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, longer); }); });
   }
 }
 
-TEST(IoFaults, ASheetThatCanBeReadButNotWrittenStaysAsItIs) {
+TEST(IoFaults, AReadOnlySheetIsNotChanged) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     if (call.files != Files::edited) continue;
     const Outcome good = bench.undisturbed(call);
-    EXPECT_FALSE(good.answer == good.before) << call.title();
+    EXPECT_FALSE(good.output == good.before) << call.title();
     const IoFault fault{IoCall::open, call.notOpened.size() - 1, false, EACCES, 0};
     EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
       EXPECT_EQ(seen.status, 0);
-      expectSame(seen.answer, seen.before, "changed");
+      expectSame(seen.output, seen.before, "changed");
     }));
   }
 }
@@ -420,24 +420,24 @@ TEST(IoFaults, FoldersThatCannotBeReadHaveNoSpecialTools) {
         SCOPED_TRACE(call.title() + ", call " + std::to_string(n));
         const IoFault fault{IoCall::folder, n, forGood, EIO, 0};
         EXPECT_TRUE(bench.trial(call, good, &fault, [&](const Outcome& seen) {
-          // An entry that cannot be examined is treated as a file, and a folder is tried under several spellings.
-          if ((n > 0 || !forGood) && seen.status == call.whenDone) return expectSame(seen.answer, good.answer, "another answer");
+          // An entry that cannot be examined is treated as a file, and several spellings of a folder are tried.
+          if ((n > 0 || !forGood) && seen.status == call.whenDone)
+            return expectSame(seen.output, good.output, "another output");
           EXPECT_EQ(seen.status, -1);
-          expectSame(seen.answer, seen.before, "changed");
+          expectSame(seen.output, seen.before, "changed");
         }));
       }
   }
 }
 #endif
 
-// ---- files that are none, or not as one would wish -------------------------------------------------
+// ---- unusual files ---------------------------------------------------------------------------------
 
 bool setsACountToZero(const ExportCall& call) {
   return call.name == "OpenSpecialToolFile" || call.name == "LoadOldToolInventoryForCount";
 }
 
-// Calls everything that takes a path while install(path) has put something in the file's place, and hands what came
-// of it to judge(call, outcome).
+// Makes every call that takes a path after install(path) has replaced the file, and calls judge(call, outcome).
 template <class Install, class Judge>
 void expectOf(
     const Bench& bench, const Install& install, const Judge& judge, const IoFault* fault = nullptr,
@@ -465,10 +465,10 @@ void expectOf(
   EXPECT_GT(calls, 2U);
 }
 
-// Statuses alone: -2, or -1 from the part builder.
+// Checks only the status: -2, or -1 from the part builder.
 void expectNothingToOpen(const ExportCall& call, const Outcome& seen, const Outcome&) {
   EXPECT_EQ(seen.status, call.files == Files::tools ? -1 : -2);
-  if (!setsACountToZero(call) && call.files != Files::edited) expectSame(seen.answer, seen.before, "changed");
+  if (!setsACountToZero(call) && call.files != Files::edited) expectSame(seen.output, seen.before, "changed");
 }
 
 TEST(OddFiles, AFolderInPlaceOfAFileIsNotOpened) {
@@ -478,7 +478,7 @@ TEST(OddFiles, AFolderInPlaceOfAFileIsNotOpened) {
       expectNothingToOpen);
 }
 
-TEST(OddFiles, FilesOfNoByteAndOfOneHaveNoVersion) {
+TEST(OddFiles, FilesOfZeroBytesAndOfOneHaveNoVersion) {
   const Bench bench;
   for (const std::size_t size : {0U, 1U})
     expectOf(
@@ -487,18 +487,18 @@ TEST(OddFiles, FilesOfNoByteAndOfOneHaveNoVersion) {
           if (call.files != Files::saved) writeFile(path, Bytes().fill(size, 1));
         },
         [](const ExportCall& call, const Outcome& seen, const Outcome& good) {
-          if (call.files == Files::saved) return expectSame(seen.answer, good.answer, "not saved");
+          if (call.files == Files::saved) return expectSame(seen.output, good.output, "not saved");
           EXPECT_EQ(seen.status, call.files == Files::tools ? -1 : 1);
-          // Flags are given as far as they were read, which is not at all.
+          // Flags that were not read are set to 0.
           if (setsACountToZero(call) || call.name == "GetSheetDriverFlags" || call.files == Files::edited) return;
-          expectSame(seen.answer, seen.before, "changed");
+          expectSame(seen.output, seen.before, "changed");
         });
 }
 
 TEST(OddFiles, APathOfAHundredThousandCharactersIsNotOpened) {
   Bench bench;
   for (const ExportCall& call : exportCalls()) {
-    // That save ends the process, and special tools are not looked for by a path.
+    // This save ends the process, and special tools are not found by path.
     if (call.files == Files::none || call.files == Files::tools || call.name == "SaveTorvPart") continue;
     SCOPED_TRACE(call.title());
     const std::string path = bench.samples.path(call.input);
@@ -506,7 +506,7 @@ TEST(OddFiles, APathOfAHundredThousandCharactersIsNotOpened) {
       bench.samples.move(call.input, longPath);
       const Outcome seen = bench.undisturbed(call);
       EXPECT_EQ(seen.status, -2);
-      if (!setsACountToZero(call)) expectSame(seen.answer, seen.before, "changed");
+      if (!setsACountToZero(call)) expectSame(seen.output, seen.before, "changed");
     }
     bench.samples.move(call.input, path);
   }
@@ -529,7 +529,7 @@ TEST(OddFiles, NamesOfSpecialToolsAndPartsMayHaveAHundredThousandCharacters) {
   EXPECT_STREQ(value, "unchanged");
 }
 
-TEST(OddFiles, APathIsTakenAsItStands) {
+TEST(OddFiles, APathIsUsedUnchanged) {
   Bench bench;
   std::vector<std::string> names = {"a b", "100%s%d%n", "-", "--help", "~", "$HOME", "a'b", ".hidden", "a;b", "{}"};
 #if !defined(_WIN32)
@@ -548,9 +548,9 @@ TEST(OddFiles, APathIsTakenAsItStands) {
       if (call.files != Files::saved) bench.samples.restore(call.input);
       const Outcome seen = bench.undisturbed(call);
       EXPECT_EQ(seen.status, good.status);
-      // Answers in which no path stands.
+      // Only outputs that contain no path.
       if (call.allOrNothing || call.name == "SaveOldSheet" || call.files == Files::edited)
-        expectSame(seen.answer, good.answer, "another answer");
+        expectSame(seen.output, good.output, "another output");
       EXPECT_TRUE(std::filesystem::is_regular_file(path));
       std::filesystem::remove(path);
       bench.samples.move(call.input, home);
@@ -558,7 +558,7 @@ TEST(OddFiles, APathIsTakenAsItStands) {
     for (const std::string& name : names) works(folder.path(name));
     works(folder.path() + "//./name");
     works(folder.path() + "/../" + std::filesystem::path(folder.path()).filename().string() + "/name");
-    // No path at all, and one that says that it is a folder's.
+    // An empty path, and one that ends with a separator like that of a folder.
     for (const std::string& path : {std::string(), home + "/"}) {
       SCOPED_TRACE(call.title() + " of " + path);
       bench.samples.move(call.input, path);
@@ -574,17 +574,17 @@ TEST(OddFiles, APathIsTakenAsItStands) {
 
 #if !defined(_WIN32)
 
-TEST(OddFiles, LinksThatLeadInCirclesAreNotOpened) {
+TEST(OddFiles, CircularLinksAreNotOpened) {
   const Bench bench;
   expectOf(
       bench, [](const std::string& path, const ExportCall&) { std::filesystem::create_symlink(path, path); },
       expectNothingToOpen);
 }
 
-bool rightsDoNotMatter() { return ::geteuid() == 0; }
+bool permissionsAreIgnored() { return ::geteuid() == 0; }
 
-TEST(OddFiles, AFileWithoutRightsIsNotOpened) {
-  if (rightsDoNotMatter()) GTEST_SKIP() << "this user may open everything";
+TEST(OddFiles, AFileWithoutPermissionIsNotOpened) {
+  if (permissionsAreIgnored()) GTEST_SKIP() << "this user may open everything";
   const Bench bench;
   expectOf(
       bench,
@@ -597,8 +597,8 @@ TEST(OddFiles, AFileWithoutRightsIsNotOpened) {
       });
 }
 
-TEST(OddFiles, AFileThatMayOnlyBeReadIsLoadedAndNeverChanged) {
-  if (rightsDoNotMatter()) GTEST_SKIP() << "this user may write everything";
+TEST(OddFiles, AReadOnlyFileIsLoadedAndNeverChanged) {
+  if (permissionsAreIgnored()) GTEST_SKIP() << "this user may write everything";
   const Bench bench;
   expectOf(
       bench,
@@ -608,14 +608,15 @@ TEST(OddFiles, AFileThatMayOnlyBeReadIsLoadedAndNeverChanged) {
       },
       [](const ExportCall& call, const Outcome& seen, const Outcome& good) {
         EXPECT_EQ(seen.status, call.files == Files::saved ? -2 : good.status);
-        if (call.files == Files::saved) return expectSame(seen.answer, std::string("file: \1\0", 8), "changed");
-        expectSame(seen.answer, call.files == Files::edited ? seen.before : good.answer, "another answer");
+        if (call.files == Files::saved) return expectSame(seen.output, std::string("file: \1\0", 8), "changed");
+        expectSame(seen.output, call.files == Files::edited ? seen.before : good.output, "another output");
       });
 }
 
-// A device gives zeros for ever, of which the first two are no version, and takes nothing.
-TEST(OddFiles, ADeviceIsLeftBehindItsFirstBytesAndTakesNoSave) {
-  if (::access("/dev/full", R_OK | W_OK) != 0) GTEST_SKIP() << "this system has no such device, or not for everybody";
+// The device delivers endless zeros, the first two of which are no valid version, and stores nothing.
+TEST(OddFiles, ADeviceIsReadUpToItsVersionAndCannotBeSavedTo) {
+  if (::access("/dev/full", R_OK | W_OK) != 0)
+    GTEST_SKIP() << "this system has no such device, or this user may not use it";
   const Bench bench;
   expectOf(
       bench, [](const std::string& path, const ExportCall&) { std::filesystem::create_symlink("/dev/full", path); },
@@ -628,7 +629,7 @@ TEST(OddFiles, ADeviceIsLeftBehindItsFirstBytesAndTakesNoSave) {
       });
 }
 
-// While it lives, no file grows beyond the limit, as on a disk that is full.
+// While it exists, no file can grow beyond the limit, as on a full disk.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(std::size_t bytes) : before_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -665,13 +666,13 @@ void expectFullDiskToBeTold(const Bench& bench, std::size_t limit, const IoFault
       fault, [](const ExportCall& call) { return writes(call) && call.form != "fresh, in the oldest layout"; });
 }
 
-TEST(OddFiles, AFullDiskIsToldAndLeavesWhatItTook) {
+TEST(OddFiles, AFullDiskIsReportedAndLeavesWhatWasStored) {
   const Bench bench(15000);
   for (const std::size_t limit : {1U, 100001U, 1U << 20U, 1500000U}) expectFullDiskToBeTold(bench, limit, nullptr);
 }
 
-// Then the last bytes stay with the host until the file is closed.
-TEST(OddFiles, AFullDiskIsToldAlsoWhereTheHostCollectsWhatIsWritten) {
+// The host keeps the last bytes until the file is closed.
+TEST(OddFiles, AFullDiskIsReportedEvenIfTheHostBuffersWrites) {
   const Bench bench;
   const IoFault buffered{IoCall::buffer, 0, true, EINVAL, 0};
   const IoFault bufferedAlone{IoCall::buffer, kNever, false, EINVAL, 0};
@@ -681,7 +682,7 @@ TEST(OddFiles, AFullDiskIsToldAlsoWhereTheHostCollectsWhatIsWritten) {
   }
 }
 
-// Writes into a pipe until it has written all, or nobody listens any more.
+// Writes to a pipe until everything is written, or until the reader closes it.
 class PipeWriter {
  public:
   PipeWriter(const std::string& path, std::function<bool(int)> write)
@@ -706,7 +707,7 @@ class PipeWriter {
 
 bool isLoadedOnce(const ExportCall& call) { return call.files == Files::loaded && call.notOpened.size() == 1; }
 
-TEST(OddFiles, APipeIsReadAsTheFileOfTheSameBytes) {
+TEST(OddFiles, APipeIsReadLikeAFileWithTheSameBytes) {
   for (const std::size_t many : {0U, 4000U}) {
     const Bench bench(many);
     for (const double share : {0.0, 0.1, 0.5, 0.9, 1.0}) {
@@ -715,8 +716,8 @@ TEST(OddFiles, APipeIsReadAsTheFileOfTheSameBytes) {
       expectOf(
           bench,
           [&](const std::string& path, const ExportCall& call) {
-            const Bytes& whole = bench.samples.content(call.input);
-            const Bytes content = whole.cut(static_cast<std::size_t>(static_cast<double>(whole.size()) * share));
+            const Bytes& complete = bench.samples.content(call.input);
+            const Bytes content = complete.cut(static_cast<std::size_t>(static_cast<double>(complete.size()) * share));
             cut = bench.withInput(call, content);
             std::filesystem::remove(path);
             ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
@@ -729,7 +730,7 @@ TEST(OddFiles, APipeIsReadAsTheFileOfTheSameBytes) {
           [&](const ExportCall&, const Outcome& seen, const Outcome&) {
             writer.reset();
             EXPECT_EQ(seen.status, cut->status);
-            expectSame(seen.answer, cut->answer, "another answer than from a file");
+            expectSame(seen.output, cut->output, "another output than from a file");
             cut.reset();
           },
           nullptr, isLoadedOnce);
@@ -737,8 +738,8 @@ TEST(OddFiles, APipeIsReadAsTheFileOfTheSameBytes) {
   }
 }
 
-// The writer offers sixteen MiB, which stand for no end.
-TEST(OddFiles, APipeWithoutEndTakesMemoryForWhatItGaveAndNoMore) {
+// The writer offers 16 MiB in place of an endless stream.
+TEST(OddFiles, AnEndlessPipeTakesMemoryOnlyForWhatItDelivered) {
   const Bench bench;
   for (const unsigned byte : {0x00U, 0x01U, 0x7FU, 0xFFU}) {
     const std::vector<std::uint8_t> block(1U << 16U, static_cast<std::uint8_t>(byte));
@@ -749,13 +750,13 @@ TEST(OddFiles, APipeWithoutEndTakesMemoryForWhatItGaveAndNoMore) {
       const std::string path = bench.samples.path(call.input);
       std::filesystem::remove(path);
       ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-      std::size_t given = 0, peak = 0;
+      std::size_t delivered = 0, peak = 0;
       {
-        const PipeWriter writer(path, [&given, &block, left = 256](int pipe) mutable {
+        const PipeWriter writer(path, [&delivered, &block, left = 256](int pipe) mutable {
           const std::uint8_t version[2] = {180, 0};
           const auto wrote =
-              given == 0 ? ::write(pipe, version, sizeof version) : ::write(pipe, block.data(), block.size());
-          if (wrote > 0) given += static_cast<std::size_t>(wrote);
+              delivered == 0 ? ::write(pipe, version, sizeof version) : ::write(pipe, block.data(), block.size());
+          if (wrote > 0) delivered += static_cast<std::size_t>(wrote);
           return wrote > 0 && --left > 0;
         });
         const AllocationMeter meter;
@@ -763,7 +764,7 @@ TEST(OddFiles, APipeWithoutEndTakesMemoryForWhatItGaveAndNoMore) {
         EXPECT_TRUE(status == 0 || status == 1 || status == -1) << status;
         peak = meter.peak();
       }
-      EXPECT_LE(peak, 16 * given + (1U << 21U));
+      EXPECT_LE(peak, 16 * delivered + (1U << 21U));
       bench.samples.restore(call.input);
     }
   }

@@ -1,4 +1,4 @@
-// The fuzz targets compare records by fuzz/record_contents.h, which must not overlook a member.
+// The fuzz targets compare records with fuzz/record_contents.h, which must not miss a member.
 #include "fuzz/record_contents.h"
 
 #include <gtest/gtest.h>
@@ -12,29 +12,29 @@ namespace {
 
 using namespace oldtorvio;
 
-// Marks the bytes of one record that a teller tells, and those of the lists and texts that it holds.
+// Marks the bytes of one record that are compared, including its list and text objects.
 class Marks {
  public:
-  Marks(const void* record, std::size_t size) : from_(static_cast<const std::byte*>(record)), told_(size) {}
+  Marks(const void* record, std::size_t size) : from_(static_cast<const std::byte*>(record)), isCompared_(size) {}
   void bytes(const void* at, std::size_t size) {
     const auto offset = static_cast<const std::byte*>(at) - from_;
-    if (offset < 0 || static_cast<std::size_t>(offset) >= told_.size()) return;
-    std::fill_n(told_.begin() + offset, size, true);
+    if (offset < 0 || static_cast<std::size_t>(offset) >= isCompared_.size()) return;
+    std::fill_n(isCompared_.begin() + offset, size, true);
   }
   template <class V>
   bool list(const V& list) {
     bytes(&list, sizeof list);
     return true;
   }
-  bool isTold(std::size_t offset) const { return told_[offset]; }
+  bool isCompared(std::size_t offset) const { return isCompared_[offset]; }
 
  private:
   const std::byte* from_;
-  std::vector<bool> told_;
+  std::vector<bool> isCompared_;
 };
 
-// Runs of bytes that a fresh record sets, whatever the memory held before, and that are not told. g++ sets
-// padding as well, where it zeroes arrays of records as a whole.
+// A run of bytes that the construction of a record sets, but that is not compared. g++ sets padding too where it zeroes
+// arrays of records at once.
 struct Run {
   std::size_t first, last;
   bool operator==(const Run&) const = default;
@@ -52,31 +52,31 @@ struct Run {
 std::ostream& operator<<(std::ostream& to, const Run& run) { return to << run.first << " to " << run.last; }
 
 template <class Record>
-std::vector<Run> untoldBytes() {
+std::vector<Run> missedBytes() {
   struct Aligned {
     alignas(Record) std::byte bytes[sizeof(Record)];
   };
   const auto zeros = std::make_unique<Aligned>(), ones = std::make_unique<Aligned>();
   std::memset(zeros->bytes, 0, sizeof zeros->bytes);
   std::memset(ones->bytes, 0xFF, sizeof ones->bytes);
-  // Without parentheses, which would set all to zero first.
+  // Without parentheses, which would zero the memory first.
   auto* const record = new (zeros->bytes) Record;
   auto* const other = new (ones->bytes) Record;
   Marks marks(record, sizeof(Record));
   fuzzing::RecordTeller teller(marks, fuzzing::Extent::all);
   EXPECT_TRUE(fuzzing::tell(teller, *record));
-  std::vector<Run> untold;
+  std::vector<Run> missed;
   for (std::size_t i = 0; i < sizeof(Record); ++i) {
-    if (zeros->bytes[i] != ones->bytes[i] || marks.isTold(i)) continue;
-    if (!untold.empty() && untold.back().last + 1 == i)
-      untold.back().last = i;
+    if (zeros->bytes[i] != ones->bytes[i] || marks.isCompared(i)) continue;
+    if (!missed.empty() && missed.back().last + 1 == i)
+      missed.back().last = i;
     else
-      untold.push_back({i, i});
+      missed.push_back({i, i});
   }
-  std::erase_if(untold, [](const Run& run) { return run.looksLikePadding(); });
+  std::erase_if(missed, [](const Run& run) { return run.looksLikePadding(); });
   std::destroy_at(other);
   std::destroy_at(record);
-  return untold;
+  return missed;
 }
 
 template <class Record>
@@ -87,10 +87,10 @@ using Records = testing::Types<Shape, ShapeList, OldTool, ToolStation, ToolStati
                                OldToolInventory, OldMacro, OldMaterial, OldMachine, OldSheet>;
 TYPED_TEST_SUITE(ContentsOf, Records);
 
-TYPED_TEST(ContentsOf, EveryRecordTellEveryMember) { EXPECT_EQ(untoldBytes<TypeParam>(), std::vector<Run>()); }
+TYPED_TEST(ContentsOf, ARecordIncludesEveryMember) { EXPECT_EQ(missedBytes<TypeParam>(), std::vector<Run>()); }
 
-// A difference in the last bit of a member, stored or not, counts.
-TEST(RecordContents, DifferWhereAnyMemberDiffers) {
+// Any difference in a member matters, whether it is stored or not.
+TEST(RecordContents, DifferIfAnyMemberDiffers) {
   using fuzzing::Extent;
   const auto differ = [](auto change, Extent extent) {
     const auto one = std::make_unique<OldSheet>(), other = std::make_unique<OldSheet>();

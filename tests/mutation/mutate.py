@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """A mutation run: each comparison, constant and condition of src/, include/ and torvio/explain/ is
-changed once, and a test has to notice. See "The mutation run" in HACKING.md.
+changed once, and a test has to fail. See "The mutation run" in HACKING.md.
 
   mutate.py [--again] [--only TEXT] [--longest SECONDS] [--thorough] [--jobs N] [--sources]
 
-The sources are rewritten into build/mutation/rewritten so that each change, a mutant, is switched on by
-a number at run time (rewrite.py, switch.h); they are built once. Results: build/mutation/results.txt.
+The sources are rewritten into build/mutation/rewritten, where a number selects one change, a mutant, at
+run time (rewrite.py, switch.h). They are built once. Results: build/mutation/results.txt.
 """
 import argparse
 import collections
@@ -29,43 +29,43 @@ TOP = pathlib.Path(__file__).resolve().parents[2]
 BUILD = TOP / "build" / "mutation"
 REWRITTEN = BUILD / "rewritten"
 QUICK = 0.2  # seconds
-NOT_HERE = {"src/frame/host/platform_windows.cpp": "not part of the program on this system"}
+NOT_BUILT = {"src/frame/host/platform_windows.cpp": "not part of the program on this system"}
 
-# Where the places themselves would stand in the way: (file, as it stands, as it has to be here).
-BY_HAND = [
-    # A switched default must not be computed before it is known whether it is on.
+# Code that cannot be rewritten as it is: (file, code, its replacement in the rewritten sources).
+REPLACEMENTS = [
+    # A mutated default must not be computed before the mutant is known.
     ("include/OldTorvIO/lazy_array.h", "static inline const T kDefault{};",
      "static const T& kDefault() { alignas(T) static unsigned char room[sizeof(T)]; "
      "static const T* const all = new (room) T(); return *all; }"),
     ("include/OldTorvIO/lazy_array.h", ": kDefault;", ": kDefault();"),
-    # A constant integer is computed by the compiler where it can be.
+    # The compiler would compute a constant integer itself.
     ("torvio/explain/format_printer.h", "const char kind = std", "char kind = std"),
 ]
 
 
 def plain_source(file):
     text = (TOP / file).read_text(encoding="utf-8")
-    for name, before, after in BY_HAND:
+    for name, before, after in REPLACEMENTS:
         if name == file:
             if text.count(before) != 1:
-                sys.exit(f"{file}: {before!r} is not there once; see BY_HAND in mutate.py")
+                sys.exit(f"{file}: {before!r} does not occur exactly once; see REPLACEMENTS in mutate.py")
             text = text.replace(before, after)
     return text
 
 
 def rewrite_all():
-    """Writes the rewritten sources and gives all sites and what was skipped."""
+    """Writes the rewritten sources. Returns all sites, and the places that were skipped."""
     files = sorted(str(p.relative_to(TOP)) for folder in ("src", "include", "torvio/explain")
                    for p in (TOP / folder).rglob("*") if p.suffix in (".h", ".cpp"))
     ids = itertools.count(1)
     shared, own, sources = set(), {}, []
     shared_tables = {}
     for file in files:
-        if file in NOT_HERE:
+        if file in NOT_BUILT:
             continue
         constants = shared if file.endswith(".h") else own.setdefault(file, set())
         source = rewrite.Source(file, plain_source(file), ids, constants)
-        source.find_left_alone()
+        source.find_unchanged()
         source.take_constants()
         if file.endswith(".h"):
             shared_tables.update(source.tables)
@@ -81,13 +81,13 @@ def rewrite_all():
             old.unlink()
     sites = [site for source in sources for site in source.sites]
     skipped = [one for source in sources for one in source.skipped]
-    skipped += [(why, file) for file, why in NOT_HERE.items()]
+    skipped += [(why, file) for file, why in NOT_BUILT.items()]
     return sites, skipped
 
 
 def finished(source):
     text = source.rewritten()
-    if source.file == "src/frame/versions.h":  # they look at tables that are made anew each time
+    if source.file == "src/frame/versions.h":  # they use tables that are rebuilt for each access
         text = re.sub(r"^constexpr bool", "inline bool", text, flags=re.MULTILINE)
     return text
 
@@ -106,7 +106,7 @@ def build(jobs):
 
 
 def compiled_sites(program):
-    """The places of which code was made, from a section that each of them leaves its number in."""
+    """The places that were compiled into the program: each stores its number in a section of its own."""
     section = BUILD / "sites.bin"
     subprocess.run(["objcopy", "--dump-section", f"oldtorvio_sites={section}", str(program), os.devnull], check=True)
     data = section.read_bytes()
@@ -114,7 +114,7 @@ def compiled_sites(program):
 
 
 class Server:
-    """One test program that waits for work, with a folder of its own for what tests write."""
+    """One test program that waits for work, with a folder of its own for the files that tests write."""
 
     def __init__(self, program):
         self.folder = tempfile.mkdtemp(prefix="oldtorvio_mutation_", dir="/dev/shm" if os.path.isdir("/dev/shm") else None)
@@ -127,10 +127,10 @@ class Server:
     def ask(self, line):
         self.process.stdin.write(line + "\n")
         self.process.stdin.flush()
-        answer = self.process.stdout.readline().rstrip("\n")
-        for left in os.scandir(self.folder):  # by a process that was ended
+        reply = self.process.stdout.readline().rstrip("\n")
+        for left in os.scandir(self.folder):  # by a process that was killed
             shutil.rmtree(left.path, ignore_errors=True) if left.is_dir() else os.unlink(left.path)
-        return answer
+        return reply
 
     def names(self):
         self.process.stdin.write("list\n")
@@ -145,7 +145,7 @@ class Server:
 
 
 def in_parallel(program, jobs, work, each):
-    """each(server, item) for all of work, on as many servers as jobs."""
+    """Calls each(server, item) for every item of `work`, on as many servers as `jobs`."""
     queue, lock = collections.deque(work), threading.Lock()
 
     def worker():
@@ -173,7 +173,7 @@ class Test:
 
 
 def measure(program, jobs):
-    """Every test alone and without a mutant: its time and the places that it evaluates."""
+    """Runs every test by itself, without a mutant: its time, and the places that it evaluates."""
     server = Server(program)
     tests = [Test(i, name) for i, name in enumerate(server.names())]
     server.close()
@@ -187,23 +187,23 @@ def measure(program, jobs):
 
     def one(server, test):
         begin = time.monotonic()
-        answer, _, places = server.ask(f"touch 120000:{test.number}").partition(";")
+        reply, _, places = server.ask(f"touch 120000:{test.number}").partition(";")
         test.seconds = time.monotonic() - begin
-        if answer == "passed":
+        if reply == "passed":
             test.sites = frozenset(map(int, places.split()))
         else:
-            unfit.append(f"{test.name} ({answer})")
+            unfit.append(f"{test.name} ({reply})")
 
     in_parallel(program, jobs, tests, one)
 
-    # Together as well, in any order: a test that stumbles over another one would kill without a reason.
+    # Together as well, in several orders: a test that fails because of another would kill mutants for no reason.
     def together(server, order):
         order = [test for test in order if test.sites]
-        while (answer := server.ask(f"run 0 {groups_for(order)}")) != "passed":
-            stumbled = tests[int(answer.split()[1])]
-            unfit.append(f"{stumbled.name} ({answer.split()[0]} among others)")
-            order.remove(stumbled)
-            stumbled.sites = frozenset()
+        while (reply := server.ask(f"run 0 {groups_for(order)}")) != "passed":
+            failed = tests[int(reply.split()[1])]
+            unfit.append(f"{failed.name} ({reply.split()[0]} among others)")
+            order.remove(failed)
+            failed.sites = frozenset()
 
     by_time = sorted(tests, key=lambda test: test.seconds)
     orders = [by_time, by_time[::-1], random.Random(1).sample(tests, len(tests)), random.Random(2).sample(tests, len(tests))]
@@ -215,7 +215,7 @@ def measure(program, jobs):
 
 
 def groups_for(tests):
-    """The tests in groups of growing length, each with its time limit, as the test program takes them."""
+    """The tests in groups of growing length, each with its time limit, in the form that the test program reads."""
     words, group, seconds, longest = [], [], 0.0, 0.03
     for test in tests:
         group.append(test.number)
@@ -229,13 +229,13 @@ def groups_for(tests):
 
 
 def run_mutants(program, jobs, sites, tests, longest, explained):
-    """What became of each. A survivor costs all tests that get there, hours for all of them: those that
-    have an explanation get the quick ones alone."""
+    """The result of each mutant. A survivor costs a run of all tests that reach it, hours for all survivors: those
+    with an explanation get only the quick tests."""
     by_site = collections.defaultdict(list)
     for test in tests:
         for site in test.sites:
             by_site[site].append(test)
-    killers = collections.defaultdict(collections.Counter)  # by file: tests that are good at it
+    killers = collections.defaultdict(collections.Counter)  # by file: the tests that kill its mutants
     results, begun, lock = {}, time.monotonic(), threading.Lock()
 
     def one(server, site):
@@ -246,12 +246,12 @@ def run_mutants(program, jobs, sites, tests, longest, explained):
         if not able:
             result = "not reached" if not by_site[site.id] else "survived"
         else:
-            answer = server.ask(f"run {site.id} {groups_for(able)}")
-            how, _, number = answer.partition(" ")
+            reply = server.ask(f"run {site.id} {groups_for(able)}")
+            how, _, number = reply.partition(" ")
             if how == "passed":
                 result = "survived"
             else:
-                killer = tests[int(number)].name if int(number) >= 0 else "what is set up for all tests"
+                killer = tests[int(number)].name if int(number) >= 0 else "the setup of the test program"
                 good[int(number)] += 1
                 result = f"killed by {killer}" + ("" if how == "failed" else f" ({how})")
         with lock:
@@ -266,7 +266,7 @@ def run_mutants(program, jobs, sites, tests, longest, explained):
 
 
 class Explanations:
-    """tests/mutation/survivors.txt: FILE | PIECE OF THE LINE | MUTANT | REASON, "*" for any."""
+    """tests/mutation/survivors.txt: FILE | PIECE OF THE LINE | MUTANT | REASON; "*" matches any."""
 
     def __init__(self, sites):
         self.lines = {file: (TOP / file).read_text(encoding="utf-8").splitlines() for file in {s.file for s in sites}}
@@ -321,16 +321,16 @@ def report(sites, results, explained, skipped, constant, unfit, seconds):
         summary.append(f"{file:44} {sum(c.values()):7} {c['killed']:7} {c['survived']:9}")
     summary += ["", f"{total} mutants, {killed} killed, {100 * killed / max(total, 1):.2f} %; {total - killed} survivors, "
                     f"{len(unexplained)} of them not explained; {seconds:.0f} s, {seconds / max(total, 1):.2f} s a mutant"]
-    summary += ["", f"left out: {len(constant)} that the compiler alone evaluates, and by reason"]
+    summary += ["", f"left out: {len(constant)} that only the compiler evaluates, and by reason"]
     summary += [f"{n:7} {reason}" for reason, n in sorted(why.items())]
     if unfit:
-        summary += ["", "tests that do not pass in this build even without a mutant, left out:"] + unfit
+        summary += ["", "tests left out because they fail in this build even without a mutant:"] + unfit
     if explained.unused() and len(sites) == len(results):
         summary += ["", "explanations without a survivor:"] + explained.unused()
     (BUILD / "results.txt").write_text("\n".join(detail) + "\n", encoding="utf-8")
     (BUILD / "summary.txt").write_text("\n".join(summary) + "\n", encoding="utf-8")
     (BUILD / "left_out.txt").write_text("\n".join([f"{one}: {reason}" for reason, one in skipped] + [
-        f"{site.name}: the compiler alone evaluates it" for site in constant]) + "\n", encoding="utf-8")
+        f"{site.name}: only the compiler evaluates it" for site in constant]) + "\n", encoding="utf-8")
     print("\n".join(summary))
     if unexplained:
         print("\nnot explained:\n" + "\n".join(unexplained))
@@ -339,36 +339,36 @@ def report(sites, results, explained, skipped, constant, unfit, seconds):
 
 def main():
     options = argparse.ArgumentParser(description="Changes each comparison, constant and condition once and runs the tests.")
-    options.add_argument("--again", action="store_true", help="only what the last run did not kill; the rest keeps its result")
-    options.add_argument("--only", default="", metavar="TEXT", help="only mutants whose name has this text")
+    options.add_argument("--again", action="store_true", help="only mutants that the last run did not kill; the rest keeps its result")
+    options.add_argument("--only", default="", metavar="TEXT", help="only mutants whose name contains this text")
     options.add_argument("--longest", type=float, default=1e9, metavar="SECONDS",
-                         help="without the tests that take longer: a first look, as they are what survivors cost")
+                         help="leave out tests that take longer, for a quick first run")
     options.add_argument("--thorough", action="store_true",
-                         help="survivors that are explained get all tests as well, not the quick ones alone: hours")
+                         help="run all tests on explained survivors as well, not only the quick ones: takes hours")
     options.add_argument("--jobs", type=int, default=os.cpu_count() or 2)
     options.add_argument("--sources", action="store_true", help="only rewrite the sources")
-    given = options.parse_args()
+    args = options.parse_args()
 
     sites, skipped = rewrite_all()
-    if given.sources:
+    if args.sources:
         print(f"{len(sites)} places, {len(skipped)} left out")
         return 0
-    program = build(given.jobs)
+    program = build(args.jobs)
     begin = time.monotonic()
     compiled = compiled_sites(program)
     constant = [site for site in sites if site.id not in compiled]
-    sites = [site for site in sites if site.id in compiled and given.only in site.name]
+    sites = [site for site in sites if site.id in compiled and args.only in site.name]
     before = {}
-    if given.again:
+    if args.again:
         for line in (BUILD / "results.txt").read_text(encoding="utf-8").splitlines():
             name, result = line.rsplit(": killed by ", 1) if ": killed by " in line else (None, None)
             before[name] = f"killed by {result}"
-    tests, unfit = measure(program, given.jobs)
+    tests, unfit = measure(program, args.jobs)
     print(f"{len(tests)} tests of {sum(test.seconds for test in tests):.0f} s, {len(sites)} mutants", file=sys.stderr)
     explained = Explanations(sites)
     known = {site.id for site in sites if explained.entry_for(site)}
     to_run = [site for site in sites if site.name not in before]
-    results = run_mutants(program, given.jobs, to_run, tests, given.longest, set() if given.thorough else known)
+    results = run_mutants(program, args.jobs, to_run, tests, args.longest, set() if args.thorough else known)
     results.update({site.id: before[site.name] for site in sites if site.id not in results})
     return 0 if report(sites, results, explained, skipped, constant, unfit, time.monotonic() - begin) else 1
 

@@ -1,8 +1,8 @@
-"""Finds the places of a C++ source that a mutation run changes, and rewrites it so that each can be
-switched on at run time (tests/mutation/switch.h).
+"""Finds the places of a C++ source that a mutation run changes, and rewrites the source so that each change
+can be switched on at run time (tests/mutation/switch.h).
 
-It knows the style of this code base, which clang-format keeps: the "<" of a template touches the word
-in front of it, that of a comparison stands between blanks, and what is in a namespace is not indented.
+It relies on the style of this code base, which clang-format enforces: the "<" of a template directly follows
+a word, that of a comparison is between blanks, and the contents of a namespace are not indented.
 """
 import bisect
 import re
@@ -22,12 +22,12 @@ COMPARISONS = {"<": ("less", "<="), "<=": ("lessOrEqual", "<"), ">": ("greater",
 ASSIGNMENTS = {"=", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^="}
 OPENING, CLOSING = {"(": ")", "[": "]", "{": "}"}, {")", "]", "}"}
 SCALAR = re.compile(r"(?:std::)?(?:size_t|u?int(?:8|16|32|64)_t|string_view)|int|unsigned|float|double|bool|const char\*")
-# Calls that walk a description: a && between two of them is the stop rule.
+# Calls that walk a layout: a && between two of them is the stop rule.
 VERB = re.compile(r"(?:return\s+)?(?:\(*\s*)?!?\s*(?:(?:io|reader|quick|all)\s*\.|self\(\)\.|this->walk\b|describe\w*\(|store\w*\("
-                  r"|(?:fields|counted|countFor|readCount|appendRun|append|clear|whole|walk|rest|chain|bytes|reserved|one"
+                  r"|(?:fields|counted|countFor|readCount|appendRun|append|clear|walk|rest|chain|bytes|reserved|one"
                   r"|numbers|writeElement|lengthText|elementAt|forgive|row|item|inside|list<\w+>)\()")
-NO_CONSTANTS = {"kMinStoredSize": "shortest stored form: a hint for how much memory to take",
-                "kFastPath": "whether there is a quicker way that does the same",
+NO_CONSTANTS = {"kMinStoredSize": "size of the shortest stored form: a hint for how much memory to allocate",
+                "kFastPath": "whether there is a faster path with the same result",
                 "kIsRow": "part of a type", "kIsFields": "part of a type",
                 "kTableOf": "name of a table, by which the compiler chooses"}
 
@@ -87,7 +87,7 @@ def pair(tokens, a, b):
 
 
 class Site:
-    """One mutant: `what` stands at `offset` and would be `instead`."""
+    """One mutant: at `offset`, `what` becomes `instead`."""
 
     def __init__(self, offset, what, instead):
         self.offset, self.what, self.instead = offset, what, instead
@@ -104,7 +104,7 @@ class Source:
         self.around = []     # (start, end, opening, closing)
         self.lines = [m.start() for m in re.finditer(r"^", text, re.MULTILINE)]
         self.line_set = set(self.lines)
-        self.leave = {}      # index of a token: why it is left alone
+        self.leave = {}      # index of a token: why it is not changed
         self.tables = {}
 
     # ---- places ----
@@ -133,10 +133,10 @@ class Source:
     def wrap(self, first, last, opening, closing=")"):
         self.around.append((self.tokens[first].start, self.tokens[last].end, opening, closing))
 
-    # ---- what surrounds an operand ----
+    # ---- bounds of an operand ----
 
     def operand_start(self, i, stop):
-        """Index of the first token of the operand that ends in front of token i."""
+        """Index of the first token of the operand that ends before token i."""
         first = i
         j = i - 1
         while j >= 0:
@@ -169,13 +169,13 @@ class Source:
             j += 1
         return last
 
-    def behind(self, i):
-        """Index behind a token, or behind what its bracket holds."""
+    def after(self, i):
+        """Index of the token after token i, or after its closing bracket."""
         match = self.tokens[i].match
         return (match if match is not None and match > i else i) + 1
 
     def is_read_first(self, i):
-        """Whether token i is the first value of a local whose next mention has it filled."""
+        """Whether token i is the initial value of a local that is overwritten where it is mentioned next."""
         tokens = self.tokens
         if tokens[i - 1].text != "=" or tokens[i + 1].text not in (",", ";"):
             return False
@@ -185,25 +185,25 @@ class Source:
             return False
         calls = [tokens[k - 1].text for k in range(i, mention)
                  if tokens[k].text == "(" and tokens[k].match > mention]
-        return bool({"F", "readCount", "countFor", "readUnversioned"} & set(calls))
+        return bool({"FIELDS", "readCount", "countFor", "readUnversioned"} & set(calls))
 
-    # ---- what is left alone ----
+    # ---- what is not changed ----
 
-    def find_left_alone(self):
+    def find_unchanged(self):
         tokens = self.tokens
         for i, token in enumerate(tokens):
             after = tokens[i + 1] if i + 1 < len(tokens) else None
             if token.kind == "preprocessor":
                 self.leave[i] = "preprocessor"
             elif token.text == "static_assert":
-                self.mark(i, after.match, "static_assert: the compiler alone looks at it")
+                self.mark(i, after.match, "static_assert: only the compiler evaluates it")
             elif token.text == "if" and after.text == "constexpr":
-                self.mark(i, tokens[i + 2].match, "if constexpr: the compiler alone decides it")
+                self.mark(i, tokens[i + 2].match, "if constexpr: only the compiler evaluates it")
             elif token.text == "requires" and after.text == "{":
-                self.mark(i, after.match, "requires: the compiler alone looks at it")
+                self.mark(i, after.match, "requires: only the compiler evaluates it")
             elif token.text == "concept":
                 end = next(j for j in range(i, len(tokens)) if tokens[j].text == ";")
-                self.mark(i, end, "concept: the compiler alone looks at it")
+                self.mark(i, end, "concept: only the compiler evaluates it")
             elif token.text == "enum":
                 body = next(j for j in range(i, len(tokens)) if tokens[j].text in "{;")
                 if tokens[body].text == "{":
@@ -220,7 +220,7 @@ class Source:
                 end = next(j for j in range(i, len(tokens)) if tokens[j].text == ":")
                 self.mark(i, end, "case")
             elif token.text == "sizeof" and after.text == "(":
-                self.mark(i, after.match, "sizeof: the compiler alone looks at it")
+                self.mark(i, after.match, "sizeof: only the compiler evaluates it")
 
     # ---- named constants ----
 
@@ -233,16 +233,16 @@ class Source:
                 continue
             equals = i + 1
             while tokens[equals].text not in (";", "{", "=", "("):
-                equals = self.behind(equals)
+                equals = self.after(equals)
             if tokens[equals].text == "(":
                 continue  # a function
             end = equals
             while tokens[end].text != ";":
-                end = self.behind(end)
+                end = self.after(end)
             yield i, equals, end
 
     def take_constants(self):
-        """Scalars: each use is a mutant, the definition is left alone. Tables: made anew at each look."""
+        """Scalars: each use is a mutant, the definition is not changed. Tables: rebuilt for each access."""
         tokens = self.tokens
         for i, equals, end in self.find_constants():
             is_outside = self.text[self.lines[self.position(tokens[i].start)[0] - 1]] not in " "
@@ -278,7 +278,7 @@ class Source:
 
     def take_sites(self, constants, tables):
         tokens, text = self.tokens, self.text
-        decided = set()  # conditions' tokens that have a site of their own
+        decided = set()  # tokens of conditions that are sites themselves
         for i, token in enumerate(tokens):
             why = self.leave.get(i)
             if token.kind == "preprocessor" or why in ("definition", "operator", "linkage", "attribute", "case"):
@@ -287,7 +287,7 @@ class Source:
             after = tokens[i + 1] if i + 1 < len(tokens) else None
             if token.kind in ("number", "char") or token.text in ("true", "false"):
                 if not why and token.text == "0" and self.is_read_first(i):
-                    why = "first value of what is read, or counted, before anything looks at it"
+                    why = "initial value that is overwritten before it is used"
                 if why:
                     self.skip(token, why)
                     continue
@@ -341,7 +341,7 @@ class Source:
                 near = text[tokens[nearest].start:before.end]
                 compares = any(nearest <= j < i for j in decided)
                 if token.text == "&&" and not compares and VERB.match(near):
-                    self.skip(token, "&& behind a verb: the stop rule")
+                    self.skip(token, "&& after a verb: the stop rule")
                     continue
                 site = self.new(token.start, token.text, "||" if token.text == "&&" else "&&")
                 self.wrap(first, last, f"::oldtorvio_mutation::flip<{site}>(")
@@ -369,13 +369,13 @@ class Source:
             else:
                 continue
             inside = [j for j in decided if first <= j <= last]
-            # Of a gate the whole is negated as well, unless that is what its only comparison is changed to.
+            # The complete condition of a verb is negated as well, unless the mutant of its only comparison does that.
             is_gate = token.text == "when" and not (len(inside) == 1 and tokens[inside[0]].text in ("==", "!="))
             if inside and not is_gate:
                 continue
             shown = " ".join(self.text[tokens[first].start:tokens[last].end].split())
             if any(tokens[j].text == "=" for j in range(first, last)):
-                self.skipped.append(("condition that declares what it looks at", f"{self.file}:{self.position(token.start)[0]} {shown}"))
+                self.skipped.append(("condition with a declaration", f"{self.file}:{self.position(token.start)[0]} {shown}"))
                 continue
             site = self.new(tokens[first].start, shown, f"not ({shown})")
             self.wrap(first, last, f"::oldtorvio_mutation::flip<{site}>(")
@@ -383,7 +383,7 @@ class Source:
     def argument_end(self, first):
         j = first
         while self.tokens[j].text not in (",", ")"):
-            j = self.behind(j)
+            j = self.after(j)
         return j - 1
 
     def take_switches(self):
@@ -403,11 +403,11 @@ class Source:
             self.wrap(i + 2, close - 1, f"::oldtorvio_mutation::chosen<{ids[0]}, {values}>(")
 
     def keep_names(self):
-        """The text of an FIELDS(...) is the names of its fields, and must not be that of the rewritten one."""
+        """FIELDS(...) uses its text as the names of its fields, which must stay those of the original source."""
         tokens = self.tokens
         starts = [s for s, _, _ in self.edits] + [s for s, _, _, _ in self.around]
         for i, token in enumerate(tokens):
-            if token.text != "F" or i + 1 >= len(tokens) or tokens[i + 1].text != "(" or token.kind != "word":
+            if token.text != "FIELDS" or i + 1 >= len(tokens) or tokens[i + 1].text != "(" or token.kind != "word":
                 continue
             first, last = tokens[i + 1].end, tokens[tokens[i + 1].match].start
             if not any(first <= start < last for start in starts):

@@ -1,11 +1,11 @@
-// The test program of a mutation run. tests/mutation/mutate.py asks it for one mutant after the other;
-// each runs in a fork of this process, which has everything loaded and nothing run.
+// The test program of a mutation run. tests/mutation/mutate.py requests one mutant after another; each runs
+// in a fork of this process, which is loaded but has not run any test.
 //
-//   list                          one line a test: its full name; then an empty line
-//   run ID MS:TEST,TEST MS:TEST   the tests of the groups in this order, by number, with the mutant on,
-//                                 each group for at most MS milliseconds, up to the first that fails.
-//                                 Answer: "passed", or how it ended and the number of the test
-//   touch MS:TEST                 as run, without a mutant; the answer goes on with the places touched
+//   list                          prints the full name of each test on a line, then an empty line
+//   run ID MS:TEST,TEST MS:TEST   runs the groups of tests (by number) in this order with mutant ID active,
+//                                 each group for at most MS milliseconds, up to the first failure. Prints
+//                                 "passed", or how the run ended and the number of the test
+//   touch MS:TEST                 as run without a mutant; also prints the places that were evaluated
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -30,8 +30,8 @@
 
 namespace {
 
-// ctest compares these by a script, which knows no mutants.
-TEST(FormatPages, ShowTheTablesThatTheDescriptionsGive) {
+// ctest checks this with a script, which cannot run mutants.
+TEST(FormatPages, TablesAreTheOutputOfTorvioFormat) {
   namespace explain = oldtorvio::explain;
   const std::string mark = "<!-- format ", end = "<!-- end -->";
   int tables = 0;
@@ -42,10 +42,10 @@ TEST(FormatPages, ShowTheTablesThatTheDescriptionsGive) {
       at += mark.size();
       const std::string name = text.substr(at, text.find(' ', at) - at);
       const std::size_t from = text.find('\n', at) + 1;
-      std::string told = explain::recordTable(name);
+      std::string expected = explain::recordTable(name);
       for (const explain::KindName& kind : explain::fileKinds())
-        if (kind.name == name) told = explain::formatTable(kind.kind);
-      EXPECT_EQ(text.substr(from, text.find(end, from) - from), told) << name;
+        if (kind.name == name) expected = explain::formatTable(kind.kind);
+      EXPECT_EQ(text.substr(from, text.find(end, from) - from), expected) << name;
     }
   }
   EXPECT_GT(tables, 0);
@@ -54,8 +54,8 @@ TEST(FormatPages, ShowTheTablesThatTheDescriptionsGive) {
 namespace mutation = oldtorvio_mutation;
 
 struct Shared {
-  int test;    // running, or the first that failed
-  int failed;  // whether one has
+  int test;    // the running test, or the first that failed
+  int failed;  // whether a test has failed
 };
 
 std::vector<std::string> testNames() {
@@ -128,7 +128,7 @@ std::string answerFor(int mutant, std::istringstream& groups, const std::vector<
   if (child == 0) runGroups(mutant, groups, names);
   int status = 0;
   (void)waitpid(child, &status, 0);
-  (void)kill(-child, SIGKILL);  // what it has started
+  (void)kill(-child, SIGKILL);  // processes that the child has started
   if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return "passed";
   const char* how = "crashed";
   if (WIFEXITED(status) && shared.failed != 0) how = "failed";

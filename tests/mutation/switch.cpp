@@ -19,7 +19,7 @@ unsigned char* touched = unshared;
 
 namespace {
 
-// Before anything else of the program: it may be evaluating already.
+// Runs before all other constructors, which may evaluate places already.
 [[gnu::constructor(101)]] void begin() {
   if (const char* id = std::getenv("OLDTORVIO_MUTANT")) active = std::atoi(id);
   const char* path = std::getenv("OLDTORVIO_MUTATION_TOUCHED");

@@ -1,4 +1,4 @@
-// What the rewritten sources of a mutation run are made of: each place that can be changed asks here
+// The rewritten sources of a mutation run call these functions at each place that can be changed, to check
 // whether it is the one that is changed in this process. tests/mutation/mutate.py writes the calls.
 #pragma once
 #include <array>
@@ -17,8 +17,8 @@ inline constexpr int kMost = 1 << 14;
 extern int active;              // the mutant of this process, 0 for none
 extern unsigned char* touched;  // which places were evaluated, shared with child processes
 
-// Each place that made it into the program leaves its number in a section of its own; what the
-// compiler alone evaluates does not.
+// Each place that is compiled into the program stores its number in a section of its own. Code that only the
+// compiler evaluates does not.
 template <int kId>
 [[gnu::always_inline]] inline bool isOn() {
   static_assert(kId < kMost);
@@ -67,15 +67,15 @@ constexpr const char (&text(const char (&value)[N]))[N] {
 
 // ---- conditions ----
 
-// On: the opposite. Around both operands of a && and around the whole it makes an || of it, and the
-// other way round.
+// The opposite if the mutant is active. Around both operands of a && and around the expression, this turns it into
+// ||, and vice versa.
 template <int kId, class T>
 constexpr bool flip(const T& value) {
   if (std::is_constant_evaluated()) return static_cast<bool>(value);
   return static_cast<bool>(value) != isOn<kId>();
 }
 
-// A value on its way to a `switch`: on, the case is not there.
+// The value of a `switch`: if the mutant is active, the case does not match.
 template <int kFirst, auto... kCases, class T>
 constexpr T chosen(T value) {
   constexpr int kNoCase = 123;
@@ -119,7 +119,7 @@ OLDTORVIO_MUTATION_COMPARISON(NotEqual, notEqual, !=, ==)
 
 // ---- tables ----
 
-// A table of constants is made anew for each look at it, so that a change reaches it at any time.
+// A table of constants is rebuilt for each access, so that a mutant takes effect at any time.
 template <class T>
 struct Live {
   T (*make)();

@@ -1,4 +1,4 @@
-// The tool as its user meets it: a command of the shell, what it prints where, its exit code.
+// Runs torvio as a user does: as a shell command. Returns what it prints and its exit code.
 #pragma once
 #include <string>
 
@@ -17,13 +17,13 @@ inline std::string asText(const Bytes& bytes) {
   return {reinterpret_cast<const char*>(bytes.span().data()), bytes.size()};
 }
 
-// Any command of the shell.
+// Runs any shell command.
 inline Outcome runShell(const std::string& command) {
   const TempFolder folder;
   Outcome run;
   run.code = runCommand(command, run.output, folder.path("errors"));
   run.errors = asText(TempFolder::read(folder.path("errors")));
-  // Windows ends a line its own way.
+  // Windows ends lines with "\r\n".
   std::erase(run.errors, '\r');
   return run;
 }

@@ -1,4 +1,4 @@
-// The tool among the files, pipes and full disks of a POSIX system.
+// torvio with files, pipes and full disks on a POSIX system.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ class TorvioOnPosix : public testing::Test {
     if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   }
 
-  // A special tool whose map has about as many lines as that many shapes times 20.
+  // A special tool whose map has about 20 lines for each shape.
   std::string toolOfShapes(std::size_t count) const {
     return folder_.write("shapes.spt", specialToolFile(60, std::vector<int>(count, 3)));
   }
@@ -47,7 +47,7 @@ class TorvioOnPosix : public testing::Test {
 
 // ---- what cannot be read ---------------------------------------------------------------------------------
 
-TEST_F(TorvioOnPosix, ReasonForAFileThatCannotBeReadIsInPlainWords) {
+TEST_F(TorvioOnPosix, ReasonWhyAFileCannotBeReadIsInPlainWords) {
   std::filesystem::create_symlink("loop", folder_.path("loop"));
   std::filesystem::create_symlink("nowhere", folder_.path("dangling"));
   const struct {
@@ -81,7 +81,7 @@ TEST_F(TorvioOnPosix, DeniedPermissionIsNamed) {
   EXPECT_EQ(run.output, tool_ + ": cannot be opened: Permission denied\n");
 }
 
-TEST_F(TorvioOnPosix, FailedReadIsNotTakenForTheEndOfTheFile) {
+TEST_F(TorvioOnPosix, FailedReadIsNotTreatedAsTheEndOfTheFile) {
   // Nothing is mapped at the first address of a process, so its memory cannot be read from there.
   constexpr const char* kUnreadable = "/proc/self/mem";
   if (!std::filesystem::exists(kUnreadable)) GTEST_SKIP() << "no file that opens and cannot be read";
@@ -102,7 +102,7 @@ TEST_F(TorvioOnPosix, FileAboveTheDocumentedSizeIsNotRead) {
 
 TEST_F(TorvioOnPosix, FileThatDoesNotFitInMemoryLeavesTheOthersToBeChecked) {
   const std::string limited = "ulimit -v 500000; " + torvio_;
-  if (runShell(limited + " --version").code != 0) GTEST_SKIP() << "the tool itself takes more than the limit";
+  if (runShell(limited + " --version").code != 0) GTEST_SKIP() << "torvio itself needs more than the limit";
   const std::string large = folder_.write("large", {});
   std::filesystem::resize_file(large, std::uintmax_t{900} << 20U);
   const Outcome check = runShell(limited + " check " + large + " " + tool_);
@@ -117,7 +117,7 @@ TEST_F(TorvioOnPosix, FileThatDoesNotFitInMemoryLeavesTheOthersToBeChecked) {
 // ---- pipes -----------------------------------------------------------------------------------------------
 
 TEST_F(TorvioOnPosix, PipeIsReadLikeAFile) {
-  // Larger than what a pipe holds, and of a kind that is detected from the content.
+  // Larger than the buffer of a pipe, and of a kind that is detected from the content.
   const std::string path = folder_.write("shapes", specialToolFile(60, std::vector<int>(5000, 3)));
   ASSERT_GT(std::filesystem::file_size(path), 200000U);
 
@@ -230,7 +230,7 @@ TEST_F(TorvioOnPosix, CheckOpensNoMoreFilesForAClosedPipe) {
 
 // ---- names -----------------------------------------------------------------------------------------------
 
-TEST_F(TorvioOnPosix, EveryFileNameIsTakenAsItIs) {
+TEST_F(TorvioOnPosix, EveryFileNameIsAccepted) {
   const Bytes tool = specialToolFile(60, {3});
   for (const std::string name : {"-x", "--kind", "--help", "--", "++", "[a,b]", "[]", "{}",  "map", "check", "a b",
                                  "%s", "a\\nb",  "-",      "-h", "'",  "\"",    "=",  "a=b", "/",   "\1[x]"}) {
@@ -275,7 +275,7 @@ TEST_F(TorvioOnPosix, WrongArgumentWithControlCharactersIsShownEscaped) {
   }
 }
 
-TEST_F(TorvioOnPosix, NameOfForeignLettersIsPrintedAsItIs) {
+TEST_F(TorvioOnPosix, NameWithNonAsciiLettersIsPrintedUnchanged) {
   const std::string name = "gr\xc3\xbc\xc3\x9f.spt";
   folder_.write(name, specialToolFile(60, {3}));
   EXPECT_EQ(inFolder(torvio_ + " check " + name).output.find(name + ": special-tool"), 0U);

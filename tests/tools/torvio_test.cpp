@@ -1,4 +1,4 @@
-// The tool itself: what it prints and its exit codes.
+// What torvio prints, and its exit codes.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -60,7 +60,7 @@ TEST_F(Torvio, CheckPrintsOneLineForEachFile) {
   EXPECT_EQ(run.errors, "");
 }
 
-// Damage is known for certain only of files that were read: one that was not may be worse than it.
+// A file that could not be read has a higher code than a damaged one: it may be damaged too.
 TEST_F(Torvio, CheckReturnsTheCodeOfTheWorstFileInAnyOrder) {
   const std::string longer = folder_.write("longer.spt", specialToolFile(60, {3}).zeros(7));
   const std::string refused = folder_.write("refused", Bytes().i16(50));
@@ -102,7 +102,7 @@ TEST_F(Torvio, MapOfAFileThatCannotBeReadIsAnError) {
   }
 }
 
-TEST_F(Torvio, FolderAmongTheFilesIsReportedAsOne) {
+TEST_F(Torvio, FolderAmongTheFilesIsReportedAsFolder) {
   const Outcome run = torvio("check " + folder_.path() + " " + tool_);
   EXPECT_EQ(run.code, 3);
   EXPECT_EQ(run.output.find(folder_.path() + ": is a folder\n" + tool_ + ": special-tool, "), 0U) << run.output;
@@ -118,7 +118,7 @@ TEST_F(Torvio, KindCanBeForcedBeforeOrAfterTheFiles) {
   EXPECT_EQ(torvio("map --kind group-part " + tool_).code, 1);
 }
 
-TEST_F(Torvio, FileOfNoKindIsReportedAsOne) {
+TEST_F(Torvio, FileOfUnknownKindIsReportedAsOne) {
   const std::string path = folder_.write("x", Bytes().i16(50).zeros(9));
   const Outcome run = torvio("check " + path);
   EXPECT_EQ(run.code, 1);
@@ -193,7 +193,7 @@ TEST_F(Torvio, HelpNamesTheKindsAndTheRecords) {
   expectNames(torvio("format --help").output, records);
 }
 
-TEST_F(Torvio, WrongNameIsReportedWithTheRightOnes) {
+TEST_F(Torvio, UnknownNameIsReportedWithTheValidOnes) {
   const Outcome map = torvio("map --kind nonsense " + tool_);
   const Outcome check = torvio("check " + tool_ + " --kind nonsense");
   const Outcome format = torvio("format nonsense");
@@ -234,7 +234,7 @@ TEST_F(Torvio, MisuseIsExplainedOnStandardErrorOnly) {
   }
 }
 
-// As a path of the root folder does; options begin with "-" on every host.
+// Absolute paths begin with "/"; options begin with "-" on every host.
 TEST_F(Torvio, NameThatBeginsWithASlashIsAFile) {
   const Outcome run = torvio("check /kind /h");
   EXPECT_EQ(run.code, 3);

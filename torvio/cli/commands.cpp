@@ -27,9 +27,8 @@ std::string describe(const explain::Fault& fault) {
   return "at " + hex(fault.offset) + " in " + fault.path + ": " + fault.reason;
 }
 
-// A file that no kind accepts is walked as a part file, up to its version word; the report must not
-// speak of parts then.
-constexpr explain::FileKind kInsteadOfUnknown = explain::FileKind::part;
+// A file of unknown kind is walked as a part file, up to its version word. Its report must not mention parts.
+constexpr explain::FileKind kFallbackKind = explain::FileKind::part;
 void nameVersionOfUnknown(explain::FileReport& report) {
   if (report.version) report.fault->reason = std::to_string(*report.version) + " is not a version of any kind of file";
 }
@@ -43,12 +42,12 @@ Checked checked(const std::string& path, std::span<const std::byte> bytes, std::
   if (forced) return {std::string(explain::nameOf(*forced)), explain::checkFile(bytes, *forced)};
   if (auto detected = explain::detect(path, bytes))
     return {std::string(explain::nameOf(detected->kind)), std::move(detected->report)};
-  Checked unknown{"unknown kind", explain::checkFile(bytes, kInsteadOfUnknown)};
+  Checked unknown{"unknown kind", explain::checkFile(bytes, kFallbackKind)};
   nameVersionOfUnknown(unknown.report);
   return unknown;
 }
 
-// For each line of a map; the text is reused, as there may be millions.
+// Prints the lines of a map. The text is reused, since there may be millions of lines.
 class LinePrinter {
  public:
   void operator()(const explain::MapLine& line) {
@@ -100,7 +99,7 @@ ExitCode mapCommand(const std::string& path, std::optional<explain::FileKind> fo
   }
   const auto detected = forced ? std::nullopt : explain::detect(path, file.bytes());
   const auto kind = detected ? std::optional(detected->kind) : forced;
-  explain::FileReport report = explain::mapFile(file.bytes(), kind.value_or(kInsteadOfUnknown), LinePrinter());
+  explain::FileReport report = explain::mapFile(file.bytes(), kind.value_or(kFallbackKind), LinePrinter());
   if (!report.fault) return kSound;
   if (!kind) nameVersionOfUnknown(report);
   print("FAULT " + describe(*report.fault) + "\n");

@@ -1,4 +1,4 @@
-// What torvio does, apart from its command line. Each command returns its exit code.
+// The commands of torvio. Each returns its exit code.
 #pragma once
 #include <optional>
 #include <string>
@@ -8,21 +8,21 @@
 
 namespace torvio {
 
-// Of several files, the highest is returned. A file that could not be read outweighs a damaged one, as
-// nothing is known about it.
+// With several files, the highest code is returned. A file that could not be read has a higher one than a damaged file,
+// since it may be damaged as well.
 enum ExitCode : int {
   kSound = 0,
-  kDamaged = 1,  // or refused: no file of its kind
-  kMisuse = 2,
+  kDamaged = 1,  // or refused: of unknown kind or version
+  kUsageError = 2,
   kNotReadOrWritten = 3,
 };
 
-// Prints offset, size, field path and value of every field; for a damaged file up to the fault, and
-// then what failed there. A file that could not be read is an error on standard error.
+// Prints offset, size, path and value of every field; for a damaged file up to the fault, and then what failed. If the
+// file cannot be read, prints the reason on standard error.
 ExitCode mapCommand(const std::string& path, std::optional<oldtorvio::explain::FileKind> forced);
 
-// Prints one line a file, with its path and then kind, version, status, bytes walked of bytes there and
-// fault, or why it could not be read.
+// Prints one line for each file: its path, then kind, version, status, read and total bytes and the fault, or why it
+// could not be read.
 ExitCode checkCommand(const std::vector<std::string>& paths, std::optional<oldtorvio::explain::FileKind> forced);
 
 // Prints the stored form of a kind of file, or of a record that files embed, as a Markdown table.

@@ -1,4 +1,4 @@
-// torvio: what is in an old file, and where a damaged one breaks.
+// torvio: shows what is in a file, and where a damaged file fails.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
@@ -18,7 +18,7 @@ using namespace torvio;
 
 constexpr std::size_t kHelpWidth = 80;
 
-// "Kinds: part, group-part, ..." over as many lines as it takes.
+// "Kinds: part, group-part, ...", wrapped to the width of the help.
 std::string list(const std::string& caption, const std::vector<std::string>& names) {
   std::string text, line = caption + ":";
   for (const std::string& name : names) {
@@ -32,7 +32,7 @@ std::string list(const std::string& caption, const std::vector<std::string>& nam
   return text + line;
 }
 
-// Leaves out "TEXT REQUIRED" and the like: the usage line shows what is required, and how often.
+// Omits "TEXT REQUIRED" and the like: the usage line shows what is required.
 class HelpFormatter : public CLI::Formatter {
  public:
   std::string make_option_opts(const CLI::Option* option) const override {
@@ -40,8 +40,7 @@ class HelpFormatter : public CLI::Formatter {
   }
 };
 
-// CLI11 splits an argument "[a,b]" in two and drops "++", but both may be names of files. A mark before
-// them gets them through.
+// CLI11 splits an argument "[a,b]" in two and drops "++", but both may be file names. A mark before them prevents that.
 constexpr char kMark = '\1';
 bool isChanged(const std::string& argument) {
   return argument == "++" || argument.starts_with('[') || argument.starts_with(kMark);
@@ -54,13 +53,13 @@ std::string unmarked(const std::string& argument) {
 constexpr const char* kExitCodes =
     "Exit code:\n"
     "  0  every file is sound\n"
-    "  1  a file is damaged, or of no known kind or version\n"
-    "  2  misuse\n"
+    "  1  a file is damaged, or its kind or version is unknown\n"
+    "  2  the command line is wrong\n"
     "  3  a file could not be read, or the output could not be written\n"
-    "Of several files, the highest code is returned.";
+    "With several files, the highest code is returned.";
 
 std::string fileHelp() {
-  return list("Kinds", kindNames()) + "\n\nA FILE may be a pipe. One of more than " +
+  return list("Kinds", kindNames()) + "\n\nA FILE may be a pipe. A file of more than " +
          std::to_string(oldtorvio::explain::FileContent::kLargestMiB) +
          " MiB is not read.\nArguments after \"--\" are files, even if they begin with \"-\".\n\n" + kExitCodes;
 }
@@ -97,15 +96,15 @@ class CommandLine {
         ->required()
         ->check(oneOf(tables, "kind or record", "Kinds and records"));
     format_->footer(list("Kinds", kindNames()) + "\n\n" + list("Records", recordNames()) +
-                    "\n\nExit code: 0, 2 for misuse, 3 if the output could not be written.");
+                    "\n\nExit code: 0, 2 for a wrong command line, 3 if the output could not be written.");
   }
 
   ExitCode run(int argc, char** argv) {
     if (argc < 2) {
       (void)std::fputs(app_.help().c_str(), stderr);
-      return kMisuse;
+      return kUsageError;
     }
-    // CLI11 takes them from the end of the list.
+    // CLI11 expects them in reverse order.
     std::vector<std::string> arguments;
     for (int i = argc - 1; i > 0; --i) arguments.push_back(marked(argv[i]));
     try {
@@ -117,13 +116,13 @@ class CommandLine {
       print(version.what() + std::string("\n"));
       return kSound;
     } catch (const CLI::ArgumentMismatch&) {
-      // Nothing else has a value that can be missing.
-      return misuse("--kind requires a KIND");
+      // No other option has a value.
+      return usageError("--kind requires a KIND");
     } catch (const CLI::ValidationError& error) {
-      const std::string text = error.what();  // begins with the name of the argument
-      return misuse(text.substr(text.find(": ") + 2));
+      const std::string text = error.what();  // starts with the name of the argument
+      return usageError(text.substr(text.find(": ") + 2));
     } catch (const CLI::ParseError& error) {
-      return misuse(error.what());
+      return usageError(error.what());
     }
     const auto forced = kindNamed(kind_);
     if (*format_) return formatCommand(table_);
@@ -150,11 +149,11 @@ class CommandLine {
     return names;
   }
 
-  ExitCode misuse(std::string error) const {
+  ExitCode usageError(std::string error) const {
     const auto commands = app_.get_subcommands();
     const bool isAboutCommand = !commands.empty() && app_.remaining().empty();
     const std::string command = isAboutCommand ? commands.front()->get_name() : "";
-    // What is unexpected says more than what is missing for it.
+    // An unexpected argument is more helpful to report than a missing one.
     const std::vector<std::string> unexpected = app_.remaining(true);
     if (!unexpected.empty()) {
       const std::string& first = unexpected.front();
@@ -166,7 +165,7 @@ class CommandLine {
     }
     printError((isAboutCommand ? command + ": " : "") + error + "\nTry \"torvio " +
                (isAboutCommand ? command + " " : "") + "--help\".");
-    return kMisuse;
+    return kUsageError;
   }
 
   CLI::App app_{"Explains the older binary files of a sheet-metal fabrication suite byte by byte.", "torvio"};

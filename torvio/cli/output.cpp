@@ -22,7 +22,7 @@ void print(std::string_view text) {
 }
 
 void finishOutput() {
-  // Closing fails if there is no standard output, but then nothing is lost.
+  // Closing fails if there is no standard output, but without output nothing is lost.
   if (!somethingPrinted) return;
   if (std::fflush(stdout) != 0 || std::fclose(stdout) != 0) throw OutputError(errno);
 }

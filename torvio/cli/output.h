@@ -1,4 +1,4 @@
-// What torvio prints: lost output is an error, and a name stays on its line.
+// Output of torvio: lost output is an error, and file names cannot break lines.
 #pragma once
 #include <exception>
 #include <string>
@@ -11,7 +11,7 @@ class OutputError : public std::exception {
  public:
   explicit OutputError(int error);
   const char* what() const noexcept override { return text_.c_str(); }
-  // Whether the reader of a pipe has closed it, as `head` does: not worth a message.
+  // Whether the reader of a pipe has closed it, as `head` does: no message is printed then.
   bool isClosedPipe() const;
 
  private:
@@ -19,17 +19,16 @@ class OutputError : public std::exception {
   std::string text_;
 };
 
-// Writes to standard output. Throws OutputError as soon as a write fails, so that a long run ends
-// there.
+// Writes to standard output. Throws OutputError as soon as a write fails, which ends a long run.
 void print(std::string_view text);
-// To be called after the last print(): some errors only show when the output is flushed and closed.
+// Call it after the last print(): some errors only show when the output is flushed and closed.
 void finishOutput();
 
-// "torvio: " and the text on standard error, after what has been printed so far.
+// Prints "torvio: " and the text on standard error, after flushing standard output.
 void printError(std::string_view text);
 
-// The text with its control characters escaped ("\n", "\x1b"), so that it takes one line and does
-// nothing to a terminal. Backslashes stay as they are: file names of Windows are full of them.
+// The text with its control characters escaped ("\n", "\x1b"), so that it takes one line and does not affect the
+// terminal. Backslashes are not escaped: Windows paths contain many.
 std::string onOneLine(std::string_view text);
 
 }  // namespace torvio

@@ -9,20 +9,20 @@
 namespace oldtorvio::explain {
 namespace {
 
-// Higher is likelier. A kind that refuses the version is no candidate at all.
+// Compared in this order, higher is likelier. A kind that refuses the version is not a candidate.
 using Likelihood = std::tuple<bool, bool, std::uint64_t, bool>;
 
 std::optional<Likelihood> likelihood(const FileReport& report) {
   const bool refused = report.fault && report.fault->path == "version";
   if (!report.version || refused) return std::nullopt;
-  // A wrong kind may be complete after a few bytes, while the right one comes to the damage: so after a
-  // file that is sound but for a little at its end, how far the walk came matters most.
+  // A wrong kind may be complete after a few bytes, while the right one reads up to the fault. So unless nearly all of
+  // the file is sound, the number of bytes read matters most.
   const bool isSound = report.status == 0;
   const bool isNearlyAll = isSound && report.walked >= report.size - report.size / 8;
   return Likelihood{report.endsExactly(), isNearlyAll, report.walked, isSound};
 }
 
-// The kind that the extension decides, whatever the file holds.
+// The kind by extension, whatever the file contains.
 std::optional<FileKind> kindOfName(std::string_view path) {
   constexpr std::string_view kSpecialToolExtension = ".spt";
   if (path.size() >= kSpecialToolExtension.size() &&

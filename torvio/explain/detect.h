@@ -1,4 +1,4 @@
-// Which kind of file a file is.
+// Detects the kind of a file.
 #pragma once
 #include <cstddef>
 #include <optional>
@@ -12,17 +12,16 @@ namespace oldtorvio::explain {
 
 struct Detected {
   FileKind kind;
-  FileReport report;  // as checkFile of that kind
+  FileReport report;  // of checkFile for that kind
 };
 
-// From the extension where one is known (".spt", in any case), else from the content. The formats
-// have no magic: every kind is tried, and the one that ends exactly at the end of the file is
-// preferred, then one that can be read, then the one that comes furthest before its fault.
-// Nothing for a file whose version fits no kind.
+// By the extension if it is ".spt" (in any case), otherwise from the contents. The formats have no magic number: every
+// kind is tried. A kind that ends exactly at the end of the file is preferred, then one that reads nearly all of it
+// without a fault, then the one that reads furthest. Returns nothing if no kind accepts the version.
 std::optional<Detected> detect(std::string_view path, std::span<const std::byte> bytes);
 
-// The kind of the file at that path, which is opened once. A file that cannot be read has the kind of
-// its extension, or none.
+// The kind of the file at this path, which is opened once. For a file that cannot be read, the kind of its extension,
+// or nothing.
 std::optional<FileKind> detectKind(const std::string& path);
 
 }  // namespace oldtorvio::explain

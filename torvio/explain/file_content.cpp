@@ -12,7 +12,7 @@
 namespace oldtorvio::explain {
 namespace {
 
-// Some systems open folders and some do not; all can be asked.
+// Whether a folder can be opened depends on the system; stat works on all.
 bool isFolder(const std::string& path) {
   struct stat info {};
   return ::stat(path.c_str(), &info) == 0 && (info.st_mode & S_IFMT) == S_IFDIR;
@@ -37,7 +37,7 @@ void FileContent::readAll(std::FILE* file, std::uint64_t largestMiB) {
   constexpr std::uint64_t kFirstBuffer = 64U << 10U;
   const std::uint64_t largest = largestMiB << 20U;
   const std::uint64_t expected = frame::sizeOfFile(file).value_or(0);
-  // One byte more than the file should have: the read that fetches its last byte then also meets its end.
+  // One byte more than the expected size: the read that returns the last byte then also detects the end.
   std::uint64_t capacity = std::max(expected + 1, kFirstBuffer);
   std::size_t got = 0, room = 0;
   do {

@@ -1,5 +1,4 @@
-// The bytes of one file, read once: a file that can be read only once (a pipe) is then walked as often
-// as an ordinary one.
+// The bytes of one file, read once, so that a pipe can be walked as often as an ordinary file.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -12,14 +11,14 @@ namespace oldtorvio::explain {
 
 class FileContent {
  public:
-  // The bound keeps a device without an end from taking all memory. No real file comes near it.
+  // Keeps an endless device from using all memory. Real files are much smaller.
   static constexpr std::uint64_t kLargestMiB = 1024;
 
   // Opens the file, reads it to its end and closes it.
   explicit FileContent(const std::string& path, std::uint64_t largestMiB = kLargestMiB);
 
-  // Why the file could not be read, in words that follow its name: "cannot be opened: No such file or
-  // directory", "is a folder". Empty if it was read.
+  // Why the file could not be read, as a text to print after its name: "cannot be opened: No such file or directory",
+  // "is a folder". Empty if it was read.
   const std::string& error() const { return error_; }
   // Everything in the file; nothing after an error.
   std::span<const std::byte> bytes() const { return {bytes_.get(), size_}; }

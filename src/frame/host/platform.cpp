@@ -5,7 +5,7 @@ namespace {
 
 std::FILE* opened(const char* path, const char* mode) noexcept {
   std::FILE* file = path == nullptr ? nullptr : std::fopen(path, mode);
-  // Both streams move large blocks of their own: a second buffer would only copy them once more.
+  // InStream and OutStream have buffers of their own; a second one would only cost a copy.
   if (file != nullptr) (void)std::setvbuf(file, nullptr, _IONBF, 0);
   return file;
 }

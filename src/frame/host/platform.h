@@ -1,5 +1,5 @@
-// What the library asks of the operating system, once for each system: the only place where a
-// description of the host belongs.
+// All that the library asks of the operating system, with one implementation for each. Code that depends on the host
+// belongs here only.
 #pragma once
 #include <cstdint>
 #include <cstdio>
@@ -10,11 +10,10 @@
 
 namespace oldtorvio::frame {
 
-// Open files close with their owner. A file that was written is closed with close(), whose answer
-// may be the first to tell that the disk is full.
+// An open file, closed by its destructor. Call close() for a file that was written: a full disk may only show there.
 class File {
  public:
-  // Null paths, folders and files that cannot be opened give a closed File.
+  // Returns a closed File for a null path, for a folder and if the file cannot be opened.
   static File openToRead(const char* path) noexcept;
   static File openToWrite(const char* path) noexcept;
 
@@ -31,23 +30,23 @@ class File {
   std::FILE* handle_;
 };
 
-// Whether a folder was opened as if it were a file.
+// Whether `file` is a folder that the system opened like a file.
 bool isFolder(std::FILE* file) noexcept;
-// Bytes of a regular file, nothing for a pipe or device.
+// The size of a regular file; nothing for a pipe or device.
 std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept;
 
-// The value of a key of "win.ini", at most `size` - 1 characters, empty when there is none. Section
-// and key without regard to case; outer blanks and one pair of quotes are taken off.
+// The value of a key in "win.ini", at most `size` - 1 characters; empty if there is none. The case of section and key
+// is ignored; outer blanks and one pair of quotes are removed.
 std::string profileText(std::string_view section, std::string_view key, std::size_t size);
 
-// The paths of special tools are separated by "\". Where the host's separator is "/", a path is tried as it
-// is first, and with each "\" as "/" second.
-//
-// Calls visit(name, path) for each file of the folder (no folders) in the system's order until it returns
-// false. `path` opens the file on this host.
+// Paths of special tools use "\" as their separator. A host whose separator is "/" tries a path unchanged first, then
+// with "/" in place of each "\".
+
+// Calls visit(name, path) for each file of the folder, in the system's order, until it returns false. Subfolders are
+// skipped. `path` opens the file on this host.
 void walkFolder(const std::string& folder,
                 const std::function<bool(const std::string& name, const std::string& path)>& visit);
-// The path under which this host has the file (or folder), nothing if it has none.
+// The path under which the file or folder exists on this host; nothing if it does not exist.
 std::optional<std::string> findFile(const std::string& path);
 
 }  // namespace oldtorvio::frame

@@ -20,7 +20,7 @@ bool isFolder(const std::string& path) {
   return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-// As it is, and with "/" in place of "\".
+// The path unchanged and, if it contains "\", with "/" in place of each.
 std::vector<std::string> spellingsOf(const std::string& path) {
   std::vector<std::string> all{path};
   if (path.find('\\') == std::string::npos) return all;
@@ -42,7 +42,7 @@ std::string contentOf(const std::string& path) {
 
 }  // namespace
 
-// This system opens folders and only fails to read them.
+// POSIX opens folders; only reading them fails.
 bool isFolder(std::FILE* file) noexcept {
   struct stat info {};
   return ::fstat(::fileno(file), &info) == 0 && S_ISDIR(info.st_mode);
@@ -59,7 +59,7 @@ std::string profileText(std::string_view section, std::string_view key, std::siz
     const char* value = std::getenv(name);
     return std::string(value == nullptr ? "" : value);
   };
-  // Relative entries would be looked up in the working directory, which anybody may own.
+  // Relative entries are ignored: the working directory may belong to someone else.
   const auto lookIn = [&](const std::string& folder) {
     if (folder.empty() || folder.front() != '/') return std::string();
     return profileValue(contentOf(folder + "/OldTorvIO/win.ini"), section, key, size);
@@ -83,7 +83,7 @@ std::string profileText(std::string_view section, std::string_view key, std::siz
 void walkFolder(const std::string& folder,
                 const std::function<bool(const std::string& name, const std::string& path)>& visit) {
   std::vector<std::string> spellings = spellingsOf(folder);
-  // A final "\" may only separate the folder from the names of its files.
+  // A final "\" may be just the separator before the file name.
   if (folder.size() > 1 && folder.back() == '\\')
     spellings.insert(spellings.begin() + 1, folder.substr(0, folder.size() - 1));
 

@@ -9,7 +9,7 @@
 
 namespace oldtorvio::frame {
 
-// This system does not open them as files.
+// Windows does not open folders as files.
 bool isFolder(std::FILE*) noexcept { return false; }
 
 std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept {

@@ -1,4 +1,4 @@
-// Texts of files that are printed as formats.
+// Prints a text from a file as a printf format without arguments. The real printf has undefined behaviour then.
 #include <algorithm>
 #include <cctype>
 
@@ -17,7 +17,7 @@ struct Directive {
 
 bool isOneOf(char c, std::string_view all) { return all.find(c) != std::string_view::npos; }
 
-// Walks a format behind a "%".
+// Parses the directive after a "%".
 class Scanner {
  public:
   Scanner(std::string_view format, std::size_t at) : format_(format), at_(at) {}
@@ -46,14 +46,14 @@ class Scanner {
  private:
   char peek(std::size_t ahead = 0) const { return at_ + ahead < format_.size() ? format_[at_ + ahead] : '\0'; }
   bool isDigit() const { return peek() >= '0' && peek() <= '9'; }
-  // A number, or "*" for one that nobody passed.
+  // A number, or "*" for a missing argument, which is read as 0.
   std::size_t number() {
     if (peek() == '*') {
       ++at_;
       return 0;
     }
     std::size_t n = 0;
-    for (; isDigit(); ++at_) n = std::min(n * 10 + static_cast<std::size_t>(peek() - '0'), kMostWidth);
+    for (; isDigit(); ++at_) n = std::min(n * 10 + static_cast<std::size_t>(peek() - '0'), kMaxWidth);
     return n;
   }
   void skipLength() {
@@ -64,20 +64,20 @@ class Scanner {
     while (isOneOf(peek(), "hlLqjztwI")) ++at_;
   }
 
-  static constexpr std::size_t kMostWidth = 0x7FFFFFFF;
+  static constexpr std::size_t kMaxWidth = 0x7FFFFFFF;
 
   std::string_view format_;
   std::size_t at_;
 };
 
-// A file may ask for any width, so of long runs only what can be seen is made.
+// A file may ask for any width. Only as many digits are produced as the result can show.
 struct Digits {
   std::string text;
-  std::size_t unseen = 0;  // characters left out
+  std::size_t omitted = 0;  // digits beyond `longest`
 
   void append(std::size_t count, char digit, std::size_t longest) {
     text.append(std::min(count, longest), digit);
-    unseen += count - std::min(count, longest);
+    omitted += count - std::min(count, longest);
   }
 };
 
@@ -105,7 +105,7 @@ Digits zeroInteger(const Directive& d, std::size_t longest) {
   return digits;
 }
 
-// What the directive prints for nothing, or the character that shows it to be none.
+// What the directive prints for zero or an empty text; for an unknown directive, its last character.
 std::string printed(const Directive& d, std::size_t longest) {
   const bool isInteger = isOneOf(d.kind, "diouxX");
   const bool isReal = isOneOf(d.kind, "eEfFgGaA");
@@ -127,11 +127,11 @@ std::string printed(const Directive& d, std::size_t longest) {
   const bool isSigned = isReal || d.kind == 'd' || d.kind == 'i';
   std::string sign;
   if (isSigned) sign = d.hasPlus ? "+" : d.hasBlank ? " " : "";
-  const std::size_t length = sign.size() + text.size() + digits.unseen;
+  const std::size_t length = sign.size() + text.size() + digits.omitted;
   const std::size_t fill = std::min(d.width > length ? d.width - length : 0, longest);
   if (d.isLeft) return sign + text + std::string(fill, ' ');
   if (d.hasZeros && (isReal || (isInteger && !d.hasPrecision))) {
-    // A hexadecimal real keeps its "0x" in front.
+    // The zeros follow the "0x" of a hexadecimal real.
     const std::size_t head = d.kind == 'a' || d.kind == 'A' ? 2 : 0;
     return sign + text.substr(0, head) + std::string(fill, '0') + text.substr(head);
   }
@@ -151,7 +151,7 @@ std::string printedWithoutValues(std::string_view format, std::size_t longest) {
     text += printed(scanner.scan(), longest);
     i = scanner.at();
   }
-  // A character of zero ends the answer.
+  // "%c" prints a NUL, which ends the result.
   text.resize(std::min({text.size(), longest, text.find('\0')}));
   return text;
 }

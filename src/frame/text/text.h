@@ -1,4 +1,4 @@
-// Fixed texts, names and numbers as text. Nothing here reads the host's locale.
+// Fixed-size texts, file names and number formatting. Nothing here reads the host's locale.
 #pragma once
 #include <algorithm>
 #include <cstddef>
@@ -12,20 +12,20 @@
 
 namespace oldtorvio::frame {
 
-// Sets a field as setFixedText does. A text that does not fit ends the process.
+// Sets a field as setFixedText does, but ends the process if the text does not fit.
 template <std::size_t N>
 void setText(char (&field)[N], std::string_view text) {
   if (!setFixedText(field, text)) EndProcess();
 }
 
-// As setText, for the path of a load: the field keeps as much of a longer one as fits. A caller may load a
-// record again from the path that it holds.
+// As setText for the path of a load, but truncates a path that does not fit. `path` may be the field itself: a
+// caller may reload a record from the path in it.
 template <std::size_t N>
 void setPath(char (&field)[N], std::string_view path) {
   setText(field, path.substr(0, N - 1));
 }
 
-// Sets a field to the text and NUL of another, as setText does; a text without a NUL fills it.
+// Copies the text of one field to another of the same size, with its NUL if it has one. The bytes after it stay.
 template <std::size_t N>
 void copyText(char (&field)[N], const char (&from)[N]) {
   const std::string_view text = fixedText(from);
@@ -38,13 +38,13 @@ inline void copyOut(char* to, std::string_view text) {
   to[text.size()] = '\0';
 }
 
-// Returns the length, and copies the text if it fits with its NUL into `size` characters.
+// Sets `length`, and copies the text if it fits into `size` characters with its NUL.
 void copyOutBounded(std::string_view text, char* to, std::int32_t size, std::uint32_t& length);
 
 // Ignores the case of A to Z only.
 bool equalNoCase(std::string_view a, std::string_view b);
 
-// The last piece of a path without its extension. "\" and "/" separate, and so does ":" after a drive
+// The last component of a path without its extension. The separators are "\" and "/", and ":" after a drive
 // letter.
 std::string_view baseName(std::string_view path);
 
@@ -53,8 +53,8 @@ void appendFixed3(std::string& to, double value);  // as "%6.3f"
 void appendFixed6(std::string& to, double value);  // as "%f"
 std::string general(double value);                 // as "%g"
 
-// The output of printing `format` without any values: a directive prints what it prints for zero or an
-// empty text, "%%" a "%", and a "%" that begins no directive is left out. At most `longest` characters.
+// The output of printf for `format` without arguments: a directive prints what it would print for zero or an empty
+// text, "%%" prints "%", and a "%" that begins no directive is dropped. At most `longest` characters.
 std::string printedWithoutValues(std::string_view format, std::size_t longest);
 
 }  // namespace oldtorvio::frame
