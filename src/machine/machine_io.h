@@ -3,31 +3,22 @@
 // Results as in src/records/record_io.h.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/codec/stream.h"
+#include "src/frame/codec/record_codec.h"
 
 namespace oldtorvio {
 
 using codec::InStream;
 using codec::OutStream;
 
-int ReadClampInfo(InStream& stream, ClampInfo& info);
-bool WriteClampInfo(OutStream& stream, const ClampInfo& info);
-int ReadMachineFrame(InStream& stream, int version, MachineFrame& frame);
-bool WriteMachineFrame(OutStream& stream, int version, const MachineFrame& frame);
-int ReadWorkArea(InStream& stream, WorkArea& area);
-bool WriteWorkArea(OutStream& stream, const WorkArea& area);
-int ReadShapeProgram(InStream& stream, int version, ShapeProgram& program);
-bool WriteShapeProgram(OutStream& stream, int version, const ShapeProgram& program);
-int ReadShapeProgramEx(InStream& stream, int version, ShapeProgramEx& program);
-bool WriteShapeProgramEx(OutStream& stream, int version, const ShapeProgramEx& program);
-int ReadMachineGrid(InStream& stream, MachineGrid& grid);
-bool WriteMachineGrid(OutStream& stream, const MachineGrid& grid);
-int ReadGridSegment(InStream& stream, GridSegment& segment);
-bool WriteGridSegment(OutStream& stream, const GridSegment& segment);
-int ReadMachineExtension(InStream& stream, MachineExtension& extension);
-bool WriteMachineExtension(OutStream& stream, const MachineExtension& extension);
-int ReadMachineUnitTable(InStream& stream, int version, MachineUnitTable& table);
-bool WriteMachineUnitTable(OutStream& stream, int version, const MachineUnitTable& table);
+DECLARE_UNVERSIONED_CODEC(ClampInfo, ClampInfo);
+DECLARE_RECORD_CODEC(MachineFrame, MachineFrame);
+DECLARE_UNVERSIONED_CODEC(WorkArea, WorkArea);
+DECLARE_RECORD_CODEC(ShapeProgram, ShapeProgram);
+DECLARE_RECORD_CODEC(ShapeProgramEx, ShapeProgramEx);
+DECLARE_UNVERSIONED_CODEC(MachineGrid, MachineGrid);
+DECLARE_UNVERSIONED_CODEC(GridSegment, GridSegment);
+DECLARE_UNVERSIONED_CODEC(MachineExtension, MachineExtension);
+DECLARE_RECORD_CODEC(MachineUnitTable, MachineUnitTable);
 
 // The body after the version word. `shapes`: the list whose trailer values the machine may store. If it is null, a body
 // that stores such values returns 1.

@@ -3,7 +3,7 @@
 // Results as in src/records/record_io.h.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/codec/stream.h"
+#include "src/frame/codec/record_codec.h"
 
 namespace oldtorvio {
 
@@ -14,20 +14,13 @@ using codec::OutStream;
 int ReadParamTable(InStream& stream, ParamTable& table);
 bool WriteParamTable(OutStream& stream, const ParamTable& table);
 
-int ReadSettingList(InStream& stream, int version, SettingList& list);
-bool WriteSettingList(OutStream& stream, int version, const SettingList& list);
-int ReadMaterialToolSetTable(InStream& stream, int version, MaterialToolSetTable& table);
-bool WriteMaterialToolSetTable(OutStream& stream, int version, const MaterialToolSetTable& table);
-int ReadMaterialPalette(InStream& stream, int version, MaterialPalette& palette);
-bool WriteMaterialPalette(OutStream& stream, int version, const MaterialPalette& palette);
-int ReadMaterialStageTable(InStream& stream, int version, MaterialStageTable& table);
-bool WriteMaterialStageTable(OutStream& stream, int version, const MaterialStageTable& table);
-int ReadMaterialEntryList(InStream& stream, int version, std::vector<MaterialEntry>& list);
-bool WriteMaterialEntryList(OutStream& stream, int version, const std::vector<MaterialEntry>& list);
-int ReadMaterialRuleLists(InStream& stream, int version, MaterialRuleLists& rules);
-bool WriteMaterialRuleLists(OutStream& stream, int version, const MaterialRuleLists& rules);
-int ReadMaterialHeadRecord(InStream& stream, int version, MaterialHeadRecord& head);
-bool WriteMaterialHeadRecord(OutStream& stream, int version, const MaterialHeadRecord& head);
+DECLARE_RECORD_CODEC(SettingList, SettingList);
+DECLARE_RECORD_CODEC(MaterialToolSetTable, MaterialToolSetTable);
+DECLARE_RECORD_CODEC(MaterialPalette, MaterialPalette);
+DECLARE_RECORD_CODEC(MaterialStageTable, MaterialStageTable);
+DECLARE_RECORD_CODEC(MaterialEntryList, std::vector<MaterialEntry>);
+DECLARE_RECORD_CODEC(MaterialRuleLists, MaterialRuleLists);
+DECLARE_RECORD_CODEC(MaterialHeadRecord, MaterialHeadRecord);
 
 // Everything but path, version and params. The writer stores the choices as they are, and then reduces those above
 // their limit in the record.

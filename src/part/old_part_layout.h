@@ -189,8 +189,8 @@ struct Layout<Version3Part> {
     return io.element(FIELDS(l.entries), i, [&] {
              return io.fields(FIELDS(record.bytes))
                  && io.require(custom("records of an unknown type are not read", record.hasKnownType()))
-                 && io.when(custom("the type has more bytes", record.bytesBehind() > 0),
-                            [&] { return io.reserved(static_cast<std::size_t>(record.bytesBehind())); })
+                 && io.when(custom("the type has more bytes", record.bytesAfter() > 0),
+                            [&] { return io.reserved(static_cast<std::size_t>(record.bytesAfter())); })
                  && io.when(custom("the type has a text", record.carriesText()), [&] {
                       return io.rows(record.textCount(), [&](std::size_t) {
                         std::uint8_t unused[2] = {};

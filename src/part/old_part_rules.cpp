@@ -171,7 +171,7 @@ bool OldSetupRecord::carriesText() const {
   return kind == 7 || kind == 9 || kind >= 15;
 }
 
-int OldSetupRecord::bytesBehind() const {
+int OldSetupRecord::bytesAfter() const {
   switch (type()) {
     case 1:
     case 2:

@@ -28,12 +28,7 @@ bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList&
   return io.list(FIELDS(list), codec::kAppended, true);
 }
 
-int ReadPlacedShapeList(InStream& stream, int version, PlacedShapeList& list) {
-  return resultOf(readRecord(stream, version, list));
-}
-bool WritePlacedShapeList(OutStream& stream, int version, const PlacedShapeList& list) {
-  return writeRecord(stream, version, list);
-}
+DEFINE_RECORD_CODEC(PlacedShapeList, PlacedShapeList)
 bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups) {
   Reader io(stream, version);
   return io.list(FIELDS(groups), codec::kAppended);

@@ -3,7 +3,7 @@
 // Results as in src/records/record_io.h. `embedded` is true for a part inside a sheet.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/codec/stream.h"
+#include "src/frame/codec/record_codec.h"
 
 namespace oldtorvio {
 
@@ -15,8 +15,7 @@ bool WritePattern(OutStream& stream, int version, const Pattern& pattern);
 int ReadEmbeddedPatternList(InStream& stream, int version, bool embedded, PatternList& list);
 bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList& list);
 
-int ReadPlacedShapeList(InStream& stream, int version, PlacedShapeList& list);
-bool WritePlacedShapeList(OutStream& stream, int version, const PlacedShapeList& list);
+DECLARE_RECORD_CODEC(PlacedShapeList, PlacedShapeList);
 // Readers and writers of these three return true for success.
 bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups);
 bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups);

@@ -5,7 +5,7 @@
 // record.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/codec/stream.h"
+#include "src/frame/codec/record_codec.h"
 
 namespace oldtorvio {
 
@@ -17,46 +17,29 @@ void InitOldTool(OldTool& tool);
 int ReadOldTool(InStream& stream, int version, bool pathIsStored, OldTool& tool);
 bool WriteOldTool(OutStream& stream, int version, bool pathIsStored, const OldTool& tool);
 
-int ReadToolStation(InStream& stream, int version, ToolStation& station);
-bool WriteToolStation(OutStream& stream, int version, const ToolStation& station);
-int ReadToolStationList(InStream& stream, int version, ToolStationList& list);
-bool WriteToolStationList(OutStream& stream, int version, const ToolStationList& list);
+DECLARE_RECORD_CODEC(ToolStation, ToolStation);
+DECLARE_RECORD_CODEC(ToolStationList, ToolStationList);
 void AddToolStation(ToolStationList& list, const ToolStation& station);
 void AddTool(ToolStationList& list, const OldTool& tool);
 
-int ReadShape(InStream& stream, int version, Shape& shape);
-bool WriteShape(OutStream& stream, int version, const Shape& shape);
-int ReadShapeList(InStream& stream, int version, ShapeList& list);
-bool WriteShapeList(OutStream& stream, int version, const ShapeList& list);
+DECLARE_RECORD_CODEC(Shape, Shape);
+DECLARE_RECORD_CODEC(ShapeList, ShapeList);
 // One trailerValue for each shape in the list; no count is stored.
 int ReadShapeTrailer(InStream& stream, ShapeList& list);
 bool WriteShapeTrailer(OutStream& stream, const ShapeList& list);
 
-int ReadProcessSlot(InStream& stream, int version, ProcessSlot& slot);
-bool WriteProcessSlot(OutStream& stream, int version, const ProcessSlot& slot);
-int ReadStepTable(InStream& stream, int version, StepTable& table);
-bool WriteStepTable(OutStream& stream, int version, const StepTable& table);
-int ReadStepTableList(InStream& stream, int version, StepTableList& list);
-bool WriteStepTableList(OutStream& stream, int version, const StepTableList& list);
-int ReadSetupEntry(InStream& stream, SetupEntry& entry);
-bool WriteSetupEntry(OutStream& stream, const SetupEntry& entry);
-int ReadSetupList(InStream& stream, SetupList& list);
-bool WriteSetupList(OutStream& stream, const SetupList& list);
-int ReadMotionBlock(InStream& stream, int version, MotionBlock& block);
-bool WriteMotionBlock(OutStream& stream, int version, const MotionBlock& block);
-int ReadProfileRecord(InStream& stream, int version, ProfileRecord& profile);
-bool WriteProfileRecord(OutStream& stream, int version, const ProfileRecord& profile);
-int ReadProfileList(InStream& stream, int version, ProfileList& list);
-bool WriteProfileList(OutStream& stream, int version, const ProfileList& list);
-int ReadPatternItem(InStream& stream, int version, PatternItem& item);
-bool WritePatternItem(OutStream& stream, int version, const PatternItem& item);
-int ReadPatternItemList(InStream& stream, int version, PatternItemList& list);
-bool WritePatternItemList(OutStream& stream, int version, const PatternItemList& list);
-int ReadWorkEntry(InStream& stream, int version, WorkEntry& entry);
-bool WriteWorkEntry(OutStream& stream, int version, const WorkEntry& entry);
-int ReadMarkEntry(InStream& stream, MarkEntry& entry);
-bool WriteMarkEntry(OutStream& stream, const MarkEntry& entry);
-int ReadMarkList(InStream& stream, MarkList& list);
-bool WriteMarkList(OutStream& stream, const MarkList& list);
+DECLARE_RECORD_CODEC(ProcessSlot, ProcessSlot);
+DECLARE_RECORD_CODEC(StepTable, StepTable);
+DECLARE_RECORD_CODEC(StepTableList, StepTableList);
+DECLARE_UNVERSIONED_CODEC(SetupEntry, SetupEntry);
+DECLARE_UNVERSIONED_CODEC(SetupList, SetupList);
+DECLARE_RECORD_CODEC(MotionBlock, MotionBlock);
+DECLARE_RECORD_CODEC(ProfileRecord, ProfileRecord);
+DECLARE_RECORD_CODEC(ProfileList, ProfileList);
+DECLARE_RECORD_CODEC(PatternItem, PatternItem);
+DECLARE_RECORD_CODEC(PatternItemList, PatternItemList);
+DECLARE_RECORD_CODEC(WorkEntry, WorkEntry);
+DECLARE_UNVERSIONED_CODEC(MarkEntry, MarkEntry);
+DECLARE_UNVERSIONED_CODEC(MarkList, MarkList);
 
 }  // namespace oldtorvio

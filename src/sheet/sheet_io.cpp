@@ -8,28 +8,13 @@ namespace oldtorvio {
 
 using codec::Reader;
 using codec::readRecord;
-using codec::readUnversioned;
 using codec::resultOf;
 using codec::Writer;
 using codec::writeRecord;
-using codec::writeUnversioned;
 
-int ReadSheetPartList(InStream& stream, int version, SheetPartList& list) {
-  return resultOf(readRecord(stream, version, list));
-}
-bool WriteSheetPartList(OutStream& stream, int version, const SheetPartList& list) {
-  return writeRecord(stream, version, list);
-}
-int ReadSheetSetupList(InStream& stream, SheetSetupList& list) { return resultOf(readUnversioned(stream, list)); }
-bool WriteSheetSetupList(OutStream& stream, const SheetSetupList& list) { return writeUnversioned(stream, list); }
-int ReadSheetTextEntries(InStream& stream, int version, std::vector<SheetTextEntry>& list) {
-  Reader io(stream, version);
-  return resultOf(io.list(FIELDS(list), codec::kReplaced));
-}
-bool WriteSheetTextEntries(OutStream& stream, int version, const std::vector<SheetTextEntry>& list) {
-  Writer io(stream, version);
-  return io.list(FIELDS(list), codec::kReplaced);
-}
+DEFINE_RECORD_CODEC(SheetPartList, SheetPartList)
+DEFINE_UNVERSIONED_CODEC(SheetSetupList, SheetSetupList)
+DEFINE_LIST_CODEC(SheetTextEntries, std::vector<SheetTextEntry>, codec::kReplaced)
 int ReadNamedWorkLists(InStream& stream, int version, std::vector<NamedWorkList>& list) {
   Reader io(stream, version);
   return resultOf(io.clear(FIELDS(list)) && io.list(FIELDS(list), codec::kAppended));
@@ -38,14 +23,7 @@ bool WriteNamedWorkLists(OutStream& stream, int version, const std::vector<Named
   Writer io(stream, version);
   return io.list(FIELDS(list), codec::kAppended);
 }
-int ReadMachineExtensionEntries(InStream& stream, std::vector<MachineExtensionEntry>& list) {
-  Reader io(stream);
-  return resultOf(io.list(FIELDS(list), codec::kCountFirst));
-}
-bool WriteMachineExtensionEntries(OutStream& stream, const std::vector<MachineExtensionEntry>& list) {
-  Writer io(stream);
-  return io.list(FIELDS(list), codec::kCountFirst);
-}
+DEFINE_UNVERSIONED_LIST_CODEC(MachineExtensionEntries, std::vector<MachineExtensionEntry>, codec::kCountFirst)
 bool ReadShapeWorkBlocks(InStream& stream, int version, std::vector<ShapeWorkBlock>& blocks) {
   Reader io(stream, version);
   return io.list(FIELDS(blocks), codec::kInvertedSuccess);

@@ -3,23 +3,19 @@
 // Results as in src/records/record_io.h. `version` is the version word of the file.
 #pragma once
 #include "OldTorvIO/records.h"
-#include "src/frame/codec/stream.h"
+#include "src/frame/codec/record_codec.h"
 
 namespace oldtorvio {
 
 using codec::InStream;
 using codec::OutStream;
 
-int ReadSheetPartList(InStream& stream, int version, SheetPartList& list);
-bool WriteSheetPartList(OutStream& stream, int version, const SheetPartList& list);
-int ReadSheetSetupList(InStream& stream, SheetSetupList& list);
-bool WriteSheetSetupList(OutStream& stream, const SheetSetupList& list);
-int ReadSheetTextEntries(InStream& stream, int version, std::vector<SheetTextEntry>& list);
-bool WriteSheetTextEntries(OutStream& stream, int version, const std::vector<SheetTextEntry>& list);
+DECLARE_RECORD_CODEC(SheetPartList, SheetPartList);
+DECLARE_UNVERSIONED_CODEC(SheetSetupList, SheetSetupList);
+DECLARE_RECORD_CODEC(SheetTextEntries, std::vector<SheetTextEntry>);
 int ReadNamedWorkLists(InStream& stream, int version, std::vector<NamedWorkList>& list);
 bool WriteNamedWorkLists(OutStream& stream, int version, const std::vector<NamedWorkList>& list);
-int ReadMachineExtensionEntries(InStream& stream, std::vector<MachineExtensionEntry>& list);
-bool WriteMachineExtensionEntries(OutStream& stream, const std::vector<MachineExtensionEntry>& list);
+DECLARE_UNVERSIONED_CODEC(MachineExtensionEntries, std::vector<MachineExtensionEntry>);
 // Success and failure are inverted for these blocks. The reader drops a block that it can read completely and returns
 // false; it keeps one that it cannot read, and goes on. The writer begins with the second block and returns false after
 // the first that it could store completely. If there is none, as in a list of one, it ends the process.

@@ -5,22 +5,9 @@
 
 namespace oldtorvio {
 
-using codec::readRecord;
-using codec::resultOf;
-using codec::writeRecord;
 
-int ReadInventoryEntry(InStream& stream, int version, InventoryEntry& entry) {
-  return resultOf(readRecord(stream, version, entry));
-}
-bool WriteInventoryEntry(OutStream& stream, int version, const InventoryEntry& entry) {
-  return writeRecord(stream, version, entry);
-}
-int ReadToolInventory(InStream& stream, int version, OldToolInventory& inventory) {
-  return resultOf(readRecord(stream, version, inventory));
-}
-bool WriteToolInventory(OutStream& stream, int version, const OldToolInventory& inventory) {
-  return writeRecord(stream, version, inventory);
-}
+DEFINE_RECORD_CODEC(InventoryEntry, InventoryEntry)
+DEFINE_RECORD_CODEC(ToolInventory, OldToolInventory)
 
 std::int64_t SaveToolInventory(const char* path, const OldToolInventory& inventory, int version) {
   return frame::saveFile(path, version, frame::isToolInventoryVersion,

@@ -1,7 +1,7 @@
 // Tool inventory files.
 #pragma once
 #include "OldTorvIO/tool_inventory.h"
-#include "src/frame/codec/stream.h"
+#include "src/frame/codec/record_codec.h"
 
 namespace oldtorvio {
 
@@ -9,11 +9,9 @@ using codec::InStream;
 using codec::OutStream;
 
 // Results as in src/records/record_io.h.
-int ReadInventoryEntry(InStream& stream, int version, InventoryEntry& entry);
-bool WriteInventoryEntry(OutStream& stream, int version, const InventoryEntry& entry);
+DECLARE_RECORD_CODEC(InventoryEntry, InventoryEntry);
 // The file after its version word.
-int ReadToolInventory(InStream& stream, int version, OldToolInventory& inventory);
-bool WriteToolInventory(OutStream& stream, int version, const OldToolInventory& inventory);
+DECLARE_RECORD_CODEC(ToolInventory, OldToolInventory);
 
 // For samples and tests: no export writes inventories. -1 for a version that LoadOldToolInventory refuses.
 std::int64_t SaveToolInventory(const char* path, const OldToolInventory& inventory, int version);

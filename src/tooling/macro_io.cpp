@@ -6,12 +6,7 @@
 
 namespace oldtorvio {
 
-int ReadMacro(InStream& stream, int version, OldMacro& macro) {
-  return codec::resultOf(codec::readRecord(stream, version, macro));
-}
-bool WriteMacro(OutStream& stream, int version, const OldMacro& macro) {
-  return codec::writeRecord(stream, version, macro);
-}
+DEFINE_RECORD_CODEC(Macro, OldMacro)
 
 std::int64_t SaveMacro(const char* path, const OldMacro& macro, int version) {
   return frame::saveFile(path, version, frame::isMacroVersion,

@@ -5,12 +5,7 @@
 
 namespace oldtorvio {
 
-int ReadSpecialTool(InStream& stream, int version, OldSpecialTool& tool) {
-  return codec::resultOf(codec::readRecord(stream, version, tool));
-}
-bool WriteSpecialTool(OutStream& stream, int version, const OldSpecialTool& tool) {
-  return codec::writeRecord(stream, version, tool);
-}
+DEFINE_RECORD_CODEC(SpecialTool, OldSpecialTool)
 
 std::int64_t SaveSpecialTool(const char* path, const OldSpecialTool& tool, int version) {
   return frame::saveFile(path, version, frame::isSpecialToolVersion,

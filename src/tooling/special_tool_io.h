@@ -3,7 +3,7 @@
 #include <string>
 
 #include "OldTorvIO/records.h"
-#include "src/frame/codec/stream.h"
+#include "src/frame/codec/record_codec.h"
 
 namespace oldtorvio {
 
@@ -11,8 +11,7 @@ using codec::InStream;
 using codec::OutStream;
 
 // The file after its version word; results as in src/records/record_io.h.
-int ReadSpecialTool(InStream& stream, int version, OldSpecialTool& tool);
-bool WriteSpecialTool(OutStream& stream, int version, const OldSpecialTool& tool);
+DECLARE_RECORD_CODEC(SpecialTool, OldSpecialTool);
 
 // For samples and tests: no export writes special tool files. -1 for a version that LoadOldSpecialTool refuses.
 std::int64_t SaveSpecialTool(const char* path, const OldSpecialTool& tool, int version);

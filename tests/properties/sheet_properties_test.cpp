@@ -120,7 +120,7 @@ TEST(SheetMirror, Below152AFileAsItIsSavedComesBackUpToTheMachinesLateWordsAndNo
     }
     ASSERT_TRUE(status == 1 || consumed < body.size()) << version;
     ASSERT_NE(loaded->optionWord, 0xDEADBEEF);
-    const std::size_t kept = body.size() - bytesBehindMachine(*made, version) - lateMachineBytes(version);
+    const std::size_t kept = body.size() - bytesAfterMachine(*made, version) - lateMachineBytes(version);
     const Bytes again = sheetBody(*loaded, version);
     ASSERT_GT(again.size(), kept);
     ASSERT_TRUE(again.cut(kept) == body.cut(kept)) << version;

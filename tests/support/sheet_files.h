@@ -20,7 +20,7 @@ inline Bytes sheetBody(oldtorvio::OldSheet& sheet, int version) {
 }
 
 // Stored bytes from behind the machine to the end of the file.
-inline std::size_t bytesBehindMachine(const oldtorvio::OldSheet& s, int version) {
+inline std::size_t bytesAfterMachine(const oldtorvio::OldSheet& s, int version) {
   const auto sizeOf = [](auto&& write) { return written(write).size(); };
   const auto textWidth = static_cast<std::size_t>(s.textWidth);
   std::size_t size = s.machine.hasExtension == 0 ? 4 : sizeOf([&](auto& to) {
@@ -44,7 +44,7 @@ inline std::size_t bytesBehindMachine(const oldtorvio::OldSheet& s, int version)
 // The file of the sheet without the words that no load expects. blocks has to be empty.
 inline Bytes readableSheetFile(oldtorvio::OldSheet& sheet, int version) {
   const Bytes body = sheetBody(sheet, version);
-  const std::size_t machineEnd = body.size() - bytesBehindMachine(sheet, version);
+  const std::size_t machineEnd = body.size() - bytesAfterMachine(sheet, version);
   return Bytes()
       .i16(version)
       .add(body.cut(machineEnd - lateMachineBytes(version)))
