@@ -6,6 +6,7 @@
 
 #include "src/frame/codec/reader.h"
 #include "src/frame/codec/writer.h"
+#include "src/frame/file_kinds.h"
 #include "src/frame/host/platform.h"
 #include "src/frame/status.h"
 #include "src/frame/versions.h"
@@ -25,7 +26,8 @@ Result guarded(Result outOfMemory, Fn&& body) noexcept {
 // Opens `path`, reads the version word and passes it to keep(version), also if it is then refused. If
 // accepts(version), returns the status of read(stream, version), which starts after the version word.
 template <class Keep, class Accepts, class Read>
-std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& read) noexcept {
+std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& read,
+                      std::int64_t refusal = kWrongVersion) noexcept {
   return guarded(kDamaged, [&]() -> std::int64_t {
     const File file = File::openToRead(path);
     if (!file) return kNotOpened;
@@ -33,9 +35,15 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
     std::int16_t version = 0;
     if (!codec::readUnversioned(stream, version)) return kDamaged;
     keep(version);
-    if (!accepts(version)) return kWrongVersion;
+    if (!accepts(version)) return refusal;
     return read(stream, version);
   });
+}
+
+// The same for a file of that kind.
+template <class Keep, class Read>
+std::int64_t loadFile(FileKind kind, const char* path, Keep&& keep, Read&& read) noexcept {
+  return loadFile(path, keep, infoOf(kind).accepts, read, infoOf(kind).refusal);
 }
 
 // Writes with write(stream), then flushes and closes the file. All three must succeed.

@@ -55,6 +55,7 @@ constexpr bool isMaterialVersion(int version) {
 inline constexpr int kFirstMainVersion = 52;
 inline constexpr int kVersion5 = 5;  // of parts
 
+constexpr bool isPartVersion(int version) { return kPartVersions.has(version); }
 constexpr bool isSpecialToolVersion(int version) {
   return version >= kFirstMainVersion && kSpecialToolVersions.has(version);
 }
@@ -62,19 +63,18 @@ constexpr bool isSpecialToolVersion(int version) {
 constexpr bool isToolInventoryVersion(int version) { return version >= 54 && KnownSheetVersions.has(version); }
 constexpr bool isMacroVersion(int version) { return version >= kFirstMainVersion && kMacroVersions.has(version); }
 // Machine files load at any version of this range; queries of the current machine accept only those of inventories.
-constexpr bool isMachineVersion(int version) { return version >= kFirstMainVersion && version <= VersionSet::kHighest; }
+inline constexpr VersionSet kMachineVersions{{kFirstMainVersion, 180}};
+constexpr bool isMachineVersion(int version) { return kMachineVersions.has(version); }
 constexpr bool isKnownSheetVersion(int version) { return isToolInventoryVersion(version); }
 // Edits of sheets check only the list.
 constexpr bool isListedSheetVersion(int version) { return KnownSheetVersions.has(version); }
-constexpr bool isSheetVersion(int version) {
-  return version >= kFirstMainVersion && (version <= VersionSet::kHighest || version >= 500);
-}
-constexpr bool isSavedSheetVersion(int version) {
-  return version >= kFirstMainVersion && version <= VersionSet::kHighest;
-}
+inline constexpr VersionSet kSavedSheetVersions{{kFirstMainVersion, 180}};
+constexpr bool isSavedSheetVersion(int version) { return kSavedSheetVersions.has(version); }
+constexpr bool isSheetVersion(int version) { return isSavedSheetVersion(version) || version >= 500; }
 
 // The first version of group part files. Every later one is accepted.
 inline constexpr int kFirstGroupPartVersion = 152;
+constexpr bool isGroupPartVersion(int version) { return version >= kFirstGroupPartVersion; }
 
 }  // namespace oldtorvio::frame
 

@@ -169,9 +169,15 @@ struct Layout<OldMachine> {
              return io.when(equals(FIELDS(m.shapesPresent), 1), [&] {
                return io.when(custom("in a machine file", form.shapes == nullptr),
                               [&] { return io.require(equals(FIELDS(m.shapesPresent), 0)); })
-                   && describeShapeTrailer(io, *form.shapes);
+                   && describeTrailer(io, form.shapes);
              });
            });
+  }
+
+  template <class Shapes>
+  static bool describeTrailer(auto& io, Shapes* shapes) {
+    Shapes none{};  // for a walk that only describes: a machine file has been refused by now
+    return describeShapeTrailer(io, shapes != nullptr ? *shapes : none);
   }
 
   static bool describeLateTables(auto& io, auto& m) {

@@ -62,7 +62,7 @@ using namespace oldtorvio;
 extern "C" int64_t LoadOldMachine(const char* path, OldMachine* machine) noexcept {
   if (machine == nullptr) return kNotOpened;
   return loadFile(
-      path, [&](int version) { machine->version = static_cast<std::int16_t>(version); }, isMachineVersion,
+      FileKind::machine, path, [&](int version) { machine->version = static_cast<std::int16_t>(version); },
       [&](InStream& stream, int version) { return ReadOldMachine(stream, version, nullptr, *machine); });
 }
 

@@ -35,12 +35,11 @@ std::int64_t loadLong(InStream& stream, int version, OldMaterial& material) {
 extern "C" int64_t LoadOldMaterial(const char* path, OldMaterial* material) noexcept {
   if (material == nullptr) return kNotOpened;
   return loadFile(
-      path,
+      FileKind::material, path,
       [&](int version) {
         setPath(material->path, path);
         material->version = static_cast<std::uint16_t>(version);
       },
-      isMaterialVersion,
       [&](InStream& stream, int version) {
         return isParamTableVersion(version) ? loadShort(path, *material) : loadLong(stream, version, *material);
       });

@@ -68,13 +68,13 @@ bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart
 
 std::int64_t SavePart(const char* path, const TorvPart& part, int version) {
   return frame::saveFile(
-      path, version, [](int v) { return frame::kPartVersions.has(v); },
+      path, version, frame::isPartVersion,
       [&](OutStream& stream) { return WritePartBody(stream, version, false, part); });
 }
 
 std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version, std::int32_t nameBlockSize) {
   return frame::saveFile(
-      path, version, [](int v) { return v >= frame::kFirstGroupPartVersion; },
+      path, version, frame::isGroupPartVersion,
       [&](OutStream& stream) {
         if (list.parts.empty()) return false;
         const codec::GroupPartFile<const std::vector<TorvPart>> file{

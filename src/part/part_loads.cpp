@@ -34,7 +34,7 @@ using namespace oldtorvio::frame;
 extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
   if (part == nullptr) return kNotOpened;
   return loadFile(
-      path, [&](int version) { part->version = version; }, [](int version) { return kPartVersions.has(version); },
+      FileKind::part, path, [&](int version) { part->version = version; },
       [&](InStream& stream, int version) -> std::int64_t {
         prepareForLoad(*part, path);
         return version >= kFirstMainVersion ? ReadPartBody(stream, version, false, *part)
@@ -45,9 +45,7 @@ extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
 extern "C" int64_t LoadGroupPart(const char* path, SheetPartList* list) noexcept {
   if (list == nullptr) return kNotOpened;
   const auto keepNothing = [](int) {};
-  const auto acceptAll = [](int) { return true; };  // a version below 152 returns 1, never -1
-  return loadFile(path, keepNothing, acceptAll, [&](InStream& stream, int version) -> std::int64_t {
-    if (version < kFirstGroupPartVersion) return kDamaged;
+  return loadFile(FileKind::groupPart, path, keepNothing, [&](InStream& stream, int version) -> std::int64_t {
     GroupPartFile<std::vector<TorvPart>> file{list->parts};
     return resultOf(readRecord(stream, version, file));
   });

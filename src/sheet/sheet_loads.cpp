@@ -34,7 +34,7 @@ extern "C" void FreeSheetHandle(OldSheet* sheet) noexcept { DeleteSheetInfo(shee
 extern "C" int64_t LoadOldSheet(const char* path, OldSheet* sheet) noexcept {
   if (sheet == nullptr) return kNotOpened;
   return loadFile(
-      path, [&](int version) { sheet->version = static_cast<std::uint16_t>(version); }, isSheetVersion,
+      FileKind::sheet, path, [&](int version) { sheet->version = static_cast<std::uint16_t>(version); },
       [&](InStream& stream, int version) { return ReadOldSheet(stream, version, *sheet); });
 }
 

@@ -21,12 +21,12 @@ OldToolInventory currentToolInventory;
 template <class Read>
 std::int64_t load(const char* path, OldToolInventory& inventory, Read&& read) noexcept {
   return loadFile(
-      path,
+      FileKind::toolInventory, path,
       [&](int version) {
         inventory.version = static_cast<std::int16_t>(version);
         setPath(inventory.path, path);
       },
-      isToolInventoryVersion, read);
+      read);
 }
 
 struct ToolKind {

@@ -20,6 +20,6 @@ using namespace oldtorvio;
 extern "C" int64_t LoadOldMacro(const char* path, OldMacro* macro) noexcept {
   if (macro == nullptr) return frame::kNotOpened;
   return frame::loadFile(
-      path, [&](int version) { macro->version = static_cast<std::int16_t>(version); }, frame::isMacroVersion,
+      frame::FileKind::macro, path, [&](int version) { macro->version = static_cast<std::int16_t>(version); },
       [&](InStream& stream, int version) { return ReadMacro(stream, version, *macro); });
 }

@@ -16,7 +16,7 @@ OldSpecialTool currentSpecialTool;
 // *wasRead becomes true once the version is accepted, whether or not the rest can be read.
 std::int64_t load(const char* path, OldSpecialTool& tool, bool* wasRead = nullptr) noexcept {
   return loadFile(
-      path, [&](int version) { tool.tool.fileVersion = static_cast<std::int16_t>(version); }, isSpecialToolVersion,
+      FileKind::specialTool, path, [&](int version) { tool.tool.fileVersion = static_cast<std::int16_t>(version); },
       [&](InStream& stream, int version) -> std::int64_t {
         if (wasRead != nullptr) *wasRead = true;
         return ReadSpecialTool(stream, version, tool);

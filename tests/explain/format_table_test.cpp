@@ -294,7 +294,7 @@ TEST(FormatTable, AGivenPlaceDecidesTheConditionsOnThePlace) {
 
 TEST(FormatTable, EveryKindAndEveryNamedRecordHasATable) {
   std::set<std::string> tables;
-  for (const explain::KindName& kind : explain::fileKinds()) {
+  for (const frame::FileKindInfo& kind : frame::kFileKinds) {
     const std::string table = explain::formatTable(kind.kind);
     EXPECT_TRUE(rowsOf(table).size() > 4 && table.find("| 1 | version | i16 | |\n") != std::string::npos) << kind.name;
     EXPECT_TRUE(tables.insert(table).second) << kind.name;

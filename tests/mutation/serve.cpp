@@ -43,7 +43,7 @@ TEST(FormatPages, TablesAreTheOutputOfTorvioFormat) {
       const std::string name = text.substr(at, text.find(' ', at) - at);
       const std::size_t from = text.find('\n', at) + 1;
       std::string expected = explain::recordTable(name);
-      for (const explain::KindName& kind : explain::fileKinds())
+      for (const oldtorvio::frame::FileKindInfo& kind : oldtorvio::frame::kFileKinds)
         if (kind.name == name) expected = explain::formatTable(kind.kind);
       EXPECT_EQ(text.substr(from, text.find(end, from) - from), expected) << name;
     }

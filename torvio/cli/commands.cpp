@@ -39,9 +39,9 @@ struct Checked {
 };
 
 Checked checked(const std::string& path, std::span<const std::byte> bytes, std::optional<explain::FileKind> forced) {
-  if (forced) return {std::string(explain::nameOf(*forced)), explain::checkFile(bytes, *forced)};
+  if (forced) return {std::string(frame::infoOf(*forced).name), explain::checkFile(bytes, *forced)};
   if (auto detected = explain::detect(path, bytes))
-    return {std::string(explain::nameOf(detected->kind)), std::move(detected->report)};
+    return {std::string(frame::infoOf(detected->kind).name), std::move(detected->report)};
   Checked unknown{"unknown kind", explain::checkFile(bytes, kFallbackKind)};
   nameVersionOfUnknown(unknown.report);
   return unknown;
@@ -127,7 +127,7 @@ ExitCode formatCommand(const std::string& name) {
 
 std::vector<std::string> kindNames() {
   std::vector<std::string> names;
-  for (const explain::KindName& kind : explain::fileKinds()) names.emplace_back(kind.name);
+  for (const frame::FileKindInfo& kind : frame::kFileKinds) names.emplace_back(kind.name);
   return names;
 }
 
@@ -138,7 +138,7 @@ std::vector<std::string> recordNames() {
 }
 
 std::optional<explain::FileKind> kindNamed(const std::string& name) {
-  for (const explain::KindName& kind : explain::fileKinds())
+  for (const frame::FileKindInfo& kind : frame::kFileKinds)
     if (kind.name == name) return kind.kind;
   return std::nullopt;
 }

@@ -24,10 +24,10 @@ std::optional<Likelihood> likelihood(const FileReport& report) {
 
 // The kind by extension, whatever the file contains.
 std::optional<FileKind> kindOfName(std::string_view path) {
-  constexpr std::string_view kSpecialToolExtension = ".spt";
-  if (path.size() >= kSpecialToolExtension.size() &&
-      frame::equalNoCase(path.substr(path.size() - kSpecialToolExtension.size()), kSpecialToolExtension))
-    return FileKind::specialTool;
+  for (const frame::FileKindInfo& info : frame::kFileKinds)
+    if (!info.extension.empty() && path.size() >= info.extension.size() &&
+        frame::equalNoCase(path.substr(path.size() - info.extension.size()), info.extension))
+      return info.kind;
   return std::nullopt;
 }
 
@@ -37,7 +37,7 @@ std::optional<Detected> detect(std::string_view path, std::span<const std::byte>
   if (const auto named = kindOfName(path)) return Detected{*named, checkFile(bytes, *named)};
   std::optional<Detected> best;
   std::optional<Likelihood> bestLikelihood;
-  for (const KindName& candidate : fileKinds()) {
+  for (const frame::FileKindInfo& candidate : frame::kFileKinds) {
     FileReport report = checkFile(bytes, candidate.kind);
     const auto likely = likelihood(report);
     if (!likely || (bestLikelihood && *likely <= *bestLikelihood)) continue;

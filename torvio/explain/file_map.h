@@ -7,18 +7,12 @@
 #include <string>
 #include <string_view>
 
+#include "src/frame/file_kinds.h"
 #include "torvio/explain/map.h"
 
 namespace oldtorvio::explain {
 
-enum class FileKind : std::uint8_t { part, groupPart, specialTool, machine, material, toolInventory, macro, sheet };
-
-struct KindName {
-  FileKind kind;
-  std::string_view name;  // as the tool prints and takes it
-};
-std::span<const KindName> fileKinds();
-std::string_view nameOf(FileKind kind);
+using frame::FileKind;
 
 // What a walk over a file found. The status is the one that the load of that kind returns.
 struct FileReport {

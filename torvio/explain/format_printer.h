@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "src/frame/codec/describe.h"
+#include "src/frame/versions.h"
 #include "torvio/explain/map.h"
 
 namespace oldtorvio::explain {
@@ -45,7 +46,9 @@ class FormatPrinter {
 
   // ---- the verbs ----
 
-  int version() const { return 0; }
+  // All versions are printed; a walk that chooses between layouts takes that of the newest.
+  static constexpr int version() { return frame::VersionSet::kHighest; }
+  static constexpr codec::Stop stop() { return codec::Stop::none; }
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
@@ -101,7 +104,8 @@ class FormatPrinter {
     using One = std::remove_cvref_t<decltype(x.only()[0])>;
     begin(x.names);
     names_[0].append("[" + std::to_string(first) + ".." + std::to_string(last) + "]");
-    add(0, std::to_string(last - first + 1) + " × " + storedType<std::conditional_t<std::is_void_v<Stored>, One, Stored>>());
+    add(0, std::to_string(last - first + 1) + " × " +
+               storedType<std::conditional_t<std::is_void_v<Stored>, One, Stored>>());
     return true;
   }
   template <class X>
@@ -140,8 +144,9 @@ class FormatPrinter {
 
   template <class Names, codec::Test kTest, std::size_t kCount>
   [[nodiscard]] bool require(const codec::Condition<Names, kTest, kCount>& condition) {
-    const std::string text = kTest == codec::Test::atMost   ? "refused above " + valueText(condition.comparedWith[0])
-                             : kTest == codec::Test::within ? "refused outside " + rangeText(condition.comparedWith)
+    const std::string text = kTest == codec::Test::atMost ? "refused above " + valueText(condition.comparedWith[0])
+                             : kTest == codec::Test::within
+                                 ? "refused outside " + rangeText(condition.comparedWith)
                                  : "refused unless " + comparison(kTest, condition.comparedWith, condition.text);
     addRule(path_ + fieldNames(condition.names()).front(), text);
     return true;

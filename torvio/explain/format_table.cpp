@@ -4,14 +4,7 @@
 #include <array>
 #include <memory>
 
-#include "src/machine/machine_layout.h"
-#include "src/material/material_layout.h"
-#include "src/part/old_part_layout.h"
-#include "src/part/part_layout.h"
-#include "src/sheet/sheet_layout.h"
-#include "src/tooling/inventory_layout.h"
-#include "src/tooling/macro_layout.h"
-#include "src/tooling/special_tool_layout.h"
+#include "src/file_records.h"
 #include "torvio/explain/format_printer.h"
 
 namespace oldtorvio::explain {
@@ -97,28 +90,6 @@ void walkOldPart(FormatPrinter& printer) {
   (void)printer.walk(old);
 }
 
-void walkMachine(FormatPrinter& printer) {
-  const auto machine = std::make_unique<OldMachine>();
-  machine->textWidth = printer.numberCalled("textWidth");
-  machine->secondTextWidth = machine->textWidth;
-  ShapeList shapes;
-  (void)printer.walk(*machine, MachineForm<ShapeList>{&shapes});
-}
-
-void walkMaterial(FormatPrinter& printer) {
-  const auto record = std::make_unique<OldMaterial>();
-  OldMaterial& material = *record;
-  (void)printer.record(FIELDS(material.params));
-  (void)printer.walk(material);
-}
-
-void walkSheet(FormatPrinter& printer) {
-  const auto sheet = std::make_unique<OldSheet>();
-  sheet->textWidth = printer.numberCalled("textWidth");
-  sheet->clampInfo.clampCount = printer.numberCalled("clampCount");
-  (void)printer.walk(*sheet);
-}
-
 struct RecordTable {
   std::string_view name;
   void (*walk)(FormatPrinter&);
@@ -180,29 +151,15 @@ std::string commandName(std::string_view name) {
   return all;
 }
 
-void walkBody(FileKind kind, FormatPrinter& printer) {
-  switch (kind) {
-    case FileKind::part:
-      return walkFresh<TorvPart>(printer, PartForm{});
-    case FileKind::groupPart: {
-      std::vector<TorvPart> parts;
-      codec::GroupPartFile<std::vector<TorvPart>> file{parts};
-      (void)printer.walk(file);
-      return;
-    }
-    case FileKind::specialTool:
-      return walkFresh<OldSpecialTool>(printer);
-    case FileKind::machine:
-      return walkMachine(printer);
-    case FileKind::material:
-      return walkMaterial(printer);
-    case FileKind::toolInventory:
-      return walkFresh<OldToolInventory>(printer);
-    case FileKind::macro:
-      return walkFresh<OldMacro>(printer);
-    default:
-      return walkSheet(printer);
-  }
+// Widths and counts that a walk begins with, where it does not read them.
+void nameSizes(FormatPrinter&, auto&) {}
+void nameSizes(FormatPrinter& printer, OldMachine& machine) {
+  machine.textWidth = printer.numberCalled("textWidth");
+  machine.secondTextWidth = machine.textWidth;
+}
+void nameSizes(FormatPrinter& printer, OldSheet& sheet) {
+  sheet.textWidth = printer.numberCalled("textWidth");
+  sheet.clampInfo.clampCount = printer.numberCalled("clampCount");
 }
 
 }  // namespace
@@ -211,7 +168,11 @@ std::string formatTable(FileKind kind) {
   const auto walk = [kind](FormatPrinter& printer) {
     std::int16_t version = 0;
     (void)printer.fields(FIELDS(version));
-    walkBody(kind, printer);
+    withFileRecord(kind, [&](auto file) {
+      const auto record = std::make_unique<typename decltype(file)::Record>();
+      nameSizes(printer, *record);
+      (void)file.walk(printer, *record);
+    });
   };
   // What a part body holds depends on where it is embedded, which is known in a part file.
   return FormatPrinter::table(walk, kind == FileKind::part ? FormatPrinter::Place::given : FormatPrinter::Place::open);

@@ -1,0 +1,150 @@
+// The record of each kind of file, and how it is loaded, saved and walked.
+//
+// FileRecord<kind> has
+//   Record             the record that a load fills
+//   walk(io, record)   the file after its version word, or all of it if startsWithTable(version); returns the status
+//                      of the load
+//   load(path, record), save(path, record, version)
+#pragma once
+#include <memory>
+#include <utility>
+
+#include "OldTorvIO.h"
+#include "src/frame/file_kinds.h"
+#include "src/machine/machine_io.h"
+#include "src/machine/machine_layout.h"
+#include "src/material/material_io.h"
+#include "src/material/material_layout.h"
+#include "src/part/old_part_layout.h"
+#include "src/part/part_io.h"
+#include "src/part/part_layout.h"
+#include "src/sheet/sheet_layout.h"
+#include "src/tooling/inventory_io.h"
+#include "src/tooling/inventory_layout.h"
+#include "src/tooling/macro_io.h"
+#include "src/tooling/macro_layout.h"
+#include "src/tooling/special_tool_io.h"
+#include "src/tooling/special_tool_layout.h"
+
+namespace oldtorvio {
+
+inline std::int64_t statusOf(bool walked) { return walked ? frame::kDone : frame::kDamaged; }
+
+template <frame::FileKind kKind>
+struct FileRecord;
+
+// The version word of such a material is that of the table which is all of the file.
+constexpr bool startsWithTable(frame::FileKind kind, int version) {
+  return kind == frame::FileKind::material && frame::isParamTableVersion(version);
+}
+
+template <>
+struct FileRecord<frame::FileKind::part> {
+  using Record = TorvPart;
+  static std::int64_t load(const char* path, Record& part) { return LoadOldPart(path, &part); }
+  static std::int64_t save(const char* path, Record& part, int version) { return SavePart(path, part, version); }
+  static std::int64_t walk(auto& io, Record& part) {
+    return statusOf(io.version() >= frame::kFirstMainVersion ? io.walk(part, PartForm{})
+                                                             : codec::walkOldestPart(io, part));
+  }
+};
+
+template <>
+struct FileRecord<frame::FileKind::groupPart> {
+  using Record = SheetPartList;
+  static std::int64_t load(const char* path, Record& list) { return LoadGroupPart(path, &list); }
+  static std::int64_t save(const char* path, Record& list, int version) { return SaveGroupPart(path, list, version); }
+  static std::int64_t walk(auto& io, Record& list) {
+    codec::GroupPartFile<std::vector<TorvPart>> file{list.parts};
+    return statusOf(io.walk(file));
+  }
+};
+
+template <>
+struct FileRecord<frame::FileKind::specialTool> {
+  using Record = OldSpecialTool;
+  static std::int64_t load(const char* path, Record& tool) { return LoadOldSpecialTool(path, &tool); }
+  static std::int64_t save(const char* path, Record& tool, int version) { return SaveSpecialTool(path, tool, version); }
+  static std::int64_t walk(auto& io, Record& tool) { return statusOf(io.walk(tool)); }
+};
+
+template <>
+struct FileRecord<frame::FileKind::machine> {
+  using Record = OldMachine;
+  static std::int64_t load(const char* path, Record& machine) { return LoadOldMachine(path, &machine); }
+  static std::int64_t save(const char* path, Record& machine, int version) {
+    return SaveMachine(path, machine, version);
+  }
+  static std::int64_t walk(auto& io, Record& machine) { return statusOf(io.walk(machine, MachineForm<ShapeList>{})); }
+};
+
+template <>
+struct FileRecord<frame::FileKind::material> {
+  using Record = OldMaterial;
+  static std::int64_t load(const char* path, Record& material) { return LoadOldMaterial(path, &material); }
+  static std::int64_t save(const char* path, Record& material, int version) {
+    return SaveMaterial(path, material, version);
+  }
+  static std::int64_t walk(auto& io, Record& material) {
+    if (!io.record(FIELDS(material.params))) {
+      const bool hasNoLayout =
+          io.stop() == codec::Stop::refused && paramFormToRead(material.params.version) == ParamForm::none;
+      return hasNoLayout ? frame::kWrongVersion : frame::kDamaged;
+    }
+    return statusOf(frame::isParamTableVersion(io.version()) || io.walk(material));
+  }
+};
+
+template <>
+struct FileRecord<frame::FileKind::toolInventory> {
+  using Record = OldToolInventory;
+  static std::int64_t load(const char* path, Record& inventory) { return LoadOldToolInventory(path, &inventory); }
+  static std::int64_t save(const char* path, Record& inventory, int version) {
+    return SaveToolInventory(path, inventory, version);
+  }
+  static std::int64_t walk(auto& io, Record& inventory) { return statusOf(io.walk(inventory)); }
+};
+
+template <>
+struct FileRecord<frame::FileKind::macro> {
+  using Record = OldMacro;
+  static std::int64_t load(const char* path, Record& macro) { return LoadOldMacro(path, &macro); }
+  static std::int64_t save(const char* path, Record& macro, int version) { return SaveMacro(path, macro, version); }
+  static std::int64_t walk(auto& io, Record& macro) { return statusOf(io.walk(macro)); }
+};
+
+template <>
+struct FileRecord<frame::FileKind::sheet> {
+  using Record = OldSheet;
+  static std::int64_t load(const char* path, Record& sheet) { return LoadOldSheet(path, &sheet); }
+  static std::int64_t save(const char* path, Record& sheet, int version) {
+    return SaveOldSheet(path, &sheet, static_cast<VersionWord>(version));
+  }
+  static std::int64_t walk(auto& io, Record& sheet) { return statusOf(io.walk(sheet)); }
+};
+
+// Calls use(FileRecord<kind>()).
+template <class Use>
+decltype(auto) withFileRecord(frame::FileKind kind, Use&& use) {
+  using frame::FileKind;
+  switch (kind) {
+    case FileKind::part:
+      return use(FileRecord<FileKind::part>());
+    case FileKind::groupPart:
+      return use(FileRecord<FileKind::groupPart>());
+    case FileKind::specialTool:
+      return use(FileRecord<FileKind::specialTool>());
+    case FileKind::machine:
+      return use(FileRecord<FileKind::machine>());
+    case FileKind::material:
+      return use(FileRecord<FileKind::material>());
+    case FileKind::toolInventory:
+      return use(FileRecord<FileKind::toolInventory>());
+    case FileKind::macro:
+      return use(FileRecord<FileKind::macro>());
+    default:
+      return use(FileRecord<FileKind::sheet>());
+  }
+}
+
+}  // namespace oldtorvio
