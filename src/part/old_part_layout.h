@@ -79,7 +79,7 @@ struct Layout<Version5Part> {
                     });
            })
         // A part is placed once, at its own origin, and has no tools that a number could refer to.
-        && io.afterRead(t, "one by one copy without steps at 0, 0; no tool numbers", [&](auto& r) {
+        && io.afterRead(t, "gridCount1 and 2 become 1, steps, origin and tool numbers 0", [&](auto& r) {
              r.gridCount1 = r.gridCount2 = 1;
              r.gridStep1 = r.gridStep2 = 0;
              r.originX = r.originY = 0;

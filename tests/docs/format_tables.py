@@ -31,7 +31,9 @@ for page in sorted((pathlib.Path(root) / "docs" / "formats").glob("*.md")):
         print(f"{page.name}: rewritten")
     else:
         wrong.append(f"{page.name}: its tables differ from the output of torvio format; ./dev docs rewrites them")
-for name in ("machine", "material", "tool-inventory", "macro", "part-5", "part-2-3"):
+for name in ("machine", "material", "tool-inventory", "macro", "part-5", "part-2-3", "shape", "shape-list", "tool", "tool-station",
+             "tool-station-list", "process-slot", "step-table", "setup-list", "setup-entry", "motion-block", "profile",
+             "pattern-item", "work-entry", "mark"):
     if name not in documented:
         wrong.append(f"no page has the format of {name}")
 sys.exit("\n".join(wrong) if wrong else 0)

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <memory>
 
-#include "OldTorvIO.h"
+#include "src/file_records.h"
 #include "src/machine/machine_io.h"
 #include "src/material/material_io.h"
 #include "src/part/part_io.h"
@@ -138,59 +138,35 @@ Bytes sheetFile(int version) {
   return Bytes().i16(version).add(written([&](auto& to) { return WriteOldSheet(to, version, *s); }));
 }
 
+namespace {
+
+template <frame::FileKind kKind>
+Kind kindOf(std::vector<int> versions, Bytes (*file)(int version)) {
+  using File = FileRecord<kKind>;
+  const auto load = [](const char* path) {
+    const auto record = std::make_unique<typename File::Record>();
+    return File::load(path, *record);
+  };
+  return {kKind, std::string(frame::infoOf(kKind).name), std::move(versions), file,
+          load,  sizeof(typename File::Record)};
+}
+
+}  // namespace
+
 const std::vector<Kind>& kinds() {
+  using frame::FileKind;
   static const std::vector<Kind> all{
-      {explain::FileKind::part,
-       "part",
-       {52, 62, 80, 110, 151, 161, 180},
-       [](int v) { return partFile(v, 32001); },
-       loadAnew<TorvPart, LoadOldPart>,
-       sizeof(TorvPart)},
-      {explain::FileKind::groupPart,
-       "group",
-       {152, 161, 180},
-       groupFile,
-       [](const char* path) {
-         SheetPartList list;
-         return LoadGroupPart(path, &list);
-       },
-       sizeof(TorvPart)},
-      {explain::FileKind::specialTool,
-       "special tool",
-       {52, 110, 160, 180},
-       [](int v) {
-         return specialToolFile(v, {1, 2});
-       },
-       [](const char* path) {
-         OldSpecialTool tool;
-         return LoadOldSpecialTool(path, &tool);
-       },
-       sizeof(OldSpecialTool)},
-      {explain::FileKind::machine,
-       "machine",
-       {52, 61, 80, 110, 152, 161, 180},
-       machineFile,
-       loadAnew<OldMachine, LoadOldMachine>,
-       sizeof(OldMachine)},
-      {explain::FileKind::material,
-       "material",
-       {52, 61, 90, 130, 152, 161, 180},
-       materialFile,
-       loadAnew<OldMaterial, LoadOldMaterial>,
-       sizeof(OldMaterial)},
-      {explain::FileKind::toolInventory,
-       "tool inventory",
-       {54, 60, 110, 150, 180},
-       inventoryFile,
-       loadAnew<OldToolInventory, LoadOldToolInventory>,
-       sizeof(OldToolInventory)},
-      {explain::FileKind::macro,
-       "macro",
-       {52, 60, 80, 160, 180},
-       macroFile,
-       loadAnew<OldMacro, LoadOldMacro>,
-       sizeof(OldMacro)},
-      {explain::FileKind::sheet, "sheet", {152, 161, 180}, sheetFile, loadAnew<OldSheet, LoadOldSheet>, sizeof(OldSheet)},
+      kindOf<FileKind::part>({52, 62, 80, 110, 151, 161, 180}, [](int v) { return partFile(v, 32001); }),
+      kindOf<FileKind::groupPart>({152, 161, 180}, groupFile),
+      kindOf<FileKind::specialTool>({52, 110, 160, 180},
+                                    [](int v) {
+                                      return specialToolFile(v, {1, 2});
+                                    }),
+      kindOf<FileKind::machine>({52, 61, 80, 110, 152, 161, 180}, machineFile),
+      kindOf<FileKind::material>({52, 61, 90, 130, 152, 161, 180}, materialFile),
+      kindOf<FileKind::toolInventory>({54, 60, 110, 150, 180}, inventoryFile),
+      kindOf<FileKind::macro>({52, 60, 80, 160, 180}, macroFile),
+      kindOf<FileKind::sheet>({152, 161, 180}, sheetFile),
   };
   return all;
 }
