@@ -9,7 +9,7 @@ struct Small {
 };
 
 namespace values {
-#if defined(COMPLETE)
+#if defined(CORRECTED)
 MEMBERS(Small, first, forgotten, last);
 #else
 MEMBERS(Small, first, last);

@@ -44,12 +44,11 @@ class AddressWalker : public codec::RecordWalker<AddressWalker> {
   [[nodiscard]] bool since(int, const auto& x, const auto&...) { return nested(x); }
   [[nodiscard]] bool below(int, const auto& x) { return nested(x); }
   [[nodiscard]] bool between(int, int, const auto& x) { return nested(x); }
-  [[nodiscard]] bool when(bool, const auto& x) { return nested(x); }
+  [[nodiscard]] bool when(const auto&, const auto& x) { return nested(x); }
   [[nodiscard]] bool leading(std::int64_t, const auto& x) { return fields(x); }
   [[nodiscard]] bool slice(const auto& x, std::size_t, std::size_t) { return fields(x); }
   [[nodiscard]] bool sized(const auto& x, std::int32_t) { return fields(x); }
-  [[nodiscard]] bool lengthText(const auto& x) { return fields(x); }
-  [[nodiscard]] bool lengthTextOrEmpty(const auto& x, std::int32_t) { return fields(x); }
+  [[nodiscard]] bool lengthText(const auto& x, const auto&...) { return fields(x); }
   template <std::size_t Width>
   [[nodiscard]] bool textItem(const auto& x) {
     return fields(x);
@@ -57,11 +56,9 @@ class AddressWalker : public codec::RecordWalker<AddressWalker> {
   [[nodiscard]] bool reserved(std::size_t) { return true; }
   [[nodiscard]] bool padded(std::size_t, const auto& chain) { return chain(); }
 
-  [[nodiscard]] bool range(const auto&, auto, auto) { return true; }
-  [[nodiscard]] bool atMost(const auto&, std::int64_t) { return true; }
-  [[nodiscard]] bool notReadOn() { return true; }
   static auto& unchanged(auto& record) { return record; }
-  [[nodiscard]] bool beforeWrite(const auto&, const auto&) { return true; }
+  [[nodiscard]] bool require(const auto&) { return true; }
+  [[nodiscard]] bool beforeWrite(const auto&, const char*, const auto&) { return true; }
   [[nodiscard]] bool differs(const auto& read, const auto& written) { return read() && written(); }
   [[nodiscard]] bool onlyRead(const auto&) { return true; }  // the layouts that are only read have their own walks
   template <class T>
@@ -75,23 +72,10 @@ class AddressWalker : public codec::RecordWalker<AddressWalker> {
   }
   // Lists as such: their elements have layouts of their own.
   std::int32_t countOf(const auto&) const { return 1; }
-  [[nodiscard]] bool countFirst(const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool counted(std::int32_t, const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool countThenClear(const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool append(const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool appendRun(std::int64_t, const auto& x, const auto&...) { return fields(x); }
+  [[nodiscard]] bool list(const auto& x, const auto& /*rule*/, const auto&...) { return fields(x); }
   [[nodiscard]] bool element(const auto& x, std::size_t, const auto& chain) { return fields(x) && chain(); }
-  [[nodiscard]] bool reusedElement(const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool forgivingRun(std::int64_t, const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool invertedSuccessList(const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool single(const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool interleaved(const auto& x, const auto&...) { return fields(x); }
-  [[nodiscard]] bool columns(const auto&) { return true; }
   // The trailer of a shape is in the list's layout, the number in the shape.
-  template <class M>
-  [[nodiscard]] bool trailer(const auto& x, M) {
-    return fields(x);
-  }
+  [[nodiscard]] bool trailer(const auto& x, auto) { return fields(x); }
   [[nodiscard]] bool rows(std::int64_t count, const auto& row) {
     for (std::int64_t i = 0; i < count; ++i) (void)row(static_cast<std::size_t>(i));
     return true;
@@ -105,6 +89,10 @@ class AddressWalker : public codec::RecordWalker<AddressWalker> {
   template <class Stored, class T>
   void move(const codec::As<Stored, T>& as) {
     move(as.member);
+  }
+  template <class T>
+  void move(const codec::NonZero<T>& number) {
+    move(number.member);
   }
   template <class... T>
   void move(const codec::Block<T...>& block) {
