@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<SheetPartList>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<SheetPartList>::fresh();
   const int status = load(body, version, twins);
   const std::vector<TorvPart>& parts = twins.read.parts;
   fuzzing::expect(status != 0 || !parts.empty());

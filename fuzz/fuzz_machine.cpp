@@ -31,7 +31,7 @@ int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMachine>
         if (forgave != nullptr) *forgave = walked.forgave;
         return walked;
       });
-  if (shapes != nullptr) fuzzing::expect(fuzzing::equalContents(*shapes, walkedShapes, twins.extent));
+  if (shapes != nullptr) fuzzing::expect(fuzzing::equalContents(*shapes, walkedShapes));
   return status;
 }
 
@@ -86,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<OldMachine>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldMachine>::fresh();
   twins.both([&](OldMachine& m) { m.version = static_cast<std::int16_t>(version); });
   OldMachine& machine = twins.read;
   bool forgave = false;

@@ -11,7 +11,7 @@ using namespace oldtorvio;
 namespace {
 
 int loadTable(fuzzing::Bytes from, const fuzzing::RecordPair<OldMaterial>& twins, std::size_t& behind) {
-  const fuzzing::RecordPair<ParamTable> tables{twins.read.params, twins.walked.params, twins.extent};
+  const fuzzing::RecordPair<ParamTable> tables{twins.read.params, twins.walked.params};
   return fuzzing::loadPair(
       from, tables,
       [&](auto& in, ParamTable& to) {
@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!fuzzing::readVersion(head, version) || !frame::isMaterialVersion(version)) return 0;
   }
   const std::size_t turn = fuzzing::turnOf(file);
-  const auto twins = fuzzing::RecordPair<OldMaterial>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldMaterial>::fresh();
   OldMaterial& material = twins.read;
   const bool isTable = frame::isParamTableVersion(version);
   const fuzzing::Bytes table = isTable ? file : file.subspan(2);

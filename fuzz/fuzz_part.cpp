@@ -89,7 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!frame::kPartVersions.has(version)) return 0;
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
-  const auto twins = fuzzing::RecordPair<TorvPart>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<TorvPart>::fresh();
   twins.both([&](TorvPart& part) { setBeside(part, version); });
   const TorvPart& part = twins.read;
   if (version < frame::kFirstMainVersion) {

@@ -163,7 +163,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<OldSheet>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldSheet>::fresh();
   twins.both([&](OldSheet& s) { s.version = static_cast<std::uint16_t>(version); });
   const OldSheet& sheet = twins.read;
   const int status = load(body, version, twins);

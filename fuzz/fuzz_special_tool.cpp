@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<OldSpecialTool>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldSpecialTool>::fresh();
   twins.both([&](OldSpecialTool& tool) { tool.tool.fileVersion = static_cast<std::int16_t>(version); });
   const int status = load(body, version, twins);
   if (turn % 16 == 0) {

@@ -48,7 +48,7 @@ void askByPath(int status, const OldToolInventory& inventory) {
 
 void inventory(fuzzing::Bytes file, int version, std::size_t turn) {
   const fuzzing::Bytes body = file.subspan(2);
-  const auto twins = fuzzing::RecordPair<OldToolInventory>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldToolInventory>::fresh();
   twins.both([&](OldToolInventory& to) {
     to.version = static_cast<std::int16_t>(version);
     frame::setPath(to.path, fuzzing::ScratchFile::path());
@@ -68,7 +68,7 @@ void inventory(fuzzing::Bytes file, int version, std::size_t turn) {
 
 void macro(fuzzing::Bytes file, int version, std::size_t turn) {
   const fuzzing::Bytes body = file.subspan(2);
-  const auto twins = fuzzing::RecordPair<OldMacro>::fresh(turn);
+  const auto twins = fuzzing::RecordPair<OldMacro>::fresh();
   twins.both([&](OldMacro& to) { to.version = static_cast<std::int16_t>(version); });
   const int status = load(body, version, twins);
   if (turn % 16 == 0) {

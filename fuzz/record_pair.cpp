@@ -1,9 +1,16 @@
 #include "fuzz/record_pair.h"
 
 #include "bench/fread_walker.h"
-#include "fuzz/record_contents.h"
 #include "src/frame/codec/reader.h"
+#include "src/machine/machine_layout.h"
+#include "src/material/material_layout.h"
 #include "src/part/old_part_layout.h"
+#include "src/part/part_layout.h"
+#include "src/sheet/sheet_layout.h"
+#include "src/tooling/inventory_layout.h"
+#include "src/tooling/macro_layout.h"
+#include "src/tooling/special_tool_layout.h"
+#include "torvio/values/equal.h"
 
 using namespace oldtorvio;
 
@@ -31,22 +38,20 @@ std::size_t turnOf(Bytes file) {
   return turn >> 8U;
 }
 
-bool equalContents(ShapeList& one, ShapeList& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool equalContents(TorvPart& one, TorvPart& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool equalContents(SheetPartList& one, SheetPartList& other, Extent extent) {
-  return haveEqualContents(one, other, extent);
+template <class Record>
+bool equalContents(const Record& one, const Record& other) {
+  return values::equalContents(one, other);
 }
-bool equalContents(OldSpecialTool& one, OldSpecialTool& other, Extent extent) {
-  return haveEqualContents(one, other, extent);
-}
-bool equalContents(OldToolInventory& one, OldToolInventory& other, Extent extent) {
-  return haveEqualContents(one, other, extent);
-}
-bool equalContents(OldMacro& one, OldMacro& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool equalContents(ParamTable& one, ParamTable& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool equalContents(OldMaterial& one, OldMaterial& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool equalContents(OldMachine& one, OldMachine& other, Extent extent) { return haveEqualContents(one, other, extent); }
-bool equalContents(OldSheet& one, OldSheet& other, Extent extent) { return haveEqualContents(one, other, extent); }
+template bool equalContents(const ShapeList&, const ShapeList&);
+template bool equalContents(const TorvPart&, const TorvPart&);
+template bool equalContents(const SheetPartList&, const SheetPartList&);
+template bool equalContents(const OldSpecialTool&, const OldSpecialTool&);
+template bool equalContents(const OldToolInventory&, const OldToolInventory&);
+template bool equalContents(const OldMacro&, const OldMacro&);
+template bool equalContents(const ParamTable&, const ParamTable&);
+template bool equalContents(const OldMaterial&, const OldMaterial&);
+template bool equalContents(const OldMachine&, const OldMachine&);
+template bool equalContents(const OldSheet&, const OldSheet&);
 
 Walked walkPartBody(Bytes body, int version, bool embedded, bool stopEarly, TorvPart& part) {
   return walkedWhole(body, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file, 0, stopEarly});

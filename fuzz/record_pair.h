@@ -14,18 +14,9 @@ using Bytes = std::span<const std::byte>;
 // A number that follows from the bytes: what is chosen by it is chosen again when a find is repeated.
 std::size_t turnOf(Bytes file);
 
-enum class Extent : std::uint8_t { counted, all };  // see fuzz/record_contents.h
-
-bool equalContents(oldtorvio::ShapeList& one, oldtorvio::ShapeList& other, Extent extent);
-bool equalContents(oldtorvio::TorvPart& one, oldtorvio::TorvPart& other, Extent extent);
-bool equalContents(oldtorvio::SheetPartList& one, oldtorvio::SheetPartList& other, Extent extent);
-bool equalContents(oldtorvio::OldSpecialTool& one, oldtorvio::OldSpecialTool& other, Extent extent);
-bool equalContents(oldtorvio::OldToolInventory& one, oldtorvio::OldToolInventory& other, Extent extent);
-bool equalContents(oldtorvio::OldMacro& one, oldtorvio::OldMacro& other, Extent extent);
-bool equalContents(oldtorvio::ParamTable& one, oldtorvio::ParamTable& other, Extent extent);
-bool equalContents(oldtorvio::OldMaterial& one, oldtorvio::OldMaterial& other, Extent extent);
-bool equalContents(oldtorvio::OldMachine& one, oldtorvio::OldMachine& other, Extent extent);
-bool equalContents(oldtorvio::OldSheet& one, oldtorvio::OldSheet& other, Extent extent);
+// Whether two records of a file kind, or two of the records that kinds share, hold the same in every member.
+template <class Record>
+bool equalContents(const Record& one, const Record& other);
 
 struct Walked {
   int status = 0;

@@ -405,6 +405,10 @@ TEST(KindsReload, MaterialOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKee
       [](RandomRecords& random, OldMaterial& m, int version) {
         // The table of the file's own version, so that its gates fall together with those of the material.
         random.paramTable(m.params, version);
+        // A load takes the material's name from a table whose name is not empty and has a NUL.
+        m.params.name[0] = static_cast<char>('a' + random.upTo(25));
+        m.params.name[1] = '\0';
+        m.params.nameLength = 2;
         m.palette.groupCount = 5;
         m.rules.pairRules.resize(1);
         random.bits(m.rules.pairRules[0].sizeLimitX);
