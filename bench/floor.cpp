@@ -1,5 +1,6 @@
 #include "bench/floor.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -37,12 +38,38 @@ Folder::~Folder() {
 
 void floorSave(const std::string& path, const std::vector<std::byte>& content) {
   // Allocated for each save, because a save cannot keep a buffer either.
-  const auto buffer = std::make_unique_for_overwrite<std::byte[]>(content.size());
-  std::memcpy(buffer.get(), content.data(), content.size());
+  const auto window = std::make_unique_for_overwrite<std::byte[]>(std::min(content.size(), kWindow));
   std::FILE* file = std::fopen(path.c_str(), "wb");
   (void)std::setvbuf(file, nullptr, _IONBF, 0);
-  if (std::fwrite(buffer.get(), 1, content.size(), file) != content.size()) std::abort();
+  for (std::size_t at = 0; at < content.size();) {
+    const std::size_t size = std::min(content.size() - at, kWindow);
+    std::memcpy(window.get(), content.data() + at, size);
+    if (std::fwrite(window.get(), 1, size, file) != size) std::abort();
+    at += size;
+  }
   std::fclose(file);
+}
+
+Source::Source(const std::string& path, Reads reads) : file_(std::fopen(path.c_str(), "rb")) {
+  (void)std::setvbuf(file_, nullptr, _IONBF, 0);
+  std::fseek(file_, 0, SEEK_END);
+  const auto all = static_cast<std::size_t>(std::ftell(file_));
+  std::fseek(file_, 0, SEEK_SET);
+  capacity_ = reads == Reads::atOnce ? all : std::min(all, kWindow);
+  bytes_ = std::make_unique_for_overwrite<char[]>(capacity_);
+  next();
+}
+Source::~Source() { std::fclose(file_); }
+
+void Source::next() {
+  at_ = 0;
+  if (atEnd_) return;
+  const std::size_t size = std::fread(bytes_.get(), 1, capacity_, file_);
+  atEnd_ = size < capacity_ || size == 0;
+  size_ = std::max(size_, size);
+}
+void Source::readToEnd() {
+  while (!atEnd_) next();
 }
 
 void fillShapes(Source& from, const std::vector<Shape>& like, std::vector<Shape>& to) {

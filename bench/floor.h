@@ -1,6 +1,7 @@
 // What the baselines share: files read and written with one call, records filled by memcpy.
 #pragma once
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -36,23 +37,41 @@ class Folder {
   std::filesystem::path folder_;
 };
 
-// The floor of a save: the same bytes copied to a buffer by memcpy and written with one call.
+// The window that files are read and written through, as large as the library's.
+inline constexpr std::size_t kWindow = 256 * 1024;
+
+// The floor of a save: the same bytes copied to a window by memcpy and written with one call for each window.
 void floorSave(const std::string& path, const std::vector<std::byte>& content);
 
-// Fills from a block of stored bytes, repeatedly: only the number of copied bytes matters.
+// How the floor of a load reads its file: all of it with one call, or through a window.
+enum class Reads { atOnce, throughWindow };
+
+// Fills records from the bytes of a file. Only the number of copied bytes matters: at the end of the file it starts
+// again with what is in memory.
 class Source {
  public:
-  explicit Source(const Bytes& bytes) : bytes_(bytes.all.get()), size_(bytes.size) {}
+  Source(const std::string& path, Reads reads);
+  ~Source();
+  Source(const Source&) = delete;
+  Source& operator=(const Source&) = delete;
+
   void fill(void* to, std::size_t size) {
-    if (size_ - at_ < size) at_ = 0;
-    std::memcpy(to, bytes_ + at_, size);
+    if (size_ - at_ < size) next();
+    std::memcpy(to, bytes_.get() + at_, size);
     at_ += size;
   }
+  // What the fills have not used is read, too.
+  void readToEnd();
 
  private:
-  const char* bytes_;
-  std::size_t size_;
+  void next();
+
+  std::FILE* file_;
+  std::unique_ptr<char[]> bytes_;
+  std::size_t capacity_;
+  std::size_t size_ = 0;  // of the bytes in memory
   std::size_t at_ = 0;
+  bool atEnd_ = false;
 };
 
 template <class T>

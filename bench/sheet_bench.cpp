@@ -144,7 +144,7 @@ void registerEdit(const SheetCase& one, const std::string& name, Edit edit, Also
   timed("library", [=] { require(edit(path.c_str()) == 0, "an edit that fails"); });
   timed("floor", [=, &one] {
     also(Way::floor);
-    const auto sheet = bench::floorLoad(path, *one.like, bench::fillSheet);
+    const auto sheet = bench::floorLoad(path, bench::Reads::throughWindow, *one.like, bench::fillSheet);
     benchmark::DoNotOptimize(sheet.get());
     floorSave(path, *edited);
   });
@@ -173,7 +173,7 @@ void registerEdits(const SheetCase& one) {
       [](const char* path) { return ReplaceSheetSknPatListWithPartPatList(path, partPath.c_str()); },
       [](Way way) {
         if (way == Way::floor) {
-          const auto part = bench::floorLoad(partPath, *likePart, bench::fillPart);
+          const auto part = bench::floorLoad(partPath, bench::Reads::throughWindow, *likePart, bench::fillPart);
           benchmark::DoNotOptimize(part.get());
         } else {
           const auto part = std::make_unique<TorvPart>();
