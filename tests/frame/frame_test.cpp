@@ -36,7 +36,7 @@ TEST(InStream, FailedReadLeavesTheStreamAtTheEndAndTheFieldAsItWas) {
   EXPECT_EQ(io.stop(), Stop::shortRead);
 }
 
-TEST(InStream, RowsKeepTheirWholeNumbersAndBlocksAllOrNothing) {
+TEST(InStream, RowsKeepTheirCompleteNumbersAndBlocksAllOrNothing) {
   const Bytes bytes = Bytes().i32(1).i32(2).u8(3);
   std::uint32_t row[3] = {9, 9, 9};
   std::uint8_t raw[12] = {};
@@ -80,7 +80,7 @@ TEST(InStream, LeadingTakesTheFirstOfSeveralNumbers) {
   }
 }
 
-TEST(InStream, EachVerbOfOneItemFailsWhereTheFileEndsInside) {
+TEST(InStream, EachVerbOfOneItemFailsWhenTheFileEndsInside) {
   const Bytes bytes = Bytes().u8(1);
   std::string text = "kept";
   std::int32_t numbers[2] = {7, 8};
@@ -101,7 +101,7 @@ TEST(InStream, EachVerbOfOneItemFailsWhereTheFileEndsInside) {
   EXPECT_EQ(numbers[1], 8);
 }
 
-TEST(InStream, FileThatGotShorterEndsWhereItEnds) {
+TEST(InStream, FileThatWasTruncatedMeanwhileEndsEarly) {
   const TempFolder folder;
   const std::string path = folder.write("f", Bytes().zeros(2000000));
   const File file = File::openToRead(path.c_str());
@@ -123,7 +123,7 @@ TEST(InStream, TextLongerThanTheFileIsNotAppended) {
 }
 
 #if !defined(_WIN32)
-TEST(InStream, TextFromAPipeThatEndsTooEarlyIsNotAppended) {
+TEST(InStream, TextFromAPipeThatEndsEarlyIsNotAppended) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   const std::string sent(5000, 'a');
@@ -140,7 +140,7 @@ TEST(InStream, TextFromAPipeThatEndsTooEarlyIsNotAppended) {
 }
 #endif
 
-TEST(InStream, TheLastRunOfALargeFileIsThereWhereverItBegins) {
+TEST(InStream, LastRunOfALargeFileIsAvailableWhereverItBegins) {
   const TempFolder folder;
   Bytes bytes;
   for (std::uint32_t i = 0; i < 66000; ++i) bytes.u32(i * 2654435761U);
@@ -162,7 +162,7 @@ TEST(InStream, TheLastRunOfALargeFileIsThereWhereverItBegins) {
   }
 }
 
-TEST(OutStream, OneByteIsStoredAsAnyOther) {
+TEST(OutStream, SingleByteIsStored) {
   OutStream memory;
   ASSERT_NE(memory.room(1), nullptr);
   EXPECT_EQ(memory.bytes().size(), 1U);
@@ -184,7 +184,7 @@ TEST(OutStream, OneByteIsStoredAsAnyOther) {
   EXPECT_EQ(TempFolder::read(path), Bytes().u8(7));
 }
 
-TEST(OutStream, AByteThatIsAllThereIsKeptWhereRoomIsMade) {
+TEST(OutStream, OnlyByteIsKeptWhenTheBufferGrows) {
   OutStream memory;
   *memory.room(1) = std::byte{7};
   ASSERT_NE(memory.room(100000), nullptr);
@@ -207,7 +207,7 @@ TEST(OutStream, AByteThatIsAllThereIsKeptWhereRoomIsMade) {
   EXPECT_EQ(TempFolder::read(path) == expected, true);
 }
 
-TEST(Platform, OfAFolderTheFilesAreWalkedUpToTheFirstThatIsEnough) {
+TEST(Platform, FilesOfAFolderAreWalkedUntilOneIsEnough) {
   const TempFolder folder;
   for (const char* name : {"a", "b", "c.spt"}) (void)folder.write(name, Bytes().u8(1));
   std::filesystem::create_directory(folder.path("inside"));
@@ -220,7 +220,26 @@ TEST(Platform, OfAFolderTheFilesAreWalkedUpToTheFirstThatIsEnough) {
   EXPECT_EQ(visits, 2);
 }
 
-TEST(OutStream, HandsLargeContentToTheFileInOrder) {
+TEST(Platform, AFinalSeparatorIsLeftOutOfTheFolderThatIsWalked) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder.path("d"));
+  folder.write("d/one", Bytes().i32(1));
+  const auto walked = [](const std::string& path) {
+    std::set<std::string> names;
+    walkFolder(path, [&](const std::string& name, const std::string&) { return names.insert(name).second; });
+    return names;
+  };
+  EXPECT_EQ(walked(folder.path("d") + '\\'), std::set<std::string>{"one"});
+  EXPECT_EQ(walked(folder.path("dx")), std::set<std::string>{}) << "only a separator is left out";
+
+  // The shortest name there is.
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  EXPECT_EQ(walked("d\\"), std::set<std::string>{"one"});
+  std::filesystem::current_path(before);
+}
+
+TEST(OutStream, PassesLargeContentToTheFileInOrder) {
   const TempFolder folder;
   const std::string path = folder.path("f");
   Bytes expected;
@@ -238,7 +257,7 @@ TEST(OutStream, HandsLargeContentToTheFileInOrder) {
   EXPECT_EQ(TempFolder::read(path), expected);
 }
 
-TEST(OutStream, HandsNothingOverWhereThereIsNothingOrNoFile) {
+TEST(OutStream, PassesNothingOnWithoutContentOrFile) {
   OutStream memory;
   std::memset(memory.room(5), 7, 5);
   EXPECT_TRUE(memory.flush());
@@ -251,7 +270,7 @@ TEST(OutStream, HandsNothingOverWhereThereIsNothingOrNoFile) {
   std::fclose(file);
 }
 
-TEST(OutStream, OnceFailedStaysFailed) {
+TEST(OutStream, TakesNothingMoreAfterAFailedWrite) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
   File file = File::openToWrite("/dev/full");
   OutStream stream(file.handle());
@@ -267,7 +286,7 @@ TEST(OutStream, OnceFailedStaysFailed) {
   EXPECT_FALSE(io.lengthText(FIELDS(note)) && io.reserved(4096) && stream.flush());
 }
 
-TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
+TEST(OutStream, EachVerbFailsWhenTheFileTakesNoMore) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
   // With room for `left` bytes in front of the hand-over that fails.
   const auto fails = [](std::size_t left, const auto& verb) {
@@ -304,7 +323,7 @@ TEST(OutStream, EachVerbFailsWhereTheFileTakesNoMore) {
   }
 }
 
-TEST(Text, FieldsKeepWhatStandsBehindTheNul) {
+TEST(Text, FieldsKeepTheBytesAfterTheNul) {
   char field[8] = {'1', '2', '3', '4', '5', '6', '7', '8'};
   EXPECT_EQ(fixedText(field), "12345678");
   setText(field, "ab");
@@ -316,7 +335,7 @@ TEST(Text, FieldsKeepWhatStandsBehindTheNul) {
   EXPECT_DEATH(setText(field, "12345678"), "");
 }
 
-TEST(Text, ADriveIsALetterAndAColon) {
+TEST(Text, DriveIsALetterAndAColon) {
   for (const char* drive : {"a:", "z:", "A:", "Z:", "m:"})
     EXPECT_EQ(baseName(std::string(drive) + "x.y"), "x") << drive;
   for (const char* none : {"@:", "[:", "`:", "{:", "1:", "::", "aa:"})
@@ -339,7 +358,7 @@ TEST(Text, ComparisonFoldsLettersAToZOnly) {
     }
 }
 
-TEST(Text, TheBaseNameHasNeitherDriveNorFoldersNorWhatStandsBehindTheLastDot) {
+TEST(Text, BaseNameHasNeitherDriveNorFoldersNorExtension) {
   const std::pair<const char*, const char*> cases[] = {{"C:\\A\\B.PRT", "B"},
                                                        {"c:b.prt", "b"},
                                                        {"z:/a/b.c.prt", "b.c"},
@@ -386,7 +405,7 @@ TEST(Text, NumbersPrintAsInTheCLocale) {
   EXPECT_EQ(integer, "-9223372036854775808");
 }
 
-TEST(Text, AFormatEndsWhereItsViewEnds) {
+TEST(Text, FormatEndsWhereItsViewEnds) {
   constexpr std::string_view kText = "a%I64d";
   const auto printed = [&](std::size_t size) { return printedWithoutValues(kText.substr(0, size), 260); };
   EXPECT_EQ(printed(0), "");
@@ -398,7 +417,7 @@ TEST(Text, AFormatEndsWhereItsViewEnds) {
   EXPECT_EQ(printed(6), "a0");
 }
 
-TEST(Versions, ListsHoldExactlyTheirNumbers) {
+TEST(Versions, ListsContainExactlyTheirNumbers) {
   int parts = 0, specialTools = 0;
   for (int v = -70000; v < 70000; ++v) {
     parts += kPartVersions.has(v) ? 1 : 0;
