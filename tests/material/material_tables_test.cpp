@@ -54,7 +54,7 @@ TEST(MaterialTables, FreshElementsOfTheListsAreZeroButForTheTenValuesOfARule) {
   EXPECT_EQ(size.sizeFlagB, 0);
 }
 
-TEST(SaveMaterial, OfATableAloneTellsWhatCannotBeOpenedAndWhatCannotBeStored) {
+TEST(SaveMaterial, TableWithoutABodyReturnsMinusTwoForFaults) {
   const TempFolder folder;
   const auto material = std::make_unique<OldMaterial>();
   material->params.version = 52;

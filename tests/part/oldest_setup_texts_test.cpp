@@ -150,7 +150,7 @@ void expectEntries(const TorvPart& part, const Section& section) {
   EXPECT_EQ(entries.back().setupShort5, 7);
 }
 
-TEST(OldestSetupTexts, AnEntryIsLaidOutWithNaturalAlignment) {
+TEST(OldestSetupTexts, EntryHasNaturalAlignment) {
   EXPECT_EQ(offsetof(SetupEntry, setupShort1), 0U);
   EXPECT_EQ(offsetof(SetupEntry, setupShort2), 2U);
   EXPECT_EQ(offsetof(SetupEntry, setupByte1), 4U);
@@ -166,7 +166,7 @@ TEST(OldestSetupTexts, AnEntryIsLaidOutWithNaturalAlignment) {
   EXPECT_EQ(offsetof(SetupEntry, setupWord3), 40U);
 }
 
-TEST(OldestSetupTexts, EachPieceIsInTheFieldsThatLieInItsPlaceInMemory) {
+TEST(OldestSetupTexts, EachPieceIsInTheFieldsAtItsPlaceInMemory) {
   for (const int version : {2, 3})
     for (const int type : kTypes)
       for (const std::size_t length : kLengths) {
@@ -195,7 +195,7 @@ TEST(OldestSetupTexts, AllBytesBut0AreCharacters) {
   }
 }
 
-TEST(OldestSetupTexts, RecordsAreJoinedUpToTheirFirstNulAndCutAnew) {
+TEST(OldestSetupTexts, RecordsAreJoinedUpToTheirFirstNulAndSplitAgain) {
   const std::string full = someText(kPiece), nul("ab\0cdefghijklmnopqrstuvwxyz", 27);
   const std::string lateNul = full.substr(0, 26) + '\0';
   const std::string onlyNul(kPiece, '\0'), nulFirst = '\0' + full.substr(1);
@@ -223,7 +223,7 @@ TEST(OldestSetupTexts, RecordsAreJoinedUpToTheirFirstNulAndCutAnew) {
       }
 }
 
-TEST(OldestSetupTexts, TheCharactersBetweenTheFieldsAreCopiedWithTheEntryTheListAndThePart) {
+TEST(OldestSetupTexts, CharactersBetweenTheFieldsAreCopiedWithTheEntryTheListAndThePart) {
   const Section section = sectionOf(16, someText(60));
   auto part = loaded(section, 3);
   for (int copies = 0; copies < 3; ++copies) {
@@ -271,7 +271,7 @@ TEST(OldestSetupTexts, OnlyTheFieldsAreStored) {
 }
 
 // A used record and its lists leave nothing in a continuation.
-TEST(OldestSetupTexts, AReloadLeavesNothingOfTheTextBefore) {
+TEST(OldestSetupTexts, ReloadLeavesNothingOfTheEarlierText) {
   const TempFolder folder;
   const auto part = std::make_unique<TorvPart>();
   for (const std::size_t length : {81U, 30U, 1U, 0U, 55U}) {

@@ -1,271 +1,432 @@
-// Flat questions about part and group part files.
+// What the queries of part files and group part files return, over files put together field by field.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
 #include <limits>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "OldTorvIO.h"
-#include "src/part/part_io.h"
+#include "tests/support/bytes.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
-#include "tests/support/host.h"
+#include "tests/support/stored_forms.h"
 
 namespace {
 
-using namespace oldtorvio;
 using namespace testing_support;
 
-OldTool toolOf(std::int32_t code, float dimension1 = 0, float orientation = 0, const char* path = "") {
-  OldTool tool;
-  tool.shapeCode = code;
-  tool.dimension1 = dimension1;
-  tool.orientation = orientation;
-  std::strcpy(tool.specialToolPath, path);
-  return tool;
-}
+// ---- files ---------------------------------------------------------------------------------------
 
-class PartQueries : public testing::Test {
- protected:
-  PartQueries() { part_->patterns.emplace_back(); }
-  void addTool(const OldTool& tool) {
-    part_->toolStations.stations.emplace_back();
-    part_->toolStations.tools.push_back(tool);
-  }
-  const char* saved(int version = 180) {
-    EXPECT_EQ(SavePart(path_.c_str(), *part_, version), 0);
-    return path_.c_str();
-  }
-  std::string tools(std::int32_t size = 4096) {
-    std::string text(4096, '#');
-    std::uint32_t length = 0;
-    EXPECT_EQ(GetOldPartTool(saved(), text.data(), size, &length), 0);
-    if (static_cast<std::int64_t>(length) >= size) {
-      EXPECT_EQ(text, std::string(4096, '#'));
-      return "(" + std::to_string(length) + ")";
-    }
-    EXPECT_EQ(text[length], '\0');
-    EXPECT_EQ(text[length + 1], '#');
-    return text.substr(0, length);
-  }
-  std::string answer(const char* key) {
-    char text[512] = "unchanged";
-    EXPECT_EQ(GetOldPartInfo_v1(saved(), key, text), 0);
-    return text;
-  }
-  TempFolder folder_;
-  std::string path_ = folder_.path("p.part");
-  std::unique_ptr<TorvPart> part_ = std::make_unique<TorvPart>();
+struct ToolForm {
+  int code = 1;
+  float d1 = 0, d2 = 0, d3 = 0, orientation = 0;
+  std::string path = {};
 };
 
-TEST_F(PartQueries, InfoGivesMaterialTypeAndSize) {
-  std::strcpy(part_->materialType, "STEEL");
-  part_->width = 1.5F;
-  part_->height = 2.5F;
-  part_->thickness = 0.25F;
-  char text[300];
-  float w = 0, h = 0, t = 0;
-  ASSERT_EQ(GetOldPartInfo(saved(), text, &w, &h, &t), 0);
-  EXPECT_STREQ(text, "STEEL");
-  EXPECT_EQ(w, 1.5F);
-  EXPECT_EQ(h, 2.5F);
-  EXPECT_EQ(t, 0.25F);
-  std::memset(part_->materialType, 'x', sizeof part_->materialType);
-  ASSERT_EQ(GetOldPartInfo(saved(), text, &w, &h, &t), 0);
-  EXPECT_EQ(std::string(text), std::string(256, 'x')) << "a text without a NUL is taken up to its width";
+Bytes toolBytes(int version, bool pathIsStored, const ToolForm& t) {
+  Bytes b;
+  b.f32(t.orientation).i32(t.code);
+  if (t.code == 108 && version >= 90) b.zeros(24);
+  b.i32(0);
+  if (pathIsStored && t.code == 108) b.text(256, t.path);
+  b.i32(0).f32(t.code == 107 ? t.d2 : t.d1).f32(t.code == 107 ? t.d1 : t.d2).f32(t.d3);
+  b.zeros(2 * (4 + (version < 110 ? 16U : 24U)) + 8);
+  return b.zeros((version >= 60 ? 8U : 0U) + (version >= 110 ? 16U : 0U) + (version >= 111 ? 264U : 0U));
 }
 
-TEST_F(PartQueries, KeysAreTakenWithoutRegardToCase) {
-  std::strcpy(part_->revision, "REV-7");
-  std::strcpy(part_->materialType, "BRASS");
-  part_->thickness = 0.05F;
-  for (const char* key : {"angle", "ANGLE", "Angle"}) EXPECT_EQ(answer(key), "0");
-  for (const char* key : {"Revision", "revision"}) EXPECT_EQ(answer(key), "REV-7");
-  for (const char* key : {"MatType", "MATTYPE"}) EXPECT_EQ(answer(key), "BRASS");
-  for (const char* key : {"Thickness", "tHICKNESS"}) EXPECT_EQ(answer(key), "0.05");
+struct PartForm {
+  std::vector<ToolForm> tools;
+  float width = 40, height = 25, thickness = 0.125F;
+  std::string material = "steel", revision = "rev B";
+  float cosine = 1, sine = 0;
+};
+
+Bytes partBody(int version, const PartForm& p) {
+  const auto since = [version](int first, std::size_t bytes) { return version >= first ? bytes : 0; };
+  Bytes b;
+  b.f32(p.width).f32(p.height).zeros(3 * 21 + 8).f32(p.thickness).zeros(4);
+  b.i32(-1).i32(1).i32(0).i32(0).zeros(256 + since(80, 501));
+  b.zeros(4 + since(61, 4) + since(90, 4));
+  if (version >= 100) b.i32(2).zeros(8);
+  b.i32(static_cast<std::int64_t>(p.tools.size()));
+  for (const ToolForm& t : p.tools) {
+    b.i32(1).f32(0).i32(0).i32(1).zeros(4 * 15 + 3 + 4 + since(60, 8) + since(61, 36) + since(90, 49));
+    if (version >= 100) b.zeros(4).i32(2).zeros(20);
+    b.zeros(since(110, 4) + since(112, 4) + since(130, 8)).add(toolBytes(version, true, t));
+  }
+  b.i32(0).i32(1).i32(1).zeros(16).f32(p.cosine).f32(p.sine).zeros(12 + since(80, 8));
+  b.zeros(1 + 12 + 8);
+  if (version >= 62) b.zeros(512).text(21, p.revision).text(256, p.material).zeros(260);
+  b.zeros(since(71, 8) + since(102, 12) + since(110, 5 * 256 + 16) + since(111, 512) + since(112, 256));
+  return b.zeros(since(140, 16) + since(151, 4) + since(152, 24) + since(154, 4) + since(161, 4) + since(180, 1032));
 }
 
-TEST_F(PartQueries, UnknownKeysAndNullsGiveOneAndLeaveTheValue) {
-  char text[32] = "unchanged";
-  for (const char* key : {"Width", "", "angle ", "angl", "Material"})
-    EXPECT_EQ(GetOldPartInfo_v1(saved(), key, text), 1);
-  EXPECT_EQ(GetOldPartInfo_v1(nullptr, "angle", text), 1);
-  EXPECT_EQ(GetOldPartInfo_v1(saved(), nullptr, text), 1);
-  EXPECT_EQ(GetOldPartInfo_v1(saved(), "angle", nullptr), 1);
-  EXPECT_STREQ(text, "unchanged");
+Bytes partFile(int version, const PartForm& p) { return Bytes().i16(version).add(partBody(version, p)); }
+
+Bytes groupFile(int version, std::int32_t extra, int nameBlock, const std::vector<PartForm>& parts,
+                const std::vector<std::string>& names = {"part0", "part1", "part2"}) {
+  Bytes b;
+  b.i16(version).i32(extra).i32(nameBlock);
+  for (std::size_t i = 0; i < parts.size(); ++i)
+    b.text(static_cast<std::size_t>(nameBlock), names[i]).add(partBody(version, parts[i]));
+  return b;
 }
 
-TEST(PartQuery, AngleOfAPartWithoutPatternsIsZero) {
-  const TempFolder folder;
-  char text[32] = "unchanged";
-  EXPECT_EQ(GetOldPartInfo_v1(folder.write("5", Bytes().i16(5).zeros(1000)).c_str(), "angle", text), 0);
-  EXPECT_STREQ(text, "0");
-}
+ToolForm special(const std::string& path, float orientation = 0) { return {108, 0, 0, 0, orientation, path}; }
 
-TEST_F(PartQueries, AngleIsThatOfTheFirstPattern) {
-  const struct {
-    float cosine, sine;
-    const char* text;
-  } cases[] = {{1, 0, "0"}, {0, 1, "1.5708"}, {-1, 0, "3.14159"},  {0, -1, "-1.5708"},
-               {0, 0, "0"}, {1, -0.0F, "-0"}, {1, 1e-6F, "1e-06"}, {std::numeric_limits<float>::quiet_NaN(), 0, "nan"}};
-  for (const auto& one : cases) {
-    part_->patterns[0].rotationCos = one.cosine;
-    part_->patterns[0].rotationSin = one.sine;
-    EXPECT_EQ(answer("angle"), one.text);
+// Calls check(n) with the file shortened to n bytes, from the longest cut down; `wanted` picks the cuts.
+template <class Wanted, class Check>
+void atEachCut(const std::string& path, std::size_t whole, Wanted wanted, Check check) {
+  for (std::size_t n = whole; n-- > 0;) {
+    if (!wanted(n)) continue;
+    SCOPED_TRACE(testing::Message() << n << " of " << whole << " bytes");
+    std::filesystem::resize_file(path, n);
+    check(n);
+    if (testing::Test::HasFailure()) return;
   }
 }
 
-TEST_F(PartQueries, ThicknessIsPrintedShort) {
-  const std::pair<float, const char*> cases[] = {{0, "0"},
-                                                 {1e10F, "1e+10"},
-                                                 {123456.0F, "123456"},
-                                                 {1234567.0F, "1.23457e+06"},
-                                                 {-0.0001F, "-0.0001"},
-                                                 {0.00001F, "1e-05"},
-                                                 {0.1F, "0.1"},
-                                                 {std::numeric_limits<float>::infinity(), "inf"},
-                                                 {-std::numeric_limits<float>::infinity(), "-inf"},
-                                                 {std::numeric_limits<float>::quiet_NaN(), "nan"},
-                                                 {-std::numeric_limits<float>::quiet_NaN(), "-nan"}};
-  for (const auto& [value, text] : cases) {
-    part_->thickness = value;
-    EXPECT_EQ(answer("Thickness"), text);
+struct Room {
+  char text[4096];
+  Room() { std::memset(text, '#', sizeof text); }
+  bool untouched() const { return std::string(text, sizeof text).find_first_not_of('#') == std::string::npos; }
+  // The text up to its NUL; nothing after the NUL may have changed.
+  std::string taken() const {
+    const std::string all(text, sizeof text);
+    const std::size_t end = all.find('\0');
+    if (end == std::string::npos) return "no NUL";
+    EXPECT_EQ(all.find_first_not_of('#', end + 1), std::string::npos) << "bytes after the NUL changed";
+    return all.substr(0, end);
   }
-}
+};
 
-TEST_F(PartQueries, ToolStringHasAnItemForEachToolButCodeZero) {
-  EXPECT_EQ(tools(), "");
-  addTool(toolOf(1, 0.5F));
-  EXPECT_EQ(tools(), "1  0.500  0.000  0.000  0.000,");
-  addTool(toolOf(0, 9));
-  addTool(toolOf(108, 0, 1.25F, "C:\\KESTRADA\\SPECTOOL\\Corner.A.spt"));
-  EXPECT_EQ(tools(), "1  0.500  0.000  0.000  0.000,108 Corner.A  1.250,");
+std::string answer(const std::string& path, const char* key) {
+  Room room;
+  EXPECT_EQ(GetOldPartInfo_v1(path.c_str(), key, room.text), 0) << key;
+  return room.taken();
 }
-
-TEST_F(PartQueries, NumbersOfTheToolStringArePaddedToSix) {
-  const std::pair<float, const char*> cases[] = {
-      {-0.5F, "-0.500"},
-      {123.4567F, "123.457"},
-      {0.0005F, " 0.001"},
-      {0.00049F, " 0.000"},
-      {-12345.0F, "-12345.000"},
-      {2.5F, " 2.500"},
-      {std::numeric_limits<float>::infinity(), "   inf"},
-      {std::numeric_limits<float>::quiet_NaN(), "   nan"},
-      {std::numeric_limits<float>::max(), "340282346638528859811704183484516925440.000"}};
-  for (const auto& [value, text] : cases) {
-    part_->toolStations = ToolStationList();
-    addTool(toolOf(-3, value));
-    EXPECT_EQ(tools(), std::string("-3 ") + text + "  0.000  0.000  0.000,");
-  }
-}
-
-TEST_F(PartQueries, BaseNamesDropDriveFolderAndExtension) {
-  const std::pair<const char*, const char*> cases[] = {{"", ""},
-                                                       {"a", "a"},
-                                                       {"a.spt", "a"},
-                                                       {"C:a.spt", "a"},
-                                                       {"C:\\x\\a.spt", "a"},
-                                                       {"/x/y.z/a", "a"},
-                                                       {"x\\y/a.b.c", "a.b"},
-                                                       {"x/", ""},
-                                                       {".spt", ""},
-                                                       {"1:a", "1:a"},
-                                                       {"x.y\\a", "a"}};
-  for (const auto& [path, base] : cases) {
-    part_->toolStations = ToolStationList();
-    addTool(toolOf(108, 0, 0, path));
-    EXPECT_EQ(tools(), std::string("108 ") + base + "  0.000,");
-  }
-}
-
-TEST_F(PartQueries, TextAsLongAsTheSizeIsNotCopiedButItsLengthIsGiven) {
-  addTool(toolOf(1, 0.5F));
-  const std::int32_t length = 30;
-  EXPECT_EQ(tools(length), "(30)");
-  EXPECT_EQ(tools(0), "(30)");
-  EXPECT_EQ(tools(-5), "(30)");
-  EXPECT_EQ(tools(length + 1), "1  0.500  0.000  0.000  0.000,");
-}
-
-TEST_F(PartQueries, SpecialToolsAreAppendedEachBetweenCommas) {
-  char text[2048] = "";
-  EXPECT_EQ(GetOldSptFromPart(saved(), text), 0);
-  EXPECT_STREQ(text, "");
-  addTool(toolOf(108, 0, 0, "A"));
-  addTool(toolOf(1));
-  addTool(toolOf(108, 0, 0, "B"));
-  EXPECT_EQ(GetOldSptFromPart(saved(), text), 0);
-  EXPECT_STREQ(text, ",A,,B,");
-  EXPECT_EQ(GetOldSptFromPart(saved(), text), 0);
-  EXPECT_STREQ(text, ",A,,B,,A,,B,") << "the buffer is not cleared";
-}
-
-TEST_F(PartQueries, FailedLoadsGiveTheirStatusAndLeaveTheOutputs) {
-  const std::string missing = folder_.path("none"), refused = folder_.write("r", Bytes().i16(53)),
-                    cut = folder_.write("c", TempFolder::read(saved()).cut(50)),
-                    oldest = folder_.write("o", Bytes().i16(3).zeros(500));
-  const std::pair<const char*, std::int64_t> cases[] = {
-      {missing.c_str(), -2}, {refused.c_str(), -1}, {cut.c_str(), 1}, {oldest.c_str(), 1}};
-  char text[64] = "unchanged";
-  float w = -1, h = -1, t = -1;
-  std::uint32_t length = 99;
-  for (const auto& [path, status] : cases) {
-    EXPECT_EQ(GetOldPartInfo(path, text, &w, &h, &t), status);
-    EXPECT_EQ(GetOldPartInfo_v1(path, "angle", text), status);
-    EXPECT_EQ(GetOldPartTool(path, text, 64, &length), status);
-    EXPECT_EQ(GetOldSptFromPart(path, text), status);
-  }
-  EXPECT_EQ(GetOldPartInfo(nullptr, text, &w, &h, &t), -2);
-  EXPECT_EQ(GetOldPartTool(nullptr, text, 64, &length), -2);
-  EXPECT_EQ(GetOldSptFromPart(nullptr, text), -2);
-  EXPECT_EQ(GetOldSptFromGroupPart(nullptr, text, 64, &length), -2);
-  EXPECT_STREQ(text, "unchanged");
-  EXPECT_EQ(w, -1.0F);
-  EXPECT_EQ(h, -1.0F);
-  EXPECT_EQ(t, -1.0F);
-  EXPECT_EQ(length, 99U);
-}
-
-TEST_F(PartQueries, SpecialToolsOfAGroupAreClosedByACommaEachAndDoublesStay) {
-  SheetPartList list;
-  for (const char* path : {"A", "B", "A"}) {
-    TorvPart& part = list.parts.emplace_back();
-    part.patterns.emplace_back();
-    part.toolStations.stations.resize(2);
-    part.toolStations.tools = {toolOf(108, 0, 0, path), toolOf(1)};
-  }
-  ASSERT_EQ(SaveGroupPart(path_.c_str(), list, 180), 0);
-  char text[64] = "unchanged";
+using SizedQuery = decltype(&GetOldPartTool);
+std::string sized(SizedQuery query, const std::string& path) {
+  Room room;
   std::uint32_t length = 0;
-  EXPECT_EQ(GetOldSptFromGroupPart(path_.c_str(), text, 6, &length), 0);
-  EXPECT_EQ(length, 6U);
-  EXPECT_STREQ(text, "unchanged");
-  EXPECT_EQ(GetOldSptFromGroupPart(path_.c_str(), text, 7, &length), 0);
-  EXPECT_STREQ(text, "A,B,A,");
+  EXPECT_EQ(query(path.c_str(), room.text, sizeof room.text, &length), 0);
+  const std::string text = room.taken();
+  EXPECT_EQ(length, text.size());
+  return text;
+}
+std::string toolString(const std::string& path) { return sized(GetOldPartTool, path); }
+std::string groupString(const std::string& path) { return sized(GetOldSptFromGroupPart, path); }
+std::string sptString(const std::string& path, const std::string& before = "") {
+  Room room;
+  std::memcpy(room.text, before.c_str(), before.size() + 1);
+  EXPECT_EQ(GetOldSptFromPart(path.c_str(), room.text), 0);
+  return room.taken();
 }
 
-TEST_F(PartQueries, FaultInTheMiddleOfAGroupGivesOneWithoutText) {
-  SheetPartList list;
-  list.parts.resize(2);
-  for (TorvPart& part : list.parts) part.patterns.emplace_back();
-  ASSERT_EQ(SaveGroupPart(path_.c_str(), list, 180), 0);
-  const Bytes whole = TempFolder::read(path_);
-  char text[64] = "unchanged";
-  std::uint32_t length = 99;
-  EXPECT_EQ(GetOldSptFromGroupPart(folder_.write("c", whole.cut(whole.size() - 5)).c_str(), text, 64, &length), 1);
-  EXPECT_EQ(GetOldSptFromGroupPart(folder_.write("v", Bytes().i16(151)).c_str(), text, 64, &length), 1);
-  EXPECT_STREQ(text, "unchanged");
-  EXPECT_EQ(length, 99U);
+void expectSizedRefused(SizedQuery query, const char* path, std::int64_t status) {
+  Room room;
+  std::uint32_t length = 77;
+  EXPECT_EQ(query(path, room.text, sizeof room.text, &length), status);
+  EXPECT_TRUE(length == 77 && room.untouched());
+}
+void expectGroupRefused(const char* path, std::int64_t status) {
+  expectSizedRefused(GetOldSptFromGroupPart, path, status);
+}
+// Every part query returns the status and keeps its outputs.
+void expectRefused(const char* path, std::int64_t status) {
+  Room room;
+  float w = -1, h = -2, t = -3;
+  EXPECT_EQ(GetOldPartInfo(path, room.text, &w, &h, &t), status);
+  EXPECT_TRUE(w == -1 && h == -2 && t == -3);
+  for (const char* key : {"angle", "Revision", "MatType", "Thickness"})
+    EXPECT_EQ(GetOldPartInfo_v1(path, key, room.text), path == nullptr ? 1 : status) << key;
+  EXPECT_TRUE(room.untouched());
+  expectSizedRefused(GetOldPartTool, path, status);
+  std::strcpy(room.text, "seed");
+  EXPECT_EQ(GetOldSptFromPart(path, room.text), status);
+  EXPECT_EQ(room.taken(), "seed");
 }
 
-TEST_F(PartQueries, HostsCommaLocaleChangesNoNumber) {
-  addTool(toolOf(1, 0.5F));
-  part_->thickness = 0.25F;
+// ---- questions about part files ------------------------------------------------------------------
+
+TEST(PartQueries, EveryVersionSupportsEveryQuery) {
+  const TempFolder folder;
+  PartForm form;
+  form.cosine = 0;
+  form.sine = 1;
+  form.tools = {{1, 0.5F, 0, 0, 0},           special("C:\\S\\star.one.spt", 90), {0, 1, 2, 3, 4},
+                {107, 1.25F, -2, 12345, -45}, special("/s/moon.SPT", 0.0625F),    {-3, 1, 1, 1, 1}};
+  for (const int v : partVersions()) {
+    SCOPED_TRACE(v);
+    const std::string path = folder.write("p", partFile(v, form));
+    Room room;
+    float w = 0, h = 0, t = 0;
+    ASSERT_EQ(GetOldPartInfo(path.c_str(), room.text, &w, &h, &t), 0);
+    EXPECT_EQ(room.taken(), v >= 62 ? "steel" : "");
+    EXPECT_TRUE(w == 40 && h == 25 && t == 0.125F);
+    EXPECT_EQ(answer(path, "angle"), "1.5708");
+    EXPECT_EQ(answer(path, "Revision"), v >= 62 ? "rev B" : "");
+    EXPECT_EQ(answer(path, "MatType"), v >= 62 ? "steel" : "");
+    EXPECT_EQ(answer(path, "Thickness"), "0.125");
+    EXPECT_EQ(toolString(path),
+              "1  0.500  0.000  0.000  0.000,108 star.one 90.000,107  1.250 -2.000 12345.000 -45.000,"
+              "108 moon  0.062,-3  1.000  1.000  1.000  1.000,");
+    EXPECT_EQ(sptString(path), ",C:\\S\\star.one.spt,,/s/moon.SPT,");
+  }
+}
+
+TEST(PartQueries, RefusedVersionsAndFilesLeaveTheOutputs) {
+  const TempFolder folder;
+  for (const int v : {-32768, -1, 0, 1, 4, 6, 51, 53, 63, 70, 72, 163, 169, 171, 179, 181, 32767})
+    expectRefused(folder.write("p", partFile(v, {})).c_str(), -1);
+  for (const int v : {2, 3}) {
+    expectRefused(folder.write("p", partFile(v, {})).c_str(), 1);
+    expectRefused(folder.write("p", Bytes().i16(v).zeros(500)).c_str(), 1);
+  }
+  expectRefused(folder.path("missing").c_str(), -2);
+  expectRefused(nullptr, -2);
+}
+
+TEST(PartQueries, CutFileReturnsOne) {
+  const TempFolder folder;
+  for (const int v : {61, 112, 180}) {
+    const Bytes whole = partFile(v, {{special("a.spt"), {3, 1, 2, 3, 4}}});
+    const std::string path = folder.write(std::to_string(v), whole);
+    const auto some = [&](std::size_t n) { return n < 8 || n + 12 > whole.size() || n % 11 == 0; };
+    atEachCut(path, whole.size(), some, [&](std::size_t) { expectRefused(path.c_str(), 1); });
+  }
+}
+
+TEST(PartQueries, KeysIgnoreCaseAndUnknownOnesAndNullsReturnOne) {
+  const TempFolder folder;
+  const std::string path = folder.write("p", partFile(180, {}));
+  for (const char* key : {"ANGLE", "Angle", "aNgLe"}) EXPECT_EQ(answer(path, key), "0");
+  EXPECT_EQ(answer(path, "REVISION"), "rev B");
+  EXPECT_EQ(answer(path, "mattype"), "steel");
+  EXPECT_EQ(answer(path, "thickNESS"), "0.125");
+  Room room;
+  for (const char* key : {"Width", "", "angl", "angle ", "angles", " angle", "Mat Type", "@ngle"})
+    EXPECT_EQ(GetOldPartInfo_v1(path.c_str(), key, room.text), 1) << key;
+  EXPECT_EQ(GetOldPartInfo_v1(path.c_str(), nullptr, room.text), 1);
+  EXPECT_EQ(GetOldPartInfo_v1(nullptr, "angle", room.text), 1);
+  EXPECT_EQ(GetOldPartInfo_v1(path.c_str(), "angle", nullptr), 1);
+  EXPECT_EQ(GetOldPartInfo_v1(folder.path("missing").c_str(), nullptr, room.text), 1);
+  // The part is loaded before the key is checked.
+  EXPECT_EQ(GetOldPartInfo_v1(folder.path("missing").c_str(), "Width", room.text), -2);
+  EXPECT_EQ(GetOldPartInfo_v1(folder.write("q", partFile(53, {})).c_str(), "Width", room.text), -1);
+  EXPECT_TRUE(room.untouched());
+}
+
+TEST(PartQueries, AngleIsTheArcTangentInRadians) {
+  const TempFolder folder;
+  constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+  const std::vector<std::pair<std::pair<float, float>, const char*>> table{
+      {{1, 0}, "0"},          {{0, 1}, "1.5708"},         {{-1, 0}, "3.14159"},  {{-1, -0.0F}, "-3.14159"},
+      {{0, -1}, "-1.5708"},   {{3, 4}, "0.927295"},       {{0, 0}, "0"},         {{1, -0.0F}, "-0"},
+      {{2, -2}, "-0.785398"}, {{1e30F, 1e-30F}, "1e-60"}, {{1, 1e-6F}, "1e-06"}, {{kNan, 0}, "nan"},
+  };
+  for (const auto& [pair, text] : table) {
+    PartForm form;
+    form.cosine = pair.first;
+    form.sine = pair.second;
+    EXPECT_EQ(answer(folder.write("p", partFile(150, form)), "angle"), text) << pair.first << ' ' << pair.second;
+  }
+}
+
+TEST(PartQueries, AngleOfAPartWithoutPatternsIsZero) {
+  const TempFolder folder;
+  EXPECT_EQ(answer(folder.write("5", Bytes().i16(5).zeros(1000)), "angle"), "0");
+}
+
+TEST(PartQueries, NumbersPrintAsTheirFormatsSay) {
+  const TempFolder folder;
+  constexpr float kInf = std::numeric_limits<float>::infinity(), kNan = std::numeric_limits<float>::quiet_NaN();
+  const auto path = [&](float value) {
+    PartForm form;
+    form.thickness = value;
+    form.tools = {{3, value, 0, 0, 0}};
+    return folder.write("p", partFile(162, form));
+  };
+  struct Row {
+    float value;
+    const char *asThickness, *asDimension;
+  };
+  for (const Row& row : {Row{0, "0", " 0.000"},
+                         Row{-0.0F, "-0", "-0.000"},
+                         Row{0.05F, "0.05", " 0.050"},
+                         Row{0.1F, "0.1", " 0.100"},
+                         Row{2.5F, "2.5", " 2.500"},
+                         Row{-0.5F, "-0.5", "-0.500"},
+                         Row{123.4567F, "123.457", "123.457"},
+                         Row{-12345.0F, "-12345", "-12345.000"},
+                         Row{0.0005F, "0.0005", " 0.001"},
+                         Row{0.00049F, "0.00049", " 0.000"},
+                         Row{-0.0001F, "-0.0001", "-0.000"},
+                         Row{0.00001F, "1e-05", " 0.000"},
+                         Row{1234567.0F, "1.23457e+06", "1234567.000"},
+                         Row{1e-7F, "1e-07", " 0.000"},
+                         Row{123456.7F, "123457", "123456.703"},
+                         Row{1e10F, "1e+10", "10000000000.000"},
+                         Row{0.0625F, "0.0625", " 0.062"},
+                         Row{kInf, "inf", "   inf"},
+                         Row{-kInf, "-inf", "  -inf"},
+                         Row{kNan, "nan", "   nan"},
+                         Row{-kNan, "-nan", "  -nan"}}) {
+    EXPECT_EQ(answer(path(row.value), "Thickness"), row.asThickness);
+    EXPECT_EQ(toolString(path(row.value)), std::string("3 ") + row.asDimension + "  0.000  0.000  0.000,");
+  }
+  EXPECT_EQ(toolString(path(std::numeric_limits<float>::max())),
+            "3 340282346638528859811704183484516925440.000  0.000  0.000  0.000,");
+}
+
+TEST(PartQueries, SpecialToolIsNamedByItsBaseName) {
+  const TempFolder folder;
+  const std::string wide(253, 'p');
+  const std::vector<std::pair<std::string, std::string>> table{
+      {"C:\\SPOT\\a.spt", "a"},
+      {"a.b.spt", "a.b"},
+      {"C:a.spt", "a"},
+      {"/x/y.z/noext", "noext"},
+      {".spt", ""},
+      {"C:\\dir.d\\", ""},
+      {"", ""},
+      {"a b.SPT", "a b"},
+      {"x/y\\z.spt", "z"},
+      {"name.", "name"},
+      {"x\\y/z.spt", "z"},
+      {"1:a.spt", "1:a"},
+      {"C:", ""},
+      {"x/", ""},
+      {"a", "a"},
+      {"x.y\\a", "a"},
+      {"a,b.spt", "a,b"},
+      {"C:\\" + wide, wide},
+  };
+  for (const auto& [stored, name] : table) {
+    const std::string path = folder.write("p", partFile(100, {{special(stored, 1.5F)}}));
+    EXPECT_EQ(toolString(path), "108 " + name + "  1.500,") << stored;
+    EXPECT_EQ(sptString(path), "," + stored + ",") << "the complete path is returned";
+  }
+}
+
+TEST(PartQueries, TextWithoutANulIsCopiedUpToItsWidth) {
+  const TempFolder folder;
+  PartForm form;
+  form.material = std::string(256, 'm');
+  form.revision = std::string(21, 'r');
+  form.tools = {special(std::string(256, 't'))};
+  const std::string path = folder.write("p", partFile(180, form));
+  Room room;
+  float w = 0, h = 0, t = 0;
+  EXPECT_EQ(GetOldPartInfo(path.c_str(), room.text, &w, &h, &t), 0);
+  EXPECT_EQ(room.taken(), form.material);
+  EXPECT_EQ(answer(path, "MatType"), form.material);
+  EXPECT_EQ(answer(path, "Revision"), form.revision);
+  EXPECT_EQ(sptString(path), "," + form.tools[0].path + ",");
+  EXPECT_EQ(groupString(folder.write("g", groupFile(180, 0, 256, {form}))), form.tools[0].path + ",");
+}
+
+// Copies only where the length is below the size, with sign.
+void expectCopiesBelowSize(SizedQuery query, const std::string& path, const std::string& expected) {
+  const auto full = static_cast<int>(expected.size());
+  for (const int size : {-2147483647 - 1, -1, 0, 1, full - 1, full, full + 1, full + 2, 2147483647}) {
+    Room room;
+    std::uint32_t length = 77;
+    EXPECT_EQ(query(path.c_str(), room.text, size, &length), 0) << size;
+    EXPECT_EQ(length, expected.size()) << size;
+    if (full < size)
+      EXPECT_EQ(room.taken(), expected) << size;
+    else
+      EXPECT_TRUE(room.untouched()) << size;
+  }
+}
+
+TEST(PartQueries, ToolStringIsCopiedWhenItsLengthIsBelowTheSize) {
+  const TempFolder folder;
+  const std::string path = folder.write("p", partFile(180, {{{1, 0.5F, 0, 0, 0}}}));
+  expectCopiesBelowSize(GetOldPartTool, path, "1  0.500  0.000  0.000  0.000,");
+  expectCopiesBelowSize(GetOldPartTool, folder.write("q", partFile(180, {{{0, 1, 1, 1, 1}}})), "");
+  expectCopiesBelowSize(GetOldPartTool, folder.write("r", partFile(180, {})), "");
+}
+
+TEST(PartQueries, SpecialToolsAreAppendedEachBetweenCommas) {
+  const TempFolder folder;
+  const std::string none = folder.write("n", partFile(180, {{{1, 1, 1, 1, 1}, {0, 1, 1, 1, 1, "x"}}}));
+  const std::string two = folder.write("t", partFile(180, {{special("A"), {1, 1, 1, 1, 1}, special("B")}}));
+  EXPECT_EQ(sptString(none, "before"), "before");
+  EXPECT_EQ(sptString(two), ",A,,B,");
+  EXPECT_EQ(sptString(two, sptString(two)), ",A,,B,,A,,B,");
+}
+
+TEST(PartQueries, CommaLocaleOfTheHostChangesNoNumber) {
+  const TempFolder folder;
+  const std::string path = folder.write("p", partFile(180, {{{1, 0.5F, 0, 0, 0}}}));
   const CommaLocale comma;
   if (!comma.isSet()) GTEST_SKIP() << "neither a locale with a decimal comma nor its sources are installed";
-  EXPECT_EQ(tools(), "1  0.500  0.000  0.000  0.000,");
-  EXPECT_EQ(answer("Thickness"), "0.25");
+  EXPECT_EQ(toolString(path), "1  0.500  0.000  0.000  0.000,");
+  EXPECT_EQ(answer(path, "Thickness"), "0.125");
+}
+
+// ---- group part files ----------------------------------------------------------------------------
+
+using List = std::unique_ptr<SheetPartList, decltype(&DeleteOldPartlistInfo)>;
+List newList() { return {CreateOldPartlistInfo(), DeleteOldPartlistInfo}; }
+
+TEST(GroupPartQueries, SpecialToolsAreClosedByACommaEachAndDoublesStay) {
+  const TempFolder folder;
+  std::vector<PartForm> forms(3);
+  forms[0].tools = {special("a"), {1, 1, 1, 1, 1}, special("a")};
+  forms[2].tools = {special("c"), {0, 0, 0, 0, 0}};
+  for (const int v : {152, 153, 154, 161, 162, 163, 179, 180, 181, 1000, 32767}) {
+    SCOPED_TRACE(v);
+    const std::string path = folder.write("g", groupFile(v, 2, 256, forms).fill(7, 0xFF));
+    EXPECT_EQ(groupString(path), "a,a,c,");
+  }
+}
+
+TEST(GroupPartQueries, VersionBelow152ReturnsOneAndNeverMinusOne) {
+  const TempFolder folder;
+  for (const int v : {-32768, -1, 0, 2, 3, 5, 52, 53, 150, 151}) {
+    const std::string path = folder.write("g", groupFile(v, 0, 256, {{}}));
+    const List list = newList();
+    EXPECT_EQ(LoadGroupPart(path.c_str(), list.get()), 1) << v;
+    EXPECT_TRUE(list->parts.empty()) << v;
+    expectGroupRefused(path.c_str(), 1);
+  }
+  const List list = newList();
+  EXPECT_EQ(LoadGroupPart(folder.path("missing").c_str(), list.get()), -2);
+  expectGroupRefused(folder.path("missing").c_str(), -2);
+  expectGroupRefused(nullptr, -2);
+}
+
+TEST(GroupPartQueries, CutFileKeepsThePartsBeforeTheCut) {
+  const TempFolder folder;
+  for (const int v : {152, 180}) {
+    const PartForm form{{special("a.spt")}};
+    const Bytes whole = groupFile(v, 2, 40, {form, form, form});
+    const std::size_t part = 40 + partBody(v, form).size();
+    ASSERT_EQ(whole.size(), 10 + 3 * part);
+    const std::string path = folder.write(std::to_string(v), whole);
+    const auto some = [&](std::size_t n) { return n < 12 || (n - 6) % part < 8 || n % 17 == 0; };
+    atEachCut(path, whole.size(), some, [&](std::size_t n) {
+      const List list = newList();
+      EXPECT_EQ(LoadGroupPart(path.c_str(), list.get()), 1);
+      EXPECT_EQ(list->parts.size(), n < 10 ? 0 : (n - 10) / part);
+      expectGroupRefused(path.c_str(), 1);
+    });
+  }
+}
+
+TEST(GroupPartQueries, PathsAreCopiedWhenTheirLengthIsBelowTheSize) {
+  const TempFolder folder;
+  const std::string path = folder.write("g", groupFile(180, 1, 256, {{{special("C:\\x.spt")}}, {{special("")}}}));
+  expectCopiesBelowSize(GetOldSptFromGroupPart, path, "C:\\x.spt,,");
+  expectCopiesBelowSize(GetOldSptFromGroupPart, folder.write("h", groupFile(180, 0, 256, {{}})), "");
 }
 
 }  // namespace

@@ -89,7 +89,7 @@ const std::vector<int>& machineVersions() {
 //   reloadVersions()         the same, one at least on each side of every gate
 //   fill(random, r, v)       random content that a load at version v leaves as it is
 //   save(path, r, v), load(path, r)
-//   stored(r, v)             the bytes that a save stores behind the version word, without a file
+//   stored(r, v)             the bytes that a save stores after the version word, without a file
 struct MaterialKind {
   using Record = OldMaterial;
   static bool isShort(int version) { return version == 52 || version == 60; }
@@ -196,7 +196,7 @@ TEST(KindsRoundTrip, InventoryFilesAtEveryVersion) { expectPerfectMirror<Invento
 TEST(KindsRoundTrip, MacroFilesAtEveryVersion) { expectPerfectMirror<MacroKind>(4); }
 
 // The writer stores them at every version and always last.
-TEST(KindsRoundTrip, MachineFilesBelowVersion152ChangeInTheirLateWordsAlone) {
+TEST(KindsRoundTrip, MachineFilesBelowVersion152ChangeOnlyInTheirLateWords) {
   for (int version = 52; version < 152; ++version) {
     const TempFolder folder;
     const std::string first = folder.path("first"), second = folder.path("second");
@@ -252,7 +252,7 @@ TEST(KindsRoundTrip, TablesOfTheOldestLayoutsKeepTheirContentInALaterOne) {
 // ---- cuts ----------------------------------------------------------------------------------------
 
 // Loads the first n bytes of the file for n = offset, offset + step and so on, each over what the
-// load before left, and behind each the whole file over that.
+// load before left, and after each the complete file over that.
 template <class Kind>
 void expectHarmlessCuts(int version, int mostElements, std::size_t offset, std::size_t step) {
   const TempFolder folder;
@@ -272,8 +272,8 @@ void expectHarmlessCuts(int version, int mostElements, std::size_t offset, std::
     const std::int64_t status = Kind::load(cut, *record);
     ASSERT_TRUE(status == 0 || status == 1) << status << " version " << version << " cut at " << n;
     (void)Kind::stored(*record, version);  // whatever the record holds now is there to be read
-    ASSERT_EQ(Kind::load(whole, *record), 0) << "version " << version << " behind a cut at " << n;
-    ASSERT_TRUE(Kind::stored(*record, version) == expected) << "version " << version << " behind a cut at " << n;
+    ASSERT_EQ(Kind::load(whole, *record), 0) << "version " << version << " after a cut at " << n;
+    ASSERT_TRUE(Kind::stored(*record, version) == expected) << "version " << version << " after a cut at " << n;
   }
 }
 
@@ -288,14 +288,16 @@ void expectHarmlessCutsAtEveryVersion() {
     expectHarmlessCuts<Kind>(versions[i], 2, i % 97, isLong() ? 7 : 997);
 }
 
-TEST(KindsCut, MaterialFilesGiveZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MaterialKind>(); }
-TEST(KindsCut, MachineFilesGiveZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MachineKind>(); }
-TEST(KindsCut, InventoryFilesGiveZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<InventoryKind>(); }
-TEST(KindsCut, MacroFilesGiveZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MacroKind>(); }
+TEST(KindsCut, MaterialFilesReturnZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MaterialKind>(); }
+TEST(KindsCut, MachineFilesReturnZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MachineKind>(); }
+TEST(KindsCut, InventoryFilesReturnZeroOrOneAndTheRecordLoadsAgain) {
+  expectHarmlessCutsAtEveryVersion<InventoryKind>();
+}
+TEST(KindsCut, MacroFilesReturnZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MacroKind>(); }
 
 // ---- reload over another version -----------------------------------------------------------------
 
-// Of one field: a whole record may have bytes between its fields that nobody sets.
+// Of one field: a record may have bytes between its fields that are never set.
 template <class T>
 std::string valueOf(const T& field) {
   static_assert(std::is_arithmetic_v<std::remove_all_extents_t<T>>);
@@ -306,7 +308,7 @@ template <class Record>
 struct Spot {
   const char* name;
   std::string (*value)(const Record&);
-  bool (*isSet)(int version);  // a load of that version gives it a value, from the file or a default
+  bool (*isSet)(int version);  // a load of that version sets it, from the file or a default
 };
 
 template <int first, class Record>
@@ -504,7 +506,7 @@ TEST(KindsReload, InventoryOverEveryOtherVersionHoldsWhatTheLaterFileStores) {
       {always<R>("version", [](const R& v) { return valueOf(v.version); }),
        always<R>("pairSecond", [](const R& v) { return valueOf(v.pairSecond); }),
        always<R>("tools", [](const R& v) { return std::to_string(v.tools.size()); }),
-       // Entries are new at every load, so that a version without it gives its default.
+       // Entries are new at every load, so that a version without it leaves its default.
        always<R>("entryNameC", [](const R& v) { return valueOf(v.entries.at(0).entryNameC); }),
        always<R>("entryLateWord", [](const R& v) { return valueOf(v.entries.at(0).entryLateWord); }),
        always<R>("specialToolFiles",
@@ -538,7 +540,7 @@ TEST(KindsReload, MacroOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsT
 
 // ---- version words -------------------------------------------------------------------------------
 
-TEST(KindsRoundTrip, AllVersionWordsGiveWhatTheListsSay) {
+TEST(KindsRoundTrip, AllVersionWordsReturnWhatTheListsSay) {
   const auto set = [](const std::vector<int>& versions) {
     std::vector<bool> all(65536);
     for (const int v : versions) all[static_cast<std::size_t>(v)] = true;
@@ -573,7 +575,7 @@ TEST(KindsRoundTrip, AllVersionWordsGiveWhatTheListsSay) {
     ASSERT_EQ(inventory.version, asSigned);
     ASSERT_EQ(LoadOldMacro(p, &macro), isMacro[word] ? 1 : -1) << word;
     ASSERT_EQ(macro.version, asSigned);
-    // These do not tell of a fault behind the word.
+    // These do not report a fault after the word.
     ASSERT_EQ(LoadOldToolInventoryForCount(p, &count), isInventory[word] ? 0 : -1) << word;
     ASSERT_EQ(LoadOldMachineInformation(p, &information), isInventory[word] ? 0 : -1) << word;
     ASSERT_EQ(GetOldVLMQMachineName(p, text[0], &count, text[1], text[2], text[3]), isInventory[word] ? 0 : -1) << word;
@@ -584,7 +586,7 @@ TEST(KindsRoundTrip, AllVersionWordsGiveWhatTheListsSay) {
   }
 }
 
-// The three flags are numbers of their own, each of which a file may end behind.
+// The three flags are numbers of their own, and a file may end after each.
 TEST(KindsCut, MachineFlagsThatArrivedBeforeAForgivenCutStay) {
   const TempFolder folder;
   const std::string path = folder.path("machine");

@@ -1,6 +1,6 @@
 // What is saved is the same bytes on every host and in every build: digests of the files that records of
-// known content become, over all versions of a kind. A digest that has changed on one host alone is a fault
-// of that host's build; one that has changed everywhere tells that files are written differently than before.
+// known content become, over all versions of a kind. A digest that has changed on only one host is a fault
+// of that host's build; one that has changed everywhere says that files are written differently than before.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Sheets with random content at every version: the mirror of their files, every cut, every version word,
-// loads over a record in use, edits and questions.
+// loads over a record that already holds data, edits and queries.
 // The short form runs in every build; OLDTORVIO_LONG_TESTS=1 takes a hundred times the content and every byte.
 #include <gtest/gtest.h>
 
@@ -104,7 +104,7 @@ TEST(SheetMirror, Below152AFileLoadsAndSavesAsBeforeOnceTheMachinesLateWordsAreC
     }
 }
 
-TEST(SheetMirror, Below152AFileAsItIsSavedComesBackUpToTheMachinesLateWordsAndNoFurther) {
+TEST(SheetMirror, Below152ASavedFileLoadsUpToTheLateWordsOfTheMachine) {
   for (int version = kFirst; version < 152; ++version) {
     const Sheet made = someSheet(static_cast<std::uint32_t>(version), version);
     made->machine.hasExtension = 0;
@@ -114,7 +114,7 @@ TEST(SheetMirror, Below152AFileAsItIsSavedComesBackUpToTheMachinesLateWordsAndNo
     const auto loaded = std::make_unique<OldSheet>();
     std::size_t consumed = 0;
     const int status = load(Bytes().i16(version).add(body), *loaded, &consumed);
-    // The option word takes the first late word; what stands behind that is no count of texts.
+    // The option word takes the first late word; what follows that is no count of texts.
     if (version < 151) {
       ASSERT_EQ(status, version < 60 ? 0 : 1) << version;
     }
@@ -127,7 +127,7 @@ TEST(SheetMirror, Below152AFileAsItIsSavedComesBackUpToTheMachinesLateWordsAndNo
   }
 }
 
-TEST(SheetMirror, From500OnBodiesComeBackTheSameThoughNoSaveStoresSuchAVersion) {
+TEST(SheetMirror, BodiesFrom500OnRoundTripThoughNoSaveStoresSuchAVersion) {
   const TempFolder folder;
   for (std::uint32_t seed = 0; seed < (isLong() ? 500U : 5U); ++seed)
     for (const int version : {500, 501, 32767}) {
@@ -146,7 +146,7 @@ TEST(SheetMirror, From500OnBodiesComeBackTheSameThoughNoSaveStoresSuchAVersion) 
 
 // ---- cuts ----------------------------------------------------------------------------------------
 
-// A stored field: where it stands in its file and how the map calls it.
+// A stored field: its place in the file and its name in the map.
 struct Line {
   std::size_t begin, end;
   std::string path;
@@ -157,7 +157,7 @@ std::vector<Line> linesOf(const std::string& path) {
   std::vector<Line> lines;
   const auto report = explain::mapFile(path.c_str(), explain::FileKind::sheet, [&](const explain::MapLine& line) {
     if (line.size == 0) return;
-    EXPECT_EQ(line.offset, lines.empty() ? 0 : lines.back().end) << "a gap in front of " << line.path;
+    EXPECT_EQ(line.offset, lines.empty() ? 0 : lines.back().end) << "a gap before " << line.path;
     lines.push_back(
         {static_cast<std::size_t>(line.offset), static_cast<std::size_t>(line.offset + line.size), line.path});
   });
@@ -258,7 +258,7 @@ const Spot kSpots[] = {
 };
 #undef SPOT
 
-// Lists of the sheet itself: an element that does not arrive whole is not there.
+// Lists of the sheet itself: an element that does not arrive completely is not there.
 struct CountedList {
   const char* path;
   std::size_t (*size)(const OldSheet&);
@@ -276,10 +276,10 @@ const CountedList kLists[] = {
     {"namedWorkLists", [](const OldSheet& s) { return s.namedWorkLists.size(); }},
 };
 
-// The status of a file that ends inside this field or in front of it.
+// The status of a file that ends inside this field or before it.
 int statusOfCutAt(const Line& line, int version) {
   if (line.path == "spareWord" || line.path == "materialText5" || line.path == "lateValue") return 0;
-  // What goes wrong in these two is passed over, and sometimes nothing stands behind them.
+  // What goes wrong in these two is ignored, and sometimes nothing follows them.
   if (line.startsWith("namedWorkLists") && version < 90) return 0;
   if (line.startsWith("blocks") && version < 161) return 0;
   return 1;
@@ -310,7 +310,7 @@ struct CutFile {
       std::vector<std::size_t>& all = ends.emplace_back(list.size(*whole));
       for (std::size_t i = 0; i < all.size(); ++i) {
         const std::string element = std::string(list.path) + '[' + std::to_string(i) + "].";
-        // A shape is whole without its last pair.
+        // A shape is complete without its last pair.
         for (const Line& line : lines)
           if (line.startsWith(element) && line.path.find(".tailPair") == std::string::npos) all[i] = line.end;
         EXPECT_GT(all[i], 0U) << element;
@@ -360,7 +360,7 @@ void expectCuts(OldSheet& made, int version, bool every) {
   }
 }
 
-TEST(SheetCut, EveryVersionGivesTheStatusOfTheFieldThatIsCutAndHoldsTheFieldsInFrontOfIt) {
+TEST(SheetCut, EveryVersionReturnsTheStatusOfTheCutFieldAndKeepsThoseBeforeIt) {
   for (int version = kFirst; version <= kLast; ++version) {
     expectCuts(*smallSheet(static_cast<std::uint32_t>(version), version), version, isLong());
     ASSERT_FALSE(HasFatalFailure());
@@ -400,7 +400,7 @@ TEST(SheetCut, FilesWithElementsInEveryList) {
   }
 }
 
-TEST(SheetCut, ThroughAFileEveryFunctionAgreesAndTheRecordTakesTheWholeFileAgain) {
+TEST(SheetCut, EveryFunctionAgreesAndTheRecordLoadsTheCompleteFileAgain) {
   const TempFolder folder;
   const Sheet record = std::make_unique<OldSheet>();
   for (const int version : {54, 60, 91, 112, 130, 141, 152, 154, 161, 180}) {
@@ -427,10 +427,10 @@ TEST(SheetCut, ThroughAFileEveryFunctionAgreesAndTheRecordTakesTheWholeFileAgain
       ASSERT_EQ(GetOldSkeletonUtil(cut.c_str(), &utilization), 0);
       ASSERT_EQ(utilization == -1.0F, status != 0) << version << " cut at " << n;
       ASSERT_EQ(LoadOldSheetInformation(cut.c_str()), 0);
-      ASSERT_EQ(LoadOldSheet(whole.c_str(), record.get()), 0) << version << " behind a cut at " << n;
-      ASSERT_TRUE(sheetBody(*record, version) == expected) << version << " behind a cut at " << n;
+      ASSERT_EQ(LoadOldSheet(whole.c_str(), record.get()), 0) << version << " after a cut at " << n;
+      ASSERT_TRUE(sheetBody(*record, version) == expected) << version << " after a cut at " << n;
     }
-    // Without a whole version word there is no sheet.
+    // Without a complete version word there is no sheet.
     for (const std::size_t n : {1U, 0U}) {
       std::filesystem::resize_file(cut, n);
       ASSERT_EQ(LoadOldSheet(cut.c_str(), record.get()), 1);
@@ -441,7 +441,7 @@ TEST(SheetCut, ThroughAFileEveryFunctionAgreesAndTheRecordTakesTheWholeFileAgain
 
 // ---- version words -------------------------------------------------------------------------------
 
-TEST(SheetVersionWords, AllOfThemGiveWhatTheListsSayToEveryFunction) {
+TEST(SheetVersionWords, AllReturnWhatTheListsSayInEveryFunction) {
   const TempFolder folder;
   const std::string path = folder.write("word", Bytes().zeros(2)), missing = folder.path("missing");
   const std::string partPath = folder.path("part");
@@ -467,7 +467,7 @@ TEST(SheetVersionWords, AllOfThemGiveWhatTheListsSayToEveryFunction) {
     ASSERT_EQ(sheet->version, stored);
     ASSERT_EQ(GetOldSheetHandle(p, &handle), isKnown ? 1 : -1) << version;
     ASSERT_EQ(handle, nullptr);
-    // A fault behind the word is not told by these.
+    // These do not report a fault after the word.
     ASSERT_EQ(LoadOldSheetInformation(p), isKnown ? 0 : -1) << version;
     ASSERT_EQ(
         GetOldSheetInfo(p, text[0], text[1], text[2], text[3], text[4], text[5], text[6], text[7], text[8], &figure[0],
@@ -479,7 +479,7 @@ TEST(SheetVersionWords, AllOfThemGiveWhatTheListsSayToEveryFunction) {
         << version;
     ASSERT_EQ(GetOldVLMQMaterialName(p, text[0], text[1]), isKnown ? 0 : -1) << version;
     ASSERT_EQ(GetOldSkeletonUtil(p, &figure[3]), isKnown ? 0 : -1) << version;
-    // These tell of it, and the flags are set then.
+    // These report it, and the flags are set then.
     flags[0] = 7;
     ASSERT_EQ(GetSheetDriverFlags(p, flags), isSheet(version) ? 1 : -1) << version;
     ASSERT_EQ(flags[0], isSheet(version) ? 0 : 7) << version;
@@ -497,7 +497,7 @@ TEST(SheetVersionWords, AllOfThemGiveWhatTheListsSayToEveryFunction) {
   ASSERT_EQ(word + count, 0U);
 }
 
-TEST(SheetVersionWords, ASaveStores52To180AndOfAnyOtherTheWordAlone) {
+TEST(SheetVersionWords, SaveStores52To180AndOfAnyOtherOnlyTheVersion) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   const Sheet sheet = smallSheet(1, kLast, 1);
@@ -533,7 +533,7 @@ TEST(SheetVersionWords, From500OnEveryWordReadsTheNewestLayout) {
   }
 }
 
-// ---- loads over a record in use ------------------------------------------------------------------
+// ---- loads over a used record --------------------------------------------------------------------
 
 template <class T>
 std::string valueOf(const T& field) {
@@ -658,7 +658,7 @@ Bytes sheetForReload(std::uint32_t seed, int version, Lists lists) {
   const auto s = std::make_unique<OldSheet>();
   random.sheet(*s, version);
   random.paramTable(s->paramTable, 52);
-  // Shorter texts would leave what the record holds behind them.
+  // Shorter texts would keep what the record holds after them.
   s->textWidth = 256;
   if (version >= 61) frame::setText(s->machine.path, std::string(255, static_cast<char>('A' + random.upTo(25))));
   const auto filled = [&](auto& list, bool isFull, auto&& make) {
@@ -792,7 +792,7 @@ Sheet sheetToEdit(std::uint32_t seed, int version) {
     TorvPart& part = sheet->partList.parts[i];
     std::memset(part.partFullDosName, 0, sizeof part.partFullDosName);
     frame::setText(part.partFullDosName, paths[i % 4]);
-    // Bytes behind the NUL stay what they are.
+    // Bytes after the NUL stay as they are.
     frame::setText(part.woNumber, numbers[i % 4]);
   }
   frame::setText(sheet->machine.ncPath, "Jobs\\Plate.nc");
@@ -882,7 +882,7 @@ TEST(SheetEdits, WithoutAMatchTheFileIsNotEvenWrittenAgain) {
   const TempFolder folder;
   for (const int version : knownVersions()) {
     const Sheet made = sheetToEdit(static_cast<std::uint32_t>(version), version);
-    // What a save would drop, so that a file that was written again can be told.
+    // What a save would drop, so that a file that was written again can be recognised.
     const Bytes file = readableSheetFile(*made, version).text(9, "behind it");
     const std::string path = folder.write("sheet", file);
     // Below 62 no file holds a path, so that every one but the empty is new.
@@ -902,7 +902,7 @@ TEST(SheetEdits, WithoutAMatchTheFileIsNotEvenWrittenAgain) {
 
 // ---- questions -----------------------------------------------------------------------------------
 
-// Tool numbers of stations that are there. Below 61 a file has the first list alone.
+// Tool numbers of stations that are there. Below 61 a file has only the first list.
 void useTheStations(OldSheet& sheet, int version) {
   const OldMachine& m = sheet.machine;
   const auto& list = version >= 61 && m.stationWord != 0 && !m.stationsB.stations.empty() ? m.stationsB : m.stationsA;

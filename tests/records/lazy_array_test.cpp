@@ -34,7 +34,7 @@ TEST(LazyArray, AllHoldTheirDefaultAndTakeNoMemoryUntilOneIsWrittenTo) {
   EXPECT_EQ(meter.count(), 0U);
 }
 
-TEST(LazyArray, EachHoldsWhatWasWrittenToItAndTheRestTheirDefault) {
+TEST(LazyArray, ElementsHoldWhatWasWrittenAndTheOthersTheirDefault) {
   for (std::size_t written = 0; written < Fifty::size(); ++written) {
     Fifty places;
     places[written].value = 1;
@@ -94,7 +94,7 @@ TEST(LazyArray, CopiesAreDeepAndMovesLeaveDefaults) {
   EXPECT_EQ(assigned[49].value, 2);
   const Fifty moved(std::move(assigned));
   EXPECT_EQ(moved[49].value, 2);
-  EXPECT_EQ(std::as_const(assigned)[49].value, 7);  // NOLINT(bugprone-use-after-move): what is left is told
+  EXPECT_EQ(std::as_const(assigned)[49].value, 7);  // NOLINT(bugprone-use-after-move): what is left is documented
 }
 
 }  // namespace

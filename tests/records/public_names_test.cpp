@@ -127,7 +127,7 @@ TEST(InitOldSheet, SetsTheValuesOfANewSheet) {
   expectNewSheetValues(*sheet);
 }
 
-TEST(InitOldSheet, KeepsTheListsAndWhateverElseASheetHolds) {
+TEST(InitOldSheet, KeepsTheListsAndEverythingElse) {
   const auto owner = dirtySheet();
   const OldSheet& s = *owner;
   oldtorvio::InitOldSheet(*owner);
@@ -270,7 +270,7 @@ TEST(SetFixedText, RefusesATextWithANul) {
   expectNoNulIsTaken<std::array<char, 8>>();
 }
 
-TEST(SetFixedText, TakesAnyOtherByteAndATextThatIsAView) {
+TEST(SetFixedText, AcceptsAnyOtherByteAndAView) {
   char field[300];
   std::string all;
   for (int c = 1; c < 256; ++c) all.push_back(static_cast<char>(c));
@@ -283,7 +283,7 @@ TEST(SetFixedText, TakesAnyOtherByteAndATextThatIsAView) {
   EXPECT_EQ(field[1], 'd');
 }
 
-TEST(SetFixedText, ATextMayComeFromTheFieldItself) {
+TEST(SetFixedText, TextMayBeAViewOfTheFieldItself) {
   char field[8] = "abcdef";
   EXPECT_TRUE(setFixedText(field, fixedText(field)));
   EXPECT_STREQ(field, "abcdef");

@@ -61,34 +61,7 @@ Bytes tableBytes(int fileVersion, const ParamTable& table, std::int32_t nameLeng
 
 // A saved sheet that holds nothing but that table and a machine of that text width.
 Bytes sheetBytes(int version, const Bytes& table, std::int32_t machineWidth = 256) {
-  Bytes b;
-  b.u16(static_cast<std::uint16_t>(version));
-  b.i32(256).zeros(256).f32(60).f32(45).u32(0x3D449BA6U).i32(0);
-  if (version >= 100) b.i32(260).zeros(260).i32(-1).i32(1).i32(0);
-  b.i32(0);                                                  // parts
-  b.i32(-1).i32(0).i32(0);                                   // shapes
-  b.i32(0).i32(0);                                           // work list, rows
-  b.zeros(16).i32(2).f32(5.5F).f32(11.0F).f32(5.5F).i32(0);  // clamps and their rows
-  if (version >= 154) b.i32(-1);                             // spare word
-  b.add(table);
-  b.zeros(version >= 54 ? 24 : 20);
-  if (version >= 61) b.zeros(256);
-  const auto machine = std::make_unique<OldMachine>();
-  machine->textWidth = machineWidth;
-  bool ok = false;
-  b.add(written([&](auto& to) { return WriteOldMachine(to, version, nullptr, *machine, false); }, &ok));
-  EXPECT_TRUE(ok);
-  b.i32(0);
-  if (version >= 60) b.zeros(8);
-  if (version >= 90) b.zeros(12);
-  if (version >= 102) b.zeros(4);
-  if (version >= 111) b.zeros(5 * 256 + 4);
-  if (version >= 112) b.zeros(4 * 256);
-  if (version >= 130) b.zeros(256);
-  if (version >= 140) b.zeros(8);
-  if (version >= 152) b.zeros(4);
-  if (version >= 161) b.zeros(256);
-  return b;
+  return Bytes().u16(static_cast<std::uint16_t>(version)).add(freshSheetBody(version, table, machineWidth));
 }
 
 // Every field of the table with a value of its own, also the numbers that no file stores, and with bytes after each
@@ -125,7 +98,7 @@ std::int64_t save(const std::string& path, OldSheet& sheet, int version) {
 // Raw content of the sheet's table.
 Bytes contentOf(const ParamTable& table) { return Bytes::of(std::as_bytes(std::span(&table, 1))); }
 
-TEST(TableOfAFreshSheet, HoldsTheRecordsOwnValuesInTheLayoutOfTheFile) {
+TEST(TableOfAFreshSheet, HasTheValuesOfTheRecordInTheLayoutOfTheFile) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   const auto sheet = filledSheet();
@@ -155,7 +128,7 @@ TEST(TableOfAFreshSheet, IsZeroWithANameOfOneNulWhereNothingWasSet) {
   }
 }
 
-TEST(TableOfAFreshSheet, ComesBackFromTheFile) {
+TEST(TableOfAFreshSheet, RoundTrips) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   const auto sheet = filledSheet();
@@ -317,7 +290,7 @@ TEST(FreshSheet, TheRecordIsUnchangedByASaveThatFails) {
   EXPECT_EQ(sheet->machine.textWidth, 0);
 }
 
-TEST(FreshSheet, AMachineWithoutATextWidthIsStoredWithOneOf256) {
+TEST(FreshSheet, MachineWithoutATextWidthIsStoredWithOneOf256) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   for (const int version : {52, 60, 80, 152, 180})
@@ -333,7 +306,7 @@ TEST(FreshSheet, AMachineWithoutATextWidthIsStoredWithOneOf256) {
     }
 }
 
-TEST(FreshSheet, AMachineWithAWidthThatNoFileHoldsIsNotSaved) {
+TEST(FreshSheet, AMachineWithAWidthOutsideItsRangeIsNotSaved) {
   const TempFolder folder;
   for (const std::int32_t width : {257, kMax, -1, kMin}) {
     const auto sheet = filledSheet();

@@ -113,7 +113,7 @@ TEST(SheetOnAFullDisk, ASheetWithoutNamedWorkListsIgnoresAFailureOfTheirCount) {
 }
 
 // What the writer ignores, a save does not: the file lacks what it should hold.
-TEST(SheetOnAFullDisk, ASaveReturnsMinus2WhereverTheFileTakesNoMore) {
+TEST(SheetOnAFullDisk, SaveReturnsMinus2WhereverTheDiskIsFull) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   for (const int version : {52, 60, 80, 89, 90, 152, 160, 161, 180}) {

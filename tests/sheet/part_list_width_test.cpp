@@ -40,13 +40,13 @@ int readList(const Bytes& bytes, int version, SheetPartList& list, std::size_t* 
 Bytes onePart(int version, std::size_t width, const std::string& name) {
   Maker maker;
   TorvPart part;
-  storedPart(maker, version, PartForm2{true, true, 0}, part);
+  storedPart(maker, version, StoredPartForm{true, true, 0}, part);
   return Bytes().text(width, name).text(width, "C:\\" + name).add(maker.bytes);
 }
 
 // ---- the list ------------------------------------------------------------------------------------
 
-TEST(PartListWidth, ANegativeCountKeepsAnyWidthAndEmptiesTheList) {
+TEST(PartListWidth, NegativeCountKeepsAnyWidthAndEmptiesTheList) {
   for (const int version : {52, 60, 111, 162, 180})
     for (const std::int32_t count : kNegativeCounts)
       for (const std::int32_t width : kAnyWidth)
@@ -104,7 +104,7 @@ TEST(PartListWidth, APositiveCountFailsForAWidthBelow1AfterTheListIsEmptied) {
     }
 }
 
-TEST(PartListWidth, APositiveCountTakesEachWidthFrom1To256) {
+TEST(PartListWidth, PositiveCountAcceptsEachWidthFrom1To256) {
   for (std::int32_t width = 1; width <= 256; ++width) {
     const auto n = static_cast<std::size_t>(width);
     const std::string name = "PLATE";
@@ -218,7 +218,7 @@ TEST(PartListWidthInSheets, AWidthOutsideItsRangeEndsALoadWithParts) {
     }
 }
 
-TEST(PartListWidthInSheets, ALoadedWidthThatNoNameCanHaveIsNoObstacleToASaveWithoutParts) {
+TEST(PartListWidthInSheets, WidthOutsideItsRangeDoesNotPreventASaveWithoutParts) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   for (const std::int32_t width : kAnyWidth) {

@@ -1,4 +1,4 @@
-// Stored bytes put together by hand, field by field, and streams over them.
+// Hand-written stored bytes, field by field, and streams over them.
 #pragma once
 #include <algorithm>
 #include <bit>

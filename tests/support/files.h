@@ -38,7 +38,7 @@ class TempFolder {
   std::string path(const std::string& name = "") const {
     return name.empty() ? folder_.string() : (folder_ / name).string();
   }
-  // Writes a file and gives its path.
+  // Writes a file and returns its path.
   std::string write(const std::string& name, const Bytes& bytes) const {
     writeFile(path(name), bytes);
     return path(name);

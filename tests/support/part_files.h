@@ -1,4 +1,4 @@
-// Small part and special tool files put together by hand.
+// Small special tool files from hand-written bytes.
 #pragma once
 #include "tests/support/stored_forms.h"
 

@@ -84,7 +84,7 @@ TEST(InventoryNames, TheProcessEndsAsTheLibraryEndsIt) {
   EXPECT_EXIT((void)nameOf(0), endedByTheLibrary(), kText);
 }
 
-TEST(InventoryNames, EachIndexOfTheFilesTakesItsName) {
+TEST(InventoryNames, EachIndexOfTheFilesSelectsItsName) {
   for (const int version : {54, 90, 110, 150, 180}) {
     const std::vector<StoredTool> tools = {{108, 1}, {108, 2}, {108, 3}};
     ASSERT_EQ(load(inventoryBytes(version, tools, {"C:\\x\\BIG.spt", "a.b.spt", "third"})), 3U);

@@ -94,7 +94,7 @@ TEST_F(SpecialToolPaths, AFolderWrittenWithBackslashesIsWalkedWhereNoneHasThatNa
   }
 }
 
-TEST_F(SpecialToolPaths, OfTwoFoldersTheOneWithTheWrittenNameIsWalked) {
+TEST_F(SpecialToolPaths, FolderWithTheWrittenNameIsPreferred) {
   tool("a\\b/punch.spt", 5);
   tool("a/b/punch.spt", 6);
   for (const char* end : {"", "/", "\\"}) {
@@ -109,7 +109,7 @@ TEST_F(SpecialToolPaths, AFileInPlaceOfTheFolderIsNoFolder) {
   EXPECT_EQ(foundByWalk(path("a\\b"), "punch"), 4);
 }
 
-TEST_F(SpecialToolPaths, AFolderOfNeitherNameHasNoTools) {
+TEST_F(SpecialToolPaths, FolderOfNeitherNameHasNoTools) {
   tool("a/b\\c/punch.spt", 1);
   EXPECT_EQ(foundByWalk(path("a\\b\\c"), "punch"), -1) << "all backslashes are translated, or none";
   EXPECT_EQ(foundByWalk(path("a\\x"), "punch"), -1);
@@ -167,7 +167,7 @@ TEST_F(SpecialToolPaths, TheFileOfAGroupIsFoundWithItsBackslashesTranslated) {
   EXPECT_EQ(foundByGroup(path("a"), "\\b"), 4);
 }
 
-TEST_F(SpecialToolPaths, OfTwoFilesAGroupTakesTheOneWithTheWrittenName) {
+TEST_F(SpecialToolPaths, GroupPrefersTheFileWithTheWrittenName) {
   tool("a\\b.spt", 5);
   tool("a/b.spt", 6);
   EXPECT_EQ(foundByGroup(path(""), "a\\b"), 5);
@@ -177,7 +177,7 @@ TEST_F(SpecialToolPaths, OfTwoFilesAGroupTakesTheOneWithTheWrittenName) {
   EXPECT_EQ(foundByGroup(path("a\\"), "b"), 6);
 }
 
-TEST_F(SpecialToolPaths, AGroupWhoseFileIsDamagedTakesNoOther) {
+TEST_F(SpecialToolPaths, GroupWhoseFileIsDamagedUsesNoOther) {
   tool("a/b.spt", 6);
   for (const std::size_t size : {0U, 1U, 2U, 100U}) {
     tool("a\\b.spt", 5);

@@ -37,12 +37,12 @@ struct Answers {
 TEST(SpecialToolFile, LoadsAtEveryAcceptedVersionByteForByte) {
   const TempFolder folder;
   for (const int version : kAccepted)
-    for (const std::int32_t code : {1, 108}) {
+    for (const std::int32_t code : {0, 1, 107, 108}) {
       SCOPED_TRACE(version);
       Maker maker;
       OldSpecialTool made;
       storedSpecialTool(maker, version, code, made);
-      const std::string path = folder.write("a.spt", Bytes().i16(version).add(maker.bytes));
+      const std::string path = folder.write("a.spt", Bytes().i16(version).add(maker.bytes).fill(9, 0xFF));
       OldSpecialTool tool;
       ASSERT_EQ(LoadOldSpecialTool(path.c_str(), &tool), 0);
       Checker checker;
@@ -52,11 +52,14 @@ TEST(SpecialToolFile, LoadsAtEveryAcceptedVersionByteForByte) {
       for (std::size_t cut = 0; cut < maker.bytes.size(); ++cut) {
         OldSpecialTool part;
         ASSERT_EQ(readFrom(maker.bytes.cut(cut), [&](auto& s) { return ReadSpecialTool(s, version, part); }), 1) << cut;
+        if (code != 108 && cut % 7 != 0) continue;
+        Checker arrived(cut);
+        storedSpecialTool(arrived, version, code, part);
       }
     }
 }
 
-TEST(SpecialToolFile, AllVersionWordsGiveWhatTheListSays) {
+TEST(SpecialToolFile, AllVersionWordsReturnWhatTheListSays) {
   const TempFolder folder;
   for (int word = 0; word < 65536; ++word) {
     const std::string path = folder.overwrite("v.spt", Bytes().u16(static_cast<std::uint16_t>(word)));
@@ -93,24 +96,31 @@ TEST(SpecialToolFile, MissingEmptyOneByteAndFolderPaths) {
 }
 
 TEST(SpecialToolFile, FirstSymmetryByteAddsToWhatTheDimensionSays) {
-  const struct {
-    float dimension3;
-    std::uint8_t byte;
-    std::uint32_t flags;
-  } cases[] = {{2.0F, 1, 3}, {1.0F, 2, 3}, {0, 0, 0}, {0, 1, 1}, {0, 2, 2}, {0, 3, 0}, {0, 255, 0}, {1.0F, 1, 1}};
-  for (const auto& one : cases) {
-    OldSpecialTool tool;
-    const Bytes file = specialToolFile(110, {1}, one.dimension3, one.byte);
-    ASSERT_EQ(readFrom(Bytes::of(file.span().subspan(2)), [&](auto& s) { return ReadSpecialTool(s, 110, tool); }), 0);
-    EXPECT_EQ(tool.tool.symmetryFlags, one.flags) << one.dimension3 << " " << int{one.byte};
-    OldSpecialTool again;
-    const Bytes stored = written([&](auto& s) { return WriteSpecialTool(s, 110, tool); });
-    ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, 110, again); }), 0);
-    EXPECT_EQ(again.tool.symmetryFlags, one.flags);
-  }
+  for (const int version : {52, 110, 180})
+    for (const std::int32_t code : {1, 107, 108})
+      for (const float dimension3 : {0.0F, 1.0F, 2.0F, 3.0F})
+        for (const int first : {0, 1, 2, 3, 4, 255})
+          for (const int others : {0, 1, 2, 255}) {
+            OldSpecialTool made, tool, again;
+            made.tool.shapeCode = code;
+            made.tool.dimension3 = dimension3;
+            Maker all = Maker::ofHeldValues(), toolOnly = Maker::ofHeldValues();
+            storedSpecialTool(all, version, code, made, {}, 0);
+            storedTool(toolOnly, version, false, code, made.tool);
+            const Bytes bytes =
+                patched(all.bytes, toolOnly.bytes.size(),
+                        Bytes().u8(static_cast<std::uint8_t>(first)).fill(59, static_cast<std::uint8_t>(others)));
+            ASSERT_EQ(readFrom(bytes, [&](auto& s) { return ReadSpecialTool(s, version, tool); }), 0);
+            unsigned flags = code == 108 && dimension3 == 1 ? 1U : code == 108 && dimension3 == 2 ? 2U : 0U;
+            if (first == 1 || first == 2) flags |= static_cast<unsigned>(first);
+            EXPECT_EQ(tool.tool.symmetryFlags, flags) << code << " " << dimension3 << " " << first << " " << others;
+            const Bytes stored = written([&](auto& s) { return WriteSpecialTool(s, version, tool); });
+            ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, version, again); }), 0);
+            EXPECT_EQ(again.tool.symmetryFlags, flags);
+          }
 }
 
-TEST(SpecialToolFile, OfAToolOfAnotherShapeTheByteAloneHoldsTheFlags) {
+TEST(SpecialToolFile, ForOtherShapeCodesOnlyTheByteStoresTheFlags) {
   for (const std::uint32_t flags : {0U, 1U, 2U}) {
     OldSpecialTool tool, again;
     tool.tool.shapeCode = 1;
@@ -122,6 +132,33 @@ TEST(SpecialToolFile, OfAToolOfAnotherShapeTheByteAloneHoldsTheFlags) {
   }
 }
 
+TEST(SpecialToolFile, ReloadKeepsWhatTheLaterFileDoesNotStore) {
+  OldSpecialTool tool;
+  tool.tool.extraValues[1] = 41;
+  tool.tool.firstValues[3] = 42;
+  tool.tool.tailText[0] = 'x';
+  tool.tool.symmetryFlags = 2;
+  tool.tool.specialBlock[5] = 9;
+  tool.shapes.shapes.resize(3);
+  tool.setupList.entries.resize(2);
+  const auto load = [&](int version, std::int32_t code, const std::vector<ShapeForm>& shapes) {
+    OldSpecialTool made;
+    Maker m;
+    storedSpecialTool(m, version, code, made, shapes, 0);
+    return readFrom(m.bytes, [&](auto& s) { return ReadSpecialTool(s, version, tool); });
+  };
+  EXPECT_EQ(load(54, 1, {}), 0);
+  EXPECT_TRUE(tool.tool.extraValues[1] == 41 && tool.tool.tailText[0] == 'x' && tool.tool.specialBlock[5] == 9);
+  EXPECT_EQ(tool.tool.firstValues[3], 0.0F);
+  EXPECT_EQ(tool.tool.symmetryFlags, 2U);
+  EXPECT_EQ(tool.shapes.shapes.size(), 3U);
+  EXPECT_EQ(tool.setupList.entries.size(), 2U);
+  EXPECT_EQ(load(60, 108, std::vector<ShapeForm>(2)), 0);
+  EXPECT_EQ(tool.tool.symmetryFlags, 0U);
+  EXPECT_NE(tool.tool.extraValues[1], 41.0F);
+  EXPECT_EQ(tool.shapes.shapes.size(), 2U);
+}
+
 TEST(SpecialToolFile, WriterRefusesVersionsThatTheLoaderRefuses) {
   const TempFolder folder;
   const OldSpecialTool tool;
@@ -131,36 +168,45 @@ TEST(SpecialToolFile, WriterRefusesVersionsThatTheLoaderRefuses) {
   EXPECT_EQ(SaveSpecialTool(folder.path("no/such/folder").c_str(), tool, 52), -2);
 }
 
-TEST(CurrentSpecialTool, HandsOutItsValuesAndShapes) {
+TEST(CurrentSpecialTool, CopiesOutItsValuesAndShapes) {
   const TempFolder folder;
-  const Answers a(folder.write("a.spt", specialToolFile(110, {3, -4}, 2.0F, 0, 3)));
-  EXPECT_EQ(a.status, 0);
-  EXPECT_EQ(a.shapeCount, 2U);
-  EXPECT_EQ(a.orientation, 0.5F);
-  EXPECT_EQ(a.specialValue, 50.0F);
-  EXPECT_EQ(a.dimension[0], 11.0F);
-  EXPECT_EQ(a.dimension[1], 12.0F);
-  EXPECT_EQ(a.dimension[2], 2.0F);
-  EXPECT_EQ(a.firstCount, 3);
-  EXPECT_EQ(a.secondCount, 4);
-  for (int i = 0; i < 6; ++i) {
-    EXPECT_EQ(a.first[i], 20.0F + static_cast<float>(i));
-    EXPECT_EQ(a.second[i], 30.0F + static_cast<float>(i));
+  for (const int version : kAccepted) {
+    SCOPED_TRACE(version);
+    // A file that stores everything first, so that nothing is left over from elsewhere.
+    ASSERT_EQ(Answers(folder.write("z.spt", specialToolFile(180, {3}))).status, 0);
+    Maker maker;
+    OldSpecialTool made;
+    storedSpecialTool(maker, version, 107, made);
+    const OldTool& t = made.tool;
+    const Answers a(folder.write("a.spt", Bytes().i16(version).add(maker.bytes)));
+    EXPECT_EQ(a.status, 0);
+    EXPECT_EQ(a.shapeCount, made.shapes.shapes.size());
+    EXPECT_EQ(a.orientation, t.orientation);
+    EXPECT_EQ(a.specialValue, made.specialValue);
+    EXPECT_EQ(a.dimension[0], t.dimension1);
+    EXPECT_EQ(a.dimension[1], t.dimension2);
+    EXPECT_EQ(a.dimension[2], t.dimension3);
+    EXPECT_EQ(a.firstCount, t.firstValueCount);
+    EXPECT_EQ(a.secondCount, t.secondValueCount);
+    for (int i = 0; i < 6; ++i) {
+      EXPECT_EQ(a.first[i], t.firstValues[i]);
+      EXPECT_EQ(a.second[i], t.secondValues[i]);
+    }
+    // Before 60 those of the first file stay.
+    EXPECT_EQ(a.extra[0], version < 60 ? 40.0F : t.extraValues[0]);
+    EXPECT_EQ(a.extra[1], version < 60 ? 41.0F : t.extraValues[1]);
+    EXPECT_EQ(a.lateFlag, 0);
+    for (std::int32_t i = 0; i < 3; ++i) {
+      const Shape& shape = made.shapes.shapes[static_cast<std::size_t>(i)];
+      std::int32_t type = 99;
+      float x = 0, y = 0, v[4] = {};
+      GetShapeAt(i, &type, &x, &y, &v[0], &v[1], &v[2], &v[3]);
+      EXPECT_EQ(type, shape.type) << "widened with its sign";
+      EXPECT_EQ(x, shape.x);
+      EXPECT_EQ(y, shape.y);
+      for (int k = 0; k < 4; ++k) EXPECT_EQ(v[k], shape.values[k]);
+    }
   }
-  EXPECT_EQ(a.extra[0], 40.0F);
-  EXPECT_EQ(a.extra[1], 41.0F);
-  EXPECT_EQ(a.lateFlag, 0);
-
-  Maker maker;
-  Shape told;
-  storedShape(maker, 110, ShapeForm{-4, 9, 2, false, ""}, told);
-  std::int32_t type = 0;
-  float x = 0, y = 0, v[4] = {};
-  GetShapeAt(1, &type, &x, &y, &v[0], &v[1], &v[2], &v[3]);
-  EXPECT_EQ(type, -4) << "widened with its sign";
-  EXPECT_EQ(x, told.x);
-  EXPECT_EQ(y, told.y);
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(v[i], told.values[i]);
 }
 
 TEST(CurrentSpecialTool, ShapeIndexOutsideTheListLeavesTheOutputs) {
@@ -180,6 +226,7 @@ TEST(CurrentSpecialTool, MissingShortAndRefusedFilesOnlyClearTheShapeCount) {
   const TempFolder folder;
   ASSERT_EQ(Answers(folder.write("a.spt", specialToolFile(110, {3}))).status, 0);
   const std::pair<std::string, std::int32_t> cases[] = {{folder.path("missing.spt"), -2},
+                                                        {folder.write("empty.spt", Bytes()), 1},
                                                         {folder.write("short.spt", Bytes().u8(110)), 1},
                                                         {folder.write("refused.spt", Bytes().i16(53)), -1}};
   for (const auto& [path, status] : cases) {
@@ -187,10 +234,14 @@ TEST(CurrentSpecialTool, MissingShortAndRefusedFilesOnlyClearTheShapeCount) {
     EXPECT_EQ(a.status, status);
     EXPECT_EQ(a.shapeCount, 0U);
     EXPECT_TRUE(a.untouched());
+    std::int32_t type = 42;
+    float x = 42, y = 42, v[4];
+    GetShapeAt(0, &type, &x, &y, &v[0], &v[1], &v[2], &v[3]);
+    EXPECT_EQ(type, 3) << "the earlier shapes stay";
   }
 }
 
-TEST(CurrentSpecialTool, FileThatFailsBehindItsShapesStillFillsTheOutputs) {
+TEST(CurrentSpecialTool, FileThatFailsAfterItsShapesStillFillsTheOutputs) {
   const TempFolder folder;
   const Bytes whole = specialToolFile(110, {3, 4, 5});
   const Answers a(folder.write("a.spt", whole.cut(whole.size() - 2)));
@@ -208,9 +259,9 @@ TEST(CurrentSpecialTool, FileWithoutShapesReportsThoseOfTheFileBefore) {
   EXPECT_EQ(a.dimension[2], 7.0F);
 }
 
-// Up to its shape count a file leaves the shapes of the one before it, and answers with them and with
-// its own values; from there on its whole shapes count.
-TEST(CurrentSpecialTool, FileThatEndsInFrontOfItsShapesReportsThoseOfTheFileBefore) {
+// Up to its shape count a file keeps the shapes of the one before it, and returns them and
+// its own values; from there on its complete shapes count.
+TEST(CurrentSpecialTool, FileThatEndsBeforeItsShapesReportsThoseOfTheFileBefore) {
   const TempFolder folder;
   const std::string before = folder.write("a.spt", specialToolFile(110, {3, 4}));
   const Bytes bare = specialToolFile(110, {}), one = specialToolFile(110, {5}), whole = specialToolFile(110, {5, 6, 7});
@@ -249,7 +300,7 @@ TEST(CurrentSpecialTool, IsEmptyInAFreshProcess) {
 
 // ---- the folder of special tools -----------------------------------------------------------------
 
-TEST(SpecialToolFolder, ComesFromTheConfiguration) {
+TEST(SpecialToolFolder, IsReadFromTheConfiguration) {
   const std::string fallback = "C:\\KESTRADA\\SPECTOOL\\";
   const std::string key = "ZRK_DEFAULT_SPECIAL_TOOL_PATH=";
   const std::pair<std::string, std::string> cases[] = {
@@ -268,11 +319,12 @@ TEST(SpecialToolFolder, ComesFromTheConfiguration) {
       {"[Other]\n" + key + "D:\\A\n", fallback},
       {"[Kestrada64bit]\n" + key + "D:\\A\n" + key + "D:\\B\n", "D:\\A"},
       {key + "D:\\A\n", fallback},
+      {"[Kestrada64bit]\nOTHER=D:\\A\n[Kestrada]\n" + key + "D:\\B\n", "D:\\B"},
       {"[Kestrada64bit]\nnonsense\n" + key + "D:\\A", "D:\\A"},
       {"[Kestrada64bit]\n[Kestrada64bit]\n" + key + "D:\\A", fallback},
       {"[Kestrada64bit\n" + key + "D:\\A", fallback},
       {"[Kestrada64bit]\n" + key + std::string(300, 'x'), std::string(260, 'x')},
-      // A value of quotes alone, quotes that do not close or differ, quotes inside, and what stands behind them.
+      // A value of quotes only, quotes that do not close or differ, quotes inside, and text after them.
       {"[Kestrada64bit]\n" + key + "\"\"\n[Kestrada]\n" + key + "D:\\B\n", "D:\\B"},
       {"[Kestrada64bit]\n" + key + "\"\n", "\""},
       {"[Kestrada64bit]\n" + key + "\"D:\\A\n", "\"D:\\A"},
@@ -297,7 +349,7 @@ TEST(SpecialToolFolder, ComesFromTheConfiguration) {
       {"[Kestrada64bit]\nX" + key + "D:\\A\n", fallback},
       {"[Kestrada64bit]\n" + key.substr(1) + "D:\\A\n", fallback},
       {"[Kestrada64bit]\n=D:\\A\n" + key + "D:\\B\n", "D:\\B"},
-      // Other sections in front and behind, a bracket inside a value, a line end of its own kind.
+      // Other sections before and after, a bracket inside a value, a line end of its own kind.
       {"[A]\n" + key + "D:\\A\n[Kestrada64bit]\n" + key + "D:\\B\n[C]\n" + key + "D:\\C\n", "D:\\B"},
       {"[Kestrada64bit]\n" + key + "D:\\[A]\n", "D:\\[A]"},
       {"[Kestrada64bit]\r\n" + key + "D:\\A\r\n\r\n", "D:\\A"},

@@ -1,5 +1,5 @@
 // Tool inventories and macros: their stored rows typed once more, and what the loaders, the count and
-// the query answer.
+// the query return.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -40,50 +40,6 @@ bool sameRaw(const T& a, const T& b) {
 
 // ---- inventories ---------------------------------------------------------------------------------
 
-template <class M>
-void storedEntry(M& m, int version, int steps, InventoryEntry& e) {
-  numberOr(m, e.entryHead, std::uint16_t{256});
-  m.number(e.entryWord);
-  m.block(e.entryNameA);
-  m.number(e.entryByteA);
-  m.number(e.entryByteB);
-  m.block(e.entryNameB);
-  m.number(e.entryShortA);
-  m.number(e.entryShortB);
-  if (version >= 130)
-    m.block(e.entryNameC);
-  else
-    m.absent(std::string(e.entryNameC), std::string("0"));
-  if (version >= 150) {
-    m.number(e.entryLateWord);
-    each(m, e.entryLateReals);
-  } else {
-    m.absent(e.entryLateWord, 0U);
-    m.absent(e.entryLateReals[1], 0.0F);
-  }
-  storedSteps(m, version, steps, e.entrySteps);
-}
-
-struct InventoryForm {
-  std::vector<std::int32_t> codes{1, 107, 108};
-  std::size_t entries = 2, files = 2;
-};
-
-template <class M>
-void storedInventory(M& m, int version, const InventoryForm& form, OldToolInventory& inventory) {
-  m.size(inventory.tools, form.codes.size());
-  for (int i = 0; i < 20; ++i) {
-    m.number(inventory.pairFirst[i]);
-    m.number(inventory.pairSecond[i]);
-  }
-  for (std::size_t i = 0; i < form.codes.size(); ++i) storedTool(m, version, false, form.codes[i], inventory.tools[i]);
-  m.size(inventory.entries, form.entries);
-  for (std::size_t i = 0; i < form.entries; ++i) storedEntry(m, version, static_cast<int>(i) + 2, inventory.entries[i]);
-  m.size(inventory.specialToolFiles, form.files);
-  for (auto& file : inventory.specialToolFiles)
-    for (char& one : file) m.number(one);
-}
-
 std::pair<Bytes, OldToolInventory> madeInventory(int version, const InventoryForm& form = {}) {
   Maker maker;
   OldToolInventory made;
@@ -107,7 +63,7 @@ int readInventory(const Bytes& bytes, int version, OldToolInventory& into, std::
       bytes, [&](InStream& s) { return ReadToolInventory(s, version, into); }, consumed);
 }
 
-TEST(InventoryByHand, StartsEmpty) {
+TEST(Inventory, FreshInventoryIsEmpty) {
   const OldToolInventory fresh;
   EXPECT_TRUE(fresh.tools.empty() && fresh.entries.empty() && fresh.specialToolFiles.empty());
   for (int i = 0; i < 20; ++i) EXPECT_EQ(fresh.pairFirst[i] | fresh.pairSecond[i], 0U);
@@ -115,7 +71,7 @@ TEST(InventoryByHand, StartsEmpty) {
   EXPECT_EQ(fresh.version, 0);
 }
 
-TEST(InventoryByHand, StartsAnEntryAtItsDefaults) {
+TEST(Inventory, FreshEntryHasTheDefaults) {
   const InventoryEntry fresh;
   EXPECT_EQ(fresh.entryWord, 0U);
   EXPECT_EQ(fresh.entryHead, 256);
@@ -126,7 +82,7 @@ TEST(InventoryByHand, StartsAnEntryAtItsDefaults) {
   EXPECT_EQ(fresh.entrySteps.stepByteA[0], 255);
 }
 
-TEST(InventoryByHand, StoresAnEntryByteForByteAtEveryVersion) {
+TEST(Inventory, EntryLoadsAndSavesTheSameBytesAtEveryVersion) {
   for (int version = 54; version <= 180; ++version)
     for (const int steps : {0, 3, 20}) {
       SCOPED_TRACE(version);
@@ -148,7 +104,7 @@ TEST(InventoryByHand, StoresAnEntryByteForByteAtEveryVersion) {
 }
 
 // Only the late word and reals, and the table's count of steps, may be missing.
-TEST(InventoryByHand, ToleratesACutEntryOnlyFromItsLateWordToItsLateReals) {
+TEST(Inventory, ToleratesACutEntryOnlyFromItsLateWordToItsLateReals) {
   for (const int version : {129, 130, 149, 150, 180}) {
     const std::size_t rowTen = 2 + 4 + 256 + 1 + 1 + 256 + 2 + 2 + (version >= 130 ? 256U : 0U);
     const std::size_t rowTwelve = rowTen + (version >= 150 ? 12 : 0);
@@ -167,7 +123,7 @@ TEST(InventoryByHand, ToleratesACutEntryOnlyFromItsLateWordToItsLateReals) {
   }
 }
 
-TEST(InventoryByHand, LoadsAtEveryAcceptedVersionByteForByte) {
+TEST(Inventory, LoadsAtEveryAcceptedVersionByteForByte) {
   const TempFolder folder;
   for (const int version : kInventoryVersions) {
     SCOPED_TRACE(version);
@@ -194,7 +150,7 @@ TEST(InventoryByHand, LoadsAtEveryAcceptedVersionByteForByte) {
   }
 }
 
-TEST(InventoryByHand, ReadsTheSameRowsAtEveryGate) {
+TEST(Inventory, ReadsItsFieldsAtEveryGate) {
   for (const int version : kGates) {
     SCOPED_TRACE(version);
     for (const InventoryForm& form : {InventoryForm{}, InventoryForm{{}, 1, 1}, InventoryForm{{108, 3}, 0, 0}}) {
@@ -209,7 +165,7 @@ TEST(InventoryByHand, ReadsTheSameRowsAtEveryGate) {
   }
 }
 
-TEST(InventoryByHand, ReadsNothingBehindTheToolCountBelowVersion54) {
+TEST(Inventory, NothingIsReadAfterTheToolCountBelowVersion54) {
   for (const int version : {52, 53}) {
     OldToolInventory inventory = usedInventory();
     EXPECT_EQ(readInventory(madeInventory(54).first, version, inventory), 1);
@@ -220,8 +176,8 @@ TEST(InventoryByHand, ReadsNothingBehindTheToolCountBelowVersion54) {
   }
 }
 
-// Lists are emptied behind the count (tools: behind the pairs), and hold what arrived whole.
-TEST(InventoryByHand, GivesOneAndKeepsWhatArrivedAtEveryCut) {
+// Lists are emptied after the count (tools: after the pairs), and hold what arrived completely.
+TEST(Inventory, CutAtAnyByteFailsAndKeepsWhatArrived) {
   for (const int version : {54, 80, 111, 130, 150}) {
     const InventoryForm form;
     const auto [bytes, made] = madeInventory(version, form);
@@ -266,7 +222,7 @@ TEST(InventoryByHand, GivesOneAndKeepsWhatArrivedAtEveryCut) {
   }
 }
 
-TEST(InventoryByHand, KeepsOldEntriesButNoOldToolsOrFileNamesWhereTheCountIsZero) {
+TEST(Inventory, CountOfZeroKeepsEntriesButNotToolsAndFileNames) {
   for (const int version : kGates)
     for (const std::int32_t tools : {0, -1, -0x7FFFFFFF - 1})
       for (const std::int32_t entries : {0, -1, -0x7FFFFFFF - 1})
@@ -283,7 +239,7 @@ TEST(InventoryByHand, KeepsOldEntriesButNoOldToolsOrFileNamesWhereTheCountIsZero
         }
 }
 
-TEST(InventoryByHand, RefusesCountsThatTheFileCannotHold) {
+TEST(Inventory, RefusesCountsThatTheFileCannotHold) {
   const Bytes head = Bytes().i32(0).zeros(160);
   for (const std::int32_t count : {1000000, 2000000000, 0x7FFFFFFF}) {
     OldToolInventory inventory;
@@ -294,7 +250,7 @@ TEST(InventoryByHand, RefusesCountsThatTheFileCannotHold) {
   }
 }
 
-TEST(InventoryByHand, BeginsEachElementFresh) {
+TEST(Inventory, EachElementStartsFresh) {
   OldToolInventory inventory = usedInventory();
   inventory.tools[0].lateWords[0] = 9;
   inventory.entries[0].entryLateWord = 9;
@@ -306,7 +262,7 @@ TEST(InventoryByHand, BeginsEachElementFresh) {
   EXPECT_STREQ(inventory.entries[0].entryNameC, "0");
 }
 
-TEST(InventoryByHand, AcceptsTheVersionsOfItsListFrom54On) {
+TEST(Inventory, AcceptsTheVersionsOfItsListFrom54On) {
   const TempFolder folder;
   for (int word = 0; word < 65536; ++word) {
     const std::string path = folder.overwrite("w.inv", Bytes().u16(static_cast<std::uint16_t>(word)));
@@ -324,7 +280,7 @@ TEST(InventoryByHand, AcceptsTheVersionsOfItsListFrom54On) {
   }
 }
 
-TEST(InventoryByHand, AnswersMissingAndShortFilesWithoutTouchingTheRecord) {
+TEST(Inventory, MissingAndShortFilesLeaveTheRecord) {
   const TempFolder folder;
   const std::pair<std::string, int> cases[] = {{folder.path("none.inv"), -2},
                                                {"", -2},
@@ -343,7 +299,7 @@ TEST(InventoryByHand, AnswersMissingAndShortFilesWithoutTouchingTheRecord) {
   }
 }
 
-TEST(InventoryByHand, KeepsItsPathAndCutsOneThatIsTooLong) {
+TEST(Inventory, KeepsItsPathAndCutsOneThatIsTooLong) {
   const TempFolder folder;
   const std::string deep = std::string(200, 'd') + "/" + std::string(100, 'f');
   std::filesystem::create_directories(folder.path(std::string(200, 'd')));
@@ -430,7 +386,7 @@ std::uint32_t counted(const TempFolder& folder, const Bytes& bytes) {
   return count;
 }
 
-TEST(InventoryByHand, NamesToolsByTheirShapeCodeAndLeavesTheNameOfOthers) {
+TEST(Inventory, NamesToolsByTheirShapeCodeAndLeavesTheNameOfOthers) {
   const std::vector<std::pair<int, std::string>> texts{
       {1, "ROUND"},      {3, "RECTANGLE"},  {9, "RIGHT ANGLE SHEAR"}, {33, "LASER CUTTING TOOL"},
       {103, "SQUARE"},   {104, "SINGLE D"}, {105, "DOUBLE D"},        {106, "OBROUND"},
@@ -458,7 +414,7 @@ TEST(InventoryByHand, NamesToolsByTheirShapeCodeAndLeavesTheNameOfOthers) {
   }
 }
 
-TEST(InventoryByHand, GivesAsManyValuesAsTheCountSaysIfItIsOneToSix) {
+TEST(Inventory, QueryCopiesAsManyValuesAsACountOfOneToSix) {
   std::vector<OldTool> tools;
   for (int first = -2; first <= 8; ++first)
     for (int second = -2; second <= 8; ++second) tools.push_back(someTool(1, first, second));
@@ -481,7 +437,7 @@ TEST(InventoryByHand, GivesAsManyValuesAsTheCountSaysIfItIsOneToSix) {
   }
 }
 
-TEST(InventoryByHand, NamesASpecialToolByTheBaseNameOfItsFile) {
+TEST(Inventory, NamesASpecialToolByTheBaseNameOfItsFile) {
   const std::vector<std::pair<std::string, std::string>> names{{"C:\\x\\BIG.spt", "BIG"},
                                                                {"a/b.c/d.e.f", "d.e"},
                                                                {"c:name.spt", "name"},
@@ -507,7 +463,7 @@ TEST(InventoryByHand, NamesASpecialToolByTheBaseNameOfItsFile) {
     EXPECT_EQ(std::string(Info(static_cast<std::int32_t>(i)).name), names[i].second) << names[i].first;
 }
 
-TEST(InventoryByHand, EndsTheProcessForAToolOrAFileNameThatIsNotThere) {
+TEST(Inventory, QueryOfAMissingToolOrFileNameEndsTheProcess) {
   const TempFolder folder;
   std::vector<OldTool> tools;
   for (const std::int32_t index : {0, -1, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
@@ -523,7 +479,7 @@ TEST(InventoryByHand, EndsTheProcessForAToolOrAFileNameThatIsNotThere) {
   for (const std::int32_t i : {-1, size, std::numeric_limits<int>::max()}) EXPECT_DEATH(Info{i}, "") << i;
 }
 
-TEST(InventoryByHand, ReportsADamagedFileAsAnEmptyOneAndKeepsWhatWasRead) {
+TEST(Inventory, CountOfADamagedFileIsZeroButItsToolsAreKept) {
   const TempFolder folder;
   const Bytes whole = inventoryOf(150, {someTool(3), someTool(103)}, {"a.spt"});
   const std::size_t firstEnd = 2 + 4 + 160 + toolForm(150, someTool(3)).size();
@@ -540,7 +496,7 @@ TEST(InventoryByHand, ReportsADamagedFileAsAnEmptyOneAndKeepsWhatWasRead) {
   }
 }
 
-TEST(InventoryByHand, LeavesTheCurrentToolsWhereAFileIsMissingShortOrRefused) {
+TEST(Inventory, MissingShortAndRefusedFilesKeepTheCurrentTools) {
   const TempFolder folder;
   counted(folder, inventoryOf(60, {someTool(112)}, {}));
   std::uint32_t count = 9;
@@ -554,7 +510,7 @@ TEST(InventoryByHand, LeavesTheCurrentToolsWhereAFileIsMissingShortOrRefused) {
   EXPECT_STREQ(Info(0).name, "GR");
 }
 
-TEST(InventoryByHand, WithoutToolsAtVersion150ReadsTheRestAllTheSame) {
+TEST(Inventory, WithoutToolsTheRestIsReadAtVersion150) {
   const TempFolder folder;
   const InventoryForm form{{}, 2, 2};
   const std::string path = folder.write("n.inv", Bytes().i16(150).add(madeInventory(150, form).first));
@@ -569,38 +525,6 @@ TEST(InventoryByHand, WithoutToolsAtVersion150ReadsTheRestAllTheSame) {
 
 // ---- macros --------------------------------------------------------------------------------------
 
-struct MacroForm {
-  std::vector<ShapeForm> shapes = someShapes();
-  std::size_t items = 2;
-  std::vector<std::int32_t> codes{1, 108};
-};
-
-template <class M>
-void storedMacro(M& m, int version, const MacroForm& form, OldMacro& macro) {
-  m.block(macro.macroHead);
-  m.block(macro.macroHeadSecond);
-  m.number(macro.macroHeadWord);
-  m.block(macro.macroBlock);
-  m.block(macro.macroBlockLong);
-  storedShapeList(m, version, form.shapes, macro.shapes);
-  m.size(macro.items, form.items);
-  for (PatternItem& item : macro.items) storedItem(m, version, item);
-  if (version >= 60) {
-    storedStations(m, version, form.codes, macro.stationList);
-    each(m, macro.macroTailWords);
-  } else {
-    m.absent(macro.stationList.stations.size(), std::size_t{0});
-    m.absent(macro.stationList.stationModeWord, 0U);
-    m.absent(macro.macroTailWords[1], 0U);
-  }
-  for (Shape& shape : macro.shapes.shapes) {
-    if (version >= 80)
-      m.number(shape.trailerValue);
-    else
-      m.absent(shape.trailerValue, 0U);
-  }
-}
-
 std::pair<Bytes, OldMacro> madeMacro(int version, const MacroForm& form = {}) {
   Maker maker;
   OldMacro made;
@@ -613,7 +537,7 @@ int readMacro(const Bytes& bytes, int version, OldMacro& macro, std::size_t* con
       bytes, [&](InStream& s) { return ReadMacro(s, version, macro); }, consumed);
 }
 
-TEST(LoadsIntoNothing, AnswerMinusTwo) {
+TEST(LoadsIntoNull, ReturnMinusTwo) {
   const TempFolder folder;
   const std::string file = folder.write("f", Bytes().i16(60).zeros(2000));
   EXPECT_EQ(LoadOldToolInventory(file.c_str(), nullptr), -2);
@@ -626,7 +550,7 @@ TEST(LoadsIntoNothing, AnswerMinusTwo) {
   EXPECT_EQ(LoadOldSheet(file.c_str(), nullptr), -2);
 }
 
-TEST(MacroByHand, AFreshMacroIsZeroAndEmpty) {
+TEST(Macro, FreshMacroIsZeroAndEmpty) {
   const OldMacro fresh;
   // Heads and blocks, the list's tag and kind, no shape, no item.
   EXPECT_EQ(written([&](OutStream& s) { return WriteMacro(s, 52, fresh); }), Bytes().zeros(72).i32(-1).i32(1).zeros(8));
@@ -635,7 +559,7 @@ TEST(MacroByHand, AFreshMacroIsZeroAndEmpty) {
   EXPECT_EQ(fresh.macroTailWords[1], 0U);
 }
 
-TEST(MacroByHand, ReadsAndWritesItsRowsAtEveryVersion) {
+TEST(Macro, LoadsAndStoresItsFieldsAtEveryVersion) {
   for (const int version : allVersions())
     for (const MacroForm& form : {MacroForm{}, MacroForm{{}, 0, {}}, MacroForm{someShapes(), 0, {107, 0, 3}}}) {
       SCOPED_TRACE(version);
@@ -652,7 +576,7 @@ TEST(MacroByHand, ReadsAndWritesItsRowsAtEveryVersion) {
     }
 }
 
-TEST(MacroByHand, LoadsAndSavesAtEveryAcceptedVersion) {
+TEST(Macro, LoadsAndSavesAtEveryAcceptedVersion) {
   const TempFolder folder;
   for (const int version : kMacroVersions) {
     SCOPED_TRACE(version);
@@ -668,7 +592,7 @@ TEST(MacroByHand, LoadsAndSavesAtEveryAcceptedVersion) {
   }
 }
 
-TEST(MacroByHand, AcceptsTheVersionsOfItsListFrom52On) {
+TEST(Macro, AcceptsTheVersionsOfItsListFrom52On) {
   const TempFolder folder;
   for (int word = 0; word < 65536; ++word) {
     const std::string path = folder.overwrite("w.mac", Bytes().u16(static_cast<std::uint16_t>(word)));
@@ -682,7 +606,7 @@ TEST(MacroByHand, AcceptsTheVersionsOfItsListFrom52On) {
   }
 }
 
-TEST(MacroByHand, AnswersMissingAndShortFilesWithoutTouchingTheRecord) {
+TEST(Macro, MissingAndShortFilesLeaveTheRecord) {
   const TempFolder folder;
   const std::pair<std::string, int> cases[] = {{folder.path("none.mac"), -2},
                                                {"", -2},
@@ -696,7 +620,7 @@ TEST(MacroByHand, AnswersMissingAndShortFilesWithoutTouchingTheRecord) {
   }
 }
 
-TEST(MacroByHand, GivesOneAtEveryCutAndKeepsTheRowsInFrontOfIt) {
+TEST(Macro, CutAtAnyByteFailsAndKeepsTheFieldsBeforeIt) {
   for (const int version : {52, 54, 60, 62, 80, 110, 180}) {
     const auto [bytes, made] = madeMacro(version);
     Maker shapes;
@@ -734,7 +658,7 @@ TEST(MacroByHand, GivesOneAtEveryCutAndKeepsTheRowsInFrontOfIt) {
   }
 }
 
-TEST(MacroByHand, KeepsWhatTheVersionLacksInAUsedRecord) {
+TEST(Macro, ReloadKeepsWhatTheVersionDoesNotStore) {
   for (const int version : {52, 54, 59}) {
     OldMacro macro = madeMacro(180).second;
     const OldMacro before = macro;
@@ -747,7 +671,7 @@ TEST(MacroByHand, KeepsWhatTheVersionLacksInAUsedRecord) {
 }
 
 // A stored shape count of 0 keeps the shapes, and then the trailer has a value for each of them.
-TEST(MacroByHand, TakesOneTrailerValueForEachShapeThatItHolds) {
+TEST(Macro, TrailerHasOneValueForEachShapeOfTheRecord) {
   const MacroForm none{{}, 0, {}};
   for (const int version : {62, 79, 80, 180}) {
     const Bytes bytes = madeMacro(version, none).first;

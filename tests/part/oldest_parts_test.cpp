@@ -1,4 +1,4 @@
-// Part files of the versions 2, 3 and 5, their bytes put together by hand.
+// Part files of the versions 2, 3 and 5, from hand-written bytes.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -120,7 +120,7 @@ struct Five {
   std::vector<SetupEntry> entries;
   SetupEntry current;
   std::vector<MarkEntry> marks;
-  int shapeCount = -1, patternCount = -1, entryCount = -1, markCount = -1;  // other than the size, if told
+  int shapeCount = -1, patternCount = -1, entryCount = -1, markCount = -1;  // other than the size, if set
 
   Bytes bytes(std::vector<Arrival>* arrivals = nullptr) const {
     Bytes b;
@@ -265,7 +265,7 @@ void expectFullFive(const TorvPart& part) {
   EXPECT_EQ(part.materialType[0], '\0');
 }
 
-TEST(Version5ByHand, LoadsEveryFieldWithTheSignOfItsShortsAndIgnoresWhatStandsBehind) {
+TEST(PartsOfVersion5, LoadsEveryFieldWithTheSignOfItsShortsAndIgnoresWhatFollows) {
   std::vector<Arrival> all;
   for (const std::size_t behind : {0U, 40U}) {
     const Loaded five(fullFive().bytes(&all).fill(behind, 0xEE));
@@ -279,7 +279,7 @@ TEST(Version5ByHand, LoadsEveryFieldWithTheSignOfItsShortsAndIgnoresWhatStandsBe
   }
 }
 
-TEST(Version5ByHand, CutAnywhereAnswersOneAndKeepsWhatArrivedWhole) {
+TEST(PartsOfVersion5, CutAnywhereReturnsOneAndKeepsCompleteFields) {
   std::vector<Arrival> all;
   const Bytes file = fullFive().bytes(&all);
   for (std::size_t cut = 0; cut < file.size(); ++cut) {
@@ -289,7 +289,7 @@ TEST(Version5ByHand, CutAnywhereAnswersOneAndKeepsWhatArrivedWhole) {
   }
 }
 
-TEST(OldShapeConverter, AHeadThatIsAMemberItselfLiesInItsOwnFrame) {
+TEST(OldShapeConverter, HeadThatIsItselfAMemberIsInItsOwnFrame) {
   for (const float angle : {0.5F, -1.25F, 3.0F}) {
     oldtorvio::Shape head;
     head.type = 7;
@@ -304,7 +304,7 @@ TEST(OldShapeConverter, AHeadThatIsAMemberItselfLiesInItsOwnFrame) {
   }
 }
 
-TEST(Version5ByHand, FillsAUsedRecordAsAFreshOne) {
+TEST(PartsOfVersion5, UsedRecordIsFilledLikeAFreshOne) {
   TorvPart used;
   for (int i = 0; i < 2; ++i) {
     std::memcpy(used.materialType, "STEEL", 6);
@@ -318,7 +318,7 @@ TEST(Version5ByHand, FillsAUsedRecordAsAFreshOne) {
   }
 }
 
-TEST(Version5ByHand, CountsBelowOneReadNothingButCurrentAndTheTailFollowInAnyCase) {
+TEST(PartsOfVersion5, CountsBelowOneReadOnlyCurrentAndTheTail) {
   for (const int count : {0, -2, -32768}) {
     Five f;
     f.current = entryOf(3);
@@ -336,7 +336,7 @@ TEST(Version5ByHand, CountsBelowOneReadNothingButCurrentAndTheTailFollowInAnyCas
   }
 }
 
-TEST(Version5ByHand, CountsThatTheFileDoesNotHoldAnswerOne) {
+TEST(PartsOfVersion5, CountsBeyondTheFileReturnOne) {
   for (int Five::*const count : {&Five::shapeCount, &Five::patternCount, &Five::entryCount, &Five::markCount}) {
     Five f = fullFive();
     f.*count = 32767;
@@ -344,7 +344,7 @@ TEST(Version5ByHand, CountsThatTheFileDoesNotHoldAnswerOne) {
   }
 }
 
-TEST(Version5ByHand, KeepsContinuationsOnlyAsLongAsTheirHeadAnnouncedThem) {
+TEST(PartsOfVersion5, ContinuationsAreKeptOnlyAsFarAsTheirHeadAnnouncedThem) {
   struct Case {
     std::vector<std::pair<int, int>> stored;  // type and setupShort3
     std::vector<std::size_t> kept;
@@ -357,7 +357,7 @@ TEST(Version5ByHand, KeepsContinuationsOnlyAsLongAsTheirHeadAnnouncedThem) {
     const bool head = type == 7 || type == 9 || type == 15 || type == 16 || type == 17;
     cases.push_back(
         {{{type, 2}, {8, 0}, {8, 0}, {8, 0}}, head ? std::vector<std::size_t>{0, 1, 2} : std::vector<std::size_t>{0}});
-    // Others in between leave the remainder alone.
+    // Others in between keep the remainder.
     if (!head) cases.push_back({{{16, 2}, {8, 9}, {type, 7}, {8, 9}, {8, 9}}, {0, 1, 2, 3}});
   }
   for (const Case& one : cases) {
@@ -454,7 +454,7 @@ Bytes continuation(const std::string& text) {
 
 bool isText(int type) { return type == 7 || type == 9 || (type >= 15 && type <= 17); }
 
-TEST(Versions2And3ByHand, NeverSucceedButFillTheRecordAsFarAsTheyRead) {
+TEST(PartsOfVersions2And3, LoadNeverSucceedsButFillsTheRecordAsFarAsItReads) {
   for (const int version : {2, 3})
     for (const int flags : {0, 1, 2, 255})
       for (const int items : {0, 1}) {
@@ -487,7 +487,7 @@ TEST(Versions2And3ByHand, NeverSucceedButFillTheRecordAsFarAsTheyRead) {
       }
 }
 
-TEST(Versions2And3ByHand, CutAnywhereKeepsWhatArrivedWhole) {
+TEST(PartsOfVersions2And3, CutAnywhereKeepsCompleteFields) {
   for (const int items : {0, 1}) {
     Old old;
     old.hasItems = items;
@@ -503,7 +503,7 @@ TEST(Versions2And3ByHand, CutAnywhereKeepsWhatArrivedWhole) {
     all.push_back({end, "pattern", [](const TorvPart& p) { return p.patterns.size() == 1; }});
     end += 2;
     old.setupCount = 3;
-    for (std::size_t i = 0; i < 3; ++i) {  // types 8, 8 and 8 have no bytes behind their record
+    for (std::size_t i = 0; i < 3; ++i) {  // types 8, 8 and 8 have no bytes after their record
       old.setup.add(Record{8}.bytes());
       end += 29;
       all.push_back({end, "entry", [i](const TorvPart& p) { return p.setupList.entries.size() > i; }});
@@ -517,7 +517,7 @@ TEST(Versions2And3ByHand, CutAnywhereKeepsWhatArrivedWhole) {
   }
 }
 
-TEST(Versions2And3ByHand, NumberShapesByTheirClassUnlessItemsFollow) {
+TEST(PartsOfVersions2And3, ShapesAreNumberedByTheirClassUnlessItemsFollow) {
   for (const int hasItems : {0, 1, 2}) {
     Old old;
     old.hasItems = hasItems;
@@ -548,7 +548,7 @@ TEST(Versions2And3ByHand, NumberShapesByTheirClassUnlessItemsFollow) {
   }
 }
 
-TEST(Versions2And3ByHand, LimitTheSecondValueOfTypes15And16ToTheFirst) {
+TEST(PartsOfVersions2And3, SecondValueOfTypes15And16IsLimitedToTheFirst) {
   for (const auto& [first, second, wanted] :
        std::vector<std::array<float, 3>>{{2, 3, 2}, {2, -3, 2}, {-2, 3, -2}, {-3, 2, 2}, {2, -2, -2}, {0, 0, 0}})
     for (int type = 10; type <= 21; ++type) {
@@ -563,7 +563,7 @@ TEST(Versions2And3ByHand, LimitTheSecondValueOfTypes15And16ToTheFirst) {
     }
 }
 
-TEST(Versions2And3ByHand, AFullTurnIsCutToTheConstantOfTheLayout) {
+TEST(PartsOfVersions2And3, FullTurnIsLimitedToTheConstantOfTheLayout) {
   constexpr float kInf = std::numeric_limits<float>::infinity();
   for (const int version : {2, 3, 5})
     for (int type = 0; type <= 25; ++type)
@@ -586,7 +586,7 @@ TEST(Versions2And3ByHand, AFullTurnIsCutToTheConstantOfTheLayout) {
       }
 }
 
-TEST(Versions2And3ByHand, TakeTheMembersOfAGroupIntoTheFrameOfTheirHead) {
+TEST(PartsOfVersions2And3, MembersOfAGroupAreMovedIntoTheFrameOfTheirHead) {
   // Which value is an angle; the two of a vector are -2.
   static constexpr int kField[26] = {-1, -1, 1, 2, -2, 1,  2,  2, 4, 1,  -2, 4,  1,
                                      1,  2,  2, 2, -1, -1, -1, 2, 2, -1, 2,  -1, 2};
@@ -594,7 +594,7 @@ TEST(Versions2And3ByHand, TakeTheMembersOfAGroupIntoTheFrameOfTheirHead) {
     float angle, x, y;
   };
   for (const Head& head : {Head{0, 0, 0}, Head{0, 10, 5}, Head{0.5F, 10, 5}, Head{-1.25F, -3, 8}, Head{3, 1, 2}})
-    for (const bool stored : {true, false}) {  // without a head everything counts as one of zeros
+    for (const bool stored : {true, false}) {  // without a head every member is treated as if it had one of zeros
       Old old;
       Shape first = plainShape(7, head.x, head.y);
       first.values[2] = head.angle;
@@ -640,7 +640,7 @@ TEST(Versions2And3ByHand, TakeTheMembersOfAGroupIntoTheFrameOfTheirHead) {
     }
 }
 
-TEST(Versions2And3ByHand, AHeadThatIsItselfAMemberIsItsOwnOrigin) {
+TEST(PartsOfVersions2And3, HeadThatIsItselfAMemberIsItsOwnOrigin) {
   Old old;
   old.shapes = {plainShape(7, 10, 5), plainShape(7, 3, 4), plainShape(0, 5, 5)};
   old.shapes[0].values[2] = 1;
@@ -654,7 +654,7 @@ TEST(Versions2And3ByHand, AHeadThatIsItselfAMemberIsItsOwnOrigin) {
   EXPECT_TRUE(all[2].x == 2 && all[2].y == 1);
 }
 
-// The entries of one setup section, `current` behind them.
+// The entries of one setup section, then `current`.
 std::vector<SetupEntry> entriesOf(int count, const Bytes& setup, SetupEntry* current = nullptr) {
   Old old;
   old.setupCount = count;
@@ -665,7 +665,7 @@ std::vector<SetupEntry> entriesOf(int count, const Bytes& setup, SetupEntry* cur
   return loaded.part->setupList.entries;
 }
 
-TEST(Versions2And3ByHand, MakeASetupEntryOfEachRecordByItsType) {
+TEST(PartsOfVersions2And3, EachRecordBecomesASetupEntryOfItsType) {
   const float limit = 0.0001F, above = std::nextafter(limit, 1.0F);
   constexpr float kInf = std::numeric_limits<float>::infinity();
   for (const float r1 : {0.0F, limit, -above, above, 5.0F, 31000.0F})
@@ -705,7 +705,7 @@ TEST(Versions2And3ByHand, MakeASetupEntryOfEachRecordByItsType) {
         }
 }
 
-TEST(Versions2And3ByHand, JoinTheTextsBehindARecordAndSplitThemIntoContinuations) {
+TEST(PartsOfVersions2And3, TextsAfterARecordAreJoinedAndSplitIntoContinuations) {
   const std::string full(27, 'f'), nul("ab\0cd", 5);
   struct Case {
     std::vector<std::string> texts;
@@ -741,7 +741,7 @@ TEST(Versions2And3ByHand, JoinTheTextsBehindARecordAndSplitThemIntoContinuations
 }
 
 // The record says how many texts it has; the section's count only says where the next record would be.
-TEST(Versions2And3ByHand, ReadTheTextsThatARecordTellsEvenBeyondTheSectionsCount) {
+TEST(PartsOfVersions2And3, TextsOfARecordAreReadEvenBeyondTheCountOfTheSection) {
   for (const int type : {7, 9, 15, 16, 17}) {
     Record record{type};
     record.texts = 2;
@@ -761,7 +761,7 @@ TEST(Versions2And3ByHand, ReadTheTextsThatARecordTellsEvenBeyondTheSectionsCount
   }
 }
 
-TEST(Versions2And3ByHand, MakeNoEntryOfARecordWhoseTextsOrBytesAreCut) {
+TEST(PartsOfVersions2And3, RecordWhoseTextsOrBytesAreCutMakesNoEntry) {
   const auto entriesOfCut = [](const Record& last, const Bytes& behind, std::size_t missing) {
     Old old;
     old.setupCount = 40;
@@ -792,7 +792,7 @@ TEST(Versions2And3ByHand, MakeNoEntryOfARecordWhoseTextsOrBytesAreCut) {
   }
 }
 
-TEST(Versions2And3ByHand, CarryOnBehindASetupSectionThatFailed) {
+TEST(PartsOfVersions2And3, LoadContinuesAfterASetupSectionThatFailed) {
   for (const int type : {0, 18, 300, 0x8001, 0xFFFF}) {
     Old old;
     old.hasFixes = 1;
@@ -810,7 +810,7 @@ TEST(Versions2And3ByHand, CarryOnBehindASetupSectionThatFailed) {
   }
 }
 
-TEST(Versions2And3ByHand, ReplaceFixedShapesUpToAnIndexOutsideTheList) {
+TEST(PartsOfVersions2And3, FixedShapesAreReplacedUpToAnIndexOutsideTheList) {
   for (const int hasFixes : {0, 1, 2})
     for (const int hasItems : {0, 1})
       for (const int outside : {3, 32767, -1, -32768}) {
@@ -832,7 +832,7 @@ TEST(Versions2And3ByHand, ReplaceFixedShapesUpToAnIndexOutsideTheList) {
       }
 }
 
-TEST(Versions2And3ByHand, RefillAUsedRecord) {
+TEST(PartsOfVersions2And3, UsedRecordIsRefilled) {
   Old old;
   old.shapes = {plainShape(3)};
   old.setupCount = 1;

@@ -17,378 +17,52 @@
 #include "src/records/record_io.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/files.h"
-#include "tests/support/stored_forms.h"
+#include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/sheets.h"
 
 namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
 
-constexpr std::size_t kWhole = std::numeric_limits<std::size_t>::max();
+using Form = SheetForm;
 constexpr std::int64_t kTwoBillion = 2'000'000'000;
-
-// What a stored sheet looks like. `writer`: as a save lays it out, else as a file may hold it.
-struct Form {
-  bool writer = false;
-  int width = 256, nameWidth = 256, dosLength = 260;
-  bool shapes = true, extension = false;
-  int slots = 2, clamps = 3, rows = 2, clampRows = 2;
-  std::size_t elements = 2;  // of each list
-  std::int32_t spare = -1;
-};
-
-// A field or list element that the sheet itself stores, and the status of a file that ends inside it.
-struct Field {
-  std::string name;
-  std::size_t begin, end;
-  int cutResult;
-};
-
-struct SheetMaker : Maker {
-  std::vector<Field> fields;
-  void raw(const Bytes& b) { bytes.add(b); }
-  void rest() {}
-};
-struct SheetChecker : Checker {
-  explicit SheetChecker(std::size_t cut = kWhole) : Checker(cut) {}
-  void raw(const Bytes& b) { zeros(b.size()); }
-  void rest() { zeros(kWhole / 64); }  // nothing behind here arrived
-};
-
-template <class M, class Fn>
-void own(M& m, const std::string& name, Fn&& fn, int cutResult = 1) {
-  if constexpr (M::kMakes) {
-    const std::size_t begin = m.bytes.size();
-    fn();
-    m.fields.push_back({name, begin, m.bytes.size(), cutResult});
-  } else {
-    fn();
-  }
-}
-
-// The first n bytes of a text, none of them NUL; they arrive together or not at all.
-template <class M, std::size_t N>
-void sized(M& m, char (&field)[N], int n) {
-  m.together(static_cast<std::size_t>(n));
-  for (int i = 0; i < n; ++i) m.number(field[i]);
-}
-
-// A counted list whose elements arrive whole or not at all.
-template <class M, class List, class Fn>
-void elements(
-    M& m, const std::string& name, List& list, std::size_t n, Fn&& each, int cutResult = 1,
-    const std::function<void()>& behindCount = [] {}) {
-  const std::size_t had = M::kMakes ? n : list.size();
-  own(
-      m, name + " count", [&] { m.size(list, n); }, cutResult);
-  behindCount();
-  for (std::size_t i = 0; i < n; ++i) {
-    if (i >= had) return m.rest();
-    own(
-        m, name + "[]", [&] { each(list[i]); }, cutResult);
-  }
-}
-
-template <class M>
-void storedSheetSetup(M& m, std::size_t n, SheetSetupList& l) {
-  own(m, "setup count", [&] { m.size(l.entries, n); });
-  for (SheetSetupEntry& e : l.entries) {
-    own(m, "setup", [&] {
-      storedSetupEntry(m, e.entry);
-      for (auto& one : e.entryBlocks) m.block(one);
-    });
-  }
-  if (n == 0) return;
-  own(m, "setup tail", [&] {
-    storedSetupEntry(m, l.current);
-    for (auto& one : l.currentBlocks) m.block(one);
-    m.block(l.tailBlock);
-    m.number(l.tailWord1);
-    m.number(l.tailWord2);
-  });
-}
-
-template <class M>
-void storedTextEntry(M& m, int version, SheetTextEntry& e) {
-  m.number(e.entryWord1);
-  m.number(e.entryWord3);
-  m.block(e.entryText1);
-  m.block(e.entryText2);
-  m.block(e.entryText3);
-  m.number(e.entryWord4);
-  m.number(e.entryWord5);
-  m.number(e.entryWord6);
-  numberOr(m, e.entryWord7, -1);
-  if (version >= 180)
-    m.number(e.entryWord9);
-  else
-    m.absent(e.entryWord9, 0U);
-  m.absent(e.entryWord2, 0U);
-  m.absent(e.entryWord8, 0U);
-  m.absent(e.entryText4[0], '\0');
-}
-
-template <class M>
-void storedNamedList(M& m, int version, NamedWorkList& l) {
-  m.block(l.listName);
-  m.number(l.listWord1);
-  m.number(l.listWord2);
-  numberOr(m, l.listWord3, -1);
-  m.size(l.entries, 2);
-  for (WorkEntry& one : l.entries) storedWork(m, version, one);
-}
-
-template <class M>
-void storedBlock(M& m, int version, ShapeWorkBlock& b) {
-  each(m, b.blockWords);
-  for (auto& one : b.blockValues) m.block(one);
-  numberOr(m, b.blockShapes.listTag, -1);
-  numberOr(m, b.blockShapes.listKind, 1);
-  elements(m, "shape", b.blockShapes.shapes, 2, [&](Shape& s) { storedShape(m, version, ShapeForm{}, s); });
-  elements(m, "work", b.work, 2, [&](WorkEntry& w) { storedWork(m, version, w); });
-}
-
-template <class M>
-void storedExtensionEntry(M& m, MachineExtensionEntry& e) {
-  m.block(e.headBlock);
-  each(m, e.words);
-}
-
-ParamTable someParams(int version) {
-  ParamTable t;
-  t.version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
-  t.intParams[55] = -5;
-  t.realParams[101] = 2.25;
-  t.nameLength = 7;
-  std::memcpy(t.name, "steel-1", 7);
-  return t;
-}
-Bytes paramBytes(const ParamTable& t) {
-  bool ok = false;
-  Bytes b = written([&](OutStream& to) { return WriteParamTable(to, t); }, &ok);
-  EXPECT_TRUE(ok);
-  return b;
-}
-
-void fillMachine(OldMachine& machine, bool extension) {
-  machine.textWidth = 256;
-  std::memcpy(machine.machineText1, "first text", 11);
-  machine.sizeX = 7.5F;
-  machine.smallValue = 5;
-  machine.hasExtension = extension ? 3 : 0;
-  machine.extension.extensionValue5 = 77;
-  machine.machineWord92 = 92;
-  machine.machineWord124 = 124;
-  machine.lateByteC = 9;
-}
-// Below version 152 a save stores words behind the machine's last that a load does not expect.
-Bytes machineBytes(OldMachine& machine, int version, bool asSaved) {
-  bool ok = false;
-  Bytes b = written([&](OutStream& to) { return WriteOldMachine(to, version, nullptr, machine, false); }, &ok);
-  EXPECT_TRUE(ok);
-  if (asSaved || version >= 152) return b;
-  return b.cut(b.size() - (version == 151 ? 1 : 37));
-}
-
-constexpr std::string_view kMachinePath = "C:\\m.mch";
-
-// Items 1 to 25.
-template <class M>
-void storedSheetFront(M& m, int version, const Form& form, OldSheet& s) {
-  own(m, "textWidth", [&] { fixedOr(m, s.textWidth, form.width, 256); });
-  own(m, "sheetLabel", [&] { sized(m, s.sheetLabel, form.width); });
-  own(m, "width", [&] { numberOr(m, s.width, 60.0F); });
-  own(m, "height", [&] { numberOr(m, s.height, 45.0F); });
-  own(m, "thickness", [&] { numberOr(m, s.thickness, std::bit_cast<float>(0x3D449BA6U)); });
-  own(m, "headerWord", [&] { m.number(s.headerWord); });
-  if (version >= 100) {
-    own(m, "length", [&] { m.stored(form.dosLength); });
-    own(m, "skeletonDosName", [&] { sized(m, s.skeletonDosName, form.dosLength); });
-    storedShapeList(m, version, someShapes(), s.skeletonShapes);
-  } else {
-    m.absent(s.skeletonDosName[0], '\0');
-    m.absent(s.skeletonShapes.shapes.size(), std::size_t{0});
-    m.absent(s.skeletonShapes.listKind, 1);
-  }
-  const auto part = [&](TorvPart& p) {
-    sized(m, p.partName, form.nameWidth);
-    sized(m, p.partFullDosName, form.nameWidth);
-    storedPart(m, version, PartForm2{true, true, 0}, p);
-    m.absent(p.version, 0);
-  };
-  elements(m, "part", s.partList.parts, form.elements, part, 1, [&] {
-    if (form.elements > 0)
-      own(m, "nameWidth", [&] { fixedOr(m, s.partList.nameWidth, form.nameWidth, 256); });
-    else
-      m.absent(s.partList.nameWidth, 256);
-  });
-  numberOr(m, s.shapes.listTag, -1);
-  numberOr(m, s.shapes.listKind, 0);
-  storedShapes(m, version, form.shapes ? someShapes() : std::vector<ShapeForm>{}, s.shapes.shapes);
-  if (form.shapes) {
-    own(m, "slots", [&] { m.fixed(s.processSlotCount, form.slots); });
-    for (int i = 0; i < form.slots; ++i) storedSlot(m, version, s.processSlots[i]);
-    m.size(s.marks, 2);
-    for (MarkEntry& one : s.marks) storedMark(m, one);
-    m.size(s.profiles, 1);
-    for (ProfileRecord& one : s.profiles) storedProfile(m, version, one);
-    m.size(s.stepTables, 2);
-    for (StepTable& one : s.stepTables) storedSteps(m, version, 3, one);
-    storedSheetSetup(m, form.elements, s.setupList);
-    m.size(s.patternItems, 2);
-    for (PatternItem& one : s.patternItems) storedItem(m, version, one);
-  } else {
-    m.absent(int{s.processSlotCount}, 0);
-    m.absent(s.marks.size() + s.profiles.size() + s.stepTables.size(), std::size_t{0});
-    m.absent(s.setupList.entries.size() + s.patternItems.size(), std::size_t{0});
-    m.absent(s.setupList.current.setupReal2, -1.0F);
-  }
-  elements(m, "work", s.workList, form.elements, [&](WorkEntry& w) { storedWork(m, version, w); });
-  own(m, "rows", [&] { m.fixed(s.rowTable.count, form.rows); });
-  for (int i = 0; i < form.rows; ++i) {
-    own(m, "row", [&] {
-      m.number(s.rowTable.words[i]);
-      m.block(s.rowTable.values[i]);
-    });
-  }
-  ClampInfo& c = s.clampInfo;
-  own(m, "clampInfo", [&] {
-    for (auto* word : {&c.clampWord1, &c.clampWord2, &c.clampWord3, &c.clampWord4}) m.number(*word);
-    fixedOr(m, c.clampCount, form.clamps, 2);
-    for (int i = 0; i < form.clamps; ++i) numberOr(m, c.clampPositions[i], 5.5F * static_cast<float>(i + 1));
-    numberOr(m, c.clampSpacing, 5.5F);
-  });
-  own(m, "clamp rows", [&] { m.fixed(s.clampRowTable.count, form.clampRows); });
-  for (int i = 0; i < form.clampRows; ++i) {
-    own(m, "clamp row", [&] {
-      for (int k = 0; k < form.clamps; ++k) m.number(s.clampRowTable.words[i][k]);
-      m.block(s.clampRowTable.values[i]);
-    });
-  }
-}
-
-// Items 26 to 43.
-template <class M>
-void storedSheetBack(M& m, int version, const Form& form, OldSheet& s) {
-  if (version >= 154)
-    own(
-        m, "spare", [&] { m.stored(form.spare); }, 0);
-  if constexpr (M::kMakes) s.paramTable = someParams(version);
-  m.raw(paramBytes(someParams(version)));
-  for (int i = 0; i < 5; ++i) own(m, "leadWord", [&] { m.number(s.leadWords[i]); });
-  if (version >= 54)
-    own(m, "leadWord", [&] { m.number(s.leadWords[5]); });
-  else
-    m.absent(s.leadWords[5], 0U);
-  if (version >= 61) {
-    if constexpr (M::kMakes) std::memcpy(s.machine.path, kMachinePath.data(), kMachinePath.size());
-    own(m, "machine path", [&] { m.raw(Bytes().text(static_cast<std::size_t>(form.width), kMachinePath)); });
-  }
-  auto machine = std::make_unique<OldMachine>();
-  fillMachine(*machine, form.extension);
-  if constexpr (M::kMakes) fillMachine(s.machine, form.extension);
-  m.raw(machineBytes(*machine, version, form.writer));
-  if (form.extension) {
-    elements(m, "extension", s.machine.extension.extensionEntries, form.elements,
-             [&](MachineExtensionEntry& e) { storedExtensionEntry(m, e); });
-    m.absent(s.optionWord, 0U);
-  } else {
-    own(m, "optionWord", [&] { m.number(s.optionWord); });
-  }
-  if (version >= 60) {
-    elements(m, "text", s.textEntries, form.elements, [&](SheetTextEntry& e) { storedTextEntry(m, version, e); });
-    elements(
-        m, "named", s.namedWorkLists, form.elements, [&](NamedWorkList& l) { storedNamedList(m, version, l); },
-        version >= 90 ? 1 : 0);
-  } else {
-    m.absent(s.textEntries.size() + s.namedWorkLists.size(), std::size_t{0});
-  }
-  for (auto& word : s.trailingWords) {
-    if (version >= 90)
-      own(m, "trailingWord", [&] { m.number(word); });
-    else
-      m.absent(word, 0U);
-  }
-  if (version >= 102)
-    own(m, "utilization", [&] { m.number(s.utilization); });
-  else
-    m.absent(s.utilization, 0.0F);
-  for (auto& text : s.partTexts) {
-    if (version >= 111)
-      own(m, "partText", [&] { sized(m, text, form.width); });
-    else
-      m.absent(text[0], '\0');
-  }
-  if (version >= 111)
-    own(m, "partTextWord", [&] { m.number(s.partTextWord); });
-  else
-    m.absent(s.partTextWord, 0U);
-  for (auto* text : {&s.materialGroup, &s.materialType, &s.materialText3, &s.materialText4}) {
-    if (version >= 112)
-      own(m, "material text", [&] { sized(m, *text, 256); });
-    else
-      m.absent((*text)[0], '\0');
-  }
-  if (version >= 130)
-    own(
-        m, "materialText5", [&] { sized(m, s.materialText5, 256); }, 0);
-  else
-    m.absent(s.materialText5[0], '\0');
-  if (version >= 140)
-    own(
-        m, "lateValue", [&] { m.number(s.lateValue); }, 0);
-  else
-    m.absent(s.lateValue, 0.0);
-  if (version >= 152)
-    own(
-        m, "blocks", [&] { m.stored(0); }, version >= 161 ? 1 : 0);
-  m.absent(s.blocks.size(), std::size_t{0});
-  if (version >= 161)
-    own(m, "lateText", [&] { sized(m, s.lateText, 256); });
-  else
-    m.absent(s.lateText[0], '\0');
-}
 
 struct Made {
   std::unique_ptr<OldSheet> sheet = std::make_unique<OldSheet>();
   Bytes bytes;
-  std::vector<Field> fields;
-  std::size_t backAt = 0;  // where item 26 stands
-  const Field& field(std::string_view name) const {
-    for (const Field& one : fields)
+  std::vector<Piece> pieces;
+  Sections sections;
+  std::size_t backAt = 0;  // where storedSheetBack begins
+  const Piece& field(std::string_view name) const {
+    for (const Piece& one : pieces)
       if (one.name == name) return one;
     ADD_FAILURE() << "no field " << name;
-    return fields.front();
+    return pieces.front();
   }
 };
 Made make(int version, const Form& form = {}) {
   Made made;
-  SheetMaker m;
+  Maker m;
   storedSheetFront(m, version, form, *made.sheet);
   made.backAt = m.bytes.size();
   storedSheetBack(m, version, form, *made.sheet);
   made.bytes = m.bytes;
-  made.fields = m.fields;
+  made.pieces = m.pieces;
+  made.sections = m.sections;
   return made;
 }
-void check(int version, const Form& form, OldSheet& s, std::size_t cut = kWhole) {
-  SheetChecker m(cut);
-  storedSheetFront(m, version, form, s);
-  storedSheetBack(m, version, form, s);
+void check(int version, const Form& form, OldSheet& s) {
+  Checker c;
+  storedSheet(c, version, form, s);
 }
 int readSheet(const Bytes& b, int version, OldSheet& s, std::size_t* consumed = nullptr) {
   return readFrom(
-      b, [&](InStream& from) { return ReadOldSheet(from, version, s); }, consumed);
+      b, [&](InStream& stream) { return ReadOldSheet(stream, version, s); }, consumed);
 }
 Bytes writtenSheet(int version, OldSheet& s, bool* ok = nullptr) {
   return written([&](OutStream& to) { return WriteOldSheet(to, version, s); }, ok);
 }
-Bytes behind(const Bytes& b, std::size_t at) { return Bytes::of(b.span().subspan(at)); }
-// The bytes with one part of them replaced.
-Bytes patched(const Bytes& b, std::size_t at, const Bytes& by, std::size_t instead) {
-  return b.cut(at).add(by).add(behind(b, at + instead));
-}
-Bytes patched(const Bytes& b, std::size_t at, const Bytes& by) { return patched(b, at, by, by.size()); }
 Bytes word(std::int64_t v) { return Bytes().i32(v); }
 
 std::vector<Form> someForms(bool writer) {
@@ -412,7 +86,7 @@ std::vector<Form> someForms(bool writer) {
 
 // ---- the body ------------------------------------------------------------------------------------
 
-TEST(SheetBodyByHand, EveryVersionReadsItsItemsInTheirOrder) {
+TEST(SheetBody, EveryVersionReadsItsFieldsInTheirOrder) {
   for (int version : allVersions()) {
     for (const Form& form : someForms(false)) {
       SCOPED_TRACE(::testing::Message() << "version " << version << " width " << form.width << " " << form.shapes);
@@ -426,15 +100,8 @@ TEST(SheetBodyByHand, EveryVersionReadsItsItemsInTheirOrder) {
       EXPECT_EQ(s.version, 0);
       EXPECT_STREQ(s.sheetName, "NEW SHEET");
       EXPECT_EQ(s.sheetPath[0], '\0');
-      EXPECT_STREQ(s.machine.machineText1, "first text");
-      EXPECT_EQ(s.machine.machineWord92, 92U);
-      EXPECT_EQ(s.machine.machineWord124, version >= 151 ? 124U : 0U);
-      EXPECT_EQ(s.machine.lateByteC, version >= 152 ? 9 : 0);
       EXPECT_EQ(s.machine.version, 0);
       EXPECT_STREQ(s.machine.path, version >= 61 ? std::string(kMachinePath).c_str() : "");
-      EXPECT_EQ(s.paramTable.version, version < 60 ? 52 : version);
-      EXPECT_EQ(s.paramTable.intParams[55], -5);
-      EXPECT_STREQ(s.paramTable.name, "steel-1");
       EXPECT_EQ(s.transformKind, 1);
       EXPECT_EQ(s.processSlotMode, 1);
       EXPECT_EQ(s.auxiliaryFlag, 1);
@@ -446,7 +113,7 @@ TEST(SheetBodyByHand, EveryVersionReadsItsItemsInTheirOrder) {
   }
 }
 
-TEST(SheetBodyByHand, EveryVersionWritesItsItemsInTheirOrder) {
+TEST(SheetBody, EveryVersionWritesItsFieldsInTheirOrder) {
   for (int version : allVersions()) {
     for (const Form& form : someForms(true)) {
       const Made made = make(version, form);
@@ -459,21 +126,22 @@ TEST(SheetBodyByHand, EveryVersionWritesItsItemsInTheirOrder) {
   }
 }
 
-TEST(SheetBodyByHand, ItemsBeginAtTheirVersions) {
+TEST(SheetBody, FieldsBeginAtTheirVersions) {
   const auto has = [](int version, std::string_view name) {
     const Made made = make(version);
-    for (const Field& one : made.fields)
+    for (const Piece& one : made.pieces)
       if (one.name == name) return true;
     return false;
   };
   for (auto [gate, item] : {std::pair<int, std::string_view>{154, "spare"}, {100, "length"}, {152, "blocks"}})
     EXPECT_TRUE(has(gate, item) && !has(gate - 1, item)) << item;
-  // The same told by what a save is longer by, where nothing else changes with the version.
+  // The same by how much longer a save is, where nothing else changes with the version.
   struct Row {
     int gate;
     std::size_t more;
   };
   Form form;
+  form.writer = true;
   form.shapes = false;
   form.elements = 0;
   for (auto [gate, more] : {Row{100, 4 + 260 + 12}, Row{102, 4}, Row{111, 5 * 256 + 4}, Row{112, 4 * 256},
@@ -481,22 +149,25 @@ TEST(SheetBodyByHand, ItemsBeginAtTheirVersions) {
     const auto saved = [&](int version) {
       Made made = make(version, form);
       made.sheet->skeletonShapes.shapes.clear();
-      auto machine = std::make_unique<OldMachine>(made.sheet->machine);
-      return writtenSheet(version, *made.sheet).size() - machineBytes(*machine, version, true).size();
+      Maker machine;
+      auto scratch = std::make_unique<OldMachine>();
+      storedMachine(machine, version, machineOf(form), *scratch, made.sheet->shapes);
+      return writtenSheet(version, *made.sheet).size() - machine.bytes.size();
     };
     EXPECT_EQ(saved(gate) - saved(gate - 1), more) << gate;
   }
 }
 
-TEST(SheetBodyByHand, ACutGivesOneButForTheToleratedFieldsAndKeepsWhatArrivedWhole) {
+TEST(SheetBody, CutFailsExceptInTheToleratedFieldsAndKeepsCompleteOnes) {
   Form form;
   form.width = 9;
   form.nameWidth = 5;
   for (int version : {53, 60, 61, 90, 102, 112, 130, 140, 153, 160, 162, 180}) {
     form.extension = version % 2 == 0;
     const Made made = make(version, form);
-    for (std::size_t f = 0; f < made.fields.size(); ++f) {
-      const Field& field = made.fields[f];
+    const auto fresh = std::make_unique<OldSheet>();
+    for (std::size_t f = 0; f < made.pieces.size(); ++f) {
+      const Piece& field = made.pieces[f];
       std::vector<std::size_t> cuts;
       if (field.end - field.begin <= 16)
         for (std::size_t at = field.begin; at < field.end; ++at) cuts.push_back(at);
@@ -506,10 +177,10 @@ TEST(SheetBodyByHand, ACutGivesOneButForTheToleratedFieldsAndKeepsWhatArrivedWho
         SCOPED_TRACE(::testing::Message() << "version " << version << " cut in " << field.name << " " << f << " at "
                                           << cut - field.begin << " of " << field.end - field.begin);
         auto s = std::make_unique<OldSheet>();
-        EXPECT_EQ(readSheet(made.bytes.cut(cut), version, *s), field.cutResult);
+        EXPECT_EQ(readSheet(made.bytes.cut(cut), version, *s), field.statusOfCut);
         const auto arrived = [&](const std::string& name) {
           std::size_t n = 0;
-          for (const Field& one : made.fields) n += one.name == name && one.end <= cut ? 1U : 0U;
+          for (const Piece& one : made.pieces) n += one.name == name && one.end <= cut ? 1U : 0U;
           return n;
         };
         EXPECT_EQ(s->partList.parts.size(), arrived("part[]"));
@@ -517,18 +188,19 @@ TEST(SheetBodyByHand, ACutGivesOneButForTheToleratedFieldsAndKeepsWhatArrivedWho
         EXPECT_EQ(s->machine.extension.extensionEntries.size(), arrived("extension[]"));
         EXPECT_EQ(s->textEntries.size(), arrived("text[]"));
         EXPECT_EQ(s->namedWorkLists.size(), arrived("named[]"));
-        check(version, form, *s, cut);
+        Checker c(*s, *fresh, cut, &made.sections);
+        storedSheet(c, version, form, *s);
         if (::testing::Test::HasFailure()) return;
       }
     }
   }
 }
 
-TEST(SheetBodyByHand, AFileThatEndsBehindTheFourMaterialTextsIsWhole) {
+TEST(SheetBody, FileThatEndsAfterTheFourMaterialTextsIsComplete) {
   for (int version : {129, 130, 140, 151, 152, 160, 161, 180}) {
     const Made made = make(version, someForms(false)[1]);
     std::size_t end = 0;
-    for (const Field& one : made.fields)
+    for (const Piece& one : made.pieces)
       if (one.name == "material text") end = one.end;
     auto s = std::make_unique<OldSheet>();
     EXPECT_EQ(readSheet(made.bytes.cut(end), version, *s), 0) << version;
@@ -539,7 +211,7 @@ TEST(SheetBodyByHand, AFileThatEndsBehindTheFourMaterialTextsIsWhole) {
   EXPECT_EQ(readSheet(made.bytes.cut(made.field("blocks").end), 161, *s), 1);
 }
 
-TEST(SheetBodyByHand, ACutSpareWordEndsTheLoadWithEverythingBehindItAtItsDefault) {
+TEST(SheetBody, CutSpareWordEndsTheLoadWithSuccess) {
   const Made made = make(154);
   for (std::size_t n = 0; n < 4; ++n) {
     auto s = std::make_unique<OldSheet>();
@@ -554,7 +226,7 @@ TEST(SheetBodyByHand, ACutSpareWordEndsTheLoadWithEverythingBehindItAtItsDefault
   EXPECT_EQ(readSheet(older.bytes.cut(older.backAt), 153, *s), 1);
 }
 
-TEST(SheetBodyByHand, WidthsAndLengthsOutsideTheirFieldsAreRefused) {
+TEST(SheetBody, WidthsAndLengthsOutsideTheirFieldsAreRefused) {
   const Form form = someForms(false)[1];
   const Made made = make(180, form);
   const auto status = [&](std::string_view field, const Bytes& by, std::size_t more = 0) {
@@ -583,7 +255,7 @@ TEST(SheetBodyByHand, WidthsAndLengthsOutsideTheirFieldsAreRefused) {
   }
 }
 
-TEST(SheetBodyByHand, ASaveRefusesWhatNoFileCanHold) {
+TEST(SheetBody, SaveRefusesValuesOutsideTheirRange) {
   using Edit = std::function<void(OldSheet&)>;
   const std::pair<const char*, Edit> edits[] = {
       {"textWidth 0", [](OldSheet& s) { s.textWidth = 0; }},
@@ -617,7 +289,7 @@ TEST(SheetBodyByHand, ASaveRefusesWhatNoFileCanHold) {
   EXPECT_TRUE(ok);
 }
 
-TEST(SheetBodyByHand, NegativeCountsOfSlotsAndRowsReadNothingAndAreWrittenBack) {
+TEST(SheetBody, NegativeCountsOfSlotsAndRowsReadNothingAndAreWrittenBack) {
   Form form;
   form.rows = form.clampRows = form.slots = 0;
   form.writer = true;
@@ -639,23 +311,23 @@ TEST(SheetBodyByHand, NegativeCountsOfSlotsAndRowsReadNothingAndAreWrittenBack) 
   }
 }
 
-TEST(SheetBodyByHand, TablesAndSlotsMayBeFull) {
+TEST(SheetBody, TablesAndSlotsMayBeFull) {
   for (int clamps : {0, 1, 8}) {
     Form form;
-    form.writer = true;
     form.rows = form.clampRows = 25;
     form.clamps = clamps;
     form.slots = 127;
-    const Made made = make(162, form);
     auto s = std::make_unique<OldSheet>();
-    EXPECT_EQ(readSheet(made.bytes, 162, *s), 0);
+    EXPECT_EQ(readSheet(make(162, form).bytes, 162, *s), 0);
     check(162, form, *s);
     EXPECT_EQ(s->clampRowTable.words[24][7] != 0, clamps == 8);
-    EXPECT_TRUE(writtenSheet(162, *made.sheet) == made.bytes);
+    form.writer = true;
+    const Made saved = make(162, form);
+    EXPECT_TRUE(writtenSheet(162, *saved.sheet) == saved.bytes);
   }
 }
 
-TEST(SheetBodyByHand, ARowOfClampWordsIsAsWideAsTheClampsOfTheFile) {
+TEST(SheetBody, RowOfClampWordsIsAsWideAsTheClampsOfTheFile) {
   Form form = someForms(false)[2];
   form.clampRows = 1;
   form.clamps = -1;  // no positions, no words, but the row's value
@@ -669,7 +341,7 @@ TEST(SheetBodyByHand, ARowOfClampWordsIsAsWideAsTheClampsOfTheFile) {
   check(180, form, *s);
 }
 
-TEST(SheetBodyByHand, WithoutShapesNothingOfTheSheetsOwnWorkIsStored) {
+TEST(SheetBody, WithoutShapesNoneOfTheSheetsOwnListsIsStored) {
   Form form;
   form.shapes = false;
   form.writer = true;
@@ -692,7 +364,7 @@ TEST(SheetBodyByHand, WithoutShapesNothingOfTheSheetsOwnWorkIsStored) {
   }
 }
 
-TEST(SheetBodyByHand, ALoadIntoAUsedRecordKeepsSomeListsAndDropsOthers) {
+TEST(SheetBody, LoadIntoAUsedRecordKeepsSomeListsAndEmptiesOthers) {
   const Form full = someForms(false)[1];
   Form bare = someForms(false)[2];
   bare.shapes = true;
@@ -727,7 +399,7 @@ TEST(SheetBodyByHand, ALoadIntoAUsedRecordKeepsSomeListsAndDropsOthers) {
   EXPECT_EQ(late.sheet->machine.path[0], '\0');
 }
 
-TEST(SheetBodyByHand, TheMachineDecidesBetweenItsExtensionListAndTheOptionWord) {
+TEST(SheetBody, MachineDecidesBetweenItsExtensionListAndTheOptionWord) {
   for (bool extension : {false, true}) {
     Form form;
     form.extension = extension;
@@ -742,7 +414,7 @@ TEST(SheetBodyByHand, TheMachineDecidesBetweenItsExtensionListAndTheOptionWord) 
   }
 }
 
-TEST(SheetBodyByHand, ShorterTextsLeaveTheBytesBehindThemAlone) {
+TEST(SheetBody, ShorterTextsKeepTheBytesAfterThem) {
   const Form form = someForms(false)[1];
   const Made made = make(180, form);
   auto s = std::make_unique<OldSheet>();
@@ -756,11 +428,11 @@ TEST(SheetBodyByHand, ShorterTextsLeaveTheBytesBehindThemAlone) {
   EXPECT_EQ(std::string_view(s->machine.path + 9, 247), std::string(247, 'u'));
 }
 
-TEST(SheetBodyByHand, TheMachinePathIsCopiedUpToItsNulAndStoredWithWhatFollows) {
+TEST(SheetBody, MachinePathIsCopiedUpToItsNulAndStoredWithWhatFollows) {
   Form form;
   form.writer = true;
   const Made made = make(180, form);
-  const Field& at = made.field("machine path");
+  const Piece& at = made.field("machine path");
   for (const std::string& text : {std::string(256, 'p'), std::string("a\0bc", 4), std::string()}) {
     const Bytes b = patched(made.bytes, at.begin, Bytes().text(256, text));
     auto s = std::make_unique<OldSheet>();
@@ -771,7 +443,7 @@ TEST(SheetBodyByHand, TheMachinePathIsCopiedUpToItsNulAndStoredWithWhatFollows) 
     std::memcpy(made.sheet->machine.path, text.data(), text.size());
     EXPECT_TRUE(writtenSheet(180, *made.sheet) == b);
   }
-  // A load that does not come past the machine leaves the path alone; below version 61 it becomes empty.
+  // A load that does not get past the machine keeps the path; below version 61 it becomes empty.
   for (int version : {60, 180}) {
     const Made one = make(version);
     const std::size_t end = one.field("optionWord").begin;
@@ -784,33 +456,27 @@ TEST(SheetBodyByHand, TheMachinePathIsCopiedUpToItsNulAndStoredWithWhatFollows) 
   }
 }
 
-TEST(SheetBodyByHand, TheMachineHoldsTheTrailerOfTheSheetsShapesButASaveStoresNone) {
+TEST(SheetBody, MachineLoadsTheTrailerOfTheSheetsShapesButASaveStoresNone) {
   for (int version : {79, 80, 152, 180}) {
     Made made = make(version);
-    auto machine = std::make_unique<OldMachine>();
-    fillMachine(*machine, false);
-    const std::size_t plain = machineBytes(*machine, version, false).size();
-    const std::size_t at = made.field("optionWord").begin - plain;
-    machine->smallValue = 256;  // its second byte stands where a load finds shapesPresent
-    for (std::size_t i = 0; i < made.sheet->shapes.shapes.size(); ++i)
-      made.sheet->shapes.shapes[i].trailerValue = 70 + static_cast<std::uint32_t>(i);
-    Bytes with =
-        written([&](OutStream& to) { return WriteOldMachine(to, version, &made.sheet->shapes, *machine, true); });
-    if (version < 151) with = with.cut(with.size() - 37);
+    const std::size_t at = made.sections.at(kSheetMachine), plain = made.field("optionWord").begin - at;
+    MachineForm form = machineOf({});
+    form.shapes = true;
+    Maker machine;
+    storedMachine(machine, version, form, made.sheet->machine, made.sheet->shapes);
+    const Bytes& with = machine.bytes;
     EXPECT_EQ(with.size(), plain + (version >= 80 ? 4 * someShapes().size() : 0U));
     auto s = std::make_unique<OldSheet>();
     std::size_t consumed = 0;
     const Bytes file = patched(made.bytes, at, with, plain);
     EXPECT_EQ(readSheet(file, version, *s, &consumed), 0);
     EXPECT_EQ(consumed, file.size());
-    check(version, Form{}, *s.get());
-    for (std::size_t i = 0; i < s->shapes.shapes.size(); ++i)
-      EXPECT_EQ(s->shapes.shapes[i].trailerValue, version >= 80 ? 70 + i : 0U);
-    EXPECT_EQ(s->machine.shapesPresent, 1);
+    Checker c;
+    storedMachine(c, version, form, s->machine, s->shapes);
 
-    Form form;
-    form.writer = true;
-    Made saved = make(version, form);
+    Form saving;
+    saving.writer = true;
+    Made saved = make(version, saving);
     saved.sheet->machine.shapesPresent = 1;
     saved.sheet->shapes.shapes[0].trailerValue = 70;
     EXPECT_TRUE(writtenSheet(version, *saved.sheet) == saved.bytes) << version;
@@ -818,23 +484,17 @@ TEST(SheetBodyByHand, TheMachineHoldsTheTrailerOfTheSheetsShapesButASaveStoresNo
   }
 }
 
-TEST(SheetBodyByHand, TheParameterTableHasAVersionOfItsOwn) {
-  Form form;
-  form.writer = true;
+TEST(SheetBody, ParameterTableHasItsOwnVersion) {
   for (int own : {52, 60, 79, 80, 499}) {
-    const Made made = make(180, form);
-    const std::size_t was = paramBytes(someParams(180)).size();
-    const ParamTable table = someParams(own);
-    const Bytes b = patched(made.bytes, made.backAt + 4, paramBytes(table), was);
+    Form form;
+    form.tableVersion = own;
     auto s = std::make_unique<OldSheet>();
-    EXPECT_EQ(readSheet(b, 180, *s), 0) << own;
-    EXPECT_EQ(s->paramTable.version, own);
-    SheetChecker front;
-    storedSheetFront(front, 180, form, *s);
+    EXPECT_EQ(readSheet(make(180, form).bytes, 180, *s), 0) << own;
+    check(180, form, *s);
     EXPECT_STREQ(s->machine.path, std::string(kMachinePath).c_str());
-    EXPECT_EQ(std::memcmp(s->lateText, made.sheet->lateText, 256), 0);
-    made.sheet->paramTable = table;
-    EXPECT_TRUE(writtenSheet(180, *made.sheet) == b) << own;
+    form.writer = true;
+    const Made saved = make(180, form);
+    EXPECT_TRUE(writtenSheet(180, *saved.sheet) == saved.bytes) << own;
   }
   for (int none : {0, 1, 51, 53, 59, 503, 65535}) {
     const Made made = make(180);
@@ -847,9 +507,9 @@ TEST(SheetBodyByHand, TheParameterTableHasAVersionOfItsOwn) {
   }
 }
 
-TEST(SheetBodyByHand, BlocksOfAFileDecideWhereTheLateTextIsReadFrom) {
+TEST(SheetBody, LateTextIsReadAfterTheFirstBlock) {
   for (int blocks : {1, 2}) {
-    SheetMaker one;
+    Maker one;
     ShapeWorkBlock block;
     storedBlock(one, 161, block);
     const Made made = make(161);
@@ -860,7 +520,7 @@ TEST(SheetBodyByHand, BlocksOfAFileDecideWhereTheLateTextIsReadFrom) {
     s->blocks.resize(2);
     EXPECT_EQ(readSheet(b, 161, *s), 0);
     EXPECT_TRUE(s->blocks.empty());
-    const Bytes want = behind(b, made.field("blocks").begin + 4 + one.bytes.size()).cut(256);
+    const Bytes want = from(b, made.field("blocks").begin + 4 + one.bytes.size()).cut(256);
     EXPECT_EQ(std::memcmp(s->lateText, want.span().data(), 256), 0) << blocks;
   }
   for (int version : {152, 160, 161, 180}) {
@@ -874,42 +534,17 @@ TEST(SheetBodyByHand, BlocksOfAFileDecideWhereTheLateTextIsReadFrom) {
 
 // ---- a fresh sheet ---------------------------------------------------------------------------------
 
-// The whole of a fresh sheet's body as a save lays it out.
+// The body of a fresh sheet as a save lays it out.
 Bytes freshBytes(int version, std::int32_t machineWidth = 256) {
-  Bytes b;
-  b.i32(256).zeros(256).f32(60).f32(45).u32(0x3D449BA6U).i32(0);
-  if (version >= 100) b.i32(260).zeros(260).i32(-1).i32(1).i32(0);
-  b.i32(0);                                                        // parts
-  b.i32(-1).i32(0).i32(0);                                         // shapes
-  b.i32(0);                                                        // work list
-  b.i32(0);                                                        // rows
-  b.zeros(16).i32(2).f32(5.5F).f32(11.0F).f32(5.5F).i32(0);        // clamps and their rows
-  if (version >= 154) b.i32(-1);                                   // spare word
-  b.u16(static_cast<std::uint16_t>(version < 60 ? 52 : version));  // the table
+  Bytes table = Bytes().u16(static_cast<std::uint16_t>(version < 60 ? 52 : version));
   if (version < 60)
-    b.zeros((35 + 25) * (4 + 8));
+    table.zeros((35 + 25) * (4 + 8));
   else
-    b.zeros(256 + (35 + 25 + 100 + (version >= 80 ? 50 : 0)) * std::size_t{4 + 8 + 81});
-  b.i32(1).u8(0);
-  b.zeros(version >= 54 ? 24 : 20);
-  if (version >= 61) b.zeros(256);
-  auto machine = std::make_unique<OldMachine>();
-  machine->textWidth = machineWidth;
-  b.add(machineBytes(*machine, version, true));
-  b.i32(0);
-  if (version >= 60) b.zeros(8);
-  if (version >= 90) b.zeros(12);
-  if (version >= 102) b.zeros(4);
-  if (version >= 111) b.zeros(5 * 256 + 4);
-  if (version >= 112) b.zeros(4 * 256);
-  if (version >= 130) b.zeros(256);
-  if (version >= 140) b.zeros(8);
-  if (version >= 152) b.zeros(4);
-  if (version >= 161) b.zeros(256);
-  return b;
+    table.zeros(256 + (35 + 25 + 100 + (version >= 80 ? 50 : 0)) * std::size_t{4 + 8 + 81});
+  return freshSheetBody(version, table.i32(1).u8(0), machineWidth);
 }
 
-TEST(SaveOldSheetByHand, AFreshSheetCanBeSavedAndLoadedAtEveryVersion) {
+TEST(SaveOldSheet, FreshSheetIsSavedAndLoadedAtEveryVersion) {
   const TempFolder folder;
   const std::string path = folder.path("fresh.sht");
   for (int version = 52; version <= 180; ++version) {
@@ -942,7 +577,7 @@ TEST(SaveOldSheetByHand, AFreshSheetCanBeSavedAndLoadedAtEveryVersion) {
   }
 }
 
-TEST(SaveOldSheetByHand, OnlyWithATableOfVersionZeroTheMachineGetsATextWidth) {
+TEST(SaveOldSheet, MachineGetsATextWidthOnlyWithATableOfVersionZero) {
   auto s = std::make_unique<OldSheet>();
   bool ok = false;
   s->machine.textWidth = 8;
@@ -969,10 +604,10 @@ TEST(SaveOldSheetByHand, OnlyWithATableOfVersionZeroTheMachineGetsATextWidth) {
   EXPECT_FALSE(tableOk);
 }
 
-TEST(SaveOldSheetByHand, AFreshSheetHoldsTheDefaultsOfANewSheet) {
+TEST(SaveOldSheet, FreshSheetHasTheDefaults) {
   const std::unique_ptr<OldSheet, void (*)(OldSheet*)> s(CreateSheetInfo(), DeleteSheetInfo);
   ASSERT_NE(s, nullptr);
-  SheetChecker nothing(0);  // a file cut at once: every field at its default
+  Checker nothing(0);  // a file cut at once: every field at its default
   s->textWidth = 256;
   storedSheetFront(nothing, 180, someForms(false)[2], *s);
   storedSheetBack(nothing, 180, someForms(false)[2], *s);
@@ -1004,7 +639,7 @@ TEST(SaveOldSheetByHand, AFreshSheetHoldsTheDefaultsOfANewSheet) {
 
 // ---- loads and saves -------------------------------------------------------------------------------
 
-TEST(SaveOldSheetByHand, OnlyTheVersionAskedForCounts) {
+TEST(SaveOldSheet, OnlyTheRequestedVersionMatters) {
   const TempFolder folder;
   const std::string path = folder.path("s.sht");
   Form form;
@@ -1018,7 +653,7 @@ TEST(SaveOldSheetByHand, OnlyTheVersionAskedForCounts) {
   }
 }
 
-TEST(SaveOldSheetByHand, AVersionOutsideItsRangeLeavesAFileOfTwoBytes) {
+TEST(SaveOldSheet, VersionOutsideItsRangeLeavesAFileOfTwoBytes) {
   const TempFolder folder;
   const std::string path = folder.path("s.sht");
   const Made made = make(180);
@@ -1034,22 +669,22 @@ TEST(SaveOldSheetByHand, AVersionOutsideItsRangeLeavesAFileOfTwoBytes) {
   EXPECT_EQ(SaveOldSheet(path.c_str(), nullptr, 180), -2);
 }
 
-// Of a record in use a save changes the choices of the material and nothing else: not even the memory of a slot
-// that nobody has touched.
-TEST(SaveOldSheetByHand, ARecordWithUntouchedSlotsKeepsItsBytes) {
+// In a record that already holds data a save changes only the choices of the material: not even the memory of a slot
+// that was never used.
+TEST(SaveOldSheet, RecordWithUntouchedSlotsKeepsItsBytes) {
   const TempFolder folder;
   Made made = make(180);
   made.sheet->processSlotCount = 100;
   ASSERT_EQ(SaveOldSheet(folder.path("a").c_str(), made.sheet.get(), 180), 0);
   made.sheet->processSlots = {};
-  std::vector<std::byte> before(sizeof(OldSheet)), behind(sizeof(OldSheet));
+  std::vector<std::byte> before(sizeof(OldSheet)), after(sizeof(OldSheet));
   std::memcpy(before.data(), static_cast<const void*>(made.sheet.get()), sizeof(OldSheet));
   ASSERT_EQ(SaveOldSheet(folder.path("a").c_str(), made.sheet.get(), 180), 0);
-  std::memcpy(behind.data(), static_cast<const void*>(made.sheet.get()), sizeof(OldSheet));
-  EXPECT_TRUE(before == behind);
+  std::memcpy(after.data(), static_cast<const void*>(made.sheet.get()), sizeof(OldSheet));
+  EXPECT_TRUE(before == after);
 }
 
-TEST(OldSheetByHand, AssigningCopiesEveryFieldAndEveryList) {
+TEST(OldSheetRecord, AssigningCopiesEveryFieldAndEveryList) {
   const Made made = make(180);
   OldSheet& one = *made.sheet;
   const auto other = std::make_unique<OldSheet>();
@@ -1066,14 +701,14 @@ TEST(OldSheetByHand, AssigningCopiesEveryFieldAndEveryList) {
   EXPECT_FALSE(writtenSheet(180, *other, &ok) == writtenSheet(180, one, &ok));
 }
 
-TEST(SaveOldSheetByHand, ADeviceThatTakesNothingGivesMinusTwo) {
+TEST(SaveOldSheet, FullDeviceReturnsMinusTwo) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP();
   const Made made = make(180);
   EXPECT_EQ(SaveOldSheet("/dev/full", made.sheet.get(), 180), -2);
   EXPECT_EQ(SaveOldSheet("/dev/full", made.sheet.get(), 52), -2);
 }
 
-TEST(LoadOldSheetByHand, EveryVersionWordIsAcceptedOrRefusedAndKept) {
+TEST(LoadOldSheet, EveryVersionWordIsAcceptedOrRefusedAndKept) {
   const TempFolder folder;
   auto s = std::make_unique<OldSheet>();
   std::vector<int> words{32766, 32767, 32768, 32769, 65535};
@@ -1087,7 +722,7 @@ TEST(LoadOldSheetByHand, EveryVersionWordIsAcceptedOrRefusedAndKept) {
   }
 }
 
-TEST(LoadOldSheetByHand, MissingAndShortFiles) {
+TEST(LoadOldSheet, MissingAndShortFiles) {
   const TempFolder folder;
   auto s = std::make_unique<OldSheet>();
   s->version = 77;
@@ -1100,7 +735,7 @@ TEST(LoadOldSheetByHand, MissingAndShortFiles) {
   EXPECT_EQ(LoadOldSheet(folder.path("one").c_str(), nullptr), -2);
 }
 
-TEST(LoadOldSheetByHand, VersionsFrom500OnAreReadWithTheNewestLayout) {
+TEST(LoadOldSheet, VersionsFrom500OnAreReadWithTheNewestLayout) {
   const TempFolder folder;
   for (const Form& form : someForms(false)) {
     const Made made = make(180, form);
@@ -1117,7 +752,7 @@ TEST(LoadOldSheetByHand, VersionsFrom500OnAreReadWithTheNewestLayout) {
   }
 }
 
-TEST(LoadOldSheetByHand, TheCurrentSheetTakesKnownVersionsFrom54OnWhateverTheBody) {
+TEST(LoadOldSheet, TheCurrentSheetTakesKnownVersionsFrom54OnWhateverTheBody) {
   const TempFolder folder;
   const auto status = [&](const Bytes& file) { return LoadOldSheetInformation(folder.write("s.sht", file).c_str()); };
   std::vector<int> known{54, 60, 80, 90, 91, 92, 100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 170, 180};
@@ -1149,7 +784,7 @@ TEST(LoadOldSheetByHand, TheCurrentSheetTakesKnownVersionsFrom54OnWhateverTheBod
 
 // ---- the lists -------------------------------------------------------------------------------------
 
-TEST(SheetListsByHand, PartsKeepTheirListForACountOfZeroAndLoseItForANegativeOne) {
+TEST(SheetLists, CountOfZeroKeepsThePartsAndANegativeOneRemovesThem) {
   SheetPartList list;
   list.parts.resize(3);
   list.nameWidth = 17;
@@ -1173,7 +808,7 @@ TEST(SheetListsByHand, PartsKeepTheirListForACountOfZeroAndLoseItForANegativeOne
 }
 
 // No name is read by the width, which is kept whatever it is.
-TEST(SheetListsByHand, ANegativeCountOfPartsTakesAnyWidth) {
+TEST(SheetLists, NegativeCountOfPartsAcceptsAnyWidth) {
   for (const int width : {256, 0, -4, 257, 2147483647}) {
     SheetPartList list;
     list.parts.resize(3);
@@ -1184,13 +819,13 @@ TEST(SheetListsByHand, ANegativeCountOfPartsTakesAnyWidth) {
   }
 }
 
-TEST(SheetListsByHand, PartNamesEndAtTheirNulAndAreStoredWithWhatFollows) {
+TEST(SheetLists, PartNamesEndAtTheirNulAndAreStoredWithWhatFollows) {
   for (int width : {1, 4, 255, 256}) {
-    SheetMaker body;
+    Maker body;
     SheetPartList stored;
     stored.parts.resize(1);
     TorvPart& part = stored.parts[0];
-    storedPart(body, 162, PartForm2{true, true, 0}, part);
+    storedPart(body, 162, StoredPartForm{true, true, 0}, part);
     stored.nameWidth = width;
     const std::size_t n = static_cast<std::size_t>(width);
     const std::string name = std::string("AB\0DEFG", 7), path = std::string(260, 'q');
@@ -1209,12 +844,12 @@ TEST(SheetListsByHand, PartNamesEndAtTheirNulAndAreStoredWithWhatFollows) {
     if (width >= 4) {
       EXPECT_EQ(list.parts[0].partName[3], ' ');  // of "NEW PART"
     }
-    SheetChecker again;
-    storedPart(again, 162, PartForm2{true, true, 0}, list.parts[0]);
+    Checker again;
+    storedPart(again, 162, StoredPartForm{true, true, 0}, list.parts[0]);
   }
 }
 
-TEST(SheetListsByHand, TextEntriesAreEmptiedByEveryCountThatArrives) {
+TEST(SheetLists, TextEntriesAreEmptiedByAnyCount) {
   for (int version : {60, 179, 180}) {
     for (std::int64_t count : {0, -1}) {
       std::vector<SheetTextEntry> list(2);
@@ -1223,9 +858,9 @@ TEST(SheetListsByHand, TextEntriesAreEmptiedByEveryCountThatArrives) {
       EXPECT_EQ(readFrom(word(count), [&](InStream& s) { return ReadSheetTextEntries(s, version, list); }), 0);
       EXPECT_TRUE(list.empty());
     }
-    SheetMaker m;
+    Maker m;
     std::vector<SheetTextEntry> stored;
-    elements(m, "text", stored, 2, [&](SheetTextEntry& e) { storedTextEntry(m, version, e); });
+    storedTextEntries(m, version, 2, stored);
     EXPECT_EQ(m.bytes.size(), 4U + 2 * (8 + 768 + 16 + (version >= 180 ? 4U : 0U)));
     stored[0].entryWord2 = stored[0].entryWord8 = 5;
     stored[1].entryText4[0] = 'x';
@@ -1237,13 +872,13 @@ TEST(SheetListsByHand, TextEntriesAreEmptiedByEveryCountThatArrives) {
           readFrom(m.bytes.cut(cut), [&](InStream& s) { return ReadSheetTextEntries(s, version, list); });
       ASSERT_EQ(result, cut < m.bytes.size() ? 1 : 0) << cut;
       ASSERT_EQ(list.size(), (cut - 4) / ((m.bytes.size() - 4) / 2)) << cut;
-      SheetChecker c(cut);
-      elements(c, "text", list, 2, [&](SheetTextEntry& e) { storedTextEntry(c, version, e); });
+      Checker c(cut);
+      storedTextEntries(c, version, 2, list);
     }
   }
 }
 
-TEST(SheetListsByHand, NamedWorkListsAreEmptiedBeforeAnythingIsRead) {
+TEST(SheetLists, NamedWorkListsAreEmptiedBeforeAnythingIsRead) {
   for (int version : {60, 61, 80, 130, 180}) {
     const auto read = [&](const Bytes& b, std::vector<NamedWorkList>& list, std::size_t* used = nullptr) {
       return readFrom(
@@ -1254,16 +889,16 @@ TEST(SheetListsByHand, NamedWorkListsAreEmptiedBeforeAnythingIsRead) {
       EXPECT_EQ(read(b, list), b.size() < 4 ? 1 : 0);
       EXPECT_TRUE(list.empty());
     }
-    SheetMaker m;
+    Maker m;
     std::vector<NamedWorkList> stored;
-    elements(m, "named", stored, 2, [&](NamedWorkList& l) { storedNamedList(m, version, l); });
+    storedNamedLists(m, version, 2, stored);
     EXPECT_EQ(written([&](OutStream& to) { return WriteNamedWorkLists(to, version, stored); }), m.bytes);
     for (std::size_t cut = 4; cut <= m.bytes.size(); ++cut) {
       std::vector<NamedWorkList> list(1);
       ASSERT_EQ(read(m.bytes.cut(cut), list), cut < m.bytes.size() ? 1 : 0) << cut;
       ASSERT_EQ(list.size(), (cut - 4) / ((m.bytes.size() - 4) / 2)) << cut;
-      SheetChecker c(cut);
-      elements(c, "named", list, 2, [&](NamedWorkList& l) { storedNamedList(c, version, l); });
+      Checker c(cut);
+      storedNamedLists(c, version, 2, list);
     }
     // A list without entries, or with fewer than none, is still a list.
     for (std::int64_t none : {0, -9}) {
@@ -1276,8 +911,8 @@ TEST(SheetListsByHand, NamedWorkListsAreEmptiedBeforeAnythingIsRead) {
   }
 }
 
-TEST(SheetListsByHand, SetupListReportsNothingButItsLastThreeFields) {
-  SheetMaker m;
+TEST(SheetLists, SetupListFailsOnlyForItsLastThreeFields) {
+  Maker m;
   SheetSetupList stored;
   storedSheetSetup(m, 2, stored);
   EXPECT_EQ(m.bytes.size(), 4U + 3 * 66 + 16);
@@ -1290,16 +925,16 @@ TEST(SheetListsByHand, SetupListReportsNothingButItsLastThreeFields) {
     const int result = readFrom(m.bytes.cut(cut), [&](InStream& s) { return ReadSheetSetupList(s, list); });
     ASSERT_EQ(result, cut < 4 || cut == m.bytes.size() ? 0 : 1);
     ASSERT_EQ(list.entries.size(), cut < 4 ? 0U : 2U);
-    SheetChecker c(cut);
+    Checker c(cut);
     storedSheetSetup(c, 2, list);
   }
 }
 
-TEST(SheetListsByHand, SetupListCountsOfZeroAndBelow) {
-  SheetMaker m;
+TEST(SheetLists, SetupListCountsOfZeroAndBelow) {
+  Maker m;
   SheetSetupList other;
   storedSheetSetup(m, 1, other);
-  const Bytes tail = behind(m.bytes, 4 + 66);
+  const Bytes tail = from(m.bytes, 4 + 66);
   for (const Bytes& b : {Bytes(), word(5).cut(2), word(0).add(tail)}) {
     SheetSetupList list;
     list.entries.resize(2);
@@ -1326,11 +961,11 @@ TEST(SheetListsByHand, SetupListCountsOfZeroAndBelow) {
   EXPECT_EQ(written([&](OutStream& to) { return WriteSheetSetupList(to, list); }), word(0));
 }
 
-TEST(SheetListsByHand, SetupEntriesThatTookNothingFromTheFileEndAt1024) {
-  SheetMaker m;
+TEST(SheetLists, SetupEntriesWithoutInputEndAt1024) {
+  Maker m;
   SheetSetupList one;
   storedSheetSetup(m, 1, one);
-  const Bytes entry = behind(m.bytes, 4).cut(66);
+  const Bytes entry = from(m.bytes, 4).cut(66);
   for (std::size_t more : {std::size_t{0}, std::size_t{10}, std::size_t{66}, std::size_t{66 + 42}}) {
     for (std::int64_t count : {std::int64_t{1000}, std::int64_t{3000}, kTwoBillion}) {
       SheetSetupList list;
@@ -1343,7 +978,7 @@ TEST(SheetListsByHand, SetupEntriesThatTookNothingFromTheFileEndAt1024) {
   }
 }
 
-TEST(SheetListsByHand, ExtensionEntriesFollowTheirCount) {
+TEST(SheetLists, ExtensionEntriesFollowTheirCount) {
   const auto read = [](const Bytes& b, std::vector<MachineExtensionEntry>& list) {
     return readFrom(b, [&](InStream& s) { return ReadMachineExtensionEntries(s, list); });
   };
@@ -1353,9 +988,9 @@ TEST(SheetListsByHand, ExtensionEntriesFollowTheirCount) {
   EXPECT_EQ(list.size(), 2U);
   EXPECT_EQ(read(word(-1), list), 0);
   EXPECT_TRUE(list.empty());
-  SheetMaker m;
+  Maker m;
   std::vector<MachineExtensionEntry> stored;
-  elements(m, "entry", stored, 3, [&](MachineExtensionEntry& e) { storedExtensionEntry(m, e); });
+  storedExtensionEntries(m, 3, stored);
   EXPECT_EQ(m.bytes.size(), 4U + 3 * 32);
   EXPECT_EQ(written([&](OutStream& to) { return WriteMachineExtensionEntries(to, stored); }), m.bytes);
   EXPECT_EQ(written([&](OutStream& to) { return WriteMachineExtensionEntries(to, {}); }), word(0));
@@ -1363,14 +998,14 @@ TEST(SheetListsByHand, ExtensionEntriesFollowTheirCount) {
     list.assign(7, {});
     ASSERT_EQ(read(m.bytes.cut(cut), list), cut < m.bytes.size() ? 1 : 0);
     ASSERT_EQ(list.size(), (cut - 4) / 32);
-    SheetChecker c(cut);
-    elements(c, "entry", list, 3, [&](MachineExtensionEntry& e) { storedExtensionEntry(c, e); });
+    Checker c(cut);
+    storedExtensionEntries(c, 3, list);
   }
 }
 
-TEST(SheetListsByHand, ABlockThatReadsWholeIsDroppedAndEndsTheList) {
+TEST(SheetLists, CompleteBlockIsDroppedAndEndsTheList) {
   for (int version : {152, 158, 160, 161, 180}) {
-    SheetMaker one;
+    Maker one;
     ShapeWorkBlock block;
     storedBlock(one, version, block);
     const auto read = [&](const Bytes& b, std::vector<ShapeWorkBlock>& list, std::size_t& used) {
@@ -1396,9 +1031,9 @@ TEST(SheetListsByHand, ABlockThatReadsWholeIsDroppedAndEndsTheList) {
   }
 }
 
-TEST(SheetListsByHand, ABlockThatCannotBeReadWholeIsKeptAsFarAsItGot) {
+TEST(SheetLists, IncompleteBlockIsKeptAsFarAsItWasRead) {
   for (int version : {152, 160}) {
-    SheetMaker m;
+    Maker m;
     ShapeWorkBlock block;
     m.stored(3);
     storedBlock(m, version, block);
@@ -1407,14 +1042,14 @@ TEST(SheetListsByHand, ABlockThatCannotBeReadWholeIsKeptAsFarAsItGot) {
       std::vector<ShapeWorkBlock> list;
       ASSERT_TRUE(readFrom(m.bytes.cut(cut), [&](InStream& s) { return ReadShapeWorkBlocks(s, version, list); }));
       ASSERT_EQ(list.size(), 3U);
-      SheetChecker c(cut), none(0);
+      Checker c(cut), none(0);
       c.stored(3);
       storedBlock(c, version, list[0]);
       storedBlock(none, version, list[2]);
     }
     // One that is refused in the midst of the file is kept too, and the next begins where it broke off.
     const std::size_t broken = 20 + 32 + 12 + 1 + 4 + 4 + 8;
-    const Bytes good = behind(m.bytes, 4);
+    const Bytes good = from(m.bytes, 4);
     const Bytes b = word(2).add(good.cut(broken)).i32(10).add(good).i32(1);
     std::vector<ShapeWorkBlock> list;
     std::size_t used = 0;
@@ -1428,7 +1063,7 @@ TEST(SheetListsByHand, ABlockThatCannotBeReadWholeIsKeptAsFarAsItGot) {
   }
 }
 
-TEST(SheetListsByHand, BlocksThatTookNothingFromTheFileEndAt1024) {
+TEST(SheetLists, BlocksWithoutInputEndAt1024) {
   for (std::size_t more : {std::size_t{0}, std::size_t{3}, std::size_t{4}, std::size_t{60}}) {
     for (std::int64_t count : {std::int64_t{1024}, std::int64_t{1100}, kTwoBillion}) {
       std::vector<ShapeWorkBlock> list;
@@ -1439,17 +1074,17 @@ TEST(SheetListsByHand, BlocksThatTookNothingFromTheFileEndAt1024) {
   }
 }
 
-TEST(SheetListsByHand, OnlyTheSecondBlockIsEverWritten) {
+TEST(SheetLists, OnlyTheSecondBlockIsEverWritten) {
   EXPECT_EQ(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, {}); }), word(0));
   for (std::size_t count : {2U, 3U, 5U}) {
-    SheetMaker m;
+    Maker m;
     std::vector<ShapeWorkBlock> blocks(count);
     m.stored(static_cast<std::int32_t>(count));
     storedBlock(m, 180, blocks[1]);
     bool ok = true;
     EXPECT_EQ(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, blocks); }, &ok), m.bytes);
     EXPECT_FALSE(ok);
-    // In a sheet that answer is passed over.
+    // In a sheet that result is ignored.
     Form form;
     form.writer = true;
     const Made made = make(180, form);
@@ -1462,9 +1097,9 @@ TEST(SheetListsByHand, OnlyTheSecondBlockIsEverWritten) {
   }
 }
 
-TEST(SheetListsByHand, WhereTheSecondBlockCannotBeStoredTheThirdIs) {
+TEST(SheetLists, WhereTheSecondBlockCannotBeStoredTheThirdIs) {
   std::vector<ShapeWorkBlock> blocks(3);
-  SheetMaker m;
+  Maker m;
   storedBlock(m, 180, blocks[2]);
   blocks[1].blockShapes.shapes.resize(1);
   blocks[1].blockShapes.shapes[0].valueCount = 10;
@@ -1472,10 +1107,10 @@ TEST(SheetListsByHand, WhereTheSecondBlockCannotBeStoredTheThirdIs) {
   const Bytes b = written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, blocks); }, &ok);
   EXPECT_FALSE(ok);
   ASSERT_GT(b.size(), m.bytes.size());
-  EXPECT_EQ(behind(b, b.size() - m.bytes.size()), m.bytes);
+  EXPECT_EQ(from(b, b.size() - m.bytes.size()), m.bytes);
 }
 
-TEST(SheetListsByHandDeathTest, ASingleBlockEndsTheProcessOfItsWriter) {
+TEST(SheetListsDeathTest, SaveOfASingleBlockEndsTheProcess) {
   std::vector<ShapeWorkBlock> blocks(1);
   EXPECT_DEATH(written([&](OutStream& to) { return WriteShapeWorkBlocks(to, 180, blocks); }), "");
   std::vector<ShapeWorkBlock> none(3);

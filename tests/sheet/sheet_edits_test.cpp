@@ -53,7 +53,7 @@ std::string put(const TempFolder& folder, const std::string& name, const std::st
 }
 std::string word(std::uint32_t value) { return stringOf(Bytes().u32(value)); }
 
-// Sheets are too long to be printed whole.
+// Sheets are too long to be printed completely.
 testing::AssertionResult sameBytes(const std::string& is, const std::string& shouldBe) {
   if (is == shouldBe) return testing::AssertionSuccess();
   std::size_t at = 0;
@@ -62,11 +62,11 @@ testing::AssertionResult sameBytes(const std::string& is, const std::string& sho
                                      << ", the first difference at " << at;
 }
 
-// The one place where `what` stands.
+// The one place of `what`.
 std::size_t placeOf(const std::string& in, const std::string& what) {
   const auto at = in.find(what);
   EXPECT_NE(at, std::string::npos);
-  EXPECT_EQ(in.find(what, at + 1), std::string::npos) << "stands twice";
+  EXPECT_EQ(in.find(what, at + 1), std::string::npos) << "is there twice";
   return at == std::string::npos ? 0 : at;
 }
 
@@ -76,7 +76,7 @@ constexpr std::uint32_t kFirstOfNineWords = 0x5EED1234;
 const std::string kNcPath = "C:\\NC\\Out\\Plant";
 const std::string kBehindSheet = "bytes behind the end, which a save drops";
 
-// The text, its NUL, and behind it something that must not get lost.
+// The text, its NUL, and after it something that must not get lost.
 template <std::size_t N>
 void setText(char (&field)[N], const std::string& text, char behind = '#') {
   std::memset(field, behind, N);
@@ -142,7 +142,7 @@ Sheet someSheet() {
   sheet->clampInfo.clampWord1 = 0x80000001U;
   sheet->clampInfo.clampWord2 = std::bit_cast<std::uint32_t>(2.25F);
   sheet->clampInfo.clampWord3 = std::bit_cast<std::uint32_t>(-3.5F);
-  sheet->clampInfo.clampWord4 = 0x7FC01234U;  // not a number, and still to be handed out bit by bit
+  sheet->clampInfo.clampWord4 = 0x7FC01234U;  // not a number, and still to be copied out bit by bit
   sheet->clampInfo.clampCount = 4;
   sheet->clampInfo.clampSpacing = 6.25F;
   for (int i = 0; i < 4; ++i) sheet->clampInfo.clampPositions[i] = 1000.0F + static_cast<float>(i);
@@ -228,7 +228,7 @@ std::vector<Edit> everyEdit(const std::string& part) {
 
 // ---- edits: the first look -------------------------------------------------------------------------
 
-TEST(SheetEditsByHand, RefuseEveryVersionWordThatIsNotInTheirList) {
+TEST(SheetEdits, VersionsOutsideTheListAreRefused) {
   const TempFolder folder;
   const auto edits = everyEdit(partFile(folder, skeletonPart()));
   for (int version = 0; version <= 0xFFFF; ++version) {
@@ -242,7 +242,7 @@ TEST(SheetEditsByHand, RefuseEveryVersionWordThatIsNotInTheirList) {
   }
 }
 
-TEST(SheetEditsByHand, TellFilesThatCannotBeOpenedFromThoseWithoutAVersionWord) {
+TEST(SheetEdits, FilesThatCannotBeOpenedReturnMinusTwoAndShortOnesOne) {
   const TempFolder folder;
   EXPECT_EQ(ReplaceSheetMachineNcPath(nullptr, "E:\\NEW"), -2);
   EXPECT_EQ(ReplaceSheetSknPatListWithPartPatList(nullptr, folder.path("part").c_str()), -2);
@@ -259,7 +259,7 @@ TEST(SheetEditsByHand, TellFilesThatCannotBeOpenedFromThoseWithoutAVersionWord) 
   }
 }
 
-TEST(SheetEditsByHand, LeaveSheetsOfTheOldestKnownVersionsAsTheyAre) {
+TEST(SheetEdits, SheetsOfTheOldestKnownVersionsAreNotChanged) {
   const TempFolder folder;
   std::string file = soundFile(folder, *someSheet(), 52);
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart())))
@@ -271,7 +271,7 @@ TEST(SheetEditsByHand, LeaveSheetsOfTheOldestKnownVersionsAsTheyAre) {
     }
 }
 
-TEST(SheetEditsByHand, ChangeAFileOnlyIfAllOfItLoads) {
+TEST(SheetEdits, FileIsChangedOnlyIfAllOfItLoads) {
   const TempFolder folder;
   const auto edits = everyEdit(partFile(folder, skeletonPart()));
   for (int version : {54, 112, 162}) {
@@ -295,8 +295,8 @@ TEST(SheetEditsByHand, ChangeAFileOnlyIfAllOfItLoads) {
 }
 
 // Below 152 a save stores the machine's late words, which a load of that version does not take. One below
-// 151 makes some of them other than 0, and behind the machine these then stand for counts.
-TEST(SheetEditsByHand, ASheetOfVersion60To150CannotBeLoadedAfterAnyOfThem) {
+// 151 makes some of them other than 0, and after the machine these are then read as counts.
+TEST(SheetEdits, SheetOfVersion60To150CannotBeLoadedAfterAnEdit) {
   const TempFolder folder;
   const auto edits = everyEdit(partFile(folder, skeletonPart()));
   for (int version : savedVersions()) {
@@ -318,7 +318,7 @@ TEST(SheetEditsByHand, ASheetOfVersion60To150CannotBeLoadedAfterAnyOfThem) {
   }
 }
 
-TEST(SheetEditsByHand, BelowVersion60AndAt151WhatStandsBehindTheMachineIsLost) {
+TEST(SheetEdits, BelowVersion60AndAt151TheFieldsAfterTheMachineAreLost) {
   const TempFolder folder;
   const auto edits = everyEdit(partFile(folder, skeletonPart()));
   for (int version : {52, 54, 151}) {
@@ -347,14 +347,14 @@ TEST(SheetEditsByHand, BelowVersion60AndAt151WhatStandsBehindTheMachineIsLost) {
 }
 
 // The old layouts store no length of a name, and without one no table can be stored.
-TEST(SheetEditsByHand, ASheetWithATableOfAnOldLayoutEndsInItsTable) {
+TEST(SheetEdits, SheetWithATableOfAnOldLayoutEndsInItsTable) {
   const TempFolder folder;
   constexpr std::size_t kMainLayoutWithoutName = 19792;
   const auto sound = soundFile(folder, *someSheet(), 180);
   const std::size_t table = placeOf(sound, word(6) + std::string("STEEL\0", 6)) + 4 - kMainLayoutWithoutName;
   ASSERT_EQ(sound.substr(table, 2), stringOf(Bytes().u16(150)));
   const std::string behind = sound.substr(table + kMainLayoutWithoutName + 6);
-  // Layout 500 is 69 bytes, of 501 and 502 the largest part is looked at nowhere here.
+  // Layout 500 is 69 bytes, of 501 and 502 the largest part is ignored here.
   const auto file = sound.substr(0, table) + stringOf(Bytes().u16(500)) + std::string(46, '\1') + std::string("OLD") +
                     std::string(18, '\0') + behind;
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
@@ -383,7 +383,7 @@ std::string narrowed(std::string file, const std::string& text, bool hasLength) 
   return file.erase(at + (hasLength ? 4 : 0) + 100, 156);
 }
 
-TEST(SheetEditsByHand, ASheetWhoseMachineHasAnotherTextWidthCannotBeLoadedAfterThem) {
+TEST(SheetEdits, SheetWhoseMachineHasAnotherTextWidthCannotBeLoadedAfterAnEdit) {
   const TempFolder folder;
   const std::string text = "MACHINE";
   const auto made = someSheet();
@@ -402,8 +402,8 @@ TEST(SheetEditsByHand, ASheetWhoseMachineHasAnotherTextWidthCannotBeLoadedAfterT
   }
 }
 
-// Fill bytes behind the second text keep what follows in step, but not what stands among them.
-TEST(SheetEditsByHand, ASheetWhoseMachineHasAnotherSecondTextWidthLosesItsSmallValue) {
+// Fill bytes after the second text keep what follows in step, but not what is among them.
+TEST(SheetEdits, SheetWhoseMachineHasAnotherSecondTextWidthLosesItsSmallValue) {
   const TempFolder folder;
   const auto made = someSheet();
   made->machine.secondTextPresent = 1;
@@ -413,7 +413,7 @@ TEST(SheetEditsByHand, ASheetWhoseMachineHasAnotherSecondTextWidthLosesItsSmallV
   lay(made->machine.machineText2, "SECOND OF THREE");
   lay(made->machine.machineText3, "THIRD OF THREE");
   auto file = narrowed(soundFile(folder, *made, 180), "ANOTHER", true);
-  file.insert(placeOf(file, "ANOTHER") + 108, std::string(156, '\0'));  // behind smallValue and shapesPresent
+  file.insert(placeOf(file, "ANOTHER") + 108, std::string(156, '\0'));  // after smallValue and shapesPresent
   file = narrowed(narrowed(file, "SECOND OF THREE", false), "THIRD OF THREE", false);
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
     const auto path = put(folder, "sheet", file);
@@ -426,7 +426,7 @@ TEST(SheetEditsByHand, ASheetWhoseMachineHasAnotherSecondTextWidthLosesItsSmallV
   }
 }
 
-TEST(SheetEditsByHand, DropWhatStandsBehindTheSheetAndKeepNoBlocks) {
+TEST(SheetEdits, EditDropsBlocksAndBytesAfterTheSheet) {
   const TempFolder folder;
   const int version = 160;  // the last version whose sheets end with their blocks
   const auto sound = soundFile(folder, *someSheet(), version);
@@ -448,8 +448,8 @@ TEST(SheetEditsByHand, DropWhatStandsBehindTheSheetAndKeepNoBlocks) {
 
 // ---- edits: the NC path ------------------------------------------------------------------------------
 
-// A load keeps a block that the file does not hold whole, and no save can store a single one.
-TEST(SheetEditsByHandDeathTest, ASheetThatEndsInItsOnlyBlockEndsTheProcess) {
+// A load keeps a block that is incomplete in the file, and no save can store a single one.
+TEST(SheetEditsDeathTest, SheetThatEndsInItsOnlyBlockEndsTheProcess) {
   const TempFolder folder;
   for (int version : {152, 160}) {
     const auto sound = soundFile(folder, *someSheet(), version);
@@ -465,7 +465,7 @@ TEST(SheetEditsByHandDeathTest, ASheetThatEndsInItsOnlyBlockEndsTheProcess) {
   }
 }
 
-TEST(SheetEditsByHand, ANewNcPathChangesItsTextAndItsNulAlone) {
+TEST(SheetEdits, NewNcPathChangesOnlyItsTextAndItsNul) {
   const TempFolder folder;
   for (int version : savedVersions()) {
     const auto file = soundFile(folder, *someSheet(), version);
@@ -485,7 +485,7 @@ TEST(SheetEditsByHand, ANewNcPathChangesItsTextAndItsNulAlone) {
   }
 }
 
-TEST(SheetEditsByHand, AnNcPathThatDiffersInTheCaseOfAToZAloneLeavesTheFileAsItWas) {
+TEST(SheetEdits, NcPathThatDiffersOnlyInTheCaseOfAToZLeavesTheFileAsItWas) {
   struct Row {
     std::string now, fresh;
     bool same;
@@ -517,7 +517,7 @@ TEST(SheetEditsByHand, AnNcPathThatDiffersInTheCaseOfAToZAloneLeavesTheFileAsItW
     }
 }
 
-TEST(SheetEditsByHand, AnNcPathThatDoesNotFitEndsTheProcessBeforeTheFileIsTouched) {
+TEST(SheetEdits, NcPathThatDoesNotFitEndsTheProcessBeforeTheFileIsOpened) {
   const TempFolder folder;
   const auto file = soundFile(folder, *someSheet(), 180);
   const auto path = put(folder, "sheet", file);
@@ -542,7 +542,7 @@ std::string storedParts(const SheetPartList& list, int version) {
   return stringOf(all);
 }
 
-TEST(SheetEditsByHand, APartAsSkeletonChangesTheSkeletonShapesAndTheListOfPartsAlone) {
+TEST(SheetEdits, PartAsSkeletonChangesOnlyTheSkeletonShapesAndTheListOfParts) {
   const TempFolder folder;
   for (bool withParts : {true, false})
     for (int version : savedVersions()) {
@@ -577,7 +577,7 @@ TEST(SheetEditsByHand, APartAsSkeletonChangesTheSkeletonShapesAndTheListOfPartsA
     }
 }
 
-TEST(SheetEditsByHand, TheSheetThenHasNoPartsAndThePartsShapesWithTheirListValues) {
+TEST(SheetEdits, SheetThenHasNoPartsAndTheShapesOfThePart) {
   const TempFolder folder;
   const auto part = partFile(folder, skeletonPart());
   for (int version = 152; version <= 180; ++version) {
@@ -604,7 +604,7 @@ TEST(SheetEditsByHand, TheSheetThenHasNoPartsAndThePartsShapesWithTheirListValue
   }
 }
 
-TEST(SheetEditsByHand, APartThatCannotBeLoadedLeavesTheSheetAsItWas) {
+TEST(SheetEdits, PartThatCannotBeLoadedLeavesTheSheetAsItWas) {
   const TempFolder folder;
   const auto good = partFile(folder, skeletonPart());
   std::string refused = contentOf(good), oldest = refused;
@@ -635,7 +635,7 @@ TEST(SheetEditsByHand, APartThatCannotBeLoadedLeavesTheSheetAsItWas) {
 
 // ---- edits: work order numbers -------------------------------------------------------------------------
 
-TEST(SheetEditsByHand, ANewWorkOrderNumberReachesEachPartOfThatBaseNameThatHoldsTheOldOne) {
+TEST(SheetEdits, NewWorkOrderNumberReplacesTheOldOneInEachPartOfThatBaseName) {
   struct Row {
     const char* name;
     const char* old;
@@ -696,7 +696,7 @@ std::string onePart(const TempFolder& folder, const std::string& dosName, const 
   return put(folder, "one_part", soundFile(folder, *sheet, 162) + kBehindSheet);
 }
 
-TEST(SheetEditsByHand, TheBaseNameOfAPartHasNoDriveFolderOrExtension) {
+TEST(SheetEdits, BaseNameOfAPartHasNoDriveFolderOrExtension) {
   const std::vector<std::pair<std::string, std::string>> rows = {
       {"C:\\PARTS\\A.TPT", "A"},
       {"/parts/A.TPT", "A"},
@@ -736,7 +736,7 @@ TEST(SheetEditsByHand, TheBaseNameOfAPartHasNoDriveFolderOrExtension) {
   EXPECT_STREQ(loadedFrom(path)->partList.parts[0].partFullDosName, std::string(256, 'A').c_str());
 }
 
-TEST(SheetEditsByHand, AWorkOrderNumberThatFillsItsFieldIsComparedAsAWhole) {
+TEST(SheetEdits, WorkOrderNumberThatFillsItsFieldIsComparedCompletely) {
   const TempFolder folder;
   const std::string full(256, 'W');
   for (std::size_t length : {1U, 255U, 256U, 257U}) {
@@ -753,7 +753,7 @@ TEST(SheetEditsByHand, AWorkOrderNumberThatFillsItsFieldIsComparedAsAWhole) {
   }
 }
 
-TEST(SheetEditsByHand, AWorkOrderNumberThatDoesNotFitEndsTheProcessBeforeTheFileIsTouched) {
+TEST(SheetEdits, WorkOrderNumberThatDoesNotFitEndsTheProcessBeforeTheFileIsOpened) {
   const TempFolder folder;
   const auto path = onePart(folder, "A.TPT", "OLD");
   const auto file = contentOf(path);
@@ -769,7 +769,7 @@ TEST(SheetEditsByHand, AWorkOrderNumberThatDoesNotFitEndsTheProcessBeforeTheFile
   EXPECT_STREQ(loadedFrom(path)->partList.parts[0].woNumber, std::string(255, 'N').c_str());
 }
 
-TEST(SheetEditsByHand, OnlyTheOldWorkOrderNumberMayBeNull) {
+TEST(SheetEdits, OnlyTheOldWorkOrderNumberMayBeNull) {
   const TempFolder folder;
   const auto path = onePart(folder, "A.TPT", "OLD");
   const auto file = contentOf(path);
@@ -789,7 +789,7 @@ TEST(SheetEditsByHand, OnlyTheOldWorkOrderNumberMayBeNull) {
 struct Answers {
   std::uint32_t clampWord = 0xDDDDDDDD, clampCount = 0xDDDDDDDD, sequence = 0xDDDDDDDD;
   float values[3] = {-1, -2, -3}, spacing = -4, utilization = -5;
-  std::array<float, 10> positions;  // two more than are handed out
+  std::array<float, 10> positions;  // two more than are copied out
   std::array<char, 300> text3, text5;
   std::array<std::int32_t, 603> flags;  // the same
   Answers() {
@@ -822,7 +822,7 @@ std::array<std::int32_t, 603> flagsOf(const std::int32_t* params) {
   std::copy(params, params + 601, all.begin());
   return all;
 }
-// What is left of a text and its NUL put over the answers' own content.
+// What is left of a text and its NUL put over the earlier content of the outputs.
 std::array<char, 300> textOf(const std::string& text) {
   std::array<char, 300> all;
   all.fill('?');
@@ -830,7 +830,7 @@ std::array<char, 300> textOf(const std::string& text) {
   return all;
 }
 
-TEST(SmallSheetQueriesByHand, EachVersionWordIsTakenOrRefusedByTheListAndRangeOfItsQuestion) {
+TEST(SmallSheetQueries, EachQueryAcceptsTheVersionsOfItsListOrRange) {
   const TempFolder folder;
   const Answers fresh;
   const std::int32_t zeros[601] = {};
@@ -849,7 +849,7 @@ TEST(SmallSheetQueriesByHand, EachVersionWordIsTakenOrRefusedByTheListAndRangeOf
   }
 }
 
-TEST(SmallSheetQueriesByHand, FilesWithoutAVersionWordGiveOneAndFlagsOfZero) {
+TEST(SmallSheetQueries, FilesWithoutAVersionWordReturnOneAndFlagsOfZero) {
   const TempFolder folder;
   const Answers fresh;
   const std::int32_t zeros[601] = {};
@@ -882,7 +882,7 @@ TEST(SmallSheetQueriesByHand, FilesWithoutAVersionWordGiveOneAndFlagsOfZero) {
     }
 }
 
-// What the five tell of someSheet(), `known` being whether the first three take the version.
+// What the five return for someSheet(), `known` being whether the first three accept the version.
 void checkAnswers(const std::string& path, int version, bool known, const OldSheet& sheet) {
   const auto file = contentOf(path);
   Answers expected, answers;
@@ -918,7 +918,7 @@ void checkAnswers(const std::string& path, int version, bool known, const OldShe
   EXPECT_TRUE(sameBytes(contentOf(path), file)) << "a question changed the file";
 }
 
-TEST(SmallSheetQueriesByHand, AnswerForEveryVersionThatTheyTake) {
+TEST(SmallSheetQueries, EveryAcceptedVersionReturnsItsValues) {
   const TempFolder folder;
   const auto sheet = someSheet();
   for (int version = 52; version <= 180; ++version) {
@@ -932,7 +932,7 @@ TEST(SmallSheetQueriesByHand, AnswerForEveryVersionThatTheyTake) {
   }
 }
 
-TEST(SmallSheetQueriesByHand, ClampsAreTheSheetsButTheirPositionsTheMachines) {
+TEST(SmallSheetQueries, ClampsAreThoseOfTheSheetButTheirPositionsThoseOfTheMachine) {
   const TempFolder folder;
   for (int own = 0; own <= 8; ++own)
     for (int machines : {-1, 0, 1, 8}) {
@@ -952,7 +952,7 @@ TEST(SmallSheetQueriesByHand, ClampsAreTheSheetsButTheirPositionsTheMachines) {
     }
 }
 
-TEST(SmallSheetQueriesByHand, TheTwoTextsAreTakenUpToTheirNulOrTheirWidth) {
+TEST(SmallSheetQueries, TextsAreCopiedUpToTheirNulOrTheirWidth) {
   const TempFolder folder;
   for (std::int32_t width : {1, 20, 255, 256}) {
     const auto stored = static_cast<std::size_t>(width);
@@ -970,7 +970,7 @@ TEST(SmallSheetQueriesByHand, TheTwoTextsAreTakenUpToTheirNulOrTheirWidth) {
   }
 }
 
-TEST(SmallSheetQueriesByHand, TheSequenceIsCountedInTheWorkList) {
+TEST(SmallSheetQueries, SequenceIsTheLengthOfTheWorkList) {
   const TempFolder folder;
   for (std::size_t count : {0U, 1U, 2U, 300U}) {
     auto sheet = someSheet();
@@ -981,7 +981,7 @@ TEST(SmallSheetQueriesByHand, TheSequenceIsCountedInTheWorkList) {
   }
 }
 
-TEST(SmallSheetQueriesByHand, OfATableThatIsCutTheFlagsInFrontOfTheCutAreHandedOut) {
+TEST(SmallSheetQueries, FlagsOfACutTableAreCopiedOutUpToTheCut) {
   const TempFolder folder;
   const auto numbers = storedNumbers();
   const auto path = put(folder, "sheet", soundFile(folder, *someSheet(), 162));
@@ -998,7 +998,7 @@ TEST(SmallSheetQueriesByHand, OfATableThatIsCutTheFlagsInFrontOfTheCutAreHandedO
     }
 }
 
-TEST(SmallSheetQueriesByHand, OnlyTheLastTwoTellThatABodyCannotBeRead) {
+TEST(SmallSheetQueries, OnlyTheLastTwoReportABodyThatCannotBeRead) {
   const TempFolder folder;
   const Answers fresh;
   for (int version : {54, 112, 140, 162}) {
@@ -1029,7 +1029,7 @@ TEST(SmallSheetQueriesByHand, OnlyTheLastTwoTellThatABodyCannotBeRead) {
   }
 }
 
-TEST(SmallSheetQueriesByHand, ATableWithoutALayoutIsABodyThatCannotBeRead) {
+TEST(SmallSheetQueries, TableWithoutALayoutIsABodyThatCannotBeRead) {
   const TempFolder folder;
   const Answers fresh;
   const std::int32_t zeros[601] = {};

@@ -136,7 +136,7 @@ void markSpecial(OldSheet& sheet, std::size_t n, std::uint8_t byte = 2) {
   sheet.machine.stationsA.stations.at(n - 1).byteA = byte;
 }
 
-// All outputs of the query, filled with marks that no answer holds.
+// All outputs of the query, filled with marks that no result contains.
 struct Info {
   std::array<std::array<char, 300>, 9> texts;
   std::array<float, 3> sizes = {-1, -2, -3};
@@ -157,12 +157,12 @@ struct Info {
 };
 
 // A file that a reader takes as it was meant: below version 152 a save stores words at the end of the machine that no
-// reader expects there, which would shift all behind them.
+// reader expects there, which would shift all after them.
 std::string save(const TempFolder& folder, OldSheet& sheet, int version = 180) {
   const std::string path = folder.path("sheet.sht");
   EXPECT_EQ(SaveOldSheet(path.c_str(), &sheet, static_cast<std::uint16_t>(version)), 0) << version;
   if (version >= 152) return path;
-  std::size_t behind = 4;  // the option word; then what each version added behind the machine
+  std::size_t behind = 4;  // the option word; then what each version added after the machine
   const std::pair<int, std::size_t> added[] = {{60, 8},        {90, 12},   {102, 4}, {111, 5 * 256 + 4},
                                                {112, 4 * 256}, {130, 256}, {140, 8}};
   for (const auto& [since, size] : added) behind += version >= since ? size : 0;
@@ -182,7 +182,7 @@ std::string toolsOf(OldSheet& sheet, int version = 180) {
 
 // ---- handles ----------------------------------------------------------------------------------------
 
-TEST(SheetHandlesByHand, ANewSheetHasTheDefaultsAndIsFreedUnderEitherName) {
+TEST(SheetHandles, NewSheetHasTheDefaultsAndIsFreedByEitherFunction) {
   for (auto* release : {&DeleteSheetInfo, &FreeSheetHandle}) {
     release(nullptr);
     OldSheet* sheet = CreateSheetInfo();
@@ -199,7 +199,7 @@ TEST(SheetHandlesByHand, ANewSheetHasTheDefaultsAndIsFreedUnderEitherName) {
   }
 }
 
-TEST(SheetHandlesByHand, ANewSheetIsSavedAndComesBackInEachKnownVersion) {
+TEST(SheetHandles, NewSheetIsSavedAndLoadedInEachKnownVersion) {
   const TempFolder folder;
   const std::string path = folder.path("new.sht");
   for (int version : kVersions) {
@@ -217,7 +217,7 @@ TEST(SheetHandlesByHand, ANewSheetIsSavedAndComesBackInEachKnownVersion) {
   }
 }
 
-TEST(SheetHandlesByHand, AHandleOutlivesItsFileAndSharesNothingWithAnother) {
+TEST(SheetHandles, HandleOutlivesItsFileAndSharesNothingWithAnother) {
   const TempFolder folder;
   auto sheet = makeSheet();
   sheet->width = 12.5F;
@@ -241,8 +241,8 @@ TEST(SheetHandlesByHand, AHandleOutlivesItsFileAndSharesNothingWithAnother) {
   DeleteSheetInfo(two);
 }
 
-// A readable body stands behind each version word, so that nothing but the word decides.
-TEST(SheetHandlesByHand, OnlyTheWordsOfTheListFrom54To180AreTaken) {
+// A readable body follows each version word, so that only the word decides.
+TEST(SheetHandles, OnlyListedVersionsFrom54To180AreAccepted) {
   const TempFolder folder;
   auto sheet = makeSheet();
   save(folder, *sheet);
@@ -266,12 +266,12 @@ TEST(SheetHandlesByHand, OnlyTheWordsOfTheListFrom54To180AreTaken) {
     EXPECT_EQ(handle == mark, status != 0) << word;
     if (status == 0) FreeSheetHandle(handle);
   }
-  // The loader alone reads a file of version 500.
+  // Only the loader reads a file of version 500.
   const std::string path = folder.overwrite("sheet.sht", Bytes().u16(500));
   EXPECT_EQ(LoadOldSheet(path.c_str(), sheet.get()), 0);
 }
 
-TEST(SheetHandlesByHand, PathsWordsAndPointersDecideInThatOrderAndNoFileStaysOpen) {
+TEST(SheetHandles, PathsVersionsAndPointersAreCheckedInThatOrderAndFilesAreClosed) {
   const TempFolder folder;
   auto sheet = makeSheet();
   const std::string good = save(folder, *sheet), missing = folder.path("missing.sht");
@@ -304,7 +304,7 @@ TEST(SheetHandlesByHand, PathsWordsAndPointersDecideInThatOrderAndNoFileStaysOpe
 }
 
 // What the loader makes of a cut file, the handle and the query make of it too; the query hides the failure.
-TEST(SheetHandlesByHand, ACutBodyGivesTheStatusOfTheLoadAndTheFactsOfTheSheetOnlyWhereThatIsZero) {
+TEST(SheetHandles, CutBodyReturnsTheStatusOfTheLoad) {
   const TempFolder folder;
   for (int version : {54, 130, 140, 154, 180}) {
     auto sheet = makeSheet();
@@ -349,7 +349,7 @@ void fillTexts(OldSheet& sheet, char letter) {
   put(sheet.machine.path, letter == 0 ? "" : full);
 }
 
-TEST(SheetInfoByHand, TheTextsAndNumbersOfEachVersionComeOut) {
+TEST(SheetInfo, TextsAndNumbersOfEachVersionAreCopiedOut) {
   const TempFolder folder;
   for (int version : kVersions) {
     auto sheet = makeSheet();
@@ -380,7 +380,7 @@ TEST(SheetInfoByHand, TheTextsAndNumbersOfEachVersionComeOut) {
                                      "STEEL.mat"};
     for (std::size_t i = 0; i < 9; ++i) {
       EXPECT_STREQ(info.texts[i].data(), expected[i].c_str()) << version << " text " << i;
-      EXPECT_EQ(info.texts[i][expected[i].size() + 1], '#') << "behind the NUL of text " << i;
+      EXPECT_EQ(info.texts[i][expected[i].size() + 1], '#') << "after the NUL of text " << i;
     }
     EXPECT_EQ(info.sizes, (std::array<float, 3>{2500.25F, -0.5F, 0.125F})) << version;
     EXPECT_EQ(info.late, version >= 140 ? 1.0 / 3 : 0.0) << version;
@@ -391,7 +391,7 @@ TEST(SheetInfoByHand, TheTextsAndNumbersOfEachVersionComeOut) {
   }
 }
 
-TEST(SheetInfoByHand, TextsWithoutANulAreTakenUpToTheirWidthAndEmptyOnesLeaveTheirNulAlone) {
+TEST(SheetInfo, TextsWithoutANulAreCopiedUpToTheirWidth) {
   const TempFolder folder;
   for (char letter : {'x', '\0'}) {
     auto sheet = makeSheet();
@@ -407,7 +407,7 @@ TEST(SheetInfoByHand, TextsWithoutANulAreTakenUpToTheirWidthAndEmptyOnesLeaveThe
   }
 }
 
-TEST(SheetInfoByHand, BothStringsAreCopiedOnlyIfTheirLengthIsBelowTheSizeAndTheLengthComesAlways) {
+TEST(SheetInfo, StringsAreCopiedOnlyIfTheyFitAndTheirLengthAlwaysReturned) {
   const TempFolder folder;
   auto sheet = makeSheet();
   put(addPart(*sheet, {{2}}).partName, "A");
@@ -505,7 +505,7 @@ SheetPtr makeNest(const std::string& words) {
   return sheet;
 }
 
-TEST(SheetInfoByHand, TheToolsOfTheNestAreCollectedByTheRules) {
+TEST(SheetInfo, ToolsOfTheNestAreCollectedByTheRules) {
   const struct {
     const char* nest;
     std::vector<int> used;
@@ -541,7 +541,7 @@ TEST(SheetInfoByHand, TheToolsOfTheNestAreCollectedByTheRules) {
   }
 }
 
-TEST(SheetInfoByHand, TheFirst28ItemsOfTheSheetHaveNoInfluence) {
+TEST(SheetInfo, First28ItemsOfTheSheetAreIgnored) {
   for (int count : {1, 27, 28}) {
     auto sheet = makeSheet();
     sheet->patternItems.assign(static_cast<std::size_t>(count), item(2));
@@ -551,7 +551,7 @@ TEST(SheetInfoByHand, TheFirst28ItemsOfTheSheetHaveNoInfluence) {
   }
 }
 
-TEST(SheetInfoByHand, ASlotNamesAToolByItsUseItsActivityAndItsChoice) {
+TEST(SheetInfo, SlotNamesAToolByItsUseItsActivityAndItsChoice) {
   for (int use : {0, 1, 2, 257, 65535}) {
     for (int active : {0, 1, 128, 255}) {
       for (int choice : {0, 1, 255}) {
@@ -573,7 +573,7 @@ TEST(SheetInfoByHand, ASlotNamesAToolByItsUseItsActivityAndItsChoice) {
   }
 }
 
-TEST(SheetInfoByHand, APartsSlotCountIsUnsignedAndTheSheetsIsSigned) {
+TEST(SheetInfo, SlotCountOfAPartIsUnsignedAndThatOfTheSheetSigned) {
   for (int count : {0, 1, 2, 126, 127, 128, 200, 249, 250}) {
     auto sheet = makeSheet();
     TorvPart& part = addPart(*sheet, {});
@@ -586,7 +586,7 @@ TEST(SheetInfoByHand, APartsSlotCountIsUnsignedAndTheSheetsIsSigned) {
   }
 }
 
-TEST(SheetInfoByHand, OnlyTheBitOfValueTwoMakesAStationSpecialAndOnlyTheMachinesFirstTwoListsAreTaken) {
+TEST(SheetInfo, OnlyTheSecondBitMakesAStationSpecialAndOnlyTheFirstTwoListsAreUsed) {
   for (int byte = 0; byte < 256; ++byte) {
     SheetPtr sheet = makeNest("G P i5");
     markSpecial(*sheet, 2, static_cast<std::uint8_t>(byte));
@@ -594,11 +594,11 @@ TEST(SheetInfoByHand, OnlyTheBitOfValueTwoMakesAStationSpecialAndOnlyTheMachines
     EXPECT_EQ(toolsOf(*sheet), "," + tool(5) + ((byte / 2) % 2 == 1 ? tool(2) : "")) << byte;
   }
   SheetPtr sheet = makeNest("*3 P i5");
-  sheet->partList.parts[0].profiles = {profile()};  // a part's own profiles are not looked at
+  sheet->partList.parts[0].profiles = {profile()};  // a part's own profiles are ignored
   EXPECT_EQ(toolsOf(*sheet), "," + tool(5));
 }
 
-TEST(SheetInfoByHand, AProfileCountsByItsCodeItsMotionKindAndBothConditions) {
+TEST(SheetInfo, ProfileIsUsedByItsCodeItsMotionKindAndBothConditions) {
   const std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
   const struct {
     ProfileRecord record;
@@ -636,7 +636,7 @@ TEST(SheetInfoByHand, AProfileCountsByItsCodeItsMotionKindAndBothConditions) {
 }
 
 // Below 90 a slot names no tool, below 80 a profile has no code.
-TEST(SheetInfoByHand, EachVersionTellsTheToolsThatItsFileStores) {
+TEST(SheetInfo, EachVersionReportsTheToolsThatItsFileStores) {
   for (int version : kVersions) {
     auto sheet = makeSheet();
     markSpecial(*sheet, 6);
@@ -651,7 +651,7 @@ TEST(SheetInfoByHand, EachVersionTellsTheToolsThatItsFileStores) {
   }
 }
 
-TEST(SheetInfoByHand, EachToolIsPrintedByItsCode) {
+TEST(SheetInfo, EachToolIsPrintedByItsCode) {
   const float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
   const struct {
     std::int32_t code;
@@ -690,7 +690,7 @@ TEST(SheetInfoByHand, EachToolIsPrintedByItsCode) {
   }
 }
 
-TEST(SheetInfoByHand, SpecialToolsOfOneNameInTwoFoldersAreOneText) {
+TEST(SheetInfo, SpecialToolsOfOneNameInTwoFoldersAreOneText) {
   auto sheet = makeSheet();
   auto& tools = sheet->machine.stationsA.tools;
   for (std::size_t i : {0U, 1U, 2U, 4U}) tools[i].shapeCode = 108;
@@ -702,7 +702,7 @@ TEST(SheetInfoByHand, SpecialToolsOfOneNameInTwoFoldersAreOneText) {
   EXPECT_EQ(toolsOf(*sheet), ",108 star  0.000,108 Star  0.000,108 star  0.000,");
 }
 
-TEST(SheetInfoByHand, ACountedToolNumberOnePastTheLastStationEndsTheProcess) {
+TEST(SheetInfo, UsedToolNumberOnePastTheLastStationEndsTheProcess) {
   const std::pair<const char*, std::function<void(OldSheet&)>> cases[] = {
       {"item",
        [](OldSheet& s) {
@@ -726,7 +726,7 @@ TEST(SheetInfoByHand, ACountedToolNumberOnePastTheLastStationEndsTheProcess) {
   }
 }
 
-TEST(SheetInfoByHand, AnIgnoredToolNumberOnePastTheLastStationIsHarmless) {
+TEST(SheetInfo, IgnoredToolNumberOnePastTheLastStationIsHarmless) {
   auto sheet = makeSheet();
   sheet->patternItems.assign(28, item(7));
   addSlots(*sheet, {7, 7, 2, 1, 8, 9});
@@ -748,7 +748,7 @@ TEST(SheetInfoByHand, AnIgnoredToolNumberOnePastTheLastStationIsHarmless) {
   EXPECT_EQ(toolsOf(*sheet), ",");
 }
 
-// ---- the tool list, told a second time ------------------------------------------------------------------
+// ---- the tool list, implemented a second time ------------------------------------------------------------------
 
 struct Told {
   std::string text = ",";
@@ -879,7 +879,7 @@ class Dice {
   std::mt19937 engine_;
 };
 
-TEST(SheetInfoByHand, TheToolsOfThousandsOfRandomSheetsAreThoseOfTheRulesToldASecondTime) {
+TEST(SheetInfo, ToolsOfRandomSheetsFollowASecondImplementationOfTheRules) {
   const TempFolder folder;
   Dice dice(20240611);
   int told = 0, second = 0, special = 0, dropped = 0, slots = 0, items = 0;
@@ -955,7 +955,7 @@ const std::vector<std::string> kKeys = {"Material_Group",
                                         "sheet_utilization",
                                         "sheet_sequence_size"};
 
-// What stands in the value behind the query; "#" where it was left alone. Nothing is written behind the NUL.
+// What is in the value after the query; "#" where it was not changed. Nothing is written after the NUL.
 std::string value(const OldSheet& sheet, const std::string& key) {
   std::string buffer(60000, '#');
   EXPECT_EQ(GetOldSheetInfoByName(&sheet, key.c_str(), buffer.data()), 0) << key;
@@ -1006,7 +1006,7 @@ SheetPtr makeAnswers() {
   return sheet;
 }
 
-TEST(SheetKeysByHand, EachKeyGivesItsFact) {
+TEST(SheetKeys, EachKeyReturnsItsValue) {
   const SheetPtr sheet = makeAnswers();
   const std::string expected[14] = {"GROUP %d",
                                     "2500.500000",
@@ -1028,7 +1028,7 @@ TEST(SheetKeysByHand, EachKeyGivesItsFact) {
   EXPECT_EQ(value(*sheet, "part_details_01"), "A|1.000000|2.000000|6|W|;");
 }
 
-TEST(SheetKeysByHand, AnEmptySheetAnswersEveryKey) {
+TEST(SheetKeys, EmptySheetSupportsEveryKey) {
   const auto sheet = std::make_unique<OldSheet>();
   const std::string expected[14] = {"", "60.000000", "45.000000", "0", "",         "",         "",
                                     "", "",          "0.048000",  "",  "0.000000", "0.000000", "0"};
@@ -1036,7 +1036,7 @@ TEST(SheetKeysByHand, AnEmptySheetAnswersEveryKey) {
   EXPECT_EQ(groupIds(*sheet), "");
 }
 
-TEST(SheetKeysByHand, NullPointersAreRefusedWhateverTheKey) {
+TEST(SheetKeys, NullPointersAreRefusedWhateverTheKey) {
   const auto sheet = std::make_unique<OldSheet>();
   char buffer[300] = "kept";
   for (const std::string& key : kKeys) {
@@ -1050,7 +1050,7 @@ TEST(SheetKeysByHand, NullPointersAreRefusedWhateverTheKey) {
   EXPECT_STREQ(buffer, "kept");
 }
 
-TEST(SheetKeysByHand, CaseIsFoldedForLettersAToZAndEveryOtherChangeMakesAKeyUnknown) {
+TEST(SheetKeys, CaseIsIgnoredForLettersAToZOnly) {
   const SheetPtr sheet = makeAnswers();
   std::set<std::string> known;
   for (const std::string& key : kKeys) known.insert(lower(key));
@@ -1080,7 +1080,7 @@ TEST(SheetKeysByHand, CaseIsFoldedForLettersAToZAndEveryOtherChangeMakesAKeyUnkn
   EXPECT_EQ(value(*sheet, ""), "#");
 }
 
-TEST(SheetKeysByHand, NumbersThatAreNoneAndTheLargestArePrintedAsInTheCLocale) {
+TEST(SheetKeys, NanInfinityAndTheLargestNumbersArePrintedAsInTheCLocale) {
   const auto sheet = std::make_unique<OldSheet>();
   const float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
   const std::pair<float, const char*> cases[] = {
@@ -1110,7 +1110,7 @@ TEST(SheetKeysByHand, NumbersThatAreNoneAndTheLargestArePrintedAsInTheCLocale) {
   if (comma.isSet()) check();
 }
 
-TEST(SheetKeysByHand, TheQuantityIsASumOfProductsIn32Bits) {
+TEST(SheetKeys, QuantityIsASumOfProductsIn32Bits) {
   const struct {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> grids;
     const char* text;
@@ -1141,7 +1141,7 @@ TEST(SheetKeysByHand, TheQuantityIsASumOfProductsIn32Bits) {
   }
 }
 
-TEST(SheetKeysByHand, TextsWithoutANulAreTakenUpToTheirWidth) {
+TEST(SheetKeys, TextsWithoutANulAreCopiedUpToTheirWidth) {
   const SheetPtr sheet = makeSheet();
   const std::string a(256, 'a'), b(256, 'b'), n(256, 'n'), p(260, 'p'), w(256, 'w');
   put(sheet->materialGroup, a);
@@ -1160,7 +1160,7 @@ TEST(SheetKeysByHand, TextsWithoutANulAreTakenUpToTheirWidth) {
   EXPECT_EQ(value(*sheet, "preSkeletonDosName"), std::string(260, 's'));
 }
 
-TEST(SheetKeysByHand, TheListsOfManyPartsKeepTheirOrderAndLoseTheirLastBarAlone) {
+TEST(SheetKeys, ListsOfManyPartsKeepTheirOrderAndLoseOnlyTheirLastBar) {
   const auto sheet = std::make_unique<OldSheet>();
   std::string plain, numbered, named, details, ids;
   for (int i = 0; i < 300; ++i) {
@@ -1194,7 +1194,7 @@ TEST(SheetKeysByHand, TheListsOfManyPartsKeepTheirOrderAndLoseTheirLastBarAlone)
   EXPECT_EQ(groupIds(*sheet), ids);
 }
 
-TEST(SheetKeysByHand, TheSkeletonsNameIsAFormatWithoutValues) {
+TEST(SheetKeys, NameOfTheSkeletonIsAFormatWithoutValues) {
   const std::string blanks(260, ' '), zeros(260, '0');
   const std::pair<std::string, std::string> cases[] = {
       {"", ""},
@@ -1292,8 +1292,8 @@ TEST(SheetKeysByHand, TheSkeletonsNameIsAFormatWithoutValues) {
   }
 }
 
-// Whatever the name, the answer is a text of at most 260 characters, and a name without "%" comes out as it stands.
-TEST(SheetKeysByHand, NoSkeletonNameLeadsOutsideTheAnswer) {
+// Whatever the name, the result is a text of at most 260 characters, and a name without "%" is copied as it is.
+TEST(SheetKeys, NoSkeletonNameWritesOutsideTheResult) {
   const auto sheet = std::make_unique<OldSheet>();
   Dice dice(77);
   const std::string letters = "%%%%%0123456789.*$-+ #'hlLjztqIwdiuoxXfFeEgGaAcCsSpnm\\/:y";
@@ -1310,7 +1310,7 @@ TEST(SheetKeysByHand, NoSkeletonNameLeadsOutsideTheAnswer) {
   }
 }
 
-TEST(SheetKeysByHand, TheCutAreaSumsTheSeventhValueOfShapesWithTheRightMark) {
+TEST(SheetKeys, CutAreaSumsTheSeventhValueOfMarkedShapes) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const struct {
     int type;
@@ -1349,13 +1349,13 @@ TEST(SheetKeysByHand, TheCutAreaSumsTheSeventhValueOfShapesWithTheRightMark) {
         sheet->skeletonShapes.shapes.back().values[8] = -0.17456F;
       }
     }
-    sheet->shapes = sheet->skeletonShapes;  // the sheet's own shapes are not looked at
+    sheet->shapes = sheet->skeletonShapes;  // the sheet's own shapes are ignored
     sheet->shapes.shapes.resize(1);
     EXPECT_EQ(value(*sheet, "totalSknPartCutArea"), text);
   }
 }
 
-TEST(SheetKeysByHand, TheGroupIdsAboveZeroOfEachPartStandBeforeItsComma) {
+TEST(SheetKeys, GroupIdsAboveZeroOfEachPartComeBeforeItsComma) {
   const std::pair<std::vector<std::vector<std::uint32_t>>, const char*> cases[] = {
       {{}, ""},
       {{{}}, ","},
@@ -1375,7 +1375,7 @@ TEST(SheetKeysByHand, TheGroupIdsAboveZeroOfEachPartStandBeforeItsComma) {
   }
 }
 
-TEST(SheetKeysByHand, AHandleOfAnOlderFileAnswersWithWhatItsVersionStores) {
+TEST(SheetKeys, HandleOfAnOlderFileHasWhatItsVersionStores) {
   const TempFolder folder;
   for (int version : kVersions) {
     SheetPtr sheet = makeAnswers();

@@ -92,7 +92,7 @@ std::string saved(const TempFolder& folder, OldMachine& machine, int version, co
   return path;
 }
 
-// ---- one call of each function, with outputs that tell whether they were touched ------------------
+// ---- one call of each function, with outputs that show whether they were changed ------------------
 
 constexpr char kMark = 'Z';
 
@@ -154,7 +154,7 @@ struct OneStation {
   }
 };
 
-// Text and NUL, and nothing behind.
+// Text and NUL, and nothing after it.
 void expectCopied(const char* buffer, std::size_t size, const std::string& text) {
   EXPECT_EQ(std::string(buffer, text.size() + 1), text + '\0');
   for (std::size_t i = text.size() + 1; i < size; ++i) ASSERT_EQ(buffer[i], kMark) << i;
@@ -162,7 +162,7 @@ void expectCopied(const char* buffer, std::size_t size, const std::string& text)
 
 // ---- the two functions on the current machine -----------------------------------------------------
 
-TEST(MachineQueriesByHand, HandsOutWhatTheMachineHoldsAtEveryVersion) {
+TEST(MachineQueries, CopiesOutTheMachineAtEveryVersion) {
   const TempFolder folder;
   for (int version = 152; version <= 180; ++version) {
     if (!isKnown(version)) continue;
@@ -191,7 +191,7 @@ TEST(MachineQueriesByHand, HandsOutWhatTheMachineHoldsAtEveryVersion) {
   }
 }
 
-TEST(MachineQueriesByHand, TakesATextThatFillsItsFieldUpToItsWidth) {
+TEST(MachineQueries, TextThatFillsItsFieldIsCopiedUpToItsWidth) {
   const TempFolder folder;
   const auto machine = machineOf({});
   char* const texts[] = {machine->displayName, machine->machineText2, machine->secondText, machine->lateText1};
@@ -209,7 +209,7 @@ TEST(MachineQueriesByHand, TakesATextThatFillsItsFieldUpToItsWidth) {
   EXPECT_EQ(static_cast<std::uint32_t>(info.out.infoStationWord), 0x89ABCDEFU);
 }
 
-TEST(MachineQueriesByHand, JudgesEveryVersionWordByItsListOrItsRange) {
+TEST(MachineQueries, EveryVersionWordIsAcceptedByItsListOrItsRange) {
   const TempFolder folder;
   for (int version = -32768; version <= 32767; ++version) {
     if ((version < -2 || version > 600) && version % 1023 != 0) continue;
@@ -225,7 +225,7 @@ TEST(MachineQueriesByHand, JudgesEveryVersionWordByItsListOrItsRange) {
   }
 }
 
-TEST(MachineQueriesByHand, AnswersMissingShortAndUnnamedFiles) {
+TEST(MachineQueries, MissingShortAndUnnamedFilesReturnTheirStatus) {
   const TempFolder folder;
   for (const auto& [path, status] :
        {std::pair{folder.path("nothing"), -2}, std::pair{std::string(), -2},
@@ -240,7 +240,7 @@ TEST(MachineQueriesByHand, AnswersMissingShortAndUnnamedFiles) {
   EXPECT_TRUE(unnamed.status == -2 && unnamed.untouched());
 }
 
-TEST(MachineQueriesByHand, HidesTheFailureOfALoadButNotInTheFigures) {
+TEST(MachineQueries, FailureOfALoadShowsOnlyInTheFigures) {
   const TempFolder folder;
   const auto machine = machineOf({{}, {}});
   for (const int version : {152, 180}) {
@@ -264,7 +264,7 @@ TEST(MachineQueriesByHand, HidesTheFailureOfALoadButNotInTheFigures) {
   }
 }
 
-TEST(MachineQueriesByHand, KeepsWhatALaterFileDoesNotStore) {
+TEST(MachineQueries, KeepsWhatALaterFileDoesNotStore) {
   const TempFolder folder;
   const auto first = machineOf({{}});
   ASSERT_EQ(Information(saved(folder, *first, 180)).status, 0);
@@ -278,10 +278,10 @@ TEST(MachineQueriesByHand, KeepsWhatALaterFileDoesNotStore) {
   EXPECT_STREQ(Information(path).out.infoText1, "the second text");
 }
 
-TEST(MachineQueriesByHand, LoadsVersion53ForTheFiguresAlone) {
+TEST(MachineQueries, Version53LoadsOnlyForTheFigures) {
   const TempFolder folder;
   for (const int version : {52, 53, 55, 59}) {
-    // What a save stores beyond these versions stands behind all that their load asks for.
+    // What a save stores beyond these versions comes after all that a load of them reads.
     const std::string path = saved(folder, *machineOf({{}}), version);
     OldMachine loaded;
     EXPECT_EQ(LoadOldMachine(path.c_str(), &loaded), 0) << version;
@@ -293,7 +293,7 @@ TEST(MachineQueriesByHand, LoadsVersion53ForTheFiguresAlone) {
   }
 }
 
-TEST(MachineQueriesByHand, KeepsTheLaterFieldsOfAnEarlierFileOfAHigherVersion) {
+TEST(MachineQueries, KeepsTheLaterFieldsOfAnEarlierFileOfAHigherVersion) {
   const TempFolder folder;
   const auto first = machineOf({{}, {}});
   const std::string late = saved(folder, *first, 180, "late.mch");
@@ -312,7 +312,7 @@ TEST(MachineQueriesByHand, KeepsTheLaterFieldsOfAnEarlierFileOfAHigherVersion) {
   EXPECT_TRUE(info.out.infoExtra1 == 0U && info.out.infoStationCount == 1);
 }
 
-TEST(MachineQueriesByHand, CountsNoStationsInAProcessThatNeverHadAny) {
+TEST(MachineQueries, CountsNoStationsInAProcessThatNeverHadAny) {
   if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TempFolder folder;
@@ -322,7 +322,7 @@ TEST(MachineQueriesByHand, CountsNoStationsInAProcessThatNeverHadAny) {
 
 // ---- stations ------------------------------------------------------------------------------------
 
-TEST(MachineQueriesByHand, TellsOfEachStationAndItsTool) {
+TEST(MachineQueries, CopiesOutEachStationAndItsTool) {
   const TempFolder folder;
   std::vector<Station> stations;
   for (const std::int32_t toolCount : {-1, 0, 1, 5})
@@ -362,7 +362,7 @@ TEST(MachineQueriesByHand, TellsOfEachStationAndItsTool) {
   }
 }
 
-TEST(MachineQueriesByHand, AnswersAboutTheLastMachineThatWasLoaded) {
+TEST(MachineQueries, QueriesAreAboutTheLastLoadedMachine) {
   const TempFolder folder;
   ASSERT_EQ(Information(saved(folder, *machineOf({{}, {}}), 180)).status, 0);
   Station other;
@@ -377,7 +377,7 @@ TEST(MachineQueriesByHand, AnswersAboutTheLastMachineThatWasLoaded) {
   EXPECT_EQ(OneStation(0).limits[0], 55);
 }
 
-TEST(MachineQueriesByHand, EndsTheProcessAtAnIndexOutsideTheStations) {
+TEST(MachineQueries, EndsTheProcessAtAnIndexOutsideTheStations) {
   if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TempFolder folder;
@@ -396,7 +396,7 @@ TEST(MachineQueriesByHand, EndsTheProcessAtAnIndexOutsideTheStations) {
 // ---- the figures ---------------------------------------------------------------------------------
 
 // A load that fails in the tool of the second station leaves that station without one.
-TEST(MachineQueriesByHand, EndsTheProcessAtAStationWithoutATool) {
+TEST(MachineQueries, EndsTheProcessAtAStationWithoutATool) {
   if (!testing_support::kStartsProcesses) GTEST_SKIP() << "an emulated processor";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TempFolder folder;
@@ -419,7 +419,7 @@ TEST(MachineQueriesByHand, EndsTheProcessAtAStationWithoutATool) {
       "");
 }
 
-TEST(MachineQueriesByHand, GivesFiguresThatFollowTheKindOfTheMachineAndTheLimitsOfItsStations) {
+TEST(MachineQueries, FiguresFollowTheKindOfTheMachineAndTheLimitsOfItsStations) {
   const TempFolder folder;
   const auto limited = [](float a, float b, float c, float d) { return Station{{a, b, c, d}}; };
   struct Case {
@@ -450,7 +450,7 @@ TEST(MachineQueriesByHand, GivesFiguresThatFollowTheKindOfTheMachineAndTheLimits
       }
 }
 
-TEST(MachineQueriesByHand, RefusesAMachineWithTrailerValuesOfShapes) {
+TEST(MachineQueries, RefusesAMachineWithTrailerValuesOfShapes) {
   const TempFolder folder;
   const auto machine = machineOf({{}});
   machine->smallValue = 0x100;  // its second byte is what a load takes for the mark

@@ -14,7 +14,7 @@
 #include "src/material/material_io.h"
 #include "src/records/record_io.h"
 #include "tests/support/files.h"
-#include "tests/support/stored_forms.h"
+#include "tests/support/stored_forms/machines.h"
 
 namespace {
 
@@ -22,638 +22,7 @@ using namespace oldtorvio;
 using namespace testing_support;
 
 constexpr std::size_t kWhole = std::numeric_limits<std::size_t>::max();
-using Starts = std::map<int, std::size_t>;
-
-// What a stored body looks like. `writer`: as the writer lays it out, else as a file may hold it.
-struct Form {
-  bool writer = false;
-  bool limits = true, second = true, shapes = false, extension = true, steps = true;
-  int width = 256, secondWidth = 256;
-  int blockMode = 2, gridMode = 2, programMode = 1;
-  int segments = 2;
-  std::int32_t lateLength = 5;  // of what stands unread behind it
-};
-
-struct MachineMaker : Maker {
-  Starts starts;  // where each order begins
-  void order(int n) { starts[n] = bytes.size(); }
-  bool reached(int, std::size_t) const { return true; }
-  void raw(const Bytes& b) { bytes.add(b); }
-  void column(std::string& field, const std::string& value, int, std::size_t) {
-    field = value;
-    bytes.text(256, value);
-  }
-};
-
-struct MachineChecker : Checker {
-  explicit MachineChecker(std::size_t cutAt = kWhole, const Starts* s = nullptr)
-      : Checker(cutAt), cut(cutAt), starts(s) {}
-  std::size_t cut;
-  const Starts* starts;
-  void order(int) {}
-  // Whether the first `size` bytes of an order arrived.
-  bool reached(int n, std::size_t size) const {
-    return starts == nullptr ? cut == kWhole : starts->at(n) + size <= cut;
-  }
-  void raw(const Bytes& b) { zeros(b.size()); }
-  void column(std::string& field, const std::string& value, int n, std::size_t end) {
-    zeros(256);
-    EXPECT_EQ(field, reached(n, end) ? value : std::string());
-  }
-};
-
-// Fields behind a gate: where they are absent a record has to show its defaults.
-template <class M, class Fn>
-void since(M& m, bool there, Fn fn) {
-  if (there) {
-    fn(m);
-  } else if constexpr (!M::kMakes) {
-    MachineChecker none(0);
-    fn(none);
-  }
-}
-template <class M, class... T>
-void numbers(M& m, T&... fields) {
-  (m.number(fields), ...);
-}
-template <class M, class V, class... T>
-void numbersOr(M& m, V fresh, T&... fields) {
-  (numberOr(m, fields, static_cast<T>(fresh)), ...);
-}
-template <class M, std::size_t N>
-void someText(M& m, char (&field)[N], std::size_t width, char first) {
-  m.together(width);
-  for (std::size_t i = 0; i < width; ++i) m.fixed(field[i], first + static_cast<char>(i % 7));
-}
-
-// ---- the tables ----------------------------------------------------------------------------------
-
-template <class M>
-void storedClamp(M& m, int count, int base, ClampInfo& c) {
-  for (auto* word : {&c.clampWord1, &c.clampWord2, &c.clampWord3, &c.clampWord4}) m.fixed(*word, base++);
-  fixedOr(m, c.clampCount, count, 2);
-  for (int i = 0; i < count; ++i) fixedOr(m, c.clampPositions[i], base++, 5.5F * static_cast<float>(i + 1));
-  fixedOr(m, c.clampSpacing, base, 5.5F);
-}
-
-template <class M>
-void storedFrame(M& m, int version, MachineFrame& f) {
-  numbersOr(m, 15.75F, f.frameValue1);
-  numbersOr(m, 1.65F, f.frameValue2);
-  numbersOr(m, 31.5F, f.frameValue3);
-  since(m, version >= 60, [&](auto& n) {
-    numbersOr(n, 0.0F, f.frameValue4);
-    numbersOr(n, 10.0F, f.frameValue5, f.frameValue6);
-    numbersOr(n, 0.0F, f.frameValue9);
-    numbersOr(n, 0.8F, f.frameValue10, f.frameValue11);
-  });
-  since(m, version >= 157, [&](auto& n) { numbers(n, f.frameValue7, f.frameValue8); });
-}
-
-template <class M>
-void storedArea(M& m, WorkArea& a) {
-  const float fresh[4] = {0, 0, 60.0F, 45.0F};
-  m.together(16);
-  for (int i = 0; i < 4; ++i) numbersOr(m, fresh[i], a.areaValues[i]);
-  m.block(a.areaTail);
-}
-
-template <class M>
-void storedProgram(M& m, int version, int thirdWord, ShapeProgram& p) {
-  numbersOr(m, 1, p.programWord1, p.programWord2);
-  numbersOr(m, thirdWord, p.programWord3);
-  numbers(m, p.programWord4);
-  numbersOr(m, 1, p.programWord5);
-  numbers(m, p.programWord6);
-  numbersOr(m, 0.008F, p.programValue1);
-  numbersOr(m, 0.5F, p.programValue2);
-  numbersOr(m, 0.25F, p.programValue3);
-  numbersOr(m, 1.0F, p.programValue4);
-  m.size(p.programGroups, 2);
-  for (ShapeProgramGroup& g : p.programGroups) {
-    storedShapeList(m, version, {ShapeForm{}}, g.groupShapes);
-    m.size(g.groupQuads, 2);
-    for (GroupQuad& q : g.groupQuads) each(m, q.quadWords);
-    m.size(g.groupSteps, 1);
-    for (StepTable& t : g.groupSteps) storedSteps(m, version, 2, t);
-    m.size(g.groupSlots, 2);
-    for (ProcessSlot& s : g.groupSlots) storedSlot(m, version, s);
-  }
-  since(m, version >= 158, [&](auto& n) { n.number(p.programWord7); });
-}
-
-template <class M>
-void storedProgramEx(M& m, int version, ShapeProgramEx& p) {
-  storedProgram(m, version, 0, p);
-  numbers(m, p.extFlag1);
-  numbersOr(m, 0.5F, p.extValue1);
-  numbersOr(m, 1.0F, p.extValue2);
-  numbersOr(m, 1, p.extFlag2);
-  numbersOr(m, 1.5F, p.extValue3);
-  numbersOr(m, 1, p.extFlag3);
-}
-
-template <class M>
-void storedGrid(M& m, std::size_t cells, MachineGrid& g) {
-  m.together(8);
-  numbers(m, g.gridHead1, g.gridHead2);
-  fixedOr(m, g.cellByteCount, cells, 40000);
-  m.together(cells);
-  for (std::size_t i = 0; i < cells; ++i)
-    fixedOr(m, g.gridCells[i], (i * 7 + 3) & 0xFFU, static_cast<std::uint8_t>(i < 10000 ? 1 : 0));
-  numbersOr(m, 5.0F, g.cellSizeX, g.cellSizeY);
-  fixedOr(m, g.gridWidth, 4321, 10);
-  numbersOr(m, 8, g.gridValue1);
-  numbersOr(m, 1.0F, g.gridValue2);
-}
-
-template <class M>
-void storedSegment(M& m, GridSegment& s) {
-  m.block(s.segmentHead);
-  numbersOr(m, 1.0F, s.segmentValue);
-  numbers(m, s.segmentWord);
-  numbersOr(m, 2, s.segmentKind);
-}
-
-template <class M>
-void storedExtension(M& m, MachineExtension& e) {
-  numbersOr(m, 2, e.extensionValue1);
-  numbers(m, e.extensionValue2, e.extensionValue3, e.extensionValue4);
-  numbersOr(m, 1, e.extensionValue5, e.extensionValue6);
-  numbers(m, e.extensionValue7, e.extensionValue8);
-  numbersOr(m, 1, e.extensionValue9);
-  numbersOr(m, 11, e.extensionValue10);
-  numbersOr(m, 0.005F, e.extensionValue11, e.extensionValue12);
-  m.together(8);
-  numbersOr(m, -26.0F, e.extensionValue13);
-  numbers(m, e.extensionValue14);
-  numbersOr(m, 31.5F, e.extensionValue15, e.extensionValue16);
-  m.together(16);
-  numbersOr(m, -26.0F, e.extensionValue17);
-  numbers(m, e.extensionValue18);
-  numbersOr(m, 72.4F, e.extensionValue19);
-  numbersOr(m, 50.9F, e.extensionValue20);
-  m.together(16);
-  numbersOr(m, -26.0F, e.extensionValue21);
-  numbers(m, e.extensionValue22);
-  numbersOr(m, 72.4F, e.extensionValue23);
-  numbersOr(m, 50.9F, e.extensionValue24);
-  numbers(m, e.extensionValue25, e.extensionValue26);
-  numbersOr(m, 1.85F, e.extensionValue27);
-  numbersOr(m, 3.4F, e.extensionValue28, e.extensionValue29);
-  numbersOr(m, 26.0F, e.extensionValue30);
-  numbersOr(m, 31.5F, e.extensionValue31);
-  numbersOr(m, 23.62F, e.extensionValue32, e.extensionValue33);
-  numbersOr(m, 59.0F, e.extensionValue34);
-  numbersOr(m, 31.5F, e.extensionValue35);
-  numbersOr(m, 98.4F, e.extensionValue36);
-  numbersOr(m, 49.2F, e.extensionValue37);
-  numbersOr(m, 0.04F, e.extensionValue38);
-  numbersOr(m, 0.394F, e.extensionValue39);
-  numbersOr(m, 10.63F, e.extensionValue40);
-  numbersOr(m, 68.11F, e.extensionValue41);
-  numbersOr(m, 5.906F, e.extensionValue42);
-  numbersOr(m, 0.005F, e.extensionValue43);
-  numbers(m, e.extensionValue44);
-  m.together(8);
-  numbers(m, e.extensionValue45, e.extensionValue46);
-  numbersOr(m, 59.0F, e.extensionValue47);
-  numbersOr(m, 31.5F, e.extensionValue48);
-  numbersOr(m, 0.5F, e.extensionValue49);
-  numbersOr(m, 1, e.extensionValue50);
-  if (!m.reached(30, 4 * 50 + 4)) e.extensionWords.assign(3, 0);  // cut: whichever words a record holds
-  m.size(e.extensionWords, 3);
-  for (std::int32_t& word : e.extensionWords) m.number(word);
-}
-
-template <class M>
-void storedUnits(M& m, int version, std::size_t units, MachineUnitTable& t) {
-  numbers(m, t.unitFlag1, t.unitFlag2);
-  numbers(m, t.unitValue1, t.unitValue2, t.unitValue3, t.unitValue4, t.unitValue5, t.unitValue6);
-  numbersOr(m, 1, t.unitValue7);
-  m.size(t.units, units);
-  std::size_t entries = 2;
-  for (MachineUnit& u : t.units) {
-    numbers(m, u.unitKey1, u.unitKey2);
-    m.size(u.unitEntries, entries);
-    entries = 0;
-    for (MachineUnitEntry& e : u.unitEntries) {
-      numbers(m, e.entryValue2);
-      numbersOr(m, 1, e.entryValue3, e.entryValue8);
-      numbers(m, e.entryValue4, e.entryValue5, e.entryValue6, e.entryValue7);
-      since(m, version >= 141, [&](auto& n) { n.number(e.entryValue1); });
-    }
-  }
-  since(m, version >= 121, [&](auto& n) {
-    numbers(n, t.unitValue8, t.unitValue9, t.unitValue10, t.unitValue11);
-    numbers(n, t.unitValue12, t.unitValue13, t.unitValue14, t.unitValue15);
-    numbersOr(n, 1, t.unitValue16);
-  });
-  since(m, version >= 141, [&](auto& n) {
-    numbers(n, t.unitFlag4, t.unitValue17, t.unitValue18);
-    numbersOr(n, 1, t.unitValue19);
-    numbers(n, t.unitFlag5, t.unitValue20, t.unitValue21);
-  });
-  since(m, version >= 154, [&](auto& n) { numbersOr(n, 1, t.unitValue22); });
-}
-
-// ---- the body ------------------------------------------------------------------------------------
-
-Bytes materialBytes(int version) {
-  auto material = std::make_unique<OldMaterial>();
-  material->name = "brass";
-  material->modeA = 77;
-  return written([&](OutStream& s) { return WriteOldMaterialBody(s, version, *material); });
-}
-
-template <class M>
-void storedHeader(M& m, const Form& form, OldMachine& x) {
-  m.order(1);
-  if (form.writer) {
-    m.stored(256);
-    x.textWidth = form.width;
-  } else {
-    m.fixed(x.textWidth, form.width);
-  }
-  m.order(2);
-  someText(m, x.machineText1, static_cast<std::size_t>(form.width), 'A');
-  m.order(3);
-  numbersOr(m, 1, x.machineKind);
-  m.order(4);
-  std::size_t used = 4;
-  m.fixed(x.limitsPresent, form.limits ? 1 : 0);
-  m.order(5);
-  if (form.limits) {
-    used += 16;
-    if (m.reached(73, 0) && !M::kMakes) {
-      m.zeros(8);  // the finishing steps change them
-    } else {
-      fixedOr(m, x.limitA, 2.5, -0.1F);
-      fixedOr(m, x.limitB, 9.0, -0.1F);
-    }
-    numbersOr(m, 0.05F, x.limitC);
-    numbers(m, x.limitWord);
-  }
-  m.order(6);
-  m.fixed(x.secondTextPresent, form.second ? 1 : 0);
-  m.order(7);
-  if (form.second) {
-    used += 4 + static_cast<std::size_t>(form.secondWidth);
-    if (form.writer) {
-      m.stored(256);
-      x.secondTextWidth = form.secondWidth;
-    } else {
-      m.fixed(x.secondTextWidth, form.secondWidth);
-    }
-    someText(m, x.secondText, static_cast<std::size_t>(form.secondWidth), 'K');
-  }
-  m.order(8);
-  if (form.writer) {
-    m.number(x.smallValue);
-    used += 2;  // the other two of its four bytes
-    if (form.shapes) {
-      m.fixed(x.shapesPresent, 1);
-      used += 1;
-    }
-  } else {
-    std::int8_t small = static_cast<std::int8_t>(x.smallValue);
-    m.fixed(small, -3);
-    if constexpr (M::kMakes) x.smallValue = small;
-    m.order(9);
-    m.fixed(x.shapesPresent, form.shapes ? 1 : 0);
-  }
-  m.order(10);
-  m.raw(Bytes().fill(500 - used, form.writer ? 0 : 0xEE));
-}
-
-// Orders 23 to 34, which a negative gridMode leaves out.
-template <class M>
-void storedMiddle(M& m, int version, const Form& form, OldMachine& x) {
-  const bool skipped = form.gridMode < 0;
-  since(m, !skipped, [&](auto& n) {
-    n.order(23);
-    since(n, form.gridMode == 2, [&](auto& o) { storedGrid(o, 100, x.gridB); });
-    since(n, form.gridMode == 1 || form.gridMode == 2, [&](auto& o) { storedGrid(o, 37, x.gridA); });
-    n.order(24);
-    numbers(n, x.gridWord1);
-    numbersOr(n, 1.5707964F, x.gridAngle);
-    numbers(n, x.gridWord3);
-    n.order(25);
-    n.stored(form.segments);
-    n.order(26);
-    since(n, form.segments > 0, [&](auto& o) {
-      o.block(x.segmentBox);
-      x.segments.resize(static_cast<std::size_t>(form.segments));
-      for (GridSegment& s : x.segments) storedSegment(o, s);
-    });
-    n.order(27);
-    numbers(n, x.gridFlag1, x.gridFlag2);
-  });
-  if (!skipped) {
-    m.order(28);
-    if (m.reached(28, 16 + 4 + 4 * 2 + 4)) {
-      storedClamp(m, 2, 200, x.clampInfo);
-      if constexpr (!M::kMakes) {
-        EXPECT_EQ(x.clampInfo.clampPositions[2], 16.5F) << "of a fresh table, not of the first copy";
-      }
-    } else {
-      m.zeros(32);
-    }
-  }
-  since(m, !skipped, [&](auto& n) {
-    n.order(29);
-    n.fixed(x.hasExtension, form.extension ? -5 : 0);
-    n.order(30);
-    since(n, form.extension, [&](auto& o) { storedExtension(o, x.extension); });
-    n.order(31);
-    numbers(n, x.machineWord91, x.machineWord92);
-    n.order(32);
-    n.fixed(x.programMode, form.programMode);
-    n.order(33);
-    since(n, form.programMode == 1, [&](auto& o) { storedProgram(o, version, 1, x.programA); });
-    since(n, form.programMode == 2, [&](auto& o) { storedProgramEx(o, version, x.programB); });
-    n.order(34);
-    numbers(n, x.machineWord93, x.machineWord94, x.machineWord95, x.machineWord96);
-    if (form.writer || version < 62)
-      fixedOr(n, x.machineWord97, 88.25, 40.0F);
-    else
-      n.raw(Bytes().f32(7.5F));
-    numbers(n, x.machineWord98, x.machineWord99, x.machineWord100, x.machineWord101, x.machineWord102);
-    numbers(n, x.machineWord103, x.machineWord104, x.machineWord105, x.machineWord106, x.machineWord107);
-  });
-}
-
-template <class M>
-void storedSince60(M& m, int version, const Form& form, OldMachine& x) {
-  m.order(37);
-  since(m, version >= 60, [&](auto& n) {
-    numbersOr(n, 0.0001F, x.machineWord1);
-    numbers(n, x.machineWord2, x.machineWord3, x.machineWord4, x.machineWord5, x.machineWord6);
-    numbers(n, x.machineWord7, x.machineWord8, x.machineWord9, x.machineWord10, x.machineWord11);
-  });
-  m.order(38);
-  since(m, version >= 62, [&](auto& n) {
-    numbers(n, x.machineWord12, x.machineWord13, x.machineWord14, x.machineWord15, x.machineWord16);
-    numbers(n, x.machineWord17, x.machineWord18, x.machineWord19, x.machineWord20, x.machineWord21);
-    numbers(n, x.machineWord22, x.machineWord23, x.machineWord24);
-    numbersOr(n, 3, x.machineWord25);
-  });
-  m.order(39);
-  if (version >= 62) fixedOr(m, x.machineWord97, 88.25, form.gridMode >= 0 && m.reached(34, 20) ? 7.5F : 40.0F);
-  m.order(40);
-  since(m, version >= 62, [&](auto& n) {
-    numbers(n, x.machineWord26, x.machineWord27, x.machineWord28, x.machineWord29, x.machineWord30);
-    numbers(n, x.machineWord31, x.machineWord32, x.machineWord33, x.machineWord34, x.machineWord35);
-    numbers(n, x.machineWord36, x.machineWord37, x.machineWord38, x.machineWord39, x.machineWord40);
-    numbers(n, x.machineWord41, x.machineWord42, x.machineWord43);
-    numbersOr(n, 1, x.machineWord44);
-    numbersOr(n, -1, x.machineWord45, x.machineWord46, x.machineWord47, x.machineWord48);
-    numbersOr(n, -1, x.machineWord49, x.machineWord50, x.machineWord51, x.machineWord52);
-    numbers(n, x.machineWord53);
-    n.order(41);
-    someText(n, x.ncPath, 256, 'c');
-    n.block(x.ncExtension);
-    n.order(42);
-    numbers(n, x.machineWord54, x.machineWord55, x.machineWord56, x.machineWord57);
-    numbers(n, x.machineWord58, x.machineWord59, x.machineWord60, x.machineWord61);
-  });
-  m.order(43);
-  since(m, version >= 71, [&](auto& n) {
-    numbers(n, x.machineWord62, x.machineWord63);
-    n.order(44);
-    storedProgram(n, version, 1, x.programC);
-  });
-}
-
-template <class M>
-void storedSince80(M& m, int version, const Form& form, OldMachine& x, ShapeList& shapes) {
-  m.order(45);
-  since(m, version >= 80, [&](auto& n) {
-    storedProgramEx(n, version, x.programD);
-    n.order(46);
-    numbers(n, x.machineWord64);
-    numbersOr(n, -1, x.machineWord65, x.machineWord66);
-    numbers(n, x.machineWord67);
-    numbersOr(n, 1000, x.machineWord68);
-    numbers(n, x.machineWord69, x.machineWord70, x.machineWord71, x.machineWord72, x.machineWord73);
-    n.order(47);
-    numbers(n, x.machineWord74, x.machineWord75, x.machineWord76);
-    numbersOr(n, 2.0F, x.machineWord77);
-    numbers(n, x.machineWord78);
-    n.order(48);
-    n.block(x.wideValue1);
-    n.block(x.wideValue2);
-    n.order(49);
-    numbers(n, x.machineWord79);
-    n.order(50);
-    const Bytes material = materialBytes(std::max(version, 80));
-    n.raw(material);
-    if constexpr (std::remove_reference_t<decltype(n)>::kMakes) {
-      x.material.name = "brass";
-      x.material.modeA = 77;
-    } else {
-      EXPECT_EQ(x.material.name, n.reached(50, material.size()) ? "brass" : "");
-      EXPECT_EQ(x.material.modeA, n.reached(50, material.size()) ? 77U : 0U);
-    }
-    n.order(51);
-    numbers(n, x.machineWord80, x.machineWord81);
-    numbersOr(n, 1.5F, x.machineWord82);
-    n.order(52);
-    if (form.shapes)
-      for (Shape& one : shapes.shapes) n.number(one.trailerValue);
-  });
-  m.order(53);
-  since(m, version >= 90, [&](auto& n) {
-    numbers(n, x.machineWord83, x.machineWord84, x.machineWord85, x.machineWord86);
-    numbers(n, x.machineWord87, x.machineWord88, x.machineWord89, x.machineWord90);
-    n.order(54);
-    numbers(n, x.lateByteA);
-    n.order(55);
-    numbers(n, x.lateWord8);
-  });
-  m.order(56);
-  since(m, version >= 100, [&](auto& n) { each(n, x.flagTriple); });
-  m.order(57);
-  since(m, version >= 101, [&](auto& n) {
-    numbers(n, x.triadWord1, x.triadWord2);
-    n.fixed(x.triadCount, 3);
-    n.order(58);
-    for (int i = 0; i < 3; ++i) {
-      n.together(7);
-      each(n, x.triads[i]);
-    }
-  });
-}
-
-template <class M>
-void storedSince110(M& m, int version, const Form& form, OldMachine& x) {
-  m.order(59);
-  since(m, version >= 110, [&](auto& n) {
-    numbers(n, x.unitWord);
-    n.order(60);
-    storedUnits(n, version, 2, x.unitTable);
-    n.order(61);
-    numbers(n, x.machineWord108, x.machineWord109, x.machineWord110, x.machineWord111);
-    numbers(n, x.machineWord112, x.machineWord113, x.machineWord114, x.machineWord115);
-    numbers(n, x.machineWord116, x.machineWord117, x.machineWord118, x.machineWord119);
-    numbers(n, x.machineWord120, x.machineWord121, x.machineWord122, x.machineWord123);
-    n.order(62);
-    for (auto& column : x.numberColumns) {
-      n.stored(3);
-      each(n, column);
-    }
-    int order = 63;
-    for (auto* column : {&x.textColumnA, &x.textColumnB}) {
-      n.order(order);
-      n.stored(3);
-      for (std::size_t i = 0; i < 3; ++i)
-        n.column((*column)[i], "text " + std::to_string(order) + std::to_string(i), order, 4 + 256 * (i + 1));
-      ++order;
-    }
-  });
-  m.order(65);
-  since(m, version >= 111, [&](auto& n) {
-    someText(n, x.displayName, 256, 'd');
-    n.block(x.displayTail);
-  });
-  m.order(66);
-  since(m, version >= 112, [&](auto& n) {
-    numbers(n, x.lateWord1, x.lateWord2);
-    numbersOr(n, 0.0001F, x.lateWord5);
-    numbers(n, x.lateWord4);
-    numbersOr(n, 1, x.lateWord3);
-  });
-  m.order(67);
-  since(m, version >= 130, [&](auto& n) {
-    someText(n, x.lateText1, 256, 'e');
-    numbers(n, x.lateWord6);
-    someText(n, x.lateText2, 256, 'f');
-    someText(n, x.lateExtension, 11, 'g');
-    numbers(n, x.lateWord7);
-    n.order(68);
-    n.raw(Bytes().fill(13 * 8 + 2 * 4, form.writer ? 0 : 0x5A));
-    n.order(69);
-    const std::int32_t length = form.writer ? 0 : form.lateLength;
-    n.stored(length);
-    n.raw(Bytes().fill(static_cast<std::size_t>(std::max(length, 0)), 0x5B));
-  });
-  m.order(70);
-  since(m, version >= 141, [&](auto& n) { numbers(n, x.lateByteB); });
-}
-
-template <class M>
-void storedEnd(M& m, int version, const Form& form, OldMachine& x) {
-  m.order(71);
-  if (form.writer || version >= 151) {
-    numbers(m, x.machineWord124, x.machineWord125, x.machineWord126, x.machineWord127, x.machineWord128);
-    numbers(m, x.machineWord129, x.machineWord130, x.machineWord131, x.machineWord132);
-  } else if constexpr (!M::kMakes) {
-    m.absent(x.machineWord124, 0U);
-    m.absent(x.machineWord125, 1.5F);
-    m.absent(x.machineWord126, 0U);
-    m.absent(x.machineWord127, 1.5F);
-    m.absent(x.machineWord129, 1);
-    m.absent(x.machineWord130, 1);
-  }
-  m.order(72);
-  since(m, form.writer || version >= 152, [&](auto& n) { numbers(n, x.lateByteC); });
-  m.order(73);
-  since(m, version >= 154, [&](auto& n) {
-    const float fresh[5] = {0, 0.5F, 0.5F, 0.04F, 0};
-    for (int i = 0; i < 5; ++i) numbersOr(n, fresh[i], x.setupWords[i]);
-    n.order(74);
-  });
-  if (version >= 154) {
-    MachineSetup& s = x.setup3;
-    m.together(8);
-    numbers(m, s.sizeX, s.sizeY);
-    m.order(75);
-    storedClamp(m, 5, 300, s.clampInfo);
-    m.order(76);
-    numbersOr(m, 3.189F, s.clampValue1);
-    numbersOr(m, 0.3937F, s.clampValue2);
-    numbers(m, s.machineWord91, s.machineWord92);
-  }
-  m.order(77);
-  since(m, version >= 157, [&](auto& n) { someText(n, x.endText1, 256, 'h'); });
-  m.order(78);
-  since(m, version >= 170, [&](auto& n) {
-    numbers(n, x.endWord);
-    n.order(79);
-    n.raw(Bytes().fill(800, form.writer ? 0 : 0x5C));
-  });
-  m.order(80);
-  since(m, version >= 180, [&](auto& n) { someText(n, x.endText2, 256, 'i'); });
-  m.order(81);
-}
-
-template <class M>
-void storedMachine(M& m, int version, const Form& form, OldMachine& x, ShapeList& shapes) {
-  storedHeader(m, form, x);
-  const auto width = static_cast<std::size_t>(form.writer ? 256 : form.second ? form.secondWidth : form.width);
-  m.order(11);
-  m.together(8);
-  numbers(m, x.sizeX, x.sizeY);
-  m.order(12);
-  storedFrame(m, version, x.frame);
-  m.order(13);
-  if (form.writer || form.gridMode < 0) {
-    storedClamp(m, 2, 200, x.clampInfo);
-  } else {
-    MachineMaker first;
-    ClampInfo dropped;
-    storedClamp(first, 3, 100, dropped);
-    m.raw(first.bytes);
-  }
-  m.order(14);
-  numbersOr(m, 3.189F, x.clampValue1);
-  numbersOr(m, 0.3937F, x.clampValue2);
-  numbers(m, x.clampWord);
-  m.order(15);
-  someText(m, x.machineText2, width, 'a');
-  m.order(16);
-  someText(m, x.machineText3, width, 'b');
-  m.order(17);
-  storedArea(m, x.workArea);
-  m.order(18);
-  storedStations(m, version, {1, 107}, x.stationsA);
-  m.order(19);
-  if (version >= 61) {
-    numbers(m, x.stationWord);
-    storedStations(m, version, {2}, x.stationsB);
-    storedStations(m, version, {108}, x.stationsC);
-  } else if constexpr (!M::kMakes) {
-    EXPECT_EQ(x.stationWord, 0U);
-    EXPECT_TRUE(x.stationsB.stations.empty() && x.stationsC.stations.empty());
-    EXPECT_EQ(x.stationsB.stationModeWord, ToolStationList().stationModeWord) << "untouched";
-  }
-  m.order(20);
-  m.fixed(x.blockMode, form.blockMode);
-  m.order(21);
-  if (form.blockMode == 2) m.block(x.blockB);
-  if (form.blockMode == 1 || form.blockMode == 2) m.block(x.blockA);
-  m.order(22);
-  if (!form.writer && form.gridMode < 0) {
-    m.raw(Bytes().i32(form.gridMode));
-    if constexpr (!M::kMakes) {
-      EXPECT_EQ(x.gridMode, 0);
-    }
-  } else {
-    m.fixed(x.gridMode, form.gridMode);
-  }
-  storedMiddle(m, version, form, x);
-  m.order(35);
-  m.fixed(x.stepListPresent, form.steps ? 7 : 0);
-  m.order(36);
-  if (form.steps) {
-    m.size(x.stepTables, 2);
-    for (StepTable& t : x.stepTables) storedSteps(m, version, 3, t);
-  }
-  storedSince60(m, version, form, x);
-  storedSince80(m, version, form, x, shapes);
-  storedSince110(m, version, form, x);
-  storedEnd(m, version, form, x);
-}
+using Form = MachineForm;
 
 // ---- helpers -------------------------------------------------------------------------------------
 
@@ -667,14 +36,11 @@ ShapeList twoShapes() {
 struct Made {
   std::unique_ptr<OldMachine> machine = fresh();
   ShapeList shapes = twoShapes();
-  MachineMaker m;
+  Maker m;
   Made(int version, const Form& form) { storedMachine(m, version, form, *machine, shapes); }
-  std::size_t at(int order) const { return m.starts.at(order); }
-  // The bytes with others in the place of those from `from` on.
-  Bytes with(std::size_t from, const Bytes& others) const {
-    const std::span<const std::byte> all = m.bytes.span();
-    return m.bytes.cut(from).add(others).add(Bytes::of(all.subspan(std::min(all.size(), from + others.size()))));
-  }
+  std::size_t at(int section) const { return m.sections.at(section); }
+  // The bytes with others in the place of those from `at` on.
+  Bytes with(std::size_t at, const Bytes& others) const { return patched(m.bytes, at, others); }
 };
 
 int read(const Bytes& bytes, int version, OldMachine& x, ShapeList* shapes = nullptr, std::size_t* consumed = nullptr) {
@@ -728,11 +94,11 @@ const std::vector<Form>& forms() {
 
 // ---- tables --------------------------------------------------------------------------------------
 
-// Stored row by row, read back whole, and 1 at every cut.
+// Stored field by field, read back completely, and 1 at every cut.
 template <class T, class Stored, class Read, class Write>
 void expectRows(Stored stored, Read readOne, Write writeOne) {
   auto made = std::make_unique<T>(), got = std::make_unique<T>(), used = std::make_unique<T>();
-  MachineMaker m;
+  Maker m;
   stored(m, *made);
   bool ok = false;
   EXPECT_EQ(written([&](OutStream& s) { return writeOne(s, *made); }, &ok), m.bytes);
@@ -742,7 +108,7 @@ void expectRows(Stored stored, Read readOne, Write writeOne) {
                 m.bytes, [&](InStream& s) { return readOne(s, *got); }, &consumed),
             0);
   EXPECT_EQ(consumed, m.bytes.size());
-  MachineChecker whole, none(0);
+  Checker whole, none(0);
   stored(whole, *got);
   stored(none, *used);
   for (std::size_t cut = 0; cut < m.bytes.size(); ++cut) {
@@ -751,7 +117,7 @@ void expectRows(Stored stored, Read readOne, Write writeOne) {
   }
 }
 
-TEST(MachineTablesByHand, AreStoredRowByRowAndAnyCutGivesOne) {
+TEST(MachineTables, EachTableIsStoredFieldByFieldAndAnyCutFails) {
   for (int count : {0, 1, 3, 8, -2}) {
     SCOPED_TRACE(count);
     expectRows<ClampInfo>([&](auto& m, ClampInfo& c) { storedClamp(m, count, 50, c); }, ReadClampInfo, WriteClampInfo);
@@ -773,24 +139,25 @@ TEST(MachineTablesByHand, AreStoredRowByRowAndAnyCutGivesOne) {
     const auto writeOne = [&](OutStream& s, ShapeProgram& p) { return WriteShapeProgram(s, version, p); };
     // Up to 157 the last slot ends the program, and its late fields may be short (see ProcessSlot).
     if (version >= 158 || version < 90)
-      expectRows<ShapeProgram>([&](auto& m, ShapeProgram& p) { storedProgram(m, version, 1, p); }, readOne, writeOne);
+      expectRows<ShapeProgram>([&](auto& m, ShapeProgram& p) { storedProgram(m, version, 2, 1, p); }, readOne,
+                               writeOne);
   }
   for (int version : {110, 120, 121, 140, 141, 153, 154, 180}) {
     SCOPED_TRACE(version);
     const auto readOne = [&](InStream& s, MachineUnitTable& t) { return ReadMachineUnitTable(s, version, t); };
     const auto writeOne = [&](OutStream& s, MachineUnitTable& t) { return WriteMachineUnitTable(s, version, t); };
-    for (std::size_t units : {0U, 2U})  // what stands behind the list is stored behind an empty one too
+    for (std::size_t units : {0U, 2U})  // what follows the list also follows an empty one
       expectRows<MachineUnitTable>([&](auto& m, MachineUnitTable& t) { storedUnits(m, version, units, t); }, readOne,
                                    writeOne);
   }
 }
 
-TEST(MachineTablesByHand, AnExtendedProgramWhoseFirstPartFailsCountsAsReadWithoutItsOwnFields) {
+TEST(MachineTables, ExtendedProgramWhoseFirstPartFailsSucceedsWithoutItsOwnFields) {
   for (int version : {79, 158, 180}) {
-    MachineMaker m, head;
+    Maker m, head;
     ShapeProgramEx made, got;
-    storedProgram(head, version, 0, made);
-    storedProgramEx(m, version, made);
+    storedProgram(head, version, 2, 0, made);
+    storedProgramEx(m, version, 2, made);
     EXPECT_EQ(written([&](OutStream& s) { return WriteShapeProgramEx(s, version, made); }), m.bytes);
     for (std::size_t cut = 0; cut <= m.bytes.size(); ++cut) {
       ShapeProgramEx p;
@@ -801,25 +168,25 @@ TEST(MachineTablesByHand, AnExtendedProgramWhoseFirstPartFailsCountsAsReadWithou
         EXPECT_TRUE(p.extFlag1 == 0 && p.extValue1 == 0.5F && p.extValue2 == 1.0F);
         EXPECT_TRUE(p.extFlag2 == 1 && p.extValue3 == 1.5F && p.extFlag3 == 1);
       } else if (cut == m.bytes.size()) {
-        MachineChecker c;
-        storedProgramEx(c, version, p);
+        Checker c;
+        storedProgramEx(c, version, 2, p);
       }
     }
   }
-  // A refused value ends the program part; the stream goes on where it stands.
-  MachineMaker m;
+  // A refused value ends the program part; reading continues from there.
+  Maker m;
   ShapeProgramEx p;
-  storedProgram(m, 80, 0, p);
-  const std::size_t groups = 10 * 4;  // where the group count stands
+  storedProgram(m, 80, 2, 0, p);
+  const std::size_t groups = 10 * 4;  // where the group count is
   const Bytes claims = m.bytes.cut(groups).i32(2000000000);
   EXPECT_EQ(readFrom(claims, [&](InStream& s) { return ReadShapeProgram(s, 80, p); }), 1);
   EXPECT_EQ(readFrom(claims, [&](InStream& s) { return ReadShapeProgramEx(s, 80, p); }), 0);
 }
 
-TEST(MachineTablesByHand, AProgramIsEmptiedBehindItsCountAndDropsTheGroupThatFails) {
-  MachineMaker m;
+TEST(MachineTables, ProgramIsEmptiedAfterItsCountAndDropsTheGroupThatFails) {
+  Maker m;
   ShapeProgram made;
-  storedProgram(m, 180, 1, made);
+  storedProgram(m, 180, 2, 1, made);
   ShapeProgram p;
   p.programGroups.resize(5);
   EXPECT_EQ(readFrom(m.bytes.cut(40), [&](InStream& s) { return ReadShapeProgram(s, 180, p); }), 1);
@@ -836,7 +203,7 @@ TEST(MachineTablesByHand, AProgramIsEmptiedBehindItsCountAndDropsTheGroupThatFai
   }
 }
 
-TEST(MachineTablesByHand, CountsOutsideTheTablesAreRefusedBothWays) {
+TEST(MachineTables, CountsOutsideTheTablesAreRefusedBothWays) {
   for (int count : {9, 10, 2000000000}) {
     ClampInfo c;
     const Bytes b = Bytes().zeros(16).i32(count).fill(80, 1);
@@ -857,21 +224,21 @@ TEST(MachineTablesByHand, CountsOutsideTheTablesAreRefusedBothWays) {
   }
 }
 
-TEST(MachineTablesByHand, AGridHasFortyThousandCellsTheFirstTenThousandOfThemOne) {
+TEST(MachineTables, GridHas40000CellsOfWhichTheFirst10000AreOne) {
   const auto g = std::make_unique<MachineGrid>();
   EXPECT_EQ(std::size(g->gridCells), 40000U);
   EXPECT_TRUE(g->gridCells[0] == 1 && g->gridCells[9999] == 1 && g->gridCells[10000] == 0);
   EXPECT_EQ(g->gridValue3, 0.25F);
   EXPECT_EQ(g->gridIsNarrow, 1);
-  MachineChecker c(0);
+  Checker c(0);
   storedGrid(c, 40000, *g);
-  // All of them are stored; fewer leave the others alone.
-  MachineMaker m;
+  // All of them are stored; fewer keep the others.
+  Maker m;
   auto made = std::make_unique<MachineGrid>();
   storedGrid(m, 40000, *made);
   EXPECT_EQ(m.bytes.size(), 8U + 4 + 40000 + 8 + 4 + 8);
   EXPECT_EQ(written([&](OutStream& s) { return WriteMachineGrid(s, *made); }), m.bytes);
-  MachineMaker few;
+  Maker few;
   storedGrid(few, 100, *made);
   EXPECT_EQ(readFrom(m.bytes, [&](InStream& s) { return ReadMachineGrid(s, *g); }), 0);
   EXPECT_EQ(readFrom(few.bytes, [&](InStream& s) { return ReadMachineGrid(s, *g); }), 0);
@@ -881,7 +248,7 @@ TEST(MachineTablesByHand, AGridHasFortyThousandCellsTheFirstTenThousandOfThemOne
   EXPECT_EQ(g->cellByteCount, 40000);
 }
 
-TEST(MachineTablesByHand, AGridKeepsTheLowHalfOfItsWidth) {
+TEST(MachineTables, GridKeepsTheLowHalfOfItsWidth) {
   const struct {
     std::uint32_t stored;
     std::int32_t width, narrow;
@@ -899,7 +266,7 @@ TEST(MachineTablesByHand, AGridKeepsTheLowHalfOfItsWidth) {
   }
 }
 
-TEST(MachineTablesByHand, ListsOfExtensionWordsAndUnitsAreEmptiedBehindTheirCount) {
+TEST(MachineTables, ExtensionWordsAndUnitsAreEmptiedAfterTheirCount) {
   const MachineExtension plain;
   EXPECT_EQ(plain.extensionWords, (std::vector<std::int32_t>{1, 11}));
   for (int count : {0, -1}) {
@@ -936,7 +303,7 @@ TEST(MachineTablesByHand, ListsOfExtensionWordsAndUnitsAreEmptiedBehindTheirCoun
 
 float larger(const OldMachine& x) { return std::max(x.workArea.areaValues[0], x.workArea.areaValues[1]); }
 
-TEST(MachineBodyByHand, EveryOrderStandsFromItsVersionOnInEveryForm) {
+TEST(MachineBody, EverySectionIsReadFromItsVersionOnInEveryForm) {
   for (int version : allVersions()) {
     for (std::size_t i = 0; i < forms().size(); ++i) {
       SCOPED_TRACE("version " + std::to_string(version) + ", form " + std::to_string(i));
@@ -946,7 +313,7 @@ TEST(MachineBodyByHand, EveryOrderStandsFromItsVersionOnInEveryForm) {
       std::size_t consumed = 0;
       ASSERT_EQ(read(made.m.bytes, version, *x, &shapes, &consumed), 0);
       EXPECT_EQ(consumed, made.m.bytes.size());
-      MachineChecker c;
+      Checker c;
       storedMachine(c, version, forms()[i], *x, shapes);
       EXPECT_GT(larger(*x), 9.0F);
       EXPECT_TRUE(x->limitA == larger(*x) && x->limitB == larger(*x));
@@ -960,7 +327,7 @@ TEST(MachineBodyByHand, EveryOrderStandsFromItsVersionOnInEveryForm) {
   }
 }
 
-TEST(MachineBodyByHand, TheWriterStoresTheSameOrdersWithItsOwnHeaderAndItsUngatedEnd) {
+TEST(MachineBody, SaveStoresTheSameSectionsWithItsOwnHeaderAndAnUnversionedEnd) {
   for (int version : allVersions()) {
     for (std::size_t i = 0; i < forms().size(); ++i) {
       Form form = forms()[i];
@@ -973,18 +340,18 @@ TEST(MachineBodyByHand, TheWriterStoresTheSameOrdersWithItsOwnHeaderAndItsUngate
       // The fill has no meaning.
       const std::size_t fill = made.at(10), body = made.at(11);
       EXPECT_EQ(got.cut(fill), made.m.bytes.cut(fill));
-      EXPECT_TRUE(Bytes::of(got.span().subspan(body)) == Bytes::of(made.m.bytes.span().subspan(body)));
+      EXPECT_TRUE(from(got, body) == from(made.m.bytes, body));
       EXPECT_EQ(made.machine->gridMode, form.gridMode);
       if (HasFailure()) return;
     }
   }
 }
 
-TEST(MachineBodyByHand, AFreshRecordHasTheDefaults) {
+TEST(MachineBody, FreshRecordHasTheDefaults) {
   Made made(180, Form());
   auto x = fresh();
   ShapeList shapes = twoShapes();
-  MachineChecker none(0, &made.m.starts);
+  Checker none(0, &made.m.sections);
   storedMachine(none, 180, Form(), *x, shapes);
   x = fresh();
   EXPECT_EQ(x->version, 0);
@@ -1002,25 +369,25 @@ TEST(MachineBodyByHand, AFreshRecordHasTheDefaults) {
   expectFreshSetup(x->setup3);
 }
 
-// The order that the first missing byte belongs to.
-int orderAt(const Starts& starts, std::size_t cut) {
-  int order = 0;
-  for (const auto& [n, start] : starts)
-    if (start <= cut) order = n;
-  return order;
+// The section that the first missing byte belongs to.
+int sectionAt(const Sections& sections, std::size_t cut) {
+  int found = 0;
+  for (const auto& [n, start] : sections)
+    if (start <= cut && n < 100) found = n;  // those of the material have higher numbers
+  return found;
 }
 
-TEST(MachineBodyByHand, ACutGivesOneExceptInTheOrdersThatForgiveIt) {
+TEST(MachineBody, CutFailsExceptInTheSectionsThatTolerateIt) {
   for (int version : {52, 60, 62, 90, 101, 110, 112, 130, 141, 152, 157, 180}) {
     Made made(version, Form());
     const std::size_t size = made.m.bytes.size();
     auto x = fresh();
     int forgiven = 0;
     for (std::size_t cut = 0; cut < size; ++cut) {
-      const int order = orderAt(made.m.starts, cut);
-      bool forgives = (order == 5 && cut >= made.at(5) + 8) || order == 25 || (order >= 54 && order <= 57) ||
-                      (order >= 67 && order <= 72);
-      if (order == 36 && version < 60) {  // nothing behind the step tables: what their own reader says
+      const int section = sectionAt(made.m.sections, cut);
+      bool forgives = (section == 5 && cut >= made.at(5) + 8) || section == 25 || (section >= 54 && section <= 57) ||
+                      (section >= 67 && section <= 72);
+      if (section == 36 && version < 60) {  // nothing after the step tables: what their own reader says
         StepTableList tables;
         const Bytes rest = Bytes::of(made.m.bytes.cut(cut).span().subspan(made.at(36)));
         forgives = readFrom(rest, [&](InStream& s) { return ReadStepTableList(s, version, tables); }) == 0;
@@ -1028,23 +395,23 @@ TEST(MachineBodyByHand, ACutGivesOneExceptInTheOrdersThatForgiveIt) {
       forgiven += forgives ? 1 : 0;
       std::size_t consumed = 0;
       ASSERT_EQ(read(made.m.bytes.cut(cut), version, *x, nullptr, &consumed), forgives ? 0 : 1)
-          << "version " << version << " cut at " << cut << " in order " << order;
+          << "version " << version << " cut at " << cut << " in section " << section;
       ASSERT_EQ(consumed, cut) << "the stream is at its end";
     }
     EXPECT_GE(forgiven, 12);
   }
 }
 
-TEST(MachineBodyByHand, WhatArrivedWholeStaysAndAForgivenCutRunsNoFinishingStep) {
+TEST(MachineBody, CompleteFieldsAreKeptAndAToleratedCutSkipsTheFinalSteps) {
   Made made(180, Form());
-  // Inside these a cut meets lists and records that come whole or not at all.
+  // Inside these a cut meets lists and records that arrive completely or not at all.
   const std::vector<int> lists{13, 18, 19, 26, 28, 30, 33, 36, 44, 45, 50, 60, 75};
   for (std::size_t cut = 0; cut < made.m.bytes.size(); ++cut) {
-    const int order = orderAt(made.m.starts, cut);
-    const bool atStart = made.at(order) == cut;
-    if (std::find(lists.begin(), lists.end(), order) != lists.end() && !atStart) continue;
+    const int section = sectionAt(made.m.sections, cut);
+    const bool atStart = made.at(section) == cut;
+    if (std::find(lists.begin(), lists.end(), section) != lists.end() && !atStart) continue;
     if (!atStart && cut % 23 != 0) continue;
-    SCOPED_TRACE("cut at " + std::to_string(cut) + " in order " + std::to_string(order));
+    SCOPED_TRACE("cut at " + std::to_string(cut) + " in section " + std::to_string(section));
     auto x = fresh();
     ShapeList shapes = twoShapes();
     read(made.m.bytes.cut(cut), 180, *x, &shapes);
@@ -1059,13 +426,13 @@ TEST(MachineBodyByHand, WhatArrivedWholeStaysAndAForgivenCutRunsNoFinishingStep)
       expectFirstSetup(*x, x->setup2);
       EXPECT_TRUE(x->limitA == larger(*x) && x->limitB == larger(*x));
     }
-    MachineChecker c(cut, &made.m.starts);
+    Checker c(cut, &made.m.sections);
     storedMachine(c, 180, Form(), *x, shapes);
     if (HasFailure()) return;
   }
 }
 
-TEST(MachineBodyByHand, AbsentFieldsKeepWhatTheRecordHoldsButForTheGivenValues) {
+TEST(MachineBody, AbsentFieldsKeepTheirValuesExceptThoseWithGivenOnes) {
   auto x = fresh();
   ASSERT_EQ(read(Made(180, Form()).m.bytes, 180, *x), 0);
   x->machineWord128 = 4711;
@@ -1095,7 +462,7 @@ TEST(MachineBodyByHand, AbsentFieldsKeepWhatTheRecordHoldsButForTheGivenValues) 
   EXPECT_EQ(x->blockA[0], Made(180, Form()).machine->blockA[0]);
 }
 
-TEST(MachineBodyByHand, DropsAsManyLateBytesAsTheirLengthSaysAndNoneBelowOne) {
+TEST(MachineBody, DiscardsAsManyLateBytesAsTheirLengthSays) {
   for (const int version : {130, 140, 141, 152, 180})
     for (const std::int32_t length : {std::numeric_limits<std::int32_t>::min(), -1, 0, 1, 2, 300, 50000}) {
       Form form;
@@ -1110,9 +477,9 @@ TEST(MachineBodyByHand, DropsAsManyLateBytesAsTheirLengthSaysAndNoneBelowOne) {
     }
 }
 
-TEST(MachineBodyByHand, DefaultsBelowAVersionAreSetWhereTheItemWouldStand) {
+TEST(MachineBody, DefaultsBelowAVersionAreSetWhereTheItemWouldBe) {
   const struct {
-    int version, order;  // a cut right in front of the next item that is stored
+    int version, section;  // a cut directly before the next item that is stored
     bool late, word151;
   } rows[] = {{110, 64, false, false}, {111, 65, false, false}, {130, 67, true, false}, {150, 70, true, false}};
   for (const auto& row : rows) {
@@ -1120,7 +487,7 @@ TEST(MachineBodyByHand, DefaultsBelowAVersionAreSetWhereTheItemWouldStand) {
     x->lateWord3 = 55;
     x->machineWord125 = 55;
     Made made(row.version, Form());
-    read(made.m.bytes.cut(made.at(row.order)), row.version, *x);
+    read(made.m.bytes.cut(made.at(row.section)), row.version, *x);
     EXPECT_EQ(x->lateWord3 == 55, !row.late) << row.version;
     EXPECT_EQ(x->machineWord125, 55.0F) << row.version;
     ASSERT_EQ(read(made.m.bytes, row.version, *x), 0);
@@ -1131,7 +498,7 @@ TEST(MachineBodyByHand, DefaultsBelowAVersionAreSetWhereTheItemWouldStand) {
   }
 }
 
-TEST(MachineBodyByHand, ANearlyZeroFirstWordBecomesTheSizeRightBehindItsRow) {
+TEST(MachineBody, NearlyZeroFirstWordBecomesTheSizeAfterItsRow) {
   const float above = std::nextafter(0.0001F, 1.0F);
   const struct {
     float stored;
@@ -1148,7 +515,7 @@ TEST(MachineBodyByHand, ANearlyZeroFirstWordBecomesTheSizeRightBehindItsRow) {
       x = fresh();
       if (version > 60) {
         EXPECT_EQ(read(bytes.cut(made.at(38)), version, *x), 1);
-        EXPECT_EQ(x->machineWord1, row.replaced ? made.machine->sizeX : row.stored) << "before order 38";
+        EXPECT_EQ(x->machineWord1, row.replaced ? made.machine->sizeX : row.stored) << "before section 38";
       }
     }
     auto x = fresh();
@@ -1157,7 +524,7 @@ TEST(MachineBodyByHand, ANearlyZeroFirstWordBecomesTheSizeRightBehindItsRow) {
   }
 }
 
-TEST(MachineBodyByHand, TheLastStepsRaiseTheSecondLimitAndCopyItIntoTheFirst) {
+TEST(MachineBody, LoadRaisesTheSecondLimitAndCopiesItIntoTheFirst) {
   const struct {
     bool stored;
     float b, area0, area1, wanted;
@@ -1170,7 +537,7 @@ TEST(MachineBodyByHand, TheLastStepsRaiseTheSecondLimitAndCopyItIntoTheFirst) {
       Made made(version, form);
       Bytes bytes = made.with(made.at(17), Bytes().f32(row.area0).f32(row.area1));
       if (row.stored) {
-        const Bytes rest = Bytes::of(bytes.span().subspan(made.at(5) + 8));
+        const Bytes rest = from(bytes, made.at(5) + 8);
         bytes = bytes.cut(made.at(5) + 4).f32(row.b).add(rest);
       }
       auto x = fresh();
@@ -1185,7 +552,7 @@ TEST(MachineBodyByHand, TheLastStepsRaiseTheSecondLimitAndCopyItIntoTheFirst) {
   }
 }
 
-TEST(MachineBodyByHand, TheHeaderKeepsASignedByteWhereTheWriterStoresFour) {
+TEST(MachineBody, HeaderLoadsASignedByteWhereASaveStoresFour) {
   for (std::int32_t value : {0, 5, -3, 127, 128, 255, 256, 300, 511, 512, 65536, -200}) {
     for (int version : {79, 80, 180}) {
       auto x = fresh();
@@ -1213,7 +580,7 @@ TEST(MachineBodyByHand, TheHeaderKeepsASignedByteWhereTheWriterStoresFour) {
   EXPECT_EQ(Bytes::of(bytes.span().subspan(270, 1)), Bytes().u8(1));
 }
 
-TEST(MachineBodyByHand, TrailerValuesNeedTheListOfTheCaller) {
+TEST(MachineBody, TrailerValuesNeedTheListOfTheCaller) {
   Form form;
   form.shapes = true;
   for (int version : {79, 80, 180}) {
@@ -1233,7 +600,7 @@ TEST(MachineBodyByHand, TrailerValuesNeedTheListOfTheCaller) {
   }
 }
 
-TEST(MachineBodyByHand, AFlagOtherThanOneBringsNothing) {
+TEST(MachineBody, FlagOtherThanOneStoresNothing) {
   Form form;
   form.limits = form.second = false;
   Made made(80, form);
@@ -1250,7 +617,7 @@ TEST(MachineBodyByHand, AFlagOtherThanOneBringsNothing) {
   }
 }
 
-TEST(MachineBodyByHand, WidthsOfTextsAreOneToTwoHundredFiftySix) {
+TEST(MachineBody, WidthsOfTextsAreOneToTwoHundredFiftySix) {
   for (int width : {-1, 0, 257, 2000000000}) {
     auto x = fresh();
     EXPECT_EQ(read(Bytes().i32(width).fill(3000, 1), 52, *x), 1) << width;
@@ -1272,7 +639,7 @@ TEST(MachineBodyByHand, WidthsOfTextsAreOneToTwoHundredFiftySix) {
   }
 }
 
-TEST(MachineBodyByHand, WritersRefuseCountsThatNoFieldHolds) {
+TEST(MachineBody, WritersRefuseCountsThatNoFieldHolds) {
   auto x = fresh();
   x->textWidth = 256;
   ASSERT_TRUE(write(*x, 180));
@@ -1294,7 +661,7 @@ TEST(MachineBodyByHand, WritersRefuseCountsThatNoFieldHolds) {
   EXPECT_FALSE(write(*x, 180));
 }
 
-TEST(MachineBodyByHand, TriadsAreBoundedAndANegativeCountStays) {
+TEST(MachineBody, TriadsAreBoundedAndANegativeCountIsKept) {
   Made made(101, Form());
   const Bytes head = made.m.bytes.cut(made.at(57) + 8);
   for (int count : {-7, 0, 1, 255}) {
@@ -1312,8 +679,7 @@ TEST(MachineBodyByHand, TriadsAreBoundedAndANegativeCountStays) {
     EXPECT_TRUE(write(*x, 101, &again));
     // Behind the triads: the nine words and the byte that the writer stores at every version.
     const std::size_t size = bytes.size() - made.at(57);
-    EXPECT_EQ(Bytes::of(again.span().subspan(again.size() - 37 - size, size)),
-              Bytes::of(bytes.span().subspan(made.at(57))));
+    EXPECT_EQ(Bytes::of(again.span().subspan(again.size() - 37 - size, size)), from(bytes, made.at(57)));
   }
   for (int count : {256, 2000000000}) {
     auto x = fresh();
@@ -1323,7 +689,7 @@ TEST(MachineBodyByHand, TriadsAreBoundedAndANegativeCountStays) {
   }
 }
 
-TEST(MachineBodyByHand, ColumnsTakeTheirCountsFromTheFileUpToThree) {
+TEST(MachineBody, ColumnsHaveStoredCountsOfAtMostThree) {
   Made made(110, Form());
   const Bytes head = made.m.bytes.cut(made.at(62));
   for (int count : {-1, 0, 1, 2, 3, 4, 2000000000}) {
@@ -1356,9 +722,9 @@ TEST(MachineBodyByHand, ColumnsTakeTheirCountsFromTheFileUpToThree) {
   EXPECT_EQ(Bytes::of(got.span().subspan(whole.at(63) + 4 + 256, 256)), Bytes().text(256, "xy"));
 }
 
-TEST(MachineBodyByHand, ASegmentCountEmptiesTheListUnlessItIsZero) {
+TEST(MachineBody, SegmentCountEmptiesTheListUnlessItIsZero) {
   Made made(52, Form());
-  const Bytes rest = Bytes::of(made.m.bytes.span().subspan(made.at(27)));
+  const Bytes rest = from(made.m.bytes, made.at(27));
   for (int count : {0, -1}) {
     auto x = fresh();
     x->segments.resize(4);
@@ -1373,7 +739,7 @@ TEST(MachineBodyByHand, ASegmentCountEmptiesTheListUnlessItIsZero) {
   EXPECT_EQ(read(made.m.bytes.cut(made.at(25)).i32(2000000000).fill(30, 1), 52, *x), 1);
 }
 
-TEST(MachineBodyByHand, AnyNegativeGridModeLeavesOutTheMiddle) {
+TEST(MachineBody, NegativeGridModeOmitsTheMiddle) {
   for (int mode : {-1, -2, std::numeric_limits<int>::min()}) {
     for (int version : {52, 62, 180}) {
       Form form;
@@ -1388,7 +754,7 @@ TEST(MachineBodyByHand, AnyNegativeGridModeLeavesOutTheMiddle) {
   }
 }
 
-TEST(MachineBodyByHand, ADiscardedRunLongerThanTheFileIsForgiven) {
+TEST(MachineBody, DiscardedRunLongerThanTheFileIsTolerated) {
   Made made(150, Form());
   auto x = fresh();
   std::size_t consumed = 0;
@@ -1399,7 +765,7 @@ TEST(MachineBodyByHand, ADiscardedRunLongerThanTheFileIsForgiven) {
   expectFreshSetup(x->setup2);
 }
 
-TEST(MachineBodyByHand, AMachineWithoutUnitsReadsAsItWasStored) {
+TEST(MachineBody, MachineWithoutUnitsLoadsAsItWasStored) {
   for (int version : {151, 152, 154, 180}) {
     auto x = fresh();
     x->textWidth = 256;
@@ -1407,7 +773,7 @@ TEST(MachineBodyByHand, AMachineWithoutUnitsReadsAsItWasStored) {
     x->machineWord123 = 123;
     Bytes bytes;
     ASSERT_TRUE(write(*x, version, &bytes));
-    // From 151 on only lateByteC stands where the reader may not expect it.
+    // From 151 on only lateByteC is where the reader may not expect it.
     auto got = fresh();
     ASSERT_EQ(read(bytes, version, *got), 0) << version;
     EXPECT_TRUE(got->machineWord108 == 108 && got->machineWord123 == 123) << version;
@@ -1415,7 +781,7 @@ TEST(MachineBodyByHand, AMachineWithoutUnitsReadsAsItWasStored) {
   }
 }
 
-TEST(MachineBodyByHand, FilesLoadFromVersion52To180WithoutGaps) {
+TEST(MachineBody, FilesLoadFromVersion52To180WithoutGaps) {
   TempFolder folder;
   auto x = fresh();
   EXPECT_EQ(LoadOldMachine(folder.path("none").c_str(), x.get()), -2);
@@ -1432,7 +798,7 @@ TEST(MachineBodyByHand, FilesLoadFromVersion52To180WithoutGaps) {
     ASSERT_EQ(LoadOldMachine(path.c_str(), x.get()), 0) << version;
     EXPECT_EQ(x->version, version);
     ShapeList shapes;
-    MachineChecker c;
+    Checker c;
     storedMachine(c, version, Form(), *x, shapes);
     EXPECT_EQ(LoadOldMachine(folder.write("cut", Bytes().i16(version)).c_str(), x.get()), 1);
     if (HasFailure()) return;
