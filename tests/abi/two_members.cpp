@@ -1,13 +1,13 @@
-// A list verb takes one list: of two, one would silently be ignored.
+// Most verbs take one member: of two, one would silently be ignored.
 #include "src/frame/codec/reader.h"
 
 int main() {
   oldtorvio::codec::InStream in{std::span<const std::byte>()};
   oldtorvio::codec::Reader io(in, 180);
-  std::vector<std::uint32_t> one, other;
+  char one[4] = {}, other[4] = {};
 #if defined(CORRECTED)
-  return io.countFirst(FIELDS(one)) && io.countFirst(FIELDS(other)) ? 0 : 1;
+  return io.sized(FIELDS(one), 4) && io.sized(FIELDS(other), 4) ? 0 : 1;
 #else
-  return io.countFirst(FIELDS(one, other)) ? 0 : 1;
+  return io.sized(FIELDS(one, other), 4) ? 0 : 1;
 #endif
 }

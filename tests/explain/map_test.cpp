@@ -64,8 +64,8 @@ template <>
 struct oldtorvio::codec::Layout<Sample> {
   static bool describe(auto& io, auto& s) {
     return io.fields(FIELDS(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind))) &&
-           io.lengthText(FIELDS(s.note)) && io.countFirst(FIELDS(s.numbers)) && io.sized(FIELDS(s.name), 2) && io.reserved(3) &&
-           io.range(FIELDS(s.kind), 0, 3) && io.optionalTail([&] { return io.fields(FIELDS(s.wide)); });
+           io.lengthText(FIELDS(s.note)) && io.list(FIELDS(s.numbers), kCountFirst) && io.sized(FIELDS(s.name), 2) && io.reserved(3) &&
+           io.require(within(FIELDS(s.kind), 0, 3)) && io.optionalTail([&] { return io.fields(FIELDS(s.wide)); });
   }
 };
 
@@ -256,7 +256,7 @@ TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
     const std::string path = folder.write("p", Bytes().i16(0));
     for (int version = -3; version < 520; ++version) {
       folder.overwrite("p", Bytes().i16(version));
-      EXPECT_EQ(explain::checkFile(path.c_str(), kind).status, load(path.c_str())) << explain::nameOf(kind) << ' ' << version;
+      EXPECT_EQ(explain::checkFile(path.c_str(), kind).status, load(path.c_str())) << frame::infoOf(kind).name << ' ' << version;
     }
   };
   expectSame(Kind::part, [part = std::make_unique<oldtorvio::TorvPart>()](const char* path) {
@@ -309,7 +309,7 @@ TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
   EXPECT_EQ(explain::detectKind(folder.write("x", Bytes().i16(50))), std::nullopt);
   EXPECT_EQ(explain::detectKind(folder.write("e", Bytes())), std::nullopt);
   EXPECT_EQ(explain::detectKind(folder.path("none")), std::nullopt);
-  EXPECT_EQ(explain::nameOf(Kind::groupPart), "group-part");
+  EXPECT_EQ(frame::infoOf(Kind::groupPart).name, "group-part");
 }
 
 }  // namespace

@@ -152,7 +152,7 @@ TEST_F(Torvio, FormatPrintsTheTableOfAKindOrOfARecord) {
 
 std::vector<std::string> namesOfKinds() {
   std::vector<std::string> names;
-  for (const auto& kind : oldtorvio::explain::fileKinds()) names.emplace_back(kind.name);
+  for (const auto& kind : oldtorvio::frame::kFileKinds) names.emplace_back(kind.name);
   return names;
 }
 
