@@ -66,16 +66,16 @@ struct RecordPair {
 // Loads the bytes over both: read(stream, record) gives the reader's status, walk(record) what the walker
 // came to. The status is that of both.
 template <class Record, class Read, class Walk>
-int loadPair(Bytes body, const RecordPair<Record>& twins, Read&& read, Walk&& walk) {
+int loadPair(Bytes body, const RecordPair<Record>& pair, Read&& read, Walk&& walk) {
   oldtorvio::codec::InStream stream(body);
-  const int status = read(stream, twins.read);
-  const Walked walked = walk(twins.walked);
+  const int status = read(stream, pair.read);
+  const Walked walked = walk(pair.walked);
   expect(walked.status == status && walked.left == stream.left());
-  expect(equalContents(twins.read, twins.walked));
+  expect(equalContents(pair.read, pair.walked));
   return status;
 }
 
-// The file as one on disk, of this process alone.
+// The bytes as a file that only this process uses.
 class ScratchFile {
  public:
   explicit ScratchFile(Bytes file) {
@@ -105,10 +105,10 @@ class ScratchFile {
 
 // A record that `load` fills from the scratch file is the one that its parts made from memory.
 template <class Record, class Load>
-void expectLoadedByPath(std::int64_t status, const RecordPair<Record>& twins, Load&& load) {
+void expectLoadedByPath(std::int64_t status, const RecordPair<Record>& pair, Load&& load) {
   auto& again = fresh<Record, 3>();
   expect(load(ScratchFile::path(), &again) == status);
-  expect(equalContents(again, twins.walked));
+  expect(equalContents(again, pair.walked));
 }
 
 template <class Write>

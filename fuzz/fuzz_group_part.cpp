@@ -1,4 +1,4 @@
-// Group part files: any bytes load or fail without harm, also behind the parts of a list in use, and each part
+// Group part files: any bytes load or fail without harm, also after the parts of a list that already holds some, and each part
 // that loads can be saved.
 #include <cstring>
 
@@ -14,9 +14,9 @@ namespace {
 
 using GroupPart = codec::GroupPartFile<std::vector<TorvPart>>;
 
-int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<SheetPartList>& twins) {
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<SheetPartList>& pair) {
   return fuzzing::loadPair(
-      body, twins,
+      body, pair,
       [&](auto& in, SheetPartList& to) {
         GroupPart file{to.parts};
         return codec::resultOf(codec::readRecord(in, version, file));
@@ -43,9 +43,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<SheetPartList>::fresh();
-  const int status = load(body, version, twins);
-  const std::vector<TorvPart>& parts = twins.read.parts;
+  const auto pair = fuzzing::RecordPair<SheetPartList>::fresh();
+  const int status = load(body, version, pair);
+  const std::vector<TorvPart>& parts = pair.read.parts;
   fuzzing::expect(status != 0 || !parts.empty());
   for (const TorvPart& part : parts) {
     fuzzing::expect(part.version == 0);
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   if (turn % 16 == 0) {
     const fuzzing::ScratchFile scratch(file);
-    fuzzing::expectLoadedByPath(status, twins, LoadGroupPart);
+    fuzzing::expectLoadedByPath(status, pair, LoadGroupPart);
     askByPath(status);
   }
   if (status == 0) {
@@ -62,19 +62,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzzing::expect(codec::readRecord(again, version, extraPartCount) &&
                     codec::readRecord(again, version, nameBlockSize));
     fuzzing::expectSettled(
-        twins.read,
+        pair.read,
         [&](auto& in, SheetPartList& to) {
-          GroupPart whole{to.parts};
-          return codec::resultOf(codec::readRecord(in, version, whole));
+          GroupPart all{to.parts};
+          return codec::resultOf(codec::readRecord(in, version, all));
         },
         [&](auto& out, const SheetPartList& from) {
-          const codec::GroupPartFile<const std::vector<TorvPart>> whole{
+          const codec::GroupPartFile<const std::vector<TorvPart>> all{
               from.parts, static_cast<std::int32_t>(from.parts.size() - 1), nameBlockSize};
-          return codec::writeRecord(out, version, whole);
+          return codec::writeRecord(out, version, all);
         });
   }
-  // The new parts stand behind those that the list holds.
+  // The new parts follow those that the list holds.
   const std::size_t before = parts.size();
-  fuzzing::expect(load(body, version, twins) == status && parts.size() == 2 * before);
+  fuzzing::expect(load(body, version, pair) == status && parts.size() == 2 * before);
   return 0;
 }

@@ -20,12 +20,12 @@ bool comesBack(const OldMachine& m, int version) {
 }
 
 // shapes: of a sheet, the same for both.
-int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMachine>& twins, ShapeList* shapes = nullptr,
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMachine>& pair, ShapeList* shapes = nullptr,
          bool* forgave = nullptr) {
   ShapeList walkedShapes;
   if (shapes != nullptr) walkedShapes = *shapes;
   const int status = fuzzing::loadPair(
-      body, twins, [&](auto& in, OldMachine& to) { return ReadOldMachine(in, version, shapes, to); },
+      body, pair, [&](auto& in, OldMachine& to) { return ReadOldMachine(in, version, shapes, to); },
       [&](OldMachine& to) {
         const auto walked = fuzzing::walkMachine(body, version, shapes != nullptr ? &walkedShapes : nullptr, to);
         if (forgave != nullptr) *forgave = walked.forgave;
@@ -86,14 +86,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<OldMachine>::fresh();
-  twins.both([&](OldMachine& m) { m.version = static_cast<std::int16_t>(version); });
-  OldMachine& machine = twins.read;
+  const auto pair = fuzzing::RecordPair<OldMachine>::fresh();
+  pair.both([&](OldMachine& m) { m.version = static_cast<std::int16_t>(version); });
+  OldMachine& machine = pair.read;
   bool forgave = false;
-  const int status = load(body, version, twins, nullptr, &forgave);
+  const int status = load(body, version, pair, nullptr, &forgave);
   if (turn % 16 == 0) {
     const fuzzing::ScratchFile scratch(file);
-    fuzzing::expectLoadedByPath(status, twins, LoadOldMachine);
+    fuzzing::expectLoadedByPath(status, pair, LoadOldMachine);
     askByPath(version, status, machine, turn / 16);
   }
   if (status == 0) {
@@ -103,17 +103,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto write = [&](auto& out, OldMachine& from) { return WriteOldMachine(out, version, nullptr, from, false); };
     // A save changes the record.
     const auto saved = fuzzing::stored([&](auto& out) { return write(out, machine); });
-    fuzzing::expect(saved == fuzzing::stored([&](auto& out) { return write(out, twins.walked); }));
+    fuzzing::expect(saved == fuzzing::stored([&](auto& out) { return write(out, pair.walked); }));
     if (settles) {
       fuzzing::expectSettled(
           machine, [&](auto& in, OldMachine& to) { return ReadOldMachine(in, version, nullptr, to); }, write);
-      (void)fuzzing::stored([&](auto& out) { return write(out, twins.walked); });
+      (void)fuzzing::stored([&](auto& out) { return write(out, pair.walked); });
     }
   }
 
   // The same bytes in a sheet, whose shapes take trailer values, over the record in use.
   ShapeList shapes;
   shapes.shapes.resize(3);
-  (void)load(body, version, twins, &shapes);
+  (void)load(body, version, pair, &shapes);
   return 0;
 }

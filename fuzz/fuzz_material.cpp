@@ -10,26 +10,26 @@ using namespace oldtorvio;
 
 namespace {
 
-int loadTable(fuzzing::Bytes from, const fuzzing::RecordPair<OldMaterial>& twins, std::size_t& behind) {
-  const fuzzing::RecordPair<ParamTable> tables{twins.read.params, twins.walked.params};
+int loadTable(fuzzing::Bytes from, const fuzzing::RecordPair<OldMaterial>& pair, std::size_t& bytesRead) {
+  const fuzzing::RecordPair<ParamTable> tables{pair.read.params, pair.walked.params};
   return fuzzing::loadPair(
       from, tables,
       [&](auto& in, ParamTable& to) {
         const int status = ReadParamTable(in, to);
-        behind = static_cast<std::size_t>(in.position());
+        bytesRead = static_cast<std::size_t>(in.position());
         return status;
       },
       [&](ParamTable& to) { return fuzzing::walkParamTable(from, to); });
 }
 
-int loadBody(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMaterial>& twins) {
+int loadBody(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMaterial>& pair) {
   return fuzzing::loadPair(
-      body, twins, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); },
+      body, pair, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); },
       [&](OldMaterial& to) { return fuzzing::walkMaterialBody(body, version, to); });
 }
 
-// What a load sets beside the table and the body.
-void setBeside(OldMaterial& material, int version, bool isLoadedTable) {
+// What a load sets besides the table and the body.
+void setOutside(OldMaterial& material, int version, bool isLoadedTable) {
   frame::setPath(material.path, fuzzing::ScratchFile::path());
   material.version = static_cast<std::uint16_t>(version);
   const std::string_view name = fixedText(material.params.name);
@@ -46,26 +46,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!fuzzing::readVersion(head, version) || !frame::isMaterialVersion(version)) return 0;
   }
   const std::size_t turn = fuzzing::turnOf(file);
-  const auto twins = fuzzing::RecordPair<OldMaterial>::fresh();
-  OldMaterial& material = twins.read;
+  const auto pair = fuzzing::RecordPair<OldMaterial>::fresh();
+  OldMaterial& material = pair.read;
   const bool isTable = frame::isParamTableVersion(version);
   const fuzzing::Bytes table = isTable ? file : file.subspan(2);
-  std::size_t behind = 0;
-  const int tableStatus = loadTable(table, twins, behind);
+  std::size_t bytesRead = 0;
+  const int tableStatus = loadTable(table, pair, bytesRead);
   fuzzing::expect(tableStatus >= -1 && tableStatus <= 1);
-  // Tables of version 500 to 502 are stored in a layout that their version does not tell.
+  // Tables of version 500 to 502 are stored in a layout that does not match their version.
   if (tableStatus == 0 && material.params.version < 500)
     fuzzing::expectSettled(
         material.params, [](auto& in, ParamTable& to) { return ReadParamTable(in, to); },
         [](auto& out, const ParamTable& from) { return WriteParamTable(out, from); });
 
   const bool hasBody = tableStatus == 0 && !isTable;
-  const fuzzing::Bytes body = table.subspan(behind);
-  const int status = hasBody ? loadBody(body, version, twins) : tableStatus;
-  twins.both([&](OldMaterial& m) { setBeside(m, version, isTable && tableStatus == 0); });
+  const fuzzing::Bytes body = table.subspan(bytesRead);
+  const int status = hasBody ? loadBody(body, version, pair) : tableStatus;
+  pair.both([&](OldMaterial& m) { setOutside(m, version, isTable && tableStatus == 0); });
   if (turn % 16 == 0) {
     const fuzzing::ScratchFile scratch(file);
-    fuzzing::expectLoadedByPath(status, twins, LoadOldMaterial);
+    fuzzing::expectLoadedByPath(status, pair, LoadOldMaterial);
   }
   if (!hasBody) return 0;
 
@@ -75,8 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzzing::expectSettled(
         material, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); }, write);
     // A save changes the record.
-    (void)fuzzing::stored([&](auto& out) { return write(out, twins.walked); });
+    (void)fuzzing::stored([&](auto& out) { return write(out, pair.walked); });
   }
-  (void)loadBody(body, version < 130 ? 180 : 61, twins);
+  (void)loadBody(body, version < 130 ? 180 : 61, pair);
   return 0;
 }

@@ -13,21 +13,21 @@ using namespace oldtorvio;
 namespace {
 
 bool fitsWriter(const TorvPart& part) {
-  // What a load keeps as it stands but a save must refuse or repairs on the way.
+  // What a load keeps unchanged but a save must refuse or repairs on the way.
   for (const Pattern& p : part.patterns)
     if (p.bindFirst.size() != p.bindFifth.size()) return false;
   return true;
 }
 
-int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const fuzzing::RecordPair<TorvPart>& twins) {
+int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const fuzzing::RecordPair<TorvPart>& pair) {
   return fuzzing::loadPair(
-      body, twins, [&](auto& in, TorvPart& to) { return ReadPartBody(in, version, embedded, to, stopEarly); },
+      body, pair, [&](auto& in, TorvPart& to) { return ReadPartBody(in, version, embedded, to, stopEarly); },
       [&](TorvPart& to) { return fuzzing::walkPartBody(body, version, embedded, stopEarly, to); });
 }
 
-int loadOldest(fuzzing::Bytes body, int version, const fuzzing::RecordPair<TorvPart>& twins) {
+int loadOldest(fuzzing::Bytes body, int version, const fuzzing::RecordPair<TorvPart>& pair) {
   return fuzzing::loadPair(
-      body, twins, [&](auto& in, TorvPart& to) { return ReadOldestPart(in, version, to); },
+      body, pair, [&](auto& in, TorvPart& to) { return ReadOldestPart(in, version, to); },
       [&](TorvPart& to) { return fuzzing::walkOldestPart(body, version, to); });
 }
 
@@ -70,11 +70,11 @@ void askByPath(std::int64_t status, const TorvPart& part, std::size_t which) {
   }
 }
 
-void loadByPath(fuzzing::Bytes file, std::int64_t status, const fuzzing::RecordPair<TorvPart>& twins, std::size_t turn) {
+void loadByPath(fuzzing::Bytes file, std::int64_t status, const fuzzing::RecordPair<TorvPart>& pair, std::size_t turn) {
   if (turn % 16 != 0) return;
   const fuzzing::ScratchFile scratch(file);
-  fuzzing::expectLoadedByPath(status, twins, LoadOldPart);
-  askByPath(status, twins.read, turn / 16);
+  fuzzing::expectLoadedByPath(status, pair, LoadOldPart);
+  askByPath(status, pair.read, turn / 16);
 }
 
 }  // namespace
@@ -89,21 +89,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!frame::kPartVersions.has(version)) return 0;
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
-  const auto twins = fuzzing::RecordPair<TorvPart>::fresh();
-  twins.both([&](TorvPart& part) { setBeside(part, version); });
-  const TorvPart& part = twins.read;
+  const auto pair = fuzzing::RecordPair<TorvPart>::fresh();
+  pair.both([&](TorvPart& part) { setBeside(part, version); });
+  const TorvPart& part = pair.read;
   if (version < frame::kFirstMainVersion) {
-    const int result = loadOldest(body, version, twins);
+    const int result = loadOldest(body, version, pair);
     fuzzing::expect(result == 1 || version == frame::kVersion5);
-    loadByPath(file, result, twins, turn);
+    loadByPath(file, result, pair, turn);
     // The second time over the record in use.
-    fuzzing::expect(loadOldest(body, version, twins) == result);
+    fuzzing::expect(loadOldest(body, version, pair) == result);
     for (const Shape& shape : part.shapes.shapes) fuzzing::expect(shape.valueCount == 9);
     return 0;
   }
 
-  const int result = load(body, version, false, false, twins);
-  loadByPath(file, result, twins, turn);
+  const int result = load(body, version, false, false, pair);
+  loadByPath(file, result, pair, turn);
   if (result == 0) {
     fuzzing::expect(part.patterns.size() == 1);
     fuzzing::expect(part.patterns.front().items.size() == part.shapes.shapes.size());
@@ -115,6 +115,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   // The same bytes in a sheet's form, over the record that the first load left, up to the descriptions or all.
-  (void)load(body, version, true, turn % 8 == 1, twins);
+  (void)load(body, version, true, turn % 8 == 1, pair);
   return 0;
 }

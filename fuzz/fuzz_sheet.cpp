@@ -6,8 +6,8 @@
 
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
-#include "src/frame/versions.h"
 #include "src/frame/codec/writer.h"
+#include "src/frame/versions.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/sheet_hazards.h"
 #include "tests/support/sheet_keys.h"
@@ -31,14 +31,14 @@ bool comesBack(const OldSheet& s, int version) {
   return version >= 152 && hasFullTexts && m.material.rules.angleRules.size() == 6 && s.blocks.empty();
 }
 
-int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSheet>& twins) {
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSheet>& pair) {
   return fuzzing::loadPair(
-      body, twins, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
+      body, pair, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
       [&](OldSheet& to) { return fuzzing::walkSheet(body, version, to); });
 }
 
-void save(const fuzzing::RecordPair<OldSheet>& twins, int version) {
-  OldSheet& sheet = twins.read;
+void save(const fuzzing::RecordPair<OldSheet>& pair, int version) {
+  OldSheet& sheet = pair.read;
   if (!blocksCanBeStored(sheet.blocks, version)) return;
   if (!canBeSaved(sheet)) {
     codec::OutStream out;
@@ -49,17 +49,17 @@ void save(const fuzzing::RecordPair<OldSheet>& twins, int version) {
   const auto write = [&](auto& out, OldSheet& from) { return WriteOldSheet(out, version, from); };
   // A save changes the record.
   const auto saved = fuzzing::stored([&](auto& out) { return write(out, sheet); });
-  fuzzing::expect(saved == fuzzing::stored([&](auto& out) { return write(out, twins.walked); }));
+  fuzzing::expect(saved == fuzzing::stored([&](auto& out) { return write(out, pair.walked); }));
   if (!settles) return;
   fuzzing::expectSettled(
       sheet, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); }, write);
-  (void)fuzzing::stored([&](auto& out) { return write(out, twins.walked); });
+  (void)fuzzing::stored([&](auto& out) { return write(out, pair.walked); });
 }
 
 // ---- questions -------------------------------------------------------------------------------------
 
-void askByKey(const OldSheet& sheet) {
-  // For each part two texts, three numbers and what stands between, and for each pattern an id.
+void queryByKey(const OldSheet& sheet) {
+  // For each part two texts, three numbers and the separators, and for each pattern an id.
   std::size_t room = 2048;
   for (const TorvPart& part : sheet.partList.parts) room += 1024 + 12 * part.patterns.size();
   std::vector<char> answer(room);
@@ -90,10 +90,10 @@ void askForListOfTools(const char* path, int quiet) {
   fuzzing::expect(std::strlen(tools.data()) == static_cast<std::size_t>(toolsLength));
 }
 
-constexpr std::size_t kQuestionsByPath = 7;
+constexpr std::size_t kQueriesByPath = 7;
 
-// One of the questions: each loads the whole file anew. status: of the load of the same file.
-void askByPath(int version, int status, const OldSheet& sheet, std::size_t which) {
+// One of the queries: each loads the file again. status: of the load of the same file.
+void queryByPath(int version, int status, const OldSheet& sheet, std::size_t which) {
   const char* const path = fuzzing::ScratchFile::path();
   const int quiet = frame::isKnownSheetVersion(version) ? 0 : -1;
   char text[2][261];
@@ -163,30 +163,30 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<OldSheet>::fresh();
-  twins.both([&](OldSheet& s) { s.version = static_cast<std::uint16_t>(version); });
-  const OldSheet& sheet = twins.read;
-  const int status = load(body, version, twins);
+  const auto pair = fuzzing::RecordPair<OldSheet>::fresh();
+  pair.both([&](OldSheet& s) { s.version = static_cast<std::uint16_t>(version); });
+  const OldSheet& sheet = pair.read;
+  const int status = load(body, version, pair);
   const bool isEdited =
       status == 0 && turn % 4 == 0 && frame::isListedSheetVersion(version) && blocksCanBeStored(sheet.blocks, version);
   {
     const fuzzing::ScratchFile scratch(file);
-    if (turn % 16 == 1) fuzzing::expectLoadedByPath(status, twins, LoadOldSheet);
-    askByPath(version, status, sheet, turn / 4 % kQuestionsByPath);
+    if (turn % 16 == 1) fuzzing::expectLoadedByPath(status, pair, LoadOldSheet);
+    queryByPath(version, status, sheet, turn / 4 % kQueriesByPath);
     if (isEdited) edit(version, sheet, turn / 32);
   }
-  // Whatever a load left, whole or not, answers.
-  askByKey(sheet);
+  // Queries work on whatever a load has left, complete or not.
+  queryByKey(sheet);
   if (status == 0) {
     const OldMachine& m = sheet.machine;
     fuzzing::expect(m.stationsA.stations.size() == m.stationsA.tools.size());
     fuzzing::expect(sheet.textWidth >= 1 && sheet.textWidth <= 256);
-    save(twins, version);
+    save(pair, version);
   }
 
-  // The same bytes over the record in use, as they stand and at the other end of the versions.
-  if (load(body, version, twins) == 0) save(twins, version);
-  (void)load(body, version < 110 ? 180 : 54, twins);
-  askByKey(sheet);
+  // The same bytes over the record that now holds data, at this version and at one far from it.
+  if (load(body, version, pair) == 0) save(pair, version);
+  (void)load(body, version < 110 ? 180 : 54, pair);
+  queryByKey(sheet);
   return 0;
 }

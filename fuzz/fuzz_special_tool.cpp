@@ -9,9 +9,9 @@ using namespace oldtorvio;
 
 namespace {
 
-int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSpecialTool>& twins) {
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSpecialTool>& pair) {
   return fuzzing::loadPair(
-      body, twins, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
+      body, pair, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
       [&](OldSpecialTool& to) { return fuzzing::walkSpecialTool(body, version, to); });
 }
 
@@ -45,21 +45,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzzing::Bytes body = file.subspan(2);
   const std::size_t turn = fuzzing::turnOf(file);
 
-  const auto twins = fuzzing::RecordPair<OldSpecialTool>::fresh();
-  twins.both([&](OldSpecialTool& tool) { tool.tool.fileVersion = static_cast<std::int16_t>(version); });
-  const int status = load(body, version, twins);
+  const auto pair = fuzzing::RecordPair<OldSpecialTool>::fresh();
+  pair.both([&](OldSpecialTool& tool) { tool.tool.fileVersion = static_cast<std::int16_t>(version); });
+  const int status = load(body, version, pair);
   if (turn % 16 == 0) {
     const fuzzing::ScratchFile scratch(file);
-    fuzzing::expectLoadedByPath(status, twins, LoadOldSpecialTool);
-    askByPath(status, twins.read);
+    fuzzing::expectLoadedByPath(status, pair, LoadOldSpecialTool);
+    askByPath(status, pair.read);
   }
   if (status == 0)
     fuzzing::expectSettled(
-        twins.read, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
+        pair.read, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
         [&](auto& out, const OldSpecialTool& from) { return WriteSpecialTool(out, version, from); });
 
   // Loaded over itself, and once more as another version reads the same bytes.
-  (void)load(body, version, twins);
-  (void)load(body, version < 110 ? 180 : 52, twins);
+  (void)load(body, version, pair);
+  (void)load(body, version < 110 ? 180 : 52, pair);
   return 0;
 }

@@ -12,14 +12,14 @@ using namespace oldtorvio;
 
 namespace {
 
-int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldToolInventory>& twins) {
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldToolInventory>& pair) {
   return fuzzing::loadPair(
-      body, twins, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
+      body, pair, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
       [&](OldToolInventory& to) { return fuzzing::walkToolInventory(body, version, to); });
 }
-int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMacro>& twins) {
+int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMacro>& pair) {
   return fuzzing::loadPair(
-      body, twins, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
+      body, pair, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
       [&](OldMacro& to) { return fuzzing::walkMacro(body, version, to); });
 }
 
@@ -48,40 +48,40 @@ void askByPath(int status, const OldToolInventory& inventory) {
 
 void inventory(fuzzing::Bytes file, int version, std::size_t turn) {
   const fuzzing::Bytes body = file.subspan(2);
-  const auto twins = fuzzing::RecordPair<OldToolInventory>::fresh();
-  twins.both([&](OldToolInventory& to) {
+  const auto pair = fuzzing::RecordPair<OldToolInventory>::fresh();
+  pair.both([&](OldToolInventory& to) {
     to.version = static_cast<std::int16_t>(version);
     frame::setPath(to.path, fuzzing::ScratchFile::path());
   });
-  const int status = load(body, version, twins);
+  const int status = load(body, version, pair);
   if (turn % 16 == 0) {
     const fuzzing::ScratchFile scratch(file);
-    fuzzing::expectLoadedByPath(status, twins, LoadOldToolInventory);
-    askByPath(status, twins.read);
+    fuzzing::expectLoadedByPath(status, pair, LoadOldToolInventory);
+    askByPath(status, pair.read);
   }
   if (status == 0)
     fuzzing::expectSettled(
-        twins.read, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
+        pair.read, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
         [&](auto& out, const OldToolInventory& from) { return WriteToolInventory(out, version, from); });
-  (void)load(body, version < 110 ? 180 : 54, twins);
+  (void)load(body, version < 110 ? 180 : 54, pair);
 }
 
 void macro(fuzzing::Bytes file, int version, std::size_t turn) {
   const fuzzing::Bytes body = file.subspan(2);
-  const auto twins = fuzzing::RecordPair<OldMacro>::fresh();
-  twins.both([&](OldMacro& to) { to.version = static_cast<std::int16_t>(version); });
-  const int status = load(body, version, twins);
+  const auto pair = fuzzing::RecordPair<OldMacro>::fresh();
+  pair.both([&](OldMacro& to) { to.version = static_cast<std::int16_t>(version); });
+  const int status = load(body, version, pair);
   if (turn % 16 == 0) {
     const fuzzing::ScratchFile scratch(file);
-    fuzzing::expectLoadedByPath(status, twins, LoadOldMacro);
+    fuzzing::expectLoadedByPath(status, pair, LoadOldMacro);
   }
   if (status == 0) {
-    fuzzing::expect(twins.read.stationList.stations.size() == twins.read.stationList.tools.size());
+    fuzzing::expect(pair.read.stationList.stations.size() == pair.read.stationList.tools.size());
     fuzzing::expectSettled(
-        twins.read, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
+        pair.read, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
         [&](auto& out, const OldMacro& from) { return WriteMacro(out, version, from); });
   }
-  (void)load(body, version < 110 ? 180 : 52, twins);
+  (void)load(body, version < 110 ? 180 : 52, pair);
 }
 
 }  // namespace

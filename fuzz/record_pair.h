@@ -24,7 +24,7 @@ struct Walked {
   bool forgave = false;    // whether anything failed that the format tolerates
 };
 
-// Each as the reader of its kind, of the bytes behind the version word (a table's before it).
+// Each as the reader of its kind, of the bytes after the version word (a table's before it).
 Walked walkPartBody(Bytes body, int version, bool embedded, bool stopEarly, oldtorvio::TorvPart& part);
 Walked walkOldestPart(Bytes body, int version, oldtorvio::TorvPart& part);
 Walked walkGroupPart(Bytes body, int version, oldtorvio::SheetPartList& list);

@@ -118,7 +118,7 @@ struct FileRecord<frame::FileKind::sheet> {
   using Record = OldSheet;
   static std::int64_t load(const char* path, Record& sheet) { return LoadOldSheet(path, &sheet); }
   static std::int64_t save(const char* path, Record& sheet, int version) {
-    return SaveOldSheet(path, &sheet, static_cast<VersionWord>(version));
+    return SaveOldSheet(path, &sheet, static_cast<std::uint16_t>(version));
   }
   static std::int64_t walk(auto& io, Record& sheet) { return statusOf(io.walk(sheet)); }
 };

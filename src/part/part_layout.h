@@ -267,7 +267,7 @@ struct Layout<TorvPart> {
   }
 };
 
-// A group part file behind its version word: one part and then extraPartCount more.
+// A group part file after its version word: one part and then extraPartCount more.
 template <class Parts>  // a vector of TorvPart, const in a writer
 struct GroupPartFile {
   Parts& parts;

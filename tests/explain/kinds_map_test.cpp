@@ -1,4 +1,4 @@
-// The map of machines, materials, tool inventories and the oldest parts: every byte told, every fault
+// The map of machines, materials, tool inventories and the oldest parts: every byte reported, every fault
 // where the load has it.
 #include <gtest/gtest.h>
 
@@ -14,18 +14,18 @@ namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
-using explain::MapLine;
 using explain::FileKind;
 using explain::FileReport;
+using explain::MapLine;
 
-struct Told {
+struct Mapped {
   FileReport report;
   std::uint64_t bytes = 0;  // of all lines together
   std::string last;         // value of the last line
 };
 
-Told told(const std::string& path, FileKind kind) {
-  Told all;
+Mapped mapped(const std::string& path, FileKind kind) {
+  Mapped all;
   all.report = explain::mapFile(path.c_str(), kind, [&](const MapLine& line) {
     all.bytes += line.size;
     all.last = line.value;
@@ -33,16 +33,16 @@ Told told(const std::string& path, FileKind kind) {
   return all;
 }
 
-// Every file cut anywhere: the map and the load agree on the status, and the map tells every byte that
-// it walked once. A step above 1 leaves out cuts of a long file; `behind` bytes are not read at all.
+// Every file cut anywhere: the map and the load agree on the status, and the map reports every byte that
+// it walked once. A step above 1 leaves out cuts of a long file; `unread` bytes are not read at all.
 template <class Load>
 void expectMapFollowsLoad(const Bytes& file, FileKind kind, const Load& load, std::size_t step = 1,
-                          std::size_t behind = 0) {
+                          std::size_t unread = 0) {
   const TempFolder folder;
   for (std::size_t cut = 2; cut <= file.size();
        cut += cut + step > file.size() && cut < file.size() ? file.size() - cut : step) {
     const std::string path = folder.write("f", file.cut(cut));
-    const Told map = told(path, kind);
+    const Mapped map = mapped(path, kind);
     const FileReport check = explain::checkFile(path.c_str(), kind);
     EXPECT_EQ(map.report.status, load(path)) << cut;
     EXPECT_EQ(check.status, map.report.status) << cut;
@@ -50,12 +50,12 @@ void expectMapFollowsLoad(const Bytes& file, FileKind kind, const Load& load, st
     EXPECT_LE(map.bytes, cut) << cut;
     EXPECT_EQ(map.report.fault.has_value(), map.report.status != 0) << cut;
   }
-  const Told whole = told(folder.write("f", file), kind);
-  EXPECT_EQ(whole.bytes, whole.report.walked);
-  EXPECT_EQ(whole.report.walked, file.size() - behind);
+  const Mapped complete = mapped(folder.write("f", file), kind);
+  EXPECT_EQ(complete.bytes, complete.report.walked);
+  EXPECT_EQ(complete.report.walked, file.size() - unread);
 }
 
-// A parameter table in the layout of that version, numbers alone and a short name.
+// A parameter table in the layout of that version, only numbers and a short name.
 Bytes shortTable(int version) {
   Bytes file;
   file.i16(version);
@@ -75,14 +75,14 @@ TEST(KindsMap, ShortParameterTablesAreToldAsTheyAreLoaded) {
 TEST(KindsMap, NameOfOneByteIsToldAsTolerated) {
   const TempFolder folder;
   const Bytes file = shortTable(501);
-  const Told one = told(folder.write("one", file.cut(file.size() - 20)), FileKind::material);
+  const Mapped one = mapped(folder.write("one", file.cut(file.size() - 20)), FileKind::material);
   EXPECT_EQ(one.report.status, 0);
   EXPECT_NE(one.last.find("which is tolerated there"), std::string::npos) << one.last;
   ASSERT_TRUE(one.report.tolerated);
   EXPECT_EQ(one.report.tolerated->offset, file.size() - 20);
   EXPECT_EQ(explain::checkFile(folder.path("one").c_str(), FileKind::material).tolerated->reason,
             one.report.tolerated->reason);
-  const Told two = told(folder.write("two", file.cut(file.size() - 19)), FileKind::material);
+  const Mapped two = mapped(folder.write("two", file.cut(file.size() - 19)), FileKind::material);
   EXPECT_EQ(two.report.status, 1);
   EXPECT_EQ(two.report.fault->path.find("params.name"), 0U) << two.report.fault->path;
 }
@@ -141,7 +141,7 @@ TEST(KindsMap, PartsWithBindingsAreToldAsTheyAreLoaded) {
 TEST(KindsMap, WhatNobodyReadsOfTheOldestPartsIsTheFault) {
   const TempFolder folder;
   const std::string path = folder.write("old", Bytes().i16(3).zeros(4000));
-  const Told map = told(path, FileKind::part);
+  const Mapped map = mapped(path, FileKind::part);
   EXPECT_EQ(map.report.status, 1);
   ASSERT_TRUE(map.report.fault);
   EXPECT_EQ(map.report.fault->path, "rest");

@@ -64,8 +64,9 @@ template <>
 struct oldtorvio::codec::Layout<Sample> {
   static bool describe(auto& io, auto& s) {
     return io.fields(FIELDS(s.small, block(s.real, s.wide), s.raw, s.row, as<std::int16_t>(s.kind))) &&
-           io.lengthText(FIELDS(s.note)) && io.list(FIELDS(s.numbers), kCountFirst) && io.sized(FIELDS(s.name), 2) && io.reserved(3) &&
-           io.require(within(FIELDS(s.kind), 0, 3)) && io.optionalTail([&] { return io.fields(FIELDS(s.wide)); });
+           io.lengthText(FIELDS(s.note)) && io.list(FIELDS(s.numbers), kCountFirst) && io.sized(FIELDS(s.name), 2) &&
+           io.reserved(3) && io.require(within(FIELDS(s.kind), 0, 3)) &&
+           io.optionalTail([&] { return io.fields(FIELDS(s.wide)); });
   }
 };
 
@@ -93,7 +94,7 @@ TEST(Map, TellsEveryKindOfField) {
                                       "46+3 reserved = (dropped)", "49+8 wide = 0.25"}));
 }
 
-// In paths of their own: rows, lists told in turns, trailers, what is tolerated inside a record.
+// In paths of their own: rows, lists in turns, trailers, what is tolerated inside a record.
 TEST(Map, NamesTheRowTheListAndTheRecordThatItIsIn) {
   const auto pathsOf = [](const Bytes& bytes, int version, auto&& record) {
     std::vector<std::string> paths;
@@ -171,7 +172,7 @@ TEST(Map, RefusedValueIsTheFault) {
   EXPECT_EQ(fault->reason, "the value 4 is refused");
 }
 
-// ---- whole files ---------------------------------------------------------------------------------
+// ---- complete files ------------------------------------------------------------------------------
 
 Bytes partFile(int version) {
   Maker maker;
@@ -185,8 +186,9 @@ TEST(FileMap, SoundFilesAreWalkedToTheirEnd) {
   for (const int version : partVersions()) {
     const Bytes file = partFile(version);
     const std::string path = folder.write("p", file);
-    for (const explain::FileReport& report : {explain::checkFile(path.c_str(), explain::FileKind::part),
-                                          explain::mapFile(path.c_str(), explain::FileKind::part, [](const MapLine&) {})}) {
+    for (const explain::FileReport& report :
+         {explain::checkFile(path.c_str(), explain::FileKind::part),
+          explain::mapFile(path.c_str(), explain::FileKind::part, [](const MapLine&) {})}) {
       EXPECT_EQ(report.status, 0);
       EXPECT_EQ(report.version, version);
       EXPECT_EQ(report.walked, file.size());
@@ -201,7 +203,7 @@ TEST(FileMap, OnlyASoundFileThatGoesOnHasARemarkAboutItsRest) {
   const auto remarksOf = [&](const Bytes& file) {
     int remarks = 0;
     (void)explain::mapFile(folder.write("r", file).c_str(), explain::FileKind::part,
-                       [&](const MapLine& line) { remarks += line.size == 0 ? 1 : 0; });
+                           [&](const MapLine& line) { remarks += line.size == 0 ? 1 : 0; });
     return remarks;
   };
   EXPECT_EQ(remarksOf(partFile(180)), 0);
@@ -213,7 +215,8 @@ TEST(FileMap, BytesAfterTheLastFieldAreReportedAndNoFault) {
   const TempFolder folder;
   const std::string path = folder.write("p", partFile(180).zeros(5));
   std::string last;
-  const auto report = explain::mapFile(path.c_str(), explain::FileKind::part, [&](const MapLine& line) { last = line.value; });
+  const auto report =
+      explain::mapFile(path.c_str(), explain::FileKind::part, [&](const MapLine& line) { last = line.value; });
   EXPECT_EQ(report.status, 0);
   EXPECT_FALSE(report.endsExactly());
   EXPECT_EQ(report.walked + 5, report.size);
@@ -232,7 +235,8 @@ TEST(FileMap, StatusIsThatOfTheLoad) {
   EXPECT_EQ(none.fault->path, "");
   EXPECT_EQ(statusOf(specialToolFile(80, {1}), explain::FileKind::specialTool), -1) << "however sound";
   EXPECT_EQ(statusOf(Bytes().i16(5).zeros(1000), explain::FileKind::part), 0) << "version 5 with nothing in it";
-  EXPECT_EQ(statusOf(Bytes().i16(61).i16(53).zeros(1000), explain::FileKind::material), -1) << "a table without a layout";
+  EXPECT_EQ(statusOf(Bytes().i16(61).i16(53).zeros(1000), explain::FileKind::material), -1)
+      << "a table without a layout";
   EXPECT_EQ(statusOf(Bytes().i16(61).i16(52).zeros(9000), explain::FileKind::material), 1) << "a name of no length";
   oldtorvio::SheetPartList group;
   group.parts.emplace_back().patterns.emplace_back();
@@ -256,7 +260,8 @@ TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
     const std::string path = folder.write("p", Bytes().i16(0));
     for (int version = -3; version < 520; ++version) {
       folder.overwrite("p", Bytes().i16(version));
-      EXPECT_EQ(explain::checkFile(path.c_str(), kind).status, load(path.c_str())) << frame::infoOf(kind).name << ' ' << version;
+      EXPECT_EQ(explain::checkFile(path.c_str(), kind).status, load(path.c_str()))
+          << frame::infoOf(kind).name << ' ' << version;
     }
   };
   expectSame(Kind::part, [part = std::make_unique<oldtorvio::TorvPart>()](const char* path) {
@@ -297,9 +302,11 @@ TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
     EXPECT_EQ(explain::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
   for (const int version : {52, 60, 111, 162, 180}) {
     EXPECT_EQ(explain::detectKind(folder.write("s", specialToolFile(version, {1, 2}))), Kind::specialTool) << version;
-    EXPECT_EQ(explain::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool) << "the extension decides";
+    EXPECT_EQ(explain::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool)
+        << "the extension decides";
   }
-  EXPECT_EQ(explain::detectKind(folder.write("d", partFile(61).cut(500))), Kind::part) << "no other kind has version 61";
+  EXPECT_EQ(explain::detectKind(folder.write("d", partFile(61).cut(500))), Kind::part)
+      << "no other kind has version 61";
   EXPECT_EQ(explain::detectKind(folder.write("r", partFile(80).zeros(37))), Kind::part) << "sound but for the rest";
   // An inventory of this version would be sound after sixteen bytes.
   for (const std::size_t cut : {800U, 1600U})

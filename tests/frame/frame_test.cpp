@@ -190,7 +190,7 @@ TEST(OutStream, OnlyByteIsKeptWhenTheBufferGrows) {
   ASSERT_NE(memory.room(100000), nullptr);
   EXPECT_EQ(memory.bytes()[0], std::byte{7});
 
-  // In front of the last page the largest buffer holds whole pages and one byte.
+  // Before the last page the largest buffer holds whole pages and one byte.
   const TempFolder folder;
   const std::string path = folder.path("pages");
   const File file = File::openToWrite(path.c_str());
@@ -392,13 +392,13 @@ TEST(Text, NumbersPrintAsInTheCLocale) {
                            std::numeric_limits<double>::max(),
                            std::numeric_limits<double>::denorm_min()};
   for (const double value : values) {
-    char told[400];
-    (void)std::snprintf(told, sizeof told, "%g", value);
-    EXPECT_EQ(general(value), told);
-    (void)std::snprintf(told, sizeof told, "%6.3f", value);
+    char printed[400];
+    (void)std::snprintf(printed, sizeof printed, "%g", value);
+    EXPECT_EQ(general(value), printed);
+    (void)std::snprintf(printed, sizeof printed, "%6.3f", value);
     std::string fixed;
     appendFixed3(fixed, value);
-    EXPECT_EQ(fixed, told);
+    EXPECT_EQ(fixed, printed);
   }
   std::string integer;
   appendInteger(integer, std::numeric_limits<std::int64_t>::min());

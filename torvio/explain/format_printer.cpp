@@ -71,7 +71,7 @@ std::string FormatPrinter::valueText(std::int64_t value) const {
   return called == called_.end() ? std::to_string(value) : called->second;
 }
 
-// A size that earlier values make, other than as it stands, is nought here.
+// A size that is computed from earlier values is 0 here.
 bool FormatPrinter::reserved(std::size_t size) {
   remark("reserved", sizeText(static_cast<std::int64_t>(size)) + " bytes", "dropped");
   return true;
@@ -98,7 +98,7 @@ void FormatPrinter::add(std::size_t i, const std::string& stored, const std::str
     rows_.push_back({{name(i)}, stored, conditions_, condition});
 }
 
-// At the row of the field where it has just been told under the same conditions, or on its own.
+// At the row of the field if that was just printed under the same conditions, or on its own.
 void FormatPrinter::addRule(const std::string& name, const std::string& text) {
   for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
     if (std::find(row->names.begin(), row->names.end(), name) == row->names.end()) continue;
@@ -110,7 +110,7 @@ void FormatPrinter::addRule(const std::string& name, const std::string& text) {
   rows_.push_back({{name}, "", conditions_, text});
 }
 
-// Defaults are singles and small whole numbers: six digits tell them.
+// Defaults are singles and small whole numbers: six digits are enough.
 std::string FormatPrinter::defaultText(double value) {
   char digits[32];
   return {digits, std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::general, 6).ptr};

@@ -1,8 +1,5 @@
-// The walker that tells a stored form without a file: every row of a description, whatever the
-// conditions, as a row of a table. It walks a record at its defaults, of which nothing is looked at.
-//
-// What a `when` asks for cannot be seen, so it is found out: the walk is made again and again with one
-// whole number after the other at other values, and the answers are compared.
+// The walker that prints a stored form without a file: every field of a layout, whatever the conditions, as a row of
+// a table. It walks a record once and reads none of its values; conditions, list rules and defaults print themselves.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -37,7 +34,7 @@ class FormatPrinter {
   // The table of what `walk` walks.
   static std::string table(const Walk& walk, Place place = Place::open);
 
-  // A value that stands for the name of a size or count: "text, textWidth bytes".
+  // A value that is printed as the name of a size or count: "text, textWidth bytes".
   std::int32_t numberCalled(const std::string& name);
   void call(std::int64_t value, const std::string& name) { called_[value] = name; }
 
@@ -364,7 +361,7 @@ class FormatPrinter {
   template <class M>
   void nameStoredSize(std::size_t, const M&) {}
 
-  // A field that is a size or count by its name gets a value that stands for that name.
+  // A field that is a size or count by its name gets a value that is printed as that name.
   template <class T, class Stored>
   void nameSize(std::size_t i, T& member, Stored) {
     if (isSize(names_[i]))

@@ -7,7 +7,7 @@
 namespace oldtorvio::explain {
 namespace {
 
-// "block(r.x, r.y)" and "as<T>(r.kind)" name what stands in their parentheses; "r.x" names "x".
+// "block(r.x, r.y)" and "as<T>(r.kind)" name what is in their parentheses; "r.x" names "x".
 std::string nameOf(std::string_view one) {
   one.remove_prefix(std::min(one.find_first_not_of(' '), one.size()));
   if (const auto open = one.find('('); open != std::string_view::npos) {
@@ -137,7 +137,7 @@ void Mapper::endsHere(const std::string& name, std::uint64_t size) {
   (void)fellShort();
 }
 
-void Mapper::tell(std::uint64_t size, const std::string& name, std::string value) {
+void Mapper::report(std::uint64_t size, const std::string& name, std::string value) {
   lastOffset_ = in_.position();
   in_.consume(static_cast<std::size_t>(size));
   sink_({lastOffset_, size, pathOf(name), std::move(value)});
@@ -170,7 +170,7 @@ void Mapper::leave() {
   outer_.pop_back();
 }
 
-// The name itself stands for an element without fields of its own; "[i]" for the present row.
+// "itself" is an element without fields of its own, "[i]" the present row.
 std::string Mapper::pathOf(const std::string& name) const {
   if (name == "itself") return path_.substr(0, path_.size() - 1);
   std::string path = path_ + name;

@@ -1,5 +1,5 @@
-// The map: reads like the reader and tells every field it meets, with its place and value. The base
-// of everything that explains a file.
+// The map: reads like the reader and reports every field with its offset and value. The base of everything that
+// explains a file.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -22,7 +22,7 @@ struct MapLine {
 
 using MapSink = std::function<void(const MapLine&)>;
 
-// Where a file breaks: the field that could not be read whole, or whose value is refused.
+// Where a file breaks: the field that could not be read completely, or whose value is refused.
 struct Fault {
   std::uint64_t offset = 0;
   std::string path;
@@ -76,7 +76,7 @@ class Mapper : public codec::Reading<Mapper> {
       printText(value, std::data(field), size);
     else
       printBytes(value, std::data(field), size);
-    tell(size, name, std::move(value));
+    report(size, name, std::move(value));
     return true;
   }
   bool text(std::string& to, std::uint64_t size);
@@ -113,7 +113,7 @@ class Mapper : public codec::Reading<Mapper> {
       Item::load(member, from);
       std::string value;
       print(value, member);
-      tell(Item::kWidth, name, std::move(value));
+      report(Item::kWidth, name, std::move(value));
       return true;
     }
   }
@@ -153,10 +153,10 @@ class Mapper : public codec::Reading<Mapper> {
     to.pop_back();
   }
 
-  // The next bytes, still to be told; or null, with the fault noted and the stream at its end.
+  // The next bytes, not yet reported; or null, with the fault noted and the stream at its end.
   const std::byte* take(const std::string& name, std::size_t size);
   void endsHere(const std::string& name, std::uint64_t size);
-  void tell(std::uint64_t size, const std::string& name, std::string value);
+  void report(std::uint64_t size, const std::string& name, std::string value);
   void enterPath(const std::string& name, std::int64_t index);
   std::string pathOf(const std::string& name) const;
 

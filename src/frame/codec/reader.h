@@ -55,7 +55,7 @@ class Reader : public Reading<Reader> {
   explicit Reader(InStream& in, int version = kUnversioned) : Reading(version), in_(in) {}
 
   // A run of fields is checked once against what is there; only one that does not fit goes field by
-  // field, so that exactly the whole fields are set.
+  // field, so that exactly the complete fields are set.
   template <class Names, class... T>
   [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
     constexpr std::size_t kTotal = (wire::ItemOf<T>::kWidth + ...);
@@ -86,7 +86,7 @@ class Reader : public Reading<Reader> {
   [[nodiscard]] bool indexed(const Names&, std::size_t, M& member) {
     return one(member);
   }
-  // As fields: checked once, and entry by entry only where the whole slice is not there.
+  // As fields: checked once, and entry by entry only where not all of it is there.
   template <class Stored = void, class X>
   [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
     auto& all = x.only();
@@ -135,16 +135,16 @@ class Reader : public Reading<Reader> {
   [[gnu::flatten]] std::int64_t readRunFast(V& list, std::int64_t count, const A&... more) {
     const auto window = in_.window();
     FastReader quick(window.data(), window.data() + window.size(), version());
-    const std::byte* behind = window.data();
+    const std::byte* after = window.data();
     std::int64_t done = 0;
     for (; done < count; ++done) {
       if (!Layout<typename V::value_type>::describe(quick, list.emplace_back(), more...)) {
         list.pop_back();
         break;
       }
-      behind = quick.at();
+      after = quick.at();
     }
-    in_.consume(static_cast<std::size_t>(behind - window.data()));
+    in_.consume(static_cast<std::size_t>(after - window.data()));
     return done;
   }
   template <class R, class... A>

@@ -418,19 +418,19 @@ class Reading : public Gates<Self> {
   void makeRoom(V& list, std::int64_t count, std::size_t least) {
     const std::size_t room = roomFor(count, least);
     for (Holders* around = holders_; around != nullptr && room > 0; around = around->around)
-      if (around->giveBack != nullptr && std::uint64_t{room} * least + around->claimed > self().left())
-        std::exchange(around->giveBack, nullptr)(around->list);
+      if (around->release != nullptr && std::uint64_t{room} * least + around->claimed > self().left())
+        std::exchange(around->release, nullptr)(around->list);
     list.reserve(list.size() + room);
   }
 
-  // A list whose elements hold lists, while one of these is read. Where a file claims more for a list inside
-  // and for the elements behind than it holds, the rooms of both would add up: the outer one gives its back.
-  // So the element at hand stands beside its list until it is whole.
+  // A list whose elements contain lists, while one of these is read. If a file claims more for an inner list and the
+  // elements after it than it contains, the memory of both would add up: so the outer list releases its own. The
+  // element that is being read is not part of its list until it is complete.
   struct Holders {
     Holders* around;
-    std::uint64_t claimed;  // bytes that the elements behind the one at hand take at least
+    std::uint64_t claimed;  // bytes that the elements after the present one take at least
     void* list;
-    void (*giveBack)(void* list);  // none when it was called: each time may copy what came so far
+    void (*release)(void* list);  // null once it was called, because each call may copy all elements
   };
   template <class Element>
   static constexpr bool kHoldsLists = !std::is_trivially_copyable_v<Element> && !HasFastPath<Element>;
@@ -440,10 +440,10 @@ class Reading : public Gates<Self> {
     auto& list = x.only();
     using List = std::remove_cvref_t<decltype(list)>;
     const std::size_t least = minStoredSizeOf<typename List::value_type>();
-    Holders here{holders_, 0, &list, [](void* all) { giveBackRoom(*static_cast<List*>(all)); }};
+    Holders here{holders_, 0, &list, [](void* all) { releaseRoom(*static_cast<List*>(all)); }};
     for (std::int64_t i = 0; i < count; ++i) {
-      const std::int64_t behind = std::min(count - i, static_cast<std::int64_t>(list.capacity() - list.size())) - 1;
-      here.claimed = behind > 0 ? static_cast<std::uint64_t>(behind) * least : 0;
+      const std::int64_t following = std::min(count - i, static_cast<std::int64_t>(list.capacity() - list.size())) - 1;
+      here.claimed = following > 0 ? static_cast<std::uint64_t>(following) * least : 0;
       holders_ = &here;
       typename List::value_type element;
       self().enter(x.names, i);
@@ -458,7 +458,7 @@ class Reading : public Gates<Self> {
   }
   // Room that is mostly used is kept: it would be asked for again.
   template <class V>
-  static void giveBackRoom(V& list) {
+  static void releaseRoom(V& list) {
     if (list.size() < list.capacity() / 2) list.shrink_to_fit();
   }
   // Growing copies, and for a while there are both: so by doubling up to a quarter of what can be, then to all.

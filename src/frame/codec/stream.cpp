@@ -22,23 +22,23 @@ InStream::InStream(std::span<const std::byte> memory)
 InStream::InStream(std::FILE* file) : file_(file) {
   const auto size = frame::sizeOfFile(file);
   sizeKnown_ = size.has_value();
-  behind_ = size.value_or(0);
-  capacity_ = sizeKnown_ ? static_cast<std::size_t>(std::min<std::uint64_t>(behind_, kWindow)) : kWindow;
+  after_ = size.value_or(0);
+  capacity_ = sizeKnown_ ? static_cast<std::size_t>(std::min<std::uint64_t>(after_, kWindow)) : kWindow;
   window_ = std::make_unique_for_overwrite<std::byte[]>(capacity_);
   begin_ = at_ = end_ = window_.get();
   load();
 }
 
-// Fills the window behind end_ as far as it and the file go.
+// Fills the window after end_ as far as there is room and file.
 void InStream::load() {
   std::byte* const to = window_.get() + (end_ - begin_);
   const std::size_t room = capacity_ - static_cast<std::size_t>(end_ - begin_);
-  const std::size_t wanted = sizeKnown_ ? static_cast<std::size_t>(std::min<std::uint64_t>(room, behind_)) : room;
+  const std::size_t wanted = sizeKnown_ ? static_cast<std::size_t>(std::min<std::uint64_t>(room, after_)) : room;
   const std::size_t got = wanted == 0 ? 0 : std::fread(to, 1, wanted, file_);
   end_ += got;
   if (!sizeKnown_) return;
-  // A file that got shorter, or that cannot be read on, ends here.
-  behind_ = got < wanted ? 0 : behind_ - got;
+  // A file that was truncated meanwhile, or cannot be read any further, ends here.
+  after_ = got < wanted ? 0 : after_ - got;
 }
 
 const std::byte* InStream::refill(std::size_t size) {
@@ -80,8 +80,8 @@ bool InStream::skip(std::uint64_t size) {
 }
 
 void InStream::toEnd() {
-  base_ += behind_;
-  behind_ = 0;
+  base_ += after_;
+  after_ = 0;
   at_ = end_;
 }
 

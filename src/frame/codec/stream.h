@@ -27,7 +27,7 @@ class InStream {
 
   // What is left up to the end: exact for memory and regular files, at least what the window holds
   // for anything else.
-  std::uint64_t left() const { return static_cast<std::uint64_t>(end_ - at_) + behind_; }
+  std::uint64_t left() const { return static_cast<std::uint64_t>(end_ - at_) + after_; }
   std::uint64_t position() const { return base_ + static_cast<std::uint64_t>(at_ - begin_); }
 
   // A pointer to `size` bytes in the window (size at most kLargestRun), or null when fewer are left;
@@ -55,8 +55,8 @@ class InStream {
   const std::byte* begin_ = nullptr;
   const std::byte* at_ = nullptr;
   const std::byte* end_ = nullptr;
-  std::uint64_t base_ = 0;    // position of begin_ in the file
-  std::uint64_t behind_ = 0;  // bytes of the file behind the window
+  std::uint64_t base_ = 0;   // position of begin_ in the file
+  std::uint64_t after_ = 0;  // bytes of the file after the window
   bool sizeKnown_ = true;
   std::FILE* file_ = nullptr;
   std::unique_ptr<std::byte[]> window_;
