@@ -103,7 +103,7 @@ class RandomRecords {
   template <class Record>
   void fillMembers(Record& record) {
     values::Members<Record>::of(record, [this](const values::MemberInfo& info, auto& member) {
-      if (info.isStored) fill(member);
+      if (info.isStored) this->fill(member);
     });
   }
   void fillBytes(void* to, std::size_t size) {
