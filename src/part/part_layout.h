@@ -119,7 +119,7 @@ struct Layout<Pattern> {
                       });
              });
            })
-        && io.when(custom("in a part or group file", !embedded), [&] {
+        && io.when(custom("outside a sheet", !embedded), [&] {
              return io.afterRead(p, "headWord becomes 0, the grid 1 by 1 without steps", [](auto& r) { resetHead(r); });
            })
         && io.list(FIELDS(p.items), kCountFirst)

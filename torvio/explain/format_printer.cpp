@@ -124,7 +124,7 @@ std::string FormatPrinter::conditionText(const std::vector<Condition>& condition
   for (const Condition& one : conditions) {
     since = std::max(since, one.since);
     if (writes && one.text == kTail) continue;
-    if (!one.text.empty() && std::find(texts.begin(), texts.end(), one.text) == texts.end()) texts.push_back(one.text);
+    if (!one.text.empty()) texts.push_back(one.text);
   }
   std::string all = since > 0 ? "since " + std::to_string(since) : std::string();
   for (const std::string& text : texts) all.append(all.empty() ? "" : ", ").append(text);

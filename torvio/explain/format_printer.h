@@ -187,7 +187,7 @@ class FormatPrinter {
   }
   template <class R, class Fn>
   [[nodiscard]] bool beforeWrite(const R&, const char* what, const Fn&) {
-    if (*what != '\0') remark("(save)", "", what);
+    remark("(save)", "", what);
     return true;
   }
   static constexpr bool has(std::size_t) { return true; }
