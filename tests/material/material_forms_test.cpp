@@ -109,13 +109,13 @@ TEST(MaterialTables, MissingToolSetCountBecomesSix) {
 // count -> status; what is negative is kept and stored again, what is too large is refused both ways.
 template <class Record, class Count, class Read, class Write>
 void expectBound(Count Record::*count, std::initializer_list<int> kept, int refused, const Bytes& front,
-                 const Bytes& behind, Read&& read, Write&& write) {
+                 const Bytes& after, Read&& read, Write&& write) {
   const auto stored = [&](int n) { return Bytes(front).add(sizeof(Count) == 2 ? Bytes().i16(n) : Bytes().i32(n)); };
   for (int n : kept) {
     auto r = std::make_unique<Record>();
-    EXPECT_EQ(readFrom(stored(n).add(behind), [&](InStream& s) { return read(s, 120, *r); }), 0) << n;
+    EXPECT_EQ(readFrom(stored(n).add(after), [&](InStream& s) { return read(s, 120, *r); }), 0) << n;
     EXPECT_EQ((*r).*count, static_cast<Count>(n));
-    EXPECT_EQ(written([&](OutStream& s) { return write(s, 120, *r); }), stored(n).add(behind)) << n;
+    EXPECT_EQ(written([&](OutStream& s) { return write(s, 120, *r); }), stored(n).add(after)) << n;
   }
   for (int n : {refused, 32767}) {
     auto r = std::make_unique<Record>();
@@ -596,10 +596,10 @@ TEST(MaterialBody, LoadReplacesChoicesOutsideBothBanks) {
         EXPECT_EQ((*o).*kMaterialChoices[k], k == i ? read(v, l) : Form::bare().choices[k])
             << "choice " << k + 1 << " of " << v;
       // not before setting9 is read
-      for (std::size_t behind : {std::size_t{0}, std::size_t{3}, std::size_t{4}}) {
+      for (std::size_t after : {std::size_t{0}, std::size_t{3}, std::size_t{4}}) {
         auto cut = fresh();
-        EXPECT_EQ(readBody(with.cut(at.at(kSetting9) + behind), 90, *cut), 1);
-        EXPECT_EQ((*cut).*kMaterialChoices[i], behind < 4 ? v : read(v, l)) << v;
+        EXPECT_EQ(readBody(with.cut(at.at(kSetting9) + after), 90, *cut), 1);
+        EXPECT_EQ((*cut).*kMaterialChoices[i], after < 4 ? v : read(v, l)) << v;
       }
     }
   }

@@ -74,16 +74,16 @@ std::size_t placeOf(const std::string& in, const std::string& what) {
 
 constexpr std::uint32_t kFirstOfNineWords = 0x5EED1234;
 const std::string kNcPath = "C:\\NC\\Out\\Plant";
-const std::string kBehindSheet = "bytes behind the end, which a save drops";
+const std::string kAfterSheet = "bytes after the end, which a save drops";
 
 // The text, its NUL, and after it something that must not get lost.
 template <std::size_t N>
-void setText(char (&field)[N], const std::string& text, char behind = '#') {
-  std::memset(field, behind, N);
+void setText(char (&field)[N], const std::string& text, char after = '#') {
+  std::memset(field, after, N);
   std::memcpy(field, text.c_str(), std::min(N, text.size() + 1));
 }
-std::string storedText(const std::string& text, char behind = '#') {
-  return (text + std::string(1, '\0') + std::string(256, behind)).substr(0, 256);
+std::string storedText(const std::string& text, char after = '#') {
+  return (text + std::string(1, '\0') + std::string(256, after)).substr(0, 256);
 }
 void lay(char* field, const std::string& text) { std::memcpy(field, text.c_str(), text.size() + 1); }
 
@@ -353,10 +353,10 @@ TEST(SheetEdits, SheetWithATableOfAnOldLayoutEndsInItsTable) {
   const auto sound = soundFile(folder, *someSheet(), 180);
   const std::size_t table = placeOf(sound, word(6) + std::string("STEEL\0", 6)) + 4 - kMainLayoutWithoutName;
   ASSERT_EQ(sound.substr(table, 2), stringOf(Bytes().u16(150)));
-  const std::string behind = sound.substr(table + kMainLayoutWithoutName + 6);
+  const std::string after = sound.substr(table + kMainLayoutWithoutName + 6);
   // Layout 500 is 69 bytes, of 501 and 502 the largest part is ignored here.
   const auto file = sound.substr(0, table) + stringOf(Bytes().u16(500)) + std::string(46, '\1') + std::string("OLD") +
-                    std::string(18, '\0') + behind;
+                    std::string(18, '\0') + after;
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
     const auto path = put(folder, "sheet", file);
     auto sheet = loadedFrom(path);
@@ -437,7 +437,7 @@ TEST(SheetEdits, EditDropsBlocksAndBytesAfterTheSheet) {
   block.fill(32, 9).add(shapes).i32(0);
   const auto file = sound.substr(0, sound.size() - 4) + stringOf(block);
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
-    const auto path = put(folder, "blocks", file + kBehindSheet);
+    const auto path = put(folder, "blocks", file + kAfterSheet);
     const auto plain = put(folder, "plain", sound);
     EXPECT_EQ(edit.run(path), 0);
     EXPECT_EQ(edit.run(plain), 0);
@@ -473,12 +473,12 @@ TEST(SheetEdits, NewNcPathChangesOnlyItsTextAndItsNul) {
     for (const std::string& fresh : {std::string("E:\\NEW"), std::string("C:\\NC\\Out\\Plant\\Two"), std::string("C:"),
                                      std::string("C:\\NC\\Out\\Planu"), std::string(255, 'x'), std::string()}) {
       // Below 62 the path that was loaded is empty: another empty one changes nothing.
-      auto expected = version < 62 && fresh.empty() ? file + kBehindSheet : untouched;
+      auto expected = version < 62 && fresh.empty() ? file + kAfterSheet : untouched;
       if (version >= 62) {
         const auto at = placeOf(untouched, storedText(kNcPath));
         expected.replace(at, fresh.size() + 1, fresh + std::string(1, '\0'));
       }
-      const auto path = put(folder, "sheet", file + kBehindSheet);
+      const auto path = put(folder, "sheet", file + kAfterSheet);
       EXPECT_EQ(ReplaceSheetMachineNcPath(path.c_str(), fresh.c_str()), 0) << version;
       EXPECT_TRUE(sameBytes(contentOf(path), expected)) << version << " " << fresh;
     }
@@ -508,7 +508,7 @@ TEST(SheetEdits, NcPathThatDiffersOnlyInTheCaseOfAToZLeavesTheFileAsItWas) {
     for (const Row& row : rows) {
       auto sheet = someSheet();
       setText(sheet->machine.ncPath, row.now);
-      const auto file = soundFile(folder, *sheet, version) + kBehindSheet;
+      const auto file = soundFile(folder, *sheet, version) + kAfterSheet;
       const auto path = put(folder, "sheet", file);
       EXPECT_EQ(ReplaceSheetMachineNcPath(path.c_str(), row.fresh.c_str()), 0);
       EXPECT_EQ(contentOf(path) == file, row.same) << version << " " << row.now << " " << row.fresh;
@@ -569,7 +569,7 @@ TEST(SheetEdits, PartAsSkeletonChangesOnlyTheSkeletonShapesAndTheListOfParts) {
         after += word(0);
         ASSERT_TRUE(sameBytes(untouched.substr(at, before.size()), before)) << version;
 
-        const auto path = put(folder, "sheet", file + kBehindSheet);
+        const auto path = put(folder, "sheet", file + kAfterSheet);
         EXPECT_EQ(ReplaceSheetSknPatListWithPartPatList(path.c_str(), part.c_str()), 0);
         EXPECT_TRUE(sameBytes(contentOf(path), std::string(untouched).replace(at, before.size(), after)))
             << version << " part of " << partVersion;
@@ -618,7 +618,7 @@ TEST(SheetEdits, PartThatCannotBeLoadedLeavesTheSheetAsItWas) {
                                         put(folder, "v53", refused),
                                         put(folder, "v2", oldest)};
   for (int version : {1, 6, 52, 152, 180}) {
-    std::string file = soundFile(folder, *someSheet(), std::max(version, 52)) + kBehindSheet;
+    std::string file = soundFile(folder, *someSheet(), std::max(version, 52)) + kAfterSheet;
     file[0] = static_cast<char>(version);
     for (const auto& whole : {file, file.substr(0, 300)})  // a sheet's own faults come later
       for (const auto& part : bad) {
@@ -679,9 +679,9 @@ TEST(SheetEdits, NewWorkOrderNumberReplacesTheOldOneInEachPartOfThatBaseName) {
           rewritten = (row.old == nullptr || *row.old == '\0') &&
                       (name == "BRACKET" || name == "bracket" || name == "PLATE" || name == "LID");
         }
-        const auto path = put(folder, "sheet", file + kBehindSheet);
+        const auto path = put(folder, "sheet", file + kAfterSheet);
         EXPECT_EQ(UpdateSheetPartWONumber(path.c_str(), row.name, row.old, fresh.c_str()), 0);
-        EXPECT_TRUE(sameBytes(contentOf(path), rewritten ? expected : file + kBehindSheet))
+        EXPECT_TRUE(sameBytes(contentOf(path), rewritten ? expected : file + kAfterSheet))
             << version << " " << row.name << " " << (row.old == nullptr ? "any" : row.old) << " to " << fresh;
       }
   }
@@ -693,7 +693,7 @@ std::string onePart(const TempFolder& folder, const std::string& dosName, const 
   sheet->partList.parts.resize(1);
   setText(sheet->partList.parts[0].partFullDosName, dosName, 0);
   setText(sheet->partList.parts[0].woNumber, number, 'b');
-  return put(folder, "one_part", soundFile(folder, *sheet, 162) + kBehindSheet);
+  return put(folder, "one_part", soundFile(folder, *sheet, 162) + kAfterSheet);
 }
 
 TEST(SheetEdits, BaseNameOfAPartHasNoDriveFolderOrExtension) {

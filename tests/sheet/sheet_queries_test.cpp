@@ -23,6 +23,7 @@
 #include "tests/support/bytes.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
+#include "tests/support/sheet_keys.h"
 
 namespace {
 
@@ -162,12 +163,12 @@ std::string save(const TempFolder& folder, OldSheet& sheet, int version = 180) {
   const std::string path = folder.path("sheet.sht");
   EXPECT_EQ(SaveOldSheet(path.c_str(), &sheet, static_cast<std::uint16_t>(version)), 0) << version;
   if (version >= 152) return path;
-  std::size_t behind = 4;  // the option word; then what each version added after the machine
+  std::size_t after = 4;  // the option word; then what each version added after the machine
   const std::pair<int, std::size_t> added[] = {{60, 8},        {90, 12},   {102, 4}, {111, 5 * 256 + 4},
                                                {112, 4 * 256}, {130, 256}, {140, 8}};
-  for (const auto& [since, size] : added) behind += version >= since ? size : 0;
+  for (const auto& [since, size] : added) after += version >= since ? size : 0;
   const Bytes whole = TempFolder::read(path);
-  const std::size_t start = whole.size() - behind, extra = version < 151 ? 9 * 4 + 1 : 1;
+  const std::size_t start = whole.size() - after, extra = version < 151 ? 9 * 4 + 1 : 1;
   return folder.write("sheet.sht", whole.cut(start - extra).add(Bytes::of(whole.span().subspan(start))));
 }
 
@@ -940,20 +941,7 @@ TEST(SheetInfo, ToolsOfRandomSheetsFollowASecondImplementationOfTheRules) {
 
 // ---- questions by a key ------------------------------------------------------------------------------
 
-const std::vector<std::string> kKeys = {"Material_Group",
-                                        "width",
-                                        "height",
-                                        "part_count",
-                                        "partfulldosname_and_count",
-                                        "partfulldosname_and_count_and_wonumber",
-                                        "partname_and_count_and_wonumber",
-                                        "part_details_01",
-                                        "sheet_mat_type",
-                                        "sheet_thickness",
-                                        "preSkeletonDosName",
-                                        "totalSknPartCutArea",
-                                        "sheet_utilization",
-                                        "sheet_sequence_size"};
+const std::vector<std::string> kKeys(std::begin(testing_support::kSheetKeys), std::end(testing_support::kSheetKeys));
 
 // What is in the value after the query; "#" where it was not changed. Nothing is written after the NUL.
 std::string value(const OldSheet& sheet, const std::string& key) {
