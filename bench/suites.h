@@ -13,8 +13,8 @@
 #include <type_traits>
 
 #include "bench/floor.h"
-#include "bench/fread_walker.h"
 #include "bench/heap_meter.h"
+#include "tests/support/fread_walker.h"
 
 namespace bench {
 

@@ -1,6 +1,5 @@
 #include "fuzz/record_pair.h"
 
-#include "bench/fread_walker.h"
 #include "src/frame/codec/reader.h"
 #include "src/machine/machine_layout.h"
 #include "src/material/material_layout.h"
@@ -10,6 +9,7 @@
 #include "src/tooling/inventory_layout.h"
 #include "src/tooling/macro_layout.h"
 #include "src/tooling/special_tool_layout.h"
+#include "tests/support/fread_walker.h"
 #include "torvio/values/equal.h"
 
 using namespace oldtorvio;

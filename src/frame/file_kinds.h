@@ -33,6 +33,6 @@ inline constexpr std::array kFileKinds{
     FileKindInfo{FileKind::sheet, "sheet", "", isSheetVersion, kWrongVersion},
 };
 
-constexpr const FileKindInfo& infoOf(FileKind kind) { return kFileKinds[static_cast<std::size_t>(kind)]; }
+inline const FileKindInfo& infoOf(FileKind kind) { return kFileKinds[static_cast<std::size_t>(kind)]; }
 
 }  // namespace oldtorvio::frame

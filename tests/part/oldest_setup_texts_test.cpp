@@ -166,6 +166,14 @@ TEST(OldestSetupTexts, EntryHasNaturalAlignment) {
   EXPECT_EQ(offsetof(SetupEntry, setupWord3), 40U);
 }
 
+TEST(OldestSetupTexts, MemoryOnlyBytesOfAFreshEntryAre0) {
+  const SetupEntry fresh;
+  EXPECT_EQ(fresh.memoryByte1, 0);
+  EXPECT_EQ(fresh.memoryByte2, 0);
+  EXPECT_EQ(bytesOf(fresh.memoryBytes), Bytes().zeros(3));
+  EXPECT_EQ(fresh.memoryWord, 0U);
+}
+
 TEST(OldestSetupTexts, EachPieceIsInTheFieldsAtItsPlaceInMemory) {
   for (const int version : {2, 3})
     for (const int type : kTypes)

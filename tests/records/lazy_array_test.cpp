@@ -67,6 +67,8 @@ TEST(LazyArray, WorkWithTheAlgorithmsOfTheStandardLibrary) {
   auto next = found;
   EXPECT_EQ(next++->value, 1);
   EXPECT_EQ(next->value, 7);
+  EXPECT_EQ(std::distance(places.begin(), places.end()), 50);
+  EXPECT_EQ(std::distance(std::as_const(places).begin(), std::as_const(places).end()), 50);
 }
 
 TEST(LazyArray, PositionsInTwoArraysAreNeverEqual) {
