@@ -362,7 +362,7 @@ class Source:
                 for j in range(first, last):
                     if tokens[j].text == ";":
                         first = j + 1
-            elif token.text == "when" and tokens[i + 1].text == "(" and tokens[i - 1].text == ".":
+            elif token.text in ("when", "require") and tokens[i + 1].text == "(" and tokens[i - 1].text == ".":
                 first, last = i + 2, self.argument_end(i + 2)
             elif token.text == "?":
                 first, last = self.operand_start(i, ()), i - 1
@@ -370,7 +370,7 @@ class Source:
                 continue
             inside = [j for j in decided if first <= j <= last]
             # The complete condition of a verb is negated as well, unless the mutant of its only comparison does that.
-            is_gate = token.text == "when" and not (len(inside) == 1 and tokens[inside[0]].text in ("==", "!="))
+            is_gate = token.text in ("when", "require") and not (len(inside) == 1 and tokens[inside[0]].text in ("==", "!="))
             if inside and not is_gate:
                 continue
             shown = " ".join(self.text[tokens[first].start:tokens[last].end].split())

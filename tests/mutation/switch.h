@@ -67,12 +67,18 @@ constexpr const char (&text(const char (&value)[N]))[N] {
 
 // ---- conditions ----
 
-// The opposite if the mutant is active. Around both operands of a && and around the expression, this turns it into
-// ||, and vice versa.
+// The opposite if the mutant is active: of a value, or of a condition of a layout. Around both operands of a && and
+// around the expression, this turns it into ||, and vice versa.
 template <int kId, class T>
-constexpr bool flip(const T& value) {
-  if (std::is_constant_evaluated()) return static_cast<bool>(value);
-  return static_cast<bool>(value) != isOn<kId>();
+constexpr auto flip(const T& value) {
+  if constexpr (requires { value.holds; }) {
+    T condition = value;
+    condition.holds = condition.holds != isOn<kId>();
+    return condition;
+  } else {
+    if (std::is_constant_evaluated()) return static_cast<bool>(value);
+    return static_cast<bool>(value) != isOn<kId>();
+  }
 }
 
 // The value of a `switch`: if the mutant is active, the case does not match.
