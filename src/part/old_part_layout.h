@@ -135,11 +135,11 @@ struct Layout<Version3Part> {
         && io.continueOnFailure([&] { return describeSetupSection(io, p.setupList); })
         && io.when(equals(FIELDS(hasItems), 1), [&] { return describeItems(io); })
         && io.when(equals(FIELDS(hasShapeFixes), 1), [&] { return describeShapeFixes(io, p.shapes.shapes); })
-        && io.require(kNothingFollows);
+        && io.require(nothingFollows());
   }
 
  private:
-  static constexpr PlaceCondition kNothingFollows = custom("nothing after this is read", false);
+  static PlaceCondition nothingFollows() { return custom("nothing after this is read", false); }
 
   static bool describeShapes(auto& io, TorvPart& p, std::int16_t shapeCount, bool hasItems) {
     OldShapeConverter converter(hasItems);
@@ -227,7 +227,7 @@ struct Layout<Version3Part> {
              std::int16_t number = 0;
              return io.fields(FIELDS(number));
            })
-        && io.require(kNothingFollows);
+        && io.require(nothingFollows());
   }
 
   static bool describeShapeFixes(auto& io, std::vector<Shape>& shapes) {
