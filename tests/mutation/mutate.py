@@ -71,7 +71,7 @@ def rewrite_all():
             shared_tables.update(source.tables)
         sources.append(source)
     for source in sources:
-        live = {n for n, t in {**shared_tables, **source.tables}.items() if t[4] != "VersionSet"}
+        live = {n for n, t in {**shared_tables, **source.tables}.items() if t[4] not in rewrite.LIVE_TABLES}
         source.take_sites(shared | source.constants, live)
         source.rewrite_tables()
         write_if_changed(REWRITTEN / source.file, finished(source))

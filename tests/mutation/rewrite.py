@@ -32,6 +32,10 @@ NO_CONSTANTS = {"kMinStoredSize": "size of the shortest stored form: a hint for 
                 "kTableOf": "name of a table, by which the compiler chooses"}
 
 
+# Types of tables that code uses which is not rewritten: they keep their names, other tables become functions.
+LIVE_TABLES = ("VersionSet", "std::array")
+
+
 class Token:
     __slots__ = ("kind", "text", "start", "end", "match", "spaced")
 
@@ -426,6 +430,11 @@ class Source:
             if type_text == "VersionSet":
                 self.edits.append((start, value, f"inline constexpr ::oldtorvio_mutation::Live<VersionSet> {name}"
                                                  "{[] { return VersionSet"))
+                self.edits.append((tokens[end].start, tokens[end].start, "; }}"))
+                continue
+            if type_text in LIVE_TABLES:
+                self.edits.append((start, value, f"inline constexpr ::oldtorvio_mutation::LiveTable {name}"
+                                                 "{[] { return std::array"))
                 self.edits.append((tokens[end].start, tokens[end].start, "; }}"))
                 continue
             made, closing = type_text, ""

@@ -132,4 +132,21 @@ struct Live {
   [[nodiscard]] bool has(int value) const { return make().has(value); }
 };
 
+// The same for an array.
+template <class Make>
+struct LiveTable {
+  Make make;
+  const auto& all() const {
+    static thread_local auto now = make();
+    now = make();
+    return now;
+  }
+  auto begin() const { return all().begin(); }
+  auto end() const { return begin() + std::ptrdiff_t(size()); }
+  std::size_t size() const { return std::tuple_size_v<decltype(make())>; }
+  const auto& operator[](std::size_t i) const { return all()[i]; }
+};
+template <class Make>
+LiveTable(Make) -> LiveTable<Make>;
+
 }  // namespace oldtorvio_mutation
