@@ -1,6 +1,7 @@
 // The record of each kind of file, and how it is loaded, saved and walked.
 //
 // FileRecord<kind> has
+//   kKind              the kind
 //   Record             the record that a load fills
 //   walk(io, record)   the file after its version word, or all of it if startsWithTable(version); returns the status
 //                      of the load
@@ -40,6 +41,7 @@ constexpr bool startsWithTable(frame::FileKind kind, int version) {
 
 template <>
 struct FileRecord<frame::FileKind::part> {
+  static constexpr frame::FileKind kKind = frame::FileKind::part;
   using Record = TorvPart;
   static std::int64_t load(const char* path, Record& part) { return LoadOldPart(path, &part); }
   static std::int64_t save(const char* path, Record& part, int version) { return SavePart(path, part, version); }
@@ -51,6 +53,7 @@ struct FileRecord<frame::FileKind::part> {
 
 template <>
 struct FileRecord<frame::FileKind::groupPart> {
+  static constexpr frame::FileKind kKind = frame::FileKind::groupPart;
   using Record = SheetPartList;
   static std::int64_t load(const char* path, Record& list) { return LoadGroupPart(path, &list); }
   static std::int64_t save(const char* path, Record& list, int version) { return SaveGroupPart(path, list, version); }
@@ -62,6 +65,7 @@ struct FileRecord<frame::FileKind::groupPart> {
 
 template <>
 struct FileRecord<frame::FileKind::specialTool> {
+  static constexpr frame::FileKind kKind = frame::FileKind::specialTool;
   using Record = OldSpecialTool;
   static std::int64_t load(const char* path, Record& tool) { return LoadOldSpecialTool(path, &tool); }
   static std::int64_t save(const char* path, Record& tool, int version) { return SaveSpecialTool(path, tool, version); }
@@ -70,6 +74,7 @@ struct FileRecord<frame::FileKind::specialTool> {
 
 template <>
 struct FileRecord<frame::FileKind::machine> {
+  static constexpr frame::FileKind kKind = frame::FileKind::machine;
   using Record = OldMachine;
   static std::int64_t load(const char* path, Record& machine) { return LoadOldMachine(path, &machine); }
   static std::int64_t save(const char* path, Record& machine, int version) {
@@ -80,6 +85,7 @@ struct FileRecord<frame::FileKind::machine> {
 
 template <>
 struct FileRecord<frame::FileKind::material> {
+  static constexpr frame::FileKind kKind = frame::FileKind::material;
   using Record = OldMaterial;
   static std::int64_t load(const char* path, Record& material) { return LoadOldMaterial(path, &material); }
   static std::int64_t save(const char* path, Record& material, int version) {
@@ -97,6 +103,7 @@ struct FileRecord<frame::FileKind::material> {
 
 template <>
 struct FileRecord<frame::FileKind::toolInventory> {
+  static constexpr frame::FileKind kKind = frame::FileKind::toolInventory;
   using Record = OldToolInventory;
   static std::int64_t load(const char* path, Record& inventory) { return LoadOldToolInventory(path, &inventory); }
   static std::int64_t save(const char* path, Record& inventory, int version) {
@@ -107,6 +114,7 @@ struct FileRecord<frame::FileKind::toolInventory> {
 
 template <>
 struct FileRecord<frame::FileKind::macro> {
+  static constexpr frame::FileKind kKind = frame::FileKind::macro;
   using Record = OldMacro;
   static std::int64_t load(const char* path, Record& macro) { return LoadOldMacro(path, &macro); }
   static std::int64_t save(const char* path, Record& macro, int version) { return SaveMacro(path, macro, version); }
@@ -115,6 +123,7 @@ struct FileRecord<frame::FileKind::macro> {
 
 template <>
 struct FileRecord<frame::FileKind::sheet> {
+  static constexpr frame::FileKind kKind = frame::FileKind::sheet;
   using Record = OldSheet;
   static std::int64_t load(const char* path, Record& sheet) { return LoadOldSheet(path, &sheet); }
   static std::int64_t save(const char* path, Record& sheet, int version) {

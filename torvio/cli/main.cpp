@@ -8,29 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "torvio/cli/commands.h"
+#include "torvio/cli/command.h"
 #include "torvio/cli/output.h"
-#include "torvio/explain/file_content.h"
 
 namespace {
 
 using namespace torvio;
-
-constexpr std::size_t kHelpWidth = 80;
-
-// "Kinds: part, group-part, ...", wrapped to the width of the help.
-std::string list(const std::string& caption, const std::vector<std::string>& names) {
-  std::string text, line = caption + ":";
-  for (const std::string& name : names) {
-    const std::string next = " " + name + (&name == &names.back() ? "" : ",");
-    if (line.size() + next.size() > kHelpWidth) {
-      text += line + "\n";
-      line = " ";
-    }
-    line += next;
-  }
-  return text + line;
-}
 
 // Omits "TEXT REQUIRED" and the like: the usage line shows what is required.
 class HelpFormatter : public CLI::Formatter {
@@ -40,63 +23,19 @@ class HelpFormatter : public CLI::Formatter {
   }
 };
 
-// CLI11 splits an argument "[a,b]" in two and drops "++", but both may be file names. A mark before them prevents that.
-constexpr char kMark = '\1';
-bool isChanged(const std::string& argument) {
-  return argument == "++" || argument.starts_with('[') || argument.starts_with(kMark);
-}
-std::string marked(const std::string& argument) { return isChanged(argument) ? kMark + argument : argument; }
-std::string unmarked(const std::string& argument) {
-  return argument.starts_with(kMark) && isChanged(argument.substr(1)) ? argument.substr(1) : argument;
-}
-
-constexpr const char* kExitCodes =
-    "Exit code:\n"
-    "  0  every file is sound\n"
-    "  1  a file is damaged, or its kind or version is unknown\n"
-    "  2  the command line is wrong\n"
-    "  3  a file could not be read, or the output could not be written\n"
-    "With several files, the highest code is returned.";
-
-std::string fileHelp() {
-  return list("Kinds", kindNames()) + "\n\nA FILE may be a pipe. A file of more than " +
-         std::to_string(oldtorvio::explain::FileContent::kLargestMiB) +
-         " MiB is not read.\nArguments after \"--\" are files, even if they begin with \"-\".\n\n" + kExitCodes;
-}
-
 class CommandLine {
  public:
   CommandLine() {
     app_.set_version_flag("--version", "torvio " TORVIO_VERSION, "Print the version and exit");
     app_.require_subcommand(1);
     app_.footer(std::string("\"torvio COMMAND --help\" describes a command.\n\n") + kExitCodes);
-    for (CLI::App* app : {&app_, map_, check_, format_}) {
-      const auto formatter = std::make_shared<HelpFormatter>();
-      formatter->column_width(16);
-      formatter->label("SUBCOMMAND", "COMMAND");
-      formatter->label("Positionals", "Arguments");
-      app->formatter(formatter);
-      app->allow_windows_style_options(false);
-      app->set_help_flag("-h,--help", "Print this help and exit");
-      if (app != &app_) app->group("Commands");
+    describe(app_);
+    for (const std::unique_ptr<Command>& command : commands_) {
+      CLI::App* const added = command->addTo(app_);
+      describe(*added);
+      added->group("Commands");
+      added->callback([this, runs = command.get()] { chosen_ = runs; });
     }
-
-    map_->add_option("FILE", file_, "The file")->required();
-    check_->add_option("FILE", files_, "The files")->required();
-    for (CLI::App* command : {map_, check_}) {
-      command->add_option("--kind", kind_, "Read as this kind of file instead of detecting the kind")
-          ->type_name("KIND")
-          ->take_last()
-          ->check(oneOf(kindNames(), "kind", "Kinds"));
-      command->footer(fileHelp());
-    }
-    std::vector<std::string> tables = kindNames();
-    for (const std::string& record : recordNames()) tables.push_back(record);
-    format_->add_option("KIND", table_, "A kind of file, or a record that files embed")
-        ->required()
-        ->check(oneOf(tables, "kind or record", "Kinds and records"));
-    format_->footer(list("Kinds", kindNames()) + "\n\n" + list("Records", recordNames()) +
-                    "\n\nExit code: 0, 2 for a wrong command line, 3 if the output could not be written.");
   }
 
   ExitCode run(int argc, char** argv) {
@@ -115,32 +54,36 @@ class CommandLine {
     } catch (const CLI::CallForVersion& version) {
       print(version.what() + std::string("\n"));
       return kSound;
-    } catch (const CLI::ArgumentMismatch&) {
-      // No other option has a value.
-      return usageError("--kind requires a KIND");
+    } catch (const CLI::ArgumentMismatch& error) {
+      return usageError(withoutValue(error.what()));
     } catch (const CLI::ValidationError& error) {
       const std::string text = error.what();  // starts with the name of the argument
       return usageError(text.substr(text.find(": ") + 2));
     } catch (const CLI::ParseError& error) {
       return usageError(error.what());
     }
-    const auto forced = kindNamed(kind_);
-    if (*format_) return formatCommand(table_);
-    if (*map_) return mapCommand(unmarked(file_), forced);
-    for (std::string& file : files_) file = unmarked(file);
-    return checkCommand(files_, forced);
+    return chosen_->run();
   }
 
  private:
-  static CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all) {
-    return {[=](std::string& name) {
-              const bool isKnown = std::find(names.begin(), names.end(), name) != names.end();
-              return isKnown ? std::string() : "unknown " + one + " " + quoted(name) + "\n" + list(all, names);
-            },
-            ""};
+  static void describe(CLI::App& app) {
+    const auto formatter = std::make_shared<HelpFormatter>();
+    formatter->column_width(16);
+    formatter->label("SUBCOMMAND", "COMMAND");
+    formatter->label("Positionals", "Arguments");
+    app.formatter(formatter);
+    app.allow_windows_style_options(false);
+    app.set_help_flag("-h,--help", "Print this help and exit");
   }
 
-  static std::string quoted(const std::string& argument) { return '"' + onOneLine(unmarked(argument)) + '"'; }
+  // "--kind requires a KIND" for an error that begins with "--kind: ".
+  std::string withoutValue(const std::string& error) const {
+    const std::string name = error.substr(0, error.find(':'));
+    for (const CLI::App* command : app_.get_subcommands())
+      if (const CLI::Option* option = command->get_option_no_throw(name))
+        return name + " requires a " + option->get_type_name();
+    return error;
+  }
 
   std::vector<std::string> commandNames() const {
     std::vector<std::string> names;
@@ -158,10 +101,10 @@ class CommandLine {
     if (!unexpected.empty()) {
       const std::string& first = unexpected.front();
       const bool isCommand = commands.empty() && !first.starts_with('-');
-      error = isCommand ? "unknown command " + quoted(first) + "\n" + list("Commands", commandNames())
-                        : "unexpected argument " + quoted(first);
+      error = isCommand ? "unknown command " + inQuotes(first) + "\n" + wrapped("Commands", commandNames())
+                        : "unexpected argument " + inQuotes(first);
     } else if (commands.empty()) {
-      error = "a command is required\n" + list("Commands", commandNames());
+      error = "a command is required\n" + wrapped("Commands", commandNames());
     }
     printError((isAboutCommand ? command + ": " : "") + error + "\nTry \"torvio " +
                (isAboutCommand ? command + " " : "") + "--help\".");
@@ -169,11 +112,8 @@ class CommandLine {
   }
 
   CLI::App app_{"Explains the older binary files of a sheet-metal fabrication suite byte by byte.", "torvio"};
-  CLI::App* map_ = app_.add_subcommand("map", "Print offset, size, path and value of every field of a file");
-  CLI::App* check_ = app_.add_subcommand("check", "Print a line for each file: kind, version, status, bytes, fault");
-  CLI::App* format_ = app_.add_subcommand("format", "Print the stored form of a kind of file as a Markdown table");
-  std::string file_, kind_, table_;
-  std::vector<std::string> files_;
+  std::vector<std::unique_ptr<Command>> commands_ = allCommands();
+  Command* chosen_ = nullptr;
 };
 
 }  // namespace
