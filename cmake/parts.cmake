@@ -1,13 +1,13 @@
 # The optional parts of the project. Each has an option with three values:
 #
-#   AUTO  built if the package that it needs is found; the default when this project is built by itself
-#   ON    built; configuring fails if the package that it needs is missing
+#   AUTO  built if the packages that it needs are found; the default when this project is built by itself
+#   ON    built; configuring fails if a package that it needs is missing
 #   OFF   not built; the default in the build of another project
 #
-# oldtorvio_part(NAME DESCRIPTION [PACKAGE package DEBIAN package] [IF variable]) defines the option
+# oldtorvio_part(NAME DESCRIPTION [PACKAGES package ... DEBIAN package ...] [IF variable]) defines the option
 # OLDTORVIO_NAME and sets with_NAME. With IF, AUTO also requires that variable to be true.
 function(oldtorvio_part name description)
-  cmake_parse_arguments(PARSE_ARGV 2 part "" "PACKAGE;DEBIAN;IF" "")
+  cmake_parse_arguments(PARSE_ARGV 2 part "" "IF" "PACKAGES;DEBIAN")
   set(option OLDTORVIO_${name})
   set(default OFF)
   if(OldTorvIO_IS_TOP_LEVEL)
@@ -24,17 +24,17 @@ function(oldtorvio_part name description)
   elseif(NOT ${option})
     return()
   endif()
-  if(part_PACKAGE)
-    oldtorvio_find(${part_PACKAGE} found)
+  foreach(package debian IN ZIP_LISTS part_PACKAGES part_DEBIAN)
+    oldtorvio_find(${package} found)
     if(NOT found)
-      set(missing "${part_PACKAGE} is not found (Debian package: ${part_DEBIAN})")
+      set(missing "${package} is not found (Debian package: ${debian})")
       if(NOT ${option} STREQUAL "AUTO")
         message(FATAL_ERROR "OldTorvIO: ${option} is ${${option}}, but ${missing}.")
       endif()
       message(STATUS "OldTorvIO: ${missing}, which leaves out ${description}")
       return()
     endif()
-  endif()
+  endforeach()
   set(with_${name} TRUE PARENT_SCOPE)
 endfunction()
 
