@@ -142,11 +142,10 @@ template <>
 struct Layout<SizeRule> {
   static constexpr std::size_t kMinStoredSize = 22;
   static bool describe(auto& io, auto& r, SizeRuleForm form) {
-    return io.when(custom("in sizeRulesA", form == SizeRuleForm::a), FIELDS(r.sizeFlagA, r.sizeFlagB, r.sizeValue5,
-                                                                            r.sizeValue1, r.sizeValue2, r.sizeValue3,
-                                                                            r.sizeValue4))
-        && io.when(custom("in sizeRulesB", form == SizeRuleForm::b), FIELDS(r.sizeValue1, r.sizeValue2, r.sizeValue3,
-                                                                            r.sizeValue4, r.sizeValue5, r.sizeValue6));
+    return io.when(chosen(form == SizeRuleForm::a), FIELDS(r.sizeFlagA, r.sizeFlagB, r.sizeValue5, r.sizeValue1,
+                                                           r.sizeValue2, r.sizeValue3, r.sizeValue4))
+        && io.when(chosen(form == SizeRuleForm::b), FIELDS(r.sizeValue1, r.sizeValue2, r.sizeValue3, r.sizeValue4,
+                                                           r.sizeValue5, r.sizeValue6));
   }
 };
 

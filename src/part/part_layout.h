@@ -188,10 +188,10 @@ struct Layout<TorvPart> {
   static constexpr std::size_t minStoredSize(int version) { return version < 62 ? kMinStoredSize : 1433; }
   static bool describe(auto& io, auto& p, const PartForm& form) {
     const bool isPlaced = form.place == PartForm::sheet && form.nameBlockSize != 0;
-    return io.when(custom("in a group file", form.place == PartForm::group),
+    return io.when(chosen(form.place == PartForm::group),
                    [&] { return io.sized(FIELDS(p.partName), form.nameBlockSize); })
-        && io.when(custom("with name blocks, in a sheet", isPlaced), [&] { return describePlacedPart(io, p, form); })
-        && io.when(custom("without name blocks", !isPlaced), [&] { return describeBody(io, p, form); });
+        && io.when(chosen(isPlaced), [&] { return describePlacedPart(io, p, form); })
+        && io.when(chosen(!isPlaced), [&] { return describeBody(io, p, form); });
   }
 
  private:
@@ -223,13 +223,13 @@ struct Layout<TorvPart> {
         && io.since(80, FIELDS(p.headFlag), otherwise(0))
         && io.since(80, [&] { return io.fields(FIELDS(p.hasOptions)) && io.reserved(499); })
         && io.clear(FIELDS(p.patterns))
-        && io.when(custom("in a part or group file", !embedded), [&] {
+        && io.when(chosen(!embedded), [&] {
              return io.record(FIELDS(p.toolStations))
                  && io.list(FIELDS(p.patterns), kSingle, embedded)
                  && io.afterRead(p, "the pattern gets as many items as there are shapes",
                                  [](auto& r) { r.patterns.back().items.resize(r.shapes.shapes.size()); });
            })
-        && io.when(custom("in a sheet", embedded), [&] { return io.list(FIELDS(p.patterns), kAppended, embedded); })
+        && io.when(chosen(embedded), [&] { return io.list(FIELDS(p.patterns), kAppended, embedded); })
         && io.fields(FIELDS(p.processSlotCount))
         && io.require(within(FIELDS(p.processSlotCount), 0, 250))
         && io.rows(p.processSlotCount, [&](std::size_t i) { return io.record(FIELDS(p.processSlots[i])); })
@@ -240,7 +240,7 @@ struct Layout<TorvPart> {
         && io.since(62, FIELDS(p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC),
                     otherwise(""))
         && io.since(62, FIELDS(p.lateIndex), otherwise(-1))
-        && io.when(custom("unless only descriptions are asked for", !form.stopEarly), [&] { return describeLatePart(io, p, embedded); });
+        && io.when(chosen(!form.stopEarly), [&] { return describeLatePart(io, p, embedded); });
   }
 
   static bool describeLatePart(auto& io, auto& p, bool embedded) {
@@ -262,7 +262,7 @@ struct Layout<TorvPart> {
         && io.since(152, FIELDS(p.lateWords))
         && io.since(154, [&] { return io.clear(FIELDS(p.contourGroups)) && io.list(FIELDS(p.contourGroups), kAppended); })
         && io.since(161, [&] { return io.list(FIELDS(p.bindingSets), kReplaced); })
-        && io.since(162, [&] { return io.when(custom("in a sheet", embedded), FIELDS(p.woNumber)); })
+        && io.since(162, [&] { return io.when(chosen(embedded), FIELDS(p.woNumber)); })
         && io.since(180, FIELDS(p.finalTextA, p.finalTextB, p.finalTextC, p.finalTextD, p.finalWord1, p.finalWord2));
   }
 };

@@ -364,6 +364,13 @@ TEST(MachineBody, FreshRecordHasTheDefaults) {
   EXPECT_EQ(x->programC.programWord3, 1);
   EXPECT_EQ(x->programB.programWord3, 0);
   EXPECT_EQ(x->programD.programWord3, 0);
+  const MachineUnit unit;
+  EXPECT_TRUE(unit.unitKey1 == 0 && unit.unitKey2 == 0 && unit.unitEntries.empty());
+  const MachineUnitEntry entry;
+  EXPECT_TRUE(entry.entryValue3 == 1 && entry.entryValue8 == 1);
+  for (const std::uint32_t zero : {entry.entryValue1, entry.entryValue2, entry.entryValue4, entry.entryValue5,
+                                   entry.entryValue6, entry.entryValue7})
+    EXPECT_EQ(zero, 0U);
   EXPECT_TRUE(x->unitTable.unitFlag3 == 0 && x->unitTable.unitValue16 == 1 && x->unitTable.unitValue22 == 1);
   expectFreshSetup(x->setup2);
   expectFreshSetup(x->setup3);

@@ -111,6 +111,17 @@ TEST(Pattern, BindingCountOfZeroOrBelowKeepsTheColumns) {
   }
 }
 
+TEST(Pattern, PositiveBindingCountReplacesTheColumns) {
+  for (const int count : {1, 2, 5}) {
+    Pattern p;
+    p.bindFirst.resize(3);
+    Bytes bytes = head(32000).add(lateHead()).add(shorts()).i32(count);
+    for (int i = 0; i < count; ++i) bytes.i32(1).i32(2).i32(3).i32(4);
+    ASSERT_EQ(read(bytes.i32(0).i32(0).i32(0), 110, p), 0);
+    EXPECT_EQ(p.bindFirst.size(), static_cast<std::size_t>(count));
+  }
+}
+
 TEST(Pattern, EmbeddedFormKeepsTheGridAndThePartFileResetsIt) {
   for (const bool embedded : {true, false}) {
     Pattern p;

@@ -23,6 +23,11 @@ namespace oldtorvio::explain {
 // described field by field where it is embedded.
 template <class Record>
 inline constexpr std::string_view kTableOf{};
+// The same, where it depends on the further arguments of its description: a specialisation decides.
+template <class Record, class... A>
+std::string_view tableFor(const A&... /*more*/) {
+  return kTableOf<Record>;
+}
 
 class FormatPrinter {
  public:
@@ -80,7 +85,7 @@ class FormatPrinter {
   }
   template <class X>
   [[nodiscard]] bool when(const codec::PlaceCondition& condition, const X& x) {
-    if (place_ == Place::given) return !condition.holds || inside({}, x);
+    if (place_ == Place::given || condition.text == nullptr) return !condition.holds || inside({}, x);
     return inside({0, condition.text}, x);
   }
 
@@ -201,7 +206,7 @@ class FormatPrinter {
     using R = std::remove_cvref_t<decltype(x.only())>;
     begin(x.names);
     if constexpr (!kTableOf<R>.empty()) {
-      add(0, std::string(kTableOf<R>));
+      add(0, std::string(tableFor<R>(more...)));
       return true;
     } else {
       R fresh;
@@ -333,7 +338,7 @@ class FormatPrinter {
     using Element = typename std::remove_cvref_t<std::tuple_element_t<Which, decltype(x.members)>>::value_type;
     begin(x.names);
     if constexpr (!kTableOf<Element>.empty()) {
-      add(Which, how + " (" + std::string(kTableOf<Element>) + ")");
+      add(Which, how + " (" + std::string(tableFor<Element>(more...)) + ")");
     } else if constexpr (codec::Number<Element>) {
       add(Which, how + " (" + storedType<Element>() + ")");
     } else if constexpr (requires { std::tuple_size<Element>::value; }) {

@@ -41,7 +41,11 @@ inline constexpr std::string_view kTableOf<MarkEntry> = "mark";
 template <>
 inline constexpr std::string_view kTableOf<Pattern> = "pattern";
 template <>
-inline constexpr std::string_view kTableOf<TorvPart> = "part body";
+inline constexpr std::string_view kTableOf<TorvPart> = "part";
+template <>
+inline std::string_view tableFor<TorvPart>(const PartForm& form) {
+  return form.place == PartForm::sheet ? "placed part" : "grouped part";
+}
 template <>
 inline constexpr std::string_view kTableOf<ParamTable> = "parameter table";
 template <>
@@ -110,7 +114,11 @@ constexpr std::array kRecords{
                   walkFresh<TorvPart>(printer, PartForm{PartForm::sheet, printer.numberCalled("nameWidth")});
                 },
                 FormatPrinter::Place::given},
-    tableOf<TorvPart, PartForm{PartForm::file}>(),
+    RecordTable{"grouped part",
+                [](FormatPrinter& printer) {
+                  walkFresh<TorvPart>(printer, PartForm{PartForm::group, printer.numberCalled("nameBlockSize")});
+                },
+                FormatPrinter::Place::given},
     tableOf<Pattern, false>(),
     tableOf<PatternItem>(),
     tableOf<Shape>(),
@@ -174,7 +182,7 @@ std::string formatTable(FileKind kind) {
       (void)file.walk(printer, *record);
     });
   };
-  // What a part body holds depends on where it is embedded, which is known in a part file.
+  // A part file is a place of its own for the pattern in it.
   return FormatPrinter::table(walk, kind == FileKind::part ? FormatPrinter::Place::given : FormatPrinter::Place::open);
 }
 

@@ -93,6 +93,7 @@ inline constexpr bool kIsFields<Fields<Names, T...>> = true;
 //   equals(FIELDS(a), 2), notEquals(FIELDS(a), 0), above(FIELDS(a), 0), atMost(FIELDS(a), 25),
 //   within(FIELDS(a), 1, 256), oneOf(FIELDS(a), 1, 2)
 //   custom("in a sheet", holds)              no comparison: what it depends on is no field
+//   chosen(holds)                            decided by the place of the record: each place has a table of its own
 //   custom(FIELDS(a), "a group kind", holds)  a comparison that is none of the above
 
 enum class Test : std::uint8_t { equals, notEquals, above, atMost, within, oneOf, custom };
@@ -108,7 +109,7 @@ struct Condition {
 
 // A condition that depends on no field.
 struct PlaceCondition {
-  const char* text;
+  const char* text;  // null if no table prints it
   bool holds;
 };
 
@@ -154,6 +155,7 @@ constexpr auto custom(const X& x, const char* text, bool holds) {
   return condition;
 }
 constexpr PlaceCondition custom(const char* text, bool holds) { return {text, holds}; }
+constexpr PlaceCondition chosen(bool holds) { return {nullptr, holds}; }
 
 // ---- Defaults: what a reader sets fields to that the version does not store. One for each field, or one for all.
 // A text takes otherwise("") or another text; the bytes after the NUL stay. All numbers of an array take the same.
