@@ -102,7 +102,7 @@ template <class Names, Test kTest, std::size_t kCount>
 struct Condition {
   [[no_unique_address]] Names names;
   bool holds;
-  std::int64_t value;                            // of the field
+  std::int64_t value;                             // of the field
   std::array<std::int64_t, kCount> comparedWith;  // none of a custom condition, whose text says it
   const char* text = nullptr;
 };
