@@ -11,7 +11,6 @@ namespace {
 constexpr std::size_t kWindow = 256U << 10U;
 constexpr std::size_t kFirstBuffer = 16U << 10U;
 constexpr std::size_t kPage = 4U << 10U;
-constexpr std::size_t kLargestBuffer = 1024U << 10U;
 static_assert(kWindow > InStream::kLargestRun);
 
 }  // namespace
@@ -106,7 +105,7 @@ bool OutStream::handOver(std::size_t size) {
 
 bool OutStream::makeRoom(std::size_t size) {
   if (failed_) return false;
-  if (file_ != nullptr && capacity_ >= kLargestBuffer) {
+  if (file_ != nullptr && capacity_ >= kWindow) {
     // Whole pages only: the system then never has to come back to a page that it has half written.
     if (!handOver(used_ - used_ % kPage)) return false;
     if (size <= capacity_ - used_) return true;
