@@ -19,6 +19,7 @@
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 #include "tests/support/stored_forms.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
@@ -26,9 +27,7 @@ using namespace oldtorvio;
 using namespace testing_support;
 namespace fs = std::filesystem;
 
-const std::set<int> kPartVersions = {2,   3,   5,   52,  54,  60,  61,  62,  71,  80,  90,  91,  92,
-                                     100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 150, 151,
-                                     152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+const std::vector<int> kPartVersions = joined({2, 3, 5}, partVersions());
 
 // ---- special tool files ---------------------------------------------------------------------------
 
@@ -253,7 +252,7 @@ TEST(PartBuilder, SavesExactlyTheVersionsOfPartFilesAndLeavesAnEmptyFileForTheOt
   const std::string path = bench.folder.path("built.prt");
   for (int version = -3; version <= 520; ++version) {
     bench.folder.write("built.prt", Bytes().fill(9, 9));
-    const bool good = kPartVersions.contains(version);
+    const bool good = contains(kPartVersions, version);
     ASSERT_EQ(SaveTorvPart(path.c_str(), static_cast<std::int16_t>(version)), good ? 0 : -1) << version;
     if (!good) {
       EXPECT_EQ(fs::file_size(path), 0U) << version;

@@ -15,6 +15,7 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
@@ -23,11 +24,7 @@ using oldtorvio::OldTool;
 using oldtorvio::ToolStation;
 
 // The versions that the two functions on the current machine take.
-bool isKnown(int version) {
-  static const std::vector<int> known{54,  60,  80,  90,  91,  92,  100, 101, 102, 110, 111, 112, 120, 121, 130, 140,
-                                      141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
-  return std::find(known.begin(), known.end(), version) != known.end();
-}
+bool isKnown(int version) { return contains(inventoryVersions(), version); }
 
 void setText(char* field, const std::string& text) { std::memcpy(field, text.c_str(), text.size() + 1); }
 
@@ -164,7 +161,7 @@ void expectCopied(const char* buffer, std::size_t size, const std::string& text)
 
 TEST(MachineQueries, CopiesOutTheMachineAtEveryVersion) {
   const TempFolder folder;
-  for (int version = 152; version <= 180; ++version) {
+  for (int version = 152; version <= kLastVersion; ++version) {
     if (!isKnown(version)) continue;
     for (const std::int32_t kind : {1, 2, 0, -5}) {
       const auto machine = machineOf({{}, {}, {}}, kind);
@@ -220,7 +217,7 @@ TEST(MachineQueries, EveryVersionWordIsAcceptedByItsListOrItsRange) {
     const Figures figures(path);
     EXPECT_EQ(info.status, isKnown(version) ? 0 : -1) << version;
     EXPECT_EQ(names.status, isKnown(version) ? 0 : -1) << version;
-    EXPECT_EQ(figures.status, version >= 52 && version <= 180 ? 1 : -1) << version;
+    EXPECT_EQ(figures.status, version >= 52 && version <= kLastVersion ? 1 : -1) << version;
     EXPECT_TRUE(info.untouched() && names.untouched() && figures.untouched()) << version;
   }
 }

@@ -15,6 +15,7 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/stored_forms/materials.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
@@ -666,8 +667,7 @@ TEST(MaterialBody, SettingListsAreStoredUpToTheirCount) {
 // ---- files ---------------------------------------------------------------------------------------
 
 const std::set<int> kShort{52, 60, 500, 501, 502};
-const std::set<int> kLong{61,  62,  71,  80,  90,  91,  92,  101, 102, 110, 111, 112, 120, 121, 130, 140,
-                          141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+const std::set<int> kLong(longMaterialVersions().begin(), longMaterialVersions().end());
 
 // The layouts of parameter tables are not this file's concern: all that is used here is that a table of
 // zeros is as long as its reader takes it, and that nameLength and name are last below version 500.

@@ -180,7 +180,7 @@ using Cases = testing::Types<PlacedCase, NestCase, ContourCase, BindingCase>;
 TYPED_TEST_SUITE(PartExtensionList, Cases);
 
 TYPED_TEST(PartExtensionList, LoadsAndStoresItsBytesAtEveryVersion) {
-  for (int version = TypeParam::kSince; version <= 180; ++version) {
+  for (int version = TypeParam::kSince; version <= kLastVersion; ++version) {
     SCOPED_TRACE(version);
     typename TypeParam::Record record{}, got{};
     const Bytes bytes = this->made(version, record);
@@ -196,7 +196,7 @@ TYPED_TEST(PartExtensionList, LoadsAndStoresItsBytesAtEveryVersion) {
 }
 
 TYPED_TEST(PartExtensionList, CutAtAnyByteFailsExceptInTheTailOfALastShapeAndKeepsTheElementsBeforeIt) {
-  for (int version = TypeParam::kSince; version <= 180; ++version) {
+  for (int version = TypeParam::kSince; version <= kLastVersion; ++version) {
     const Bytes bytes = this->made(version);
     for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
       typename TypeParam::Record got{};
@@ -214,7 +214,7 @@ TYPED_TEST(PartExtensionList, CutAtAnyByteFailsExceptInTheTailOfALastShapeAndKee
 
 TYPED_TEST(PartExtensionList, CountsBeyondTheFileFail) {
   for (const std::int64_t count : {1000LL, 2000000000LL, 2147483647LL})
-    for (int version = TypeParam::kSince; version <= 180; ++version) {
+    for (int version = TypeParam::kSince; version <= kLastVersion; ++version) {
       typename TypeParam::Record got{};
       const Bytes bytes = Bytes().zeros(this->kCountAt).i32(count).zeros(88);
       EXPECT_FALSE(readFrom(bytes, [&](auto& s) { return TypeParam::read(s, version, got); })) << version;
@@ -222,7 +222,7 @@ TYPED_TEST(PartExtensionList, CountsBeyondTheFileFail) {
 }
 
 TYPED_TEST(PartExtensionList, ShapeWithTooManyValuesFailsInReaderAndWriter) {
-  for (int version = TypeParam::kSince; version <= 180; ++version) {
+  for (int version = TypeParam::kSince; version <= kLastVersion; ++version) {
     typename TypeParam::Record record{};
     const Bytes whole = this->made(version, record);
     TypeParam::firstShape(record).valueCount = 10;
@@ -244,7 +244,7 @@ TYPED_TEST(PartExtensionList, ShapeWithTooManyValuesFailsInReaderAndWriter) {
 }
 
 TYPED_TEST(PartExtensionList, LoadIntoAUsedListReplacesItExceptThatNestGroupsAreAdded) {
-  for (int version = TypeParam::kSince; version <= 180; ++version) {
+  for (int version = TypeParam::kSince; version <= kLastVersion; ++version) {
     SCOPED_TRACE(version);
     typename TypeParam::Record got{};
     TypeParam::elements(got).resize(3);
@@ -260,7 +260,7 @@ TYPED_TEST(PartExtensionList, LoadIntoAUsedListReplacesItExceptThatNestGroupsAre
 
 TYPED_TEST(PartExtensionList, CountsOfZeroAndBelowReadNothingMoreAndKeepNestGroupsOnly) {
   for (const int count : {0, -1, -2147483647})
-    for (int version = TypeParam::kSince; version <= 180; ++version) {
+    for (int version = TypeParam::kSince; version <= kLastVersion; ++version) {
       typename TypeParam::Record got{};
       TypeParam::elements(got).resize(3);
       std::size_t consumed = 0;
@@ -275,7 +275,7 @@ TYPED_TEST(PartExtensionList, CountsOfZeroAndBelowReadNothingMoreAndKeepNestGrou
 
 TYPED_TEST(PartExtensionList, EmptyListStoresOnlyItsCount) {
   const typename TypeParam::Record empty{};
-  for (int version = TypeParam::kSince; version <= 180; ++version) {
+  for (int version = TypeParam::kSince; version <= kLastVersion; ++version) {
     bool ok = false;
     EXPECT_EQ(written([&](auto& s) { return TypeParam::write(s, version, empty); }, &ok),
               Bytes().zeros(this->kCountAt + 4));

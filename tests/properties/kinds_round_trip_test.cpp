@@ -14,6 +14,7 @@
 #include "src/tooling/macro_io.h"
 #include "tests/support/files.h"
 #include "tests/support/random_records.h"
+#include "tests/support/stored_forms/versions.h"
 #include "torvio/explain/file_map.h"
 
 namespace {
@@ -22,67 +23,6 @@ using namespace oldtorvio;
 using namespace testing_support;
 
 bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
-
-// Runs of versions, first and last.
-using Runs = std::vector<std::pair<int, int>>;
-
-std::vector<int> listed(const Runs& runs) {
-  std::vector<int> all;
-  for (const auto& [first, last] : runs)
-    for (int v = first; v <= last; ++v) all.push_back(v);
-  return all;
-}
-
-const std::vector<int>& inventoryVersions() {
-  static const std::vector<int> all = listed({{54, 54},
-                                              {60, 60},
-                                              {80, 80},
-                                              {90, 92},
-                                              {100, 102},
-                                              {110, 112},
-                                              {120, 121},
-                                              {130, 130},
-                                              {140, 141},
-                                              {150, 162},
-                                              {170, 170},
-                                              {180, 180}});
-  return all;
-}
-const std::vector<int>& macroVersions() {
-  static const std::vector<int> all = listed({{52, 52},
-                                              {54, 54},
-                                              {60, 62},
-                                              {80, 80},
-                                              {90, 92},
-                                              {100, 102},
-                                              {110, 112},
-                                              {120, 121},
-                                              {130, 130},
-                                              {140, 141},
-                                              {150, 162},
-                                              {170, 170},
-                                              {180, 180}});
-  return all;
-}
-const std::vector<int>& longMaterialVersions() {
-  static const std::vector<int> all = listed({{61, 62},
-                                              {71, 71},
-                                              {80, 80},
-                                              {90, 92},
-                                              {101, 102},
-                                              {110, 112},
-                                              {120, 121},
-                                              {130, 130},
-                                              {140, 141},
-                                              {150, 162},
-                                              {170, 170},
-                                              {180, 180}});
-  return all;
-}
-const std::vector<int>& machineVersions() {
-  static const std::vector<int> all = listed({{52, 180}});
-  return all;
-}
 
 // What the properties ask of a kind of file:
 //   versions()               those whose files come back as they were
@@ -118,7 +58,7 @@ struct MaterialKind {
 
 struct MachineKind {
   using Record = OldMachine;
-  static std::vector<int> versions() { return machineVersions(); }
+  static std::vector<int> versions() { return allVersions(); }
   static std::vector<int> reloadVersions() {
     return {52,  59,  60,  61,  62,  71,  80,  90,  92,  100, 101, 110, 111, 112, 120, 121, 130,
             141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
@@ -548,7 +488,7 @@ TEST(KindsRoundTrip, AllVersionWordsReturnWhatTheListsSay) {
   };
   std::vector<int> materials = longMaterialVersions();
   materials.insert(materials.end(), {52, 60, 500, 501, 502});
-  const std::vector<bool> isMaterial = set(materials), isMachine = set(machineVersions()),
+  const std::vector<bool> isMaterial = set(materials), isMachine = set(allVersions()),
                           isInventory = set(inventoryVersions()), isMacro = set(macroVersions());
   const auto material = std::make_unique<OldMaterial>();
   const auto machine = std::make_unique<OldMachine>();

@@ -50,7 +50,7 @@ TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
 TEST(RoundTrip, GroupPartFilesAtEveryVersion) {
   const TempFolder folder;
   for (int round = 0; round < rounds(); ++round)
-    for (int version = 152; version <= 180; ++version) {
+    for (int version = 152; version <= kLastVersion; ++version) {
       RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
       SheetPartList made;
       for (int n = random.upTo(2); n >= 0; --n) random.part(made.parts.emplace_back(), version);
@@ -197,7 +197,7 @@ TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
     EXPECT_GE(stored.size(), Form::minStoredSize(version)) << version;
     EXPECT_GE(Form::minStoredSize(version), Form::kMinStoredSize) << version;
   };
-  for (int version = 52; version <= 180; ++version) {
+  for (int version = 52; version <= kLastVersion; ++version) {
     atLeast(TorvPart(), version, PartForm{PartForm::sheet});
     atLeast(Pattern(), version, true);
     atLeast(ProfileRecord(), version);

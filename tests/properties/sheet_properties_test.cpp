@@ -25,6 +25,7 @@
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
 #include "tests/support/sheet_keys.h"
+#include "tests/support/stored_forms/versions.h"
 #include "torvio/explain/file_map.h"
 
 namespace {
@@ -36,19 +37,15 @@ using Sheet = std::unique_ptr<OldSheet>;
 
 bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
-constexpr int kFirst = 52, kLast = 180;  // that can be saved
+constexpr int kFirst = kFirstVersion, kLast = kLastVersion;  // that can be saved
 
 // The versions that all but the loads, saves and the two questions at the end of the header ask for, and
 // three that only the edits take.
-const std::set<int>& knownVersions() {
-  static const std::set<int> all{54,  60,  80,  90,  91,  92,  100, 101, 102, 110, 111, 112, 120, 121, 130, 140,
-                                 141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
-  return all;
-}
+const std::vector<int>& knownVersions() { return inventoryVersions(); }
 bool isListed(int version) {
-  return version == 1 || version == 6 || version == 52 || knownVersions().count(version) == 1;
+  return version == 1 || version == 6 || version == 52 || contains(knownVersions(), version);
 }
-bool isSheet(int version) { return (version >= 52 && version <= 180) || version >= 500; }
+bool isSheet(int version) { return (version >= kFirst && version <= kLast) || version >= 500; }
 
 Sheet someSheet(std::uint32_t seed, int version, int mostElements = 3) {
   RandomRecords random(seed, mostElements);
@@ -462,7 +459,7 @@ TEST(SheetVersionWords, AllReturnWhatTheListsSayInEveryFunction) {
     // Behind an accepted word nothing is left to read.
     file.seekp(0).put(static_cast<char>(stored & 0xFFU)).put(static_cast<char>(stored >> 8U)).flush();
     const int version = static_cast<std::int16_t>(stored);
-    const bool isKnown = knownVersions().count(version) == 1;
+    const bool isKnown = contains(knownVersions(), version);
     ASSERT_EQ(LoadOldSheet(p, sheet.get()), isSheet(version) ? 1 : -1) << version;
     ASSERT_EQ(sheet->version, stored);
     ASSERT_EQ(GetOldSheetHandle(p, &handle), isKnown ? 1 : -1) << version;

@@ -15,6 +15,7 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
@@ -85,11 +86,7 @@ std::unique_ptr<OldSheet> filledSheet() {
   return sheet;
 }
 
-std::vector<int> allSheetVersions() {
-  std::vector<int> all;
-  for (int v = 52; v <= 180; ++v) all.push_back(v);
-  return all;
-}
+const std::vector<int>& allSheetVersions() { return testing_support::allVersions(); }
 
 std::int64_t save(const std::string& path, OldSheet& sheet, int version) {
   return SaveOldSheet(path.c_str(), &sheet, static_cast<std::uint16_t>(version));

@@ -18,6 +18,7 @@
 #include "src/records/record_io.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
@@ -28,16 +29,10 @@ using Sheet = std::unique_ptr<OldSheet>;
 // ---- versions ------------------------------------------------------------------------------------
 
 const std::vector<int>& knownVersions() {
-  static const std::vector<int> all = {1,   6,   52,  54,  60,  80,  90,  91,  92,  100, 101, 102,
-                                       110, 111, 112, 120, 121, 130, 140, 141, 150, 151, 152, 153,
-                                       154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+  static const std::vector<int> all = joined({1, 6, 52}, inventoryVersions());
   return all;
 }
-bool isKnown(int version) {
-  for (int one : knownVersions())
-    if (one == version) return true;
-  return false;
-}
+bool isKnown(int version) { return contains(knownVersions(), version); }
 std::vector<int> savedVersions() { return {knownVersions().begin() + 2, knownVersions().end()}; }
 
 // ---- files ---------------------------------------------------------------------------------------
@@ -580,7 +575,7 @@ TEST(SheetEdits, PartAsSkeletonChangesOnlyTheSkeletonShapesAndTheListOfParts) {
 TEST(SheetEdits, SheetThenHasNoPartsAndTheShapesOfThePart) {
   const TempFolder folder;
   const auto part = partFile(folder, skeletonPart());
-  for (int version = 152; version <= 180; ++version) {
+  for (int version = 152; version <= kLastVersion; ++version) {
     if (!isKnown(version)) continue;
     const auto path = put(folder, "sheet", soundFile(folder, *someSheet(), version));
     ASSERT_EQ(ReplaceSheetSknPatListWithPartPatList(path.c_str(), part.c_str()), 0);
@@ -838,9 +833,9 @@ TEST(SmallSheetQueries, EachQueryAcceptsTheVersionsOfItsListOrRange) {
   Answers answers;
   for (int version = 0; version <= 0xFFFF; ++version) {
     const auto path = folder.overwrite("small", Bytes().u16(static_cast<std::uint16_t>(version)).i32(0));
-    const bool listed = isKnown(version) && version >= 54 && version <= 180;
+    const bool listed = isKnown(version) && version >= 54 && version <= kLastVersion;
     for (Ask ask : kFirstThree) ASSERT_EQ((answers.*ask)(path), listed ? 0 : -1) << version;
-    const bool wide = (version >= 52 && version <= 180) || (version >= 500 && version <= 32767);
+    const bool wide = (version >= 52 && version <= kLastVersion) || (version >= 500 && version <= 32767);
     ASSERT_EQ(answers.sequenceSize(path), wide ? 1 : -1) << version;
     ASSERT_TRUE(answers == fresh) << version;
     ASSERT_EQ(answers.driverFlags(path), wide ? 1 : -1) << version;
@@ -921,7 +916,7 @@ void checkAnswers(const std::string& path, int version, bool known, const OldShe
 TEST(SmallSheetQueries, EveryAcceptedVersionReturnsItsValues) {
   const TempFolder folder;
   const auto sheet = someSheet();
-  for (int version = 52; version <= 180; ++version) {
+  for (int version = 52; version <= kLastVersion; ++version) {
     auto path = put(folder, "sheet", soundFile(folder, *sheet, version));
     checkAnswers(path, version, version >= 54 && isKnown(version), *sheet);
   }

@@ -547,7 +547,7 @@ Bytes freshBytes(int version, std::int32_t machineWidth = 256) {
 TEST(SaveOldSheet, FreshSheetIsSavedAndLoadedAtEveryVersion) {
   const TempFolder folder;
   const std::string path = folder.path("fresh.sht");
-  for (int version = 52; version <= 180; ++version) {
+  for (int version = 52; version <= kLastVersion; ++version) {
     OldSheet* fresh = CreateSheetInfo();
     ASSERT_NE(fresh, nullptr);
     ASSERT_EQ(SaveOldSheet(path.c_str(), fresh, static_cast<std::uint16_t>(version)), 0) << version;

@@ -24,6 +24,7 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/sheet_keys.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
@@ -36,10 +37,9 @@ using SheetPtr = std::unique_ptr<OldSheet>;
 
 // ---- helpers ----------------------------------------------------------------------------------------
 
-const std::vector<int> kVersions = {54,  60,  80,  90,  91,  92,  100, 101, 102, 110, 111, 112, 120, 121, 130, 140,
-                                    141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+const std::vector<int>& kVersions = testing_support::inventoryVersions();
 
-bool isKnown(int word) { return std::find(kVersions.begin(), kVersions.end(), word) != kVersions.end(); }
+bool isKnown(int word) { return testing_support::contains(kVersions, word); }
 
 #if defined(__GNUC__)
 __attribute__((format(printf, 1, 2)))

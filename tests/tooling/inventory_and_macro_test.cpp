@@ -17,18 +17,14 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/stored_forms.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
 using namespace testing_support;
 
-std::set<int> withLateRun(std::set<int> some) {
-  some.insert({90, 91, 92, 100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 170, 180});
-  for (int v = 150; v <= 162; ++v) some.insert(v);
-  return some;
-}
-const std::set<int> kInventoryVersions = withLateRun({54, 60, 80});
-const std::set<int> kMacroVersions = withLateRun({52, 54, 60, 61, 62, 80});
+const std::set<int> kInventoryVersions(inventoryVersions().begin(), inventoryVersions().end());
+const std::set<int> kMacroVersions(macroVersions().begin(), macroVersions().end());
 
 // Where the gates of the two files and of what they embed lie.
 const std::vector<int> kGates{54, 59, 60, 79, 80, 89, 90, 109, 110, 111, 129, 130, 149, 150, 180};
@@ -83,7 +79,7 @@ TEST(Inventory, FreshEntryHasTheDefaults) {
 }
 
 TEST(Inventory, EntryLoadsAndSavesTheSameBytesAtEveryVersion) {
-  for (int version = 54; version <= 180; ++version)
+  for (int version = 54; version <= kLastVersion; ++version)
     for (const int steps : {0, 3, 20}) {
       SCOPED_TRACE(version);
       Maker maker;

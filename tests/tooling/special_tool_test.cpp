@@ -6,13 +6,13 @@
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
 using namespace testing_support;
 
-const std::vector<int> kAccepted{52,  54,  60,  90,  91,  92,  100, 101, 102, 110, 111, 112, 120, 121, 130, 140,
-                                 141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
+const std::vector<int>& kAccepted = specialToolVersions();
 
 struct Answers {
   std::uint32_t shapeCount = 99;

@@ -20,6 +20,7 @@
 
 #include "OldTorvIO/records.h"
 #include "tests/support/bytes.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace testing_support {
 
@@ -397,18 +398,5 @@ inline Bytes patched(const Bytes& b, std::size_t at, const Bytes& by, std::size_
   return b.cut(at).add(by).add(from(b, at + instead));
 }
 inline Bytes patched(const Bytes& b, std::size_t at, const Bytes& by) { return patched(b, at, by, by.size()); }
-
-// Every version, and those that part files have.
-inline std::vector<int> allVersions() {
-  std::vector<int> all;
-  for (int v = 52; v <= 180; ++v) all.push_back(v);
-  return all;
-}
-inline const std::vector<int>& partVersions() {
-  static const std::vector<int> all{52,  54,  60,  61,  62,  71,  80,  90,  91,  92,  100, 101,
-                                    102, 110, 111, 112, 120, 121, 130, 140, 141, 150, 151, 152,
-                                    153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
-  return all;
-}
 
 }  // namespace testing_support
