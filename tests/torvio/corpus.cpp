@@ -189,18 +189,20 @@ Bytes randomBytes(Random& random, std::size_t size) {
   return bytesOf(words).cut(size);
 }
 
-std::string damage(Random& random, Bytes& bytes) {
+std::string damage(Random& random, Bytes& bytes, std::size_t& intact) {
   std::vector<std::byte> all(bytes.span().begin(), bytes.span().end());
   std::string done;
   const int form = random.upTo(2);
   if (form == 0) {
     const std::size_t size = below(random, all.size());
     all.resize(size);
+    intact = size;
     done = "cut at " + std::to_string(size);
   } else if (form == 1) {
     const std::size_t from = below(random, all.size());
     const std::size_t most = std::min({all.size() - from, all.size() / 4 + 1, std::size_t{4096}});
     const std::size_t size = 1 + below(random, most);
+    intact = from;
     const Bytes noise = randomBytes(random, size);
     const int by = random.upTo(3);
     for (std::size_t i = 0; i < size; ++i)
@@ -215,6 +217,7 @@ std::string damage(Random& random, Bytes& bytes) {
     for (int n = between(random, 1, 8); n > 0; --n) {
       const std::size_t at = below(random, all.size());
       all[at] ^= static_cast<std::byte>(1U << static_cast<unsigned>(random.upTo(7)));
+      intact = std::min(intact, at);
       done += " " + std::to_string(at);
     }
   }
@@ -230,10 +233,11 @@ MadeFile madeFile(std::uint32_t seed, std::uint32_t number) {
   Random choices(seedOf(seed, number));
   const auto kind = static_cast<FileKind>(number % frame::kFileKinds.size());
   const std::vector<int> versions = versionsOf(kind);
-  MadeFile made{kind, versions[below(choices, versions.size())], "none", {}};
+  MadeFile made{kind, versions[below(choices, versions.size())], "none", 0, {}};
   Random random(seedOf(seed, number) + 7, mostElements(choices, kind), Random::Content::plausible);
   made.bytes = soundFile(random, kind, made.version);
-  if (choices.upTo(2) == 0) made.damage = damage(choices, made.bytes);
+  made.intact = made.bytes.size();
+  if (choices.upTo(2) == 0) made.damage = damage(choices, made.bytes, made.intact);
   return made;
 }
 

@@ -13,6 +13,7 @@ struct MadeFile {
   oldtorvio::explain::FileKind kind;
   int version;
   std::string damage;  // "none", "cut", "overwritten" or "flipped", and where
+  std::size_t intact;  // bytes before the damage
   Bytes bytes;
 
   bool isDamaged() const { return damage != "none"; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -49,7 +50,7 @@ struct Row {
   }
   void print(const std::string& name) const {
     const auto share = [this](std::size_t n) { return files > 0 ? 100.0 * double(n) / double(files) : 0.0; };
-    std::printf("%-24s %6zu  %6zu  %5zu (%5.2f %%)  %5zu (%5.2f %%)  %5zu\n", name.c_str(), files, right, wrong,
+    std::printf("%-26s %6zu  %6zu  %5zu (%5.2f %%)  %5zu (%5.2f %%)  %5zu\n", name.c_str(), files, right, wrong,
                 share(wrong), foreign, share(foreign), wrongSound);
   }
 };
@@ -70,6 +71,7 @@ struct Listed {
   std::string name;
   frame::FileKind kind;
   std::string damage;
+  std::size_t intact;
 };
 
 std::vector<Listed> truthOf(const std::filesystem::path& folder) {
@@ -80,11 +82,13 @@ std::vector<Listed> truthOf(const std::filesystem::path& folder) {
   while (std::getline(list, line)) {
     std::istringstream fields(line);
     Listed one;
-    std::string kind, version;
+    std::string kind, version, intact;
     std::getline(fields, one.name, '\t');
     std::getline(fields, kind, '\t');
     std::getline(fields, version, '\t');
     std::getline(fields, one.damage, '\t');
+    std::getline(fields, intact, '\t');
+    one.intact = std::strtoul(intact.c_str(), nullptr, 10);
     const auto* info = std::find_if(frame::kFileKinds.begin(), frame::kFileKinds.end(),
                                     [&](const frame::FileKindInfo& i) { return i.name == kind; });
     if (info == frame::kFileKinds.end()) continue;
@@ -97,6 +101,8 @@ std::vector<Listed> truthOf(const std::filesystem::path& folder) {
 void reportCorpus(const std::filesystem::path& folder) {
   const std::vector<Listed> files = truthOf(folder);
   std::map<std::string, Row> rows;
+  constexpr std::size_t kBeginning = 256;
+  Row beginnings[2];
   double guess[2] = {}, check[2] = {};
   for (const Listed& file : files) {
     const explain::FileContent content((folder / file.name).string());
@@ -104,6 +110,7 @@ void reportCorpus(const std::filesystem::path& folder) {
     const bool isDamaged = file.damage != "none";
     const std::string name = std::string(frame::infoOf(file.kind).name) + (isDamaged ? ", damaged" : ", sound");
     rows[name].count(judgement, file.kind);
+    if (isDamaged) beginnings[file.intact >= kBeginning ? 1 : 0].count(judgement, file.kind);
     if (isVerbose && judgement.kind != file.kind)
       std::printf("%s: %s, %zu bytes, version %d, %s: judged %s, %s\n", file.name.c_str(), name.c_str(),
                   content.bytes().size(), judgement.report.version.value_or(-1), file.damage.c_str(),
@@ -112,7 +119,7 @@ void reportCorpus(const std::filesystem::path& folder) {
     guess[isDamaged ? 1 : 0] += secondsOf([&] { (void)archive::likeliestKind(content.bytes()); });
     check[isDamaged ? 1 : 0] += secondsOf([&] { (void)explain::checkFile(content.bytes(), file.kind); });
   }
-  std::printf("%-24s %6s  %6s  %16s  %16s  %s\n", "made files", "files", "right", "wrong", "called foreign",
+  std::printf("%-26s %6s  %6s  %16s  %16s  %s\n", "made files", "files", "right", "wrong", "called foreign",
               "wrong, called sound");
   Row all[2];
   for (const auto& [name, row] : rows) {
@@ -121,11 +128,13 @@ void reportCorpus(const std::filesystem::path& folder) {
   }
   all[0].print("all sound");
   all[1].print("all damaged");
+  beginnings[0].print("  in the first 256 bytes");
+  beginnings[1].print("  only after these");
   std::printf("\n%-24s %10s %10s\n", "microseconds per file", "guess", "check");
   for (const int i : {0, 1})
-    std::printf("%-24s %10.2f %10.2f\n", i == 0 ? "sound" : "damaged", 1e6 * guess[i] / double(all[i].files),
+    std::printf("%-26s %10.2f %10.2f\n", i == 0 ? "sound" : "damaged", 1e6 * guess[i] / double(all[i].files),
                 1e6 * check[i] / double(all[i].files));
-  std::printf("%-24s %10.2f %10.2f\n", "all", 1e6 * (guess[0] + guess[1]) / double(files.size()),
+  std::printf("%-26s %10.2f %10.2f\n", "all", 1e6 * (guess[0] + guess[1]) / double(files.size()),
               1e6 * (check[0] + check[1]) / double(files.size()));
 }
 

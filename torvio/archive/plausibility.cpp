@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "src/file_records.h"
 #include "src/frame/codec/reader.h"
@@ -22,7 +25,7 @@ using frame::FileKind;
 // kind, because texts and floats read in the wrong place look like that.
 
 constexpr Evidence kPlausibleFloat = 1.5F, kOddFloat = -3;
-constexpr Evidence kLargeNumber = -1;
+constexpr Evidence kUsualNumber = 0.25F, kLargeNumber = -1;
 constexpr std::int64_t kLargestUsual = 1 << 24;
 
 template <class T>
@@ -30,6 +33,11 @@ Evidence ofFloat(T value) {
   if (value == 0) return 0;
   const T size = std::fabs(value);
   return size >= static_cast<T>(1e-5) && size <= static_cast<T>(1e7) ? kPlausibleFloat : kOddFloat;
+}
+
+Evidence ofNumber(std::int64_t value) {
+  if (value == 0) return 0;
+  return value <= kLargestUsual && value >= -kLargestUsual ? kUsualNumber : kLargeNumber;
 }
 
 template <class Byte>
@@ -117,7 +125,7 @@ class Weigher : public Reading<Weigher> {
   bool drop(std::size_t size) {
     const std::byte* from = take(size);
     if (from == nullptr) return false;
-    if (!areZeros(from, size)) content(-1);
+    content(areZeros(from, size) ? 1.0F : -1.0F);
     return true;
   }
   // As far as this walk goes, so that lists reserve no more than it can fill.
@@ -181,7 +189,7 @@ class Weigher : public Reading<Weigher> {
     Alike(const Alike&) = delete;
     Alike& operator=(const Alike&) = delete;
 
-    // How much of it counts. What speaks against a structure always does.
+    // How much of it counts; what speaks against a structure always does in full.
     Evidence ofContent(Evidence evidence) {
       evidence = std::clamp(evidence, -1.5F * most_ - content_, most_ - content_);
       content_ += evidence;
@@ -223,7 +231,7 @@ class Weigher : public Reading<Weigher> {
     if constexpr (std::is_floating_point_v<T>)
       content(ofFloat(value));
     else if constexpr (std::is_signed_v<T> && sizeof(T) >= sizeof(std::int32_t))
-      if (value > kLargestUsual || value < -kLargestUsual) content(kLargeNumber);
+      content(ofNumber(value));
   }
   template <std::size_t N>
   void weigh(const char (&text)[N]) {
@@ -349,7 +357,7 @@ constexpr bool isLarge(FileKind kind) {
 }
 
 // The records that walks over a beginning fill. A sheet contains a machine and that a material, so that one record does
-// for all three. A walk may then find what the one before has left, which no beginning depends on.
+// for all three. A walk may then find what the one before has left, but always the same for the same bytes.
 class Records {
  public:
   template <class File, class Use>
@@ -378,7 +386,7 @@ Plausibility weighed(std::span<const std::byte> bytes, FileKind kind, int versio
   });
   Plausibility found = io.result(isComplete);
   // Few other files begin with a version that the suite has written. Higher ones are accepted as well.
-  constexpr Evidence kOfKnownVersion = 4, kOfUnknownVersion = -10;
+  constexpr Evidence kOfKnownVersion = 5, kOfUnknownVersion = -10;
   const bool isKnown = version <= frame::VersionSet::kHighest || startsWithTable(kind, version);
   found.evidence += isKnown ? kOfKnownVersion : kOfUnknownVersion;
   return found;
@@ -412,9 +420,11 @@ class Candidates {
   std::span<Candidate> close() { return {begin(), count_}; }
   // One that ends at the end of the file is likelier than one that does not.
   const Candidate& likeliest() const {
-    return *std::max_element(all_.begin(), all_.begin() + count_, [](const Candidate& a, const Candidate& b) {
-      return std::pair(a.plausibility.endsExactly, a.evidence()) < std::pair(b.plausibility.endsExactly, b.evidence());
-    });
+    const auto rank = [](const Candidate& c) {
+      return std::pair(c.plausibility.endsExactly && c.evidence() >= kMinEvidence, c.evidence());
+    };
+    return *std::max_element(all_.begin(), all_.begin() + count_,
+                             [&](const Candidate& a, const Candidate& b) { return rank(a) < rank(b); });
   }
 
  private:
