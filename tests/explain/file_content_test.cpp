@@ -13,7 +13,6 @@
 #include <unistd.h>
 #endif
 
-#include "torvio/explain/detect.h"
 #include "torvio/explain/file_map.h"
 #include "tests/support/files.h"
 #include "tests/support/io_faults.h"
@@ -149,33 +148,14 @@ TEST(FileContent, EveryFunctionOpensAFileOnceAndClosesIt) {
     return watch.opened();
   };
   EXPECT_EQ(opens([&] { FileContent content(path); }), 1U);
-  EXPECT_EQ(opens([&] { (void)explain::detectKind(path); }), 1U);
   EXPECT_EQ(opens([&] { (void)explain::checkFile(path, explain::FileKind::part); }), 1U);
   EXPECT_EQ(opens([&] { (void)explain::mapFile(path, explain::FileKind::part, [](const explain::MapLine&) {}); }), 1U);
   EXPECT_EQ(opens([&] {
               const FileContent content(path);
-              (void)explain::detect(path, content.bytes());
+              (void)explain::mapFile(content.bytes(), explain::FileKind::part, [](const explain::MapLine&) {});
               (void)explain::checkFile(content.bytes(), explain::FileKind::part);
             }),
             1U);
-}
-
-TEST(FileContent, DetectionReportsWhatACheckOfThatKindReports) {
-  for (const char* name : {"tool.spt", "tool"}) {
-    for (const std::size_t cut : {std::size_t{20}, std::size_t{100000}}) {
-      const Bytes bytes = specialToolFile(60, {3, 3}).cut(cut);
-      const auto detected = explain::detect(name, bytes.span());
-      ASSERT_TRUE(detected) << name << cut;
-      const explain::FileReport report = explain::checkFile(bytes.span(), detected->kind);
-      EXPECT_EQ(detected->report.status, report.status);
-      EXPECT_EQ(detected->report.version, report.version);
-      EXPECT_EQ(detected->report.walked, report.walked);
-      EXPECT_EQ(detected->report.size, report.size);
-      EXPECT_EQ(detected->report.fault.has_value(), report.fault.has_value());
-    }
-  }
-  EXPECT_EQ(explain::detect("tool.spt", {})->kind, explain::FileKind::specialTool);
-  EXPECT_FALSE(explain::detect("tool", {}));
 }
 
 TEST(FileContent, UnreadBytesAreCounted) {

@@ -15,7 +15,6 @@
 #include "src/records/tool_layout.h"
 #include "tests/support/files.h"
 #include "tests/support/part_files.h"
-#include "torvio/explain/detect.h"
 #include "torvio/explain/file_map.h"
 
 namespace {
@@ -287,36 +286,6 @@ TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
   expectSame(Kind::sheet, [sheet = std::make_unique<oldtorvio::OldSheet>()](const char* path) {
     return LoadOldSheet(path, sheet.get());
   });
-}
-
-TEST(FileMap, KindIsDetectedFromTheExtensionOrTheContent) {
-  const TempFolder folder;
-  using Kind = explain::FileKind;
-  oldtorvio::SheetPartList list;
-  list.parts.emplace_back().patterns.emplace_back();
-  ASSERT_EQ(oldtorvio::SaveGroupPart(folder.path("g").c_str(), list, 180), 0);
-  EXPECT_EQ(explain::detectKind(folder.path("g")), Kind::groupPart);
-  EXPECT_EQ(explain::detectKind(""), std::nullopt);
-  EXPECT_EQ(explain::detectKind("?"), std::nullopt);
-  for (const int version : partVersions())
-    EXPECT_EQ(explain::detectKind(folder.write("p", partFile(version))), Kind::part) << version;
-  for (const int version : {52, 60, 111, 162, 180}) {
-    EXPECT_EQ(explain::detectKind(folder.write("s", specialToolFile(version, {1, 2}))), Kind::specialTool) << version;
-    EXPECT_EQ(explain::detectKind(folder.write("a.SpT", partFile(version))), Kind::specialTool)
-        << "the extension decides";
-  }
-  EXPECT_EQ(explain::detectKind(folder.write("d", partFile(61).cut(500))), Kind::part)
-      << "no other kind has version 61";
-  EXPECT_EQ(explain::detectKind(folder.write("r", partFile(80).zeros(37))), Kind::part) << "sound but for the rest";
-  // An inventory of this version would be sound after sixteen bytes.
-  for (const std::size_t cut : {800U, 1600U})
-    EXPECT_EQ(explain::detectKind(folder.write("c", partFile(112).cut(cut))), Kind::part) << "it comes furthest";
-  EXPECT_EQ(explain::detectKind(".spt"), Kind::specialTool) << "whatever it holds";
-  EXPECT_EQ(explain::detectKind(folder.write("w", Bytes().i16(60))), Kind::part) << "of several alike the first";
-  EXPECT_EQ(explain::detectKind(folder.write("x", Bytes().i16(50))), std::nullopt);
-  EXPECT_EQ(explain::detectKind(folder.write("e", Bytes())), std::nullopt);
-  EXPECT_EQ(explain::detectKind(folder.path("none")), std::nullopt);
-  EXPECT_EQ(frame::infoOf(Kind::groupPart).name, "group-part");
 }
 
 }  // namespace

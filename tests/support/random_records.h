@@ -18,9 +18,12 @@ namespace values = oldtorvio::values;
 // a load changes. The same seed makes the same records on every host.
 class RandomRecords {
  public:
-  explicit RandomRecords(std::uint32_t seed, int mostElements = 3) : engine_(seed), most_(mostElements) {}
+  // Any bits, so that floats include numbers that are none; or sizes, small numbers and names as real files have them.
+  enum class Content { anyBits, plausible };
 
-  // Any bits, so that floats include numbers that are none.
+  explicit RandomRecords(std::uint32_t seed, int mostElements = 3, Content content = Content::anyBits)
+      : engine_(seed), most_(mostElements), isPlausible_(content == Content::plausible) {}
+
   template <class... T>
   void bits(T&... fields) {
     (fill(fields), ...);
@@ -41,6 +44,11 @@ class RandomRecords {
   oldtorvio::OldToolInventory toolInventory() { return made<oldtorvio::OldToolInventory>(); }
   oldtorvio::OldMacro macro() { return made<oldtorvio::OldMacro>(); }
   oldtorvio::OldSpecialTool specialTool() { return made<oldtorvio::OldSpecialTool>(); }
+  // A fixed text.
+  template <std::size_t N>
+  void name(char (&field)[N]) {
+    fill(field);
+  }
   // As a part file keeps it.
   void part(oldtorvio::TorvPart& part, int version) {
     version_ = version;
@@ -77,6 +85,7 @@ class RandomRecords {
   }
   template <class T>
   void fill(T& value) {
+    if (isPlausible_ && fillPlausibly(value)) return;
     if constexpr (values::Number<T>) {
       unsigned char stored[sizeof value];
       fillBytes(stored, sizeof stored);
@@ -99,6 +108,80 @@ class RandomRecords {
       settle(value);
     }  // Owners fill as much of a lazy array as they count.
   }
+  // Whether the value is a number or a text, which has plausible content now.
+  template <class T>
+  bool fillPlausibly(T& value) {
+    if constexpr (std::is_floating_point_v<T>) {
+      value = static_cast<T>(plausibleSize());
+    } else if constexpr (values::Number<T>) {
+      value = static_cast<T>(plausibleNumber(std::is_signed_v<T>));
+    } else if constexpr (values::FixedText<T>) {
+      plausibleText(std::data(value), std::size(value));
+    } else if constexpr (values::Text<T>) {
+      value = letters(flip() ? 0 : upTo(24));
+    } else {
+      return false;
+    }
+    return true;
+  }
+  // Lengths in millimetres or inches, angles, factors.
+  double plausibleSize() {
+    static constexpr double kUsual[] = {1, -1, 0.5, 0.05, 0.125, 1.5, 25.4, 90, 0.7853982, 1.5707964, 3.1415927, 1250};
+    switch (upTo(9)) {
+      case 0:
+      case 1:
+      case 2:
+        return 0;
+      case 3:
+      case 4:
+        return kUsual[upTo(11)];
+      case 5:
+        return upTo(5000);
+      case 6:
+        return -upTo(1000000) / 1000.0;
+      case 7:
+        return upTo(1000000) / 100000.0;
+      default:
+        return upTo(3000000) / 1000.0;
+    }
+  }
+  // Counts, numbers, modes, sometimes flags or colours.
+  std::int64_t plausibleNumber(bool isSigned) {
+    switch (upTo(9)) {
+      case 0:
+      case 1:
+      case 2:
+      case 3:
+      case 4:
+        return 0;
+      case 5:
+      case 6:
+        return 1 + upTo(9);
+      case 7:
+        return upTo(1000);
+      case 8:
+        return isSigned ? -1 : std::int64_t{1} << upTo(30);
+      default:
+        return upTo(3) > 0 ? upTo(255) : upTo(0xFFFFFF);
+    }
+  }
+  // A name and NULs, or any bytes after the first NUL; some names fill their field.
+  void plausibleText(char* field, std::size_t width) {
+    std::memset(field, 0, width);
+    if (upTo(2) == 0) return;
+    const int most = static_cast<int>(std::min<std::size_t>(width - 1, upTo(9) == 0 ? width : 40));
+    const std::string name = words(upTo(40) == 0 ? static_cast<int>(width) : upTo(most));
+    std::memcpy(field, name.data(), name.size());
+    if (upTo(14) == 0 && name.size() + 1 < width) fillBytes(field + name.size() + 1, width - name.size() - 1);
+  }
+  std::string words(int length) {
+    static constexpr const char* kWords[] = {"BRACKET", "PLATE-2", "cover left", "C:\\PARTS\\", "1.4301", "St37-2",
+                                             "Geh\xE4use", "O'NEIL & CO", "t=2.0", "A-4711/3", "FRAME", "job 12"};
+    std::string text;
+    while (std::ssize(text) < length) text.append(text.empty() ? "" : " ").append(kWords[upTo(11)]);
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+  }
   void fill(oldtorvio::ParamTable&) {}  // has a version of its own, see paramTable
   template <class Record>
   void fillMembers(Record& record) {
@@ -114,6 +197,7 @@ class RandomRecords {
     }
   }
   std::string letters(int length) {
+    if (isPlausible_) return words(length);
     std::string text;
     for (; length > 0; --length) text += static_cast<char>('!' + upTo(90));
     return text;
@@ -345,6 +429,7 @@ class RandomRecords {
 
   std::mt19937 engine_;
   int most_;
+  bool isPlausible_;
   int version_ = 180;
 };
 

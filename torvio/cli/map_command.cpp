@@ -1,11 +1,13 @@
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <new>
 #include <string>
 
+#include "torvio/archive/verdict.h"
 #include "torvio/cli/commands.h"
 #include "torvio/cli/file_text.h"
 #include "torvio/cli/output.h"
-#include "torvio/explain/detect.h"
 #include "torvio/explain/file_content.h"
 
 namespace torvio {
@@ -50,11 +52,9 @@ class MapCommand : public Command {
       printError(onOneLine(file_) + ": " + file.error());
       return kNotReadOrWritten;
     }
-    const auto detected = kind_ ? std::nullopt : explain::detect(file_, file.bytes());
-    const auto kind = detected ? std::optional(detected->kind) : kind_;
-    explain::FileReport report = explain::mapFile(file.bytes(), kind.value_or(kFallbackKind), LinePrinter());
+    const auto kind = archive::judge(file_, file.bytes(), {kind_, {}}).kind;
+    const explain::FileReport report = kind ? explain::mapFile(file.bytes(), *kind, LinePrinter()) : unknown(file);
     if (!report.fault) return kSound;
-    if (!kind) nameVersionOfUnknown(report);
     print("FAULT " + describe(*report.fault) + "\n");
     return kDamaged;
   } catch (const std::bad_alloc&) {
@@ -63,6 +63,22 @@ class MapCommand : public Command {
   }
 
  private:
+  // Maps the version word, which is all that is known of such a file.
+  static explain::FileReport unknown(const explain::FileContent& file) {
+    const auto word = file.bytes().first(std::min(file.bytes().size(), sizeof(std::int16_t)));
+    bool isKnownVersion = false;
+    explain::FileReport report = explain::mapFile(word, kFallbackKind, [](const explain::MapLine& line) {
+      if (line.path == "version") LinePrinter()(line);
+    });
+    for (const frame::FileKindInfo& info : frame::kFileKinds)
+      isKnownVersion = isKnownVersion || (report.version && info.accepts(*report.version));
+    if (isKnownVersion)
+      report.fault = explain::Fault{0, "version", "the contents fit no kind of this version; --kind chooses one"};
+    else
+      nameVersionOfUnknown(report);
+    return report;
+  }
+
   std::string file_;
   std::optional<frame::FileKind> kind_;
 };

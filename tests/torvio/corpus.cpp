@@ -1,0 +1,300 @@
+#include "tests/torvio/corpus.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+#include "src/file_records.h"
+#include "src/frame/codec/writer.h"
+#include "tests/support/random_records.h"
+#include "tests/support/sheet_files.h"
+
+namespace testing_support {
+
+using namespace oldtorvio;
+using frame::FileKind;
+
+namespace {
+
+using Random = RandomRecords;
+
+// Number between the two, both included.
+int between(Random& random, int least, int most) { return least + random.upTo(most - least); }
+std::size_t below(Random& random, std::size_t end) {
+  return static_cast<std::size_t>(random.upTo(static_cast<int>(end) - 1));
+}
+
+template <class Write>
+Bytes body(const Write& write) {
+  bool ok = false;
+  Bytes bytes = written(write, &ok);
+  if (!ok) throw std::runtime_error("a made record cannot be stored");
+  return bytes;
+}
+
+// ---- the oldest parts, which nothing writes ----------------------------------------------------------------
+
+float size(Random& random) { return static_cast<float>(random.upTo(300000)) / 100.0F; }
+
+void oldGeometry(Random& random, Bytes& b, int type) {
+  b.f32(size(random)).f32(size(random));
+  for (int i = oldValueCount(static_cast<std::int8_t>(type)); i > 0; --i) b.f32(random.flip() ? 0 : size(random));
+}
+void oldSetupEntry(Random& random, Bytes& b) {
+  b.u16(static_cast<std::uint16_t>(between(random, 1, 17))).u16(static_cast<std::uint16_t>(random.upTo(3))).u8(0);
+  b.u16(static_cast<std::uint16_t>(random.upTo(100))).u8(0).u16(0).u8(1);
+  b.f32(size(random)).f32(size(random)).i32(random.upTo(9)).u8(0).i32(0).u16(0).i32(random.upTo(1));
+}
+
+Bytes version5Part(Random& random) {
+  static constexpr std::string_view kNames[] = {"BRACKET", "COVER 12", "", "A-4711", "PLATE", "left door"};
+  const auto name = [&] { return kNames[random.upTo(5)]; };
+  Bytes b;
+  b.i16(5).text(21, name()).f32(size(random)).f32(size(random)).text(21, name()).text(21, name()).text(21, "1.4301");
+  b.i16(1).i16(random.upTo(3)).f32(static_cast<float>(random.upTo(60)) / 10.0F);
+  const int shapes = random.upTo(40);
+  b.i16(shapes);
+  for (int i = 0; i < shapes; ++i) {
+    const int type = random.upTo(25);
+    b.i8(type).i16(random.upTo(4)).i16(random.upTo(2) * 128);
+    oldGeometry(random, b, type);
+  }
+  const int patterns = random.upTo(2);
+  b.i16(patterns);
+  for (int i = 0; i < patterns; ++i) {
+    const int items = random.upTo(10);
+    b.i16(0).i16(1).i16(1).f32(0).f32(0).f32(size(random)).f32(size(random)).f32(1).f32(0).i16(items);
+    for (int k = 0; k < items; ++k) b.i16(random.upTo(100)).i16(random.upTo(30));
+  }
+  const int entries = random.upTo(4);
+  b.i16(entries);
+  for (int i = 0; i <= entries; ++i) oldSetupEntry(random, b);
+  b.zeros(8).i32(0).i32(random.upTo(9));
+  const int marks = random.upTo(5);
+  b.i16(marks);
+  for (int i = 0; i < marks; ++i) b.i16(random.upTo(9)).i16(random.upTo(9)).f32(size(random)).f32(size(random));
+  return b;
+}
+
+Bytes version3Part(Random& random, int version) {
+  const bool hasItems = random.flip();
+  Bytes b;
+  b.i16(version).f32(size(random)).f32(size(random)).u8(hasItems ? 1 : 0).u8(0).u8(random.flip() ? 1 : 0).u8(0).u8(0);
+  b.zeros(47).u8(0).zeros(11);
+  const int shapes = random.upTo(40);
+  b.i16(shapes).i16(0).i16(0);
+  for (int i = 0; i < shapes; ++i) {
+    const int type = random.upTo(25);
+    b.i8(type).u8(0).u8(0).i16(random.upTo(4)).u8(0).u8(0).i16(random.upTo(2) * 128);
+    oldGeometry(random, b, type);
+  }
+  b.i16(0);
+  if (hasItems) {
+    b.i16(shapes);
+    for (int i = 0; i < shapes; ++i) b.i16(random.upTo(100)).i16(random.upTo(30));
+    b.i16(0);
+  }
+  return b;
+}
+
+// ---- all kinds ----------------------------------------------------------------------------------------------
+
+std::vector<int> versionsOf(FileKind kind) {
+  std::vector<int> versions;
+  if (kind == FileKind::part) versions = {2, 3, 5};
+  for (int v = frame::kFirstMainVersion; v <= frame::VersionSet::kHighest; ++v)
+    if (frame::infoOf(kind).accepts(v)) versions.push_back(v);
+  return versions;
+}
+
+void fillMaterialTable(Random& random, ParamTable& table, int version) {
+  if (frame::isParamTableVersion(version))
+    random.paramTable(table, version);
+  else
+    random.paramTable(table, random.upTo(4) == 0 ? 52 : version);
+}
+
+Bytes soundFile(Random& random, FileKind kind, int version) {
+  Bytes b = Bytes().i16(version);
+  switch (kind) {
+    case FileKind::part: {
+      if (version == frame::kVersion5) return version5Part(random);
+      if (version < frame::kVersion5) return version3Part(random, version);
+      const auto part = std::make_unique<TorvPart>();
+      random.part(*part, version);
+      return b.add(body([&](auto& to) { return WritePartBody(to, version, false, *part); }));
+    }
+    case FileKind::groupPart: {
+      std::vector<TorvPart> parts(static_cast<std::size_t>(between(random, 1, 3)));
+      for (TorvPart& part : parts) {
+        random.part(part, version);
+        random.name(part.partName);
+      }
+      const codec::GroupPartFile<const std::vector<TorvPart>> file{parts, static_cast<std::int32_t>(parts.size()) - 1,
+                                                                   random.flip() ? 256 : between(random, 20, 256)};
+      return b.add(body([&](auto& to) { return codec::writeRecord(to, version, file); }));
+    }
+    case FileKind::specialTool: {
+      const OldSpecialTool tool = random.specialTool();
+      return b.add(body([&](auto& to) { return WriteSpecialTool(to, version, tool); }));
+    }
+    case FileKind::machine: {
+      const auto machine = std::make_unique<OldMachine>();
+      random.machine(*machine, version);
+      return b.add(body([&](auto& to) { return WriteOldMachine(to, version, nullptr, *machine, false); }));
+    }
+    case FileKind::material: {
+      const auto material = std::make_unique<OldMaterial>();
+      random.material(*material);
+      fillMaterialTable(random, material->params, version);
+      const Bytes table = body([&](auto& to) { return WriteParamTable(to, material->params); });
+      if (frame::isParamTableVersion(version)) return table;
+      return b.add(table).add(body([&](auto& to) { return WriteOldMaterialBody(to, version, *material); }));
+    }
+    case FileKind::toolInventory: {
+      const OldToolInventory inventory = random.toolInventory();
+      return b.add(body([&](auto& to) { return WriteToolInventory(to, version, inventory); }));
+    }
+    case FileKind::macro: {
+      const OldMacro macro = random.macro();
+      return b.add(body([&](auto& to) { return WriteMacro(to, version, macro); }));
+    }
+    default: {
+      const auto sheet = std::make_unique<OldSheet>();
+      random.sheet(*sheet, version);
+      random.paramTable(sheet->paramTable, version < 60 ? 52 : version);
+      return readableSheetFile(*sheet, version);
+    }
+  }
+}
+
+// Lists of the large kinds contain lists of lists. A few files have none of anything.
+int mostElements(Random& random, FileKind kind) {
+  const bool isLarge = kind == FileKind::machine || kind == FileKind::material || kind == FileKind::sheet;
+  static constexpr int kMost[] = {1, 2, 3, 4, 6, 8, 12, 16};
+  if (random.upTo(19) == 0) return 0;
+  return kMost[random.upTo(isLarge ? 3 : kind == FileKind::part || kind == FileKind::groupPart ? 6 : 7)];
+}
+
+// ---- damage ---------------------------------------------------------------------------------------------------
+
+Bytes randomBytes(Random& random, std::size_t size) {
+  std::vector<std::uint32_t> words(size / 4 + 1);
+  for (std::uint32_t& word : words) random.bits(word);
+  return bytesOf(words).cut(size);
+}
+
+std::string damage(Random& random, Bytes& bytes, std::size_t& intact) {
+  std::vector<std::byte> all(bytes.span().begin(), bytes.span().end());
+  std::string done;
+  const int form = random.upTo(2);
+  if (form == 0) {
+    const std::size_t size = below(random, all.size());
+    all.resize(size);
+    intact = size;
+    done = "cut at " + std::to_string(size);
+  } else if (form == 1) {
+    const std::size_t from = below(random, all.size());
+    const std::size_t most = std::min({all.size() - from, all.size() / 4 + 1, std::size_t{4096}});
+    const std::size_t size = 1 + below(random, most);
+    intact = from;
+    const Bytes noise = randomBytes(random, size);
+    const int by = random.upTo(3);
+    for (std::size_t i = 0; i < size; ++i)
+      all[from + i] = by == 0   ? noise.span()[i]
+                      : by == 1 ? std::byte{0}
+                      : by == 2 ? std::byte{0xFF}
+                                : all[size - 1 - i];
+    static constexpr const char* kBy[] = {"random bytes", "zeros", "FF", "other bytes"};
+    done = "overwritten at " + std::to_string(from) + " for " + std::to_string(size) + " by " + kBy[by];
+  } else {
+    done = "flipped at";
+    for (int n = between(random, 1, 8); n > 0; --n) {
+      const std::size_t at = below(random, all.size());
+      all[at] ^= static_cast<std::byte>(1U << static_cast<unsigned>(random.upTo(7)));
+      intact = std::min(intact, at);
+      done += " " + std::to_string(at);
+    }
+  }
+  bytes = Bytes::of(all);
+  return done;
+}
+
+std::uint32_t seedOf(std::uint32_t seed, std::uint32_t number) { return seed * 1000003U + number; }
+
+}  // namespace
+
+MadeFile madeFile(std::uint32_t seed, std::uint32_t number) {
+  Random choices(seedOf(seed, number));
+  const auto kind = static_cast<FileKind>(number % frame::kFileKinds.size());
+  const std::vector<int> versions = versionsOf(kind);
+  MadeFile made{kind, versions[below(choices, versions.size())], "none", 0, {}};
+  Random random(seedOf(seed, number) + 7, mostElements(choices, kind), Random::Content::plausible);
+  made.bytes = soundFile(random, kind, made.version);
+  made.intact = made.bytes.size();
+  if (choices.upTo(2) == 0) made.damage = damage(choices, made.bytes, made.intact);
+  return made;
+}
+
+Bytes foreignFile(std::uint32_t seed, std::uint32_t number) {
+  Random random(seedOf(seed, number) + 99);
+  static constexpr std::size_t kSizes[] = {0, 1, 2, 3, 10, 100, 500, 2000, 9000, 40000};
+  const std::size_t size = number / kForeignForms == 0 ? 5000 : kSizes[random.upTo(9)] + below(random, 50);
+  const auto startingWith = [&](std::string_view start) {
+    return Bytes().text(start.size(), start).add(randomBytes(random, size));
+  };
+  // A format whose first word is a version that files of this suite have.
+  const auto version = static_cast<std::uint8_t>(between(random, 52, 180));
+  static constexpr std::string_view kText =
+      "The quick brown fox jumps over the lazy dog; #define SIZE 12\n\tint main() {}\r\n";
+  const auto text = [&](std::size_t width) {
+    Bytes b;
+    while (b.size() < size) {
+      const int from = random.upTo(60);
+      for (const char c : kText.substr(static_cast<std::size_t>(from))) {
+        b.u8(static_cast<std::uint8_t>(c));
+        b.zeros(width - 1);
+      }
+    }
+    return b;
+  };
+  switch (number % kForeignForms) {
+    case 0:
+      return randomBytes(random, size);
+    case 1:
+      return text(1);
+    case 2:
+      return Bytes().zeros(size);
+    case 3:
+      return Bytes().fill(size, 0xFF);
+    case 4:
+      return startingWith("\x89PNG\r\n\x1A\n");
+    case 5:
+      return startingWith(
+          "\x7F"
+          "ELF\2\1\1");
+    case 6:
+      return startingWith("PK\3\4");
+    case 7:
+      return text(2);
+    case 8:
+      return Bytes().u16(0xFEFF).add(text(2));
+    case 9:
+      return Bytes().u16(version).add(randomBytes(random, size));
+    case 10:
+      return Bytes().u16(version).zeros(size + 300);
+    default: {
+      // Small numbers, as in tables of other programs.
+      Bytes b = Bytes().u16(version);
+      while (b.size() < size) b.i32(random.flip() ? 0 : random.upTo(1000));
+      return b;
+    }
+  }
+}
+
+}  // namespace testing_support
