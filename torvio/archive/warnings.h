@@ -31,7 +31,7 @@ struct Warning {
 
 // Each code is reported once for each field, whatever the indexes of its lists, and this many are the most. The last
 // one then says how many are left out.
-inline constexpr std::size_t kMostWarnings = 50;
+inline constexpr std::size_t kMostWarnings = 20;
 
 // Of a record that a load filled with success. Defined for the records of all kinds of files.
 template <class Record>

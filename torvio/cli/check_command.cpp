@@ -354,8 +354,8 @@ class CheckCommand : public Command {
         ->allow_extra_args(false)
         ->check(oneOf(verdictArguments(), "verdict", "Verdicts"));
     command->add_flag("--json", isJson_, "Print a JSON object for each file, one a line");
-    command->add_flag("--summary,!--no-summary", summary_, "Print totals at the end, or do not")
-        ->each([this](const std::string&) { hasSummaryOption_ = true; });
+    CLI::Option* const summary = command->add_flag("--summary", isSummaryWanted_, "Print totals at the end");
+    command->add_flag("--no-summary", isSummaryUnwanted_, "Print no totals")->excludes(summary);
     addFile(*command, "-o,--catalogue", catalogue_,
             "Keep the result in this SQLite database. A later run\nreads only files that have changed")
         ->type_name("FILE");
@@ -487,7 +487,7 @@ class CheckCommand : public Command {
     });
     progress.clear();
     if (catalogue) catalogue->finish(completeFolders(unreadFolders));
-    if (hasSummaryOption_ ? summary_ : isOnTerminal && !isJson_ && totals.files() > 1)
+    if (isSummaryWanted_ || (isOnTerminal && !isSummaryUnwanted_ && !isJson_ && totals.files() > 1))
       print(isJson_ ? totals.object() : totals.table());
     if (names->hasFailed()) {
       printError(onOneLine(list_) + ": cannot be read to its end");
@@ -520,7 +520,7 @@ class CheckCommand : public Command {
   std::vector<std::string> hints_;
   std::vector<std::string> only_;
   bool isJson_ = false;
-  bool summary_ = false, hasSummaryOption_ = false;
+  bool isSummaryWanted_ = false, isSummaryUnwanted_ = false;
   std::string catalogue_;
   std::string encoding_ = "cp1252";
   unsigned jobs_ = 0;
