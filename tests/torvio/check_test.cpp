@@ -280,7 +280,8 @@ TEST_F(Check, ForeignFilesCountOnlyIfTheyAreNamed) {
   folder_.write("a/tool.spt", sound_);
   const Outcome found = check("a");
   EXPECT_EQ(found.code, 0);
-  EXPECT_EQ(found.output.find("a/notes.txt: foreign, 50 bytes, 50 is not a version of any kind of file\n"), 0U) << found.output;
+  EXPECT_EQ(found.output.find("a/notes.txt: foreign, 50 bytes, 50 is not a version of any kind of file\n"), 0U)
+      << found.output;
   EXPECT_EQ(check("a/notes.txt").code, 1);
   std::ofstream(folder_.path("list")) << "a/notes.txt\n";
   EXPECT_EQ(check("--files-from list").code, 1);
@@ -453,15 +454,13 @@ TEST_F(Check, FullDiskIsAnErrorWithManyFilesAndThreads) {
 TEST_F(Check, ClosedPipeEndsAScanThatWaitsForAnotherPipe) {
   if (!kIsPosix) GTEST_SKIP() << "no pipes";
   std::string files;
-  for (int i = 0; i < 150; ++i) files += " tool.spt";
+  for (int i = 0; i < 250; ++i) files += " tool.spt";
   folder_.write("tool.spt", sound_);
-  // A thread opens the second pipe, which has no writer, while the output is still being written.
-  const Outcome run = inFolder("mkfifo out in; (trap '' PIPE; { timeout 60 " + torvio_ + " check --jobs 2" + files +
-                               " in" + files + "; echo $? >code; } 2>errors | head -n 1)");
+  // While the results are printed, a thread opens the pipe "in", which has no writer. That of the output has no reader.
+  (void)inFolder("(trap '' PIPE; mkfifo out in; exec 3<>out 4>out 3<&-; { timeout 60 " + torvio_ + " check --jobs 2" +
+                 files + " in" + files + "; echo $? >code; } >&4 2>errors)");
+  EXPECT_EQ(asText(TempFolder::read(folder_.path("code"))), "3\n");
   EXPECT_EQ(asText(TempFolder::read(folder_.path("errors"))), "");
-  EXPECT_EQ(linesOf(run.output).size(), 1U);
-  const std::string code = asText(TempFolder::read(folder_.path("code")));
-  EXPECT_TRUE(code == "3\n" || code == "124\n") << code;
 }
 
 TEST_F(Check, ProgressIsShownOnATerminalOnly) {
@@ -495,15 +494,15 @@ TEST_F(Check, MemoryDoesNotGrowWithTheNumberOfFiles) {
   if (!kIsPosix) GTEST_SKIP() << "no limits";
   folder_.write("a.spt", sound_);
   std::ofstream list(folder_.path("list"));
-  // The names alone are more than the limit.
-  for (int i = 0; i < 400'000; ++i)
-    list << ".////////////////////////////////////////////////////////////////////////a.spt\n";
+  // The names take more than the limit.
+  const std::string name = "." + std::string(190, '/') + "a.spt\n";
+  for (int i = 0; i < 200'000; ++i) list << name;
   list.close();
-  const std::string limited = "ulimit -d 25000; " + torvio_;
+  const std::string limited = "ulimit -d 36000; " + torvio_;
   if (inFolder(limited + " --version").code != 0) GTEST_SKIP() << "torvio itself needs more than the limit";
   const Outcome run = inFolder(limited + " check --files-from list --jobs 2 --only damaged --summary");
   EXPECT_EQ(run.code, 0) << run.errors;
-  EXPECT_NE(run.output.find("\n400000 files\n"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("\n200000 files\n"), std::string::npos) << run.output;
 }
 
 }  // namespace

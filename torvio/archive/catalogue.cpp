@@ -432,7 +432,8 @@ class Catalogue::Database {
       insert.bind(static_cast<std::int64_t>(report.size));
     else
       insert.bindNull();
-    insert.bind(result.modified);
+    // Without a time the file is read again: one whose size is not that of its contents, as in /proc, has neither.
+    isRead&& result.size == report.size ? insert.bind(result.modified) : insert.bindNull();
     result.kind ? insert.bind(frame::infoOf(*result.kind).name) : insert.bindNull();
     report.version ? insert.bind(std::int64_t{*report.version}) : insert.bindNull();
     insert.bind(nameOf(result.verdict));

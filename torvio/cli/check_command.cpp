@@ -185,8 +185,10 @@ std::string objectFor(const FileResult& result) {
   if (result.kind) {
     appendField(text, "status", report.status);
     appendField(text, "walked", static_cast<std::int64_t>(report.walked));
-    if (report.fault) appendFault(text, "fault", *report.fault);
-    if (report.tolerated) appendFault(text, "tolerated", *report.tolerated);
+    if (report.fault)
+      appendFault(text, "fault", *report.fault);
+    else if (report.tolerated)
+      appendFault(text, "tolerated", *report.tolerated);
   }
   if (!result.warnings.empty()) {
     text += ",\"warnings\":[";
