@@ -49,14 +49,15 @@ TEST_F(Torvio, CheckPrintsOneLineForEachFile) {
   const Outcome run = torvio("check " + tool_ + " " + cut_ + " " + longer + " " + byOne + " " + folder_.path("none"));
   const std::size_t size = specialToolFile(60, {3}).size();
   const std::string all = std::to_string(size);
-  EXPECT_EQ(run.output, tool_ + ": special-tool, version 60, status 0, " + all + " of " + all + " bytes\n" + cut_ +
-                            ": special-tool, version 60, status 1, 18 of 20 bytes, at 00000012 in tool.dimension1: "
-                            "needs 4 bytes, the file has 2\n" +
-                            longer + ": special-tool, version 60, status 0, " + all + " of " +
+  EXPECT_EQ(run.output, tool_ + ": sound, special-tool, version 60, status 0, " + all + " of " + all + " bytes\n" +
+                            cut_ +
+                            ": damaged, special-tool, version 60, status 1, 18 of 20 bytes, at 00000012 in "
+                            "tool.dimension1: needs 4 bytes, the file has 2\n" +
+                            longer + ": sound with losses, special-tool, version 60, status 0, " + all + " of " +
                             std::to_string(size + 7) + " bytes, 7 unread bytes after the last field\n" + byOne +
-                            ": special-tool, version 60, status 0, " + all + " of " + std::to_string(size + 1) +
-                            " bytes, 1 unread byte after the last field\n" + folder_.path("none") +
-                            ": cannot be opened: No such file or directory\n");
+                            ": sound with losses, special-tool, version 60, status 0, " + all + " of " +
+                            std::to_string(size + 1) + " bytes, 1 unread byte after the last field\n" +
+                            folder_.path("none") + ": unreadable, cannot be opened: No such file or directory\n");
   EXPECT_EQ(run.errors, "");
 }
 
@@ -102,10 +103,14 @@ TEST_F(Torvio, MapOfAFileThatCannotBeReadIsAnError) {
   }
 }
 
-TEST_F(Torvio, FolderAmongTheFilesIsReportedAsFolder) {
+TEST_F(Torvio, FolderAmongTheFilesIsWalked) {
   const Outcome run = torvio("check " + folder_.path() + " " + tool_);
-  EXPECT_EQ(run.code, 3);
-  EXPECT_EQ(run.output.find(folder_.path() + ": is a folder\n" + tool_ + ": special-tool, "), 0U) << run.output;
+  EXPECT_EQ(run.code, 1);
+  const std::string cut = folder_.path() + "/cut.spt: damaged, special-tool, ";
+  const std::string tool = folder_.path() + "/tool.spt: sound, special-tool, ";
+  EXPECT_EQ(run.output.find(cut), 0U) << run.output;
+  EXPECT_NE(run.output.find("\n" + tool), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("\n" + tool_ + ": sound, special-tool, "), std::string::npos) << run.output;
 }
 
 TEST_F(Torvio, KindCanBeForcedBeforeOrAfterTheFiles) {
@@ -114,7 +119,7 @@ TEST_F(Torvio, KindCanBeForcedBeforeOrAfterTheFiles) {
     EXPECT_EQ(torvio("check " + arguments).code, 0) << arguments;
   const Outcome run = torvio("check " + tool_ + " --kind part " + tool_);
   EXPECT_EQ(run.code, 1);
-  EXPECT_NE(run.output.find(": part, version 60, status 1"), std::string::npos);
+  EXPECT_NE(run.output.find(": damaged, part, version 60, status 1"), std::string::npos);
   EXPECT_EQ(torvio("map --kind group-part " + tool_).code, 1);
 }
 
@@ -122,10 +127,7 @@ TEST_F(Torvio, FileOfUnknownKindIsReportedAsOne) {
   const std::string path = folder_.write("x", Bytes().i16(50).zeros(9));
   const Outcome run = torvio("check " + path);
   EXPECT_EQ(run.code, 1);
-  EXPECT_EQ(run.output,
-            path +
-                ": unknown kind, version 50, status -1, 2 of 11 bytes, at 00000000 in version: 50 is not a version "
-                "of any kind of file\n");
+  EXPECT_EQ(run.output, path + ": foreign, 11 bytes, 50 is not a version of any kind of file\n");
   const Outcome map = torvio("map " + path);
   EXPECT_EQ(map.code, 1);
   EXPECT_EQ(map.output,
@@ -134,10 +136,7 @@ TEST_F(Torvio, FileOfUnknownKindIsReportedAsOne) {
   EXPECT_NE(forced.output.find("FAULT at 00000000 in version: 50 is not a version of a sheet file\n"),
             std::string::npos);
   const Outcome shorter = torvio("check " + folder_.write("y", Bytes().u8(1)));
-  EXPECT_NE(shorter.output.find(": unknown kind, version -, status 1, 0 of 1 bytes, at 00000000 in version: needs 2 "
-                                "bytes, the file has 1\n"),
-            std::string::npos)
-      << shorter.output;
+  EXPECT_EQ(shorter.output, folder_.path("y") + ": foreign, 1 byte, too short for a version\n");
 }
 
 TEST_F(Torvio, FormatPrintsTheTableOfAKindOrOfARecord) {
@@ -215,7 +214,7 @@ TEST_F(Torvio, MisuseIsExplainedOnStandardErrorOnly) {
     std::string arguments;
     const char* reason;
   } cases[] = {{"map", "torvio: map: FILE is required\n"},
-               {"check", "torvio: check: FILE is required\n"},
+               {"check", "torvio: check: PATH is required\n"},
                {"format", "torvio: format: KIND is required\n"},
                {"map a b", "torvio: map: unexpected argument \"b\"\n"},
                {"format macro part", "torvio: format: unexpected argument \"part\"\n"},
@@ -238,8 +237,8 @@ TEST_F(Torvio, MisuseIsExplainedOnStandardErrorOnly) {
 TEST_F(Torvio, NameThatBeginsWithASlashIsAFile) {
   const Outcome run = torvio("check /kind /h");
   EXPECT_EQ(run.code, 3);
-  EXPECT_EQ(run.output.find("/kind: cannot be opened: "), 0U) << run.output;
-  EXPECT_NE(run.output.find("\n/h: cannot be opened: "), std::string::npos) << run.output;
+  EXPECT_EQ(run.output.find("/kind: unreadable, cannot be opened: "), 0U) << run.output;
+  EXPECT_NE(run.output.find("\n/h: unreadable, cannot be opened: "), std::string::npos) << run.output;
 }
 
 TEST_F(Torvio, WithoutArgumentsTheHelpIsAnError) {

@@ -1,44 +1,102 @@
 #include <algorithm>
-#include <new>
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <system_error>
+#include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
+#include "torvio/archive/catalogue.h"
+#include "torvio/archive/scan.h"
 #include "torvio/cli/commands.h"
 #include "torvio/cli/file_text.h"
 #include "torvio/cli/output.h"
-#include "torvio/explain/detect.h"
+#include "torvio/cli/progress.h"
 #include "torvio/explain/file_content.h"
+#include "torvio/values/text_encoding.h"
 
 namespace torvio {
 namespace {
 
 using namespace oldtorvio;
+using archive::FileResult;
+using archive::Verdict;
 
-struct Checked {
-  std::string kind;
-  explain::FileReport report;
-};
+// ---- names of verdicts and hints ----------------------------------------------------------------------
 
-Checked checked(const std::string& path, std::span<const std::byte> bytes, std::optional<explain::FileKind> forced) {
-  if (forced) return {std::string(frame::infoOf(*forced).name), explain::checkFile(bytes, *forced)};
-  if (auto detected = explain::detect(path, bytes))
-    return {std::string(frame::infoOf(detected->kind).name), std::move(detected->report)};
-  Checked unknown{"unknown kind", explain::checkFile(bytes, kFallbackKind)};
-  nameVersionOfUnknown(unknown.report);
-  return unknown;
+// As an argument: "sound-with-losses".
+std::string argumentOf(Verdict verdict) {
+  std::string name(archive::nameOf(verdict));
+  std::replace(name.begin(), name.end(), ' ', '-');
+  return name;
 }
 
-struct Verdict {
-  std::string text;
-  ExitCode code;
-};
+std::vector<std::string> verdictArguments() {
+  std::vector<std::string> names;
+  for (int i = 0; i < archive::kVerdicts; ++i) names.push_back(argumentOf(static_cast<Verdict>(i)));
+  return names;
+}
 
-Verdict check(const std::string& path, std::optional<explain::FileKind> forced) try {
-  const explain::FileContent file(path);
-  if (!file.error().empty()) return {file.error(), kNotReadOrWritten};
-  const auto& [kind, report] = checked(path, file.bytes(), forced);
-  std::string text = kind + ", version " + (report.version ? std::to_string(*report.version) : "-");
+// "sheet=.nst".
+std::optional<archive::ExtensionHint> hintIn(const std::string& argument) {
+  const std::size_t equals = argument.find('=');
+  if (equals == std::string::npos || equals + 1 == argument.size()) return std::nullopt;
+  const auto kind = kindNamed(argument.substr(0, equals));
+  if (!kind) return std::nullopt;
+  const std::string extension = argument.substr(equals + 1);
+  if (extension == ".") return std::nullopt;
+  return archive::ExtensionHint{extension.front() == '.' ? extension : "." + extension, *kind};
+}
+
+CLI::Validator isHint() {
+  return {[](std::string& argument) {
+            return hintIn(argument) ? std::string()
+                                    : "--ext requires a kind and an extension such as sheet=.nst, not " +
+                                          inQuotes(argument) + "\n" + wrapped("Kinds", kindNames());
+          },
+          ""};
+}
+
+// ---- one line for a file ------------------------------------------------------------------------------
+
+std::string versionText(const FileResult& result) {
+  return "version " + (result.report.version ? std::to_string(*result.report.version) : "-");
+}
+
+std::string countOf(std::uint64_t count, const char* one) {
+  return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
+}
+
+// Whether any kind of file has that version.
+bool isVersionOfAny(int version) {
+  return std::any_of(frame::kFileKinds.begin(), frame::kFileKinds.end(),
+                     [&](const frame::FileKindInfo& kind) { return kind.accepts(version); });
+}
+
+std::string foreignText(const FileResult& result) {
+  const auto& version = result.report.version;
+  std::string text = countOf(result.report.size, "byte");
+  if (!version) return text + ", too short for a version";
+  return text + ", " +
+         (isVersionOfAny(*version) ? "unlike any kind of file"
+                                   : std::to_string(*version) + " is not a version of any kind of file");
+}
+
+constexpr std::size_t kMostWarningsInLine = 3;
+
+std::string lineFor(const FileResult& result) {
+  std::string text = onOneLine(result.path) + ": " + std::string(archive::nameOf(result.verdict)) + ", ";
+  if (!result.error.empty()) return text + onOneLine(result.error) + "\n";
+  if (!result.kind) return text + foreignText(result) + "\n";
+  const explain::FileReport& report = result.report;
+  text.append(frame::infoOf(*result.kind).name).append(", ").append(versionText(result));
   text += ", status " + std::to_string(report.status);
   text += ", " + std::to_string(report.walked) + " of " + std::to_string(report.size) + " bytes";
   if (report.fault)
@@ -47,36 +105,427 @@ Verdict check(const std::string& path, std::optional<explain::FileKind> forced) 
     text += ", " + describe(*report.tolerated) + ", which is tolerated";
   else if (!report.endsExactly())
     text += ", " + report.unread();
-  return {text, report.status == 0 ? kSound : kDamaged};
-} catch (const std::bad_alloc&) {
-  return {kNoMemory, kNotReadOrWritten};
+  for (std::size_t i = 0; i < result.warnings.size() && i < kMostWarningsInLine; ++i) {
+    const archive::Warning& warning = result.warnings[i];
+    text += "; warning " + warning.code + " in " + warning.field + ": " + warning.text;
+  }
+  if (result.warnings.size() > kMostWarningsInLine)
+    text += "; " + countOf(result.warnings.size() - kMostWarningsInLine, "more warning");
+  return text + "\n";
 }
 
-// Prints one line for each file: its path, then kind, version, status, read and total bytes and the fault, or why it
-// could not be read.
+// ---- one JSON object for a file -----------------------------------------------------------------------
+
+// Also escapes what the text may still hold that ends a line or affects a terminal: U+0080 to U+009F, U+2028, U+2029
+// and the characters that change the direction of text.
+void appendString(std::string& to, std::string_view utf8) {
+  std::string quoted;
+  values::appendJsonString(quoted, utf8);
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(i < quoted.size() ? quoted[i] : 0); };
+  constexpr std::string_view kHex = "0123456789abcdef";
+  for (std::size_t i = 0; i < quoted.size(); ++i) {
+    unsigned code = 0;
+    std::size_t size = 1;
+    if (byte(i) == 0xC2 && byte(i + 1) < 0xA0) {
+      code = byte(i + 1);
+      size = 2;
+    } else if (byte(i) == 0xE2 && (byte(i + 1) == 0x80 || byte(i + 1) == 0x81)) {
+      const unsigned point = 0x2000U | (byte(i + 1) & 1U) << 6U | (byte(i + 2) & 0x3FU);
+      if (point == 0x200E || point == 0x200F || (point >= 0x2028 && point <= 0x202E) ||
+          (point >= 0x2066 && point <= 0x2069)) {
+        code = point;
+        size = 3;
+      }
+    }
+    if (code == 0) {
+      to += quoted[i];
+      continue;
+    }
+    to.append("\\u") += {kHex[code >> 12U], kHex[(code >> 8U) & 0xFU], kHex[(code >> 4U) & 0xFU], kHex[code & 0xFU]};
+    i += size - 1;
+  }
+}
+
+void appendField(std::string& to, std::string_view name, std::string_view text) {
+  to.append(",\"").append(name).append("\":");
+  appendString(to, text);
+}
+void appendField(std::string& to, std::string_view name, std::int64_t number) {
+  to.append(",\"").append(name).append("\":").append(std::to_string(number));
+}
+
+void appendFault(std::string& to, std::string_view name, const explain::Fault& fault) {
+  to.append(",\"").append(name).append("\":{\"offset\":").append(std::to_string(fault.offset));
+  appendField(to, "field", fault.path);
+  appendField(to, "reason", fault.reason);
+  to += '}';
+}
+
+std::string objectFor(const FileResult& result) {
+  std::string text = "{\"path\":";
+  const std::string path = values::fileNameAsUtf8(result.path);
+  appendString(text, path);
+  if (path != result.path) {
+    // The name is no UTF-8: its bytes in hexadecimal digits.
+    constexpr std::string_view kHex = "0123456789abcdef";
+    text += ",\"pathBytes\":\"";
+    for (const char c : result.path)
+      text += {kHex[static_cast<unsigned char>(c) >> 4U], kHex[static_cast<unsigned char>(c) & 0xFU]};
+    text += '"';
+  }
+  appendField(text, "verdict", archive::nameOf(result.verdict));
+  if (!result.error.empty()) {
+    appendField(text, "error", result.error);
+    return text + "}\n";
+  }
+  if (result.kind) appendField(text, "kind", frame::infoOf(*result.kind).name);
+  const explain::FileReport& report = result.report;
+  if (report.version) appendField(text, "version", std::int64_t{*report.version});
+  appendField(text, "size", static_cast<std::int64_t>(report.size));
+  if (result.kind) {
+    appendField(text, "status", report.status);
+    appendField(text, "walked", static_cast<std::int64_t>(report.walked));
+    if (report.fault)
+      appendFault(text, "fault", *report.fault);
+    else if (report.tolerated)
+      appendFault(text, "tolerated", *report.tolerated);
+  }
+  if (!result.warnings.empty()) {
+    text += ",\"warnings\":[";
+    for (const archive::Warning& warning : result.warnings) {
+      if (&warning != &result.warnings.front()) text += ',';
+      text += "{\"code\":";
+      appendString(text, warning.code);
+      appendField(text, "field", warning.field);
+      appendField(text, "text", warning.text);
+      text += '}';
+    }
+    text += ']';
+  }
+  return text + "}\n";
+}
+
+// ---- totals -------------------------------------------------------------------------------------------
+
+class Totals {
+ public:
+  void add(const FileResult& result) {
+    const auto verdict = static_cast<std::size_t>(result.verdict);
+    // Any word may be a refused version: they share a line.
+    const bool hasVersion = result.kind && result.verdict != Verdict::refusedVersion && result.report.version;
+    const int kind = result.kind ? static_cast<int>(*result.kind) : kNoKind;
+    ++counts_[{kind, hasVersion ? *result.report.version : kNoVersion}][verdict];
+    ++all_[verdict];
+    ++files_;
+    if (!result.warnings.empty()) ++withWarnings_;
+  }
+
+  std::uint64_t files() const { return files_; }
+
+  // A table with a column for each verdict that occurs.
+  std::string table() const {
+    std::vector<std::vector<std::string>> rows(1, {"kind", "version"});
+    for (std::size_t i = 0; i < all_.size(); ++i)
+      if (all_[i] > 0) rows[0].emplace_back(archive::nameOf(static_cast<Verdict>(i)));
+    const auto addRow = [&](std::string kind, std::string version, const Counts& counts) {
+      rows.push_back({std::move(kind), std::move(version)});
+      for (std::size_t i = 0; i < all_.size(); ++i)
+        if (all_[i] > 0) rows.back().push_back(std::to_string(counts[i]));
+    };
+    for (const auto& [key, counts] : counts_) addRow(kindText(key), versionText(key), counts);
+    addRow("all", "", all_);
+
+    std::vector<std::size_t> widths(rows[0].size());
+    for (const auto& row : rows)
+      for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+    std::string text;
+    for (const auto& row : rows) {
+      text += row[0] + std::string(widths[0] - row[0].size(), ' ');
+      for (std::size_t i = 1; i < row.size(); ++i) text += "  " + std::string(widths[i] - row[i].size(), ' ') + row[i];
+      text += '\n';
+    }
+    text += countOf(files_, "file");
+    if (withWarnings_ > 0) text += ", " + std::to_string(withWarnings_) + " with warnings";
+    return text + "\n";
+  }
+
+  std::string object() const {
+    std::string text = "{\"summary\":{\"files\":" + std::to_string(files_);
+    appendField(text, "withWarnings", static_cast<std::int64_t>(withWarnings_));
+    text += ",\"verdicts\":";
+    appendCounts(text, all_);
+    text += ",\"kinds\":[";
+    for (const auto& [key, counts] : counts_) {
+      if (text.back() != '[') text += ',';
+      text += "{\"kind\":";
+      key.first == kNoKind ? void(text += "null") : appendString(text, kindText(key));
+      text += ",\"version\":" + (key.second == kNoVersion ? "null" : std::to_string(key.second)) + ",\"verdicts\":";
+      appendCounts(text, counts);
+      text += '}';
+    }
+    return text + "]}}\n";
+  }
+
+ private:
+  using Counts = std::array<std::uint64_t, archive::kVerdicts>;
+  using Key = std::pair<int, int>;
+  // After all kinds and before all versions.
+  static constexpr int kNoKind = 100;
+  static constexpr int kNoVersion = -100'000;
+
+  static std::string kindText(const Key& key) {
+    return key.first == kNoKind ? "-" : std::string(frame::infoOf(static_cast<explain::FileKind>(key.first)).name);
+  }
+  static std::string versionText(const Key& key) { return key.second == kNoVersion ? "-" : std::to_string(key.second); }
+  static void appendCounts(std::string& to, const Counts& counts) {
+    to += '{';
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+      if (counts[i] == 0) continue;
+      if (to.back() != '{') to += ',';
+      appendString(to, archive::nameOf(static_cast<Verdict>(i)));
+      to += ':' + std::to_string(counts[i]);
+    }
+    to += '}';
+  }
+
+  std::map<Key, Counts> counts_;
+  Counts all_{};
+  std::uint64_t files_ = 0, withWarnings_ = 0;
+};
+
+ExitCode codeOf(const FileResult& result) {
+  switch (result.verdict) {
+    case Verdict::sound:
+    case Verdict::soundWithLosses:
+      return kSound;
+    case Verdict::foreign:
+      // An archive has other files as well. One that was named is expected to be of the suite.
+      return result.isNamed ? kDamaged : kSound;
+    case Verdict::unreadable:
+      return kNotReadOrWritten;
+    default:
+      return kDamaged;
+  }
+}
+
+// ---- the number of files, for the time left -------------------------------------------------------------
+
+// Counts the files in a thread of its own, while they are read.
+class Counter {
+ public:
+  Counter(const std::vector<std::string>& paths, Progress& progress)
+      : thread_([this, paths, &progress] {
+          std::uint64_t total = 0;
+          archive::FileNames names(paths);
+          while (!isStopped_ && names.next()) ++total;
+          if (!isStopped_) progress.setTotal(total);
+        }) {}
+  Counter(const Counter&) = delete;
+  Counter& operator=(const Counter&) = delete;
+  ~Counter() {
+    isStopped_ = true;
+    thread_.join();
+  }
+
+ private:
+  std::atomic<bool> isStopped_ = false;
+  std::thread thread_;
+};
+
+// ---- the command ----------------------------------------------------------------------------------------
+
+// Prints a line for each file: its path and verdict, then kind, version, status, read and total bytes, the fault and
+// warnings; or why it could not be read.
 class CheckCommand : public Command {
  public:
   CLI::App* addTo(CLI::App& tool) override {
-    CLI::App* command = tool.add_subcommand("check", "Print a line for each file: kind, version, status, bytes, fault");
-    addFiles(*command, "FILE", files_, "The files")->required();
+    CLI::App* command = tool.add_subcommand("check", "Judge files and folders: a line for each file");
+    addFiles(*command, "PATH", paths_, "Files, and folders with all that is in them");
+    addFile(*command, "--files-from", list_,
+            "Also check the files that FILE lists, one a line; - is the\nstandard input")
+        ->type_name("FILE");
+    command->add_flag("--null", isNullSeparated_, "With --files-from: names end with NUL, not with a line")
+        ->needs("--files-from");
     addKind(*command, kind_);
-    command->footer(fileHelp());
+    command->add_option("--ext", hints_, "Files of this extension are of this kind, as in sheet=.nst")
+        ->type_name("KIND=.EXT")
+        ->allow_extra_args(false)
+        ->check(isHint());
+    command->add_option("--only", only_, "Print only files with this verdict; may be repeated")
+        ->type_name("VERDICT")
+        ->allow_extra_args(false)
+        ->check(oneOf(verdictArguments(), "verdict", "Verdicts"));
+    command->add_flag("--json", isJson_, "Print a JSON object for each file, one a line");
+    CLI::Option* const summary = command->add_flag("--summary", isSummaryWanted_, "Print totals at the end");
+    command->add_flag("--no-summary", isSummaryUnwanted_, "Print no totals")->excludes(summary);
+    addFile(*command, "-o,--catalogue", catalogue_,
+            "Keep the result in this SQLite database. A later run\nreads only files that have changed")
+        ->type_name("FILE");
+    command->add_option("--encoding", encoding_, "Code page of texts in the catalogue (cp1252)")
+        ->type_name("NAME")
+        ->take_last()
+        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    command->add_option("--jobs", jobs_, "Number of threads, by default one for each processor")
+        ->type_name("N")
+        ->take_last()
+        ->check(CLI::Range(1, 256).description(""));
+    command->footer(help());
     return command;
   }
 
   ExitCode run() override {
+    if (paths_.empty() && list_.empty()) {
+      printError("check: PATH is required\nTry \"torvio check --help\".");
+      return kUsageError;
+    }
+    ListFile list(list_);
+    if (!list.error().empty()) {
+      printError(onOneLine(list_) + ": cannot be opened: " + list.error());
+      return kNotReadOrWritten;
+    }
+    try {
+      return check(list.file());
+    } catch (const archive::CatalogueError& error) {
+      printError(onOneLine(error.what()));
+      return kNotReadOrWritten;
+    }
+  }
+
+ private:
+  // The list of --files-from.
+  class ListFile {
+   public:
+    explicit ListFile(const std::string& path) {
+      if (path.empty()) return;
+      file_ = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
+      if (file_ == nullptr) error_ = std::generic_category().message(errno);
+    }
+    ListFile(const ListFile&) = delete;
+    ListFile& operator=(const ListFile&) = delete;
+    // Left open: a thread may still read it after an error, and the process is about to end.
+    ~ListFile() = default;
+
+    std::FILE* file() const { return file_; }
+    const std::string& error() const { return error_; }
+
+   private:
+    std::FILE* file_ = nullptr;
+    std::string error_;
+  };
+
+  static std::string help() {
+    return wrapped("Kinds", kindNames()) + "\n" + wrapped("Verdicts", verdictArguments()) + "\n" +
+           wrapped("Encodings", values::TextEncoding::names()) +
+           "\n\n"
+           "In a folder, links to folders, pipes and devices are passed over; links to\n"
+           "files are not. A PATH may be a pipe. A file of more than " +
+           std::to_string(explain::FileContent::kLargestMiB) +
+           " MiB is not read.\n"
+           "Arguments after \"--\" are paths, even if they begin with \"-\".\n"
+           "\n"
+           "Totals are printed by default if standard output is a terminal and there are\n"
+           "several files. They and the exit code include files that --only hides.\n"
+           "\n"
+           "Exit code:\n"
+           "  0  every file is sound, perhaps with losses; a foreign file in a folder does\n"
+           "     not count\n"
+           "  1  a file is damaged, of a refused version, or named and foreign\n"
+           "  2  the command line is wrong\n"
+           "  3  a file or folder could not be read, or the output could not be written\n"
+           "With several files, the highest code is returned.";
+  }
+
+  archive::ScanOptions scanOptions() const {
+    archive::ScanOptions options;
+    options.judge.kind = kind_;
+    for (const std::string& hint : hints_)
+      if (auto parsed = hintIn(unmarked(hint))) options.judge.extensions.push_back(std::move(*parsed));
+    options.encoding = values::TextEncoding::named(encoding_).value_or(values::TextEncoding());
+    options.withFacts = !catalogue_.empty();
+    // A single file needs no thread.
+    std::error_code error;
+    const bool isOneFile = list_.empty() && paths_.size() == 1 && !std::filesystem::is_directory(paths_[0], error);
+    options.jobs = isOneFile ? 1 : jobs_ > 0 ? jobs_ : std::max(1U, std::thread::hardware_concurrency());
+    return options;
+  }
+
+  // What decides about a verdict and the rows of a file, apart from the file.
+  std::string settings() const {
+    std::string text = "torvio " TORVIO_VERSION "; encoding " + encoding_;
+    if (kind_) text.append("; kind ").append(frame::infoOf(*kind_).name);
+    for (const std::string& hint : hints_) text += "; ext " + unmarked(hint);
+    return text;
+  }
+
+  ExitCode check(std::FILE* list) {
+    const auto names = std::make_shared<archive::FileNames>(paths_, list, isNullSeparated_ ? '\0' : '\n');
+    archive::ScanOptions options = scanOptions();
+    std::shared_ptr<archive::Catalogue> catalogue;
+    if (!catalogue_.empty()) {
+      catalogue = std::make_shared<archive::Catalogue>(catalogue_, settings());
+      options.known = [catalogue](const FileResult& file) { return catalogue->find(file); };
+      options.isExcluded = [catalogue](const std::string& path) { return catalogue->isOwnFile(path); };
+    }
+
+    const bool isOnTerminal = isTerminal(stdout);
+    Progress progress;
+    std::unique_ptr<Counter> counter;
+    if (progress.isShown() && list == nullptr) counter = std::make_unique<Counter>(paths_, progress);
+    Totals totals;
     ExitCode worst = kSound;
-    for (const std::string& path : files_) {
-      const Verdict verdict = check(path, kind_);
-      print(onOneLine(path) + ": " + verdict.text + "\n");
-      worst = std::max(worst, verdict.code);
+    std::vector<std::string> unreadFolders;
+    archive::scan(names, options, [&](FileResult& result) {
+      totals.add(result);
+      worst = std::max(worst, codeOf(result));
+      if (result.isFolder)
+        unreadFolders.push_back(archive::cataloguePath(result.path));
+      else if (catalogue)
+        catalogue->add(result);
+      if (isPrinted(result)) {
+        if (isOnTerminal) progress.clear();
+        print(isJson_ ? objectFor(result) : lineFor(result));
+      }
+      progress.count();
+    });
+    progress.clear();
+    if (catalogue) catalogue->finish(completeFolders(unreadFolders));
+    if (isSummaryWanted_ || (isOnTerminal && !isSummaryUnwanted_ && !isJson_ && totals.files() > 1))
+      print(isJson_ ? totals.object() : totals.table());
+    if (names->hasFailed()) {
+      printError(onOneLine(list_) + ": cannot be read to its end");
+      return kNotReadOrWritten;
     }
     return worst;
   }
 
- private:
-  std::vector<std::string> files_;
+  bool isPrinted(const FileResult& result) const {
+    return only_.empty() || std::find(only_.begin(), only_.end(), argumentOf(result.verdict)) != only_.end();
+  }
+
+  std::vector<std::string> completeFolders(const std::vector<std::string>& unread) const {
+    std::vector<std::string> complete;
+    for (const std::string& path : paths_) {
+      std::error_code error;
+      if (!std::filesystem::is_directory(path, error)) continue;
+      const std::string full = archive::cataloguePath(path);
+      const bool isComplete =
+          std::none_of(unread.begin(), unread.end(), [&](const std::string& inner) { return inner.starts_with(full); });
+      if (isComplete) complete.push_back(path);
+    }
+    return complete;
+  }
+
+  std::vector<std::string> paths_;
+  std::string list_;
+  bool isNullSeparated_ = false;
   std::optional<frame::FileKind> kind_;
+  std::vector<std::string> hints_;
+  std::vector<std::string> only_;
+  bool isJson_ = false;
+  bool isSummaryWanted_ = false, isSummaryUnwanted_ = false;
+  std::string catalogue_;
+  std::string encoding_ = "cp1252";
+  unsigned jobs_ = 0;
 };
 
 }  // namespace

@@ -27,8 +27,8 @@ void finishOutput();
 // Prints "torvio: " and the text on standard error, after flushing standard output.
 void printError(std::string_view text);
 
-// The text with its control characters escaped ("\n", "\x1b"), so that it takes one line and does not affect the
-// terminal. Backslashes are not escaped: Windows paths contain many.
+// The text with its control characters escaped ("\n", "\x1b", "\u202e") and bytes that are not UTF-8 as well ("\xe4"),
+// so that it takes one line and does not affect the terminal. Backslashes are not escaped: Windows paths contain many.
 std::string onOneLine(std::string_view text);
 
 }  // namespace torvio

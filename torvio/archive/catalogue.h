@@ -1,0 +1,55 @@
+// The result of a scan as an SQLite database, see docs/catalogue.md.
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "torvio/archive/scan.h"
+
+namespace oldtorvio::archive {
+
+// A catalogue that cannot be opened, read or written.
+class CatalogueError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A later run adds to the file of an earlier one. What add() was called for is written in transactions of many files;
+// a process that ends without finish() loses at most the last of them, never half a file.
+class Catalogue {
+ public:
+  // Whether this build has SQLite. Without it the constructor throws.
+  static bool isAvailable();
+
+  // Opens the catalogue, or creates it if there is no file or an empty one. Any other file is refused and unchanged.
+  // `settings` describes how files are judged: files that were judged in another way are unknown.
+  Catalogue(const std::string& path, const std::string& settings);
+  Catalogue(const Catalogue&) = delete;
+  Catalogue& operator=(const Catalogue&) = delete;
+  // Writes what was added.
+  ~Catalogue();
+
+  // What is known of a file of that path, if it has the same size and time. For any thread.
+  std::optional<FileResult> find(const FileResult& file) const;
+  // Whether the path is the catalogue itself or a file that SQLite keeps beside it. For any thread.
+  bool isOwnFile(const std::string& path) const;
+
+  // Replaces what is known of that path.
+  void add(const FileResult& result);
+
+  // Writes what was added, and removes the files in these folders that this run has not seen. Call it after a complete
+  // scan; the folders are those of which all was read.
+  void finish(const std::vector<std::string>& completeFolders);
+
+ private:
+  class Database;
+  std::unique_ptr<Database> database_;
+};
+
+// The path as a catalogue has it: absolute, without "." and doubled separators.
+std::string cataloguePath(const std::string& path);
+
+}  // namespace oldtorvio::archive

@@ -1,0 +1,218 @@
+#include "torvio/archive/facts.h"
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "src/file_records.h"
+#include "src/records/tool_layout.h"
+
+namespace oldtorvio::archive {
+namespace {
+
+class Extract {
+ public:
+  explicit Extract(const values::TextEncoding& encoding) : encoding_(encoding) {}
+
+  Facts facts(const OldSheet& sheet) const {
+    Facts facts;
+    facts.name = text(sheet.sheetLabel);
+    facts.material = text(sheet.paramTable.name);
+    facts.materialGroup = text(sheet.materialGroup);
+    facts.materialType = text(sheet.materialType);
+    facts.machine = text(sheet.machine.path);
+    setSize(facts, sheet);
+    facts.shapeCount = countOf(sheet.shapes.shapes);
+    addParts(facts, sheet.partList.parts);
+    std::vector<std::string> orders;
+    for (const PartFacts& part : facts.parts)
+      if (!part.workOrder.empty() && std::find(orders.begin(), orders.end(), part.workOrder) == orders.end() &&
+          orders.size() < kMostOrders)
+        orders.push_back(part.workOrder);
+    facts.workOrder.emplace();
+    for (const std::string& order : orders) facts.workOrder->append(facts.workOrder->empty() ? "" : ", ").append(order);
+    addUsedTools(facts, sheet);
+    return facts;
+  }
+  Facts facts(const TorvPart& part) const {
+    Facts facts;
+    facts.name = text(part.productName);
+    facts.assembly = text(part.assemblyName);
+    facts.material = text(part.materialName);
+    facts.materialType = text(part.materialType);
+    setSize(facts, part);
+    facts.shapeCount = countOf(part.shapes.shapes);
+    addTools(facts, "toolStations", part.toolStations);
+    return facts;
+  }
+  Facts facts(const SheetPartList& list) const {
+    Facts facts;
+    addParts(facts, list.parts);
+    return facts;
+  }
+  Facts facts(const OldMachine& machine) const {
+    Facts facts;
+    facts.name = text(machine.displayName);
+    facts.width = machine.sizeX;
+    facts.height = machine.sizeY;
+    facts.material = decoded(machine.material.name);
+    addTools(facts, "stationsA", machine.stationsA);
+    addTools(facts, "stationsB", machine.stationsB);
+    addTools(facts, "stationsC", machine.stationsC);
+    return facts;
+  }
+  Facts facts(const OldMaterial& material) const {
+    Facts facts;
+    facts.name = decoded(material.name);
+    return facts;
+  }
+  Facts facts(const OldToolInventory& inventory) const {
+    Facts facts;
+    facts.toolCount = countOf(inventory.tools);
+    for (std::size_t i = 0; i < inventory.tools.size(); ++i) {
+      const OldTool& tool = inventory.tools[i];
+      facts.tools.push_back(toolFacts("tools", i, tool));
+      const auto file = static_cast<std::size_t>(tool.specialToolIndex) - 1;
+      if (tool.shapeCode == kSpecialTool && file < inventory.specialToolFiles.size())
+        facts.tools.back().specialTool = text(inventory.specialToolFiles[file]);
+    }
+    return facts;
+  }
+  Facts facts(const OldMacro& macro) const {
+    Facts facts;
+    facts.shapeCount = countOf(macro.shapes.shapes);
+    addTools(facts, "stationList", macro.stationList);
+    return facts;
+  }
+  Facts facts(const OldSpecialTool& file) const {
+    Facts facts;
+    facts.shapeCount = countOf(file.shapes.shapes);
+    facts.toolCount = 1;
+    facts.tools.push_back(toolFacts("tool", 0, file.tool));
+    return facts;
+  }
+
+ private:
+  static constexpr std::size_t kMostOrders = 100;
+
+  template <class Field>
+  std::string text(const Field& field) const {
+    return decoded(fixedText(field));
+  }
+  std::string decoded(std::string_view bytes) const {
+    std::string utf8;
+    encoding_.appendUtf8(utf8, bytes);
+    return utf8;
+  }
+  static std::int64_t countOf(const auto& list) { return static_cast<std::int64_t>(list.size()); }
+
+  static void setSize(Facts& facts, const auto& record) {
+    facts.width = record.width;
+    facts.height = record.height;
+    facts.thickness = record.thickness;
+  }
+
+  // Unlike the queries it does not wrap.
+  static std::int64_t quantityOf(const TorvPart& part) {
+    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+    std::uint64_t sum = 0;
+    for (const Pattern& pattern : part.patterns) {
+      const std::uint64_t placements = std::uint64_t{pattern.gridCount1} * pattern.gridCount2;
+      sum = placements > kMost - sum ? kMost : sum + placements;
+    }
+    return static_cast<std::int64_t>(sum);
+  }
+
+  void addParts(Facts& facts, const std::vector<TorvPart>& parts) const {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    std::int64_t placements = 0;
+    facts.parts.reserve(parts.size());
+    for (const TorvPart& part : parts) {
+      facts.parts.push_back({text(part.partName), text(part.partFullDosName), text(part.materialName),
+                             text(part.woNumber), part.width, part.height, part.thickness, quantityOf(part)});
+      const std::int64_t quantity = facts.parts.back().quantity;
+      placements = quantity > kMost - placements ? kMost : placements + quantity;
+    }
+    facts.partCount = countOf(parts);
+    facts.placementCount = placements;
+  }
+
+  ToolFacts toolFacts(std::string_view list, std::size_t at, const OldTool& tool) const {
+    ToolFacts facts{std::string(list), static_cast<std::int64_t>(at) + 1,
+                    tool.shapeCode,    tool.dimension1,
+                    tool.dimension2,   tool.dimension3,
+                    tool.orientation,  {}};
+    if (tool.shapeCode == kSpecialTool) facts.specialTool = text(tool.specialToolPath);
+    return facts;
+  }
+  // Stations without a tool have a tool of shape code 0.
+  void addTools(Facts& facts, std::string_view list, const ToolStationList& stations) const {
+    std::int64_t tools = 0;
+    for (std::size_t i = 0; i < stations.tools.size(); ++i) {
+      if (stations.tools[i].shapeCode == 0) continue;
+      facts.tools.push_back(toolFacts(list, i, stations.tools[i]));
+      ++tools;
+    }
+    facts.stationCount = facts.stationCount.value_or(0) + countOf(stations.stations);
+    facts.toolCount = facts.toolCount.value_or(0) + tools;
+  }
+
+  // By the rules of GetOldSheetInfo, but without its special station, which no number names.
+  void addUsedTools(Facts& facts, const OldSheet& sheet) const {
+    const OldMachine& machine = sheet.machine;
+    const bool isSecond = machine.stationWord != 0 && !machine.stationsB.stations.empty();
+    const ToolStationList& list = isSecond ? machine.stationsB : machine.stationsA;
+    const std::size_t count = std::min(list.stations.size(), list.tools.size());
+    std::vector<bool> isUsed(count + 1);
+    const auto use = [&](std::int64_t number) {
+      if (number >= 1 && static_cast<std::uint64_t>(number) <= count) isUsed[static_cast<std::size_t>(number)] = true;
+    };
+    const auto useSlots = [&](const ProcessSlots& slots, int stored) {
+      for (std::size_t i = 0; i < ProcessSlots::size() && static_cast<int>(i) < stored; ++i) {
+        const ProcessSlot& slot = slots[i];
+        if (slot.toolUse != 1 || slot.toolActive == 0) continue;
+        const auto number =
+            static_cast<std::int16_t>(slot.toolChoice != 0 ? slot.secondToolNumber : slot.firstToolNumber);
+        if (number >= 1 && static_cast<std::size_t>(number) <= count &&
+            list.stations[static_cast<std::size_t>(number) - 1].toolCount != 0)
+          use(number);
+      }
+    };
+    for (const TorvPart& part : sheet.partList.parts) {
+      for (const Pattern& pattern : part.patterns)
+        for (const PatternItem& item : pattern.items) use(item.toolNumber);
+      useSlots(part.processSlots, part.processSlotCount);
+    }
+    constexpr std::size_t kFirstItem = 28;
+    for (std::size_t i = kFirstItem; i < sheet.patternItems.size(); ++i) use(sheet.patternItems[i].toolNumber);
+    useSlots(sheet.processSlots, sheet.processSlotCount);
+
+    for (std::size_t number = 1; number <= count; ++number)
+      if (isUsed[number] && list.tools[number - 1].shapeCode != 0)
+        facts.tools.push_back(
+            toolFacts(isSecond ? "machine.stationsB" : "machine.stationsA", number - 1, list.tools[number - 1]));
+    facts.stationCount = countOf(list.stations);
+    facts.toolCount = countOf(facts.tools);
+  }
+
+  const values::TextEncoding& encoding_;
+};
+
+}  // namespace
+
+template <class Record>
+Facts factsOf(const Record& record, const values::TextEncoding& encoding) {
+  return Extract(encoding).facts(record);
+}
+
+template Facts factsOf(const TorvPart&, const values::TextEncoding&);
+template Facts factsOf(const SheetPartList&, const values::TextEncoding&);
+template Facts factsOf(const OldSpecialTool&, const values::TextEncoding&);
+template Facts factsOf(const OldMachine&, const values::TextEncoding&);
+template Facts factsOf(const OldMaterial&, const values::TextEncoding&);
+template Facts factsOf(const OldToolInventory&, const values::TextEncoding&);
+template Facts factsOf(const OldMacro&, const values::TextEncoding&);
+template Facts factsOf(const OldSheet&, const values::TextEncoding&);
+
+}  // namespace oldtorvio::archive

@@ -1,0 +1,99 @@
+// Files of an archive, found and examined one after the other by several threads.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "torvio/archive/facts.h"
+#include "torvio/archive/verdict.h"
+#include "torvio/archive/warnings.h"
+
+namespace oldtorvio::archive {
+
+// ---- which files -------------------------------------------------------------------------------------
+
+struct FoundFile {
+  std::string path;
+  bool isNamed = true;  // by the caller, not found in a folder
+  std::string error;    // of a folder that cannot be read, or of a name that is none
+  bool isFolder = false;
+};
+
+// Walks files and folders. In a folder, its files are first and then its folders, each sorted by the bytes of their
+// names; a folder of more than kSortedNames is sorted piece by piece, so that memory is bounded. Links to folders,
+// pipes, sockets and devices are passed over unless they are named. Links to files are files.
+class FileNames {
+ public:
+  static constexpr std::size_t kSortedNames = 50'000;
+  static constexpr std::size_t kLongestName = 65'536;
+
+  explicit FileNames(std::vector<std::string> paths);
+  // And after them the names in `list`, each followed by the separator. It is read as names are asked for, and stays
+  // open.
+  FileNames(std::vector<std::string> paths, std::FILE* list, char separator);
+  FileNames(const FileNames&) = delete;
+  FileNames& operator=(const FileNames&) = delete;
+  ~FileNames();
+
+  std::optional<FoundFile> next();
+  // Whether the list could not be read to its end.
+  bool hasFailed() const { return hasFailed_; }
+
+ private:
+  class Folder;
+
+  std::optional<std::string> nextRoot();
+  std::optional<FoundFile> enter(const std::string& path, bool isNamed);
+
+  std::vector<std::string> paths_;
+  std::size_t at_ = 0;
+  std::FILE* list_ = nullptr;
+  char separator_ = '\n';
+  bool hasFailed_ = false;
+  std::string nameError_;
+  std::vector<std::unique_ptr<Folder>> folders_;  // the innermost is last
+};
+
+// ---- what they are -----------------------------------------------------------------------------------
+
+struct FileResult {
+  std::string path;
+  bool isNamed = true;
+  bool isFolder = false;  // one that could not be read
+  Verdict verdict = Verdict::unreadable;
+  std::string error;                      // why the file could not be read
+  std::optional<explain::FileKind> kind;  // none for a foreign file
+  explain::FileReport report;             // unless it could not be read
+  std::vector<Warning> warnings;
+  std::optional<Facts> facts;            // of a file that loads, if they were asked for
+  std::optional<std::int64_t> modified;  // in nanoseconds since 1970; none for a pipe or device
+  std::optional<std::uint64_t> size;     // of a regular file, before it was read
+  bool isKnown = false;                  // from an earlier run, and unchanged since
+};
+
+struct ScanOptions {
+  JudgeOptions judge;
+  unsigned jobs = 1;
+  bool withFacts = false;
+  values::TextEncoding encoding;  // of texts in facts
+  // Called from several threads with path, time and size of a regular file: what an earlier run found. Such a file is
+  // not read.
+  std::function<std::optional<FileResult>(const FileResult&)> known;
+  // Called from several threads: whether to pass over a file that was found in a folder.
+  std::function<bool(const std::string&)> isExcluded;
+};
+
+FileResult examine(const FoundFile& file, const ScanOptions& options);
+
+// Examines all files with options.jobs threads, each of which has one file in memory, and calls take(result) in the
+// calling thread, in the order of the names. Memory is bounded however many files there are. If take() throws, no more
+// files are opened. A thread that waits for a pipe at that time is left behind; it touches nothing of the caller.
+void scan(const std::shared_ptr<FileNames>& names, const ScanOptions& options,
+          const std::function<void(FileResult&)>& take);
+
+}  // namespace oldtorvio::archive
