@@ -22,14 +22,14 @@ header p { margin: .2rem 0 1.4rem; color: #5b6875 }
 main { display: grid; grid-template-columns: repeat(auto-fill, minmax(min(30rem, 100%), 1fr)); gap: 1.2rem }
 figure { margin: 0; padding: .8rem; background: #fcfbf8; border: 1px solid #c5cdd5; border-radius: 6px }
 figure:target { grid-column: 1 / -1; order: -1 }
-figure a { display: block; cursor: zoom-in }
-svg { display: block; width: 100%; height: 22rem }
-figure:target svg { height: auto }
+figure a { display: block; height: 22rem; overflow: hidden; cursor: zoom-in }
+figure:target a { height: auto; cursor: auto }
+svg { display: block; width: 100%; height: auto }
 figcaption { margin-top: .6rem; border-top: 1px solid #c5cdd5; padding-top: .5rem; overflow-wrap: anywhere }
 figcaption span { color: #5b6875 }
 .none { display: grid; place-items: center; height: 22rem; padding: 0 2rem; color: #a3420b; text-align: center }
 figure:target .none { height: auto }
-@media print { body { margin: 0; background: none } figure { break-inside: avoid } svg { height: auto } }
+@media print { body { margin: 0; background: none } figure { break-inside: avoid } figure a { height: auto } }
 </style>
 </head>
 <body>

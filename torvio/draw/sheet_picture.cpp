@@ -36,11 +36,10 @@ struct Grid {
 
 Grid gridOf(std::uint32_t count, std::uint32_t stepBits) {
   // The step of a single copy is never used. A step that is no length leaves all copies at one place.
-  constexpr double kSmallestStep = 1e-9;
-  const double step = static_cast<double>(std::bit_cast<float>(stepBits));
-  const bool isStep = std::isfinite(step) && std::fabs(step) >= kSmallestStep;
+  const float step = std::bit_cast<float>(stepBits);
+  const bool isStep = std::isnormal(step);  // small integers are subnormal as floats
   if (count <= 1 || !isStep) return {std::min<std::uint64_t>(count, 1), count, 0};
-  return {count, 1, step};
+  return {count, 1, static_cast<double>(step)};
 }
 
 std::uint64_t quantityOf(const TorvPart& part) {
