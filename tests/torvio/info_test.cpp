@@ -218,6 +218,8 @@ TEST(Infos, LongTablesAreCutInTextOnly) {
   for (int i = 0; i < 99; ++i) sheet->partList.parts.emplace_back();
   const Info info = infoOfKind(saved(*sheet), explain::FileKind::sheet);
   EXPECT_TRUE(contains(infoText("s", info, 40), "and 60 more rows\n"));
+  // A column without a text in any row, as that of the materials, is left out.
+  EXPECT_TRUE(contains(infoText("s", info, 40), " thickness  shapes  quantity  work order\n"));
   EXPECT_FALSE(contains(infoText("s", info, 1000), "more row"));
   EXPECT_EQ(json::parse(infoJson("s", info))["parts"].size(), 100U);
 }

@@ -446,15 +446,14 @@ std::string inWords(std::string_view key) {
 void appendTable(std::string& to, const InfoTable& table, std::size_t mostRows) {
   const std::size_t shownRows = std::min(table.rows.size(), mostRows);
   std::vector<std::vector<std::string>> cells(1);
-  for (const std::string& column : table.columns) {
-    cells[0].push_back(inWords(column));
-  }
-  std::vector<bool> isRight(table.columns.size());
+  for (const std::string& column : table.columns) cells[0].push_back(inWords(column));
+  std::vector<bool> isRight(table.columns.size()), isEmpty(table.columns.size(), true);
   for (std::size_t i = 0; i < shownRows; ++i) {
     auto& row = cells.emplace_back();
     for (std::size_t column = 0; column < table.columns.size(); ++column) {
       const InfoValue& value = table.rows[i][column];
       isRight[column] = value.isNumber;
+      isEmpty[column] = isEmpty[column] && !value.isNumber && value.text.empty();
       row.push_back(value.isNumber && value.text.empty() ? "?" : onOneLine(value.text));
     }
   }
@@ -466,7 +465,7 @@ void appendTable(std::string& to, const InfoTable& table, std::size_t mostRows) 
   for (const auto& row : cells) {
     to += "  ";
     for (std::size_t column = 0; column < row.size(); ++column)
-      appendPadded(to += "  ", row[column], widths[column], isRight[column]);
+      if (!isEmpty[column]) appendPadded(to += "  ", row[column], widths[column], isRight[column]);
     trimEnd(to);
     to += '\n';
   }
