@@ -208,7 +208,7 @@ def expected(version, orders, area="19.750000"):
         "partname_and_count_and_wonumber": "|".join(f"{name} |5 |{order} " for name, _, order in parts),
         "part_details_01": "|".join(detail),
         "preSkeletonDosName": r"C:\KESTRADA\SKELETON\REST 18%.part" if version >= 100 else "",
-        "totalSknPartCutArea": area, "sheet_utilization": "0.812500" if late else "0.000000",
+        "totalSknPartCutArea": area, "sheet_utilization": "0.457031" if late else "0.000000",
         "sheet_sequence_size": "60",
     }
 
@@ -222,7 +222,7 @@ def check_keys(name, wanted):
 
 
 # In order of first use; the ninth has the same text as the eighth.
-punches = [f"{1 if i <= 24 else 3} {i / 8:6.3f} {0 if i <= 24 else 0.25:6.3f}  0.000  0.000"
+punches = [f"{1 if i <= 24 else 3} {i / 32:6.3f} {0 if i <= 24 else 0.25:6.3f}  0.000  0.000"
            for i in (*range(4, 9), *range(10, 37), 1, 2, 3)]
 for version in (180, 112, 80):
     name, late = f"nest_{version}.sheet", version >= 152
@@ -232,10 +232,10 @@ for version in (180, 112, 80):
     check(facts == ["STEEL 0.0625.mat", *texts, r"C:\KESTRADA\MACHINES\TP-40L.mch", "NEST 4711",
                     "STEEL 0.0625.mat", 96, 48, 0.0625, 7.875 if late else 0], f"the facts of {name}")
     check(part_names == names, "the names of the parts")
-    check(tools == punches + ["108 Corner Punch  0.500"] + (["103  4.750  0.250  0.000  0.000"] if version >= 90 else [])
-          + ["33  5.000  0.250  0.000  0.000"], f"the tools of {name}")
+    check(tools == punches + ["108 Corner Punch  0.500"] + (["103  1.188  0.250  0.000  0.000"] if version >= 90 else [])
+          + ["33  1.250  0.250  0.000  0.000"], f"the tools of {name}")
     check(small(name) == (5, 3, [1.5, 2.5, 3.5, 8], [6, 18, 30, 42, 27.5, 33, 38.5, 44],
-                          ["COLD ROLLED", "RACK 12"] if late else ["", ""], 0.8125 if late else 0,
+                          ["COLD ROLLED", "RACK 12"] if late else ["", ""], 0.45703125 if late else 0,
                           {55: 4, 101: -1, 600: 7}, 60), f"the small queries of {name}")
     orders = ["WO-7001"] * 6 + ["WO-7002"] * 6 if version >= 162 else [""] * 12
     check_keys(name, expected(version, orders, "19.750000" if version >= 100 else "0.000000"))

@@ -35,6 +35,12 @@ mv edited_112.sheet ../apart
 damaged=0
 "$build/bin/torvio" check --kind sheet ../apart/edited_112.sheet || damaged=$?
 [ "$damaged" = 1 ]
+echo '== torvio info brackets.group'
+"$build/bin/torvio" info brackets.group
+echo '== torvio draw: the nest as SVG, and a page with pictures of all that can be drawn'
+"$build/bin/torvio" draw nest_180.sheet -o ../nest.svg
+"$build/bin/torvio" draw nest_180.sheet brackets.group punch.mch old.part -o ../pictures.html
+wc -c ../nest.svg ../pictures.html
 echo '== torvio map tab.mac'
 "$build/bin/torvio" map tab.mac
 echo '== torvio map nest_180.sheet'

@@ -1,13 +1,16 @@
 // Creates a nest and saves it at three versions: a plate, twelve parts in sixty placements and a machine
 // with forty stations. Uses only the shared library and the public headers.
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "OldTorvIO.h"
 
@@ -62,6 +65,47 @@ Pattern placement(const PatternItemList& items, std::uint32_t group, std::uint32
   return pattern;
 }
 
+// Parts lie side by side with this distance between them.
+constexpr float kGap = 0.5F;
+
+// Places the four copies of the first placement of each part, from left to right.
+void placeBlocks(std::vector<TorvPart>& parts, std::initializer_list<int> numbers, float x, float y) {
+  for (const int number : numbers) {
+    TorvPart& part = parts[static_cast<std::size_t>(number - 1)];
+    Pattern& block = part.patterns[0];
+    block.originX = x;
+    block.originY = y;
+    block.gridStep1 = bitsOf(part.width + kGap);
+    block.gridStep2 = bitsOf(part.height + kGap);
+    x += 2 * (part.width + kGap) + kGap / 2;
+  }
+}
+
+// Places the single copy of a part, turned against the clock about its origin.
+void placeTurned(TorvPart& part, float x, float y, float degrees) {
+  Pattern& single = part.patterns[1];
+  const float radians = degrees * 0.017453292F;
+  single.originX = x;
+  single.originY = y;
+  single.rotationCos = std::cos(radians);
+  single.rotationSin = std::sin(radians);
+}
+
+void place(std::vector<TorvPart>& parts) {
+  placeBlocks(parts, {12, 11, 10, 9, 6}, 1.0F, 2.5F);
+  placeBlocks(parts, {8, 7, 5, 4, 3, 2, 1}, 1.0F, 15.75F);
+  float x = 1.0F;
+  for (int number = 1; number <= 9; ++number) {
+    TorvPart& part = parts[static_cast<std::size_t>(number - 1)];
+    x += part.height;
+    placeTurned(part, x, 27.0F, 90.0F);
+    x += kGap;
+  }
+  placeTurned(parts[9], x + 9.5F, 33.0F, 180.0F);
+  placeTurned(parts[10], x + 14.0F, 27.5F, 15.0F);
+  placeTurned(parts[11], x + 31.0F, 28.0F, 30.0F);
+}
+
 TorvPart bracket(int number) {
   TorvPart part;
   const std::string name = "BRACKET " + twoDigits(number);
@@ -72,7 +116,9 @@ TorvPart bracket(int number) {
   part.height = 3.0F + 0.25F * static_cast<float>(number);
   PatternItemList items;
   for (int i = 0; i < kShapesOfAPart; ++i) {
-    part.shapes.shapes.push_back(shapeAt(1, 0.5F + 0.25F * static_cast<float>(i), 1.0F, 0.125F));
+    const auto column = static_cast<float>(i % 4), row = static_cast<float>(i / 4);
+    part.shapes.shapes.push_back(
+        shapeAt(1, part.width * (0.14F + 0.24F * column), part.height * (0.14F + 0.24F * row), 0.125F));
     items.push_back(itemOf(1 + (3 * number + i) % kPunches));
   }
   const auto group = static_cast<std::uint32_t>(100 + number);
@@ -83,8 +129,8 @@ TorvPart bracket(int number) {
 
 OldTool toolOf(int station) {
   OldTool tool;
-  tool.shapeCode = station <= 24 ? 1 : 3;                                     // round, rectangle
-  tool.dimension1 = 0.125F * static_cast<float>(station == 9 ? 8 : station);  // 9 has the size of 8
+  tool.shapeCode = station <= 24 ? 1 : 3;                                       // round, rectangle
+  tool.dimension1 = 0.03125F * static_cast<float>(station == 9 ? 8 : station);  // 9 has the size of 8
   if (station > 24) tool.dimension2 = 0.25F;
   if (station == kSlotTool || station == kUnusedTool) tool.shapeCode = 103;  // square
   if (station == kLaser) tool.shapeCode = 33;
@@ -153,6 +199,7 @@ void fill(OldSheet& sheet) {
   sheet.height = 48.0F;
   sheet.thickness = 0.0625F;
   for (int number = 1; number <= kParts; ++number) sheet.partList.parts.push_back(bracket(number));
+  place(sheet.partList.parts);
   fillOwnWork(sheet);
   fillSkeleton(sheet);
   sheet.workList.resize(60);
@@ -172,7 +219,7 @@ void fill(OldSheet& sheet) {
   sheet.paramTable.intParams[600] = 7;
   fill(sheet.machine);
 
-  sheet.utilization = 0.8125F;
+  sheet.utilization = 0.45703125F;
   put(sheet.partTexts[2], "COLD ROLLED");
   put(sheet.partTexts[4], "RACK 12");
   put(sheet.materialGroup, "MILD STEEL");

@@ -39,7 +39,7 @@ static int keeps_end(int version) { return version >= 152; }
 /* ---- The tools ---- */
 
 static void want_punch(int number) {
-  const double length = 0.125 * number;
+  const double length = 0.03125 * number;
   if (number == 9) return; /* same text as the one before it */
   WANT("%d %6.3f %6.3f %6.3f %6.3f,", number <= 24 ? 1 : 3, length, number <= 24 ? 0 : 0.25, 0.0, 0.0);
 }
@@ -51,8 +51,8 @@ static void want_tools(int version) {
   for (i = 4; i <= kPunches; ++i) want_punch(i);
   for (i = 1; i <= 3; ++i) want_punch(i);
   WANT("108 Corner Punch  0.500,");
-  if (version >= 90) WANT("103  4.750  0.250  0.000  0.000,");
-  WANT("33  5.000  0.250  0.000  0.000,");
+  if (version >= 90) WANT("103  1.188  0.250  0.000  0.000,");
+  WANT("33  1.250  0.250  0.000  0.000,");
 }
 
 static void query_info(const char* path, int version) {
@@ -109,7 +109,7 @@ static void query_small(const char* path, int version) {
   expect_text(text3, keeps_end(version) ? "COLD ROLLED" : "", "the third text");
   expect_text(text5, keeps_end(version) ? "RACK 12" : "", "the fifth text");
   expect(GetOldSkeletonUtil(path, &utilization) == 0, "the utilization");
-  expect(utilization == (keeps_end(version) ? 0.8125f : 0), "the utilization of the plate");
+  expect(utilization == (keeps_end(version) ? 0.45703125f : 0), "the utilization of the plate");
   printf("  \"%s\", \"%s\", utilization %g\n", text3, text5, utilization);
 
   memset(flags, 0xFF, sizeof flags);
@@ -180,7 +180,7 @@ static void want_skeleton(const Nest* nest) {
   WANT("%s", keeps_skeleton(nest->version) ? "C:\\KESTRADA\\SKELETON\\REST 18%.part" : "");
 }
 static void want_area(const Nest* nest) { WANT("%s", nest->cut_area); }
-static void want_utilization(const Nest* nest) { WANT("%s", keeps_end(nest->version) ? "0.812500" : "0.000000"); }
+static void want_utilization(const Nest* nest) { WANT("%s", keeps_end(nest->version) ? "0.457031" : "0.000000"); }
 static void want_sequence(const Nest* nest) { WANT("60"), (void)nest; }
 
 static void query_keys(const char* path, const Nest* nest) {

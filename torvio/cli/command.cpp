@@ -22,6 +22,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> all;
   all.push_back(makeMapCommand());
   all.push_back(makeCheckCommand());
+  all.push_back(makeInfoCommand());
+  all.push_back(makeDrawCommand());
   all.push_back(makeFormatCommand());
   return all;
 }

@@ -1,0 +1,84 @@
+#include <algorithm>
+#include <new>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "torvio/archive/info.h"
+#include "torvio/cli/commands.h"
+#include "torvio/cli/file_text.h"
+#include "torvio/cli/output.h"
+#include "torvio/explain/file_content.h"
+
+namespace torvio {
+namespace {
+
+using namespace oldtorvio;
+
+ExitCode codeOf(archive::Verdict verdict) {
+  switch (verdict) {
+    case archive::Verdict::sound:
+    case archive::Verdict::soundWithLosses:
+      return kSound;
+    case archive::Verdict::unreadable:
+      return kNotReadOrWritten;
+    default:
+      return kDamaged;
+  }
+}
+
+// Prints a block of lines, or a JSON object on one line, for each file.
+class InfoCommand : public Command {
+ public:
+  CLI::App* addTo(CLI::App& tool) override {
+    CLI::App* command = tool.add_subcommand("info", "Print what files contain at a glance: names, sizes, parts, tools");
+    addFiles(*command, "FILE", files_, "The files")->required();
+    command->add_flag("--json", isJson_, "Print one JSON object on one line for each file");
+    command->add_flag("--all", isAll_, "Print all rows of long tables, as --json does");
+    addKind(*command, judge_.kind);
+    command
+        ->add_option_function<std::string>(
+            "--encoding", [this](const std::string& name) { encoding_ = *values::TextEncoding::named(name); },
+            "The code page of the texts in the files (cp1252)")
+        ->type_name("NAME")
+        ->take_last()
+        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    command->footer(fileHelp());
+    return command;
+  }
+
+  ExitCode run() override {
+    constexpr std::size_t kMostRows = 40;
+    ExitCode worst = kSound;
+    for (std::size_t i = 0; i < files_.size(); ++i) {
+      const archive::Info info = infoOf(files_[i]);
+      const std::string name = values::fileNameAsUtf8(files_[i]);
+      if (isJson_)
+        print(archive::infoJson(name, info));
+      else
+        print((i == 0 ? "" : "\n") + archive::infoText(name, info, isAll_ ? static_cast<std::size_t>(-1) : kMostRows));
+      worst = std::max(worst, codeOf(info.verdict));
+    }
+    return worst;
+  }
+
+ private:
+  archive::Info infoOf(const std::string& path) const try {
+    const explain::FileContent file(path);
+    if (!file.error().empty()) return archive::unreadableInfo(file.error());
+    return archive::infoOf(path, file.bytes(), judge_, encoding_);
+  } catch (const std::bad_alloc&) {
+    return archive::unreadableInfo(kNoMemory);
+  }
+
+  std::vector<std::string> files_;
+  bool isJson_ = false, isAll_ = false;
+  archive::JudgeOptions judge_;
+  values::TextEncoding encoding_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeInfoCommand() { return std::make_unique<InfoCommand>(); }
+
+}  // namespace torvio

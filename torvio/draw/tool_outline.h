@@ -1,0 +1,49 @@
+// The outlines of tools: what their shape code and dimensions say about the hole that they make.
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "OldTorvIO/pattern_item.h"
+#include "OldTorvIO/shape.h"
+#include "OldTorvIO/tool_station.h"
+#include "torvio/draw/svg.h"
+
+namespace oldtorvio::draw {
+
+// "ROUND", "SPECIAL TOOL", ...; empty for 0 and for codes without a name.
+std::string_view toolKind(std::int32_t shapeCode);
+
+struct Extent {
+  double width = 0, height = 0;
+};
+// Of the tool as it is turned at orientation 0. Nothing for a tool without an outline: a special tool, whose outline is
+// in a file of its own, a shear, a laser, an unknown code, or dimensions that are not positive numbers.
+std::optional<Extent> outlineOf(const OldTool& tool);
+
+// Appends the outline, centred and turned by its orientation. False if there is none.
+bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale);
+
+inline constexpr const char* kDimensionsAssumed =
+    "dimension1 is the diameter or width, dimension2 the height or the distance to a flat, dimension3 the radius of "
+    "rounded corners; a triangle has two sides at a right angle";
+
+// "0.5", "2 x 0.25": the dimensions of a tool without those that are 0.
+std::string dimensionText(const OldTool& tool);
+
+// The tool of a station number, which is 1-based; none if the list has no such station.
+const OldTool* toolAt(const ToolStationList& list, std::int64_t number);
+
+// The shapes of a part or of a sheet as marks: the outline of the tool of each, else a cross.
+struct WorkMarks {
+  Path outlines, crosses;
+  std::uint64_t drawn = 0;
+  std::uint64_t outside = 0;  // of `limits`, or without a place
+  std::uint64_t left = 0;     // beyond the cap
+};
+// `limits` are in length units with y up; the marks are scaled and turned upside down, relative to `origin`. `cross` is the
+// reach of a cross.
+WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
+                  const Box& limits, Point origin, double scale, std::uint64_t cap, double cross = 1.6);
+
+}  // namespace oldtorvio::draw
