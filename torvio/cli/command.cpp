@@ -23,6 +23,9 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   all.push_back(makeMapCommand());
   all.push_back(makeCheckCommand());
   all.push_back(makeFormatCommand());
+  all.push_back(makeJsonCommand());
+  all.push_back(makeFromJsonCommand());
+  all.push_back(makeSchemaCommand());
   return all;
 }
 

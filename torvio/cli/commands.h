@@ -9,5 +9,8 @@ namespace torvio {
 std::unique_ptr<Command> makeMapCommand();
 std::unique_ptr<Command> makeCheckCommand();
 std::unique_ptr<Command> makeFormatCommand();
+std::unique_ptr<Command> makeJsonCommand();
+std::unique_ptr<Command> makeFromJsonCommand();
+std::unique_ptr<Command> makeSchemaCommand();
 
 }  // namespace torvio

@@ -1,0 +1,36 @@
+// Files that commands create.
+#pragma once
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace torvio {
+
+// A file that appears under its name once it is complete: until then it is a file beside it, in the same folder. A file
+// of that name is replaced, but not a folder, device or link, and a link that appears in the meantime is not followed.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::string& path);
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  // Removes the file unless it was committed.
+  ~OutputFile();
+
+  // Why it could not be created or committed, as a text to print after its name; empty if it could.
+  const std::string& error() const { return error_; }
+  // Unbuffered; null after an error.
+  std::FILE* handle() const { return file_; }
+  // Closes the file and gives it its name. False if that fails: then the file of that name is as it was.
+  bool commit();
+
+ private:
+  class Place;  // a folder and two names in it
+
+  void fail(const std::string& what, int error);
+
+  std::unique_ptr<Place> place_;
+  std::FILE* file_ = nullptr;
+  std::string error_;
+};
+
+}  // namespace torvio
