@@ -16,7 +16,6 @@
 #include "tests/support/part_files.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
-#include "torvio/values/equal.h"
 #include "torvio/values/json_reader.h"
 #include "torvio/values/json_writer.h"
 #include "torvio/values/text_encoding.h"
@@ -39,7 +38,7 @@ void expectSameFileByWayOfJson(const Bytes& bytes, int version) {
   ASSERT_EQ(read.error, "") << version;
   EXPECT_EQ(read.kind, kKind);
   EXPECT_EQ(read.version, version);
-  ASSERT_EQ(values::firstDifference(*loaded.record, read.as<kKind>()), std::nullopt) << version;
+  ASSERT_EQ(differenceOf(kKind, loaded.record.get(), read.record.get()), std::nullopt) << version;
   const values::SavedRecord direct = values::saveRecord<kKind>(*loaded.record, version);
   const values::SavedRecord byJson = values::saveRecord<kKind>(read.as<kKind>(), version);
   EXPECT_EQ(byJson.status, direct.status);
@@ -56,7 +55,7 @@ TEST(FromJson, FilesOfEveryKindAndVersionAreSavedAsWithoutJson) {
         SCOPED_TRACE(testing::Message() << info.name << ", round " << round);
         for (const int version : versionsOf(kKind)) {
           if (testing::Test::HasFatalFailure()) return;
-          expectSameFileByWayOfJson<kKind>(randomFile<kKind>(version, round * 1000 + static_cast<unsigned>(version)),
+          expectSameFileByWayOfJson<kKind>(randomFile(kKind, version, round * 1000 + static_cast<unsigned>(version)),
                                            version);
           ++files;
         }
@@ -71,12 +70,12 @@ TEST(FromJson, RecordsOfAnyContentComeBackInEveryEncoding) {
       withFileRecord(info.kind, [&](auto file) {
         constexpr FileKind kKind = decltype(file)::kKind;
         const auto record = std::make_unique<typename decltype(file)::Record>();
-        AnyContent(round).fill(*record);
+        fillWithAnything(info.kind, record.get(), round);
         const bool isPretty = round % 4 == 3;
         const values::JsonRecord read =
             values::readJson(values::jsonOf<kKind>(*record, 180, encodings[round % encodings.size()], isPretty));
         ASSERT_EQ(read.error, "") << info.name;
-        ASSERT_EQ(values::firstDifference(*record, read.as<kKind>()), std::nullopt) << info.name << ", " << round;
+        ASSERT_EQ(differenceOf(kKind, record.get(), read.record.get()), std::nullopt) << info.name << ", " << round;
       });
 }
 
@@ -88,7 +87,7 @@ TEST(FromJson, EveryFloatComesBackToItsBits) {
     for (float& value : shape.values) value = std::bit_cast<float>(static_cast<std::uint32_t>(engine()));
   const values::JsonRecord read = values::readJson(values::jsonOf<FileKind::macro>(macro, 180));
   ASSERT_EQ(read.error, "");
-  EXPECT_EQ(values::firstDifference(macro, read.as<FileKind::macro>()), std::nullopt);
+  EXPECT_EQ(differenceOf(FileKind::macro, &macro, read.record.get()), std::nullopt);
 }
 
 // ---- what may be different -----------------------------------------------------------------------------
@@ -314,7 +313,7 @@ TEST(FromJson, ChangedTextsDoNoHarm) {
   for (const FileKind kind : {FileKind::macro, FileKind::specialTool, FileKind::part, FileKind::toolInventory})
     withFileRecord(kind, [&](auto file) {
       constexpr FileKind kKind = decltype(file)::kKind;
-      const auto loaded = values::loadRecord<kKind>(randomFile<kKind>(160, 1).span());
+      const auto loaded = values::loadRecord<kKind>(randomFile(kKind, 160, 1).span());
       const std::string json = values::jsonOf<kKind>(*loaded.record, 160);
       for (int i = 0; i < (isLong() ? 20000 : 300); ++i) {
         std::string text = json;
@@ -339,7 +338,7 @@ TEST(FromJson, RecordsOfAnyContentAreSavedOrRefused) {
     for (const frame::FileKindInfo& info : frame::kFileKinds)
       withFileRecord(info.kind, [&](auto file) {
         const auto record = std::make_unique<typename decltype(file)::Record>();
-        AnyContent(round).fill(*record);
+        fillWithAnything(info.kind, record.get(), round);
         for (const int version : {52, 80, 112, 160, 180})
           if (values::saveRecord<decltype(file)::kKind>(*record, version).status == 0) ++saved;
       });

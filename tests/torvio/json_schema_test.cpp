@@ -1,4 +1,5 @@
 // The JSON Schemas: published as they are printed, and valid for what is written.
+#include "torvio/values/all_members.h"
 #include "torvio/values/json_schema.h"
 
 #include <gtest/gtest.h>
@@ -57,15 +58,15 @@ TEST(JsonSchema, DocumentsOfEveryKindAreValidAndChangedOnesAreNot) {
       write(name + ".schema", values::jsonSchema(kKind));
       const std::vector<int> versions = versionsOf(kKind);
       for (const int version : {versions.front(), versions[versions.size() / 2], versions.back()}) {
-        const auto loaded = values::loadRecord<kKind>(randomFile<kKind>(version, 2).span());
+        const auto loaded = values::loadRecord<kKind>(randomFile(kKind, version, 2).span());
         write(name + "." + std::to_string(++documents) + ".valid", values::jsonOf<kKind>(*loaded.record, version));
       }
       const auto record = std::make_unique<typename decltype(file)::Record>();
-      AnyContent(3).fill(*record);
+      fillWithAnything(kKind, record.get(), 3);
       const std::string any = values::jsonOf<kKind>(*record, 180);
       write(name + ".any.valid", any);
       // Of a damaged file, and of one whose version is refused.
-      const Bytes whole = randomFile<kKind>(versions.back(), 2);
+      const Bytes whole = randomFile(kKind, versions.back(), 2);
       for (const Bytes& bytes : {whole.cut(whole.size() / 2), Bytes().i16(1)}) {
         std::string damaged;
         values::writeFileAsJson([&](std::string_view piece) { damaged += piece; }, bytes.span(), kKind,

@@ -14,7 +14,6 @@
 #include "tests/support/part_files.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
-#include "torvio/values/equal.h"
 #include "torvio/values/json_reader.h"
 #include "torvio/values/json_writer.h"
 #include "torvio/values/text_encoding.h"
@@ -47,9 +46,9 @@ void setField(char (&field)[N], std::string_view bytes) {
 
 TEST(Json, DocumentBeginsWithFormatKindVersionAndEncoding) {
   const OldMacro macro;
-  EXPECT_EQ(
-      values::jsonOf<FileKind::macro>(macro, 162).substr(0, 90),
-      "{\"format\":1,\"kind\":\"macro\",\"version\":162,\"encoding\":\"cp1252\",\"record\":{\"macroHead\":\"\",\"macr");
+  EXPECT_TRUE(values::jsonOf<FileKind::macro>(macro, 162)
+                  .starts_with("{\"format\":1,\"kind\":\"macro\",\"version\":162,\"encoding\":\"cp1252\",\"record\":{"
+                               "\"macroHead\":\"\",\"macroHeadSecond\":\"\",\"macroHeadWord\":0,"));
   const std::string other = values::jsonOf<FileKind::macro>(macro, 0, "cp437");
   EXPECT_NE(other.find("\"version\":0,\"encoding\":\"cp437\""), std::string::npos);
   EXPECT_TRUE(other.ends_with("}}\n"));
@@ -242,7 +241,7 @@ TEST(Json, NoTextOfAFileHasAnyEffect) {
           }
           const values::JsonRecord read = values::readJson(json);
           ASSERT_EQ(read.error, "");
-          EXPECT_EQ(values::firstDifference(*record, read.as<kKind>()), std::nullopt) << info.name << ' ' << text;
+          EXPECT_EQ(differenceOf(kKind, record.get(), read.record.get()), std::nullopt) << info.name << ' ' << text;
         }
     });
 }
@@ -343,7 +342,7 @@ TEST_F(JsonCommand, DamagedFileIsReportedOnStandardErrorToo) {
 }
 
 TEST_F(JsonCommand, FileOfUnknownKindOrVersionHasNoRecord) {
-  const Outcome unknown = torvio("json " + folder_.write("text", Bytes().text(20, "not such a file")));
+  const Outcome unknown = torvio("json " + folder_.write("text", Bytes().i16(-1).zeros(20)));
   EXPECT_EQ(unknown.code, 1);
   const Json json = Json::parse(unknown.output);
   EXPECT_TRUE(json["kind"].is_null());

@@ -5,9 +5,9 @@
 
 #include "src/file_records.h"
 #include "tests/support/files.h"
+#include "tests/support/kind_files.h"
 #include "tests/torvio/random_files.h"
-#include "torvio/values/equal.h"
-#include "torvio/values/record_bytes.h"
+#include "torvio/values/compiled_records.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ void expectSameAsAFile(const TempFolder& folder, typename FileRecord<kKind>::Rec
   const values::SavedRecord saved = values::saveRecord<kKind>(record, version);
   EXPECT_EQ(saved.status, status) << version;
   EXPECT_TRUE(Bytes::of(saved.bytes) == TempFolder::read(path)) << version;
-  EXPECT_EQ(values::firstDifference(record, *copy), std::nullopt) << version;
+  EXPECT_EQ(differenceOf(kKind, &record, copy.get()), std::nullopt) << version;
 }
 
 template <class Use>
@@ -38,7 +38,7 @@ TEST(SaveRecord, BytesInMemoryAreThoseOfAFileForEveryKindAndVersion) {
     constexpr frame::FileKind kKind = decltype(file)::kKind;
     SCOPED_TRACE(frame::infoOf(kKind).name);
     for (const int version : versionsOf(kKind)) {
-      const auto loaded = values::loadRecord<kKind>(randomFile<kKind>(version, 5).span());
+      const auto loaded = values::loadRecord<kKind>(randomFile(kKind, version, 5).span());
       ASSERT_EQ(loaded.status, 0) << version;
       expectSameAsAFile<kKind>(folder, *loaded.record, version);
       ++compared;
@@ -73,8 +73,7 @@ TEST(SaveRecord, RefusedVersionsAndRecordsAreThoseOfAFile) {
 
 TEST(SaveRecord, SheetWithBlocksIsRefusedWhereASaveMightEndTheProcess) {
   const auto sheet = std::make_unique<OldSheet>();
-  sheet->paramTable.version = 80;
-  sheet->paramTable.nameLength = 1;
+  fullSheet(*sheet, 180);
   sheet->blocks.resize(1);
   EXPECT_EQ(values::saveRecord<frame::FileKind::sheet>(*sheet, 151).status, 0);
   for (const int version : {152, 180}) {

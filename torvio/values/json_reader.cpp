@@ -20,6 +20,11 @@ namespace {
 
 // ---- the text ----------------------------------------------------------------------------------------
 
+// Longer than any member that is no text of its own, and than white space will be.
+constexpr std::uint64_t kLongestShort = 4U << 20U;
+// A text of a file takes up to six characters for each byte.
+constexpr std::uint64_t kLongestText = (std::uint64_t{1} << 30U) * 6;
+
 // The characters of the text, block by block. The parser collects each string and number as it is written, so that
 // their length has to be limited here.
 class Characters {
@@ -58,7 +63,7 @@ class Characters {
   const char* at_ = block_.get();
   const char* end_ = block_.get();
   std::uint64_t before_ = 0;  // characters before the block
-  std::uint64_t limit_ = std::numeric_limits<std::uint64_t>::max();
+  std::uint64_t limit_ = kLongestShort;
   const char* error_ = nullptr;
 };
 
@@ -306,11 +311,6 @@ class RecordBuilder {
     const Type* type = nullptr;
     void* at = nullptr;
   };
-
-  // Longer than any member that is no text of its own, and than white space will be.
-  static constexpr std::uint64_t kLongestShort = 4U << 20U;
-  // A text of a file takes up to six characters for each byte.
-  static constexpr std::uint64_t kLongestText = (std::uint64_t{1} << 30U) * 6;
 
   // ---- errors
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "torvio/values/compiled_records.h"
 #include "torvio/values/json.h"
-#include "torvio/values/record_bytes.h"
 
 namespace oldtorvio::values {
 
