@@ -298,6 +298,16 @@ TEST(FromJson, TextThatIsNoJsonIsRefusedWithItsPlace) {
   EXPECT_EQ(error.find('\x1b'), std::string::npos);
 }
 
+TEST(FromJson, NumbersBeyondEveryDoubleAreNamedByTheirPath) {
+  const auto with = [](const std::string& before, const std::string& after) {
+    std::string text = document().dump();
+    text.replace(text.find(before), before.size(), after);
+    return values::readJson(text).error;
+  };
+  EXPECT_EQ(with("\"linkIndex\":-1,", "\"linkIndex\":1e999,"), "shapes.shapes[0].linkIndex: is out of range");
+  EXPECT_EQ(with("\"values\":[0,0,", "\"values\":[0,-1e999,"), "shapes.shapes[0].values[1]: is out of range");
+}
+
 TEST(FromJson, EveryCutOfATextIsRefused) {
   const std::string text = document().dump();
   for (std::size_t size = 0; size < text.size(); ++size)

@@ -65,9 +65,9 @@ TEST(JsonSchema, DocumentsOfEveryKindAreValidAndChangedOnesAreNot) {
       fillWithAnything(kKind, record.get(), 3);
       const std::string any = values::jsonOf<kKind>(*record, 180);
       write(name + ".any.valid", any);
-      // Of a damaged file, and of one whose version is refused.
+      // Of damaged files, and of one whose version is refused.
       const Bytes whole = randomFile(kKind, versions.back(), 2);
-      for (const Bytes& bytes : {whole.cut(whole.size() / 2), Bytes().i16(1)}) {
+      for (const Bytes& bytes : {whole.cut(whole.size() / 2), Bytes().i16(1), Bytes().u8(1)}) {
         std::string damaged;
         values::writeFileAsJson([&](std::string_view piece) { damaged += piece; }, bytes.span(), kKind,
                                 explain::checkFile(bytes.span(), kKind), "cp1252");

@@ -273,6 +273,11 @@ class RecordBuilder {
   }
   bool parse_error(std::size_t, const std::string&, const nlohmann::json::exception& error) {
     if (characters_.error() != nullptr) return false;
+    if (dynamic_cast<const nlohmann::json::out_of_range*>(&error) != nullptr) {
+      // A number beyond every double, which has not taken its place yet.
+      if (!frames_.empty() && frames_.back().place == Place::elements) ++frames_.back().index;
+      return fail("is out of range");
+    }
     // "[...] parse error at line 1, column 5: syntax error while parsing value - invalid literal; last read: '...'".
     // What was read may be long and hold anything.
     const std::string_view text = error.what();

@@ -178,7 +178,8 @@ std::string jsonSchema(frame::FileKind kind) {
       {kSchema, object({{"type", typeNamed("string")}})},
       {kFormat, object({{"const", std::to_string(kJsonFormat)}})},
       {kKind, object({{"const", inQuotes(name)}})},
-      {kVersion, integer<std::int16_t>()},
+      // Null if the file has no two bytes.
+      {kVersion, object({{"anyOf", array({integer<std::int16_t>(), object({{"type", typeNamed("null")}})})}})},
       {kEncoding, object({{"enum", array(encodings)}})},
       // Null if the version is refused.
       {kRecord, object({{"anyOf", array({record, object({{"type", typeNamed("null")}})})}})},
