@@ -25,6 +25,9 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   all.push_back(makeInfoCommand());
   all.push_back(makeDrawCommand());
   all.push_back(makeFormatCommand());
+  all.push_back(makeJsonCommand());
+  all.push_back(makeFromJsonCommand());
+  all.push_back(makeSchemaCommand());
   return all;
 }
 

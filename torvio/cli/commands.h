@@ -11,5 +11,8 @@ std::unique_ptr<Command> makeCheckCommand();
 std::unique_ptr<Command> makeFormatCommand();
 std::unique_ptr<Command> makeDrawCommand();
 std::unique_ptr<Command> makeInfoCommand();
+std::unique_ptr<Command> makeJsonCommand();
+std::unique_ptr<Command> makeFromJsonCommand();
+std::unique_ptr<Command> makeSchemaCommand();
 
 }  // namespace torvio

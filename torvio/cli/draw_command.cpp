@@ -81,14 +81,14 @@ class DrawCommand : public Command {
     const Drawn drawn = drawFile(files_.front(), 0, false);
     if (!drawn.error.empty()) printError(onOneLine(files_.front()) + ": " + drawn.error);
     if (drawn.card.svg.empty()) return drawn.code;
-    OutputFile output(output_);
+    OutputText output(output_);
     output.write(drawn.card.svg);
-    output.keep();
+    output.commit();
     return drawn.code;
   }
 
   ExitCode writePage() const {
-    OutputFile output(output_);
+    OutputText output(output_);
     const std::string title = files_.size() == 1 ? nameOf(files_.front()) : "Contact sheet";
     output.write(draw::pageHead(title, files_.size()));
     ExitCode worst = kSound;
@@ -99,7 +99,7 @@ class DrawCommand : public Command {
       worst = std::max(worst, drawn.code);
     }
     output.write(draw::pageEnd());
-    output.keep();
+    output.commit();
     return worst;
   }
 

@@ -16,8 +16,9 @@ std::string hex(std::uint64_t offset);
 // "at 00000012 in tool.dimension1: needs 4 bytes, the file has 2".
 std::string describe(const oldtorvio::explain::Fault& fault);
 
-// A file of unknown kind is walked as a part file, up to its version word. Its report must not mention parts.
-inline constexpr oldtorvio::explain::FileKind kFallbackKind = oldtorvio::explain::FileKind::part;
-void nameVersionOfUnknown(oldtorvio::explain::FileReport& report);
+// The map of a file of that kind. Of a file of unknown kind only the version word is known: the fault says why.
+oldtorvio::explain::FileReport mapAs(std::span<const std::byte> bytes,
+                                     std::optional<oldtorvio::explain::FileKind> kind,
+                                     const oldtorvio::explain::MapSink& sink);
 
 }  // namespace torvio

@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace torvio {
 
@@ -10,6 +11,8 @@ namespace torvio {
 class OutputError : public std::exception {
  public:
   explicit OutputError(int error);
+  // For another reason.
+  explicit OutputError(std::string text) : error_(0), text_(std::move(text)) {}
   const char* what() const noexcept override { return text_.c_str(); }
   // Whether the reader of a pipe has closed it, as `head` does: no message is printed then.
   bool isClosedPipe() const;

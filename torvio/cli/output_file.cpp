@@ -1,74 +1,170 @@
 #include "torvio/cli/output_file.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <random>
 #include <system_error>
 
 #include "torvio/cli/output.h"
 
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace torvio {
 namespace {
 
-namespace fs = std::filesystem;
-
-std::string randomSuffix() {
-  constexpr std::string_view kDigits = "0123456789abcdefghijklmnopqrstuvwxyz";
+std::string temporaryName() {
+  static constexpr char kHex[] = "0123456789abcdef";
   std::random_device random;
-  std::string suffix = ".";
-  for (int i = 0; i < 8; ++i) suffix += kDigits[random() % kDigits.size()];
-  return suffix + ".tmp";
+  std::string name = ".torvio-";
+  for (int i = 0; i < 4; ++i)
+    for (std::uint32_t bits = random(), k = 0; k < 4; ++k, bits >>= 4U) name += kHex[bits & 0xFU];
+  return name + ".tmp";
 }
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path) : path_(path) {
-  if (path.empty() || path == "-") return;
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (fs::is_directory(status)) throw OutputError(EISDIR);
-  if (fs::exists(status) && !fs::is_regular_file(status)) {
-    file_ = std::fopen(path.c_str(), "wb");
-  } else {
-    // A link stays a link to the new file.
-    const fs::path target = fs::is_symlink(path, error) ? fs::weakly_canonical(path, error) : fs::path(path);
-    if (!error && !target.empty()) path_ = target.string();
-    temporary_ = (fs::path(path_).parent_path() / (".torvio" + randomSuffix())).string();
-    file_ = std::fopen(temporary_.c_str(), "wb");
+#if defined(_WIN32)
+
+class OutputFile::Place {
+ public:
+  explicit Place(const std::string& path) : path_(path) {
+    const std::size_t separator = path.find_last_of("/\\:");
+    temporary_ = path.substr(0, separator == std::string::npos ? 0 : separator + 1) + temporaryName();
   }
+
+  // What keeps the name from being replaced.
+  std::string obstacle() const {
+    const DWORD attributes = ::GetFileAttributesA(path_.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return "";
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return "is a link";
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? "is a folder" : "";
+  }
+  std::FILE* create() const {
+    const int file =
+        ::_open(temporary_.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    return file < 0 ? nullptr : ::_fdopen(file, "wb");
+  }
+  bool rename() const {
+    if (::MoveFileExA(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0) return true;
+    errno = EACCES;
+    return false;
+  }
+  void remove() const { (void)::DeleteFileA(temporary_.c_str()); }
+
+ private:
+  std::string path_, temporary_;
+};
+
+#else
+
+// The folder is opened once: whatever its path leads to later, both names are in this one.
+class OutputFile::Place {
+ public:
+  explicit Place(const std::string& path) {
+    const std::size_t separator = path.rfind('/');
+    const std::string folder = separator == std::string::npos ? "." : path.substr(0, separator + 1);
+    name_ = separator == std::string::npos ? path : path.substr(separator + 1);
+    if (name_.empty()) name_ = ".";
+    folder_ = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  }
+  Place(const Place&) = delete;
+  Place& operator=(const Place&) = delete;
+  ~Place() {
+    if (folder_ >= 0) (void)::close(folder_);
+  }
+
+  // What keeps the name from being replaced.
+  std::string obstacle() const {
+    struct stat info {};
+    if (folder_ < 0 || ::fstatat(folder_, name_.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) return "";
+    if (S_ISLNK(info.st_mode)) return "is a link";
+    if (S_ISDIR(info.st_mode)) return "is a folder";
+    return S_ISREG(info.st_mode) ? "" : "is not a regular file";
+  }
+  std::FILE* create() const {
+    if (folder_ < 0) return nullptr;
+    constexpr mode_t kForAll = 0666, kPermissions = 0777;
+    struct stat before {};
+    const bool isReplacing = ::fstatat(folder_, name_.c_str(), &before, AT_SYMLINK_NOFOLLOW) == 0;
+    const int file =
+        ::openat(folder_, temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForAll);
+    if (file < 0) return nullptr;
+    // Who may use the file that is replaced may use the new one.
+    if (isReplacing && S_ISREG(before.st_mode)) (void)::fchmod(file, before.st_mode & kPermissions);
+    return ::fdopen(file, "wb");
+  }
+  bool rename() const { return ::renameat(folder_, temporary_.c_str(), folder_, name_.c_str()) == 0; }
+  void remove() const { (void)::unlinkat(folder_, temporary_.c_str(), 0); }
+
+ private:
+  int folder_ = -1;
+  std::string name_, temporary_ = temporaryName();
+};
+
+#endif
+
+OutputFile::OutputFile(const std::string& path) : place_(std::make_unique<Place>(path)) {
+  const int opened = errno;
+  error_ = place_->obstacle();
+  if (!error_.empty()) return;
+  errno = opened;
+  file_ = place_->create();
   if (file_ == nullptr) {
-    const int failure = errno;
-    temporary_.clear();
-    throw OutputError(failure);
+    fail("cannot be created", errno);
+    return;
   }
+  // Those who write have buffers of their own.
+  (void)std::setvbuf(file_, nullptr, _IONBF, 0);
 }
 
 OutputFile::~OutputFile() {
-  if (file_ != nullptr) (void)std::fclose(file_);
-  std::error_code ignored;
-  if (!temporary_.empty()) fs::remove(temporary_, ignored);
-}
-
-void OutputFile::write(std::string_view text) {
-  if (file_ == nullptr) return print(text);
-  if (std::fwrite(text.data(), 1, text.size(), file_) != text.size()) throw OutputError(errno);
-}
-
-void OutputFile::keep() {
   if (file_ == nullptr) return;
-  std::FILE* const file = file_;
+  (void)std::fclose(file_);
+  place_->remove();
+}
+
+bool OutputFile::commit() {
+  if (file_ == nullptr) return false;
+  const bool isClosed = std::fclose(file_) == 0;
   file_ = nullptr;
-  if (std::fclose(file) != 0) throw OutputError(errno);
-  if (temporary_.empty()) return;
-  std::error_code error;
-  fs::rename(temporary_, path_, error);
-  if (error) throw OutputError(error.value());
-  temporary_.clear();
+  if (isClosed && place_->rename()) return true;
+  fail("cannot be written", errno);
+  place_->remove();
+  return false;
+}
+
+void OutputFile::fail(const std::string& what, int error) {
+  error_ = what + ": " + std::generic_category().message(error);
+}
+
+OutputText::OutputText(const std::string& path) {
+  if (path.empty() || path == "-") return;
+  file_.emplace(path);
+  if (!file_->error().empty()) throw OutputError(file_->error());
+}
+
+void OutputText::write(std::string_view text) {
+  if (!file_) return print(text);
+  if (std::fwrite(text.data(), 1, text.size(), file_->handle()) != text.size()) throw OutputError(errno);
+}
+
+void OutputText::commit() {
+  if (file_ && !file_->commit()) throw OutputError(file_->error());
 }
 
 bool isSameFile(const std::string& one, const std::string& other) {
   std::error_code error;
-  return fs::equivalent(one, other, error) && !error;
+  return std::filesystem::equivalent(one, other, error) && !error;
 }
 
 }  // namespace torvio

@@ -1,28 +1,52 @@
-// A file that a command writes: complete under its name, or not there at all.
+// Files that commands create.
 #pragma once
 #include <cstdio>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace torvio {
 
-// Writes to a temporary file beside `path`, which keep() renames; without it the temporary file is removed and what was
-// at `path` stays. What is no ordinary file (a pipe, a device) is written directly; "-" and "" are standard output.
+// A file that appears under its name once it is complete: until then it is a file beside it, in the same folder. A file
+// of that name is replaced, but not a folder, device or link, and a link that appears in the meantime is not followed.
 class OutputFile {
  public:
   explicit OutputFile(const std::string& path);
-  ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
+  // Removes the file unless it was committed.
+  ~OutputFile();
 
-  // Throws OutputError as soon as a write fails.
-  void write(std::string_view text);
-  // Call it after the last write: some errors only show here.
-  void keep();
+  // Why it could not be created or committed, as a text to print after its name; empty if it could.
+  const std::string& error() const { return error_; }
+  // Unbuffered; null after an error.
+  std::FILE* handle() const { return file_; }
+  // Closes the file and gives it its name. False if that fails: then the file of that name is as it was.
+  bool commit();
 
  private:
-  std::string path_, temporary_;  // without a temporary file, `path_` is written
-  std::FILE* file_ = nullptr;     // none for standard output
+  class Place;  // a folder and two names in it
+
+  void fail(const std::string& what, int error);
+
+  std::unique_ptr<Place> place_;
+  std::FILE* file_ = nullptr;
+  std::string error_;
+};
+
+// Text for a file that appears once it is complete, or for standard output: "" and "-". Each member throws OutputError,
+// which names the reason but not the file.
+class OutputText {
+ public:
+  explicit OutputText(const std::string& path);
+
+  void write(std::string_view text);
+  // Call it after the last write.
+  void commit();
+
+ private:
+  std::optional<OutputFile> file_;  // none for standard output
 };
 
 // Whether the two names are one file.

@@ -1,4 +1,4 @@
-// The record of a file in memory, as the load of its kind fills it.
+// Records and the bytes of their files in memory: as the load of their kind fills them, and as its save stores them.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -6,10 +6,14 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "src/file_records.h"
 #include "src/frame/codec/reader.h"
+#include "src/frame/codec/writer.h"
+#include "src/frame/entry.h"
 #include "src/frame/text/text.h"
+#include "src/sheet/sheet_io.h"
 
 namespace oldtorvio::values {
 
@@ -74,6 +78,72 @@ LoadedRecord<kKind> loadRecord(std::span<const std::byte> bytes, std::string_vie
     if (isTable && loaded.status == frame::kDone && fits) loaded.record->name = name;
   }
   return loaded;
+}
+
+// ---- saves -------------------------------------------------------------------------------------------
+
+// The file after its version word, as the save of its kind stores it.
+inline bool storeBody(codec::OutStream& to, const TorvPart& part, int version) {
+  return WritePartBody(to, version, false, part);
+}
+inline bool storeBody(codec::OutStream& to, const SheetPartList& list, int version) {
+  if (list.parts.empty()) return false;
+  const codec::GroupPartFile<const std::vector<TorvPart>> file{list.parts,
+                                                               static_cast<std::int32_t>(list.parts.size() - 1)};
+  return codec::writeRecord(to, version, file);
+}
+inline bool storeBody(codec::OutStream& to, const OldSpecialTool& tool, int version) {
+  return WriteSpecialTool(to, version, tool);
+}
+inline bool storeBody(codec::OutStream& to, OldMachine& machine, int version) {
+  return WriteOldMachine(to, version, nullptr, machine, false);
+}
+inline bool storeBody(codec::OutStream& to, OldMaterial& material, int version) {
+  return WriteParamTable(to, material.params) && WriteOldMaterialBody(to, version, material);
+}
+inline bool storeBody(codec::OutStream& to, const OldToolInventory& inventory, int version) {
+  return WriteToolInventory(to, version, inventory);
+}
+inline bool storeBody(codec::OutStream& to, const OldMacro& macro, int version) {
+  return WriteMacro(to, version, macro);
+}
+inline bool storeBody(codec::OutStream& to, OldSheet& sheet, int version) { return WriteOldSheet(to, version, sheet); }
+
+// Whether a save ends in a failure or ends the process, see SaveOldSheet.
+inline bool mayEndProcess(const auto&, int) { return false; }
+inline bool mayEndProcess(const OldSheet& sheet, int version) { return version >= 152 && !sheet.blocks.empty(); }
+
+// Stores the bytes that FileRecord<kKind>::save stores in a file, and returns its status. The caller flushes the
+// stream. A sheet with blocks, which no save can store completely and for which it may end the process, is refused.
+template <frame::FileKind kKind>
+std::int64_t storeRecord(codec::OutStream& to, typename FileRecord<kKind>::Record& record, int version) {
+  constexpr bool kIsSheet = kKind == frame::FileKind::sheet;
+  return frame::guarded(frame::kNotSaved, [&]() -> std::int64_t {
+    if constexpr (kKind == frame::FileKind::material)
+      if (startsWithTable(kKind, version)) return WriteParamTable(to, record.params) ? frame::kDone : frame::kNotSaved;
+    // The version of a sheet is an unsigned word, which is stored before it is checked.
+    if constexpr (kIsSheet) version = static_cast<std::uint16_t>(version);
+    const bool isAccepted = kIsSheet ? frame::isSavedSheetVersion(version) : frame::infoOf(kKind).accepts(version);
+    if (!kIsSheet && !isAccepted) return frame::kWrongVersion;
+    if (isAccepted && mayEndProcess(record, version)) return frame::kNotSaved;
+    if (!codec::writeRecord(to, version, static_cast<std::int16_t>(version))) return frame::kNotSaved;
+    if (!isAccepted) return frame::kWrongVersion;
+    return storeBody(to, record, version) ? frame::kDone : frame::kNotSaved;
+  });
+}
+
+struct SavedRecord {
+  std::int64_t status = frame::kNotSaved;  // of the save
+  std::vector<std::byte> bytes;            // of the file; after a failure those before it
+};
+
+template <frame::FileKind kKind>
+SavedRecord saveRecord(typename FileRecord<kKind>::Record& record, int version) {
+  codec::OutStream stream;
+  SavedRecord saved;
+  saved.status = storeRecord<kKind>(stream, record, version);
+  saved.bytes.assign(stream.bytes().begin(), stream.bytes().end());
+  return saved;
 }
 
 }  // namespace oldtorvio::values

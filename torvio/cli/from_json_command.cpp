@@ -1,0 +1,132 @@
+#include <cerrno>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <new>
+#include <string>
+#include <system_error>
+
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#endif
+
+#include "src/frame/host/platform.h"
+#include "torvio/cli/commands.h"
+#include "torvio/cli/output.h"
+#include "torvio/cli/output_file.h"
+#include "torvio/values/json_reader.h"
+
+namespace torvio {
+namespace {
+
+using namespace oldtorvio;
+
+std::string inWords(int error) { return std::generic_category().message(error); }
+
+// The text that could not be read, and why.
+struct ReadError {
+  std::string reason;
+};
+
+// The JSON text: a file, or standard input.
+class Input {
+ public:
+  explicit Input(const std::string& path) : owned_(path.empty() ? nullptr : std::fopen(path.c_str(), "rb")) {
+    if (!path.empty() && !owned_) throw ReadError{"cannot be opened: " + inWords(errno)};
+    file_ = owned_ ? owned_.get() : stdin;
+    if (frame::isFolder(file_)) throw ReadError{"is a folder"};
+#if defined(_WIN32)
+    (void)::_setmode(::_fileno(file_), _O_BINARY);
+#endif
+    // The reader has a buffer of its own.
+    (void)std::setvbuf(file_, nullptr, _IONBF, 0);
+  }
+
+  std::size_t read(char* to, std::size_t size) {
+    const std::size_t got = std::fread(to, 1, size, file_);
+    if (got < size && std::ferror(file_) != 0) throw ReadError{"cannot be read: " + inWords(errno)};
+    return got;
+  }
+
+ private:
+  struct Close {
+    void operator()(std::FILE* file) const { (void)std::fclose(file); }
+  };
+  std::unique_ptr<std::FILE, Close> owned_;
+  std::FILE* file_ = nullptr;
+};
+
+// Makes a file of the JSON of its record.
+class FromJsonCommand : public Command {
+ public:
+  CLI::App* addTo(CLI::App& tool) override {
+    CLI::App* command = tool.add_subcommand("from-json", "Make a file of the JSON of its record");
+    addFile(*command, "IN", input_, "The JSON text; without it standard input");
+    addFile(*command, "-o,--output", output_, "The file to make")->type_name("OUT")->required();
+    command->add_option("--version", version_, "Save in this version instead of the one of the JSON")
+        ->type_name("VERSION")
+        ->take_last()
+        ->check(CLI::Range(int{std::numeric_limits<std::int16_t>::min()}, int{std::numeric_limits<std::int16_t>::max()})
+                    .description(""));
+    command->footer(
+        "OUT is replaced once the new file is complete. A member that is unknown,\n"
+        "missing or of another type is an error. \"torvio schema\" describes the JSON.\n\n"
+        "Exit code:\n"
+        "  0  the file was made\n"
+        "  1  the JSON is refused, or its record cannot be saved in this version\n"
+        "  2  the command line is wrong\n"
+        "  3  the JSON could not be read, or the file could not be written");
+    return command;
+  }
+
+  ExitCode run() override try {
+    Input input(input_);
+    const values::JsonRecord read = values::readJson([&](char* to, std::size_t size) { return input.read(to, size); });
+    if (!read.error.empty()) return failed(inputName() + ": " + read.error, kDamaged);
+    return save(read);
+  } catch (const ReadError& error) {
+    return failed(inputName() + ": " + error.reason, kNotReadOrWritten);
+  } catch (const std::bad_alloc&) {
+    return failed(inputName() + ": cannot be read: not enough memory", kNotReadOrWritten);
+  }
+
+ private:
+  ExitCode save(const values::JsonRecord& read) const {
+    const int version = version_.value_or(read.version);
+    OutputFile output(output_);
+    if (output.handle() == nullptr) return failed(onOneLine(output_) + ": " + output.error(), kNotReadOrWritten);
+    codec::OutStream stream(output.handle());
+    const std::int64_t status = values::storeRecord(stream, read, version);
+    const bool isFlushed = stream.flush();
+    if (stream.failed() || !isFlushed)
+      return failed(onOneLine(output_) + ": cannot be written: " + inWords(errno), kNotReadOrWritten);
+    if (status != frame::kDone) return failed(inputName() + ": " + refusal(read, status, version), kDamaged);
+    if (!output.commit()) return failed(onOneLine(output_) + ": " + output.error(), kNotReadOrWritten);
+    return kSound;
+  }
+
+  static std::string refusal(const values::JsonRecord& read, std::int64_t status, int version) {
+    const std::string kind(frame::infoOf(read.kind).name);
+    if (status == frame::kWrongVersion) return "no " + kind + " file is saved in version " + std::to_string(version);
+    if (read.kind == frame::FileKind::sheet && values::mayEndProcess(read.as<frame::FileKind::sheet>(), version))
+      return "blocks: cannot be saved, and has to be empty in version " + std::to_string(version);
+    return "the record cannot be saved in version " + std::to_string(version) +
+           ": a count, a width or a version in it is not possible, or a list that has to have elements is empty";
+  }
+
+  std::string inputName() const { return input_.empty() ? "standard input" : onOneLine(input_); }
+  static ExitCode failed(const std::string& message, ExitCode code) {
+    printError(message);
+    return code;
+  }
+
+  std::string input_, output_;
+  std::optional<int> version_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeFromJsonCommand() { return std::make_unique<FromJsonCommand>(); }
+
+}  // namespace torvio

@@ -1,0 +1,89 @@
+#include <cerrno>
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "torvio/archive/verdict.h"
+#include "torvio/cli/commands.h"
+#include "torvio/cli/file_text.h"
+#include "torvio/cli/output.h"
+#include "torvio/cli/output_file.h"
+#include "torvio/explain/file_content.h"
+#include "torvio/values/json_writer.h"
+#include "torvio/values/text_encoding.h"
+
+namespace torvio {
+namespace {
+
+using namespace oldtorvio;
+
+// Prints the record of a file as JSON; of a damaged file what was read and the fault.
+class JsonCommand : public Command {
+ public:
+  CLI::App* addTo(CLI::App& tool) override {
+    const std::vector<std::string> encodings = values::TextEncoding::names();
+    CLI::App* command = tool.add_subcommand("json", "Print the record of a file as JSON, without losing anything");
+    addFile(*command, "FILE", file_, "The file")->required();
+    addKind(*command, kind_);
+    command->add_option("--encoding", encoding_, "The code page of the texts; without it " + encoding_)
+        ->type_name("NAME")
+        ->take_last()
+        ->check(oneOf(encodings, "encoding", "Encodings"));
+    command->add_flag("--pretty", isPretty_, "Print every member on a line of its own");
+    addFile(*command, "-o,--output", output_, "Write to this file instead of standard output")->type_name("OUT");
+    command->footer(wrapped("Encodings", encodings) + "\n" + fileHelp() +
+                    "\n\nOf a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
+                    "makes a file of the JSON of a sound one, \"torvio schema\" describes it.");
+    return command;
+  }
+
+  ExitCode run() override try {
+    const explain::FileContent file(file_);
+    if (!file.error().empty()) {
+      printError(onOneLine(file_) + ": " + file.error());
+      return kNotReadOrWritten;
+    }
+    const auto [kind, report] = examined(file.bytes());
+    const ExitCode code = write(file.bytes(), kind, report);
+    if (code == kSound && report.fault) {
+      printError(onOneLine(file_) + ": " + describe(*report.fault));
+      return kDamaged;
+    }
+    return code;
+  } catch (const std::bad_alloc&) {
+    printError(onOneLine(file_) + ": " + kNoMemory);
+    return kNotReadOrWritten;
+  }
+
+ private:
+  struct Examined {
+    std::optional<frame::FileKind> kind;
+    explain::FileReport report;
+  };
+  Examined examined(std::span<const std::byte> bytes) const {
+    archive::Judgement judged = archive::judge(file_, bytes, {kind_, {}});
+    if (judged.kind) return {judged.kind, std::move(judged.report)};
+    return {std::nullopt, mapAs(bytes, std::nullopt, [](const explain::MapLine&) {})};
+  }
+
+  ExitCode write(std::span<const std::byte> bytes, std::optional<frame::FileKind> kind,
+                 const explain::FileReport& report) const {
+    OutputText output(output_);
+    values::writeFileAsJson([&](std::string_view text) { output.write(text); }, bytes, kind, report, encoding_, isPretty_);
+    output.commit();
+    return kSound;
+  }
+
+  std::string file_;
+  std::optional<frame::FileKind> kind_;
+  std::string encoding_{values::kDefaultEncoding};
+  bool isPretty_ = false;
+  std::string output_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeJsonCommand() { return std::make_unique<JsonCommand>(); }
+
+}  // namespace torvio

@@ -1,0 +1,34 @@
+#include <string>
+
+#include "torvio/cli/commands.h"
+#include "torvio/cli/output.h"
+#include "torvio/values/json_schema.h"
+
+namespace torvio {
+namespace {
+
+// Prints the JSON Schema of what `json` prints for files of a kind.
+class SchemaCommand : public Command {
+ public:
+  CLI::App* addTo(CLI::App& tool) override {
+    CLI::App* command = tool.add_subcommand("schema", "Print the JSON Schema of what json prints for a kind of file");
+    command->add_option("KIND", kind_, "A kind of file")->required()->check(oneOf(kindNames(), "kind", "Kinds"));
+    command->footer(wrapped("Kinds", kindNames()) +
+                    "\n\nExit code: 0, 2 for a wrong command line, 3 if the output could not be written.");
+    return command;
+  }
+
+  ExitCode run() override {
+    print(oldtorvio::values::jsonSchema(*kindNamed(kind_)));
+    return kSound;
+  }
+
+ private:
+  std::string kind_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeSchemaCommand() { return std::make_unique<SchemaCommand>(); }
+
+}  // namespace torvio

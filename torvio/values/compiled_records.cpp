@@ -1,0 +1,7 @@
+#include "torvio/values/compiled_records.h"
+
+namespace oldtorvio::values {
+
+OLDTORVIO_RECORDS_OF_ALL_KINDS()
+
+}  // namespace oldtorvio::values

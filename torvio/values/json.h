@@ -1,0 +1,38 @@
+// Records as JSON: what the writer, the reader and the schemas agree on. docs/json.md describes the text.
+#pragma once
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "src/frame/file_kinds.h"
+#include "torvio/explain/file_map.h"
+
+namespace oldtorvio::values {
+
+// Raise it with every change after which a reader of today would misread the text.
+inline constexpr int kJsonFormat = 1;
+
+inline constexpr std::string_view kDefaultEncoding = "cp1252";
+
+namespace json_names {
+
+// Of the document, in the order in which they are written.
+inline constexpr std::string_view kFormat = "format", kKind = "kind", kVersion = "version", kEncoding = "encoding",
+                                  kRecord = "record", kTolerated = "tolerated", kUnread = "unread", kFault = "fault";
+// May be in a document that a person or an editor has made.
+inline constexpr std::string_view kSchema = "$schema";
+// Of a fault.
+inline constexpr std::string_view kOffset = "offset", kPath = "path", kReason = "reason";
+// Of a fixed text with bytes after its NUL, and of a float that is no JSON number.
+inline constexpr std::string_view kText = "text", kAfter = "after", kBits = "bits";
+
+}  // namespace json_names
+
+// What a document says of the file beside its record.
+struct JsonHead {
+  std::optional<frame::FileKind> kind;
+  std::optional<int> version;
+  std::string encoding{kDefaultEncoding};
+};
+
+}  // namespace oldtorvio::values

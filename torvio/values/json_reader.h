@@ -1,0 +1,46 @@
+// Records from JSON text.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "torvio/values/compiled_records.h"
+#include "torvio/values/json.h"
+
+namespace oldtorvio::values {
+
+// A record of any kind.
+struct JsonRecord {
+  frame::FileKind kind{};
+  int version = 0;  // to be saved at, unless the user wants another
+  std::string encoding;
+  std::shared_ptr<void> record;  // null after an error
+
+  // What is wrong with the text, as a sentence that begins with the path of the member or a line number:
+  // "partList.parts[3].x: must be a number, not a string". Control characters in it are escaped.
+  std::string error;
+
+  template <frame::FileKind kKind>
+  typename FileRecord<kKind>::Record& as() const {
+    return *static_cast<typename FileRecord<kKind>::Record*>(record.get());
+  }
+};
+
+// Fills the buffer with the next bytes of the text and returns how many there were; 0 at its end.
+using JsonSource = std::function<std::size_t(char* to, std::size_t size)>;
+
+// A text of more than that is refused.
+inline constexpr std::uint64_t kLargestJsonMiB = 8192;
+
+// Reads a document straight into a new record: apart from it, memory is taken for one member at a time only. Throws
+// std::bad_alloc and what the source throws.
+JsonRecord readJson(const JsonSource& source);
+JsonRecord readJson(std::string_view text);
+
+// Saves the record as its kind does; returns the status of the save. The caller flushes the stream.
+std::int64_t storeRecord(codec::OutStream& to, const JsonRecord& record, int version);
+
+}  // namespace oldtorvio::values

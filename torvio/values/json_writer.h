@@ -1,0 +1,36 @@
+// Records as JSON text.
+#pragma once
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "torvio/values/compiled_records.h"
+#include "torvio/values/json.h"
+
+namespace oldtorvio::values {
+
+// Takes the text piece by piece. Whatever it throws ends the writing.
+using JsonSink = std::function<void(std::string_view)>;
+
+// Writes a document. Without a record, or if the head has no kind, its record is null. `encoding` of the head is one
+// of TextEncoding::names(). What is said of the file besides comes from `report`, if there is one.
+void writeJson(const JsonSink& sink, const JsonHead& head, const void* record, const explain::FileReport* report,
+               bool isPretty = false);
+
+// The document of a record in memory, to be saved at that version.
+template <frame::FileKind kKind>
+std::string jsonOf(const typename FileRecord<kKind>::Record& record, int version,
+                   std::string_view encoding = kDefaultEncoding, bool isPretty = false) {
+  std::string text;
+  const JsonHead head{kKind, version, std::string(encoding)};
+  writeJson([&](std::string_view piece) { text += piece; }, head, &record, nullptr, isPretty);
+  return text;
+}
+
+// The document of the bytes of a file: its record, or what of it was read before a fault, and what `report` says, which
+// is that of checkFile for these bytes and this kind. The record is null without a kind, and if the kind refuses the
+// version.
+void writeFileAsJson(const JsonSink& sink, std::span<const std::byte> bytes, std::optional<frame::FileKind> kind,
+                     const explain::FileReport& report, const std::string& encoding, bool isPretty = false);
+
+}  // namespace oldtorvio::values
