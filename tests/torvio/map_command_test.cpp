@@ -44,7 +44,8 @@ std::size_t occurrences(const std::string& text, const std::string& of) {
   for (std::size_t at = 0; (at = text.find(of, at)) != std::string::npos; at += of.size()) ++count;
   return count;
 }
-std::string quoted(const std::string& path) { return '"' + path + '"'; }
+// For a shell.
+std::string quoted(const std::string& argument) { return '"' + argument + '"'; }
 
 // A part whose texts would do harm in a page or on a terminal.
 constexpr const char* kScript = "</script><script>alert(1)</script><!--";
@@ -167,7 +168,7 @@ TEST(MapFields, HaveTheValuesOfTheirLines) {
 TEST_F(MapCommand, FindPrintsTheLinesOfANameAPathOrAGlob) {
   const auto found = [&](const std::string& pattern) {
     std::vector<std::string> paths;
-    const Outcome run = torvio("map --find '" + pattern + "' " + part_);
+    const Outcome run = torvio("map --find " + quoted(pattern) + " " + part_);
     EXPECT_EQ(run.code, 0) << pattern;
     for (const std::string& line : linesIn(run.output)) paths.push_back(line.substr(16, line.find(" = ") - 16));
     return paths;
@@ -180,7 +181,7 @@ TEST_F(MapCommand, FindPrintsTheLinesOfANameAPathOrAGlob) {
                                       "shapes.shapes[1].note.length", "shapes.shapes[1].note.text",
                                       "shapes.shapes[2].note.length", "shapes.shapes[2].note.text"}));
   EXPECT_EQ(found("description*").size(), 3U);
-  const auto objects = objectsIn(torvio("map --json --find 'shapes[0..1].y' " + part_).output);
+  const auto objects = objectsIn(torvio("map --json --find shapes[0..1].y " + part_).output);
   ASSERT_EQ(objects.size(), 2U);
   EXPECT_EQ(objects[1]["path"], "shapes.shapes[1].y") << "of a block only this field";
 }
