@@ -4,17 +4,21 @@
 #include "torvio/cli/commands.h"
 #include "torvio/cli/output.h"
 #include "torvio/explain/format_table.h"
+#include "torvio/explain/kaitai.h"
 
 namespace torvio {
 namespace {
 
+using namespace oldtorvio;
+
 std::vector<std::string> recordNames() {
   std::vector<std::string> names;
-  for (const std::string_view record : oldtorvio::explain::recordNames()) names.emplace_back(record);
+  for (const std::string_view record : explain::recordNames()) names.emplace_back(record);
   return names;
 }
 
-// Prints the stored form of a kind of file, or of a record that files embed, as a Markdown table.
+// Prints the stored form of a kind of file, or of a record that files embed, as a Markdown table or, of a kind of file,
+// as a description that Kaitai Struct makes readers of.
 class FormatCommand : public Command {
  public:
   CLI::App* addTo(CLI::App& tool) override {
@@ -24,19 +28,43 @@ class FormatCommand : public Command {
     command->add_option("KIND", table_, "A kind of file, or a record that files embed")
         ->required()
         ->check(oneOf(tables, "kind or record", "Kinds and records"));
+    command->add_option("--as", language_, "markdown, or kaitai: a .ksy file of Kaitai Struct")
+        ->type_name("LANGUAGE")
+        ->take_last()
+        ->check(oneOf({kMarkdown, kKaitai}, "language", "Languages"));
     command->footer(wrapped("Kinds", kindNames()) + "\n\n" + wrapped("Records", recordNames()) +
+                    "\n\nKaitai descriptions are of kinds. Their text says what they leave out."
                     "\n\nExit code: 0, 2 for a wrong command line, 3 if the output could not be written.");
     return command;
   }
 
   ExitCode run() override {
     const auto kind = kindNamed(table_);
-    print(kind ? oldtorvio::explain::formatTable(*kind) : oldtorvio::explain::recordTable(table_));
+    if (language_ == kKaitai) return printKaitai(kind);
+    print(kind ? explain::formatTable(*kind) : explain::recordTable(table_));
     return kSound;
   }
 
  private:
-  std::string table_;
+  static constexpr const char* kMarkdown = "markdown";
+  static constexpr const char* kKaitai = "kaitai";
+
+  ExitCode printKaitai(std::optional<frame::FileKind> kind) const {
+    if (!kind) {
+      printError("format: " + inQuotes(table_) + " is a record, and Kaitai descriptions are of kinds of files\n" +
+                 wrapped("Kinds", kindNames()));
+      return kUsageError;
+    }
+    const explain::KaitaiDescription description = explain::kaitaiDescription(*kind);
+    if (!description.problems.empty()) {
+      printError("format: a " + table_ + " file cannot be described for Kaitai: " + description.problems.front());
+      return kUsageError;
+    }
+    print(description.text);
+    return kSound;
+  }
+
+  std::string table_, language_ = kMarkdown;
 };
 
 }  // namespace

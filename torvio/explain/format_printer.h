@@ -16,18 +16,9 @@
 #include "src/frame/codec/describe.h"
 #include "src/frame/versions.h"
 #include "torvio/explain/map.h"
+#include "torvio/explain/record_names.h"
 
 namespace oldtorvio::explain {
-
-// The name of a record that has a table of its own: others refer to it by that name. A record without one is
-// described field by field where it is embedded.
-template <class Record>
-inline constexpr std::string_view kTableOf{};
-// The same, where it depends on the further arguments of its description: a specialisation decides.
-template <class Record, class... A>
-std::string_view tableFor(const A&... /*more*/) {
-  return kTableOf<Record>;
-}
 
 class FormatPrinter {
  public:

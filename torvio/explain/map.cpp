@@ -109,7 +109,7 @@ bool Mapper::text(std::string& to, std::uint64_t size) {
   std::string value;
   printText(value, to.data(), to.size());
   lastOffset_ = at;
-  sink_({at, size, pathOf("text"), std::move(value)});
+  sink_({at, size, pathOf("text"), std::move(value), kText, path_.size()});
   return true;
 }
 
@@ -120,7 +120,8 @@ bool Mapper::drop(std::size_t size) {
     return false;
   }
   lastOffset_ = at;
-  sink_({at, size, pathOf("reserved"), "(dropped)"});
+  static constexpr StoredForm kReserved;
+  sink_({at, size, pathOf("reserved"), "(dropped)", {&kReserved, 1}, path_.size()});
   return true;
 }
 
@@ -137,10 +138,10 @@ void Mapper::endsHere(const std::string& name, std::uint64_t size) {
   (void)fellShort();
 }
 
-void Mapper::report(std::uint64_t size, const std::string& name, std::string value) {
+void Mapper::report(std::uint64_t size, const std::string& name, std::string value, std::span<const StoredForm> forms) {
   lastOffset_ = in_.position();
   in_.consume(static_cast<std::size_t>(size));
-  sink_({lastOffset_, size, pathOf(name), std::move(value)});
+  sink_({lastOffset_, size, pathOf(name), std::move(value), forms, path_.size()});
 }
 
 void Mapper::refusedHere() { fault_ = Fault{in_.position(), pathOf("rest"), "is not read in a file of this version"}; }

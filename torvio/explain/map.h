@@ -1,9 +1,12 @@
 // The map: reads like the reader and reports every field with its offset and value. The base of everything that
 // explains a file.
 #pragma once
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,11 +16,25 @@
 
 namespace oldtorvio::explain {
 
+// How a field is stored.
+struct StoredForm {
+  enum class Kind : std::uint8_t { number, text, bytes, reserved };
+
+  Kind kind = Kind::reserved;
+  const char* type = "reserved";  // "i16", "u32", "f64", "text", "bytes"
+  std::uint32_t size = 0;         // 0 for all bytes of the line
+  // Prints a number that is stored there, as the map does; null for all others.
+  void (*print)(std::string& to, const std::byte* from) = nullptr;
+};
+
 struct MapLine {
   std::uint64_t offset = 0;
   std::uint64_t size = 0;  // 0 for a remark
   std::string path;        // shapes.shapes[3].x
   std::string value;       // a remark has its text here
+  // One, or those of a block, whose path ends with as many names: "origin.x, y". None for a remark.
+  std::span<const StoredForm> forms = {};
+  std::size_t nameAt = 0;  // where the names begin in the path
 };
 
 using MapSink = std::function<void(const MapLine&)>;
@@ -72,11 +89,13 @@ class Mapper : public codec::Reading<Mapper> {
     if (from == nullptr) return false;
     std::memcpy(std::data(field), from, size);
     std::string value;
-    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(field[0])>, char>)
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(field[0])>, char>) {
       printText(value, std::data(field), size);
-    else
+      report(size, name, std::move(value), kText);
+    } else {
       printBytes(value, std::data(field), size);
-    report(size, name, std::move(value));
+      report(size, name, std::move(value), kBytes);
+    }
     return true;
   }
   bool text(std::string& to, std::uint64_t size);
@@ -113,7 +132,7 @@ class Mapper : public codec::Reading<Mapper> {
       Item::load(member, from);
       std::string value;
       print(value, member);
-      report(Item::kWidth, name, std::move(value));
+      report(Item::kWidth, name, std::move(value), Forms<std::remove_cvref_t<M>>::kAll);
       return true;
     }
   }
@@ -153,10 +172,26 @@ class Mapper : public codec::Reading<Mapper> {
     to.pop_back();
   }
 
+  // The stored forms of what an item consists of.
+  static constexpr std::array kText{StoredForm{StoredForm::Kind::text, "text", 0, nullptr}};
+  static constexpr std::array kBytes{StoredForm{StoredForm::Kind::bytes, "bytes", 0, nullptr}};
+  template <class M>
+  struct Forms;
+  template <class Stored>
+  static constexpr StoredForm numberForm(void (*print)(std::string&, const std::byte*)) {
+    constexpr std::size_t kIndex = std::bit_width(sizeof(Stored)) - 1;
+    constexpr std::array kSigned{"i8", "i16", "i32", "i64"}, kUnsigned{"u8", "u16", "u32", "u64"},
+        kReal{"", "", "f32", "f64"};
+    const char* const type = std::is_floating_point_v<Stored> ? kReal[kIndex]
+                             : std::is_signed_v<Stored>       ? kSigned[kIndex]
+                                                              : kUnsigned[kIndex];
+    return {StoredForm::Kind::number, type, sizeof(Stored), print};
+  }
+
   // The next bytes, not yet reported; or null, with the fault noted and the stream at its end.
   const std::byte* take(const std::string& name, std::size_t size);
   void endsHere(const std::string& name, std::uint64_t size);
-  void report(std::uint64_t size, const std::string& name, std::string value);
+  void report(std::uint64_t size, const std::string& name, std::string value, std::span<const StoredForm> forms);
   void enterPath(const std::string& name, std::int64_t index);
   std::string pathOf(const std::string& name) const;
 
@@ -172,6 +207,39 @@ class Mapper : public codec::Reading<Mapper> {
   std::uint64_t lastOffset_ = 0;
   std::optional<Fault> fault_;
   std::optional<Fault> tolerated_;
+};
+
+template <codec::Number T>
+struct Mapper::Forms<T> {
+  using Value = std::remove_const_t<T>;
+  static void print(std::string& to, const std::byte* from) {
+    Value value;
+    codec::wire::Item<Value>::load(value, from);
+    Mapper::print(to, value);
+  }
+  static constexpr std::array kAll{numberForm<Value>(print)};
+};
+template <class T, std::size_t N>
+struct Mapper::Forms<T[N]> {
+  static constexpr std::array kAll{std::is_same_v<std::remove_const_t<T>, char>
+                                       ? StoredForm{StoredForm::Kind::text, "text", N, nullptr}
+                                       : StoredForm{StoredForm::Kind::bytes, "bytes", N, nullptr}};
+};
+// Printed as the member that it becomes.
+template <class Stored, class T>
+struct Mapper::Forms<codec::As<Stored, T>> {
+  static void print(std::string& to, const std::byte* from) {
+    std::remove_const_t<T> member;
+    codec::wire::Item<codec::As<Stored, std::remove_const_t<T>>>::load({member}, from);
+    Mapper::print(to, member);
+  }
+  static constexpr std::array kAll{numberForm<Stored>(print)};
+};
+template <class T>
+struct Mapper::Forms<codec::NonZero<T>> : Mapper::Forms<T> {};
+template <class... T>
+struct Mapper::Forms<codec::Block<T...>> {
+  static constexpr std::array kAll{Forms<std::remove_const_t<T>>::kAll[0]...};
 };
 
 }  // namespace oldtorvio::explain

@@ -1,0 +1,57 @@
+// Writes small sound files of every kind and version as KIND_VERSION.bin and KIND_VERSION_VARIANT.bin, for tests in other
+// languages.
+#include <cstdio>
+#include <optional>
+#include <string>
+
+#include "tests/support/files.h"
+#include "tests/support/kind_files.h"
+
+namespace {
+
+using namespace testing_support;
+using oldtorvio::explain::FileKind;
+
+// A save stores fields at the end of a machine that loads of versions below 152 do not read, and a sheet goes on after
+// its machine. So the sheet that a load reads has fewer bytes there.
+Bytes readableSheet(int version) {
+  const Bytes saved = sheetFile(version);
+  const std::size_t unread = version < 151 ? 9 * 4 + 1 : version < 152 ? 1 : 0;
+  if (unread == 0) return saved;
+  std::optional<std::size_t> at;
+  (void)explain::mapFile(saved.span(), FileKind::sheet, [&](const explain::MapLine& line) {
+    if (!at && line.path == "machine.extension.extensionEntries.count") at = static_cast<std::size_t>(line.offset);
+  });
+  const std::size_t from = at.value_or(saved.size() - unread);
+  return Bytes::of(saved.span().first(from)).add(Bytes::of(saved.span().subspan(from + unread)));
+}
+
+// A material file that is a table of such a version. All of its fields have fixed sizes, so it may hold anything.
+Bytes oldTable(int version) {
+  Bytes bytes = Bytes().i16(version);
+  for (int i = 0; i < 1000; ++i) bytes.u8(static_cast<std::uint8_t>(i * 37 + version));
+  return bytes;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    (void)std::fputs("usage: torvio_kind_files FOLDER\n", stderr);
+    return 2;
+  }
+  const auto write = [&](const std::string& kind, int version, const char* variant, const Bytes& bytes) {
+    writeFile(std::string(argv[1]) + "/" + kind + "_" + std::to_string(version) + variant + ".bin", bytes);
+  };
+  for (const Kind& kind : kinds()) {
+    const oldtorvio::frame::FileKindInfo& info = oldtorvio::frame::infoOf(kind.kind);
+    for (int version = oldtorvio::frame::kFirstMainVersion; version <= oldtorvio::frame::VersionSet::kHighest;
+         ++version) {
+      if (!info.accepts(version)) continue;
+      write(kind.name, version, "", kind.kind == FileKind::sheet ? readableSheet(version) : kind.file(version));
+      if (kind.kind == FileKind::part) write(kind.name, version, "_plain", partFile(version));
+    }
+  }
+  for (int version = 500; version <= 502; ++version) write("material", version, "", oldTable(version));
+  return 0;
+}

@@ -1,0 +1,22 @@
+// A map as JSON, one object a line.
+#pragma once
+#include <cstddef>
+#include <span>
+#include <string>
+
+#include "torvio/explain/file_map.h"
+#include "torvio/explain/map_fields.h"
+#include "torvio/values/text_encoding.h"
+
+namespace oldtorvio::report {
+
+// {"offset":2,"size":4,"path":"width","type":"f32","value":12.5}, and "note" where noteOf() says something. With its
+// newline, as all of these.
+void appendJsonField(std::string& to, const explain::MapField& field, std::span<const std::byte> file,
+                     const values::TextEncoding& encoding);
+// {"offset":40,"size":0,"path":"machine","remark":"..."}
+void appendJsonRemark(std::string& to, const explain::MapLine& line);
+// {"offset":40,"path":"width","fault":"needs 4 bytes, the file has 2"}
+void appendJsonFault(std::string& to, const explain::Fault& fault);
+
+}  // namespace oldtorvio::report
