@@ -26,7 +26,8 @@ using frame::FileKind;
 
 constexpr Evidence kPlausibleFloat = 1.5F, kOddFloat = -3;
 constexpr Evidence kUsualNumber = 0.25F, kLargeNumber = -1;
-constexpr std::int64_t kLargestUsual = 1 << 24;
+// Two characters of UTF-16 are above it.
+constexpr std::int64_t kLargestUsual = 1 << 20;
 
 template <class T>
 Evidence ofFloat(T value) {
