@@ -30,6 +30,8 @@ std::vector<std::string> rowsOf(const std::string& catalogue, const std::string&
   std::vector<std::string> rows;
   sqlite3* database = nullptr;
   EXPECT_EQ(sqlite3_open_v2(catalogue.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK) << catalogue;
+  // A process that was killed may not have ended yet.
+  (void)sqlite3_busy_timeout(database, 10'000);
   sqlite3_stmt* query = nullptr;
   EXPECT_EQ(sqlite3_prepare_v2(database, sql.c_str(), -1, &query, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
   while (sqlite3_step(query) == SQLITE_ROW) {
