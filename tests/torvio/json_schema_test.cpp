@@ -1,5 +1,4 @@
 // The JSON Schemas: published as they are printed, and valid for what is written.
-#include "torvio/values/all_members.h"
 #include "torvio/values/json_schema.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +10,7 @@
 #include "tests/support/files.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
+#include "torvio/values/all_members.h"
 #include "torvio/values/json_writer.h"
 
 namespace {

@@ -15,8 +15,7 @@ std::string describe(const oldtorvio::explain::Fault& fault) {
   return "at " + hex(fault.offset) + " in " + fault.path + ": " + fault.reason;
 }
 
-oldtorvio::explain::FileReport mapAs(std::span<const std::byte> bytes,
-                                     std::optional<oldtorvio::explain::FileKind> kind,
+oldtorvio::explain::FileReport mapAs(std::span<const std::byte> bytes, std::optional<oldtorvio::explain::FileKind> kind,
                                      const oldtorvio::explain::MapSink& sink) {
   using namespace oldtorvio;
   if (kind) return explain::mapFile(bytes, *kind, sink);

@@ -17,8 +17,7 @@ std::string hex(std::uint64_t offset);
 std::string describe(const oldtorvio::explain::Fault& fault);
 
 // The map of a file of that kind. Of a file of unknown kind only the version word is known: the fault says why.
-oldtorvio::explain::FileReport mapAs(std::span<const std::byte> bytes,
-                                     std::optional<oldtorvio::explain::FileKind> kind,
+oldtorvio::explain::FileReport mapAs(std::span<const std::byte> bytes, std::optional<oldtorvio::explain::FileKind> kind,
                                      const oldtorvio::explain::MapSink& sink);
 
 }  // namespace torvio

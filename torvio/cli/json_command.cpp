@@ -70,7 +70,8 @@ class JsonCommand : public Command {
   ExitCode write(std::span<const std::byte> bytes, std::optional<frame::FileKind> kind,
                  const explain::FileReport& report) const {
     OutputText output(output_);
-    values::writeFileAsJson([&](std::string_view text) { output.write(text); }, bytes, kind, report, encoding_, isPretty_);
+    values::writeFileAsJson([&](std::string_view text) { output.write(text); }, bytes, kind, report, encoding_,
+                            isPretty_);
     output.commit();
     return kSound;
   }

@@ -175,8 +175,7 @@ class MapCommand : public Command {
     if (file.bytes().size() > report::MapPage::kLargestMiB * kMiB)
       return failed(file_, tooLarge + std::to_string(report::MapPage::kLargestMiB) + " MiB");
     report::MapPage page(std::filesystem::path(file_).filename().string(), file.bytes(), encoding);
-    const explain::FileReport report =
-        mapAs(file.bytes(), kind, [&](const explain::MapLine& line) { page.add(line); });
+    const explain::FileReport report = mapAs(file.bytes(), kind, [&](const explain::MapLine& line) { page.add(line); });
     if (page.hasTooManyFields())
       return failed(file_, tooLarge + std::to_string(report::MapPage::kMostFields) + " fields");
     const std::string html = page.html(kind ? frame::infoOf(*kind).name : std::string_view(), report);
