@@ -475,25 +475,8 @@ void appendTable(std::string& to, const InfoTable& table, std::size_t mostRows) 
 
 // ---- as JSON -------------------------------------------------------------------------------------------
 
-void appendJson(std::string& to, std::string_view utf8) {
-  std::string quoted;
-  values::appendJsonString(quoted, utf8);
-  // Some terminals obey the controls of the range C1.
-  for (std::size_t i = 0; i < quoted.size(); ++i) {
-    const auto next = i + 1 < quoted.size() ? static_cast<unsigned char>(quoted[i + 1]) : 0U;
-    if (quoted[i] != '\xC2' || next < 0x80 || next >= 0xA0) {
-      to += quoted[i];
-      continue;
-    }
-    char code[16];
-    (void)std::snprintf(code, sizeof code, "\\u%04x", next);
-    to += code;
-    ++i;
-  }
-}
-
 void appendJson(std::string& to, const InfoValue& value) {
-  if (!value.isNumber) return appendJson(to, std::string_view(value.text));
+  if (!value.isNumber) return values::appendJsonString(to, value.text);
   to += value.text.empty() ? "null" : value.text;
 }
 
@@ -549,9 +532,9 @@ std::string infoText(std::string_view name, const Info& info, std::size_t mostRo
 
 std::string infoJson(std::string_view name, const Info& info) {
   std::string json = "{\"file\":";
-  appendJson(json, name);
+  values::appendJsonString(json, name);
   const auto member = [&](std::string_view key, const InfoValue& value) {
-    appendJson(json += ',', key);
+    values::appendJsonString(json += ',', key);
     appendJson(json += ':', value);
   };
   if (!info.kind.empty()) member("kind", {info.kind});
@@ -561,12 +544,12 @@ std::string infoJson(std::string_view name, const Info& info) {
   for (const InfoFact& fact : info.facts)
     for (const auto& [key, value] : fact.values) member(key, value);
   for (const InfoTable& table : info.tables) {
-    appendJson(json += ',', std::string_view(table.key));
+    values::appendJsonString(json += ',', std::string_view(table.key));
     json += ":[";
     for (const auto& row : table.rows) {
       json += &row == &table.rows.front() ? "{" : ",{";
       for (std::size_t i = 0; i < row.size(); ++i) {
-        appendJson(json += i == 0 ? "" : ",", std::string_view(table.columns[i]));
+        values::appendJsonString(json += i == 0 ? "" : ",", std::string_view(table.columns[i]));
         appendJson(json += ':', row[i]);
       }
       json += '}';

@@ -116,39 +116,9 @@ std::string lineFor(const FileResult& result) {
 
 // ---- one JSON object for a file -----------------------------------------------------------------------
 
-// Also escapes what the text may still hold that ends a line or affects a terminal: U+0080 to U+009F, U+2028, U+2029
-// and the characters that change the direction of text.
-void appendString(std::string& to, std::string_view utf8) {
-  std::string quoted;
-  values::appendJsonString(quoted, utf8);
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(i < quoted.size() ? quoted[i] : 0); };
-  constexpr std::string_view kHex = "0123456789abcdef";
-  for (std::size_t i = 0; i < quoted.size(); ++i) {
-    unsigned code = 0;
-    std::size_t size = 1;
-    if (byte(i) == 0xC2 && byte(i + 1) < 0xA0) {
-      code = byte(i + 1);
-      size = 2;
-    } else if (byte(i) == 0xE2 && (byte(i + 1) == 0x80 || byte(i + 1) == 0x81)) {
-      const unsigned point = 0x2000U | (byte(i + 1) & 1U) << 6U | (byte(i + 2) & 0x3FU);
-      if (point == 0x200E || point == 0x200F || (point >= 0x2028 && point <= 0x202E) ||
-          (point >= 0x2066 && point <= 0x2069)) {
-        code = point;
-        size = 3;
-      }
-    }
-    if (code == 0) {
-      to += quoted[i];
-      continue;
-    }
-    to.append("\\u") += {kHex[code >> 12U], kHex[(code >> 8U) & 0xFU], kHex[(code >> 4U) & 0xFU], kHex[code & 0xFU]};
-    i += size - 1;
-  }
-}
-
 void appendField(std::string& to, std::string_view name, std::string_view text) {
   to.append(",\"").append(name).append("\":");
-  appendString(to, text);
+  values::appendJsonString(to, text);
 }
 void appendField(std::string& to, std::string_view name, std::int64_t number) {
   to.append(",\"").append(name).append("\":").append(std::to_string(number));
@@ -164,7 +134,7 @@ void appendFault(std::string& to, std::string_view name, const explain::Fault& f
 std::string objectFor(const FileResult& result) {
   std::string text = "{\"path\":";
   const std::string path = values::fileNameAsUtf8(result.path);
-  appendString(text, path);
+  values::appendJsonString(text, path);
   if (path != result.path) {
     // The name is no UTF-8: its bytes in hexadecimal digits.
     constexpr std::string_view kHex = "0123456789abcdef";
@@ -195,7 +165,7 @@ std::string objectFor(const FileResult& result) {
     for (const archive::Warning& warning : result.warnings) {
       if (&warning != &result.warnings.front()) text += ',';
       text += "{\"code\":";
-      appendString(text, warning.code);
+      values::appendJsonString(text, warning.code);
       appendField(text, "field", warning.field);
       appendField(text, "text", warning.text);
       text += '}';
@@ -258,7 +228,7 @@ class Totals {
     for (const auto& [key, counts] : counts_) {
       if (text.back() != '[') text += ',';
       text += "{\"kind\":";
-      key.first == kNoKind ? void(text += "null") : appendString(text, kindText(key));
+      key.first == kNoKind ? void(text += "null") : values::appendJsonString(text, kindText(key));
       text += ",\"version\":" + (key.second == kNoVersion ? "null" : std::to_string(key.second)) + ",\"verdicts\":";
       appendCounts(text, counts);
       text += '}';
@@ -282,7 +252,7 @@ class Totals {
     for (std::size_t i = 0; i < counts.size(); ++i) {
       if (counts[i] == 0) continue;
       if (to.back() != '{') to += ',';
-      appendString(to, archive::nameOf(static_cast<Verdict>(i)));
+      values::appendJsonString(to, archive::nameOf(static_cast<Verdict>(i)));
       to += ':' + std::to_string(counts[i]);
     }
     to += '}';

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 
 namespace oldtorvio::report {
 namespace {
@@ -22,44 +21,18 @@ std::string numberOf(const MapField& field, std::span<const std::byte> file) {
 }
 bool isNan(std::string_view number) { return number.ends_with("nan"); }
 
-// Whether a character may change what a terminal or page does with the text around it.
-bool isActive(char32_t c) {
-  return (c >= 0x80 && c < 0xA0) || c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x2028 && c <= 0x202E) ||
-         (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
-}
-
 }  // namespace
-
-void appendInertJsonString(std::string& to, std::string_view utf8) {
-  std::string json;
-  values::appendJsonString(json, utf8);
-  to += inert(json);
-}
 
 std::string inert(std::string_view utf8) {
   std::string all;
-  for (std::size_t i = 0; i < utf8.size(); ++i) {
-    const auto at = [&](std::size_t n) {
-      return i + n < utf8.size() ? static_cast<unsigned char>(utf8[i + n]) : static_cast<unsigned char>(0);
-    };
-    const auto isContinuation = [&](std::size_t n) { return (at(n) & 0xC0U) == 0x80U; };
-    std::size_t length = 1;
-    char32_t c = at(0);
-    if (c >= 0xC2 && c < 0xE0 && isContinuation(1)) {
-      c = (c & 0x1FU) << 6U | (at(1) & 0x3FU);
-      length = 2;
-    } else if (c >= 0xE0 && c < 0xF0 && isContinuation(1) && isContinuation(2)) {
-      c = (c & 0x0FU) << 12U | (at(1) & 0x3FU) << 6U | (at(2) & 0x3FU);
-      length = 3;
-    }
-    if (c < 0x20 || c == 0x7F || (length > 1 && isActive(c))) {
-      char escape[8];
-      (void)std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c & 0xFFFFU));
-      all += escape;
-    } else {
-      all += utf8.substr(i, length);
-    }
-    i += length - 1;
+  while (!utf8.empty()) {
+    const auto [code, size] = values::firstCharacter(utf8);
+    const std::size_t length = std::max(size, std::size_t{1});
+    if (size > 0 && values::isActive(code))
+      values::appendCodeInHex(all += "\\u", code);
+    else
+      all += utf8.substr(0, length);
+    utf8.remove_prefix(length);
   }
   return all;
 }
@@ -81,7 +54,7 @@ void appendJsonValue(std::string& to, const MapField& field, std::span<const std
     case Kind::text: {
       std::string utf8;
       encoding.appendUtf8(utf8, textOf(bytes));
-      return appendInertJsonString(to, utf8);
+      return values::appendJsonString(to, utf8);
     }
     case Kind::bytes: {
       constexpr std::string_view kHex = "0123456789abcdef";

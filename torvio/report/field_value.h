@@ -9,11 +9,8 @@
 
 namespace oldtorvio::report {
 
-// Appends a JSON string in which every control character is escaped, also those beyond ASCII and those that change the
-// direction of text: what a file says must not control a terminal or reorder a page.
-void appendInertJsonString(std::string& to, std::string_view utf8);
-
-// The same characters escaped in a text that is shown as it is.
+// The text with its active characters escaped (values::isActive): what a file says must not control a terminal or
+// reorder a page.
 std::string inert(std::string_view utf8);
 
 // Appends the value as JSON: a number; a text up to its first NUL; bytes as hexadecimal digits; null for reserved bytes.

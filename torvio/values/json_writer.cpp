@@ -16,21 +16,15 @@ namespace {
 
 constexpr std::string_view kHexDigits = "0123456789abcdef";
 
-// How each byte of a text is written in a JSON string. Control characters are escaped, C1 controls as well: there are
-// terminals that obey them.
+// How each byte of a text is written in a JSON string.
 class CharacterTable {
  public:
   explicit CharacterTable(const TextEncoding& encoding) {
     for (std::size_t byte = 0; byte < table_.size(); ++byte) {
       std::string utf8, json;
       encoding.appendUtf8(utf8, std::string(1, static_cast<char>(byte)));
-      if (utf8.size() == 2 && utf8[0] == '\xC2' && static_cast<unsigned char>(utf8[1]) < 0xA0) {
-        const auto code = static_cast<unsigned char>(utf8[1]);
-        json.append("\\u00") += {kHexDigits[code >> 4U], kHexDigits[code & 0xFU]};
-      } else {
-        appendJsonString(json, utf8);
-        json = json.substr(1, json.size() - 2);
-      }
+      appendJsonString(json, utf8);
+      json = json.substr(1, json.size() - 2);
       table_[byte].size = static_cast<std::uint8_t>(json.size());
       std::memcpy(table_[byte].text, json.data(), json.size());
     }

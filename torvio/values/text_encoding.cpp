@@ -182,26 +182,6 @@ void appendCodePoint(std::string& to, char32_t c) {
   }
 }
 
-// The next code point of up to three bytes, or nothing if the text is not UTF-8 or the code point is longer.
-std::optional<char32_t> takeCodePoint(std::string_view& text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const auto continues = [&](std::size_t i) { return i < text.size() && (byte(i) & 0xC0U) == 0x80U; };
-  char32_t c = byte(0);
-  std::size_t size = 1;
-  if (c >= 0xC2 && c < 0xE0 && continues(1)) {
-    c = ((c & 0x1FU) << 6U) | (byte(1) & 0x3FU);
-    size = 2;
-  } else if (c >= 0xE0 && c < 0xF0 && continues(1) && continues(2)) {
-    c = ((c & 0x0FU) << 12U) | ((byte(1) & 0x3FU) << 6U) | (byte(2) & 0x3FU);
-    if (c < 0x800) return std::nullopt;
-    size = 3;
-  } else if (c >= 0x80) {
-    return std::nullopt;
-  }
-  text.remove_prefix(size);
-  return c;
-}
-
 }  // namespace
 
 std::vector<std::string> TextEncoding::names() {
@@ -231,39 +211,65 @@ void TextEncoding::appendUtf8(std::string& to, std::string_view bytes) const {
 std::optional<std::string> TextEncoding::bytesOf(std::string_view utf8) const {
   std::string bytes;
   while (!utf8.empty()) {
-    const auto c = takeCodePoint(utf8);
-    if (!c) return std::nullopt;
-    if (*c < 0x80) {
-      bytes += static_cast<char>(*c);
+    const auto [code, size] = firstCharacter(utf8);
+    if (size == 0 || code > 0xFFFF) return std::nullopt;
+    utf8.remove_prefix(size);
+    if (code < 0x80) {
+      bytes += static_cast<char>(code);
       continue;
     }
     const char16_t* const end = upper_ + 128;
-    const char16_t* const found = std::find(upper_, end, static_cast<char16_t>(*c));
+    const char16_t* const found = std::find(upper_, end, static_cast<char16_t>(code));
     if (found == end) return std::nullopt;
     bytes += static_cast<char>(0x80 + (found - upper_));
   }
   return bytes;
 }
 
-void appendJsonString(std::string& to, std::string_view utf8) {
+Utf8Character firstCharacter(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned lead = text.empty() ? 0xFFU : byte(0);
+  if (lead < 0x80) return {lead, 1};
+  const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < size) return {};
+  char32_t code = lead & (0xFFU >> (size + 1));
+  for (std::size_t i = 1; i < size; ++i) {
+    if ((byte(i) & 0xC0U) != 0x80U) return {};
+    code = (code << 6U) | (byte(i) & 0x3FU);
+  }
+  constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+  const bool isSurrogate = code >= 0xD800 && code < 0xE000;
+  return code < kLeast[size] || isSurrogate || code > 0x10FFFF ? Utf8Character{} : Utf8Character{code, size};
+}
+
+bool isActive(char32_t code) {
+  return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x61C || (code >= 0x200E && code <= 0x200F) ||
+         (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) || code == 0xFEFF;
+}
+
+void appendCodeInHex(std::string& to, char32_t code) {
   constexpr std::string_view kHex = "0123456789abcdef";
+  to += {kHex[(code >> 12U) & 0xFU], kHex[(code >> 8U) & 0xFU], kHex[(code >> 4U) & 0xFU], kHex[code & 0xFU]};
+}
+
+void appendJsonString(std::string& to, std::string_view utf8) {
   to += '"';
-  for (const char c : utf8) {
-    const auto code = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      to += '\\';
-      to += c;
-    } else if (c == '\n') {
+  while (!utf8.empty()) {
+    const auto [code, size] = firstCharacter(utf8);
+    const std::size_t length = std::max(size, std::size_t{1});
+    if (code == '"' || code == '\\')
+      (to += '\\') += utf8.front();
+    else if (code == '\n')
       to += "\\n";
-    } else if (c == '\t') {
+    else if (code == '\t')
       to += "\\t";
-    } else if (c == '\r') {
+    else if (code == '\r')
       to += "\\r";
-    } else if (code < 0x20 || code == 0x7F) {
-      to.append("\\u00") += {kHex[code >> 4U], kHex[code & 0xFU]};
-    } else {
-      to += c;
-    }
+    else if (size > 0 && isActive(code))
+      appendCodeInHex(to += "\\u", code);
+    else
+      to += utf8.substr(0, length);
+    utf8.remove_prefix(length);
   }
   to += '"';
 }
@@ -271,25 +277,9 @@ void appendJsonString(std::string& to, std::string_view utf8) {
 std::string fileNameAsUtf8(std::string_view name) {
   std::string text;
   while (!name.empty()) {
-    const std::string_view before = name;
-    // Characters beyond the basic plane take four bytes.
-    const bool isFour = name.size() >= 4 && (static_cast<unsigned char>(name[0]) & 0xF8U) == 0xF0U &&
-                        std::all_of(name.begin() + 1, name.begin() + 4,
-                                    [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; });
-    const auto lead = static_cast<unsigned char>(name[0]), next = static_cast<unsigned char>(name[name.size() > 1]);
-    if (isFour && lead <= 0xF4 && (lead != 0xF0 || next >= 0x90) && (lead != 0xF4 || next < 0x90)) {
-      text.append(name.substr(0, 4));
-      name.remove_prefix(4);
-      continue;
-    }
-    const auto c = takeCodePoint(name);
-    const bool isSurrogate = c && *c >= 0xD800 && *c < 0xE000;
-    if (c && !isSurrogate) {
-      text.append(before.substr(0, before.size() - name.size()));
-    } else {
-      text.append("\xEF\xBF\xBD");
-      if (!c) name.remove_prefix(1);
-    }
+    const std::size_t size = firstCharacter(name).size;
+    text += size == 0 ? std::string_view("\xEF\xBF\xBD") : name.substr(0, size);
+    name.remove_prefix(std::max(size, std::size_t{1}));
   }
   return text;
 }

@@ -1,5 +1,6 @@
 // Texts of files as UTF-8 and back. Files hold bytes of a Windows or DOS code page, and do not say which.
 #pragma once
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,8 +27,21 @@ class TextEncoding {
   const char16_t* upper_;  // the characters of the bytes from 0x80 on
 };
 
-// Appends the text in quotation marks with its control characters escaped. C1 controls and what is no UTF-8 stay as
-// they are: decode texts of files with TextEncoding and names of files with fileNameAsUtf8 first.
+// The first character of a text, and how many bytes it takes: none if the text does not begin with one in UTF-8.
+struct Utf8Character {
+  char32_t code = 0;
+  std::size_t size = 0;
+};
+Utf8Character firstCharacter(std::string_view text);
+
+// Whether a character may change what a terminal or page does with the text around it: controls, separators of lines,
+// and what changes the direction of text.
+bool isActive(char32_t code);
+// Four digits, of a character below U+10000.
+void appendCodeInHex(std::string& to, char32_t code);
+
+// Appends the text in quotation marks with its active characters escaped. What is no UTF-8 stays as it is: decode texts
+// of files with TextEncoding and names of files with fileNameAsUtf8 first.
 void appendJsonString(std::string& to, std::string_view utf8);
 
 // The name of a file, which may hold any bytes, as UTF-8: bytes that are none become U+FFFD.
