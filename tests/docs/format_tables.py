@@ -34,7 +34,7 @@ for page in sorted((pathlib.Path(root) / "docs" / "formats").glob("*.md")):
     else:
         wrong.append(f"{page.name}: its tables differ from the output of torvio format; ./dev docs rewrites them")
 listed = subprocess.run([tool, "format", "--help"], capture_output=True, text=True, encoding="utf-8").stdout
-names = re.findall(r"[a-z][a-z0-9-]*", re.sub(r"(?s).*Kinds:|Records:|Exit code.*", "", listed))
+names = re.findall(r"[a-z][a-z0-9-]*", " ".join(re.findall(r"(?s)(?:Kinds|Records):(.*?)\n\n", listed)))
 if len(names) < 20:
     wrong.append(f"torvio format --help lists only {names}")
 for name in names:

@@ -297,4 +297,6 @@ Bytes foreignFile(std::uint32_t seed, std::uint32_t number) {
   }
 }
 
+bool isTableOfNumbers(std::uint32_t number) { return number % kForeignForms == kForeignForms - 1; }
+
 }  // namespace testing_support

@@ -25,5 +25,7 @@ MadeFile madeFile(std::uint32_t seed, std::uint32_t number);
 inline constexpr std::uint32_t kForeignForms = 12;
 // Random bytes, texts, zeros, headers of other formats with random bytes after them.
 Bytes foreignFile(std::uint32_t seed, std::uint32_t number);
+// Whether it is a table of small numbers after a version that files of this suite have.
+bool isTableOfNumbers(std::uint32_t number);
 
 }  // namespace testing_support

@@ -69,7 +69,7 @@ TEST(FileNames, BytesThatAreNoUtf8AreReplaced) {
                {"\u00E4\u20AC\U0001F600", "\u00E4\u20AC\U0001F600"},
                {"a\xE4", "a\uFFFD"},
                {"\xF0\x9F\x98", "\uFFFD\uFFFD\uFFFD"},
-               {"\xED\xA0\x80", "\uFFFD"},
+               {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
                {"\xF0\x80\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"},
                {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"},
                {"\xFF\xFEz", "\uFFFD\uFFFDz"}};

@@ -464,8 +464,8 @@ std::optional<FileKind> likeliestKind(std::span<const std::byte> bytes) {
   Candidates candidates(bytes, *version);
   const std::span<Candidate> close = candidates.close();
   if (close.empty()) return std::nullopt;
-  // All of the file, where its beginning leaves a choice.
-  if (close.size() > 1 || close[0].evidence() < kMinEvidence)
+  // All of the file, where its beginning leaves a choice or a doubt.
+  if (close.size() > 1 || close[0].evidence() < 2 * kMinEvidence)
     for (Candidate& c : close)
       if (c.plausibility.isPartial) c.plausibility = plausibilityOf(bytes, c.kind, *version, kWholeFile);
   const Candidate& found = candidates.likeliest();

@@ -12,7 +12,7 @@ namespace oldtorvio::archive {
 // Evidence for a kind in bits: 10 more make it about a thousand times as likely. Below kMinEvidence a file may as well be
 // anything.
 using Evidence = float;
-inline constexpr Evidence kMinEvidence = 8;
+inline constexpr Evidence kMinEvidence = 10;
 
 // The first bytes that a kind is judged by, and all bytes.
 inline constexpr std::size_t kBeginning = 2048;
