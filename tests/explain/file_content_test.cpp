@@ -13,10 +13,10 @@
 #include <unistd.h>
 #endif
 
-#include "torvio/explain/file_map.h"
 #include "tests/support/files.h"
 #include "tests/support/io_faults.h"
 #include "tests/support/part_files.h"
+#include "torvio/explain/file_map.h"
 
 namespace {
 
@@ -80,7 +80,8 @@ TEST(FileContent, UnreadableFileHasAReasonAndNoBytes) {
     EXPECT_EQ(report.status, -2);
     ASSERT_TRUE(report.fault);
     EXPECT_EQ(report.fault->reason, one.reason);
-    EXPECT_EQ(explain::mapFile(one.path, explain::FileKind::part, [](const explain::MapLine&) {}).fault->reason, one.reason);
+    EXPECT_EQ(explain::mapFile(one.path, explain::FileKind::part, [](const explain::MapLine&) {}).fault->reason,
+              one.reason);
   }
 }
 

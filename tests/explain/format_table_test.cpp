@@ -292,6 +292,20 @@ TEST(FormatTable, AGivenPlaceDecidesTheConditionsOnThePlace) {
   }
 }
 
+// Where each place has a table of its own, no table names it.
+TEST(FormatTable, ChosenConditionsAreNeverPrinted) {
+  for (const auto place : {FormatPrinter::Place::open, FormatPrinter::Place::given})
+    for (const bool isInGroup : {false, true}) {
+      const std::string table = FormatPrinter::table(
+          [&](FormatPrinter& printer) {
+            std::int32_t always = 0, inGroup = 0;
+            EXPECT_TRUE(printer.fields(FIELDS(always)) && printer.when(chosen(isInGroup), FIELDS(inGroup)));
+          },
+          place);
+      EXPECT_EQ(table.find("| inGroup | i32 | |") != std::string::npos, isInGroup) << table;
+    }
+}
+
 TEST(FormatTable, EveryKindAndEveryNamedRecordHasATable) {
   std::set<std::string> tables;
   for (const frame::FileKindInfo& kind : frame::kFileKinds) {

@@ -5,13 +5,14 @@
 #include "tests/support/kind_files.h"
 #include "tests/tools/run_torvio.h"
 #include "torvio/explain/format_table.h"
-#include "torvio/explain/kaitai.h"
-#include "torvio/explain/kaitai_printer.h"
+#include "torvio/report/kaitai.h"
+#include "torvio/report/kaitai_printer.h"
 
 namespace {
 
 using namespace testing_support;
 namespace explain = oldtorvio::explain;
+namespace report = oldtorvio::report;
 
 struct Sample {
   std::int32_t rowCount = 0;
@@ -58,8 +59,8 @@ struct oldtorvio::codec::Layout<Unclear> {
 namespace {
 
 template <class Record>
-explain::KaitaiPrinter printed() {
-  explain::KaitaiPrinter printer;
+report::KaitaiPrinter printed() {
+  report::KaitaiPrinter printer;
   printer.versionWord("{v} >= 52");
   Record record;
   (void)printer.walk(record);
@@ -76,7 +77,7 @@ void expectParts(const std::string& text, const std::vector<std::string>& parts)
 }
 
 TEST(KaitaiDescriptions, HaveConditionsSizesCountsAndRules) {
-  const explain::KaitaiPrinter printer = printed<Sample>();
+  const report::KaitaiPrinter printer = printed<Sample>();
   EXPECT_TRUE(printer.problems().empty());
   expectParts(
       printer.ksy("sample", "Sample", "Text."),

@@ -55,6 +55,8 @@ TEST(PathPatterns, MatchNamesThatFollowEachOtherAnywhereInAPath) {
       {"val?e", "s.value", true},
       {"val?e", "s.vale", false},
       {"*", "anything", true},
+      {"value*", "s.value", true},
+      {"value*", "s.valu", false},
       {"parts.**.x", "parts[0].shapes.shapes[1].x", true},
       {"parts.**.x", "parts[0].x", true},
       {"parts.**.x", "shapes.x", false},
@@ -129,6 +131,18 @@ TEST(MapFilters, ChooseALineOfABlockByAnyOfItsFields) {
   EXPECT_TRUE(accepts("y", OffsetRange{24, 24}));
   EXPECT_FALSE(accepts("y", OffsetRange{23, 23})) << "that byte belongs to x";
   EXPECT_FALSE(accepts(nullptr, OffsetRange{28, 30}));
+}
+
+TEST(MapFilters, ARemarkIsChosenByItsPlaceAndPath) {
+  MapLine remark;
+  remark.offset = 20;
+  remark.path = "shapes.shapes[3]";
+  MapFilter filter;
+  std::string error;
+  filter.path = PathPattern::parsed("shapes", error);
+  EXPECT_TRUE(filter.accepts(remark));
+  filter.path = PathPattern::parsed("marks", error);
+  EXPECT_FALSE(filter.accepts(remark));
 }
 
 }  // namespace

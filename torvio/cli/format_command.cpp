@@ -4,7 +4,7 @@
 #include "torvio/cli/commands.h"
 #include "torvio/cli/output.h"
 #include "torvio/explain/format_table.h"
-#include "torvio/explain/kaitai.h"
+#include "torvio/report/kaitai.h"
 
 namespace torvio {
 namespace {
@@ -55,7 +55,7 @@ class FormatCommand : public Command {
                  wrapped("Kinds", kindNames()));
       return kUsageError;
     }
-    const explain::KaitaiDescription description = explain::kaitaiDescription(*kind);
+    const report::KaitaiDescription description = report::kaitaiDescription(*kind);
     if (!description.problems.empty()) {
       printError("format: a " + table_ + " file cannot be described for Kaitai: " + description.problems.front());
       return kUsageError;

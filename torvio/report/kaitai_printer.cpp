@@ -1,11 +1,11 @@
-#include "torvio/explain/kaitai_printer.h"
+#include "torvio/report/kaitai_printer.h"
 
 #include <algorithm>
 #include <cctype>
 #include <regex>
 #include <stdexcept>
 
-namespace oldtorvio::explain {
+namespace oldtorvio::report {
 namespace {
 
 // "workWord1" is "work_word1", "firstValues[0]" is "first_values_0", "[i]" is left out.
@@ -549,4 +549,4 @@ std::string KaitaiPrinter::ksy(const std::string& id, const std::string& title, 
   return text;
 }
 
-}  // namespace oldtorvio::explain
+}  // namespace oldtorvio::report

@@ -1,12 +1,12 @@
-#include "torvio/explain/kaitai.h"
+#include "torvio/report/kaitai.h"
 
 #include <algorithm>
 #include <memory>
 
 #include "src/file_records.h"
-#include "torvio/explain/kaitai_printer.h"
+#include "torvio/report/kaitai_printer.h"
 
-namespace oldtorvio::explain {
+namespace oldtorvio::report {
 namespace {
 
 // "version == 52 or (version >= 60 and version <= 62)", of the versions that `has` accepts.
@@ -56,7 +56,7 @@ constexpr const char* kDoc =
 
 }  // namespace
 
-KaitaiDescription kaitaiDescription(FileKind kind) {
+KaitaiDescription kaitaiDescription(frame::FileKind kind) {
   const frame::FileKindInfo& info = frame::infoOf(kind);
   KaitaiPrinter printer;
   const auto isTable = [&](int version) { return startsWithTable(kind, version); };
@@ -84,4 +84,4 @@ KaitaiDescription kaitaiDescription(FileKind kind) {
   return {text, printer.problems()};
 }
 
-}  // namespace oldtorvio::explain
+}  // namespace oldtorvio::report

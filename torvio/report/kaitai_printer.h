@@ -20,7 +20,10 @@
 #include "torvio/explain/map.h"
 #include "torvio/explain/record_names.h"
 
-namespace oldtorvio::explain {
+namespace oldtorvio::report {
+
+using explain::fieldNames;
+using explain::kTableOf;
 
 class KaitaiPrinter {
  public:
@@ -492,4 +495,4 @@ class KaitaiPrinter {
   std::int64_t next32_ = 1'000'000, next16_ = 20'000, next8_ = 65;
 };
 
-}  // namespace oldtorvio::explain
+}  // namespace oldtorvio::report

@@ -5,7 +5,7 @@
 
 #include "torvio/explain/file_map.h"
 
-namespace oldtorvio::explain {
+namespace oldtorvio::report {
 
 struct KaitaiDescription {
   std::string text;                   // a .ksy file
@@ -13,6 +13,6 @@ struct KaitaiDescription {
 };
 
 // Files of that kind from version 52 on, as a reader takes them.
-KaitaiDescription kaitaiDescription(FileKind kind);
+KaitaiDescription kaitaiDescription(frame::FileKind kind);
 
-}  // namespace oldtorvio::explain
+}  // namespace oldtorvio::report
