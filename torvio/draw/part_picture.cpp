@@ -10,8 +10,6 @@
 namespace oldtorvio::draw {
 namespace {
 
-constexpr double kDegrees = 57.29577951308232;
-
 bool hasSize(const TorvPart& part) { return isLength(part.width) && isLength(part.height); }
 
 // What the marks of all parts of a picture have in common.

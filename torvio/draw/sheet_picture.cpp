@@ -17,8 +17,6 @@
 namespace oldtorvio::draw {
 namespace {
 
-constexpr double kDegrees = 57.29577951308232;
-
 // One rectangle, in length units.
 struct Placed {
   std::size_t part = 0, pattern = 0;

@@ -11,6 +11,9 @@
 
 namespace oldtorvio::draw {
 
+// In a radian.
+inline constexpr double kDegrees = 57.29577951308232;
+
 // "ROUND", "SPECIAL TOOL", ...; empty for 0 and for codes without a name.
 std::string_view toolKind(std::int32_t shapeCode);
 

@@ -37,7 +37,7 @@ std::string plain(std::string_view id) {
 }
 
 // In double quotation marks for YAML.
-std::string quoted(std::string_view text) {
+std::string yamlString(std::string_view text) {
   std::string all = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') all += '\\';
@@ -457,24 +457,24 @@ std::string KaitaiPrinter::attributeText(const Attribute& field, Printed& printe
     if (value.empty()) return;
     const std::string shown = rendered(value, field.node);
     const bool isNumber = std::all_of(shown.begin(), shown.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
-    line(key, isNumber ? shown : quoted(shown));
+    line(key, isNumber ? shown : yamlString(shown));
   };
-  if (!field.origin.empty()) line("-orig-id", quoted(field.origin));
+  if (!field.origin.empty()) line("-orig-id", yamlString(field.origin));
   if (field.firstIndex != 0) line("-first-index", std::to_string(field.firstIndex));
   if (field.child != 0)
-    line("type", quoted(typeCall(field, printed)));
+    line("type", yamlString(typeCall(field, printed)));
   else if (!field.type.empty())
     line("type", field.type);
   expression("size", field.size);
   if (field.toEnd) line("size-eos", "true");
   if (!field.repeat.empty()) line("repeat", "expr");
   expression("repeat-expr", field.repeat);
-  if (!field.conditions.empty()) line("if", quoted(rendered(conditionsOf(field), field.node)));
+  if (!field.conditions.empty()) line("if", yamlString(rendered(conditionsOf(field), field.node)));
   if (!field.valid.empty()) {
     std::vector<std::string> all;
     for (const std::string& one : field.valid) all.push_back(field.valid.size() > 1 ? inParentheses(one) : one);
     text.append(indent).append("  valid:\n").append(indent).append("    expr: ");
-    text.append(quoted(rendered(joined(all, " and "), field.node))).append("\n");
+    text.append(yamlString(rendered(joined(all, " and "), field.node))).append("\n");
   }
   return text;
 }
@@ -527,7 +527,7 @@ std::string KaitaiPrinter::bodyOf(std::size_t node, Printed& printed, const std:
 }
 
 std::string KaitaiPrinter::ksy(const std::string& id, const std::string& title, const std::string& doc) const {
-  std::string text = "meta:\n  id: " + id + "\n  title: " + quoted(title) +
+  std::string text = "meta:\n  id: " + id + "\n  title: " + yamlString(title) +
                      "\n  ks-version: 0.11\n  endian: le\n  encoding: windows-1252\n";
   std::string notes = doc;
   for (const std::string& note : notes_) notes += "\n- " + note;

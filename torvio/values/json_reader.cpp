@@ -94,20 +94,9 @@ class CharacterIterator {
 constexpr std::size_t kMostQuoted = 60;
 
 // A text of the document on one line, as far as it helps to recognise it.
-std::string inQuotes(std::string_view text) {
-  constexpr std::string_view kHex = "0123456789abcdef";
-  std::string json, quote;
-  appendJsonString(json, fileNameAsUtf8(text.substr(0, kMostQuoted)) + (text.size() > kMostQuoted ? "..." : ""));
-  // Its C1 controls, too: terminals may obey them.
-  for (std::size_t i = 0; i < json.size(); ++i) {
-    const bool isControl = json[i] == '\xC2' && i + 1 < json.size() && static_cast<unsigned char>(json[i + 1]) < 0xA0;
-    if (!isControl) {
-      quote += json[i];
-      continue;
-    }
-    const auto code = static_cast<unsigned char>(json[++i]);
-    quote.append("\\u00") += {kHex[code >> 4U], kHex[code & 0xFU]};
-  }
+std::string nameInQuotes(std::string_view text) {
+  std::string quote;
+  appendJsonString(quote, fileNameAsUtf8(text.substr(0, kMostQuoted)) + (text.size() > kMostQuoted ? "..." : ""));
   return quote;
 }
 
@@ -468,7 +457,7 @@ class RecordBuilder {
     }
     if (i == members.size()) {
       frame.index = 0;
-      return fail(inQuotes(name) + " is no member of " + std::string(frame.type->name));
+      return fail(nameInQuotes(name) + " is no member of " + std::string(frame.type->name));
     }
     frame.index = i + 1;
     char& seen = seen_[frame.seenFrom + i];
@@ -490,7 +479,7 @@ class RecordBuilder {
     Frame& frame = frames_.back();
     const auto* found = std::find(names.begin(), names.end(), name);
     smallName_ = {};
-    if (found == names.end()) return fail(inQuotes(name) + " is not known here");
+    if (found == names.end()) return fail(nameInQuotes(name) + " is not known here");
     smallIndex_ = static_cast<std::size_t>(found - names.begin());
     smallName_ = *found;
     const std::uint64_t bit = std::uint64_t{1} << smallIndex_;
@@ -516,7 +505,7 @@ class RecordBuilder {
     const auto& names = headNames();
     const auto found = std::find(names.begin(), names.end(), name);
     currentHead_ = std::nullopt;
-    if (found == names.end()) return fail(inQuotes(name) + " is no member of a document");
+    if (found == names.end()) return fail(nameInQuotes(name) + " is no member of a document");
     currentHead_ = static_cast<Key>(found - names.begin());
     if (hasHead(*currentHead_)) return fail("is there twice");
     headSeen_ |= std::uint64_t{1} << headIndex(*currentHead_);
@@ -587,14 +576,14 @@ class RecordBuilder {
             head_.kind = info.kind;
             return true;
           }
-        return fail(inQuotes(value) + " is no kind of file");
+        return fail(nameInQuotes(value) + " is no kind of file");
       case Key::encoding:
         if (const auto encoding = TextEncoding::named(value)) {
           encoding_ = *encoding;
           head_.encoding = value;
           return true;
         }
-        return fail(inQuotes(value) + " is no encoding");
+        return fail(nameInQuotes(value) + " is no encoding");
       default:
         return fail("must be " + wantedInHead() + ", not a string");
     }
@@ -673,7 +662,7 @@ class RecordBuilder {
   std::optional<std::string> bytesOf(const std::string& utf8) {
     if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) return utf8;
     auto bytes = encoding_.bytesOf(utf8);
-    if (!bytes) (void)fail(inQuotes(utf8) + " has a character that " + head_.encoding + " lacks");
+    if (!bytes) (void)fail(nameInQuotes(utf8) + " has a character that " + head_.encoding + " lacks");
     return bytes;
   }
   bool storeHex(const std::string& value, std::uint8_t* to, std::size_t room, std::size_t& size) {
