@@ -349,17 +349,6 @@ TEST_F(Catalogues, KilledRunsLoseAndDoubleNothing) {
   EXPECT_EQ(contentsOf(catalogue_), contentsOf(complete));
 }
 
-TEST_F(Catalogues, TwoRunsAtATimeMakeOneCatalogue) {
-  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
-  for (int i = 0; i < 300; ++i) files_.write(std::to_string(i) + ".nst", nest());
-  const std::string command =
-      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst -o " + catalogue_ + " >/dev/null";
-  const Outcome run = runShell(command + " & a=$!; " + command + "; b=$?; wait $a; echo $? $b");
-  EXPECT_EQ(run.output, "0 0\n") << run.errors;
-  EXPECT_EQ(value("SELECT count(*) FROM file"), "300");
-  EXPECT_EQ(value("SELECT count(*) FROM part"), "600");
-}
-
 TEST_F(Catalogues, FullDiskIsAnError) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   for (int i = 0; i < 500; ++i) files_.write(std::to_string(i) + ".nst", nest());

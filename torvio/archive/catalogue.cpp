@@ -10,6 +10,7 @@
 #include <array>
 #include <chrono>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 #include "torvio/values/text_encoding.h"
@@ -334,6 +335,11 @@ class Catalogue::Database {
     if (application != kApplicationId && (application != 0 || version != 0 || !isEmpty))
       fail("is a database, but not a catalogue");
     if (application == kApplicationId && version != kSchemaVersion) fail("is a catalogue of another version of torvio");
+    // Another process may be about to change the mode as well, and SQLite does not wait for that.
+    for (int i = 0;
+         i < 1000 && sqlite3_exec(database_, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr) == SQLITE_BUSY;
+         ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
     execute("PRAGMA journal_mode = WAL");
     execute("PRAGMA synchronous = NORMAL");
     execute("PRAGMA foreign_keys = ON");
