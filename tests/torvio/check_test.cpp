@@ -1,4 +1,4 @@
-// `torvio check` for archives, and the scan behind it.
+// `torvio check` for archives, and the scan that it uses.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -92,7 +92,7 @@ FileResult examine(const FoundFile& file, const ScanOptions& options);
 
 // Examines all files with options.jobs threads, each of which has one file in memory, and calls take(result) in the
 // calling thread, in the order of the names. Memory is bounded however many files there are. If take() throws, no more
-// files are opened. A thread that waits for a pipe at that time is left behind; it touches nothing of the caller.
+// files are opened. A thread that still waits for a pipe then keeps running; it touches nothing of the caller.
 void scan(const std::shared_ptr<FileNames>& names, const ScanOptions& options,
           const std::function<void(FileResult&)>& take);
 

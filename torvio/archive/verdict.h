@@ -14,7 +14,7 @@ namespace oldtorvio::archive {
 
 enum class Verdict : std::uint8_t {
   sound,            // the load succeeds and reads the file to its end
-  soundWithLosses,  // the load succeeds, but bytes after the last field or behind a tolerated fault are not read
+  soundWithLosses,  // the load succeeds, but bytes after the last field or after a tolerated fault are not read
   damaged,          // the load fails
   refusedVersion,   // of a known kind, in a version that its load refuses
   foreign,          // not a file of this suite

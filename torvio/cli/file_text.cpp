@@ -19,7 +19,7 @@ oldtorvio::explain::FileReport mapAs(std::span<const std::byte> bytes, std::opti
                                      const oldtorvio::explain::MapSink& sink) {
   using namespace oldtorvio;
   if (kind) return explain::mapFile(bytes, *kind, sink);
-  // Any kind will do for the version word, but no other field is told, and no kind named.
+  // Any kind will do for the version word. No other field is reported.
   const auto word = bytes.first(std::min(bytes.size(), sizeof(std::int16_t)));
   explain::FileReport report = explain::mapFile(word, explain::FileKind::part, [&](const explain::MapLine& line) {
     if (line.path == "version") sink(line);
