@@ -50,19 +50,15 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
   report.size = bytes.size();
   report.version = versionOf(bytes);
 
-  // The sink also keeps count: a walk that stops eats what is left of the file.
-  const MapSink counting = [&](const MapLine& line) {
-    if (line.size > 0) report.walked = line.offset + line.size;
-    sink(line);
-  };
   if (!report.version || !startsWithTable(kind, *report.version)) {
-    Mapper head(stream, kUnversioned, counting);
+    Mapper head(stream, kUnversioned, sink);
     std::int16_t version = 0;
     if (!head.fields(FIELDS(version))) {
       report.status = kDamaged;
       report.fault = head.fault();
       return report;
     }
+    report.walked = head.walked();
     if (!infoOf(kind).accepts(version)) {
       report.status = infoOf(kind).refusal;
       report.fault = Fault{
@@ -70,8 +66,9 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
       return report;
     }
   }
-  Mapper body(stream, *report.version, counting);
+  Mapper body(stream, *report.version, sink);
   report.status = walkBody(kind, body);
+  report.walked = body.walked();
   report.tolerated = body.tolerated();
   if (report.status != kDone)
     report.fault = body.fault();
@@ -90,7 +87,7 @@ FileReport checkFile(std::span<const std::byte> bytes, FileKind kind) {
     if (walkBody(kind, io) == kDone && !io.forgave())
       return {kDone, version, stream.position(), bytes.size(), std::nullopt, std::nullopt};
   }
-  return mapFile(bytes, kind, [](const MapLine&) {});
+  return mapFile(bytes, kind, nullptr);
 }
 
 FileReport mapFile(const std::string& path, FileKind kind, const MapSink& sink) {

@@ -106,10 +106,10 @@ bool Mapper::text(std::string& to, std::uint64_t size) {
     endsHere("text", size);
     return false;
   }
+  if (!isReported(at)) return true;
   std::string value;
   printText(value, to.data(), to.size());
-  lastOffset_ = at;
-  sink_({at, size, pathOf("text"), std::move(value), kText, path_.size()});
+  report(size, "text", std::move(value), kText);
   return true;
 }
 
@@ -119,9 +119,8 @@ bool Mapper::drop(std::size_t size) {
     endsHere("reserved", size);
     return false;
   }
-  lastOffset_ = at;
   static constexpr StoredForm kReserved;
-  sink_({at, size, pathOf("reserved"), "(dropped)", {&kReserved, 1}, path_.size()});
+  if (isReported(at)) report(size, "reserved", "(dropped)", {&kReserved, 1});
   return true;
 }
 
@@ -138,9 +137,19 @@ void Mapper::endsHere(const std::string& name, std::uint64_t size) {
   (void)fellShort();
 }
 
+bool Mapper::isReported(std::uint64_t offset) {
+  lastOffset_ = offset;
+  if (in_.position() > offset) walked_ = in_.position();
+  return sink_ != nullptr;
+}
+
+bool Mapper::advance(std::size_t size) {
+  const std::uint64_t at = in_.position();
+  in_.consume(size);
+  return isReported(at);
+}
+
 void Mapper::report(std::uint64_t size, const std::string& name, std::string value, std::span<const StoredForm> forms) {
-  lastOffset_ = in_.position();
-  in_.consume(static_cast<std::size_t>(size));
   sink_({lastOffset_, size, pathOf(name), std::move(value), forms, path_.size()});
 }
 
@@ -154,6 +163,7 @@ void Mapper::forgiven() {
 }
 
 void Mapper::remark(std::string text) {
+  if (sink_ == nullptr) return;
   sink_({in_.position(), 0, path_.substr(0, path_.size() - (path_.empty() ? 0 : 1)), std::move(text)});
 }
 

@@ -49,6 +49,12 @@ struct Fault {
 // The names in the text of an FIELDS(...): "r.list.count, as<std::int16_t>(r.kind)" has "list.count" and
 // "kind".
 std::vector<std::string> fieldNames(std::string_view stringised);
+// The same, taken apart once for each FIELDS(...): each has a type of its own.
+template <class Names>
+const std::vector<std::string>& namesOf(const Names& names) {
+  static const std::vector<std::string> taken = fieldNames(names());
+  return taken;
+}
 
 void printValue(std::string& to, std::int64_t value);
 void printValue(std::string& to, float value);
@@ -58,36 +64,41 @@ void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width);
 
 class Mapper : public codec::Reading<Mapper> {
  public:
-  Mapper(codec::InStream& in, int version, MapSink sink) : Reading(version), in_(in), sink_(std::move(sink)) {}
+  // Without a sink the walk only finds the fault, which is faster.
+  Mapper(codec::InStream& in, int version, MapSink sink)
+      : Reading(version), in_(in), sink_(std::move(sink)), walked_(in.position()) {}
 
   const std::optional<Fault>& fault() const { return fault_; }
   // The first that the format tolerates.
   const std::optional<Fault>& tolerated() const { return tolerated_; }
+  // The end of the last field. The stream is at its end after a walk that stops.
+  std::uint64_t walked() const { return walked_; }
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
-    const std::vector<std::string> names = fieldNames(f.names());
+    const std::vector<std::string>& names = namesOf(f.names);
     std::size_t i = 0;
     return std::apply([&](auto&... m) { return (item(names[i++], m) && ...); }, f.members);
   }
   template <class Names, class M>
   [[nodiscard]] bool fieldOf(const Names& names, std::size_t i, M& member) {
-    return item(fieldNames(names())[i], member);
+    return item(namesOf(names)[i], member);
   }
   template <class Names, std::size_t N, class T>
   [[nodiscard]] bool numbers(const Names& names, T (&members)[N], std::size_t count) {
-    return numberRow(fieldNames(names()).front(), members, count);
+    return numberRow(namesOf(names).front(), members, count);
   }
   template <class Names, class M>
   [[nodiscard]] bool indexed(const Names& names, std::size_t i, M& member) {
-    return item(fieldNames(names()).front() + '[' + std::to_string(i) + ']', member);
+    return item(namesOf(names).front() + '[' + std::to_string(i) + ']', member);
   }
   template <class Names, class M>
   [[nodiscard]] bool sizedField(const Names& names, M& field, std::size_t size) {
-    const std::string name = fieldNames(names()).front();
+    const std::string& name = namesOf(names).front();
     const std::byte* from = take(name, size);
     if (from == nullptr) return false;
     std::memcpy(std::data(field), from, size);
+    if (!advance(size)) return true;
     std::string value;
     if constexpr (std::is_same_v<std::remove_cvref_t<decltype(field[0])>, char>) {
       printText(value, std::data(field), size);
@@ -106,14 +117,14 @@ class Mapper : public codec::Reading<Mapper> {
 
   template <class Names>
   void enter(const Names& names, std::int64_t index = -1, std::size_t list = 0) {
-    enterPath(fieldNames(names())[list], index);
+    enterPath(namesOf(names)[list], index);
   }
   void leave();
   void atRow(std::int64_t row) { row_ = row; }
   template <class Names>
   void refused(const Names& names, std::int64_t value) {
     fault_ =
-        Fault{lastOffset_, pathOf(fieldNames(names()).front()), "the value " + std::to_string(value) + " is refused"};
+        Fault{lastOffset_, pathOf(namesOf(names).front()), "the value " + std::to_string(value) + " is refused"};
   }
   void refusedHere();
   void forgiven();
@@ -130,6 +141,7 @@ class Mapper : public codec::Reading<Mapper> {
       const std::byte* from = take(name, Item::kWidth);
       if (from == nullptr) return false;
       Item::load(member, from);
+      if (!advance(Item::kWidth)) return true;
       std::string value;
       print(value, member);
       report(Item::kWidth, name, std::move(value), Forms<std::remove_cvref_t<M>>::kAll);
@@ -191,6 +203,10 @@ class Mapper : public codec::Reading<Mapper> {
   // The next bytes, not yet reported; or null, with the fault noted and the stream at its end.
   const std::byte* take(const std::string& name, std::size_t size);
   void endsHere(const std::string& name, std::uint64_t size);
+  // The field from there to the stream's position was read. Whether it is to be reported.
+  bool isReported(std::uint64_t offset);
+  // The same for the next bytes, after they were taken.
+  bool advance(std::size_t size);
   void report(std::uint64_t size, const std::string& name, std::string value, std::span<const StoredForm> forms);
   void enterPath(const std::string& name, std::int64_t index);
   std::string pathOf(const std::string& name) const;
@@ -205,6 +221,7 @@ class Mapper : public codec::Reading<Mapper> {
   std::vector<Outer> outer_;  // what a record is inside of
   std::int64_t row_ = 0;
   std::uint64_t lastOffset_ = 0;
+  std::uint64_t walked_ = 0;
   std::optional<Fault> fault_;
   std::optional<Fault> tolerated_;
 };
