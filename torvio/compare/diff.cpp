@@ -1,0 +1,1 @@
+#include "torvio/compare/diff.h"
