@@ -74,9 +74,7 @@ void Differ::compareValues(const MemberNode& node, const void* a, const void* b)
     case Form::record:
       return compareMembers(node, a, b);
     case Form::array:
-      for (std::size_t i = 0; i < node.type->count; ++i)
-        compareElements(*node.element, at(a, i, *node.element), at(b, i, *node.element), i, i);
-      return;
+      return compareEntries(node, a, b);
     case Form::lazyArray:
       for (std::size_t i = 0; i < node.type->count; ++i)
         compareElements(*node.element, node.type->lazyAt(a, i), node.type->lazyAt(b, i), i, i);
@@ -100,7 +98,21 @@ void Differ::compareMembers(const MemberNode& node, const void* a, const void* b
     if (member.notStoredIn == Side::none)
       compareValues(member, ofA, ofB);
     else if (!areSame(member, ofA, ofB, options_.tolerance))
-      report(Change::changed, member, ofA, ofB);
+      report(Change::changed, member, ofA, ofB, member.notStoredIn);
+  }
+}
+
+void Differ::compareEntries(const MemberNode& node, const void* a, const void* b) {
+  for (std::size_t i = 0; i < node.type->count; ++i) {
+    const void *const ofA = at(a, i, *node.element), *const ofB = at(b, i, *node.element);
+    if (node.hasEntry(i)) {
+      compareElements(*node.element, ofA, ofB, i, i);
+    } else if (!isStopped_ && !node.entries[i].isLeftOut && !areSame(*node.element, ofA, ofB, options_.tolerance)) {
+      const PathEnd endOfA(pathInA_), endOfB(pathInB_);
+      appendIndex(pathInA_, i);
+      appendIndex(pathInB_, i);
+      report(Change::changed, *node.element, ofA, ofB, node.entries[i].notStoredIn);
+    }
   }
 }
 
@@ -274,7 +286,7 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
 
 // ---- differences -------------------------------------------------------------------------------------
 
-void Differ::report(Change change, const MemberNode& node, const void* a, const void* b) {
+void Differ::report(Change change, const MemberNode& node, const void* a, const void* b, Side notStoredIn) {
   areSame_ = false;
   Difference difference;
   difference.change = change;
@@ -288,7 +300,7 @@ void Differ::report(Change change, const MemberNode& node, const void* a, const 
   }
   if (options_.longestValue != 0) shorten(difference.a, difference.b);
   difference.name = name_;
-  difference.notStoredIn = node.notStoredIn;
+  difference.notStoredIn = notStoredIn;
   if (!sink_(difference)) isStopped_ = true;
 }
 
