@@ -641,6 +641,9 @@ TEST(DiffFiles, StoredMembersAreThoseOfTheVersion) {
   EXPECT_TRUE(material.hasEntry("stages.blocks", 5));
   EXPECT_FALSE(material.hasEntry("stages.blocks", 6));
   EXPECT_TRUE(material.has("stages.blocks.steps.tableFlag"));
+  EXPECT_TRUE(newest.has("patterns.bindFifth"));
+  EXPECT_TRUE(compare::StoredMembers(FileKind::part, 159).has("patterns.bindThird"));
+  EXPECT_FALSE(compare::StoredMembers(FileKind::part, 159).has("patterns.bindFifth"));
   EXPECT_TRUE(version5.has("width"));
   EXPECT_FALSE(version5.has("descriptionA"));
 }
