@@ -353,6 +353,7 @@ TEST(Diff, PartsAreMatchedByName) {
   EXPECT_EQ(all.size(), 22U) << testing::PrintToString(textsOf(all));
   EXPECT_EQ(textOf(all[0]), "+ parts[0]");
   EXPECT_EQ(all[0].name, "\"new\"");
+  EXPECT_TRUE(all[0].isOwnName);
   for (const Difference& one : all) {
     if (one.change != Change::changed) continue;
     EXPECT_TRUE(one.pathInA.ends_with(".height"));
@@ -814,7 +815,7 @@ TEST_F(PartFiles, PartIsChosenByNameOrPosition) {
 TEST_F(PartFiles, WhatCannotBeComparedIsSaid) {
   const auto unnamed = diffOf(partFile("x.prt"), {sheet, FileKind::sheet, {}, {}});
   EXPECT_EQ(unnamed.result.error,
-            "none of its parts is called as the part file; it has \"PLATE 0\", \"PLATE 1\", \"PLATE 2\"");
+            "has no part with the name of the part file; its parts are \"PLATE 0\", \"PLATE 1\", \"PLATE 2\"");
   EXPECT_EQ(unnamed.result.errorIn, Side::b);
   EXPECT_NE(diffOf({sheet, FileKind::sheet, "7", {}}, partFile("")).result.error, "");
   const Bytes machine = machineFile(180), macro = macroFile(180);
@@ -1024,8 +1025,9 @@ TEST_F(DiffCommand, PartIsFoundInASheet) {
   EXPECT_NE(changed.output.find("~ width     12.5 -> 13\n"), std::string::npos) << changed.output;
   const Outcome unknown = torvio("diff " + a_ + ' ' + sheet);
   EXPECT_EQ(unknown.code, 2);
-  EXPECT_NE(unknown.errors.find("nest.sht: none of its parts is called as the part file; it has \"OTHER\", \"PLATE\""),
-            std::string::npos)
+  EXPECT_NE(
+      unknown.errors.find("nest.sht: has no part with the name of the part file; its parts are \"OTHER\", \"PLATE\""),
+      std::string::npos)
       << unknown.errors;
   EXPECT_EQ(torvio("diff --part NONE " + a_ + ' ' + sheet).code, 2);
   EXPECT_EQ(torvio("diff --part 1 " + a_ + ' ' + b_).code, 2);

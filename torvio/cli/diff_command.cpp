@@ -122,13 +122,15 @@ class TextPrinter {
     to.append(colour).append(isInA ? "- " : isInB ? "+ " : isMoved ? "> " : "~ ").append(line.path);
     if (*colour != '\0') to += colours_.none;
     to.append(width - std::min(width, line.path.size()) + 2, ' ');
+    if (isMoved) to += "moved  ";
+    if (one.isOwnName) {
+      appendValue(to, shortened(one.name), colour);
+      return;
+    }
     if (isInA) {
       appendValue(to, one.a, colours_.removed);
-    } else if (isInB) {
-      appendValue(to, one.b, colours_.added);
-    } else if (isMoved) {
-      to.append("moved");
-      if (one.name.empty()) to.append("  ").append(one.b);
+    } else if (isInB || isMoved) {
+      appendValue(to, one.b, colour);
     } else {
       one.notStoredIn == Side::a ? appendValue(to, notStoredInA_, colours_.faint)
                                  : appendValue(to, one.a, colours_.removed);

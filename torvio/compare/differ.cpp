@@ -159,8 +159,10 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
     std::string outer = name_;
     const void *const one = isInA ? at(lists.a, i, element) : nullptr, *const other =
                                                                            isInB ? at(lists.b, j, element) : nullptr;
-    if (nameMember(element, isInA ? one : other) != nullptr) name_ = nameFor(element, isInA ? one : other);
+    isOwnName_ = nameMember(element, isInA ? one : other) != nullptr;
+    if (isOwnName_) name_ = nameFor(element, isInA ? one : other);
     report(change, element, one, other);
+    isOwnName_ = false;
     name_ = std::move(outer);
   };
   std::size_t i = 0, j = 0;
@@ -300,6 +302,7 @@ void Differ::report(Change change, const MemberNode& node, const void* a, const 
   }
   if (options_.longestValue != 0) shorten(difference.a, difference.b);
   difference.name = name_;
+  difference.isOwnName = isOwnName_;
   difference.notStoredIn = notStoredIn;
   if (!sink_(difference)) isStopped_ = true;
 }
