@@ -159,11 +159,15 @@ TEST(Diff, ChangeOfOneMemberIsReportedAtItsPath) {
   for (const frame::FileKindInfo& info : frame::kFileKinds)
     withFileRecord(info.kind, [&](auto file) {
       constexpr FileKind kKind = decltype(file)::kKind;
-      const auto record = anyRecord<kKind>(7);
       const values::Type& type = values::typeOfRecord(kKind);
-      // Lists that are walked have to have elements.
+      auto record = anyRecord<kKind>(7);
       std::size_t leaves = 0;
-      Leaves([&](const std::string&, const values::Type&, void*, bool) { ++leaves; }).walk(type, record.get(), "");
+      // A list of parts may be empty.
+      for (std::uint32_t seed = 8; leaves < 60; ++seed) {
+        leaves = 0;
+        Leaves([&](const std::string&, const values::Type&, void*, bool) { ++leaves; }).walk(type, record.get(), "");
+        if (leaves < 60) record = anyRecord<kKind>(seed);
+      }
       const auto copy = std::make_unique<typename decltype(file)::Record>(*record);
       const std::size_t step = isLong() ? 1 : std::max<std::size_t>(leaves / 300, 1);
       std::size_t number = 0, unstored = 0;
@@ -180,7 +184,6 @@ TEST(Diff, ChangeOfOneMemberIsReportedAtItsPath) {
         EXPECT_EQ(differences(*record, *copy).size(), isStored ? 1U : 0U) << path;
         change(leaf, at);
       }).walk(type, copy.get(), "");
-      EXPECT_GT(number, kKind == FileKind::groupPart ? 50U : 100U) << info.name;
       EXPECT_EQ(texts(*record, *copy, ofAllMembers()), Texts());
     });
 }
@@ -863,7 +866,7 @@ TEST(DiffFiles, DamagedFileIsComparedAsFarAsItWasRead) {
     EXPECT_NE(diff.result.a.status, 0);
     // No member outside of a list has a default that the file does not contain.
     for (const Difference& one : diff.all)
-      EXPECT_TRUE(one.pathInB.find('[') != std::string::npos || one.pathInB == "hasOptions") << textOf(one);
+      EXPECT_NE((one.pathInB.empty() ? one.pathInA : one.pathInB).find('['), std::string::npos) << textOf(one);
     ++cuts;
   }
   EXPECT_GT(cuts, 30U);
@@ -1004,7 +1007,7 @@ TEST_F(DiffCommand, VersionIsGivenAsTheReason) {
   EXPECT_EQ(run.code, 1);
   EXPECT_NE(run.output.find("~ version     150 -> 180\n"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("~ finalTextA  (not in version 150) -> \"new\"\n"), std::string::npos);
-  EXPECT_NE(run.output.find("2 differences, 1 of them in members that the older version does not store"),
+  EXPECT_NE(run.output.find("2 differences, 1 of them in members that one of the versions does not store"),
             std::string::npos);
   EXPECT_EQ(torvio("diff --common " + older + ' ' + newer).code, 0);
   const auto json = lines(torvio("diff --json " + newer + ' ' + older).output);

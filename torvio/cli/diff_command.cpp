@@ -405,7 +405,7 @@ class DiffCommand : public Command {
     if (found.areSame) return text + (isDamaged ? "No differences in what could be read\n" : "No differences\n");
     text += countOf(found.differences, "difference");
     if (found.notStored > 0)
-      text += ", " + std::to_string(found.notStored) + " of them in members that the older version does not store";
+      text += ", " + std::to_string(found.notStored) + " of them in members that one of the versions does not store";
     return text + "\n";
   }
   static std::string lineFor(const std::string& name, const File& file, const compare::ComparedFile& compared) {
