@@ -74,9 +74,7 @@ void Differ::compareValues(const MemberNode& node, const void* a, const void* b)
     case Form::record:
       return compareMembers(node, a, b);
     case Form::array:
-      for (std::size_t i = 0; i < node.type->count; ++i)
-        compareElements(*node.element, at(a, i, *node.element), at(b, i, *node.element), i, i);
-      return;
+      return compareEntries(node, a, b);
     case Form::lazyArray:
       for (std::size_t i = 0; i < node.type->count; ++i)
         compareElements(*node.element, node.type->lazyAt(a, i), node.type->lazyAt(b, i), i, i);
@@ -94,12 +92,27 @@ void Differ::compareMembers(const MemberNode& node, const void* a, const void* b
     const PathEnd endOfA(pathInA_), endOfB(pathInB_);
     appendName(pathInA_, member.name);
     appendName(pathInB_, member.name);
-    const void *const ofA = static_cast<const std::byte*>(a) + member.offset,
-                      *const ofB = static_cast<const std::byte*>(b) + member.offset;
+    const void *const ofA = static_cast<const std::byte*>(a) + member.offset, *const ofB =
+                                                                                  static_cast<const std::byte*>(b) +
+                                                                                  member.offset;
     if (member.notStoredIn == Side::none)
       compareValues(member, ofA, ofB);
     else if (!areSame(member, ofA, ofB, options_.tolerance))
-      report(Change::changed, member, ofA, ofB);
+      report(Change::changed, member, ofA, ofB, member.notStoredIn);
+  }
+}
+
+void Differ::compareEntries(const MemberNode& node, const void* a, const void* b) {
+  for (std::size_t i = 0; i < node.type->count; ++i) {
+    const void *const ofA = at(a, i, *node.element), *const ofB = at(b, i, *node.element);
+    if (node.hasEntry(i)) {
+      compareElements(*node.element, ofA, ofB, i, i);
+    } else if (!isStopped_ && !node.entries[i].isLeftOut && !areSame(*node.element, ofA, ofB, options_.tolerance)) {
+      const PathEnd endOfA(pathInA_), endOfB(pathInB_);
+      appendIndex(pathInA_, i);
+      appendIndex(pathInB_, i);
+      report(Change::changed, *node.element, ofA, ofB, node.entries[i].notStoredIn);
+    }
   }
 }
 
@@ -144,7 +157,8 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
     if (isInA) appendIndex(pathInA_, before + i);
     if (isInB) appendIndex(pathInB_, before + j);
     std::string outer = name_;
-    const void *const one = isInA ? at(lists.a, i, element) : nullptr, *const other = isInB ? at(lists.b, j, element) : nullptr;
+    const void *const one = isInA ? at(lists.a, i, element) : nullptr, *const other =
+                                                                           isInB ? at(lists.b, j, element) : nullptr;
     if (nameMember(element, isInA ? one : other) != nullptr) name_ = nameFor(element, isInA ? one : other);
     report(change, element, one, other);
     name_ = std::move(outer);
@@ -212,7 +226,9 @@ Alignment Differ::aligned(ListPair lists) {
 void Differ::pairGaps(Alignment& alignment, const ListPair& lists, const std::vector<Key>& namesOfA,
                       const std::vector<Key>& namesOfB) {
   constexpr std::uint64_t kMostOfOneGap = 65536;
-  const auto isNamed = [](const std::vector<Key>& names, std::size_t i) { return !names.empty() && names[i] != kNoKey; };
+  const auto isNamed = [](const std::vector<Key>& names, std::size_t i) {
+    return !names.empty() && names[i] != kNoKey;
+  };
   for (const Alignment::Gap& gap : alignment.gaps()) {
     const std::uint64_t similarities = std::uint64_t{gap.a.size()} * gap.b.size();
     const bool isOnePair = similarities == 1 && !isNamed(namesOfA, gap.a[0]) && !isNamed(namesOfB, gap.b[0]);
@@ -240,8 +256,7 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
   const auto worth = [&](std::size_t i, std::size_t j) {
     const double alike =
         fresh.empty() ? 0 : similarity(ofA.data() + i * fresh.size(), ofB.data() + j * fresh.size(), fresh);
-    const bool areNamed =
-        !namesOfA.empty() && (namesOfA[gap.a[i]] != kNoKey || namesOfB[gap.b[j]] != kNoKey);
+    const bool areNamed = !namesOfA.empty() && (namesOfA[gap.a[i]] != kNoKey || namesOfB[gap.b[j]] != kNoKey);
     return areNamed && alike < kOfSameName ? -1 : alike + kOfAnyPair;
   };
   enum class Step : std::uint8_t { pair, skipA, skipB };
@@ -271,7 +286,7 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
 
 // ---- differences -------------------------------------------------------------------------------------
 
-void Differ::report(Change change, const MemberNode& node, const void* a, const void* b) {
+void Differ::report(Change change, const MemberNode& node, const void* a, const void* b, Side notStoredIn) {
   areSame_ = false;
   Difference difference;
   difference.change = change;
@@ -285,7 +300,7 @@ void Differ::report(Change change, const MemberNode& node, const void* a, const 
   }
   if (options_.longestValue != 0) shorten(difference.a, difference.b);
   difference.name = name_;
-  difference.notStoredIn = node.notStoredIn;
+  difference.notStoredIn = notStoredIn;
   if (!sink_(difference)) isStopped_ = true;
 }
 
@@ -309,7 +324,8 @@ void Differ::shorten(std::string& a, std::string& b) const {
   }
   for (std::string* text : {&a, &b}) {
     if (text->empty()) continue;
-    *text = (from > 0 ? std::string(kCut) : std::string()) + beginning(text->substr(std::min(from, text->size())), longest);
+    *text =
+        (from > 0 ? std::string(kCut) : std::string()) + beginning(text->substr(std::min(from, text->size())), longest);
   }
 }
 

@@ -17,9 +17,10 @@ using values::Type;
 struct NamedRecord {
   std::string_view record, member;
 };
-constexpr std::array kNamedRecords{NamedRecord{"TorvPart", "partName"},     NamedRecord{"OldTool", "name"},
-                                   NamedRecord{"OldTool", "specialToolPath"}, NamedRecord{"OldMaterial", "name"},
-                                   NamedRecord{"NamedWorkList", "listName"}, NamedRecord{"InventoryEntry", "entryNameA"}};
+constexpr std::array kNamedRecords{
+    NamedRecord{"TorvPart", "partName"},       NamedRecord{"OldTool", "name"},
+    NamedRecord{"OldTool", "specialToolPath"}, NamedRecord{"OldMaterial", "name"},
+    NamedRecord{"NamedWorkList", "listName"},  NamedRecord{"InventoryEntry", "entryNameA"}};
 
 bool isFloat(Form form) { return form == Form::float32 || form == Form::float64; }
 
@@ -43,25 +44,25 @@ std::string_view bytesOf(const Type& type, const void* value) {
 
 class TreeMaker {
  public:
-  TreeMaker(const DiffOptions& options, const TreatmentOf& treatmentOf) : options_(options), treatmentOf_(treatmentOf) {}
+  TreeMaker(const DiffOptions& options, const TreatmentOf& treatmentOf)
+      : options_(options), treatmentOf_(treatmentOf) {}
 
-  MemberNode made(const Type& type, const std::string& path, bool isInList) {
+  MemberNode made(const Type& type, const std::string& path, bool isInElement) {
     MemberNode node;
     node.type = &type;
     switch (type.form) {
       case Form::array:
-        setElement(node, path, isInList);
-        node.isBytes = node.element->isBytes;
+        setElement(node, path);
+        setEntries(node, path, isInElement);
+        node.isBytes = node.entries.empty() && node.element->isBytes;
         break;
       case Form::list:
-        setElement(node, path, true);
-        break;
       case Form::lazyArray:
-        setElement(node, path, isInList);
+        setElement(node, path);
         break;
       case Form::pair:
       case Form::record:
-        addMembers(node, path, isInList);
+        addMembers(node, path, isInElement);
         break;
       case Form::text:
         break;
@@ -72,23 +73,35 @@ class TreeMaker {
   }
 
  private:
-  void setElement(MemberNode& node, const std::string& path, bool isInList) {
-    auto element = std::make_unique<MemberNode>(made(*node.type->element, path, isInList));
+  void setElement(MemberNode& node, const std::string& path) {
+    auto element = std::make_unique<MemberNode>(made(*node.type->element, path, true));
     node.isComplete = element->isComplete;
     node.element = std::move(element);
   }
-  void addMembers(MemberNode& node, const std::string& path, bool isInList) {
+  void setEntries(MemberNode& node, const std::string& path, bool isInElement) {
+    if (!treatmentOf_ || isInNotStored_) return;
+    std::vector<Treatment> entries(node.type->count);
+    bool areAlike = true;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      entries[i] = treatmentOf_(path, isInElement, i);
+      if (!entries[i].isLeftOut && entries[i].notStoredIn == Side::none) continue;
+      areAlike = false;
+      node.isComplete = node.isComplete && entries[i].notStoredIn == Side::none;
+    }
+    if (!areAlike) node.entries = std::move(entries);
+  }
+  void addMembers(MemberNode& node, const std::string& path, bool isInElement) {
     for (const values::TypeMember& member : node.type->members) {
       if (!member.isStored && options_.storedOnly) continue;
       const std::string memberPath = node.type->form == Form::pair ? path
                                      : path.empty()                ? std::string(member.name)
                                                                    : path + '.' + std::string(member.name);
-      Treatment treatment = treatmentOf_ ? treatmentOf_(memberPath, isInList) : Treatment();
+      Treatment treatment = treatmentOf_ ? treatmentOf_(memberPath, isInElement, std::nullopt) : Treatment();
       if (treatment.isLeftOut) continue;
       // What one side does not store is one value, whatever is in it.
       if (isInNotStored_) treatment.notStoredIn = Side::none;
       const bool outer = std::exchange(isInNotStored_, isInNotStored_ || treatment.notStoredIn != Side::none);
-      MemberNode one = made(*member.type, memberPath, isInList);
+      MemberNode one = made(*member.type, memberPath, isInElement);
       isInNotStored_ = outer;
       one.name = member.name;
       one.offset = member.offset;
@@ -142,7 +155,8 @@ std::uint64_t mixedBytes(std::uint64_t hash, std::string_view bytes) {
 // Numbers that differ by less than the tolerance mostly have the same.
 std::uint64_t floatWord(Form form, const void* value, double tolerance) {
   const double number = floatAt(form, value);
-  if (!std::isfinite(number)) return mixedBytes(kSeed, {static_cast<const char*>(value), form == Form::float64 ? 8U : 4U});
+  if (!std::isfinite(number))
+    return mixedBytes(kSeed, {static_cast<const char*>(value), form == Form::float64 ? 8U : 4U});
   const double rounded = std::round(number / tolerance);
   return rounded == 0 ? 0 : std::bit_cast<std::uint64_t>(rounded);
 }
@@ -155,14 +169,13 @@ std::uint64_t hashed(std::uint64_t hash, const MemberNode& node, const void* val
       return mixedBytes(hash, bytesOf(type, value));
     case Form::array:
       for (std::size_t i = 0; i < type.count; ++i)
-        hash = hashed(hash, *node.element, at(value, i * type.element->size), tolerance);
+        if (node.hasEntry(i)) hash = hashed(hash, *node.element, at(value, i * type.element->size), tolerance);
       return hash;
     case Form::list: {
       const std::size_t count = node.lengthOf(value);
       hash = mixed(hash, count);
       const void* first = type.data(value);
-      if (node.element->isBytes)
-        return mixedBytes(hash, {static_cast<const char*>(first), count * type.element->size});
+      if (node.element->isBytes) return mixedBytes(hash, {static_cast<const char*>(first), count * type.element->size});
       for (std::size_t i = 0; i < count; ++i)
         hash = hashed(hash, *node.element, at(first, i * type.element->size), tolerance);
       return hash;
@@ -224,7 +237,12 @@ bool areSame(const MemberNode& node, const void* a, const void* b, double tolera
     case Form::text:
       return bytesOf(type, a) == bytesOf(type, b);
     case Form::array:
-      return haveSameElements(*node.element, a, b, type.count, tolerance);
+      if (node.entries.empty()) return haveSameElements(*node.element, a, b, type.count, tolerance);
+      for (std::size_t i = 0; i < type.count; ++i)
+        if (node.hasEntry(i) &&
+            !areSame(*node.element, at(a, i * type.element->size), at(b, i * type.element->size), tolerance))
+          return false;
+      return true;
     case Form::list:
       return node.lengthOf(a) == node.lengthOf(b) &&
              haveSameElements(*node.element, type.data(a), type.data(b), node.lengthOf(a), tolerance);
@@ -277,7 +295,7 @@ void appendSketch(Sketch& to, const MemberNode& node, const void* value, double 
       if (member.notStoredIn == Side::none) appendSketch(to, member, at(value, member.offset), tolerance);
   } else if (type.form == Form::array && type.count <= kLongestSketched) {
     for (std::size_t i = 0; i < type.count; ++i)
-      appendSketch(to, *node.element, at(value, i * type.element->size), tolerance);
+      if (node.hasEntry(i)) appendSketch(to, *node.element, at(value, i * type.element->size), tolerance);
   } else {
     const std::uint64_t hash = hashOf(node, value, tolerance);
     to.push_back(static_cast<std::uint32_t>(hash ^ (hash >> 32U)));
