@@ -202,7 +202,7 @@ Converted convert(std::span<const std::byte> bytes, FileKind kind, int version, 
 
   if (!to.error.empty() || options.allowLoss || report.isComplete()) return to;
   to.bytes.clear();
-  to.error = "would lose what is listed in version " + std::to_string(version);
+  to.error = "a file of version " + std::to_string(version) + " would lose what is listed";
   return to;
 }
 
