@@ -1,5 +1,7 @@
 // Files in other versions: what is reported as lost is what differs, whatever is written loads completely, and nothing
 // is written that was not asked for.
+#include "torvio/convert/convert.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +17,6 @@
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
 #include "torvio/convert/complete_save.h"
-#include "torvio/convert/convert.h"
 #include "torvio/convert/recover.h"
 #include "torvio/convert/sheet_surplus.h"
 
