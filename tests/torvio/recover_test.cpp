@@ -290,6 +290,30 @@ TEST(Recover, CountsOfRowsAgreeWithTheRows) {
   EXPECT_TRUE(recovered.report.losses.empty()) << convert::textOf(recovered.report);
 }
 
+TEST(Recover, ListsInRowsKeepTheirElements) {
+  auto material = std::make_unique<OldMaterial>();
+  material->params.version = 180;
+  material->params.nameLength = 1;
+  material->settingListCount = 4;
+  for (int i = 0; i < 4; ++i) material->settingLists[i].resize(5);
+  const Bytes file = Bytes::of(values::saveRecord<FileKind::material>(*material, 180).bytes);
+  const Bytes cut = file.cut(offsetOf(file, FileKind::material, "settingLists[1][3].entryText"));
+  const Recovered recovered = convert::recover(cut.span(), FileKind::material);
+  const auto after = values::loadRecord<FileKind::material>(recovered.bytes);
+  EXPECT_EQ(after.record->settingListCount, 2);
+  EXPECT_EQ(after.record->settingLists[0].size(), 5U);
+  EXPECT_EQ(after.record->settingLists[1].size(), 3U);
+  ASSERT_EQ(recovered.report.shorter.size(), 2U);
+  EXPECT_EQ(recovered.report.shorter[0].list, "settingLists");
+  EXPECT_EQ(recovered.report.shorter[0].kept, 2U);
+  EXPECT_EQ(recovered.report.shorter[0].stored, 4U);
+  EXPECT_EQ(recovered.report.shorter[1].list, "settingLists[1]");
+  EXPECT_EQ(recovered.report.shorter[1].kept, 3U);
+  EXPECT_EQ(recovered.report.shorter[1].stored, 5U);
+  EXPECT_EQ(recovered.report.shorter[1].brokenAt, "entryText");
+  EXPECT_TRUE(recovered.report.losses.empty()) << convert::textOf(recovered.report);
+}
+
 TEST(Recover, SetupEntriesOfASheetThatWereNotReadAreDropped) {
   auto sheet = std::make_unique<OldSheet>();
   fullSheet(*sheet, 180);
