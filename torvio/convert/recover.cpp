@@ -127,7 +127,7 @@ std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
     if (!step.indexes.empty() && rows != kRows.end())
       return Broken{path.substr(0, step.end), step.indexes.front(), inside, &*rows, owner};
     if (!step.indexes.empty() && type->form == Form::list)
-      return Broken{path.substr(0, step.end), step.indexes.front(), inside};
+      return Broken{path.substr(0, step.end), step.indexes.front(), inside, nullptr, {}};
     for (std::size_t i = 0; i < step.indexes.size() && type->element != nullptr; ++i) type = type->element;
     ownerEnd = std::min(path.find('.', step.end), path.size());
   }
