@@ -1,7 +1,7 @@
 #include "torvio/explain/file_map.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdio>
 #include <memory>
 
 #include "src/file_records.h"
@@ -44,6 +44,16 @@ std::string FileReport::unread() const {
   return std::to_string(count) + (count == 1 ? " unread byte" : " unread bytes") + " after the last field";
 }
 
+std::string hexOffset(std::uint64_t offset) {
+  char digits[32];
+  (void)std::snprintf(digits, sizeof digits, "%08llx", static_cast<unsigned long long>(offset));
+  return digits;
+}
+
+std::string describe(const Fault& fault) {
+  return "at " + hexOffset(fault.offset) + " in " + fault.path + ": " + fault.reason;
+}
+
 FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSink& sink) {
   FileReport report;
   InStream stream(bytes);
@@ -77,6 +87,22 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
     report.fault = body.fault();
   else if (stream.left() > 0)
     body.remark(report.unread());
+  return report;
+}
+
+FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const MapSink& sink) {
+  if (kind) return mapFile(bytes, *kind, sink);
+  // Any kind will do for the version word. No other field is reported.
+  const auto word = bytes.first(std::min(bytes.size(), sizeof(std::int16_t)));
+  FileReport report = mapFile(word, FileKind::part, [&](const MapLine& line) {
+    if (line.path == "version") sink(line);
+  });
+  report.size = bytes.size();
+  if (!report.version) return report;
+  const bool isKnown = std::any_of(kFileKinds.begin(), kFileKinds.end(),
+                                   [&](const FileKindInfo& info) { return info.accepts(*report.version); });
+  const std::string other = std::to_string(*report.version) + " is not a version of any kind of file";
+  report.fault = Fault{0, "version", isKnown ? "the contents fit no kind of this version; choose the kind" : other};
   return report;
 }
 
