@@ -13,7 +13,8 @@ constexpr std::size_t kNone = Alignment::kNone;
 // Pairs two sequences of keys in order. Works on ranges, whose ends are cut off as far as they are the same.
 class InOrder {
  public:
-  InOrder(const std::vector<Key>& a, const std::vector<Key>& b) : a_(a), b_(b) {}
+  InOrder(const std::vector<Key>& a, const std::vector<Key>& b)
+      : a_(a), b_(b), stepsLeft_(kFewSteps + kStepsOfEach * (a.size() + b.size())) {}
 
   // Pairs of positions, in any order.
   std::vector<std::pair<std::size_t, std::size_t>> pairs() && {
@@ -27,10 +28,10 @@ class InOrder {
   };
   // How many elements may be without a partner in a range for the exact search, which takes time and memory with the
   // square of it.
-  static constexpr std::ptrdiff_t kMostEdits = 1000;
+  static constexpr std::ptrdiff_t kMostEdits = 500;
   static constexpr int kDepth = 8;
-  // Steps of all exact searches together.
-  static constexpr std::uint64_t kMostSteps = 100'000'000;
+  // Steps of all exact searches together: time follows the size of the lists.
+  static constexpr std::uint64_t kFewSteps = 10'000, kStepsOfEach = 200;
 
   void pairRange(Range range, int depth) {
     while (range.beginA < range.endA && range.beginB < range.endB && a_[range.beginA] == b_[range.beginB])
@@ -74,14 +75,15 @@ class InOrder {
         std::ptrdiff_t x = isDown ? at(diagonal + 1) : at(diagonal - 1) + 1;
         const std::ptrdiff_t from = x;
         while (x < n && x - diagonal < m && x >= diagonal && a[x] == b[x - diagonal]) ++x;
-        steps_ += static_cast<std::uint64_t>(x - from) + 1;
+        const auto steps = static_cast<std::uint64_t>(x - from) + 1;
+        stepsLeft_ -= std::min(stepsLeft_, steps);
         at(diagonal) = x;
         if (x >= n && x - diagonal >= m) {
           addTrace(range, trace, edits, diagonal, x);
           return true;
         }
       }
-      if (steps_ > kMostSteps) return false;
+      if (stepsLeft_ == 0) return false;
       // Of the diagonals that this round can have reached.
       trace.emplace_back(reached.begin() + (most + 1 - edits), reached.begin() + (most + 2 + edits));
     }
@@ -94,11 +96,9 @@ class InOrder {
       std::ptrdiff_t from = 0, before = diagonal;
       if (edits > 0) {
         const std::vector<std::ptrdiff_t>& row = trace[static_cast<std::size_t>(edits - 1)];
-        const auto at = [&](std::ptrdiff_t one) {
-          return row[static_cast<std::size_t>(one + edits - 1)];
-        };
-        const bool isDown =
-            diagonal == -edits || (diagonal != edits && valueAt(row, diagonal - 1, edits) < valueAt(row, diagonal + 1, edits));
+        const auto at = [&](std::ptrdiff_t one) { return row[static_cast<std::size_t>(one + edits - 1)]; };
+        const bool isDown = diagonal == -edits || (diagonal != edits && valueAt(row, diagonal - 1, edits) <
+                                                                            valueAt(row, diagonal + 1, edits));
         before = isDown ? diagonal + 1 : diagonal - 1;
         from = isDown ? at(before) : at(before) + 1;
         // Below the run of equal keys.
@@ -147,8 +147,9 @@ class InOrder {
     // The longest increasing sequence of their places in B: piles[k] ends the best one of length k + 1.
     std::vector<std::size_t> piles, before(unique.size(), kNone);
     for (std::size_t i = 0; i < unique.size(); ++i) {
-      const auto pile = std::lower_bound(piles.begin(), piles.end(), unique[i].second,
-                                         [&](std::size_t one, std::size_t place) { return unique[one].second < place; });
+      const auto pile =
+          std::lower_bound(piles.begin(), piles.end(), unique[i].second,
+                           [&](std::size_t one, std::size_t place) { return unique[one].second < place; });
       if (pile != piles.begin()) before[i] = *(pile - 1);
       if (pile == piles.end())
         piles.push_back(i);
@@ -163,7 +164,7 @@ class InOrder {
 
   const std::vector<Key>&a_, &b_;
   std::vector<std::pair<std::size_t, std::size_t>> pairs_;
-  std::uint64_t steps_ = 0;
+  std::uint64_t stepsLeft_;
 };
 
 // The elements of a gap whose keys are in the other list as well: no others can have partners.

@@ -97,7 +97,8 @@ struct FileDifferences {
 // Compares the records of two files, whatever their bytes are. Files of different kinds are compared if one holds what
 // the other is: a part, a list of parts, a machine, a material. Members that only one of these kinds stores are then
 // left out, and so is what places a part on its sheet. Of a damaged file that is compared what was read.
+// `begins`, if there is one, is called once it is known what is compared, before the first difference.
 FileDifferences diffFiles(const FileToCompare& a, const FileToCompare& b, const DiffOptions& options,
-                          const DifferenceSink& sink);
+                          const DifferenceSink& sink, const std::function<void(const FileDifferences&)>& begins = {});
 
 }  // namespace oldtorvio::compare

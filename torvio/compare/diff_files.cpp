@@ -65,7 +65,7 @@ struct Value {
   const void* at = nullptr;
   std::string path;    // with positions
   std::string member;  // without
-  bool isInList = false;
+  bool isInElement = false;
 };
 
 // The first member of that type that is in no list.
@@ -105,8 +105,11 @@ class FileDiffer {
         sink_(sink),
         encoding_(values::TextEncoding::named(options.encoding).value_or(values::TextEncoding())) {}
 
-  FileDifferences result() && {
-    if (load() && choose()) compare();
+  FileDifferences result(const std::function<void(const FileDifferences&)>& begins) && {
+    if (load() && choose()) {
+      if (begins) begins(result_);
+      compare();
+    }
     return std::move(result_);
   }
 
@@ -190,7 +193,6 @@ class FileDiffer {
   }
   // By the name of its file, or because there is no other.
   std::optional<std::size_t> partLike(const std::vector<TorvPart>& parts, const std::string& path) const {
-    std::string utf8;
     const std::string stem = encoding_.bytesOf(stemOf(path)).value_or(stemOf(path));
     for (std::size_t i = 0; i < parts.size() && !stem.empty(); ++i)
       if (stem == stemOf(textOf(parts[i].partName)) || stem == stemOf(textOf(parts[i].partFullDosName))) return i;
@@ -201,11 +203,13 @@ class FileDiffer {
     if (parts.empty()) return "has no parts";
     constexpr std::size_t kMostNames = 10;
     const std::string& part = files_[side]->part;
-    std::string text = part.empty() ? "none of its parts is called as the part file" : "none of its parts is called \"" + part + "\"";
+    std::string text =
+        part.empty() ? "none of its parts is called as the part file" : "none of its parts is called \"" + part + "\"";
     text += "; it has ";
     for (std::size_t i = 0; i < std::min(parts.size(), kMostNames); ++i)
       text.append(i == 0 ? "" : ", ").append(quoted(textOf(parts[i].partName)));
-    if (parts.size() > kMostNames) text.append(" and ").append(std::to_string(parts.size() - kMostNames)).append(" more");
+    if (parts.size() > kMostNames)
+      text.append(" and ").append(std::to_string(parts.size() - kMostNames)).append(" more");
     return text;
   }
   std::string quoted(std::string_view bytes) const {
@@ -236,10 +240,10 @@ class FileDiffer {
     }
   }
 
-  Treatment treatmentOf(const std::string& path, bool isInList) const {
+  Treatment treatmentOf(const std::string& path, bool isInElement) const {
     Treatment treatment;
     for (std::size_t side = 0; side < 2; ++side)
-      if (!isInList && !values_[side].isInList && !read_[side].has(joined(values_[side].member, path)))
+      if (!isInElement && !values_[side].isInElement && !read_[side].has(joined(values_[side].member, path)))
         treatment.isLeftOut = true;
     if (stored_[0] && stored_[1]) {
       const std::array isStored{isStoredIn(stored_, 0, path), isStoredIn(stored_, 1, path)};
@@ -251,7 +255,8 @@ class FileDiffer {
         treatment.notStoredIn = kSides[lacking];
       }
     }
-    if (options_.commonOnly && loaded_[0].version != loaded_[1].version && isVersionWord(path)) treatment.isLeftOut = true;
+    if (options_.commonOnly && loaded_[0].version != loaded_[1].version && isVersionWord(path))
+      treatment.isLeftOut = true;
     if (isOneOnSheet() && isPlacement(path)) treatment.isLeftOut = true;
     treatment.isFirstOnly = isOneOnSheet() && isPatterns(path);
     return treatment;
@@ -299,9 +304,9 @@ class FileDiffer {
       goesOn = counting(difference);
     }
     if (goesOn) {
-      const MemberNode tree =
-          memberTree(*values_[0].type, options_,
-                     [this](const std::string& path, bool isInList) { return treatmentOf(path, isInList); });
+      const MemberNode tree = memberTree(*values_[0].type, options_, [this](const std::string& path, bool isInElement) {
+        return treatmentOf(path, isInElement);
+      });
       Differ differ(options_, counting, values_[0].path, values_[1].path);
       areSame = differ.compare(tree, values_[0].at, values_[1].at) && areSame;
     }
@@ -322,8 +327,8 @@ class FileDiffer {
 }  // namespace
 
 FileDifferences diffFiles(const FileToCompare& a, const FileToCompare& b, const DiffOptions& options,
-                          const DifferenceSink& sink) {
-  return FileDiffer(a, b, options, sink).result();
+                          const DifferenceSink& sink, const std::function<void(const FileDifferences&)>& begins) {
+  return FileDiffer(a, b, options, sink).result(begins);
 }
 
 }  // namespace oldtorvio::compare

@@ -94,8 +94,9 @@ void Differ::compareMembers(const MemberNode& node, const void* a, const void* b
     const PathEnd endOfA(pathInA_), endOfB(pathInB_);
     appendName(pathInA_, member.name);
     appendName(pathInB_, member.name);
-    const void *const ofA = static_cast<const std::byte*>(a) + member.offset,
-                      *const ofB = static_cast<const std::byte*>(b) + member.offset;
+    const void *const ofA = static_cast<const std::byte*>(a) + member.offset, *const ofB =
+                                                                                  static_cast<const std::byte*>(b) +
+                                                                                  member.offset;
     if (member.notStoredIn == Side::none)
       compareValues(member, ofA, ofB);
     else if (!areSame(member, ofA, ofB, options_.tolerance))
@@ -144,7 +145,8 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
     if (isInA) appendIndex(pathInA_, before + i);
     if (isInB) appendIndex(pathInB_, before + j);
     std::string outer = name_;
-    const void *const one = isInA ? at(lists.a, i, element) : nullptr, *const other = isInB ? at(lists.b, j, element) : nullptr;
+    const void *const one = isInA ? at(lists.a, i, element) : nullptr, *const other =
+                                                                           isInB ? at(lists.b, j, element) : nullptr;
     if (nameMember(element, isInA ? one : other) != nullptr) name_ = nameFor(element, isInA ? one : other);
     report(change, element, one, other);
     name_ = std::move(outer);
@@ -212,7 +214,9 @@ Alignment Differ::aligned(ListPair lists) {
 void Differ::pairGaps(Alignment& alignment, const ListPair& lists, const std::vector<Key>& namesOfA,
                       const std::vector<Key>& namesOfB) {
   constexpr std::uint64_t kMostOfOneGap = 65536;
-  const auto isNamed = [](const std::vector<Key>& names, std::size_t i) { return !names.empty() && names[i] != kNoKey; };
+  const auto isNamed = [](const std::vector<Key>& names, std::size_t i) {
+    return !names.empty() && names[i] != kNoKey;
+  };
   for (const Alignment::Gap& gap : alignment.gaps()) {
     const std::uint64_t similarities = std::uint64_t{gap.a.size()} * gap.b.size();
     const bool isOnePair = similarities == 1 && !isNamed(namesOfA, gap.a[0]) && !isNamed(namesOfB, gap.b[0]);
@@ -240,8 +244,7 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
   const auto worth = [&](std::size_t i, std::size_t j) {
     const double alike =
         fresh.empty() ? 0 : similarity(ofA.data() + i * fresh.size(), ofB.data() + j * fresh.size(), fresh);
-    const bool areNamed =
-        !namesOfA.empty() && (namesOfA[gap.a[i]] != kNoKey || namesOfB[gap.b[j]] != kNoKey);
+    const bool areNamed = !namesOfA.empty() && (namesOfA[gap.a[i]] != kNoKey || namesOfB[gap.b[j]] != kNoKey);
     return areNamed && alike < kOfSameName ? -1 : alike + kOfAnyPair;
   };
   enum class Step : std::uint8_t { pair, skipA, skipB };
@@ -309,7 +312,8 @@ void Differ::shorten(std::string& a, std::string& b) const {
   }
   for (std::string* text : {&a, &b}) {
     if (text->empty()) continue;
-    *text = (from > 0 ? std::string(kCut) : std::string()) + beginning(text->substr(std::min(from, text->size())), longest);
+    *text =
+        (from > 0 ? std::string(kCut) : std::string()) + beginning(text->substr(std::min(from, text->size())), longest);
   }
 }
 

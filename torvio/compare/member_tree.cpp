@@ -17,9 +17,10 @@ using values::Type;
 struct NamedRecord {
   std::string_view record, member;
 };
-constexpr std::array kNamedRecords{NamedRecord{"TorvPart", "partName"},     NamedRecord{"OldTool", "name"},
-                                   NamedRecord{"OldTool", "specialToolPath"}, NamedRecord{"OldMaterial", "name"},
-                                   NamedRecord{"NamedWorkList", "listName"}, NamedRecord{"InventoryEntry", "entryNameA"}};
+constexpr std::array kNamedRecords{
+    NamedRecord{"TorvPart", "partName"},       NamedRecord{"OldTool", "name"},
+    NamedRecord{"OldTool", "specialToolPath"}, NamedRecord{"OldMaterial", "name"},
+    NamedRecord{"NamedWorkList", "listName"},  NamedRecord{"InventoryEntry", "entryNameA"}};
 
 bool isFloat(Form form) { return form == Form::float32 || form == Form::float64; }
 
@@ -43,25 +44,24 @@ std::string_view bytesOf(const Type& type, const void* value) {
 
 class TreeMaker {
  public:
-  TreeMaker(const DiffOptions& options, const TreatmentOf& treatmentOf) : options_(options), treatmentOf_(treatmentOf) {}
+  TreeMaker(const DiffOptions& options, const TreatmentOf& treatmentOf)
+      : options_(options), treatmentOf_(treatmentOf) {}
 
-  MemberNode made(const Type& type, const std::string& path, bool isInList) {
+  MemberNode made(const Type& type, const std::string& path, bool isInElement) {
     MemberNode node;
     node.type = &type;
     switch (type.form) {
       case Form::array:
-        setElement(node, path, isInList);
+        setElement(node, path);
         node.isBytes = node.element->isBytes;
         break;
       case Form::list:
-        setElement(node, path, true);
-        break;
       case Form::lazyArray:
-        setElement(node, path, isInList);
+        setElement(node, path);
         break;
       case Form::pair:
       case Form::record:
-        addMembers(node, path, isInList);
+        addMembers(node, path, isInElement);
         break;
       case Form::text:
         break;
@@ -72,23 +72,23 @@ class TreeMaker {
   }
 
  private:
-  void setElement(MemberNode& node, const std::string& path, bool isInList) {
-    auto element = std::make_unique<MemberNode>(made(*node.type->element, path, isInList));
+  void setElement(MemberNode& node, const std::string& path) {
+    auto element = std::make_unique<MemberNode>(made(*node.type->element, path, true));
     node.isComplete = element->isComplete;
     node.element = std::move(element);
   }
-  void addMembers(MemberNode& node, const std::string& path, bool isInList) {
+  void addMembers(MemberNode& node, const std::string& path, bool isInElement) {
     for (const values::TypeMember& member : node.type->members) {
       if (!member.isStored && options_.storedOnly) continue;
       const std::string memberPath = node.type->form == Form::pair ? path
                                      : path.empty()                ? std::string(member.name)
                                                                    : path + '.' + std::string(member.name);
-      Treatment treatment = treatmentOf_ ? treatmentOf_(memberPath, isInList) : Treatment();
+      Treatment treatment = treatmentOf_ ? treatmentOf_(memberPath, isInElement) : Treatment();
       if (treatment.isLeftOut) continue;
       // What one side does not store is one value, whatever is in it.
       if (isInNotStored_) treatment.notStoredIn = Side::none;
       const bool outer = std::exchange(isInNotStored_, isInNotStored_ || treatment.notStoredIn != Side::none);
-      MemberNode one = made(*member.type, memberPath, isInList);
+      MemberNode one = made(*member.type, memberPath, isInElement);
       isInNotStored_ = outer;
       one.name = member.name;
       one.offset = member.offset;
@@ -142,7 +142,8 @@ std::uint64_t mixedBytes(std::uint64_t hash, std::string_view bytes) {
 // Numbers that differ by less than the tolerance mostly have the same.
 std::uint64_t floatWord(Form form, const void* value, double tolerance) {
   const double number = floatAt(form, value);
-  if (!std::isfinite(number)) return mixedBytes(kSeed, {static_cast<const char*>(value), form == Form::float64 ? 8U : 4U});
+  if (!std::isfinite(number))
+    return mixedBytes(kSeed, {static_cast<const char*>(value), form == Form::float64 ? 8U : 4U});
   const double rounded = std::round(number / tolerance);
   return rounded == 0 ? 0 : std::bit_cast<std::uint64_t>(rounded);
 }
@@ -161,8 +162,7 @@ std::uint64_t hashed(std::uint64_t hash, const MemberNode& node, const void* val
       const std::size_t count = node.lengthOf(value);
       hash = mixed(hash, count);
       const void* first = type.data(value);
-      if (node.element->isBytes)
-        return mixedBytes(hash, {static_cast<const char*>(first), count * type.element->size});
+      if (node.element->isBytes) return mixedBytes(hash, {static_cast<const char*>(first), count * type.element->size});
       for (std::size_t i = 0; i < count; ++i)
         hash = hashed(hash, *node.element, at(first, i * type.element->size), tolerance);
       return hash;

@@ -13,13 +13,13 @@
 
 namespace oldtorvio::compare {
 
-// How to treat a member, by its path without positions and whether it is in an element of a list.
+// How to treat a member, by its path without positions and whether it is in an element of a list or array.
 struct Treatment {
   bool isLeftOut = false;
   bool isFirstOnly = false;  // of a list: its first element is all that is compared
   Side notStoredIn = Side::none;
 };
-using TreatmentOf = std::function<Treatment(const std::string& path, bool isInList)>;
+using TreatmentOf = std::function<Treatment(const std::string& path, bool isInElement)>;
 
 struct MemberNode {
   const values::Type* type = nullptr;

@@ -187,7 +187,7 @@ class Walker : public codec::RecordWalker<Walker> {
       using Element = typename std::remove_cvref_t<L>::value_type;
       if constexpr (values::HasMembers<Element>)
         inside({name}, [&] {
-          if constexpr (requires(Element& one) { codec::Layout<Element>::describe(*this, one, more...); })
+          if constexpr (requires(Element & one) { codec::Layout<Element>::describe(*this, one, more...); })
             walkFresh<Element>(more...);
           else
             walkFresh<Element>();
