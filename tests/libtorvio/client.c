@@ -210,6 +210,48 @@ static void unreadable_file(const char* folder) {
   EXPECT_REFUSED(torvio_from_json(&input, 0, 0, &result, &error), TORVIO_NOT_READ, "is a folder");
 }
 
+static void differences(void) {
+  static uint8_t other[kMachineSize];
+  torvio_input a = in_memory(machine, kMachineSize, "machine"), b = in_memory(other, kMachineSize, "machine");
+  int32_t same = 7;
+  memcpy(other, machine, sizeof other);
+  EXPECT(is(torvio_diff(&a, &b, NULL, 0, 0, &same, &result, &error), TORVIO_OK));
+  EXPECT(same == 1 && contains("{\"summary\":{\"same\":true,\"differences\":0,"));
+  release();
+
+  other[605] = 8; /* the first field of the station */
+  EXPECT(is(torvio_diff(&a, &b, NULL, 0, TORVIO_COMMON, &same, &result, &error), TORVIO_OK));
+  EXPECT(same == 0 && contains("{\"change\":\"") && contains("{\"summary\":{\"same\":false,"));
+  release();
+  EXPECT(is(torvio_diff(&a, &b, NULL, 1, 0, NULL, &result, &error), TORVIO_OK));
+  release();
+
+  b.size -= 100;
+  EXPECT(is(torvio_diff(&a, &b, NULL, 0, 0, &same, &result, &error), TORVIO_DAMAGED));
+  EXPECT(contains("\"fault\":{\"offset\":") && error != NULL && strncmp(error->message, "b: at ", 6) == 0);
+  EXPECT(error != NULL && error->field[0] != '\0' && error->offset != TORVIO_NO_OFFSET);
+  release();
+
+  same = 7;
+  b.size = kMachineSize;
+  b.kind = "macro";
+  EXPECT_REFUSED(torvio_diff(&a, &b, NULL, 0, 0, &same, &result, &error), TORVIO_REFUSED, "");
+  b = in_memory("\x07\x00 nothing of the suite", 25, NULL);
+  EXPECT_REFUSED(torvio_diff(&a, &b, NULL, 0, 0, &same, &result, &error), TORVIO_REFUSED, "b: ");
+  b.data = NULL;
+  b.path = "/no/such/file";
+  EXPECT_REFUSED(torvio_diff(&b, &a, NULL, 0, 0, &same, &result, &error), TORVIO_NOT_READ, "a: cannot be opened");
+  b = a;
+  EXPECT_REFUSED(torvio_diff(NULL, &b, NULL, 0, 0, &same, &result, &error), TORVIO_BAD_ARGUMENT, "input");
+  EXPECT_REFUSED(torvio_diff(&a, NULL, NULL, 0, 0, &same, &result, &error), TORVIO_BAD_ARGUMENT, "input");
+  EXPECT_REFUSED(torvio_diff(&a, &b, NULL, -1, 0, &same, &result, &error), TORVIO_BAD_ARGUMENT, "tolerance");
+  EXPECT_REFUSED(torvio_diff(&a, &b, NULL, 0, 1, &same, &result, &error), TORVIO_BAD_ARGUMENT, "flags");
+  EXPECT_REFUSED(torvio_diff(&a, &b, NULL, 0, 0, &same, NULL, &error), TORVIO_BAD_ARGUMENT, "result");
+  b.encoding = "cp437";
+  EXPECT_REFUSED(torvio_diff(&a, &b, NULL, 0, 0, &same, &result, &error), TORVIO_BAD_ARGUMENT, "encodings");
+  EXPECT(same == 7);
+}
+
 static void names_and_forms(void) {
   EXPECT(is(torvio_schema("sheet", &result, &error), TORVIO_OK));
   EXPECT(contains("\"title\": \"A sheet file as JSON\""));
@@ -299,6 +341,7 @@ int main(int argc, char** argv) {
   sound_file(path);
   damaged_file(folder);
   unreadable_file(folder);
+  differences();
   names_and_forms();
   wrong_arguments();
   EXPECT(sizeof(torvio_input) == 6 * sizeof(void*));

@@ -14,7 +14,7 @@ import subprocess
 import sys
 
 OK, DAMAGED, BAD_ARGUMENT, NOT_READ, REFUSED = range(5)
-PRETTY, PAGE = 1, 2
+PRETTY, PAGE, COMMON = 1, 2, 4
 NO_OFFSET = 2**64 - 1
 
 
@@ -38,6 +38,7 @@ FUNCTIONS = {
     "check": [FILE, ctypes.c_uint32], "info": [FILE, ctypes.c_uint32], "json": [FILE, ctypes.c_uint32],
     "from_json": [FILE, ctypes.c_int32, ctypes.c_uint32], "schema": [TEXT],
     "map": [FILE, TEXT, TEXT, ctypes.c_uint32], "format": [TEXT, TEXT], "draw": [FILE, ctypes.c_uint32],
+    "diff": [FILE, FILE, TEXT, ctypes.c_double, ctypes.c_uint32, ctypes.POINTER(ctypes.c_int32)],
     "draw_page": [FILE, ctypes.c_size_t, TEXT, ctypes.c_uint32], "supported": [],
 }
 
@@ -149,6 +150,19 @@ class Test:
         self.expect(f"{path.name} from JSON in a file", self.torvio.file("from_json", scratch / "record.json", 0, 0),
                     (status, saved, error))
 
+    def differences(self, files):
+        for a, b in zip(files, files[1:]):
+            for options, tolerance, flags in ((["--json"], 0, 0),
+                                              (["--json", "--common", "--tolerance", "0.5"], 0.5, COMMON)):
+                same = ctypes.c_int32(7)
+                status, result, error = self.torvio.call(
+                    "diff", ctypes.byref(Input(path=str(a).encode())), ctypes.byref(Input(path=str(b).encode())), None,
+                    tolerance, flags, ctypes.byref(same))
+                code, output = self.run("diff", *options, a, b)
+                what = f"differences of {a.name} and {b.name}"
+                self.expect(what, result, output or None)
+                self.expect(what + ": status", {OK: 1 - same.value, DAMAGED: 2, REFUSED: 2}.get(status), code)
+
     def pages(self, files, scratch):
         inputs = (Input * len(files))(*(Input(path=str(path).encode()) for path in files))
         status, page, error = self.torvio.call("draw_page", inputs, len(files), None, 0)
@@ -230,6 +244,7 @@ def main():
     test.judge_all(sound + chosen + odd)
     for path in chosen + odd:
         test.one_file(path, options.scratch)
+    test.differences(chosen + odd)
     test.pages(chosen + odd, options.scratch)
     test.forms()
     test.refusals(options.scratch)

@@ -91,6 +91,10 @@ class Samples {
       all.push_back(
           {"page" + of, [=](auto r, auto e) { return torvio_map(input, nullptr, nullptr, TORVIO_PAGE, r, e); }});
       all.push_back({"draw" + of, [=](auto r, auto e) { return torvio_draw(input, 0, r, e); }});
+      // With the same file, sound or damaged.
+      const torvio_input* const other = &inputs_[i ^ 1U];
+      all.push_back(
+          {"diff" + of, [=](auto r, auto e) { return torvio_diff(input, other, nullptr, 0, 0, nullptr, r, e); }});
       const std::string& json = jsons_[i];
       all.push_back({"from_json" + of, [&json](auto r, auto e) {
                        torvio_input text{};

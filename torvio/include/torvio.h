@@ -238,6 +238,30 @@ TORVIO_API torvio_status torvio_draw(const torvio_input* input, uint32_t flags, 
 TORVIO_API torvio_status torvio_draw_page(const torvio_input* inputs, size_t count, const char* title, uint32_t flags,
                                           torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
 
+/* ---- Differences ------------------------------------------------------------------------------ */
+
+/* Where two files differ, member by member, as `torvio diff --json` prints it: a line with one object for each
+ * difference, and a last one with the totals and what was compared; docs/diff.md describes both. Parts and other records
+ * with a name are matched by that, elements of other lists by what they hold. What no load reads is not compared.
+ *
+ * a, b       the files. Of different kinds if one holds what the other is, such as a part of a sheet. Both must name the
+ *            same encoding
+ * part       of sheets and group part files, the part to compare: its name, or its position from 0. NULL: the complete
+ *            files, or the part that is in both
+ * tolerance  real numbers that differ by no more than this are the same; 0 compares every bit
+ * flags      0 or TORVIO_COMMON
+ * same       set to 1 if there is no difference, to 0 if there is one. Unchanged without a result; may be NULL
+ *
+ * Differences are no failure: the status is TORVIO_OK. Of damaged files what was read is compared; the status is then
+ * TORVIO_DAMAGED, and the message of the error begins with "a: " or "b: ". TORVIO_REFUSED if the files have nothing in
+ * common to compare, or one is of unknown kind or refused version. */
+TORVIO_API torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const char* part, double tolerance,
+                                     uint32_t flags, int32_t* same, torvio_buffer** result,
+                                     torvio_error** error) TORVIO_NOEXCEPT;
+
+/* Leaves out the version, and members that the version of one of the files does not store. */
+#define TORVIO_COMMON UINT32_C(4)
+
 /* ---- The library ------------------------------------------------------------------------------ */
 
 /* What the other functions accept: {"version":"0.1.0","kinds":[{"name":"sheet","versions":[[52,180],[500,32767]],

@@ -12,12 +12,14 @@
 
 #include "torvio/archive/info.h"
 #include "torvio/archive/result_json.h"
+#include "torvio/compare/diff_json.h"
 #include "torvio/draw/drawn_card.h"
 #include "torvio/explain/format_table.h"
 #include "torvio/explain/kind_names.h"
 #include "torvio/explain/map_filter.h"
 #include "torvio/library/answer.h"
 #include "torvio/library/input.h"
+#include "torvio/report/field_value.h"
 #include "torvio/report/kaitai.h"
 #include "torvio/report/map_json.h"
 #include "torvio/report/map_page.h"
@@ -215,6 +217,59 @@ void drawPage(Answer& answer, const torvio_input* inputs, std::size_t count, con
   answer.append(draw::pageEnd());
 }
 
+// ---- differences ----
+
+class ComparedInput {
+ public:
+  ComparedInput(const Input& input, const char* side, const char* part) : input_(input), side_(side), file_(input) {
+    if (!file_.error().empty()) throw notRead(side_ + file_.error());
+    judgement_ = archive::judge(input.name(), file_.bytes(), {input.kind(), {}});
+    if (!judgement_.kind) {
+      judgement_.report = explain::mapFile(file_.bytes(), std::nullopt, [](const explain::MapLine&) {});
+      throw refused(side_ + (judgement_.report.fault ? judgement_.report.fault->reason : "of unknown kind"));
+    }
+    compared_ = {file_.bytes(), *judgement_.kind, {}, input.name()};
+    if (part != nullptr && !isPart()) compared_.part = part;
+  }
+
+  bool isPart() const { return *judgement_.kind == frame::FileKind::part; }
+  const compare::FileToCompare& side() const { return compared_; }
+  compare::JudgedFile judged() const { return {input_.name(), *judgement_.kind, judgement_.report}; }
+  std::optional<Problem> damage() const {
+    if (!judgement_.report.fault) return std::nullopt;
+    Problem problem = damaged(*judgement_.report.fault);
+    problem.message.insert(0, side_);
+    return problem;
+  }
+
+ private:
+  const Input& input_;
+  std::string side_;  // what errors begin with
+  InputBytes file_;
+  archive::Judgement judgement_;
+  compare::FileToCompare compared_;
+};
+
+// Returns whether they are the same.
+bool diff(Answer& answer, const Input& inputA, const Input& inputB, const char* part,
+          const compare::DiffOptions& options) {
+  const ComparedInput a(inputA, "a: ", part), b(inputB, "b: ", part);
+  if (part != nullptr && a.isPart() && b.isPart()) throw badArgument("part is for sheets and group part files");
+  std::uint64_t printed = 0;
+  const compare::FileDifferences found = compare::diffFiles(a.side(), b.side(), options, [&](const auto& difference) {
+    answer.append(compare::differenceJson(difference));
+    ++printed;
+    return true;
+  });
+  if (!found.error.empty()) {
+    const char* const side = found.errorIn == compare::Side::a ? "a: " : found.errorIn == compare::Side::b ? "b: " : "";
+    throw refused(side + report::inert(values::fileNameAsUtf8(found.error)));
+  }
+  answer.append(compare::summaryJson(found, printed, a.judged(), b.judged()));
+  if (auto damage = a.damage() ? a.damage() : b.damage()) answer.note(std::move(*damage));
+  return found.areSame;
+}
+
 // ---- the library ----
 
 std::string versionsOf(const frame::FileKindInfo& kind) {
@@ -327,6 +382,26 @@ torvio_status torvio_draw_page(const torvio_input* inputs, size_t count, const c
     if (count == 0) throw badArgument("count is 0");
     drawPage(answer, inputs, count, title);
   });
+}
+
+torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const char* part, double tolerance,
+                          uint32_t flags, int32_t* same, torvio_buffer** result, torvio_error** error) noexcept {
+  bool areSame = false;
+  const torvio_status status = answered(result, error, [&](Answer& answer) {
+    allow(flags, TORVIO_COMMON);
+    constexpr double kLargest = 1e300;
+    if (!(tolerance >= 0 && tolerance <= kLargest)) throw badArgument("tolerance is negative or no number");
+    const Input inputA(a), inputB(b);
+    if (inputA.encodingName() != inputB.encodingName()) throw badArgument("the encodings of a and b differ");
+    compare::DiffOptions options;
+    options.tolerance = tolerance;
+    options.encoding = inputA.encodingName();
+    options.commonOnly = (flags & TORVIO_COMMON) != 0;
+    options.longestValue = 0;
+    areSame = diff(answer, inputA, inputB, part, options);
+  });
+  if (same != nullptr && (status == TORVIO_OK || status == TORVIO_DAMAGED)) *same = areSame ? 1 : 0;
+  return status;
 }
 
 torvio_status torvio_supported(torvio_buffer** result, torvio_error** error) noexcept {
