@@ -92,16 +92,22 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
 
 FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const MapSink& sink) {
   if (kind) return mapFile(bytes, *kind, sink);
-  // Any kind will do for the version word. No other field is reported.
-  const auto word = bytes.first(std::min(bytes.size(), sizeof(std::int16_t)));
-  FileReport report = mapFile(word, FileKind::part, [&](const MapLine& line) {
-    if (line.path == "version") sink(line);
-  });
+  FileReport report;
   report.size = bytes.size();
-  if (!report.version) return report;
+  report.status = kDamaged;
+  InStream stream(bytes);
+  Mapper head(stream, kUnversioned, sink);
+  std::int16_t version = 0;
+  if (!head.fields(FIELDS(version))) {
+    report.fault = head.fault();
+    return report;
+  }
+  report.version = version;
+  report.walked = stream.position();
   const bool isKnown = std::any_of(kFileKinds.begin(), kFileKinds.end(),
-                                   [&](const FileKindInfo& info) { return info.accepts(*report.version); });
-  const std::string other = std::to_string(*report.version) + " is not a version of any kind of file";
+                                   [version](const FileKindInfo& info) { return info.accepts(version); });
+  if (!isKnown) report.status = kWrongVersion;
+  const std::string other = std::to_string(version) + " is not a version of any kind of file";
   report.fault = Fault{0, "version", isKnown ? "the contents fit no kind of this version; choose the kind" : other};
   return report;
 }
