@@ -26,7 +26,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/OldTorvIOConfigVersion.cm
 install(FILES ${PROJECT_BINARY_DIR}/OldTorvIOConfig.cmake ${PROJECT_BINARY_DIR}/OldTorvIOConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT OldTorvIO_Development)
 
-# oldtorvio.pc computes its prefix from its own location, unless the folders were configured as absolute paths.
+# The .pc files compute their prefix from their own location, unless the folders were configured as absolute paths.
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR} OR IS_ABSOLUTE ${CMAKE_INSTALL_INCLUDEDIR})
   set(pc_prefix ${CMAKE_INSTALL_PREFIX})
@@ -43,5 +43,9 @@ foreach(folder LIBDIR INCLUDEDIR)
 endforeach()
 list(TRANSFORM cxx_runtime PREPEND -l OUTPUT_VARIABLE pc_cxx_runtime)
 list(JOIN pc_cxx_runtime " " pc_cxx_runtime)
-configure_file(${PROJECT_SOURCE_DIR}/cmake/oldtorvio.pc.in ${PROJECT_BINARY_DIR}/oldtorvio.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/oldtorvio.pc DESTINATION ${pc_folder} COMPONENT OldTorvIO_Development)
+# Call it below the folder that includes this file, whose variables it uses.
+function(oldtorvio_install_pc name)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${pc_folder} COMPONENT OldTorvIO_Development)
+endfunction()
+oldtorvio_install_pc(oldtorvio)

@@ -19,7 +19,7 @@ import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 TOP = HERE.parents[1]
-SHARED, STATIC = "OldTorvIO::OldTorvIO", "OldTorvIO::OldTorvIO_static"
+SHARED, STATIC, TORVIO = "OldTorvIO::OldTorvIO", "OldTorvIO::OldTorvIO_static", "OldTorvIO::torvio"
 WARNINGS = ["-Wall", "-Wextra", "-pedantic", "-Wshadow", "-Wconversion", "-Werror"]
 
 
@@ -50,6 +50,8 @@ class Consumers:
         self.failures = self.passed = 0
         cache = (pathlib.Path(args.build) / "CMakeCache.txt").read_text(encoding="utf-8")
         self.version = re.search(r"^CMAKE_PROJECT_VERSION:STATIC=(.*)$", cache, re.MULTILINE)[1]
+        # Without the tool there is no libtorvio.
+        self.has_torvio = (pathlib.Path(args.build) / "libtorvio_exports.txt").exists()
 
     def check(self, name, work):
         begin = time.monotonic()
@@ -73,13 +75,16 @@ class Consumers:
         found = [file for name in ("LICENSE", "OldTorvIO.h", "records.h", "oldtorvio.pc", "OldTorvIOConfig.cmake")
                  for file in self.prefix.rglob(name)]
         require(len(found) == 5, f"of the five expected files only these are installed: {found}")
+        if self.has_torvio:
+            found = [file for name in ("torvio.h", "torvio.pc", "libtorvio.so") for file in self.prefix.rglob(name)]
+            require(len(found) == 3, f"of the three expected files of libtorvio only these are installed: {found}")
         for file in [*self.prefix.rglob("*.cmake"), *self.prefix.rglob("*.pc")]:
             require(str(self.scratch) not in file.read_text(encoding="utf-8"), f"{file} contains the path of the installation")
         for file in self.libraries():
             print(f"        {file.stat().st_size:9} bytes  {file.relative_to(self.prefix)}")
 
     def libraries(self):
-        return sorted(file for file in [*self.prefix.rglob("libOldTorvIO*"), *self.prefix.rglob("torvio")]
+        return sorted(file for name in ("libOldTorvIO*", "libtorvio*", "torvio") for file in self.prefix.rglob(name)
                       if file.is_file() and not file.is_symlink())
 
     def library_folder(self):
@@ -126,18 +131,21 @@ class Consumers:
         log = run(["cmake", "--build", folder, "-j", os.cpu_count() or 2])
         require("warning" not in log.lower(), f"building warns:\n{log}")
 
-    def run_client(self, program):
+    def run_client(self, program, library="libOldTorvIO"):
         folder = self.scratch / "written"
         folder.mkdir(exist_ok=True)
         run([program, folder])
         linked = run(["ldd", program]) if shutil.which("ldd") else None
-        return None if linked is None else "libOldTorvIO" in linked
+        return None if linked is None else library in linked
 
     def find_package(self, language, standard, library):
         def work():
             build = self.scratch / f"find_{language}{standard}_{library.rpartition(':')[2]}"
             self.configure("package", build, language, standard, WANTED=self.version, LIBRARY=library)
             self.build(build)
+            if library == TORVIO:
+                require(self.run_client(build / "client", "libtorvio") is not False, "the program is not linked with it")
+                return
             needs_library = self.run_client(build / "client")
             require(needs_library in (None, library == SHARED), "the program is linked with the other library")
         return work
@@ -183,6 +191,15 @@ class Consumers:
             require(needs_library in (None, not static), "the program is linked with the other library")
         return work
 
+    def torvio_by_pkg_config(self):
+        folder = self.library_folder()
+        found = run(["pkg-config", "--cflags", "--libs", "torvio"],
+                    env=dict(os.environ, PKG_CONFIG_PATH=str(folder / "pkgconfig")))
+        program = self.scratch / "pkg_torvio"
+        run([*shlex.split(self.args.cc), *shlex.split(self.args.c_flags), "-std=c99", *WARNINGS,
+             HERE.parent / "libtorvio" / "client.c", "-o", program, *shlex.split(found), f"-Wl,-rpath,{folder}"])
+        require(self.run_client(program, "libtorvio") is not False, "the program is not linked with it")
+
     def all(self):
         self.check("installation, moved elsewhere", self.install)
         if self.failures:
@@ -191,6 +208,8 @@ class Consumers:
         found = [("C", 99, SHARED), ("CXX", 17, SHARED), ("CXX", 17, STATIC)]
         if self.args.full:
             found += [("C", 99, STATIC), ("CXX", 20, SHARED), ("CXX", 20, STATIC)]
+        if self.has_torvio:
+            found += [("C", 99, TORVIO)]
         for language, standard, library in found:
             self.check(f"find_package, {language.replace('X', '+')}{standard}, {library}",
                        self.find_package(language, standard, library))
@@ -203,6 +222,8 @@ class Consumers:
                 self.check(name, self.pkg_config(language, standard, static))
             else:
                 print(f"skipped            {name}: there is no pkg-config")
+        if self.has_torvio and shutil.which("pkg-config"):
+            self.check("pkg-config, C99, libtorvio", self.torvio_by_pkg_config)
         self.check("examples, as a project of their own", self.examples)
         if self.args.full:
             self.check("add_subdirectory, C99 and C++17, both libraries", self.subdirectory)

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <thread>
 #if !defined(_WIN32)
 #include <sys/socket.h>
@@ -41,6 +43,19 @@ TEST(FileContent, HoldsEveryByteOfAFile) {
     EXPECT_EQ(content.error(), "");
     EXPECT_EQ(Bytes::of(content.bytes()), bytes) << size;
   }
+}
+
+TEST(FileContent, OpenFileIsReadFromWhereItIsAndStaysOpen) {
+  const TempFolder folder;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+      std::fopen(folder.write("f", counted(100000)).c_str(), "rb"), std::fclose);
+  ASSERT_NE(file, nullptr);
+  ASSERT_EQ(std::fseek(file.get(), 10, SEEK_SET), 0);
+  const FileContent content(file.get());
+  EXPECT_EQ(content.error(), "");
+  EXPECT_EQ(content.bytes().size(), 100000U - 10);
+  EXPECT_EQ(Bytes::of(content.bytes()), Bytes::of(counted(100000).span().subspan(10)));
+  EXPECT_EQ(std::ftell(file.get()), 100000);
 }
 
 TEST(FileContent, FileOfTheLargestSizeIsReadAndALargerOneIsNot) {

@@ -16,6 +16,7 @@
 #include "tests/support/files.h"
 #include "tests/support/part_files.h"
 #include "torvio/explain/file_map.h"
+#include "torvio/explain/kind_names.h"
 
 namespace {
 
@@ -286,6 +287,29 @@ TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
   expectSame(Kind::sheet, [sheet = std::make_unique<oldtorvio::OldSheet>()](const char* path) {
     return LoadOldSheet(path, sheet.get());
   });
+}
+
+TEST(Map, FileOfUnknownKindHasItsVersionAndAFaultThatSaysWhy) {
+  const auto mapped = [](const Bytes& bytes) {
+    std::string lines;
+    const FileReport report = mapFile(bytes.span(), std::nullopt,
+                                      [&](const MapLine& line) { lines += line.path + " = " + line.value + "; "; });
+    EXPECT_EQ(report.size, bytes.size());
+    return lines + (report.fault ? describe(*report.fault) : "no fault");
+  };
+  EXPECT_EQ(mapped({}), "at 00000000 in version: needs 2 bytes, the file has 0");
+  EXPECT_EQ(mapped(Bytes().i16(7).zeros(9)),
+            "version = 7; at 00000000 in version: 7 is not a version of any kind of file");
+  EXPECT_EQ(mapped(Bytes().i16(180).zeros(9)),
+            "version = 180; at 00000000 in version: the contents fit no kind of this version; choose the kind");
+  const Bytes part = Bytes().i16(180);
+  EXPECT_EQ(mapFile(part.span(), std::optional(FileKind::part), [](const MapLine&) {}).fault->offset, 2U);
+}
+
+TEST(Map, KindsAreFoundByTheirNames) {
+  EXPECT_EQ(kindNames().front(), "part");
+  for (const std::string& name : kindNames()) EXPECT_EQ(oldtorvio::frame::infoOf(*kindNamed(name)).name, name);
+  EXPECT_EQ(kindNamed("Part"), std::nullopt);
 }
 
 }  // namespace

@@ -377,12 +377,6 @@ class InfoBuilder {
   const values::TextEncoding& encoding_;
 };
 
-std::string faultText(const explain::Fault& fault) {
-  char offset[32];
-  (void)std::snprintf(offset, sizeof offset, "%08llx", static_cast<unsigned long long>(fault.offset));
-  return std::string("at ").append(offset).append(" in ").append(fault.path).append(": ").append(fault.reason);
-}
-
 // ---- as text -------------------------------------------------------------------------------------------
 
 // Controls, also those of the range C1, line separators and marks that change the direction of text as "\x1b" or
@@ -491,10 +485,11 @@ Info infoOf(std::string_view path, std::span<const std::byte> bytes, const Judge
   if (!judgement.kind) return info;
   info.kind = frame::infoOf(*judgement.kind).name;
   const explain::FileReport& report = judgement.report;
+  info.fault = report.fault;
   if (report.fault)
-    info.remark = faultText(*report.fault);
+    info.remark = explain::describe(*report.fault);
   else if (report.tolerated)
-    info.remark = faultText(*report.tolerated) + ", which is tolerated";
+    info.remark = explain::describe(*report.tolerated) + ", which is tolerated";
   else if (!report.endsExactly())
     info.remark = report.unread();
   if (info.verdict == Verdict::refusedVersion || info.verdict == Verdict::foreign) return info;

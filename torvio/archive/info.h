@@ -38,6 +38,7 @@ struct Info {
   std::string kind;  // empty for a foreign file
   std::optional<int> version;
   std::string remark;  // the fault, or why a file could not be read; empty if all is well
+  std::optional<explain::Fault> fault;
   std::vector<InfoFact> facts;
   std::vector<InfoTable> tables;
 };

@@ -226,6 +226,13 @@ FileResult examine(const FoundFile& file, const ScanOptions& options) {
   return result;
 }
 
+FileResult examineBytes(std::string name, std::span<const std::byte> bytes, const ScanOptions& options) {
+  FileResult result;
+  result.path = std::move(name);
+  examineContents(result, bytes, options);
+  return result;
+}
+
 // ---- several at a time -------------------------------------------------------------------------------
 
 namespace {

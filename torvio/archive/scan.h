@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -89,6 +90,8 @@ struct ScanOptions {
 };
 
 FileResult examine(const FoundFile& file, const ScanOptions& options);
+// The bytes of a file of that name, wherever they come from.
+FileResult examineBytes(std::string name, std::span<const std::byte> bytes, const ScanOptions& options);
 
 // Examines all files with options.jobs threads, each of which has one file in memory, and calls take(result) in the
 // calling thread, in the order of the names. Memory is bounded however many files there are. If take() throws, no more

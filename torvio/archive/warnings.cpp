@@ -1,6 +1,7 @@
 #include "torvio/archive/warnings.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <string_view>
@@ -84,9 +85,11 @@ class Collector {
 std::string inWords(double value) {
   if (std::isnan(value)) return "is not a number";
   if (std::isinf(value)) return value > 0 ? "is infinite" : "is minus infinity";
-  char text[32];
-  (void)std::snprintf(text, sizeof text, "is %g", value);
-  return text;
+  // As "%g" does, whatever the locale of the process.
+  char digits[32];
+  constexpr int kDigits = 6;
+  const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, kDigits);
+  return "is " + std::string(digits, end.ptr);
 }
 
 // ---- every member ------------------------------------------------------------------------------------

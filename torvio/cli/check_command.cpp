@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "torvio/archive/catalogue.h"
+#include "torvio/archive/result_json.h"
 #include "torvio/archive/scan.h"
 #include "torvio/cli/commands.h"
-#include "torvio/cli/file_text.h"
 #include "torvio/cli/output.h"
 #include "torvio/cli/progress.h"
 #include "torvio/explain/file_content.h"
@@ -74,35 +74,20 @@ std::string countOf(std::uint64_t count, const char* one) {
   return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
 }
 
-// Whether any kind of file has that version.
-bool isVersionOfAny(int version) {
-  return std::any_of(frame::kFileKinds.begin(), frame::kFileKinds.end(),
-                     [&](const frame::FileKindInfo& kind) { return kind.accepts(version); });
-}
-
-std::string foreignText(const FileResult& result) {
-  const auto& version = result.report.version;
-  std::string text = countOf(result.report.size, "byte");
-  if (!version) return text + ", too short for a version";
-  return text + ", " +
-         (isVersionOfAny(*version) ? "unlike any kind of file"
-                                   : std::to_string(*version) + " is not a version of any kind of file");
-}
-
 constexpr std::size_t kMostWarningsInLine = 3;
 
 std::string lineFor(const FileResult& result) {
   std::string text = onOneLine(result.path) + ": " + std::string(archive::nameOf(result.verdict)) + ", ";
   if (!result.error.empty()) return text + onOneLine(result.error) + "\n";
-  if (!result.kind) return text + foreignText(result) + "\n";
+  if (!result.kind) return text + archive::whyForeign(result) + "\n";
   const explain::FileReport& report = result.report;
   text.append(frame::infoOf(*result.kind).name).append(", ").append(versionText(result));
   text += ", status " + std::to_string(report.status);
   text += ", " + std::to_string(report.walked) + " of " + std::to_string(report.size) + " bytes";
   if (report.fault)
-    text += ", " + describe(*report.fault);
+    text += ", " + explain::describe(*report.fault);
   else if (report.tolerated)
-    text += ", " + describe(*report.tolerated) + ", which is tolerated";
+    text += ", " + explain::describe(*report.tolerated) + ", which is tolerated";
   else if (!report.endsExactly())
     text += ", " + report.unread();
   for (std::size_t i = 0; i < result.warnings.size() && i < kMostWarningsInLine; ++i) {
@@ -112,67 +97,6 @@ std::string lineFor(const FileResult& result) {
   if (result.warnings.size() > kMostWarningsInLine)
     text += "; " + countOf(result.warnings.size() - kMostWarningsInLine, "more warning");
   return text + "\n";
-}
-
-// ---- one JSON object for a file -----------------------------------------------------------------------
-
-void appendField(std::string& to, std::string_view name, std::string_view text) {
-  to.append(",\"").append(name).append("\":");
-  values::appendJsonString(to, text);
-}
-void appendField(std::string& to, std::string_view name, std::int64_t number) {
-  to.append(",\"").append(name).append("\":").append(std::to_string(number));
-}
-
-void appendFault(std::string& to, std::string_view name, const explain::Fault& fault) {
-  to.append(",\"").append(name).append("\":{\"offset\":").append(std::to_string(fault.offset));
-  appendField(to, "field", fault.path);
-  appendField(to, "reason", fault.reason);
-  to += '}';
-}
-
-std::string objectFor(const FileResult& result) {
-  std::string text = "{\"path\":";
-  const std::string path = values::fileNameAsUtf8(result.path);
-  values::appendJsonString(text, path);
-  if (path != result.path) {
-    // The name is no UTF-8: its bytes in hexadecimal digits.
-    constexpr std::string_view kHex = "0123456789abcdef";
-    text += ",\"pathBytes\":\"";
-    for (const char c : result.path)
-      text += {kHex[static_cast<unsigned char>(c) >> 4U], kHex[static_cast<unsigned char>(c) & 0xFU]};
-    text += '"';
-  }
-  appendField(text, "verdict", archive::nameOf(result.verdict));
-  if (!result.error.empty()) {
-    appendField(text, "error", result.error);
-    return text + "}\n";
-  }
-  if (result.kind) appendField(text, "kind", frame::infoOf(*result.kind).name);
-  const explain::FileReport& report = result.report;
-  if (report.version) appendField(text, "version", std::int64_t{*report.version});
-  appendField(text, "size", static_cast<std::int64_t>(report.size));
-  if (result.kind) {
-    appendField(text, "status", report.status);
-    appendField(text, "walked", static_cast<std::int64_t>(report.walked));
-    if (report.fault)
-      appendFault(text, "fault", *report.fault);
-    else if (report.tolerated)
-      appendFault(text, "tolerated", *report.tolerated);
-  }
-  if (!result.warnings.empty()) {
-    text += ",\"warnings\":[";
-    for (const archive::Warning& warning : result.warnings) {
-      if (&warning != &result.warnings.front()) text += ',';
-      text += "{\"code\":";
-      values::appendJsonString(text, warning.code);
-      appendField(text, "field", warning.field);
-      appendField(text, "text", warning.text);
-      text += '}';
-    }
-    text += ']';
-  }
-  return text + "}\n";
 }
 
 // ---- totals -------------------------------------------------------------------------------------------
@@ -221,7 +145,7 @@ class Totals {
 
   std::string object() const {
     std::string text = "{\"summary\":{\"files\":" + std::to_string(files_);
-    appendField(text, "withWarnings", static_cast<std::int64_t>(withWarnings_));
+    text += ",\"withWarnings\":" + std::to_string(withWarnings_);
     text += ",\"verdicts\":";
     appendCounts(text, all_);
     text += ",\"kinds\":[";
@@ -453,7 +377,7 @@ class CheckCommand : public Command {
         catalogue->add(result);
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
-        print(isJson_ ? objectFor(result) : lineFor(result));
+        print(isJson_ ? archive::resultJson(result) : lineFor(result));
       }
       progress.count();
     });

@@ -80,18 +80,6 @@ std::string wrapped(const std::string& caption, const std::vector<std::string>& 
 
 std::string inQuotes(const std::string& argument) { return '"' + onOneLine(unmarked(argument)) + '"'; }
 
-std::vector<std::string> kindNames() {
-  std::vector<std::string> names;
-  for (const oldtorvio::frame::FileKindInfo& kind : oldtorvio::frame::kFileKinds) names.emplace_back(kind.name);
-  return names;
-}
-
-std::optional<oldtorvio::frame::FileKind> kindNamed(const std::string& name) {
-  for (const oldtorvio::frame::FileKindInfo& kind : oldtorvio::frame::kFileKinds)
-    if (kind.name == name) return kind.kind;
-  return std::nullopt;
-}
-
 const char* const kExitCodes =
     "Exit code:\n"
     "  0  every file is sound\n"

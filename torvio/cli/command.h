@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "src/frame/file_kinds.h"
+#include "torvio/explain/kind_names.h"
 
 namespace torvio {
 
@@ -55,8 +55,8 @@ std::string wrapped(const std::string& caption, const std::vector<std::string>& 
 // The argument in quotation marks, on one line.
 std::string inQuotes(const std::string& argument);
 
-std::vector<std::string> kindNames();
-std::optional<oldtorvio::frame::FileKind> kindNamed(const std::string& name);
+using oldtorvio::explain::kindNamed;
+using oldtorvio::explain::kindNames;
 
 // Ends of help texts: the exit codes; those and what may be read.
 extern const char* const kExitCodes;

@@ -11,10 +11,9 @@
 
 #include "torvio/archive/verdict.h"
 #include "torvio/cli/commands.h"
-#include "torvio/cli/file_text.h"
 #include "torvio/cli/output.h"
 #include "torvio/cli/progress.h"
-#include "torvio/compare/diff.h"
+#include "torvio/compare/diff_json.h"
 #include "torvio/explain/file_content.h"
 #include "torvio/values/text_encoding.h"
 
@@ -161,42 +160,6 @@ class TextPrinter {
   std::vector<Line> lines_;
 };
 
-// ---- JSON ------------------------------------------------------------------------------------------------
-
-std::string_view nameOf(Change change) {
-  switch (change) {
-    case Change::changed:
-      return "changed";
-    case Change::onlyInA:
-      return "onlyInA";
-    case Change::onlyInB:
-      return "onlyInB";
-    default:
-      return "moved";
-  }
-}
-
-void appendText(std::string& to, std::string_view key, std::string_view utf8) {
-  to.append(",\"").append(key).append("\":");
-  values::appendJsonString(to, utf8);
-}
-void appendJson(std::string& to, std::string_view key, const std::string& json) {
-  if (!json.empty()) to.append(",\"").append(key).append("\":").append(json);
-}
-
-std::string objectFor(const Difference& difference) {
-  std::string text = "{\"change\":\"";
-  text.append(nameOf(difference.change)).append("\"");
-  if (!difference.pathInA.empty()) appendText(text, "pathInA", difference.pathInA);
-  if (!difference.pathInB.empty()) appendText(text, "pathInB", difference.pathInB);
-  appendJson(text, "a", difference.a);
-  appendJson(text, "b", difference.b);
-  appendJson(text, "name", difference.name);
-  if (difference.notStoredIn != Side::none)
-    appendText(text, "notStoredIn", difference.notStoredIn == Side::a ? "a" : "b");
-  return text + "}\n";
-}
-
 // ---- the command -----------------------------------------------------------------------------------------
 
 class DiffCommand : public Command {
@@ -326,7 +289,8 @@ class DiffCommand : public Command {
     }
     file.judgement = archive::judge(file.path, file.content->bytes(), {file.wanted, {}});
     if (!file.judgement.kind) {
-      const explain::FileReport report = mapAs(file.content->bytes(), std::nullopt, [](const explain::MapLine&) {});
+      const explain::FileReport report =
+          explain::mapFile(file.content->bytes(), std::nullopt, [](const explain::MapLine&) {});
       printError(onOneLine(file.path) + ": " +
                  (report.fault ? report.fault->reason : std::string("of unknown kind; --kind chooses one")));
       return false;
@@ -356,7 +320,7 @@ class DiffCommand : public Command {
       if (limit_ && printed >= static_cast<std::uint64_t>(*limit_)) return true;
       ++printed;
       if (isJson_)
-        print(objectFor(difference));
+        print(compare::differenceJson(difference));
       else
         printer.add(difference);
       return true;
@@ -374,7 +338,8 @@ class DiffCommand : public Command {
     }
     if (!isQuiet_) {
       printer.flush();
-      print(isJson_ ? summaryObject(found, printed) : summaryText(found, printed));
+      print(isJson_ ? compare::summaryJson(found, printed, judged(files_[0]), judged(files_[1]))
+                    : summaryText(found, printed));
     }
     return codeOf(found);
   }
@@ -392,7 +357,7 @@ class DiffCommand : public Command {
     bool isTrouble = false;
     for (const File& file : files_) {
       if (!file.judgement.report.fault) continue;
-      printError(onOneLine(file.path) + ": damaged " + describe(*file.judgement.report.fault));
+      printError(onOneLine(file.path) + ": damaged " + explain::describe(*file.judgement.report.fault));
       isTrouble = true;
     }
     if (isTrouble || found.a.status != 0 || found.b.status != 0) return kTrouble;
@@ -419,33 +384,8 @@ class DiffCommand : public Command {
     return text + '\n';
   }
 
-  std::string summaryObject(const compare::FileDifferences& found, std::uint64_t printed) const {
-    std::string text = "{\"summary\":{\"same\":";
-    text.append(found.areSame ? "true" : "false").append(",\"differences\":").append(std::to_string(found.differences));
-    text.append(",\"printed\":").append(std::to_string(printed));
-    text.append(",\"notStored\":").append(std::to_string(found.notStored));
-    appendFile(text, "a", files_[0], found.a);
-    appendFile(text, "b", files_[1], found.b);
-    return text + "}}\n";
-  }
-  static void appendFile(std::string& to, std::string_view key, const File& file,
-                         const compare::ComparedFile& compared) {
-    to.append(",\"").append(key).append("\":{\"path\":");
-    values::appendJsonString(to, values::fileNameAsUtf8(file.path));
-    appendText(to, "kind", frame::infoOf(*file.judgement.kind).name);
-    if (compared.version) appendJson(to, "version", std::to_string(*compared.version));
-    if (!compared.place.empty()) appendText(to, "place", compared.place);
-    appendJson(to, "part", compared.part);
-    const explain::FileReport& report = file.judgement.report;
-    if (report.fault) {
-      to.append(",\"fault\":{\"offset\":").append(std::to_string(report.fault->offset));
-      appendText(to, "path", report.fault->path);
-      appendText(to, "reason", report.fault->reason);
-      to += '}';
-    } else if (report.walked < report.size) {
-      appendJson(to, "unread", std::to_string(report.size - report.walked));
-    }
-    to += '}';
+  static compare::JudgedFile judged(const File& file) {
+    return {file.path, *file.judgement.kind, file.judgement.report};
   }
 
   File files_[2];

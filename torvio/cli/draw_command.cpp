@@ -10,19 +10,13 @@
 #include "torvio/cli/file_text.h"
 #include "torvio/cli/output.h"
 #include "torvio/cli/output_file.h"
-#include "torvio/draw/contact_sheet.h"
-#include "torvio/draw/draw.h"
+#include "torvio/draw/drawn_card.h"
 #include "torvio/explain/file_content.h"
 
 namespace torvio {
 namespace {
 
 using namespace oldtorvio;
-
-std::string nameOf(const std::string& path) {
-  const std::size_t folder = path.find_last_of("/\\");
-  return values::fileNameAsUtf8(folder == std::string::npos ? path : path.substr(folder + 1));
-}
 
 bool isPageName(const std::string& path) { return path.ends_with(".html") || path.ends_with(".htm"); }
 
@@ -89,7 +83,7 @@ class DrawCommand : public Command {
 
   ExitCode writePage() const {
     OutputText output(output_);
-    const std::string title = files_.size() == 1 ? nameOf(files_.front()) : "Contact sheet";
+    const std::string title = files_.size() == 1 ? draw::nameOfFile(files_.front()) : "Contact sheet";
     output.write(draw::pageHead(title, files_.size()));
     ExitCode worst = kSound;
     for (std::size_t i = 0; i < files_.size(); ++i) {
@@ -104,37 +98,14 @@ class DrawCommand : public Command {
   }
 
   Drawn drawFile(const std::string& path, std::size_t number, bool isInline) const try {
-    Drawn drawn;
-    drawn.card.name = nameOf(path);
-    const auto refuse = [&](const std::string& error, ExitCode code) {
-      drawn.card.note = drawn.error = error;
-      drawn.code = code;
-      return drawn;
-    };
+    const std::string name = draw::nameOfFile(path);
     const explain::FileContent file(path);
-    if (!file.error().empty()) return refuse(file.error(), kNotReadOrWritten);
-    const archive::Judgement judgement = archive::judge(path, file.bytes(), judge_);
-    const auto kind = judgement.kind;
-    if (!kind || judgement.verdict == archive::Verdict::refusedVersion)
-      return refuse("cannot be drawn: not a file of a known kind and version", kDamaged);
-    if (!draw::canDraw(*kind))
-      return refuse("cannot be drawn: a " + std::string(frame::infoOf(*kind).name) + " file has no picture, only " +
-                        draw::kDrawableKinds + " have",
-                    kDamaged);
-    draw::PictureOptions options;
-    options.encoding = encoding_;
-    options.idPrefix = "f" + std::to_string(number);
-    options.isInline = isInline;
-    draw::DrawnFile picture = draw::drawFile(file.bytes(), *kind, drawn.card.name, options);
-    drawn.card.svg = std::move(picture.svg);
-    drawn.card.note = picture.kind + (picture.fault.empty() ? "" : ", damaged");
-    if (!picture.fault.empty()) {
-      drawn.error = "damaged " + picture.fault + "; what was read is drawn";
-      drawn.code = kDamaged;
-    }
-    return drawn;
+    if (!file.error().empty()) return {{name, file.error(), ""}, file.error(), kNotReadOrWritten};
+    draw::DrawnCard drawn = draw::drawCard(path, name, file.bytes(), judge_, encoding_, number, isInline);
+    const ExitCode code = drawn.error.empty() ? kSound : kDamaged;
+    return {std::move(drawn.card), std::move(drawn.error), code};
   } catch (const std::bad_alloc&) {
-    return {{nameOf(path), kNoMemory, ""}, kNoMemory, kNotReadOrWritten};
+    return {{draw::nameOfFile(path), kNoMemory, ""}, kNoMemory, kNotReadOrWritten};
   }
 
   std::vector<std::string> files_;

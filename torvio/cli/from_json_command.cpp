@@ -101,18 +101,9 @@ class FromJsonCommand : public Command {
     const bool isFlushed = stream.flush();
     if (stream.failed() || !isFlushed)
       return failed(onOneLine(output_) + ": cannot be written: " + inWords(errno), kNotReadOrWritten);
-    if (status != frame::kDone) return failed(inputName() + ": " + refusal(read, status, version), kDamaged);
+    if (status != frame::kDone) return failed(inputName() + ": " + values::refusalOf(read, status, version), kDamaged);
     if (!output.commit()) return failed(onOneLine(output_) + ": " + output.error(), kNotReadOrWritten);
     return kSound;
-  }
-
-  static std::string refusal(const values::JsonRecord& read, std::int64_t status, int version) {
-    const std::string kind(frame::infoOf(read.kind).name);
-    if (status == frame::kWrongVersion) return "no " + kind + " file is saved in version " + std::to_string(version);
-    if (read.kind == frame::FileKind::sheet && values::mayEndProcess(read.as<frame::FileKind::sheet>(), version))
-      return "blocks: cannot be saved, and has to be empty in version " + std::to_string(version);
-    return "the record cannot be saved in version " + std::to_string(version) +
-           ": a count, a width or a version in it is not possible, or a list that has to have elements is empty";
   }
 
   std::string inputName() const { return input_.empty() ? "standard input" : onOneLine(input_); }

@@ -47,7 +47,7 @@ class JsonCommand : public Command {
     const auto [kind, report] = examined(file.bytes());
     const ExitCode code = write(file.bytes(), kind, report);
     if (code == kSound && report.fault) {
-      printError(onOneLine(file_) + ": " + describe(*report.fault));
+      printError(onOneLine(file_) + ": " + explain::describe(*report.fault));
       return kDamaged;
     }
     return code;
@@ -64,7 +64,7 @@ class JsonCommand : public Command {
   Examined examined(std::span<const std::byte> bytes) const {
     archive::Judgement judged = archive::judge(file_, bytes, {kind_, {}});
     if (judged.kind) return {judged.kind, std::move(judged.report)};
-    return {std::nullopt, mapAs(bytes, std::nullopt, [](const explain::MapLine&) {})};
+    return {std::nullopt, explain::mapFile(bytes, std::nullopt, [](const explain::MapLine&) {})};
   }
 
   ExitCode write(std::span<const std::byte> bytes, std::optional<frame::FileKind> kind,

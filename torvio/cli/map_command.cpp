@@ -49,29 +49,6 @@ class LinePrinter {
   std::string text_;
 };
 
-// Prints the fields of a map that the filter accepts as JSON.
-class JsonPrinter {
- public:
-  JsonPrinter(std::span<const std::byte> file, const values::TextEncoding& encoding, const explain::MapFilter& filter)
-      : file_(file), encoding_(encoding), filter_(filter) {}
-
-  void operator()(const explain::MapLine& line) {
-    text_.clear();
-    if (line.size == 0) report::appendJsonRemark(text_, line);
-    explain::eachField(line, [this](const explain::MapField& field) {
-      if (filter_.accepts(field.offset, field.size, field.path))
-        report::appendJsonField(text_, field, file_, encoding_);
-    });
-    print(text_);
-  }
-
- private:
-  std::span<const std::byte> file_;
-  const values::TextEncoding& encoding_;
-  const explain::MapFilter& filter_;
-  std::string text_;
-};
-
 // Prints offset, size, path and value of every field; for a damaged file up to the fault, and then what failed. If the
 // file cannot be read, prints the reason on standard error.
 class MapCommand : public Command {
@@ -148,14 +125,17 @@ class MapCommand : public Command {
                     const std::optional<values::TextEncoding>& encoding) const {
     const values::TextEncoding forJson = encoding.value_or(values::TextEncoding());
     LinePrinter lines(file.bytes(), encoding);
-    JsonPrinter json(file.bytes(), forJson, filter_);
+    std::string json;
     bool found = filter_.isEmpty();
     const auto sink = [&](const explain::MapLine& line) {
       if (!filter_.isEmpty() && !filter_.accepts(line)) return;
       found = true;
-      json_ ? json(line) : lines(line);
+      if (!json_) return lines(line);
+      json.clear();
+      report::appendJsonLine(json, line, filter_, file.bytes(), forJson);
+      print(json);
     };
-    const explain::FileReport report = mapAs(file.bytes(), kind, sink);
+    const explain::FileReport report = explain::mapFile(file.bytes(), kind, sink);
     if (!found) printError(onOneLine(file_) + ": no field " + (filter_.path ? "matches" : "is at these bytes"));
     if (!report.fault) return kSound;
     if (json_) {
@@ -163,24 +143,18 @@ class MapCommand : public Command {
       report::appendJsonFault(line, *report.fault);
       print(line);
     } else {
-      print("FAULT " + describe(*report.fault) + "\n");
+      print("FAULT " + explain::describe(*report.fault) + "\n");
     }
     return kDamaged;
   }
 
   ExitCode printPage(const explain::FileContent& file, std::optional<frame::FileKind> kind,
                      const values::TextEncoding& encoding) const {
-    constexpr std::uint64_t kMiB = 1024 * 1024;
-    const std::string tooLarge = "is too large for a page, which shows up to ";
-    if (file.bytes().size() > report::MapPage::kLargestMiB * kMiB)
-      return failed(file_, tooLarge + std::to_string(report::MapPage::kLargestMiB) + " MiB");
-    report::MapPage page(std::filesystem::path(file_).filename().string(), file.bytes(), encoding);
-    const explain::FileReport report = mapAs(file.bytes(), kind, [&](const explain::MapLine& line) { page.add(line); });
-    if (page.hasTooManyFields())
-      return failed(file_, tooLarge + std::to_string(report::MapPage::kMostFields) + " fields");
-    const std::string html = page.html(kind ? frame::infoOf(*kind).name : std::string_view(), report);
-    const ExitCode written = output_.empty() ? (print(html), kSound) : writePage(html);
-    return written != kSound ? written : report.fault ? kDamaged : kSound;
+    const report::MapPageText page =
+        report::mapPage(std::filesystem::path(file_).filename().string(), file.bytes(), kind, encoding);
+    if (!page.refusal.empty()) return failed(file_, page.refusal);
+    const ExitCode written = output_.empty() ? (print(page.html), kSound) : writePage(page.html);
+    return written != kSound ? written : page.report.fault ? kDamaged : kSound;
   }
 
   ExitCode writePage(const std::string& html) const {

@@ -1,6 +1,5 @@
 #include "torvio/draw/draw.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "torvio/explain/file_map.h"
@@ -21,12 +20,7 @@ DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_
   const explain::FileReport report = explain::checkFile(bytes, kind);
   FileNote file{std::string(name), std::string(frame::infoOf(kind).name), "", {bytes, kind, report}};
   file.kind.append(", version ").append(report.version ? std::to_string(*report.version) : "unknown");
-  if (report.fault) {
-    char offset[32];
-    (void)std::snprintf(offset, sizeof offset, "%08llx", static_cast<unsigned long long>(report.fault->offset));
-    file.fault.append("at ").append(offset).append(" in ").append(report.fault->path);
-    file.fault.append(": ").append(report.fault->reason);
-  }
+  if (report.fault) file.fault = explain::describe(*report.fault);
   const auto picture = [&]() -> std::string {
     switch (kind) {
       case FileKind::sheet:

@@ -1,7 +1,7 @@
 #include "torvio/explain/file_map.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdio>
 #include <memory>
 
 #include "src/file_records.h"
@@ -44,6 +44,16 @@ std::string FileReport::unread() const {
   return std::to_string(count) + (count == 1 ? " unread byte" : " unread bytes") + " after the last field";
 }
 
+std::string hexOffset(std::uint64_t offset) {
+  char digits[32];
+  (void)std::snprintf(digits, sizeof digits, "%08llx", static_cast<unsigned long long>(offset));
+  return digits;
+}
+
+std::string describe(const Fault& fault) {
+  return "at " + hexOffset(fault.offset) + " in " + fault.path + ": " + fault.reason;
+}
+
 FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSink& sink) {
   FileReport report;
   InStream stream(bytes);
@@ -74,6 +84,28 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
     report.fault = body.fault();
   else if (stream.left() > 0)
     body.remark(report.unread());
+  return report;
+}
+
+FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const MapSink& sink) {
+  if (kind) return mapFile(bytes, *kind, sink);
+  FileReport report;
+  report.size = bytes.size();
+  report.status = kDamaged;
+  InStream stream(bytes);
+  Mapper head(stream, kUnversioned, sink);
+  std::int16_t version = 0;
+  if (!head.fields(FIELDS(version))) {
+    report.fault = head.fault();
+    return report;
+  }
+  report.version = version;
+  report.walked = stream.position();
+  const bool isKnown = std::any_of(kFileKinds.begin(), kFileKinds.end(),
+                                   [version](const FileKindInfo& info) { return info.accepts(version); });
+  if (!isKnown) report.status = kWrongVersion;
+  const std::string other = std::to_string(version) + " is not a version of any kind of file";
+  report.fault = Fault{0, "version", isKnown ? "the contents fit no kind of this version; choose the kind" : other};
   return report;
 }
 

@@ -28,8 +28,15 @@ struct FileReport {
   std::string unread() const;
 };
 
+// Eight hexadecimal digits, or more.
+std::string hexOffset(std::uint64_t offset);
+// "at 00000012 in tool.dimension1: needs 4 bytes, the file has 2".
+std::string describe(const Fault& fault);
+
 // Walks the bytes of a file as one of that kind and reports every field to the sink, the version word first.
 FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const explain::MapSink& sink);
+// Of a file of unknown kind only the version word is known: the fault says why.
+FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const explain::MapSink& sink);
 // The same report without the fields, much faster for a sound file.
 FileReport checkFile(std::span<const std::byte> bytes, FileKind kind);
 

@@ -26,6 +26,14 @@ void appendJsonRemark(std::string& to, const explain::MapLine& line) {
   to.append("}\n");
 }
 
+void appendJsonLine(std::string& to, const explain::MapLine& line, const explain::MapFilter& filter,
+                    std::span<const std::byte> file, const values::TextEncoding& encoding) {
+  if (line.size == 0) appendJsonRemark(to, line);
+  explain::eachField(line, [&](const explain::MapField& field) {
+    if (filter.accepts(field.offset, field.size, field.path)) appendJsonField(to, field, file, encoding);
+  });
+}
+
 void appendJsonFault(std::string& to, const explain::Fault& fault) {
   to.append("{\"offset\":").append(std::to_string(fault.offset)).append(",\"path\":");
   values::appendJsonString(to, fault.path);

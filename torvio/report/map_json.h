@@ -6,6 +6,7 @@
 
 #include "torvio/explain/file_map.h"
 #include "torvio/explain/map_fields.h"
+#include "torvio/explain/map_filter.h"
 #include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::report {
@@ -16,6 +17,9 @@ void appendJsonField(std::string& to, const explain::MapField& field, std::span<
                      const values::TextEncoding& encoding);
 // {"offset":40,"size":0,"path":"machine","remark":"..."}
 void appendJsonRemark(std::string& to, const explain::MapLine& line);
+// A remark, or the fields of the line that the filter accepts.
+void appendJsonLine(std::string& to, const explain::MapLine& line, const explain::MapFilter& filter,
+                    std::span<const std::byte> file, const values::TextEncoding& encoding);
 // {"offset":40,"path":"width","fault":"needs 4 bytes, the file has 2"}
 void appendJsonFault(std::string& to, const explain::Fault& fault);
 

@@ -190,4 +190,20 @@ std::string MapPage::html(std::string_view kindName, const explain::FileReport& 
   return page;
 }
 
+MapPageText mapPage(std::string_view fileName, std::span<const std::byte> bytes, std::optional<explain::FileKind> kind,
+                    const values::TextEncoding& encoding) {
+  constexpr std::uint64_t kMiB = 1024 * 1024;
+  const std::string tooLarge = "is too large for a page, which shows up to ";
+  if (bytes.size() > MapPage::kLargestMiB * kMiB)
+    return {"", tooLarge + std::to_string(MapPage::kLargestMiB) + " MiB", {}};
+  MapPage page(fileName, bytes, encoding);
+  MapPageText text;
+  text.report = explain::mapFile(bytes, kind, [&](const explain::MapLine& line) { page.add(line); });
+  if (page.hasTooManyFields())
+    text.refusal = tooLarge + std::to_string(MapPage::kMostFields) + " fields";
+  else
+    text.html = page.html(kind ? frame::infoOf(*kind).name : std::string_view(), text.report);
+  return text;
+}
+
 }  // namespace oldtorvio::report

@@ -3,6 +3,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -47,5 +48,14 @@ class MapPage {
   std::unordered_set<std::string> seen_;
   std::uint64_t rows_ = 0, fields_ = 0;
 };
+
+struct MapPageText {
+  std::string html;     // empty if the file is too large
+  std::string refusal;  // then why, as a text to print after its name
+  explain::FileReport report;
+};
+// The page of a file in memory.
+MapPageText mapPage(std::string_view fileName, std::span<const std::byte> bytes, std::optional<explain::FileKind> kind,
+                    const values::TextEncoding& encoding);
 
 }  // namespace oldtorvio::report

@@ -761,4 +761,13 @@ std::int64_t storeRecord(codec::OutStream& to, const JsonRecord& record, int ver
   });
 }
 
+std::string refusalOf(const JsonRecord& record, std::int64_t status, int version) {
+  const std::string kind(frame::infoOf(record.kind).name);
+  if (status == frame::kWrongVersion) return "no " + kind + " file is saved in version " + std::to_string(version);
+  if (record.kind == frame::FileKind::sheet && mayEndProcess(record.as<frame::FileKind::sheet>(), version))
+    return "blocks: cannot be saved, and has to be empty in version " + std::to_string(version);
+  return "the record cannot be saved in version " + std::to_string(version) +
+         ": a count, a width or a version in it is not possible, or a list that has to have elements is empty";
+}
+
 }  // namespace oldtorvio::values

@@ -40,7 +40,10 @@ inline constexpr std::uint64_t kLargestJsonMiB = 8192;
 JsonRecord readJson(const JsonSource& source);
 JsonRecord readJson(std::string_view text);
 
-// Saves the record as its kind does; returns the status of the save. The caller flushes the stream.
+// Saves the record as its kind does; returns the status of the save. The caller flushes the stream. Throws
+// std::bad_alloc.
 std::int64_t storeRecord(codec::OutStream& to, const JsonRecord& record, int version);
+// Why such a save returned that status, which is not 0, in words.
+std::string refusalOf(const JsonRecord& record, std::int64_t status, int version);
 
 }  // namespace oldtorvio::values

@@ -115,21 +115,20 @@ inline bool mayEndProcess(const OldSheet& sheet, int version) { return version >
 
 // Stores the bytes that FileRecord<kKind>::save stores in a file, and returns its status. The caller flushes the
 // stream. A sheet with blocks, which no save can store completely and for which it may end the process, is refused.
+// Throws std::bad_alloc, unlike the save.
 template <frame::FileKind kKind>
 std::int64_t storeRecord(codec::OutStream& to, typename FileRecord<kKind>::Record& record, int version) {
   constexpr bool kIsSheet = kKind == frame::FileKind::sheet;
-  return frame::guarded(frame::kNotSaved, [&]() -> std::int64_t {
-    if constexpr (kKind == frame::FileKind::material)
-      if (startsWithTable(kKind, version)) return WriteParamTable(to, record.params) ? frame::kDone : frame::kNotSaved;
-    // The version of a sheet is an unsigned word, which is stored before it is checked.
-    if constexpr (kIsSheet) version = static_cast<std::uint16_t>(version);
-    const bool isAccepted = kIsSheet ? frame::isSavedSheetVersion(version) : frame::infoOf(kKind).accepts(version);
-    if (!kIsSheet && !isAccepted) return frame::kWrongVersion;
-    if (isAccepted && mayEndProcess(record, version)) return frame::kNotSaved;
-    if (!codec::writeRecord(to, version, static_cast<std::int16_t>(version))) return frame::kNotSaved;
-    if (!isAccepted) return frame::kWrongVersion;
-    return storeBody(to, record, version) ? frame::kDone : frame::kNotSaved;
-  });
+  if constexpr (kKind == frame::FileKind::material)
+    if (startsWithTable(kKind, version)) return WriteParamTable(to, record.params) ? frame::kDone : frame::kNotSaved;
+  // The version of a sheet is an unsigned word, which is stored before it is checked.
+  if constexpr (kIsSheet) version = static_cast<std::uint16_t>(version);
+  const bool isAccepted = kIsSheet ? frame::isSavedSheetVersion(version) : frame::infoOf(kKind).accepts(version);
+  if (!kIsSheet && !isAccepted) return frame::kWrongVersion;
+  if (isAccepted && mayEndProcess(record, version)) return frame::kNotSaved;
+  if (!codec::writeRecord(to, version, static_cast<std::int16_t>(version))) return frame::kNotSaved;
+  if (!isAccepted) return frame::kWrongVersion;
+  return storeBody(to, record, version) ? frame::kDone : frame::kNotSaved;
 }
 
 struct SavedRecord {
@@ -141,7 +140,7 @@ template <frame::FileKind kKind>
 SavedRecord saveRecord(typename FileRecord<kKind>::Record& record, int version) {
   codec::OutStream stream;
   SavedRecord saved;
-  saved.status = storeRecord<kKind>(stream, record, version);
+  saved.status = frame::guarded(frame::kNotSaved, [&] { return storeRecord<kKind>(stream, record, version); });
   saved.bytes.assign(stream.bytes().begin(), stream.bytes().end());
   return saved;
 }

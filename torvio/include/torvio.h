@@ -1,0 +1,279 @@
+/* torvio: what is in the older binary files of a sheet-metal fabrication suite.
+ *
+ * This header is the manual of the library libtorvio, and all that a program needs of it. It compiles as C (C99 and
+ * later) and as C++. The library does what the command line torvio does, for programs in any language that can call C
+ * functions:
+ *
+ *   torvio_input input = {0};
+ *   torvio_buffer* result = NULL;
+ *   torvio_error* error = NULL;
+ *   input.path = "nest.sheet";
+ *   if (torvio_info(&input, 0, &result, &error) != TORVIO_OK && error != NULL) puts(error->message);
+ *   if (result != NULL) fwrite(result->data, 1, result->size, stdout);
+ *   torvio_free(result);
+ *   torvio_free(error);
+ *
+ * Conventions of every function below
+ *
+ *   Files       A file is read from a path or from memory, see torvio_input. It is opened and read once, so it may be
+ *               a pipe, and nothing writes to it. A file at a path is refused if it has more than 1024 MiB.
+ *   Texts       NUL-terminated UTF-8, on every system: paths and names as well. Texts in files are bytes of a code
+ *               page, which input->encoding names; in results they are UTF-8.
+ *   Results     A function with `result` sets *result to a new torvio_buffer, or to NULL if there is no result, and
+ *               does not use what it held before. Results are UTF-8 (JSON, SVG, HTML, Markdown) unless the function
+ *               says that they are bytes of a file. JSON is one object on one line that ends with a newline, unless
+ *               the function says otherwise. What a file says is escaped wherever it might have an effect: no text of
+ *               a file ends a line, leaves a JSON string, or is markup or script in SVG and HTML.
+ *   Errors      A function with `error` returns a torvio_status. If that is not TORVIO_OK it also sets *error to a new
+ *               torvio_error, else to NULL. `error` may be NULL if only the status is wanted. *error is also NULL if
+ *               there is no memory for it.
+ *   Ownership   The library never keeps a pointer that it was given. What it returns belongs to the caller, who frees
+ *               it with torvio_free; results and errors are independent of each other. torvio_version() is the
+ *               exception: it is never freed.
+ *   Failures    Wrong arguments, unreadable files and lack of memory have no effect but the status and the error. No
+ *               function ends the process, prints, throws an exception, or reads or changes the locale.
+ *   Threads     There is no state between calls: all functions may run at the same time in any number of threads, also
+ *               on the same input. A result or error may be freed in another thread.
+ *   Memory      A damaged or hostile file never makes the library read or write outside its memory, or take memory
+ *               just because a count in the file claims many elements. Expect the file, its record (a few times the
+ *               size of the file) and the result in memory at the same time.
+ *   Flags       `flags` is 0 or a sum of the constants that the function names. Any other value is TORVIO_BAD_ARGUMENT.
+ *   Stack       A call may need 512 KiB of stack.
+ *
+ * Binary interface: the calling convention is that of C on the platform (cdecl on 32-bit Windows). torvio_input has
+ * its members for good; what a later version needs besides becomes a flag or a function. torvio_buffer and torvio_error
+ * are made by the library only and may get more members at their end: do not copy them by value. All integers have a
+ * fixed width but size_t, which has that of a pointer.
+ */
+#ifndef TORVIO_H
+#define TORVIO_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32)
+#if defined(TORVIO_BUILDING)
+#define TORVIO_API
+#else
+#define TORVIO_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__)
+#define TORVIO_API __attribute__((visibility("default")))
+#else
+#define TORVIO_API
+#endif
+
+#ifdef __cplusplus
+#define TORVIO_NOEXCEPT noexcept
+extern "C" {
+#else
+#define TORVIO_NOEXCEPT
+#endif
+
+/* ---- Status, results and errors -------------------------------------------------------------- */
+
+typedef int32_t torvio_status;
+
+enum {
+  /* Done: there is a result. Of a file, that it is sound, perhaps with bytes that a load does not read. */
+  TORVIO_OK = 0,
+  /* There is a result, but of a file that is damaged, of a refused version, or of no known kind: it shows what was
+   * read. The error says what is wrong, and if the file is damaged, where. */
+  TORVIO_DAMAGED = 1,
+  /* A required pointer is NULL, or an argument has a value that it must not have. No result. */
+  TORVIO_BAD_ARGUMENT = 2,
+  /* The file at input->path could not be opened or read to its end, or is too large. No result unless the function
+   * says so. */
+  TORVIO_NOT_READ = 3,
+  /* What is asked for cannot be made of this input, for example a picture of a macro. No result. */
+  TORVIO_REFUSED = 4,
+  /* Memory ran out. No result. */
+  TORVIO_NO_MEMORY = 5,
+  /* The library failed for a reason that it does not expect: a defect. No result. */
+  TORVIO_INTERNAL_ERROR = 6
+};
+
+/* A result. */
+typedef struct torvio_buffer {
+  const char* data; /* never NULL; one NUL follows after the `size` bytes */
+  size_t size;      /* bytes at data, without that NUL */
+} torvio_buffer;
+
+/* Why a function did not return TORVIO_OK. */
+typedef struct torvio_error {
+  const char* message;  /* one line, as the command line prints it after the name of the file; without file names */
+  const char* field;    /* the field of the file that is damaged, as in "partList.parts[3].x"; empty if there is none */
+  uint64_t offset;      /* where that field begins, in bytes from the start of the file, or TORVIO_NO_OFFSET */
+  torvio_status status; /* the value that the function returned */
+} torvio_error;
+
+#define TORVIO_NO_OFFSET UINT64_MAX
+
+/* Frees a torvio_buffer or torvio_error with everything in it. NULL is allowed and does nothing. */
+TORVIO_API void torvio_free(const void* result_or_error) TORVIO_NOEXCEPT;
+
+/* ---- Input ------------------------------------------------------------------------------------ */
+
+/* One file, by its path or in memory. Set all members that you do not use to zero. It is a struct because most functions
+ * take a file and some take several; it consists of pointers and a size only, so that every language lays it out in the
+ * same way. Nothing in it is changed or kept. */
+typedef struct torvio_input {
+  const char* path; /* the file to read; NULL for one in memory */
+  const void* data; /* if path is NULL: the bytes of the file. Not NULL, even for a file of no bytes */
+  size_t size;      /* if path is NULL: how many bytes there are at data */
+  /* What results call the file; its extension is a hint of the kind (".spt" is always a special tool). NULL stands for
+   * the path, or for an empty name if the file is in memory. */
+  const char* name;
+  /* The kind of the file, such as "sheet"; torvio_supported lists all. NULL: the kind is detected from the extension or
+   * the contents, which may fail for a damaged file. */
+  const char* kind;
+  /* The code page of the texts in the file, such as "cp437"; torvio_supported lists all. NULL: "cp1252". */
+  const char* encoding;
+} torvio_input;
+
+/* ---- What a file is --------------------------------------------------------------------------- */
+
+/* Judges a file. The result is the object of `torvio check --json`:
+ *
+ *   {"path":"nest.sheet","verdict":"damaged","kind":"sheet","version":180,"size":400,"status":1,"walked":398,
+ *    "fault":{"offset":398,"field":"width","reason":"needs 4 bytes, the file has 2"}}
+ *
+ *   path       the name of the input; "pathBytes" has its bytes in hexadecimal digits if it is not UTF-8
+ *   verdict    "sound", "sound with losses" (bytes that a load does not read), "damaged", "refused version",
+ *              "foreign" (no file of the suite) or "unreadable"
+ *   kind       missing if foreign or unreadable, as are status and walked
+ *   version    the first two bytes of the file; missing if it has not that many
+ *   size       in bytes
+ *   status     what the load of OldTorvIO returns: 0, 1, -1
+ *   walked     bytes from the start to the end of the last field that was read
+ *   fault      of a damaged file or a refused version: where and why; "tolerated" instead of it if the load goes on
+ *   warnings   what a sound structure does not show, such as numbers that harm those who use them: objects with "code",
+ *              "field" and "text"; docs/catalogue.md lists the codes. Missing if there are none
+ *   error      of an unreadable file: why; nothing but path and verdict is there besides
+ *
+ * Returns TORVIO_OK for a file that loads, TORVIO_DAMAGED for any other that was read, and TORVIO_NOT_READ with a
+ * result of the verdict "unreadable" for a file that was not. flags: 0. input->encoding has no effect. */
+TORVIO_API torvio_status torvio_check(const torvio_input* input, uint32_t flags, torvio_buffer** result,
+                                      torvio_error** error) TORVIO_NOEXCEPT;
+
+/* What a person wants to know of a file at a glance: names, sizes, parts, tools. The result is the object of
+ * `torvio info --json`: "file", "kind", "version", "verdict", "remark", then members that depend on the kind. Lengths
+ * are in the unit of the file. Returns what torvio_check returns, also with a result for a file that was not read. Of a
+ * damaged file it has what was read before the fault. flags: 0. */
+TORVIO_API torvio_status torvio_info(const torvio_input* input, uint32_t flags, torvio_buffer** result,
+                                     torvio_error** error) TORVIO_NOEXCEPT;
+
+/* ---- Complete contents ------------------------------------------------------------------------ */
+
+/* The complete record of a file, so that torvio_from_json makes the same file of it. The result is the text of
+ * `torvio json`; docs/json.md describes it, torvio_schema its schema. Of a damaged file it has the record as far as it
+ * was read, and the fault; of a file of unknown kind or refused version the record is null. Both return TORVIO_DAMAGED.
+ * flags: 0 or TORVIO_PRETTY. */
+TORVIO_API torvio_status torvio_json(const torvio_input* input, uint32_t flags, torvio_buffer** result,
+                                     torvio_error** error) TORVIO_NOEXCEPT;
+
+#define TORVIO_PRETTY UINT32_C(1) /* every member on a line of its own */
+
+/* Makes a file of the JSON of its record. The input is the JSON text, of at most 8192 MiB; its kind and encoding have no
+ * effect, because the text says both. The result is the bytes of the file, saved in `version`, or with 0 in the version
+ * that the text says. Returns TORVIO_REFUSED if the text is not the JSON of a record, or if its record cannot be saved
+ * in that version: the error says which member or line of the text it is about in its message. flags: 0. */
+TORVIO_API torvio_status torvio_from_json(const torvio_input* input, int32_t version, uint32_t flags,
+                                          torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
+
+/* The JSON Schema (draft 2020-12) of what torvio_json returns for files of that kind, over several lines. `kind` must
+ * not be NULL. */
+TORVIO_API torvio_status torvio_schema(const char* kind, torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
+
+/* ---- Bytes and their meaning ------------------------------------------------------------------- */
+
+/* Every field of a file with its offset, as `torvio map --json` prints it: one object a line,
+ *
+ *   {"offset":2,"size":4,"path":"width","type":"f32","value":12.5}
+ *
+ * with offset and size in bytes. Texts are strings up to their first NUL, raw bytes strings of hexadecimal digits,
+ * reserved bytes null; "note" says what the value leaves out. A damaged file ends with its fault,
+ * {"offset":40,"path":"height","fault":"needs 4 bytes, the file has 2"}, and returns TORVIO_DAMAGED.
+ *
+ * find      selects fields by their names, as --find of the command line: "width", "shapes[3].x", "**.*Count".
+ *           NULL: all
+ * range     selects fields by their bytes, the last included: "500", "0x1f4..0x200", "500..". NULL: all
+ * flags     0 or TORVIO_PAGE
+ *
+ * If no field is selected, the result has no lines, except for the fault. A `find` or `range` that has another form is
+ * TORVIO_BAD_ARGUMENT.
+ *
+ * With TORVIO_PAGE, the result is an HTML page with bytes and fields side by side, as `torvio map --html` prints it.
+ * `find` and `range` must then be NULL. Returns TORVIO_REFUSED for a file of more than 16 MiB or 3 million fields. */
+TORVIO_API torvio_status torvio_map(const torvio_input* input, const char* find, const char* range, uint32_t flags,
+                                    torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
+
+#define TORVIO_PAGE UINT32_C(2) /* an HTML page: complete, without scripts from elsewhere, makes no connection */
+
+/* The stored form of a kind of file, or of a record that files embed ("clamp-info"; torvio_supported lists both).
+ *
+ * name      the kind or record; must not be NULL
+ * language  "markdown" or NULL: a table. "kaitai": a definition for Kaitai Struct (.ksy); of a record or of a kind that
+ *           it cannot describe TORVIO_REFUSED */
+TORVIO_API torvio_status torvio_format(const char* name, const char* language, torvio_buffer** result,
+                                       torvio_error** error) TORVIO_NOEXCEPT;
+
+/* ---- Pictures --------------------------------------------------------------------------------- */
+
+/* A sheet, part, group part or machine to scale, as one SVG document without scripts and references, of bounded size.
+ * Of a damaged file it shows what was read, and returns TORVIO_DAMAGED. Returns TORVIO_REFUSED for files of other kinds
+ * and of unknown kind or version. flags: 0. */
+TORVIO_API torvio_status torvio_draw(const torvio_input* input, uint32_t flags, torvio_buffer** result,
+                                     torvio_error** error) TORVIO_NOEXCEPT;
+
+/* A contact sheet: the pictures of `count` files, at least one, on an HTML page without scripts and references. A file
+ * that cannot be read or drawn has the reason in place of its picture. Files are read one after the other.
+ *
+ * inputs    an array of `count` inputs
+ * title     of the page. NULL: the name of the file if there is one, else "Contact sheet"
+ * flags     0
+ *
+ * Returns TORVIO_DAMAGED if any file was not read or not drawn completely; the error is about the first of them, and
+ * its message begins with its number, counted from 1: "file 3: is a folder". */
+TORVIO_API torvio_status torvio_draw_page(const torvio_input* inputs, size_t count, const char* title, uint32_t flags,
+                                          torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
+
+/* ---- Differences ------------------------------------------------------------------------------ */
+
+/* Where two files differ, member by member, as `torvio diff --json` prints it: a line with one object for each
+ * difference, and a last one with the totals and what was compared; docs/diff.md describes both. Parts and other records
+ * with a name are matched by that, elements of other lists by what they hold. What no load reads is not compared.
+ *
+ * a, b       the files. Of different kinds if one holds what the other is, such as a part of a sheet. Both must name the
+ *            same encoding
+ * part       of sheets and group part files, the part to compare: its name, or its position from 0. NULL: the complete
+ *            files, or the part that is in both
+ * tolerance  real numbers that differ by no more than this are the same; 0 compares every bit
+ * flags      0 or TORVIO_COMMON
+ * same       set to 1 if there is no difference, to 0 if there is one. Unchanged without a result; may be NULL
+ *
+ * Differences are no failure: the status is TORVIO_OK. Of damaged files what was read is compared; the status is then
+ * TORVIO_DAMAGED, and the message of the error begins with "a: " or "b: ". TORVIO_REFUSED if the files have nothing in
+ * common to compare, or one is of unknown kind or refused version. */
+TORVIO_API torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const char* part, double tolerance,
+                                     uint32_t flags, int32_t* same, torvio_buffer** result,
+                                     torvio_error** error) TORVIO_NOEXCEPT;
+
+/* Leaves out the version, and members that the version of one of the files does not store. */
+#define TORVIO_COMMON UINT32_C(4)
+
+/* ---- The library ------------------------------------------------------------------------------ */
+
+/* What the other functions accept: {"version":"0.1.0","kinds":[{"name":"sheet","versions":[[52,180],[500,32767]],
+ * "drawable":true},...],"records":["clamp-info",...],"encodings":["cp1252",...]}. `versions` are those that a load
+ * accepts, as ranges with both ends included. */
+TORVIO_API torvio_status torvio_supported(torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
+
+/* The version of the library, such as "0.1.0". Never freed. */
+TORVIO_API const char* torvio_version(void) TORVIO_NOEXCEPT;
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif

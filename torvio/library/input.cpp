@@ -1,0 +1,107 @@
+#include "torvio/library/input.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include "src/frame/host/platform.h"
+#include "torvio/explain/kind_names.h"
+#include "torvio/library/answer.h"
+#include "torvio/values/json.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
+namespace oldtorvio::library {
+namespace {
+
+std::string listed(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+#if defined(_WIN32)
+// Empty if the path is not UTF-8.
+std::wstring wide(const char* path) {
+  const int size = ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path, -1, nullptr, 0);
+  if (size <= 0) return {};
+  std::wstring text(static_cast<std::size_t>(size), L'\0');
+  (void)::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path, -1, text.data(), size);
+  text.pop_back();  // the NUL
+  return text;
+}
+#endif
+
+}  // namespace
+
+OpenFile::OpenFile(const char* path) {
+#if defined(_WIN32)
+  const std::wstring name = wide(path);
+  if (name.empty()) {
+    error_ = *path == '\0' ? "cannot be opened: the path is empty" : "cannot be opened: the path is not UTF-8";
+    return;
+  }
+  file_.reset(::_wfopen(name.c_str(), L"rbN"));
+  const int error = errno;
+  const DWORD attributes = file_ ? 0 : ::GetFileAttributesW(name.c_str());
+  const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+#else
+  file_.reset(std::fopen(path, "rbe"));
+  const int error = errno;
+  const bool isFolder = file_ && frame::isFolder(file_.get());
+#endif
+  if (isFolder) {
+    file_.reset();
+    error_ = "is a folder";
+  } else if (!file_) {
+    error_ = "cannot be opened: " + std::generic_category().message(error);
+  } else {
+    // Those who read have buffers of their own.
+    (void)std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+  }
+}
+
+Input::Input(const torvio_input* input) {
+  if (input == nullptr) throw badArgument("input is NULL");
+  input_ = *input;
+  if (input_.path == nullptr && input_.data == nullptr) throw badArgument("input has neither a path nor data");
+  if (input_.path != nullptr && input_.data != nullptr) throw badArgument("input has both a path and data");
+  if (input_.name != nullptr)
+    name_ = input_.name;
+  else if (input_.path != nullptr)
+    name_ = input_.path;
+  if (input_.kind != nullptr) {
+    kind_ = explain::kindNamed(input_.kind);
+    if (!kind_) throw badArgument("the kind of the input is none of " + listed(explain::kindNames()));
+  }
+  if (input_.encoding != nullptr) {
+    const auto encoding = values::TextEncoding::named(input_.encoding);
+    if (!encoding) throw badArgument("the encoding of the input is none of " + listed(values::TextEncoding::names()));
+    encoding_ = *encoding;
+  }
+}
+
+std::string Input::encodingName() const {
+  return input_.encoding != nullptr ? input_.encoding : std::string(values::kDefaultEncoding);
+}
+
+InputBytes::InputBytes(const Input& input) {
+  if (input.path() == nullptr) {
+    bytes_ = input.memory();
+    return;
+  }
+  const OpenFile file(input.path());
+  error_ = file.error();
+  if (!error_.empty()) return;
+  content_.emplace(file.handle());
+  error_ = content_->error();
+  bytes_ = content_->bytes();
+}
+
+std::span<const std::byte> InputBytes::bytesOrThrow() const {
+  if (!error_.empty()) throw notRead(error_);
+  return bytes_;
+}
+
+}  // namespace oldtorvio::library
