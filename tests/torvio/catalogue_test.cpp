@@ -111,7 +111,7 @@ Bytes nest(const std::string& label = "NEST") {
 class Catalogues : public testing::Test {
  protected:
   Outcome check(const std::string& arguments = "") const {
-    return torvio("check " + files_.path() + " --ext sheet=.nst -o " + catalogue_ + " " + arguments);
+    return torvio("check " + files_.path() + " --ext sheet=.nst --catalogue " + catalogue_ + " " + arguments);
   }
   std::string value(const std::string& sql) const { return valueOf(catalogue_, sql); }
 
@@ -150,7 +150,8 @@ TEST_F(Catalogues, EveryKindAtEveryVersionIsEntered) {
     for (const int version : kind.versions) {
       const std::string name = kind.name + std::to_string(version) + ".x";
       files_.write(name, kind.file(version));
-      EXPECT_EQ(torvio("check --kind " + kind.name + " " + files_.path(name) + " -o " + catalogue_).code, 0) << name;
+      EXPECT_EQ(torvio("check --kind " + kind.name + " " + files_.path(name) + " --catalogue " + catalogue_).code, 0)
+          << name;
       ++count;
     }
   EXPECT_EQ(value("SELECT count(*) FROM file WHERE status = 0"), std::to_string(count));
@@ -246,9 +247,10 @@ TEST_F(Catalogues, OnePathHasOneRowHoweverItIsWritten) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   for (const std::string& path :
        {std::string("a.nst"), std::string("./a.nst"), std::string(".//./a.nst"), std::string(".")})
-    EXPECT_EQ(
-        runShell("cd " + files_.path() + " && " + tool + " check --ext sheet=.nst -o " + catalogue_ + " " + path).code,
-        0);
+    EXPECT_EQ(runShell("cd " + files_.path() + " && " + tool + " check --ext sheet=.nst --catalogue " + catalogue_ +
+                       " " + path)
+                  .code,
+              0);
   EXPECT_EQ(value("SELECT path, examined_in, seen_in FROM file"), files_.path("a.nst") + "|1|5");
 }
 
@@ -286,26 +288,26 @@ TEST_F(Catalogues, OtherFilesAreRefusedAndUnchanged) {
   ASSERT_EQ(sqlite3_exec(foreign, "CREATE TABLE t (x)", nullptr, nullptr, nullptr), SQLITE_OK);
   (void)sqlite3_close(foreign);
   const std::string later = other_.path("later.sqlite");
-  EXPECT_EQ(torvio("check " + input + " -o " + later).code, 0);
+  EXPECT_EQ(torvio("check " + input + " --catalogue " + later).code, 0);
   (void)rowsOf(later, "PRAGMA user_version = 2");
   for (const std::string& path : {tiny, sheet, database, later}) {
     const Bytes before = TempFolder::read(path);
-    const Outcome run = torvio("check " + input + " -o " + path);
+    const Outcome run = torvio("check " + input + " --catalogue " + path);
     EXPECT_EQ(run.code, 3) << path;
     EXPECT_EQ(run.output, "") << path;
     EXPECT_EQ(run.errors.find("torvio: " + path + ": "), 0U) << run.errors;
     EXPECT_EQ(TempFolder::read(path), before) << path;
   }
-  EXPECT_EQ(torvio("check " + input + " -o " + other_.path("none/c.sqlite")).code, 3);
+  EXPECT_EQ(torvio("check " + input + " --catalogue " + other_.path("none/c.sqlite")).code, 3);
   // An empty file, as mktemp leaves one.
-  EXPECT_EQ(torvio("check " + input + " -o " + other_.write("empty", {})).code, 0);
+  EXPECT_EQ(torvio("check " + input + " --catalogue " + other_.write("empty", {})).code, 0);
 }
 
 TEST_F(Catalogues, TheCatalogueItselfIsNotAFileOfTheFolder) {
   files_.write("a.nst", nest());
   const std::string inside = files_.path("c.sqlite");
   for (int run = 0; run < 2; ++run)
-    EXPECT_EQ(torvio("check " + files_.path() + " -o " + inside + " --ext sheet=.nst").output.find("c.sqlite"),
+    EXPECT_EQ(torvio("check " + files_.path() + " --catalogue " + inside + " --ext sheet=.nst").output.find("c.sqlite"),
               std::string::npos);
   EXPECT_EQ(valueOf(inside, "SELECT count(*) FROM file"), "1");
 }
@@ -321,7 +323,8 @@ TEST_F(Catalogues, KilledRunsLoseAndDoubleNothing) {
     if (i % 500 == 0) fs::create_directory(files_.path(folder));
     files_.write(folder + "/" + std::to_string(i) + ".nst", i % 7 == 0 ? cut : i % 11 == 0 ? full : sound);
   }
-  const std::string command = std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst -o ";
+  const std::string command =
+      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst --catalogue ";
   int interrupted = 0;
   std::string before = "0";
   for (int i = 1; i <= 12; ++i) {
@@ -353,7 +356,7 @@ TEST_F(Catalogues, FullDiskIsAnError) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   for (int i = 0; i < 500; ++i) files_.write(std::to_string(i) + ".nst", nest());
   const std::string command =
-      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst -o " + catalogue_;
+      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst --catalogue " + catalogue_;
   // Files may have 64 blocks.
   const Outcome run = runShell("(trap '' XFSZ; ulimit -f 64; " + command + " >/dev/null)");
   EXPECT_EQ(run.code, 3);

@@ -49,14 +49,14 @@ bool isMisread(const std::string& argument) {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> all;
-  all.push_back(makeMapCommand());
   all.push_back(makeCheckCommand());
   all.push_back(makeInfoCommand());
-  all.push_back(makeDiffCommand());
+  all.push_back(makeMapCommand());
   all.push_back(makeDrawCommand());
-  all.push_back(makeFormatCommand());
+  all.push_back(makeDiffCommand());
   all.push_back(makeJsonCommand());
   all.push_back(makeFromJsonCommand());
+  all.push_back(makeFormatCommand());
   all.push_back(makeSchemaCommand());
   return all;
 }
@@ -173,8 +173,7 @@ bool isPageName(const std::string& output) { return output.ends_with(".html") ||
 
 bool isInputToo(const std::string& command, const std::string& output, const std::vector<std::string>& inputs) {
   if (output.empty() || output == "-") return false;
-  if (std::none_of(inputs.begin(), inputs.end(),
-                   [&](const std::string& input) { return isSameFile(input, output); }))
+  if (std::none_of(inputs.begin(), inputs.end(), [&](const std::string& input) { return isSameFile(input, output); }))
     return false;
   (void)usageError(command, inQuotes(output) + " is both a file to read and the output");
   return true;

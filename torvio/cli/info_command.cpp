@@ -37,12 +37,13 @@ class InfoCommand : public Command {
     command->add_flag("--all", isAll_, "Print all rows of long tables, as --json does");
     addJudging(*command, judge_);
     addEncoding(*command, encoding_);
-    command->footer("Examples:\n"
-                    "  torvio info nest.sheet\n"
-                    "      Show the size of a nest, its machine, parts and tools.\n"
-                    "  torvio info --json *.sheet | jq -r '[.name, .width, .height] | @tsv'\n"
-                    "      Make a table of many nests.\n\n" +
-                    wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
+    command->footer(
+        "Examples:\n"
+        "  torvio info nest.sheet\n"
+        "      Show the size of a nest, its machine, parts and tools.\n"
+        "  torvio info --json *.sheet | jq -r '[.name, .width, .height] | @tsv'\n"
+        "      Make a table of many nests.\n\n" +
+        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
     return command;
   }
 

@@ -28,14 +28,15 @@ class JsonCommand : public Command {
     addEncoding(*command, encoding_);
     command->add_flag("--pretty", isPretty_, "Print every member on a line of its own");
     addOutput(*command, output_);
-    command->footer("Of a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
-                    "makes a file of the JSON of a sound one, \"torvio schema\" describes it.\n\n"
-                    "Examples:\n"
-                    "  torvio json --pretty nest.sheet -o nest.json\n"
-                    "      Write everything that a file holds, for an editor or a script.\n"
-                    "  torvio json nest.sheet | jq '.record.parts | length'\n"
-                    "      Pick a value.\n\n" +
-                    wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
+    command->footer(
+        "Of a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
+        "makes a file of the JSON of a sound one, \"torvio schema\" describes it.\n\n"
+        "Examples:\n"
+        "  torvio json --pretty nest.sheet -o nest.json\n"
+        "      Write everything that a file holds, for an editor or a script.\n"
+        "  torvio json nest.sheet | jq '.record.parts | length'\n"
+        "      Pick a value.\n\n" +
+        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
     return command;
   }
 

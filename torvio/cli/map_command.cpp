@@ -142,7 +142,8 @@ class MapCommand : public Command {
            "OUT that ends in \".html\" implies --html if nothing else is asked for. --html\n"
            "takes files of up to " +
            std::to_string(report::MapPage::kLargestMiB) + " MiB and " +
-           std::to_string(report::MapPage::kMostFields / 1'000'000) + " million fields.\n\n"
+           std::to_string(report::MapPage::kMostFields / 1'000'000) +
+           " million fields.\n\n"
            "Examples:\n"
            "  torvio map damaged.sheet | tail\n"
            "      Show where a damaged file breaks, and the last fields before.\n"
@@ -186,8 +187,7 @@ class MapCommand : public Command {
     const std::string tooLarge = "is too large for a page, which shows up to ";
     if (file.bytes().size() > report::MapPage::kLargestMiB * kMiB)
       return failed(file_, tooLarge + std::to_string(report::MapPage::kLargestMiB) + " MiB");
-    report::MapPage page(std::filesystem::path(file_).filename().string(), file.bytes(),
-                         encodingNamed(encodingName_));
+    report::MapPage page(std::filesystem::path(file_).filename().string(), file.bytes(), encodingNamed(encodingName_));
     const explain::FileReport report = mapAs(file.bytes(), kind, [&](const explain::MapLine& line) { page.add(line); });
     if (page.hasTooManyFields())
       return failed(file_, tooLarge + std::to_string(report::MapPage::kMostFields) + " fields");

@@ -150,8 +150,9 @@ _torvio() {
   local options= arguments=NONE values=
   case $command in
     '')
-      options=)" + shellWord(joined(optionNames(line.tool()), " ")) +
-         "\n      arguments=" + shellWord(joined(commands, " ")) + " ;;\n" + cases + R"(  esac
+      options=)" +
+         shellWord(joined(optionNames(line.tool()), " ")) + "\n      arguments=" + shellWord(joined(commands, " ")) +
+         " ;;\n" + cases + R"(  esac
   [[ -n $isFile ]] && values=$arguments
   local candidates=$arguments
   if [[ -n $values ]]; then

@@ -169,8 +169,8 @@ std::string pageName(const CLI::App& command) { return "torvio-" + command.get_n
 std::string toolPage(const CommandLine& tool) {
   const CLI::App& app = tool.tool();
   std::string roff = head(app.get_name(), app.get_description());
-  roff += line(bold(app.get_name()) + " " + italic("COMMAND") + " [" + italic("OPTIONS") + "] [" +
-               italic("ARGUMENT") + "...]");
+  roff += line(bold(app.get_name()) + " " + italic("COMMAND") + " [" + italic("OPTIONS") + "] [" + italic("ARGUMENT") +
+               "...]");
   roff += line(".br\n" + bold(app.get_name()) + " " + bold("--version") + " | " + bold("--help")).substr(2);
   roff += section("DESCRIPTION") + line(escaped(app.get_description())) + sectionsOf(app, "");
   roff += section("COMMANDS");
