@@ -211,7 +211,7 @@ const char* const kExitCodesWithoutFiles =
     "  3  the output could not be written";
 
 std::string fileHelp() {
-  return wrapped("Kinds", kindNames()) + "\n\nA FILE may be a pipe. A file of more than " +
+  return wrapped("Kinds", kindNames()) + "\n\nA FILE may be a pipe, such as /dev/stdin. A file of more than\n" +
          std::to_string(oldtorvio::explain::FileContent::kLargestMiB) +
          " MiB is not read.\nArguments after \"--\" are files, even if they begin with \"-\".\n\n" + kExitCodes;
 }

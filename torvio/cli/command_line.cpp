@@ -1,6 +1,8 @@
 #include "torvio/cli/command_line.h"
 
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "torvio/cli/help_text.h"
@@ -136,6 +138,9 @@ ExitCode CommandLine::wrongArguments(std::string error) const {
     const bool isCommand = chosen.empty() && !first.starts_with('-');
     error = isCommand ? "unknown command " + inQuotes(first) + "\n" + wrapped("Commands", namesOf(commands()))
                       : "unexpected argument " + inQuotes(first);
+    std::error_code unknown;
+    if (isAboutCommand && first.starts_with('-') && std::filesystem::exists(first, unknown))
+      error += "; put \"--\" before the name of a file that begins with \"-\"";
   } else if (chosen.empty()) {
     error = "a command is required\n" + wrapped("Commands", namesOf(commands()));
   }
