@@ -59,9 +59,11 @@ meanings = {}
 for command, text in helps.items():
     for found in re.finditer(r"(?m)^  (-\S+)(?: (\S+))?\s+([^-\n].*(?:\n {16}.*)*)", section(text, "Options")):
         meanings.setdefault(found[1], {}).setdefault((found[2], " ".join(found[3].split())), []).append(command)
-for option in ("--kind", "--ext", "--encoding", "--json", "-h,--help"):
+for option in ("--kind", "--ext", "--encoding", "-h,--help"):
     require(len(meanings.get(option, {})) == 1 and len(sum(meanings[option].values(), [])) > 2,
             f"{option} has several meanings: {meanings.get(option)}")
+for value, text in meanings["--json"]:
+    require(value is None and re.match("Print .*a JSON object", text), f"--json means: {text}")
 require(sum(("-o,--output" in text) for text in helps.values()) == sum(bool(re.search("(?m)^  -o", text))
         for text in helps.values()), "-o is not --output everywhere")
 

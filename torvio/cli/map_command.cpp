@@ -83,7 +83,7 @@ class MapCommand : public Command {
     CLI::App* command = tool.add_subcommand("map", "Print offset, size, path and value of every field of a file");
     addFile(*command, "FILE", file_, "The file")->required();
     addJudging(*command, judge_);
-    command->add_option("--find", find_, "Print the fields of this name or path, see below")
+    command->add_option("--find", find_, "Print the fields of this name or path")
         ->type_name("FIELD")
         ->take_last()
         ->check([this](const std::string& text) {
