@@ -447,14 +447,12 @@ class CheckCommand : public Command {
     archive::scan(names, options, [&](FileResult& result) {
       totals.add(result);
       worst = std::max(worst, codeOf(result));
-      if (result.isFolder)
-        unreadFolders.push_back(archive::cataloguePath(result.path));
-      else if (catalogue)
-        catalogue->add(result);
+      if (result.isFolder) unreadFolders.push_back(archive::cataloguePath(result.path));
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
         print(isJson_ ? objectFor(result) : lineFor(result));
       }
+      if (catalogue && !result.isFolder) catalogue->add(std::move(result));
       progress.count();
     });
     progress.clear();
