@@ -54,6 +54,14 @@ CLI::Option* addKind(CLI::App& command, std::optional<oldtorvio::frame::FileKind
       ->check(oneOf(kindNames(), "kind", "Kinds"));
 }
 
+CLI::Option* addEncoding(CLI::App& command, std::string& name, const std::string& help) {
+  return command
+      .add_option("--encoding", name, help.empty() ? "The code page of the texts in the files (" + name + ")" : help)
+      ->type_name("NAME")
+      ->take_last()
+      ->check(oneOf(oldtorvio::values::TextEncoding::names(), "encoding", "Encodings"));
+}
+
 CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all) {
   return {[=](std::string& name) {
             const bool isKnown = std::find(names.begin(), names.end(), name) != names.end();
