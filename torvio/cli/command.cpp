@@ -23,6 +23,7 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   all.push_back(makeMapCommand());
   all.push_back(makeCheckCommand());
   all.push_back(makeInfoCommand());
+  all.push_back(makeDiffCommand());
   all.push_back(makeDrawCommand());
   all.push_back(makeFormatCommand());
   all.push_back(makeJsonCommand());
