@@ -210,7 +210,7 @@ class DiffCommand : public Command {
         ->check(isTolerance());
     command->add_flag("--common", options_.commonOnly,
                       "Leave out the version and members that the version of\none of the files does not store");
-    addEncoding(*command);
+    addEncoding(*command, options_.encoding, "The code page of the texts; without it " + options_.encoding);
     command->add_option("--limit", limit_, "Print no more than N differences, and count the rest")
         ->type_name("N")
         ->take_last()
@@ -250,12 +250,6 @@ class DiffCommand : public Command {
         ->type_name("KIND")
         ->take_last()
         ->check(oneOf(kindNames(), "kind", "Kinds"));
-  }
-  void addEncoding(CLI::App& command) {
-    command.add_option("--encoding", options_.encoding, "The code page of the texts; without it " + options_.encoding)
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
   }
   static CLI::Validator isTolerance() {
     return {[](std::string& text) {
