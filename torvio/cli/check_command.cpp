@@ -434,14 +434,12 @@ class CheckCommand : public Command {
     archive::scan(names, options, [&](FileResult& result) {
       totals.add(result);
       worst = std::max(worst, codeOf(result));
-      if (result.isFolder)
-        unreadFolders.push_back(archive::cataloguePath(result.path));
-      else if (catalogue)
-        catalogue->add(result);
+      if (result.isFolder) unreadFolders.push_back(archive::cataloguePath(result.path));
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
         print(isJson_ ? objectFor(result) : lineFor(result));
       }
+      if (catalogue && !result.isFolder) catalogue->add(std::move(result));
       progress.count();
     });
     progress.clear();
@@ -480,7 +478,7 @@ class CheckCommand : public Command {
   bool isJson_ = false;
   bool isSummaryWanted_ = false, isSummaryUnwanted_ = false;
   std::string catalogue_;
-  std::string encoding_ = "cp1252";
+  std::string encoding_{values::kDefaultEncoding};
   unsigned jobs_ = 0;
 };
 

@@ -53,7 +53,7 @@ std::string unmarked(const std::string& argument);
 CLI::Option* addKind(CLI::App& command, std::optional<oldtorvio::frame::FileKind>& kind);
 // The options --kind and --ext, which say what files are.
 void addJudging(CLI::App& command, oldtorvio::archive::JudgeOptions& options);
-// The option --encoding. Without it, `name` stays as it is.
+// The option --encoding. The name is one of TextEncoding::names(), and unchanged without the option.
 CLI::Option* addEncoding(CLI::App& command, std::string& name);
 // The encoding of that name, or the default one for an empty name.
 oldtorvio::values::TextEncoding encodingNamed(const std::string& name);
