@@ -359,8 +359,8 @@ TEST_F(Catalogues, TwoRunsAtATimeMakeOneCatalogue) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   constexpr int kFiles = 300;
   for (int i = 0; i < kFiles; ++i) files_.write(std::to_string(i) + ".nst", nest());
-  const std::string command =
-      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst -o " + catalogue_ + " >/dev/null";
+  const std::string command = std::string(TORVIO_COMMAND) + " check " + files_.path() +
+                              " --ext sheet=.nst --catalogue " + catalogue_ + " >/dev/null";
   const Outcome both = runShell(command + " & " + command + "; other=$?; wait $! || exit 101; exit $other");
   EXPECT_EQ(both.code, 0) << both.errors;
   EXPECT_EQ(both.errors, "");

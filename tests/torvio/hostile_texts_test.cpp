@@ -345,15 +345,15 @@ TEST_F(HostileTexts, FaultsAndErrorsAreOneLine) {
   for (std::size_t i = 0; i < 9; ++i) {
     const std::string none = inShellQuotes(root_.path(kFolder) + "/none" + nameFor(i));
     for (const std::string verb : {"check ", "info ", "json ", "map ", "map --json ", "map --html ", "draw ",
-                                   "draw --html ", "from-json -o out ", "check -o ", "check --files-from "})
-      (void)run(verb + none, verb == "check -o " ? 2 : 3);
+                                   "draw --html ", "from-json -o out ", "check --catalogue ", "check --files-from "})
+      (void)run(verb + none, verb == "check --catalogue " ? 2 : 3);
     EXPECT_EQ(run("diff " + none + " " + none, 2).output, "");
     // As the value of an option.
     for (const std::string verb :
          {"check --kind ", "check --encoding ", "check --ext ", "check --only ", "map --offset ", "check --jobs ",
           "draw --encoding ", "diff --tolerance ", "format --version ", ""})
       (void)run(verb + none + " x", 2);
-    (void)run("check x -o " + none + "/c", 3);
+    (void)run("check x --catalogue " + none + "/c", 3);
   }
 }
 
@@ -400,7 +400,7 @@ TEST_F(HostileTexts, CatalogueHasThemExactly) {
   const std::string catalogue = root_.path("c'\n\x1b[1m.sqlite");
   for (const File& file : files()) {
     std::filesystem::remove(catalogue);
-    (void)run("check -o " + inShellQuotes(catalogue) + file.quoted());
+    (void)run("check --catalogue " + inShellQuotes(catalogue) + file.quoted());
     EXPECT_EQ(valuesIn(catalogue, "SELECT path FROM file"), std::vector<std::string>{file.path});
     const archive::Facts facts = withFileRecord(file.kind->kind, [&](auto one) {
       const auto loaded = values::loadRecord<decltype(one)::kKind>(file.bytes.span());

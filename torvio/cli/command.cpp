@@ -56,10 +56,10 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   all.push_back(makeDiffCommand());
   all.push_back(makeJsonCommand());
   all.push_back(makeFromJsonCommand());
-  all.push_back(makeFormatCommand());
-  all.push_back(makeSchemaCommand());
   all.push_back(makeConvertCommand());
   all.push_back(makeRecoverCommand());
+  all.push_back(makeFormatCommand());
+  all.push_back(makeSchemaCommand());
   return all;
 }
 
