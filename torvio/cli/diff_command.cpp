@@ -403,8 +403,8 @@ class DiffCommand : public Command {
     if (compared.version) text += ", version " + std::to_string(*compared.version);
     if (!compared.place.empty()) text += ", " + compared.place;
     if (!compared.part.empty()) text += ' ' + compared.part;
-    if (const std::string unread = file.judgement.report.unread(); !unread.empty() && !file.judgement.report.fault)
-      text += ", " + unread;
+    const explain::FileReport& report = file.judgement.report;
+    if (!report.fault && !report.endsExactly()) text += ", " + report.unread();
     return text + '\n';
   }
 
