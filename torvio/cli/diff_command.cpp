@@ -138,8 +138,15 @@ class TextPrinter {
     }
     if (!one.name.empty()) {
       to.append("  ");
-      appendValue(to, "in " + one.name, colours_.faint);
+      appendValue(to, "in " + shortened(one.name), colours_.faint);
     }
+  }
+  static std::string shortened(const std::string& name) {
+    constexpr std::size_t kLongestName = 40;
+    if (name.size() <= kLongestName) return name;
+    std::size_t end = kLongestName;
+    while ((static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80) --end;
+    return name.substr(0, end) + "...";
   }
   void appendValue(std::string& to, const std::string& value, const char* colour) const {
     to.append(colour).append(value);
@@ -262,11 +269,11 @@ class DiffCommand : public Command {
            "load reads do not count. Elements of lists are matched first: parts and other\n"
            "records with a name by that, the rest by what they hold.\n"
            "\n"
-           "  ~ width                12.5 -> 13         changed\n"
-           "  - marks[3]             {\"markWord1\":7...  only in A\n"
-           "  + marks[5]             {\"markWord1\":9...  only in B\n"
-           "  > parts[7|2]           moved              at [7] in A, at [2] in B\n"
-           "  ~ parts[3|4].width     20 -> 30           changed, at [3] in A, at [4] in B\n"
+           "  ~ width             12.5 -> 13     changed\n"
+           "  - marks[3]          {...}          only in A\n"
+           "  + marks[5]          {...}          only in B\n"
+           "  > parts[7|2]        moved          from [7] in A to [2] in B\n"
+           "  ~ parts[3|4].width  20 -> 30       changed; it is parts[3] in A, parts[4] in B\n"
            "\n"
            "A part file can be compared with a sheet or group part file: with the part that\n"
            "--part chooses, that has the name of the part file, or that is the only one.\n"
@@ -281,6 +288,7 @@ class DiffCommand : public Command {
            "has one, and notStoredIn (a or b). The last line has a member summary instead,\n"
            "with same, differences, printed and notStored, and what is said of each file.\n"
            "\n"
+<<<<<<< HEAD
            "Examples:\n"
            "  torvio diff nest.sheet nest_old.sheet\n"
            "      Show what has changed in a nest.\n"
@@ -291,6 +299,8 @@ class DiffCommand : public Command {
            "\n" +
            wrapped("Kinds", kindNames()) + "\n" + wrapped("Encodings", values::TextEncoding::names()) +
            "\n\n"
+=======
+>>>>>>> e48e0f8379d05f79bd63afc43b42c75e94f48d3d
            "A or B may be a pipe. A file of more than " +
            std::to_string(explain::FileContent::kLargestMiB) +
            " MiB is not read.\n"
@@ -404,7 +414,11 @@ class DiffCommand : public Command {
     if (!compared.place.empty()) text += ", " + compared.place;
     if (!compared.part.empty()) text += ' ' + compared.part;
     const explain::FileReport& report = file.judgement.report;
+<<<<<<< HEAD
     if (!report.fault && !report.endsExactly()) text += ", " + report.unread();
+=======
+    if (!report.fault && report.walked < report.size) text += ", " + report.unread();
+>>>>>>> e48e0f8379d05f79bd63afc43b42c75e94f48d3d
     return text + '\n';
   }
 

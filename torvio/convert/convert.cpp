@@ -48,7 +48,7 @@ class Dropped {
     if (!blocks_ || !hasOneBlock_) return {};
     return bytes_.subspan(static_cast<std::size_t>(blocks_->offset), static_cast<std::size_t>(blocks_->size));
   }
-  void keepBlock() { blocks_.reset(); }
+  void forgetBlock() { blocks_.reset(); }
   std::vector<LeftOut> finished() {
     if (blocks_) {
       // A load goes on after the first one, whatever the count is.
@@ -145,13 +145,15 @@ void convertAs(std::span<const std::byte> bytes, int version, const ConvertOptio
   CompleteSave saved = saveCompletely<kKind>(*copy, version);
   to.error = std::move(saved.error);
   if (!to.error.empty()) return;
-  if constexpr (kKind == FileKind::sheet)
-    if (auto kept = dropped.block().empty() || !loaded.record->blocks.empty()
-                        ? std::nullopt
-                        : withBlock(saved.bytes, dropped.block(), *loaded.version, version)) {
+  if constexpr (kKind == FileKind::sheet) {
+    // Of a damaged block the record has what was read, and the comparison finds it.
+    if (!loaded.record->blocks.empty()) dropped.forgetBlock();
+    if (auto kept = dropped.block().empty() ? std::nullopt
+                                            : withBlock(saved.bytes, dropped.block(), *loaded.version, version)) {
       saved.bytes = std::move(*kept);
-      dropped.keepBlock();
+      dropped.forgetBlock();
     }
+  }
   const auto reloaded = values::loadRecord<kKind>(saved.bytes);
   // The version is no loss.
   values::beginLoad(*reloaded.record, *loaded.version, {});
@@ -200,7 +202,7 @@ Converted convert(std::span<const std::byte> bytes, FileKind kind, int version, 
 
   if (!to.error.empty() || options.allowLoss || report.isComplete()) return to;
   to.bytes.clear();
-  to.error = "would lose what is listed in version " + std::to_string(version);
+  to.error = "a file of version " + std::to_string(version) + " would lose what is listed";
   return to;
 }
 

@@ -84,7 +84,8 @@ std::string marked(const std::string& text, const std::vector<std::string>& valu
     while (end < text.size() && isOfWord(text[end])) ++end;
     const std::string word = text.substr(at, end - at);
     const bool isOption = word.size() > 2 && word.starts_with("--") && word[2] != '-';
-    const bool isValue = std::find(values.begin(), values.end(), word) != values.end();
+    // "A" may also begin a sentence.
+    const bool isValue = word.size() > 1 && std::find(values.begin(), values.end(), word) != values.end();
     roff += isOption ? bold(word) : isValue ? italic(word) : escaped(word);
     at = end;
   }
