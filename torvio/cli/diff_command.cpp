@@ -288,7 +288,6 @@ class DiffCommand : public Command {
            "has one, and notStoredIn (a or b). The last line has a member summary instead,\n"
            "with same, differences, printed and notStored, and what is said of each file.\n"
            "\n"
-<<<<<<< HEAD
            "Examples:\n"
            "  torvio diff nest.sheet nest_old.sheet\n"
            "      Show what has changed in a nest.\n"
@@ -299,8 +298,6 @@ class DiffCommand : public Command {
            "\n" +
            wrapped("Kinds", kindNames()) + "\n" + wrapped("Encodings", values::TextEncoding::names()) +
            "\n\n"
-=======
->>>>>>> e48e0f8379d05f79bd63afc43b42c75e94f48d3d
            "A or B may be a pipe. A file of more than " +
            std::to_string(explain::FileContent::kLargestMiB) +
            " MiB is not read.\n"
@@ -414,11 +411,7 @@ class DiffCommand : public Command {
     if (!compared.place.empty()) text += ", " + compared.place;
     if (!compared.part.empty()) text += ' ' + compared.part;
     const explain::FileReport& report = file.judgement.report;
-<<<<<<< HEAD
-    if (!report.fault && !report.endsExactly()) text += ", " + report.unread();
-=======
     if (!report.fault && report.walked < report.size) text += ", " + report.unread();
->>>>>>> e48e0f8379d05f79bd63afc43b42c75e94f48d3d
     return text + '\n';
   }
 
