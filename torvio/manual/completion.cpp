@@ -3,6 +3,8 @@
 #include <string_view>
 #include <vector>
 
+#include "torvio/manual/options.h"
+
 namespace torvio {
 namespace {
 
@@ -21,23 +23,11 @@ std::string joined(const std::vector<std::string>& words, std::string_view separ
   return text;
 }
 
-// "-o", "--output".
-std::vector<std::string> namesOf(const CLI::Option& option) {
-  std::vector<std::string> names;
-  for (const std::string& name : option.get_snames()) names.push_back("-" + name);
-  for (const std::string& name : option.get_lnames()) names.push_back("--" + name);
-  return names;
-}
-
-std::vector<const CLI::Option*> optionsOf(const CLI::App& app, bool positional) {
-  return app.get_options([=](const CLI::Option* option) { return option->get_positional() == positional; });
-}
-
 // ---- bash -----------------------------------------------------------------------------------------------
 
 std::vector<std::string> optionNames(const CLI::App& app) {
   std::vector<std::string> names;
-  for (const CLI::Option* option : optionsOf(app, false))
+  for (const CLI::Option* option : optionsOf(app))
     for (const std::string& name : namesOf(*option)) names.push_back(name);
   return names;
 }
@@ -52,10 +42,10 @@ std::string bashValues(const CLI::Option& option) {
 std::string bashCase(const CLI::App& command) {
   std::string text = "    " + command.get_name() + ")\n      options=" + shellWord(joined(optionNames(command), " "));
   text += "\n      arguments=";
-  const auto arguments = optionsOf(command, true);
+  const auto arguments = argumentsOf(command);
   text += arguments.empty() ? "NONE" : bashValues(*arguments.front());
   text += "\n      case $option in\n";
-  for (const CLI::Option* option : optionsOf(command, false))
+  for (const CLI::Option* option : optionsOf(command))
     if (option->get_type_size() > 0)
       text += "        " + joined(namesOf(*option), " | ") + ") values=" + bashValues(*option) + " ;;\n";
   return text + "      esac ;;\n";
@@ -182,7 +172,7 @@ std::string zshCompletion(const CommandLine& line) {
   text += kHead;
   text += "\n_torvio() {\n  local curcontext=$curcontext state\n  local -a line commands\n  typeset -A opt_args\n";
   text += "  _arguments -C";
-  for (const CLI::Option* option : optionsOf(line.tool(), false)) text += zshOption(*option);
+  for (const CLI::Option* option : optionsOf(line.tool())) text += zshOption(*option);
   text += " \\\n        '1:COMMAND:->command' \\\n        '*::ARGUMENT:->arguments' && return\n";
   text += "  case $state in\n    command)\n      commands=(";
   for (const CLI::App* command : line.commands())
@@ -190,8 +180,8 @@ std::string zshCompletion(const CommandLine& line) {
   text += ")\n      _describe -t commands command commands ;;\n    arguments)\n      case $words[1] in\n";
   for (const CLI::App* command : line.commands()) {
     text += "      " + command->get_name() + ")\n        _arguments -S";
-    for (const CLI::Option* option : optionsOf(*command, false)) text += zshOption(*option);
-    for (const CLI::Option* argument : optionsOf(*command, true)) text += zshArgument(*argument);
+    for (const CLI::Option* option : optionsOf(*command)) text += zshOption(*option);
+    for (const CLI::Option* argument : argumentsOf(*command)) text += zshArgument(*argument);
     text += " ;;\n";
   }
   return text + "      esac ;;\n  esac\n}\n\n_torvio \"$@\"\n";

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "torvio/cli/help_text.h"
+#include "torvio/manual/options.h"
 
 namespace torvio {
 namespace {
@@ -59,10 +60,6 @@ std::string upperCase(std::string text) {
 
 // ---- texts of a help ------------------------------------------------------------------------------------
 
-std::vector<const CLI::Option*> optionsOf(const CLI::App& app, bool positional) {
-  return app.get_options([=](const CLI::Option* option) { return option->get_positional() == positional; });
-}
-
 // The names of values: "FILE", "KIND=.EXT".
 std::vector<std::string> valueNames(const CLI::App& app) {
   std::vector<std::string> names;
@@ -114,32 +111,31 @@ std::string sectionsOf(const CLI::App& app, const std::string& title) {
 // ---- options --------------------------------------------------------------------------------------------
 
 // "\fB\-o\fR, \fB\-\-output\fR \fIOUT\fR".
-std::string namesOf(const CLI::Option& option) {
+std::string termFor(const CLI::Option& option) {
   std::string roff;
-  for (const std::string& name : option.get_snames()) roff += (roff.empty() ? "" : ", ") + bold("-" + name);
-  for (const std::string& name : option.get_lnames()) roff += (roff.empty() ? "" : ", ") + bold("--" + name);
+  for (const std::string& name : namesOf(option)) roff += (roff.empty() ? "" : ", ") + bold(name);
   return option.get_type_size() == 0 ? roff : roff + " " + italic(valueName(option));
 }
 
 std::string entry(const std::string& term, const std::string& text) { return ".TP\n" + line(term) + line(text); }
 
-std::string argumentsOf(const CLI::App& app) {
+std::string argumentEntries(const CLI::App& app) {
   std::string roff;
-  for (const CLI::Option* option : optionsOf(app, true))
+  for (const CLI::Option* option : argumentsOf(app))
     roff += entry(italic(valueName(*option)), marked(option->get_description(), valueNames(app)) + ".");
   return roff;
 }
 
-std::string optionsOf(const CLI::App& app) {
+std::string optionSection(const CLI::App& app) {
   std::string roff = section("OPTIONS");
-  for (const CLI::Option* option : optionsOf(app, false))
-    roff += entry(namesOf(*option), marked(option->get_description(), valueNames(app)) + ".");
+  for (const CLI::Option* option : optionsOf(app))
+    roff += entry(termFor(*option), marked(option->get_description(), valueNames(app)) + ".");
   return roff;
 }
 
 std::string synopsisOf(const CLI::App& app) {
   std::string roff = "[" + italic("OPTIONS") + "]";
-  for (const CLI::Option* option : optionsOf(app, true)) {
+  for (const CLI::Option* option : argumentsOf(app)) {
     const std::string dots = option->get_expected_max() > 1 ? "..." : "";
     const std::string value = italic(valueName(*option)) + dots;
     roff += option->get_required() ? " " + value : " [" + value + "]";
@@ -180,7 +176,7 @@ std::string toolPage(const CommandLine& tool) {
     pages.push_back(pageName(*command));
     roff += entry(bold(pages.back()) + "(1)", escaped(command->get_description()) + ".");
   }
-  roff += optionsOf(app) + section("EXIT STATUS") + sectionsOf(app, "Exit code");
+  roff += optionSection(app) + section("EXIT STATUS") + sectionsOf(app, "Exit code");
   return roff + seeAlso(pages);
 }
 
@@ -188,7 +184,7 @@ std::string commandPage(const CommandLine& tool, const CLI::App& command) {
   std::string roff = head(pageName(command), command.get_description());
   roff += line(bold("torvio " + command.get_name()) + " " + synopsisOf(command));
   roff += section("DESCRIPTION") + line(escaped(command.get_description()) + ".");
-  roff += argumentsOf(command) + sectionsOf(command, "") + optionsOf(command);
+  roff += argumentEntries(command) + sectionsOf(command, "") + optionSection(command);
   if (const std::string codes = sectionsOf(command, "Exit code"); !codes.empty())
     roff += section("EXIT STATUS") + codes;
   if (const std::string examples = sectionsOf(command, "Examples"); !examples.empty())
