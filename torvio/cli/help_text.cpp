@@ -24,8 +24,8 @@ std::string_view withoutBlanks(std::string_view text) {
 
 HelpPart entryIn(std::string_view line) {
   const std::size_t gap = line.find("  ");
-  if (gap == std::string_view::npos) return {std::string(line), "", false};
-  return {std::string(line.substr(0, gap)), std::string(withoutBlanks(line.substr(gap))), false};
+  if (gap == std::string_view::npos) return {std::string(line), ""};
+  return {std::string(line.substr(0, gap)), std::string(withoutBlanks(line.substr(gap)))};
 }
 
 void goOn(std::string& text, std::string_view line) {
@@ -92,7 +92,7 @@ std::vector<HelpSection> helpSections(const std::string& text) {
     } else if (isContinued && parts.back().term.empty() && !isListOfNames(line)) {
       goOn(parts.back().text, line);
     } else {
-      parts.push_back({"", line, true});
+      parts.push_back({"", line});
     }
     isAfterBlank = false;
   }

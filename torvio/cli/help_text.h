@@ -15,7 +15,6 @@ std::string inLines(const std::string& text, std::size_t width);
 struct HelpPart {
   std::string term;
   std::string text;  // on one line
-  bool isNewParagraph = true;
 };
 
 struct HelpSection {

@@ -89,11 +89,11 @@ std::string marked(const std::string& text, const std::vector<std::string>& valu
   return roff;
 }
 
-std::string partsIn(const std::vector<HelpPart>& parts, const std::vector<std::string>& values, bool isIndented) {
+std::string partsIn(const std::vector<HelpPart>& parts, const std::vector<std::string>& values) {
   std::string roff;
   for (const HelpPart& part : parts) {
     if (part.term.empty())
-      roff += (isIndented && &part == &parts.front() ? "" : ".PP\n") + line(marked(part.text, values));
+      roff += ".PP\n" + line(marked(part.text, values));
     else
       roff += ".TP\n" + line(bold(part.term)) + line(marked(part.text, values));
   }
@@ -104,7 +104,7 @@ std::string partsIn(const std::vector<HelpPart>& parts, const std::vector<std::s
 std::string sectionsOf(const CLI::App& app, const std::string& title) {
   std::string roff;
   for (const HelpSection& part : helpSections(app.get_footer()))
-    if (part.title == title) roff += partsIn(part.parts, valueNames(app), false);
+    if (part.title == title) roff += partsIn(part.parts, valueNames(app));
   return roff;
 }
 
@@ -168,7 +168,7 @@ std::string toolPage(const CommandLine& tool) {
   std::string roff = head(app.get_name(), app.get_description());
   roff += line(bold(app.get_name()) + " " + italic("COMMAND") + " [" + italic("OPTIONS") + "] [" + italic("ARGUMENT") +
                "...]");
-  roff += line(".br\n" + bold(app.get_name()) + " " + bold("--version") + " | " + bold("--help")).substr(2);
+  roff += ".br\n" + line(bold(app.get_name()) + " " + bold("--version") + " | " + bold("--help"));
   roff += section("DESCRIPTION") + line(escaped(app.get_description())) + sectionsOf(app, "");
   roff += section("COMMANDS");
   std::vector<std::string> pages;
