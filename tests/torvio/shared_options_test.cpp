@@ -90,6 +90,13 @@ TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {
   EXPECT_EQ(runShell(inFolder + " map --kind special-tool -- -odd").code, 0);
 }
 
+TEST_F(SharedOptions, VersionOfAnUnknownCommandIsAnError) {
+  const Outcome run = torvio("konvert a b --version 180");
+  EXPECT_EQ(run.code, 2);
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.errors.find("torvio: unknown command \"konvert\"\nCommands: check, "), 0U) << run.errors;
+}
+
 TEST_F(SharedOptions, HelpOfACommandIsPrintedByHelp) {
   EXPECT_EQ(torvio("help").output, torvio("--help").output);
   EXPECT_EQ(torvio("help check").output, torvio("check --help").output);

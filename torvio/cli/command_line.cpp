@@ -105,6 +105,8 @@ ExitCode CommandLine::run(int argc, char** argv) {
     print(app_.help());
     return kSound;
   } catch (const CLI::CallForVersion& version) {
+    // "torvio konvert a b --version 180" asks for something else.
+    if (!app_.remaining(true).empty()) return wrongArguments("");
     print(version.what() + std::string("\n"));
     return kSound;
   } catch (const CLI::ArgumentMismatch& error) {
