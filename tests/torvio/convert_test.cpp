@@ -1,6 +1,7 @@
 // Files in other versions: what is reported as lost is what differs, whatever is written loads completely, and nothing
 // is written that was not asked for.
 #include "torvio/convert/convert.h"
+#include "torvio/convert/recover.h"
 
 #include <gtest/gtest.h>
 
@@ -360,6 +361,18 @@ TEST(ConvertSheets, OnlyBlockIsKeptWhereTheVersionStoresAllOfIt) {
     ASSERT_TRUE(isSound(newer.bytes, FileKind::sheet));
     const Bytes older = Bytes::of(convert::convert(newer.bytes, FileKind::sheet, from, kAllowLoss).bytes);
     EXPECT_TRUE(older == file) << from;
+  }
+}
+
+TEST(ConvertSheets, OnlyBlockIsKeptByARecovery) {
+  for (const int version : {152, 161, 180}) {
+    const Bytes file = sheetWithBlocks(version, 1, 1);
+    const convert::Recovered recovered = convert::recover(Bytes(file).zeros(5).span(), FileKind::sheet);
+    EXPECT_TRUE(Bytes::of(recovered.bytes) == file) << version;
+    ASSERT_EQ(recovered.report.leftOut.size(), 1U);
+    EXPECT_EQ(recovered.report.leftOut[0].size, 5U);
+    const convert::Recovered cut = convert::recover(file.cut(file.size() - 300).span(), FileKind::sheet);
+    EXPECT_TRUE(isSound(cut.bytes, FileKind::sheet)) << version;
   }
 }
 

@@ -10,6 +10,7 @@
 
 #include "src/frame/text/text.h"
 #include "torvio/convert/complete_save.h"
+#include "torvio/convert/dropped.h"
 #include "torvio/convert/losses.h"
 #include "torvio/convert/member_path.h"
 #include "torvio/convert/read_fields.h"
@@ -126,7 +127,7 @@ std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
 // The part of a file before its first fault.
 class SoundPart {
  public:
-  SoundPart(std::span<const std::byte> bytes, FileKind kind) : bytes_(bytes) {
+  SoundPart(std::span<const std::byte> bytes, FileKind kind) : bytes_(bytes), dropped_(bytes) {
     const explain::FileReport report = explain::checkFile(bytes, kind);
     fault_ = firstFault(report);
     // Shapes are complete without the values that are stored apart from them.
@@ -138,6 +139,7 @@ class SoundPart {
     (void)explain::mapFile(bytes, kind, [&](const explain::MapLine& line) {
       if (line.size == 0) return;
       read_.see(line);
+      if (!elementAt_) dropped_.see(line);
       if (line.path == "machinePath") machinePath_ = line;
       if (fault_ && line.path == fault_->path) isRepeated_ = true;
       if (!broken_) return;
@@ -159,6 +161,8 @@ class SoundPart {
   // Where its first incomplete element begins.
   std::uint64_t end() const { return elementAt_.value_or(bytes_.size()); }
   const ReadFields& read() const { return read_; }
+  // What a load drops of that which is kept.
+  Dropped& dropped() { return dropped_; }
   // Whether there is anything beside the version.
   bool hasBody() const { return read_.count() > 1; }
   std::string_view machinePath() const {
@@ -188,6 +192,7 @@ class SoundPart {
   std::optional<Fault> fault_;
   std::optional<Broken> broken_;
   ReadFields read_;
+  Dropped dropped_;
   bool isRepeated_ = false;
   std::optional<std::uint64_t> storedCount_, elementAt_;
   explain::MapLine machinePath_;
@@ -280,11 +285,14 @@ class Defaults {
 };
 
 template <FileKind kKind>
-void recoverAs(std::span<const std::byte> bytes, const SoundPart& sound, const std::string& encoding, Recovered& to) {
+void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::string& encoding, Recovered& to) {
   const Type& type = values::typeOfRecord(kKind);
   Report& report = to.report;
   const auto loaded = values::loadRecord<kKind>(bytes);
   auto& record = *loaded.record;
+  Dropped& dropped = sound.dropped();
+  if constexpr (kKind == FileKind::sheet)
+    if (!record.blocks.empty()) dropped.forgetBlocks();  // reported as a list
   const std::optional<Broken>& broken = sound.broken();
   if (broken && broken->rows != nullptr) shortenRows(type, &record, *broken);
   settle(record, sound);
@@ -303,6 +311,13 @@ void recoverAs(std::span<const std::byte> bytes, const SoundPart& sound, const s
     to.error = "cannot be recovered: " + saved.error;
     return;
   }
+  if constexpr (kKind == FileKind::sheet)
+    if (auto kept = dropped.block().empty() ? std::nullopt
+                                            : withBlock(saved.bytes, dropped.block(), *loaded.version, report.to)) {
+      saved.bytes = std::move(*kept);
+      dropped.forgetBlocks();
+    }
+  dropped.addTo(report.leftOut);
   if (broken)
     report.shorter.push_back({broken->list, lengthOf(type, &record, *broken), sound.storedCount(), broken->inside});
 
@@ -363,7 +378,7 @@ Recovered recover(std::span<const std::byte> bytes, FileKind kind, const std::st
                            ": the new one has version " + std::to_string(report.to) + ".");
   report.fault = firstFault(file);
   const std::uint64_t end = report.fault ? report.fault->offset : file.walked;
-  const SoundPart sound(bytes.first(static_cast<std::size_t>(end)), kind);
+  SoundPart sound(bytes.first(static_cast<std::size_t>(end)), kind);
   if (sound.end() < bytes.size())
     report.leftOut.push_back({sound.end(), bytes.size() - sound.end(),
                               !report.fault       ? "unread bytes after the last field"
