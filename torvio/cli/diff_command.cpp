@@ -122,13 +122,15 @@ class TextPrinter {
     to.append(colour).append(isInA ? "- " : isInB ? "+ " : isMoved ? "> " : "~ ").append(line.path);
     if (*colour != '\0') to += colours_.none;
     to.append(width - std::min(width, line.path.size()) + 2, ' ');
+    if (isMoved) to += "moved  ";
+    if (one.isOwnName) {
+      appendValue(to, shortened(one.name), colour);
+      return;
+    }
     if (isInA) {
       appendValue(to, one.a, colours_.removed);
-    } else if (isInB) {
-      appendValue(to, one.b, colours_.added);
-    } else if (isMoved) {
-      to.append("moved");
-      if (one.name.empty()) to.append("  ").append(one.b);
+    } else if (isInB || isMoved) {
+      appendValue(to, one.b, colour);
     } else {
       one.notStoredIn == Side::a ? appendValue(to, notStoredInA_, colours_.faint)
                                  : appendValue(to, one.a, colours_.removed);
@@ -402,7 +404,7 @@ class DiffCommand : public Command {
     if (found.areSame) return text + (isDamaged ? "No differences in what could be read\n" : "No differences\n");
     text += countOf(found.differences, "difference");
     if (found.notStored > 0)
-      text += ", " + std::to_string(found.notStored) + " of them in members that the older version does not store";
+      text += ", " + std::to_string(found.notStored) + " of them in members that one of the versions does not store";
     return text + "\n";
   }
   static std::string lineFor(const std::string& name, const File& file, const compare::ComparedFile& compared) {

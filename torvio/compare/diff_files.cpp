@@ -203,9 +203,8 @@ class FileDiffer {
     if (parts.empty()) return "has no parts";
     constexpr std::size_t kMostNames = 10;
     const std::string& part = files_[side]->part;
-    std::string text =
-        part.empty() ? "none of its parts is called as the part file" : "none of its parts is called \"" + part + "\"";
-    text += "; it has ";
+    std::string text = "has no part " + (part.empty() ? "with the name of the part file" : "called \"" + part + "\"");
+    text += "; its parts are ";
     for (std::size_t i = 0; i < std::min(parts.size(), kMostNames); ++i)
       text.append(i == 0 ? "" : ", ").append(quoted(textOf(parts[i].partName)));
     if (parts.size() > kMostNames)

@@ -45,6 +45,7 @@ class Differ {
   const DifferenceSink& sink_;
   std::string pathInA_, pathInB_;
   std::string name_;  // as JSON
+  bool isOwnName_ = false;
   values::JsonValues json_;
   bool areSame_ = true, isStopped_ = false;
   // How many pairs of elements may still be compared for their similarity.

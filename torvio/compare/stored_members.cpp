@@ -1,6 +1,7 @@
 #include "torvio/compare/stored_members.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -286,10 +287,26 @@ StoredMembers::StoredMembers(frame::FileKind kind, int version) {
     if constexpr (decltype(file)::kKind == frame::FileKind::part) record->shapes.shapes.resize(1);
     Walker walker(version, paths_);
     walker.inRecord(*record, &values::typeOfRecord(kind), [&] { (void)file.walk(walker, *record); });
+    // What a layout keeps in a variable under another name until the record has been read.
+    if (has("machinePath")) paths_["machine.path"];
+    if (has("patterns.bindings")) nameBindings("patterns.");
+    if (has("partList.parts.patterns.bindings")) nameBindings("partList.parts.patterns.");
+    if (has("parts.patterns.bindings")) nameBindings("parts.patterns.");
     // The word that every file begins with.
     if constexpr (requires { record->version; }) paths_["version"];
     if constexpr (decltype(file)::kKind == frame::FileKind::specialTool) paths_["tool.fileVersion"];
   });
+}
+
+// The columns of a pattern, which files store row by row.
+void StoredMembers::nameBindings(const std::string& pattern) {
+  constexpr std::array<std::pair<const char*, const char*>, 5> kColumns{{{"first", "bindFirst"},
+                                                                         {"second", "bindSecond"},
+                                                                         {"third", "bindThird"},
+                                                                         {"fourth", "bindFourth"},
+                                                                         {"fifth", "bindFifth"}}};
+  for (const auto& [row, column] : kColumns)
+    if (has(pattern + "bindings." + row)) paths_[pattern + column];
 }
 
 bool StoredMembers::hasEntry(std::string_view path, std::size_t entry) const {

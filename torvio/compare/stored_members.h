@@ -27,6 +27,8 @@ class StoredMembers {
   bool hasEntry(std::string_view path, std::size_t entry) const;
 
  private:
+  void nameBindings(const std::string& pattern);
+
   Paths paths_;
 };
 
