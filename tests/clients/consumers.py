@@ -80,11 +80,16 @@ class Consumers:
             require(len(found) == 3, f"of the three expected files of libtorvio only these are installed: {found}")
         for file in [*self.prefix.rglob("*.cmake"), *self.prefix.rglob("*.pc")]:
             require(str(self.scratch) not in file.read_text(encoding="utf-8"), f"{file} contains the path of the installation")
+        if (self.prefix / "bin" / "torvio").exists():
+            for name in ("man/man1/torvio.1", "man/man1/torvio-check.1", "bash-completion/completions/torvio",
+                         "zsh/site-functions/_torvio"):
+                require((self.prefix / "share" / name).is_file(), f"share/{name} is not installed")
         for file in self.libraries():
             print(f"        {file.stat().st_size:9} bytes  {file.relative_to(self.prefix)}")
 
     def libraries(self):
-        return sorted(file for name in ("libOldTorvIO*", "libtorvio*", "torvio") for file in self.prefix.rglob(name)
+        return sorted(file for file in [*self.prefix.rglob("libOldTorvIO*"), *self.prefix.rglob("libtorvio*"),
+                                        *self.prefix.rglob("bin/torvio")]
                       if file.is_file() and not file.is_symlink())
 
     def library_folder(self):

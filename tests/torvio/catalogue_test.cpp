@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "src/sheet/sheet_io.h"
@@ -111,7 +112,7 @@ Bytes nest(const std::string& label = "NEST") {
 class Catalogues : public testing::Test {
  protected:
   Outcome check(const std::string& arguments = "") const {
-    return torvio("check " + files_.path() + " --ext sheet=.nst -o " + catalogue_ + " " + arguments);
+    return torvio("check " + files_.path() + " --ext sheet=.nst --catalogue " + catalogue_ + " " + arguments);
   }
   std::string value(const std::string& sql) const { return valueOf(catalogue_, sql); }
 
@@ -150,7 +151,8 @@ TEST_F(Catalogues, EveryKindAtEveryVersionIsEntered) {
     for (const int version : kind.versions) {
       const std::string name = kind.name + std::to_string(version) + ".x";
       files_.write(name, kind.file(version));
-      EXPECT_EQ(torvio("check --kind " + kind.name + " " + files_.path(name) + " -o " + catalogue_).code, 0) << name;
+      EXPECT_EQ(torvio("check --kind " + kind.name + " " + files_.path(name) + " --catalogue " + catalogue_).code, 0)
+          << name;
       ++count;
     }
   EXPECT_EQ(value("SELECT count(*) FROM file WHERE status = 0"), std::to_string(count));
@@ -246,9 +248,10 @@ TEST_F(Catalogues, OnePathHasOneRowHoweverItIsWritten) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   for (const std::string& path :
        {std::string("a.nst"), std::string("./a.nst"), std::string(".//./a.nst"), std::string(".")})
-    EXPECT_EQ(
-        runShell("cd " + files_.path() + " && " + tool + " check --ext sheet=.nst -o " + catalogue_ + " " + path).code,
-        0);
+    EXPECT_EQ(runShell("cd " + files_.path() + " && " + tool + " check --ext sheet=.nst --catalogue " + catalogue_ +
+                       " " + path)
+                  .code,
+              0);
   EXPECT_EQ(value("SELECT path, examined_in, seen_in FROM file"), files_.path("a.nst") + "|1|5");
 }
 
@@ -286,26 +289,26 @@ TEST_F(Catalogues, OtherFilesAreRefusedAndUnchanged) {
   ASSERT_EQ(sqlite3_exec(foreign, "CREATE TABLE t (x)", nullptr, nullptr, nullptr), SQLITE_OK);
   (void)sqlite3_close(foreign);
   const std::string later = other_.path("later.sqlite");
-  EXPECT_EQ(torvio("check " + input + " -o " + later).code, 0);
+  EXPECT_EQ(torvio("check " + input + " --catalogue " + later).code, 0);
   (void)rowsOf(later, "PRAGMA user_version = 2");
   for (const std::string& path : {tiny, sheet, database, later}) {
     const Bytes before = TempFolder::read(path);
-    const Outcome run = torvio("check " + input + " -o " + path);
+    const Outcome run = torvio("check " + input + " --catalogue " + path);
     EXPECT_EQ(run.code, 3) << path;
     EXPECT_EQ(run.output, "") << path;
     EXPECT_EQ(run.errors.find("torvio: " + path + ": "), 0U) << run.errors;
     EXPECT_EQ(TempFolder::read(path), before) << path;
   }
-  EXPECT_EQ(torvio("check " + input + " -o " + other_.path("none/c.sqlite")).code, 3);
+  EXPECT_EQ(torvio("check " + input + " --catalogue " + other_.path("none/c.sqlite")).code, 3);
   // An empty file, as mktemp leaves one.
-  EXPECT_EQ(torvio("check " + input + " -o " + other_.write("empty", {})).code, 0);
+  EXPECT_EQ(torvio("check " + input + " --catalogue " + other_.write("empty", {})).code, 0);
 }
 
 TEST_F(Catalogues, TheCatalogueItselfIsNotAFileOfTheFolder) {
   files_.write("a.nst", nest());
   const std::string inside = files_.path("c.sqlite");
   for (int run = 0; run < 2; ++run)
-    EXPECT_EQ(torvio("check " + files_.path() + " -o " + inside + " --ext sheet=.nst").output.find("c.sqlite"),
+    EXPECT_EQ(torvio("check " + files_.path() + " --catalogue " + inside + " --ext sheet=.nst").output.find("c.sqlite"),
               std::string::npos);
   EXPECT_EQ(valueOf(inside, "SELECT count(*) FROM file"), "1");
 }
@@ -321,7 +324,8 @@ TEST_F(Catalogues, KilledRunsLoseAndDoubleNothing) {
     if (i % 500 == 0) fs::create_directory(files_.path(folder));
     files_.write(folder + "/" + std::to_string(i) + ".nst", i % 7 == 0 ? cut : i % 11 == 0 ? full : sound);
   }
-  const std::string command = std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst -o ";
+  const std::string command =
+      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst --catalogue ";
   int interrupted = 0;
   std::string before = "0";
   for (int i = 1; i <= 12; ++i) {
@@ -349,11 +353,80 @@ TEST_F(Catalogues, KilledRunsLoseAndDoubleNothing) {
   EXPECT_EQ(contentsOf(catalogue_), contentsOf(complete));
 }
 
+// ---- two runs at a time --------------------------------------------------------------------------------
+
+TEST_F(Catalogues, TwoRunsAtATimeMakeOneCatalogue) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  constexpr int kFiles = 300;
+  for (int i = 0; i < kFiles; ++i) files_.write(std::to_string(i) + ".nst", nest());
+  const std::string command = std::string(TORVIO_COMMAND) + " check " + files_.path() +
+                              " --ext sheet=.nst --catalogue " + catalogue_ + " >/dev/null";
+  const Outcome both = runShell(command + " & " + command + "; other=$?; wait $! || exit 101; exit $other");
+  EXPECT_EQ(both.code, 0) << both.errors;
+  EXPECT_EQ(both.errors, "");
+  EXPECT_EQ(value("SELECT count(*) FROM file WHERE verdict = 'sound'"), std::to_string(kFiles));
+  EXPECT_EQ(value("SELECT count(*) FROM part"), std::to_string(2 * kFiles));
+  EXPECT_EQ(value("SELECT count(*) FROM run WHERE finished IS NOT NULL"), "2");
+  EXPECT_EQ(value("PRAGMA journal_mode"), "delete");
+  EXPECT_FALSE(fs::exists(catalogue_ + "-wal"));
+}
+
+// The earlier run enters a file that the later one has seen already.
+TEST_F(Catalogues, RunThatEndsLastKeepsWhatTheOtherHasWritten) {
+  namespace archive = oldtorvio::archive;
+  const std::string folder = files_.path();
+  archive::FileResult file;
+  file.verdict = archive::Verdict::sound;
+  file.size = file.report.size = 5;
+  file.modified = 7;
+  archive::FileResult again = file;
+  file.path = folder + "/new.nst";
+  again.path = folder + "/known.nst";
+  again.isKnown = true;
+  {
+    archive::Catalogue earlier(catalogue_, "s");
+    archive::Catalogue later(catalogue_, "s");
+    later.add(file);
+    archive::FileResult known = again;
+    known.isKnown = false;
+    later.add(known);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    later.add(file);  // writes all three
+    earlier.add(file);
+    earlier.add(again);
+    earlier.finish({});
+    later.finish({folder});
+  }
+  EXPECT_EQ(rowsOf(catalogue_, "SELECT path, seen_in FROM file ORDER BY path"),
+            (std::vector<std::string>{folder + "/known.nst|2", folder + "/new.nst|2"}));
+}
+
+TEST_F(Catalogues, LockOfAnotherProcessIsWaitedFor) {
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(catalogue_.c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  try {
+    const oldtorvio::archive::Catalogue refused(catalogue_, "", std::chrono::milliseconds(100));
+    ADD_FAILURE() << "opened";
+  } catch (const oldtorvio::archive::CatalogueError& error) {
+    EXPECT_EQ(error.what(), catalogue_ + ": is locked by another process");
+  }
+  files_.write("a.nst", nest());
+  std::thread release([other] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    (void)sqlite3_close(other);
+  });
+  const Outcome run = check();
+  release.join();
+  EXPECT_EQ(run.code, 0) << run.errors;
+  EXPECT_EQ(value("SELECT count(*) FROM file"), "1");
+}
+
 TEST_F(Catalogues, FullDiskIsAnError) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   for (int i = 0; i < 500; ++i) files_.write(std::to_string(i) + ".nst", nest());
   const std::string command =
-      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst -o " + catalogue_;
+      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst --catalogue " + catalogue_;
   // Files may have 64 blocks.
   const Outcome run = runShell("(trap '' XFSZ; ulimit -f 64; " + command + " >/dev/null)");
   EXPECT_EQ(run.code, 3);

@@ -521,7 +521,7 @@ TEST_F(ConvertCommand, InAndOutAreTwoFiles) {
   const Bytes before = TempFolder::read(in_);
   const Outcome same = convert(in_ + " --version 180");
   EXPECT_EQ(same.code, 2);
-  EXPECT_EQ(same.errors, "torvio: " + in_ + ": is the file itself; choose a new name\n");
+  EXPECT_EQ(same.errors.find("torvio: convert: \"" + in_ + "\" is both a file to read and the output\n"), 0U);
   if (kIsPosix) {
     std::filesystem::create_hard_link(in_, out_);
     EXPECT_EQ(convert(out_ + " --version 180").code, 2);

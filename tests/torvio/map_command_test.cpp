@@ -388,12 +388,27 @@ TEST_F(MapCommand, PagesAreWrittenToAFileButNotOverTheShownOne) {
 
   const Bytes before = TempFolder::read(part_);
   const Outcome over = torvio("map --html -o " + part_ + " " + part_);
-  EXPECT_EQ(over.code, 3);
-  EXPECT_EQ(over.errors, "torvio: " + part_ + ": is the file that is shown\n");
+  EXPECT_EQ(over.code, 2);
+  EXPECT_EQ(over.errors.find("torvio: map: \"" + part_ + "\" is both a file to read and the output\n"), 0U);
   EXPECT_EQ(asText(TempFolder::read(part_)), asText(before));
   const Outcome nowhere = torvio("map --html -o " + folder_.path("no/where") + " " + part_);
   EXPECT_EQ(nowhere.code, 3);
   EXPECT_NE(nowhere.errors.find("cannot be created"), std::string::npos);
+}
+
+TEST_F(MapCommand, EveryFormOfAMapIsWrittenToAFile) {
+  for (const std::string form : {"", "--json ", "--find version ", "--html "}) {
+    const std::string out = folder_.path("out");
+    const Outcome run = torvio("map " + form + "-o " + out + " " + part_);
+    EXPECT_EQ(run.code, 0) << form;
+    EXPECT_EQ(run.output + run.errors, "") << form;
+    EXPECT_EQ(asText(TempFolder::read(out)), torvio("map " + form + part_).output) << form;
+  }
+  const std::string page = folder_.path("implied.html");
+  EXPECT_EQ(torvio("map " + part_ + " -o " + page).code, 0);
+  EXPECT_EQ(asText(TempFolder::read(page)), torvio("map --html " + part_).output);
+  EXPECT_EQ(torvio("map --json " + part_ + " -o " + page).code, 0);
+  EXPECT_EQ(asText(TempFolder::read(page)), torvio("map --json " + part_).output);
 }
 
 TEST_F(MapCommand, PagesHaveALimit) {
@@ -411,7 +426,6 @@ TEST_F(MapCommand, OptionsThatContradictEachOtherAreRefused) {
   } cases[] = {{"--json --html ", "--json excludes --html"},
                {"--find x --html ", "--find excludes --html"},
                {"--offset 1 --html ", "--offset excludes --html"},
-               {"-o x ", "--output requires --html"},
                {"--find a..b ", "\"a..b\" is no field: a name is missing"},
                {"--offset x ", "\"x\" is no offset and no range of offsets"},
                {"--encoding utf9 ", "unknown encoding \"utf9\""}};

@@ -29,7 +29,7 @@ using namespace oldtorvio;
 using archive::FileResult;
 using archive::Verdict;
 
-// ---- names of verdicts and hints ----------------------------------------------------------------------
+// ---- names of verdicts --------------------------------------------------------------------------------
 
 // As an argument: "sound-with-losses".
 std::string argumentOf(Verdict verdict) {
@@ -42,26 +42,6 @@ std::vector<std::string> verdictArguments() {
   std::vector<std::string> names;
   for (int i = 0; i < archive::kVerdicts; ++i) names.push_back(argumentOf(static_cast<Verdict>(i)));
   return names;
-}
-
-// "sheet=.nst".
-std::optional<archive::ExtensionHint> hintIn(const std::string& argument) {
-  const std::size_t equals = argument.find('=');
-  if (equals == std::string::npos || equals + 1 == argument.size()) return std::nullopt;
-  const auto kind = kindNamed(argument.substr(0, equals));
-  if (!kind) return std::nullopt;
-  const std::string extension = argument.substr(equals + 1);
-  if (extension == ".") return std::nullopt;
-  return archive::ExtensionHint{extension.front() == '.' ? extension : "." + extension, *kind};
-}
-
-CLI::Validator isHint() {
-  return {[](std::string& argument) {
-            return hintIn(argument) ? std::string()
-                                    : "--ext requires a kind and an extension such as sheet=.nst, not " +
-                                          inQuotes(argument) + "\n" + wrapped("Kinds", kindNames());
-          },
-          ""};
 }
 
 // ---- one line for a file ------------------------------------------------------------------------------
@@ -236,15 +216,11 @@ class CheckCommand : public Command {
     CLI::App* command = tool.add_subcommand("check", "Judge files and folders: a line for each file");
     addFiles(*command, "PATH", paths_, "Files, and folders with all that is in them");
     addFile(*command, "--files-from", list_,
-            "Also check the files that FILE lists, one a line; - is the\nstandard input")
+            "Also check the files that FILE lists, one a line; - is the standard input")
         ->type_name("FILE");
     command->add_flag("--null", isNullSeparated_, "With --files-from: names end with NUL, not with a line")
         ->needs("--files-from");
-    addKind(*command, kind_);
-    command->add_option("--ext", hints_, "Files of this extension are of this kind, as in sheet=.nst")
-        ->type_name("KIND=.EXT")
-        ->allow_extra_args(false)
-        ->check(isHint());
+    addJudging(*command, judge_);
     command->add_option("--only", only_, "Print only files with this verdict; may be repeated")
         ->type_name("VERDICT")
         ->allow_extra_args(false)
@@ -252,13 +228,11 @@ class CheckCommand : public Command {
     command->add_flag("--json", isJson_, "Print a JSON object for each file, one a line");
     CLI::Option* const summary = command->add_flag("--summary", isSummaryWanted_, "Print totals at the end");
     command->add_flag("--no-summary", isSummaryUnwanted_, "Print no totals")->excludes(summary);
-    addFile(*command, "-o,--catalogue", catalogue_,
-            "Keep the result in this SQLite database. A later run\nreads only files that have changed")
-        ->type_name("FILE");
-    command->add_option("--encoding", encoding_, "Code page of texts in the catalogue (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    addFile(*command, "--catalogue", catalogue_,
+            "Keep the result in this SQLite database. A later run reads only files that have changed")
+        ->type_name("FILE")
+        ->take_last();
+    addEncoding(*command, encoding_);
     command->add_option("--jobs", jobs_, "Number of threads, by default one for each processor")
         ->type_name("N")
         ->take_last()
@@ -269,8 +243,7 @@ class CheckCommand : public Command {
 
   ExitCode run() override {
     if (paths_.empty() && list_.empty()) {
-      printError("check: PATH is required\nTry \"torvio check --help\".");
-      return kUsageError;
+      return usageError("check", "PATH is required");
     }
     ListFile list(list_);
     if (!list.error().empty()) {
@@ -308,9 +281,10 @@ class CheckCommand : public Command {
   };
 
   static std::string help() {
-    return wrapped("Kinds", kindNames()) + "\n" + wrapped("Verdicts", verdictArguments()) + "\n" +
-           wrapped("Encodings", values::TextEncoding::names()) +
-           "\n\n"
+    return "A line has the verdict, kind, version, the status that a load returns, the bytes\n"
+           "that it reads, where a damaged file breaks, and warnings of what a sound\n"
+           "structure does not show.\n"
+           "\n"
            "In a folder, links to folders, pipes and devices are passed over; links to\n"
            "files are not. A PATH may be a pipe. A file of more than " +
            std::to_string(explain::FileContent::kLargestMiB) +
@@ -319,6 +293,20 @@ class CheckCommand : public Command {
            "\n"
            "Totals are printed by default if standard output is a terminal and there are\n"
            "several files. They and the exit code include files that --only hides.\n"
+           "--encoding is for texts in the catalogue.\n"
+           "\n" +
+           wrapped("Kinds", kindNames()) + "\n" + wrapped("Verdicts", verdictArguments()) + "\n" +
+           wrapped("Encodings", values::TextEncoding::names()) +
+           "\n\n"
+           "Examples:\n"
+           "  torvio check nest.sheet\n"
+           "      Judge one file.\n"
+           "  torvio check --only damaged --only refused-version /archive\n"
+           "      List what cannot be loaded in a folder and all folders in it.\n"
+           "  torvio check /archive --ext sheet=.nst --catalogue archive.sqlite\n"
+           "      Keep the result in a database; all files .nst are sheets.\n"
+           "  find . -name '*.spt' -print0 | torvio check --null --files-from -\n"
+           "      Judge the files that another command finds.\n"
            "\n"
            "Exit code:\n"
            "  0  every file is sound, perhaps with losses; a foreign file in a folder does\n"
@@ -331,10 +319,8 @@ class CheckCommand : public Command {
 
   archive::ScanOptions scanOptions() const {
     archive::ScanOptions options;
-    options.judge.kind = kind_;
-    for (const std::string& hint : hints_)
-      if (auto parsed = hintIn(unmarked(hint))) options.judge.extensions.push_back(std::move(*parsed));
-    options.encoding = values::TextEncoding::named(encoding_).value_or(values::TextEncoding());
+    options.judge = judge_;
+    options.encoding = encodingNamed(encoding_);
     options.withFacts = !catalogue_.empty();
     // A single file needs no thread.
     std::error_code error;
@@ -346,8 +332,9 @@ class CheckCommand : public Command {
   // What decides about a verdict and the rows of a file, apart from the file.
   std::string settings() const {
     std::string text = "torvio " TORVIO_VERSION "; encoding " + encoding_;
-    if (kind_) text.append("; kind ").append(frame::infoOf(*kind_).name);
-    for (const std::string& hint : hints_) text += "; ext " + unmarked(hint);
+    if (judge_.kind) text.append("; kind ").append(frame::infoOf(*judge_.kind).name);
+    for (const archive::ExtensionHint& hint : judge_.extensions)
+      text.append("; ext ").append(frame::infoOf(hint.kind).name).append("=").append(hint.extension);
     return text;
   }
 
@@ -371,14 +358,12 @@ class CheckCommand : public Command {
     archive::scan(names, options, [&](FileResult& result) {
       totals.add(result);
       worst = std::max(worst, codeOf(result));
-      if (result.isFolder)
-        unreadFolders.push_back(archive::cataloguePath(result.path));
-      else if (catalogue)
-        catalogue->add(result);
+      if (result.isFolder) unreadFolders.push_back(archive::cataloguePath(result.path));
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
         print(isJson_ ? archive::resultJson(result) : lineFor(result));
       }
+      if (catalogue && !result.isFolder) catalogue->add(std::move(result));
       progress.count();
     });
     progress.clear();
@@ -412,13 +397,12 @@ class CheckCommand : public Command {
   std::vector<std::string> paths_;
   std::string list_;
   bool isNullSeparated_ = false;
-  std::optional<frame::FileKind> kind_;
-  std::vector<std::string> hints_;
+  archive::JudgeOptions judge_;
   std::vector<std::string> only_;
   bool isJson_ = false;
   bool isSummaryWanted_ = false, isSummaryUnwanted_ = false;
   std::string catalogue_;
-  std::string encoding_ = "cp1252";
+  std::string encoding_{values::kDefaultEncoding};
   unsigned jobs_ = 0;
 };
 

@@ -3,13 +3,42 @@
 #include <algorithm>
 
 #include "torvio/cli/commands.h"
+#include "torvio/cli/help_text.h"
 #include "torvio/cli/output.h"
 #include "torvio/explain/file_content.h"
 
 namespace torvio {
 namespace {
 
-constexpr std::size_t kHelpWidth = 80;
+// Marks of values in the descriptions of validators, which CLI11 appends to the name of a value after ":".
+constexpr const char* kFileMark = "FILE";
+std::string listMark(const std::vector<std::string>& values) {
+  std::string text = "{";
+  for (const std::string& value : values) text += (text.size() > 1 ? "," : "") + value;
+  return text + "}";
+}
+
+// "sheet=.nst".
+std::optional<oldtorvio::archive::ExtensionHint> hintIn(const std::string& argument) {
+  const std::size_t equals = argument.find('=');
+  if (equals == std::string::npos || equals + 1 == argument.size()) return std::nullopt;
+  const auto kind = kindNamed(argument.substr(0, equals));
+  if (!kind) return std::nullopt;
+  const std::string extension = argument.substr(equals + 1);
+  if (extension == ".") return std::nullopt;
+  return oldtorvio::archive::ExtensionHint{extension.front() == '.' ? extension : "." + extension, *kind};
+}
+
+CLI::Validator isHint() {
+  std::vector<std::string> beginnings = kindNames();
+  for (std::string& kind : beginnings) kind += "=.";
+  return {[](std::string& argument) {
+            return hintIn(argument) ? std::string()
+                                    : "--ext requires a kind and an extension such as sheet=.nst, not " +
+                                          inQuotes(argument) + "\n" + wrapped("Kinds", kindNames());
+          },
+          listMark(beginnings)};
+}
 
 constexpr char kMark = '\1';
 bool isMisread(const std::string& argument) {
@@ -20,17 +49,17 @@ bool isMisread(const std::string& argument) {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> all;
-  all.push_back(makeMapCommand());
   all.push_back(makeCheckCommand());
   all.push_back(makeInfoCommand());
-  all.push_back(makeDiffCommand());
+  all.push_back(makeMapCommand());
   all.push_back(makeDrawCommand());
-  all.push_back(makeFormatCommand());
+  all.push_back(makeDiffCommand());
   all.push_back(makeJsonCommand());
   all.push_back(makeFromJsonCommand());
-  all.push_back(makeSchemaCommand());
   all.push_back(makeConvertCommand());
   all.push_back(makeRecoverCommand());
+  all.push_back(makeFormatCommand());
+  all.push_back(makeSchemaCommand());
   return all;
 }
 
@@ -40,11 +69,11 @@ std::string unmarked(const std::string& argument) {
 }
 
 CLI::Option* addFile(CLI::App& command, const std::string& name, std::string& file, const std::string& help) {
-  return command.add_option(name, file, help)->transform(unmarked);
+  return command.add_option(name, file, help)->transform(unmarked, kFileMark);
 }
 CLI::Option* addFiles(CLI::App& command, const std::string& name, std::vector<std::string>& files,
                       const std::string& help) {
-  return command.add_option(name, files, help)->transform(unmarked);
+  return command.add_option(name, files, help)->transform(unmarked, kFileMark);
 }
 
 CLI::Option* addKind(CLI::App& command, std::optional<oldtorvio::frame::FileKind>& kind) {
@@ -57,12 +86,44 @@ CLI::Option* addKind(CLI::App& command, std::optional<oldtorvio::frame::FileKind
       ->check(oneOf(kindNames(), "kind", "Kinds"));
 }
 
+void addJudging(CLI::App& command, oldtorvio::archive::JudgeOptions& options) {
+  addKind(command, options.kind);
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--ext",
+          [&options](const std::vector<std::string>& hints) {
+            for (const std::string& hint : hints)
+              if (auto parsed = hintIn(hint)) options.extensions.push_back(std::move(*parsed));
+          },
+          "Files of this extension are of this kind, as in sheet=.nst; may be repeated")
+      ->type_name("KIND=.EXT")
+      ->allow_extra_args(false)
+      ->check(isHint());
+}
+
+CLI::Option* addEncoding(CLI::App& command, std::string& name) {
+  return command.add_option("--encoding", name, "Code page of the texts in the files (cp1252)")
+      ->type_name("NAME")
+      ->take_last()
+      ->check(oneOf(oldtorvio::values::TextEncoding::names(), "encoding", "Encodings"));
+}
+
+oldtorvio::values::TextEncoding encodingNamed(const std::string& name) {
+  return oldtorvio::values::TextEncoding::named(name).value_or(oldtorvio::values::TextEncoding());
+}
+
+CLI::Option* addOutput(CLI::App& command, std::string& output) {
+  return addFile(command, "-o,--output", output, "Write to this file instead of standard output")
+      ->type_name("OUT")
+      ->take_last();
+}
+
 CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all) {
   return {[=](std::string& name) {
             const bool isKnown = std::find(names.begin(), names.end(), name) != names.end();
             return isKnown ? std::string() : "unknown " + one + " " + inQuotes(name) + "\n" + wrapped(all, names);
           },
-          ""};
+          listMark(names)};
 }
 
 std::string wrapped(const std::string& caption, const std::vector<std::string>& names) {
@@ -80,6 +141,51 @@ std::string wrapped(const std::string& caption, const std::vector<std::string>& 
 
 std::string inQuotes(const std::string& argument) { return '"' + onOneLine(unmarked(argument)) + '"'; }
 
+std::string valueName(const CLI::Option& option) {
+  const std::string name = option.get_positional() ? option.get_name(true) : option.get_type_name();
+  return name.substr(0, name.find(':'));
+}
+
+std::vector<std::string> acceptedValues(const CLI::Option& option) {
+  const std::string type = option.get_type_name();
+  const std::size_t open = type.find(":{");
+  if (open == std::string::npos) return {};
+  std::vector<std::string> values(1);
+  for (std::size_t i = open + 2; i < type.size() && type[i] != '}'; ++i)
+    type[i] == ',' ? void(values.emplace_back()) : values.back().push_back(type[i]);
+  return values;
+}
+
+bool takesFile(const CLI::Option& option) { return option.get_type_name().ends_with(std::string(":") + kFileMark); }
+
+ExitCode writeOutput(const std::string& output, const std::function<ExitCode(OutputText&)>& write) {
+  try {
+    OutputText text(output);
+    const ExitCode code = write(text);
+    text.commit();
+    return code;
+  } catch (const OutputError& error) {
+    if (output.empty() || output == "-") throw;
+    printError(onOneLine(output) + ": " + error.what());
+    return kNotReadOrWritten;
+  }
+}
+
+bool isPageName(const std::string& output) { return output.ends_with(".html") || output.ends_with(".htm"); }
+
+bool isInputToo(const std::string& command, const std::string& output, const std::vector<std::string>& inputs) {
+  if (output.empty() || output == "-") return false;
+  if (std::none_of(inputs.begin(), inputs.end(), [&](const std::string& input) { return isSameFile(input, output); }))
+    return false;
+  (void)usageError(command, inQuotes(output) + " is both a file to read and the output");
+  return true;
+}
+
+ExitCode usageError(const std::string& command, const std::string& error) {
+  printError(command + ": " + error + "\nTry \"torvio " + command + " --help\".");
+  return kUsageError;
+}
+
 const char* const kExitCodes =
     "Exit code:\n"
     "  0  every file is sound\n"
@@ -88,8 +194,14 @@ const char* const kExitCodes =
     "  3  a file could not be read, or the output could not be written\n"
     "With several files, the highest code is returned.";
 
+const char* const kExitCodesWithoutFiles =
+    "Exit code:\n"
+    "  0  all is well\n"
+    "  2  the command line is wrong\n"
+    "  3  the output could not be written";
+
 std::string fileHelp() {
-  return wrapped("Kinds", kindNames()) + "\n\nA FILE may be a pipe. A file of more than " +
+  return wrapped("Kinds", kindNames()) + "\n\nA FILE may be a pipe, such as /dev/stdin. A file of more than\n" +
          std::to_string(oldtorvio::explain::FileContent::kLargestMiB) +
          " MiB is not read.\nArguments after \"--\" are files, even if they begin with \"-\".\n\n" + kExitCodes;
 }

@@ -1,12 +1,16 @@
 // The commands of torvio: each registers itself with its arguments and runs.
 #pragma once
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "torvio/archive/verdict.h"
+#include "torvio/cli/output_file.h"
 #include "torvio/explain/kind_names.h"
+#include "torvio/values/text_encoding.h"
 
 namespace torvio {
 
@@ -47,6 +51,14 @@ std::string unmarked(const std::string& argument);
 
 // The option --kind. The kind is set by the time that the command runs.
 CLI::Option* addKind(CLI::App& command, std::optional<oldtorvio::frame::FileKind>& kind);
+// The options --kind and --ext, which say what files are.
+void addJudging(CLI::App& command, oldtorvio::archive::JudgeOptions& options);
+// The option --encoding. The name is one of TextEncoding::names(), and unchanged without the option.
+CLI::Option* addEncoding(CLI::App& command, std::string& name);
+// The encoding of that name, or the default one for an empty name.
+oldtorvio::values::TextEncoding encodingNamed(const std::string& name);
+// The option --output, see writeOutput().
+CLI::Option* addOutput(CLI::App& command, std::string& output);
 
 // Refuses any other value, and lists those that are accepted: "unknown kind "x"", then "Kinds: part, ...".
 CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all);
@@ -58,8 +70,31 @@ std::string inQuotes(const std::string& argument);
 using oldtorvio::explain::kindNamed;
 using oldtorvio::explain::kindNames;
 
-// Ends of help texts: the exit codes; those and what may be read.
+// ---- what a value may be, for help and completion -------------------------------------------------------
+
+// Its name in help: "KIND", "FILE".
+std::string valueName(const CLI::Option& option);
+// The accepted values; those that end in "=." go on. Empty if there is no list of them.
+std::vector<std::string> acceptedValues(const CLI::Option& option);
+// Whether the value is the name of a file.
+bool takesFile(const CLI::Option& option);
+
+// ---- what commands share when they run --------------------------------------------------------------------
+
+// Calls write() with the place that --output names, standard output for "" and "-", and completes the file. Returns the
+// code of write(). If a file cannot be written, prints why. Throws OutputError for standard output.
+ExitCode writeOutput(const std::string& output, const std::function<ExitCode(OutputText&)>& write);
+// Whether an output of that name is an HTML page.
+bool isPageName(const std::string& output);
+// Whether the output is one of the files that are read. Then prints that it is, as an error of that command.
+bool isInputToo(const std::string& command, const std::string& output, const std::vector<std::string>& inputs);
+// Prints an error of the command line, found when a command runs.
+ExitCode usageError(const std::string& command, const std::string& error);
+
+// Ends of help texts: the exit codes; those of a command that reads no file; the kinds, what may be read, and the exit
+// codes. "Exit code:" and "Examples:" begin lists, and blank lines separate paragraphs: see help_text.h.
 extern const char* const kExitCodes;
+extern const char* const kExitCodesWithoutFiles;
 std::string fileHelp();
 
 }  // namespace torvio

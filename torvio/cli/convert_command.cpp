@@ -29,7 +29,12 @@ class ConvertCommand : public NewFileCommand {
         "are left out. In the same version, the new file is a clean copy: it has all that\n"
         "a load reads, and no other bytes.\n\n"
         "A sheet that a save below version 152 has ruined is fixed. Any other damaged file\n"
-        "is refused: see \"torvio recover\".\n\n" +
+        "is refused: see \"torvio recover\".\n\n"
+        "Examples:\n"
+        "  torvio convert old.sheet new.sheet --version 180\n"
+        "      Save an old nest in the newest version.\n"
+        "  torvio convert --dry-run nest.sheet --version 112\n"
+        "      Only say what an older version would lose.\n\n" +
         newFileHelp() +
         "\n\nExit code:\n"
         "  0  the new file was written, or would be\n"

@@ -168,12 +168,12 @@ class DiffCommand : public Command {
     CLI::App* command = tool.add_subcommand("diff", "Show where two files differ, member by member");
     addFile(*command, "A", files_[0].path, "A file")->required();
     addFile(*command, "B", files_[1].path, "The file to compare it with")->required();
-    addKindOption(*command, "--kind", "Read both as this kind of file instead of detecting the\nkind", true, true);
-    addKindOption(*command, "--kind-a", "Read A as this kind of file", true, false);
-    addKindOption(*command, "--kind-b", "Read B as this kind of file", false, true);
+    addJudging(*command, judge_);
+    addKindOption(*command, "--kind-a", "Read A as this kind of file", files_[0]);
+    addKindOption(*command, "--kind-b", "Read B as this kind of file", files_[1]);
     command
         ->add_option("--part", part_,
-                     "Compare this part of a sheet or group part file, by its\nname or its position, from 0")
+                     "Compare this part of a sheet or group part file, by its name or its position, from 0")
         ->type_name("PART")
         ->take_last();
     command->add_option("--tolerance", options_.tolerance, "Real numbers that differ by no more are the same")
@@ -181,8 +181,8 @@ class DiffCommand : public Command {
         ->take_last()
         ->check(isTolerance());
     command->add_flag("--common", options_.commonOnly,
-                      "Leave out the version and members that the version of\none of the files does not store");
-    addEncoding(*command);
+                      "Leave out the version and members that the version of one of the files does not store");
+    addEncoding(*command, options_.encoding);
     command->add_option("--limit", limit_, "Print no more than N differences, and count the rest")
         ->type_name("N")
         ->take_last()
@@ -210,24 +210,13 @@ class DiffCommand : public Command {
     archive::Judgement judgement;
   };
 
-  void addKindOption(CLI::App& command, const std::string& name, const std::string& help, bool ofA, bool ofB) {
+  static void addKindOption(CLI::App& command, const std::string& name, const std::string& help, File& file) {
     command
         .add_option_function<std::string>(
-            name,
-            [this, ofA, ofB](const std::string& kind) {
-              if (ofA) files_[0].wanted = kindNamed(kind);
-              if (ofB) files_[1].wanted = kindNamed(kind);
-            },
-            help)
+            name, [&file](const std::string& kind) { file.wanted = kindNamed(kind); }, help)
         ->type_name("KIND")
         ->take_last()
         ->check(oneOf(kindNames(), "kind", "Kinds"));
-  }
-  void addEncoding(CLI::App& command) {
-    command.add_option("--encoding", options_.encoding, "The code page of the texts; without it " + options_.encoding)
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
   }
   static CLI::Validator isTolerance() {
     return {[](std::string& text) {
@@ -241,9 +230,7 @@ class DiffCommand : public Command {
   }
 
   static std::string help() {
-    return wrapped("Kinds", kindNames()) + "\n" + wrapped("Encodings", values::TextEncoding::names()) +
-           "\n\n"
-           "What is compared are the records that the files hold, so that bytes which no\n"
+    return "What is compared are the records that the files hold, so that bytes which no\n"
            "load reads do not count. Elements of lists are matched first: parts and other\n"
            "records with a name by that, the rest by what they hold.\n"
            "\n"
@@ -267,6 +254,16 @@ class DiffCommand : public Command {
            "has one, and notStoredIn (a or b). The last line has a member summary instead,\n"
            "with same, differences, printed and notStored, and what is said of each file.\n"
            "\n"
+           "Examples:\n"
+           "  torvio diff nest.sheet nest_old.sheet\n"
+           "      Show what has changed in a nest.\n"
+           "  torvio diff --quiet a.part b.part && echo same\n"
+           "      Ask only whether two parts are the same.\n"
+           "  torvio diff plate.part nest.sheet --part PLATE\n"
+           "      Compare a part with its copy in a nest.\n"
+           "\n" +
+           wrapped("Kinds", kindNames()) + "\n" + wrapped("Encodings", values::TextEncoding::names()) +
+           "\n\n"
            "A or B may be a pipe. A file of more than " +
            std::to_string(explain::FileContent::kLargestMiB) +
            " MiB is not read.\n"
@@ -281,13 +278,15 @@ class DiffCommand : public Command {
   }
 
   // Says why there is nothing to compare.
-  static bool read(File& file) {
+  bool read(File& file) const {
     file.content = std::make_unique<explain::FileContent>(file.path);
     if (!file.content->error().empty()) {
       printError(onOneLine(file.path) + ": " + file.content->error());
       return false;
     }
-    file.judgement = archive::judge(file.path, file.content->bytes(), {file.wanted, {}});
+    archive::JudgeOptions options = judge_;
+    if (file.wanted) options.kind = file.wanted;
+    file.judgement = archive::judge(file.path, file.content->bytes(), options);
     if (!file.judgement.kind) {
       const explain::FileReport report =
           explain::mapFile(file.content->bytes(), std::nullopt, [](const explain::MapLine&) {});
@@ -389,6 +388,7 @@ class DiffCommand : public Command {
   }
 
   File files_[2];
+  archive::JudgeOptions judge_;
   std::string part_;
   compare::DiffOptions options_;
   std::optional<std::int64_t> limit_;

@@ -18,8 +18,6 @@ namespace {
 
 using namespace oldtorvio;
 
-bool isPageName(const std::string& path) { return path.ends_with(".html") || path.ends_with(".htm"); }
-
 struct Drawn {
   draw::Card card;
   std::string error;  // what is printed about the file; empty if all of it is drawn
@@ -32,69 +30,54 @@ class DrawCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("draw", "Draw a sheet, part, group part or machine to scale, as SVG");
     addFiles(*command, "FILE", files_, "The files; several only with --html")->required();
-    addFile(*command, "-o,--output", output_, "Write to this file instead of standard output")->type_name("OUT");
+    addOutput(*command, output_);
     command->add_flag("--html", isPage_, "Write an HTML page with the pictures of all files");
-    addKind(*command, judge_.kind);
-    command
-        ->add_option_function<std::string>(
-            "--encoding", [this](const std::string& name) { encoding_ = *values::TextEncoding::named(name); },
-            "The code page of the texts in the files (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    addJudging(*command, judge_);
+    addEncoding(*command, encoding_);
     command->footer(
-        "OUT is replaced only by a complete picture; an OUT that ends in \".html\" implies --html.\nOf a damaged file, "
-        "what can be read is drawn. What the files do not say is named\nin the picture as an assumption.\n\n" +
-        fileHelp());
+        "OUT is replaced only by a complete picture. An OUT that ends in \".html\" implies\n--html. Of a damaged file, "
+        "what can be read is drawn. What the files do not say\nis named in the picture as an assumption.\n\n"
+        "Examples:\n"
+        "  torvio draw nest.sheet -o nest.svg\n"
+        "      Draw a nest with its parts, clamps and tools.\n"
+        "  torvio draw *.sheet -o nests.html\n"
+        "      Make a page with a picture of each nest.\n\n" +
+        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
     return command;
   }
 
   ExitCode run() override {
     const bool isPage = isPage_ || isPageName(output_);
-    if (!isPage && files_.size() > 1) return wrong("several files need --html");
-    const bool isFile = !output_.empty() && output_ != "-";
-    for (const std::string& file : files_)
-      if (isFile && isSameFile(file, output_))
-        return wrong(inQuotes(output_) + " is both a file to draw and the output");
-    try {
-      return isPage ? writePage() : writePicture();
-    } catch (const OutputError& error) {
-      if (!isFile) throw;
-      printError(onOneLine(output_) + ": " + error.what());
-      return kNotReadOrWritten;
-    }
+    if (!isPage && files_.size() > 1) return usageError("draw", "several files need --html");
+    if (isInputToo("draw", output_, files_)) return kUsageError;
+    return isPage ? writePage() : writePicture();
   }
 
  private:
-  static ExitCode wrong(const std::string& error) {
-    printError("draw: " + error + "\nTry \"torvio draw --help\".");
-    return kUsageError;
-  }
-
   ExitCode writePicture() const {
     const Drawn drawn = drawFile(files_.front(), 0, false);
     if (!drawn.error.empty()) printError(onOneLine(files_.front()) + ": " + drawn.error);
     if (drawn.card.svg.empty()) return drawn.code;
-    OutputText output(output_);
-    output.write(drawn.card.svg);
-    output.commit();
-    return drawn.code;
+    return writeOutput(output_, [&](OutputText& output) {
+      output.write(drawn.card.svg);
+      return drawn.code;
+    });
   }
 
   ExitCode writePage() const {
-    OutputText output(output_);
-    const std::string title = files_.size() == 1 ? draw::nameOfFile(files_.front()) : "Contact sheet";
-    output.write(draw::pageHead(title, files_.size()));
-    ExitCode worst = kSound;
-    for (std::size_t i = 0; i < files_.size(); ++i) {
-      const Drawn drawn = drawFile(files_[i], i + 1, true);
-      if (!drawn.error.empty()) printError(onOneLine(files_[i]) + ": " + drawn.error);
-      output.write(draw::pageCard(drawn.card, i + 1));
-      worst = std::max(worst, drawn.code);
-    }
-    output.write(draw::pageEnd());
-    output.commit();
-    return worst;
+    return writeOutput(output_, [&](OutputText& output) {
+      const std::string title = files_.size() == 1 ? draw::nameOfFile(files_.front()) : "Contact sheet";
+      output.write(draw::pageHead(title, files_.size()));
+      ExitCode worst = kSound;
+      for (std::size_t i = 0; i < files_.size(); ++i) {
+        const Drawn drawn = drawFile(files_[i], i + 1, true);
+        if (!drawn.error.empty()) printError(onOneLine(files_[i]) + ": " + drawn.error);
+        output.write(draw::pageCard(drawn.card, i + 1));
+        worst = std::max(worst, drawn.code);
+      }
+      output.write(draw::pageEnd());
+      return worst;
+    });
   }
 
   Drawn drawFile(const std::string& path, std::size_t number, bool isInline) const try {
@@ -109,10 +92,9 @@ class DrawCommand : public Command {
   }
 
   std::vector<std::string> files_;
-  std::string output_;
+  std::string output_, encoding_;
   bool isPage_ = false;
   archive::JudgeOptions judge_;
-  values::TextEncoding encoding_;
 };
 
 }  // namespace

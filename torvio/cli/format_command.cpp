@@ -32,17 +32,22 @@ class FormatCommand : public Command {
         ->type_name("LANGUAGE")
         ->take_last()
         ->check(oneOf({kMarkdown, kKaitai}, "language", "Languages"));
+    addOutput(*command, output_);
     command->footer(wrapped("Kinds", kindNames()) + "\n\n" + wrapped("Records", recordNames()) +
                     "\n\nKaitai descriptions are of kinds. Their text says what they leave out."
-                    "\n\nExit code: 0, 2 for a wrong command line, 3 if the output could not be written.");
+                    "\n\nExamples:\n"
+                    "  torvio format sheet\n"
+                    "      Print every field of a sheet file in the order of its bytes.\n"
+                    "  torvio format sheet --as kaitai -o sheet.ksy\n"
+                    "      Make a definition for Kaitai Struct.\n\n" +
+                    kExitCodesWithoutFiles);
     return command;
   }
 
   ExitCode run() override {
     const auto kind = kindNamed(table_);
     if (language_ == kKaitai) return printKaitai(kind);
-    print(kind ? explain::formatTable(*kind) : explain::recordTable(table_));
-    return kSound;
+    return write(kind ? explain::formatTable(*kind) : explain::recordTable(table_));
   }
 
  private:
@@ -60,11 +65,17 @@ class FormatCommand : public Command {
       printError("format: a " + table_ + " file cannot be described for Kaitai: " + description.problems.front());
       return kUsageError;
     }
-    print(description.text);
-    return kSound;
+    return write(description.text);
   }
 
-  std::string table_, language_ = kMarkdown;
+  ExitCode write(const std::string& text) const {
+    return writeOutput(output_, [&](OutputText& output) {
+      output.write(text);
+      return kSound;
+    });
+  }
+
+  std::string table_, language_ = kMarkdown, output_;
 };
 
 }  // namespace

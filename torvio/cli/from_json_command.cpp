@@ -63,15 +63,21 @@ class FromJsonCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("from-json", "Make a file of the JSON of its record");
     addFile(*command, "IN", input_, "The JSON text; without it standard input");
-    addFile(*command, "-o,--output", output_, "The file to make")->type_name("OUT")->required();
+    addFile(*command, "-o,--output", output_, "The file to make")->type_name("OUT")->take_last()->required();
     command->add_option("--version", version_, "Save in this version instead of the one of the JSON")
         ->type_name("VERSION")
         ->take_last()
         ->check(CLI::Range(int{std::numeric_limits<std::int16_t>::min()}, int{std::numeric_limits<std::int16_t>::max()})
                     .description(""));
     command->footer(
-        "OUT is replaced once the new file is complete. A member that is unknown,\n"
-        "missing or of another type is an error. \"torvio schema\" describes the JSON.\n\n"
+        "\"torvio json\" prints this JSON. OUT is replaced once the new file is\n"
+        "complete. A member that is unknown, missing or of another type is an error.\n"
+        "\"torvio schema\" describes the JSON.\n\n"
+        "Examples:\n"
+        "  torvio from-json nest.json -o nest.sheet\n"
+        "      Make a file of JSON that was edited.\n"
+        "  torvio json old.sheet | torvio from-json --version 180 -o new.sheet\n"
+        "      Save a file in another version.\n\n"
         "Exit code:\n"
         "  0  the file was made\n"
         "  1  the JSON is refused, or its record cannot be saved in this version\n"
@@ -81,6 +87,7 @@ class FromJsonCommand : public Command {
   }
 
   ExitCode run() override try {
+    if (isInputToo("from-json", output_, {input_})) return kUsageError;
     Input input(input_);
     const values::JsonRecord read = values::readJson([&](char* to, std::size_t size) { return input.read(to, size); });
     if (!read.error.empty()) return failed(inputName() + ": " + read.error, kDamaged);

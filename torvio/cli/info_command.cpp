@@ -33,17 +33,17 @@ class InfoCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("info", "Print what files contain at a glance: names, sizes, parts, tools");
     addFiles(*command, "FILE", files_, "The files")->required();
-    command->add_flag("--json", isJson_, "Print one JSON object on one line for each file");
+    command->add_flag("--json", isJson_, "Print a JSON object for each file, one a line");
     command->add_flag("--all", isAll_, "Print all rows of long tables, as --json does");
-    addKind(*command, judge_.kind);
-    command
-        ->add_option_function<std::string>(
-            "--encoding", [this](const std::string& name) { encoding_ = *values::TextEncoding::named(name); },
-            "The code page of the texts in the files (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
-    command->footer(fileHelp());
+    addJudging(*command, judge_);
+    addEncoding(*command, encoding_);
+    command->footer(
+        "Examples:\n"
+        "  torvio info nest.sheet\n"
+        "      Show the size of a nest, its machine, parts and tools.\n"
+        "  torvio info --json *.sheet | jq -r '[.name, .width, .height] | @tsv'\n"
+        "      Make a table of many nests.\n\n" +
+        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
     return command;
   }
 
@@ -66,7 +66,7 @@ class InfoCommand : public Command {
   archive::Info infoOf(const std::string& path) const try {
     const explain::FileContent file(path);
     if (!file.error().empty()) return archive::unreadableInfo(file.error());
-    return archive::infoOf(path, file.bytes(), judge_, encoding_);
+    return archive::infoOf(path, file.bytes(), judge_, encodingNamed(encoding_));
   } catch (const std::bad_alloc&) {
     return archive::unreadableInfo(kNoMemory);
   }
@@ -74,7 +74,7 @@ class InfoCommand : public Command {
   std::vector<std::string> files_;
   bool isJson_ = false, isAll_ = false;
   archive::JudgeOptions judge_;
-  values::TextEncoding encoding_;
+  std::string encoding_;
 };
 
 }  // namespace

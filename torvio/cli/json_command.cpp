@@ -22,23 +22,26 @@ using namespace oldtorvio;
 class JsonCommand : public Command {
  public:
   CLI::App* addTo(CLI::App& tool) override {
-    const std::vector<std::string> encodings = values::TextEncoding::names();
     CLI::App* command = tool.add_subcommand("json", "Print the record of a file as JSON, without losing anything");
     addFile(*command, "FILE", file_, "The file")->required();
-    addKind(*command, kind_);
-    command->add_option("--encoding", encoding_, "The code page of the texts; without it " + encoding_)
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(encodings, "encoding", "Encodings"));
+    addJudging(*command, judge_);
+    addEncoding(*command, encoding_);
     command->add_flag("--pretty", isPretty_, "Print every member on a line of its own");
-    addFile(*command, "-o,--output", output_, "Write to this file instead of standard output")->type_name("OUT");
-    command->footer(wrapped("Encodings", encodings) + "\n" + fileHelp() +
-                    "\n\nOf a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
-                    "makes a file of the JSON of a sound one, \"torvio schema\" describes it.");
+    addOutput(*command, output_);
+    command->footer(
+        "Of a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
+        "makes a file of the JSON of a sound one, \"torvio schema\" describes it.\n\n"
+        "Examples:\n"
+        "  torvio json --pretty nest.sheet -o nest.json\n"
+        "      Write everything that a file holds, for an editor or a script.\n"
+        "  torvio json nest.sheet | jq '.record.parts | length'\n"
+        "      Pick a value.\n\n" +
+        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
     return command;
   }
 
   ExitCode run() override try {
+    if (isInputToo("json", output_, {file_})) return kUsageError;
     const explain::FileContent file(file_);
     if (!file.error().empty()) {
       printError(onOneLine(file_) + ": " + file.error());
@@ -62,22 +65,22 @@ class JsonCommand : public Command {
     explain::FileReport report;
   };
   Examined examined(std::span<const std::byte> bytes) const {
-    archive::Judgement judged = archive::judge(file_, bytes, {kind_, {}});
+    archive::Judgement judged = archive::judge(file_, bytes, judge_);
     if (judged.kind) return {judged.kind, std::move(judged.report)};
     return {std::nullopt, explain::mapFile(bytes, std::nullopt, [](const explain::MapLine&) {})};
   }
 
   ExitCode write(std::span<const std::byte> bytes, std::optional<frame::FileKind> kind,
                  const explain::FileReport& report) const {
-    OutputText output(output_);
-    values::writeFileAsJson([&](std::string_view text) { output.write(text); }, bytes, kind, report, encoding_,
-                            isPretty_);
-    output.commit();
-    return kSound;
+    return writeOutput(output_, [&](OutputText& output) {
+      values::writeFileAsJson([&](std::string_view text) { output.write(text); }, bytes, kind, report, encoding_,
+                              isPretty_);
+      return kSound;
+    });
   }
 
   std::string file_;
-  std::optional<frame::FileKind> kind_;
+  archive::JudgeOptions judge_;
   std::string encoding_{values::kDefaultEncoding};
   bool isPretty_ = false;
   std::string output_;

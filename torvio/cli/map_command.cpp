@@ -23,8 +23,8 @@ using namespace oldtorvio;
 class LinePrinter {
  public:
   // With an encoding, texts are decoded.
-  LinePrinter(std::span<const std::byte> file, const std::optional<values::TextEncoding>& encoding)
-      : file_(file), encoding_(encoding) {}
+  LinePrinter(OutputText& output, std::span<const std::byte> file, const std::optional<values::TextEncoding>& encoding)
+      : output_(output), file_(file), encoding_(encoding) {}
 
   void operator()(const explain::MapLine& line) {
     char start[64];
@@ -40,10 +40,11 @@ class LinePrinter {
                          [this](const auto& field) { report::appendDecodedValue(text_, field, file_, *encoding_); });
     else
       text_.append(line.value);
-    print(text_.append("\n"));
+    output_.write(text_.append("\n"));
   }
 
  private:
+  OutputText& output_;
   std::span<const std::byte> file_;
   std::optional<values::TextEncoding> encoding_;
   std::string text_;
@@ -56,8 +57,8 @@ class MapCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("map", "Print offset, size, path and value of every field of a file");
     addFile(*command, "FILE", file_, "The file")->required();
-    addKind(*command, kind_);
-    command->add_option("--find", find_, "Print the fields of this name or path, see below")
+    addJudging(*command, judge_);
+    command->add_option("--find", find_, "Print the fields of this name or path")
         ->type_name("FIELD")
         ->take_last()
         ->check([this](const std::string& text) {
@@ -72,27 +73,25 @@ class MapCommand : public Command {
           filter_.range = explain::OffsetRange::parsed(text);
           return filter_.range ? std::string() : inQuotes(text) + " is no offset and no range of offsets";
         });
-    CLI::Option* json = command->add_flag("--json", json_, "Print one JSON object for each field, one a line");
+    CLI::Option* json = command->add_flag("--json", json_, "Print a JSON object for each field, one a line");
     CLI::Option* html = command->add_flag("--html", html_, "Print an HTML page with bytes and fields side by side");
-    addFile(*command, "-o,--output", output_, "Write the page to this file")->type_name("OUT")->needs(html);
+    addOutput(*command, output_);
     html->excludes(json)->excludes("--find")->excludes("--offset");
-    command->add_option("--encoding", encodingName_, "The code page of the texts (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    addEncoding(*command, encodingName_);
     command->footer(help());
     return command;
   }
 
   ExitCode run() override try {
+    if (isInputToo("map", output_, {file_})) return kUsageError;
     const explain::FileContent file(file_);
     if (!file.error().empty()) {
       printError(onOneLine(file_) + ": " + file.error());
       return kNotReadOrWritten;
     }
-    const auto kind = archive::judge(file_, file.bytes(), {kind_, {}}).kind;
-    const auto encoding = values::TextEncoding::named(encodingName_);
-    return html_ ? printPage(file, kind, encoding.value_or(values::TextEncoding())) : printMap(file, kind, encoding);
+    const auto kind = archive::judge(file_, file.bytes(), judge_).kind;
+    if (html_ || isPage()) return printPage(file, kind);
+    return writeOutput(output_, [&](OutputText& output) { return printMap(output, file, kind); });
   } catch (const std::bad_alloc&) {
     printError(onOneLine(file_) + ": " + kNoMemory);
     return kNotReadOrWritten;
@@ -106,7 +105,7 @@ class MapCommand : public Command {
            "  width             every width\n"
            "  shapes.x          the x of all shapes\n"
            "  shapes[3]         all of shape 3; also shapes[2..5], shapes[*]\n"
-           "  parts[0].**.*Count   below part 0, at any depth, names that end in Count\n\n"
+           "  parts[0].**.*Count  below part 0, at any depth, names that end in Count\n\n"
            "A alone is the field that contains this byte, A..B the fields that overlap these\n"
            "bytes, both included. With --find and --offset, a field has to be in both.\n\n"
            "JSON: {\"offset\":2,\"size\":4,\"path\":\"width\",\"type\":\"f32\",\"value\":12.5}. Texts are\n"
@@ -114,17 +113,30 @@ class MapCommand : public Command {
            "bytes null; \"note\" says what the value leaves out. Fields that are stored as one\n"
            "item have one object each. A damaged file ends with\n"
            "{\"offset\":40,\"path\":\"height\",\"fault\":\"needs 4 bytes, the file has 2\"}.\n\n"
-           "Texts are printed byte by byte unless --encoding, --json or --html is given.\n"
-           "--html takes files of up to " +
+           "Texts are printed byte by byte unless --encoding, --json or --html is given. An\n"
+           "OUT that ends in \".html\" implies --html if nothing else is asked for. --html\n"
+           "takes files of up to " +
            std::to_string(report::MapPage::kLargestMiB) + " MiB and " +
-           std::to_string(report::MapPage::kMostFields / 1'000'000) + " million fields.\n\n" +
+           std::to_string(report::MapPage::kMostFields / 1'000'000) +
+           " million fields.\n\n"
+           "Examples:\n"
+           "  torvio map damaged.sheet | tail\n"
+           "      Show where a damaged file breaks, and the last fields before.\n"
+           "  torvio map nest.sheet --find parts.partName --encoding cp1252\n"
+           "      Print the names of all parts.\n"
+           "  torvio map nest.sheet --offset 0x1f4..0x200\n"
+           "      Say what these bytes are.\n"
+           "  torvio map nest.sheet -o nest.html\n"
+           "      Make a page that shows bytes and fields side by side.\n\n" +
            wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp();
   }
 
-  ExitCode printMap(const explain::FileContent& file, std::optional<frame::FileKind> kind,
-                    const std::optional<values::TextEncoding>& encoding) const {
-    const values::TextEncoding forJson = encoding.value_or(values::TextEncoding());
-    LinePrinter lines(file.bytes(), encoding);
+  // An output that is called a page is one, unless options say what else it is.
+  bool isPage() const { return isPageName(output_) && !json_ && filter_.isEmpty(); }
+
+  ExitCode printMap(OutputText& output, const explain::FileContent& file, std::optional<frame::FileKind> kind) const {
+    const values::TextEncoding forJson = encodingNamed(encodingName_);
+    LinePrinter lines(output, file.bytes(), values::TextEncoding::named(encodingName_));
     std::string json;
     bool found = filter_.isEmpty();
     const auto sink = [&](const explain::MapLine& line) {
@@ -133,7 +145,7 @@ class MapCommand : public Command {
       if (!json_) return lines(line);
       json.clear();
       report::appendJsonLine(json, line, filter_, file.bytes(), forJson);
-      print(json);
+      output.write(json);
     };
     const explain::FileReport report = explain::mapFile(file.bytes(), kind, sink);
     if (!found) printError(onOneLine(file_) + ": no field " + (filter_.path ? "matches" : "is at these bytes"));
@@ -141,32 +153,21 @@ class MapCommand : public Command {
     if (json_) {
       std::string line;
       report::appendJsonFault(line, *report.fault);
-      print(line);
+      output.write(line);
     } else {
-      print("FAULT " + explain::describe(*report.fault) + "\n");
+      output.write("FAULT " + explain::describe(*report.fault) + "\n");
     }
     return kDamaged;
   }
 
-  ExitCode printPage(const explain::FileContent& file, std::optional<frame::FileKind> kind,
-                     const values::TextEncoding& encoding) const {
-    const report::MapPageText page =
-        report::mapPage(std::filesystem::path(file_).filename().string(), file.bytes(), kind, encoding);
+  ExitCode printPage(const explain::FileContent& file, std::optional<frame::FileKind> kind) const {
+    const report::MapPageText page = report::mapPage(std::filesystem::path(file_).filename().string(), file.bytes(), kind,
+                                                     encodingNamed(encodingName_));
     if (!page.refusal.empty()) return failed(file_, page.refusal);
-    const ExitCode written = output_.empty() ? (print(page.html), kSound) : writePage(page.html);
-    return written != kSound ? written : page.report.fault ? kDamaged : kSound;
-  }
-
-  ExitCode writePage(const std::string& html) const {
-    if (isSameFile(file_, output_)) return failed(output_, "is the file that is shown");
-    try {
-      OutputText output(output_);
-      output.write(html);
-      output.commit();
-      return kSound;
-    } catch (const OutputError& error) {
-      return failed(output_, error.what());
-    }
+    return writeOutput(output_, [&](OutputText& output) {
+      output.write(page.html);
+      return page.report.fault ? kDamaged : kSound;
+    });
   }
 
   static ExitCode failed(const std::string& file, const std::string& why) {
@@ -177,7 +178,7 @@ class MapCommand : public Command {
   std::string file_, output_, find_, offset_, encodingName_;
   explain::MapFilter filter_;
   bool json_ = false, html_ = false;
-  std::optional<frame::FileKind> kind_;
+  archive::JudgeOptions judge_;
 };
 
 }  // namespace

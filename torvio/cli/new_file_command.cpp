@@ -16,34 +16,28 @@ namespace torvio {
 using namespace oldtorvio;
 
 void NewFileCommand::addShared(CLI::App& command) {
+  name_ = command.get_name();
   encodingOption_ = values::kDefaultEncoding;
   addFile(command, "IN", input_, "The file")->required();
   addFile(command, "OUT", output_, "The new file; with --dry-run it may be left out");
   command.add_flag("--dry-run", isDryRun_, "Only print the report; the exit code is the same");
-  command.add_flag("--json", isJson_, "Print the report as one JSON object on one line");
-  addKind(command, kind_);
-  command.add_option("--encoding", encodingOption_, "The code page of the texts in the report (cp1252)")
-      ->type_name("NAME")
-      ->take_last()
-      ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+  command.add_flag("--json", isJson_, "Print the report as a JSON object on one line");
+  addJudging(command, judge_);
+  addEncoding(command, encodingOption_);
 }
 
 ExitCode NewFileCommand::run() try {
-  if (output_.empty() && !isDryRun_) {
-    printError("OUT is required, or --dry-run");
-    return kUsageError;
-  }
+  if (output_.empty() && !isDryRun_) return usageError(name_, "OUT is required, or --dry-run");
+  if (isInputToo(name_, output_, {input_})) return kUsageError;
   return make();
 } catch (const std::bad_alloc&) {
   return failed(input_, kNoMemory, kNotReadOrWritten);
 }
 
 ExitCode NewFileCommand::make() const {
-  if (!output_.empty() && isSameFile(input_, output_))
-    return failed(output_, "is the file itself; choose a new name", kUsageError);
   const explain::FileContent file(input_);
   if (!file.error().empty()) return failed(input_, file.error(), kNotReadOrWritten);
-  const auto kind = archive::judge(input_, file.bytes(), {kind_, {}}).kind;
+  const auto kind = archive::judge(input_, file.bytes(), judge_).kind;
   if (!kind)
     return failed(input_,
                   mapAs(file.bytes(), kind, [](const explain::MapLine&) {}).fault.value_or(explain::Fault{}).reason,
@@ -78,7 +72,7 @@ ExitCode NewFileCommand::failed(const std::string& file, const std::string& why,
 std::string newFileHelp() {
   return "OUT is replaced once the new file is complete, has been read again and is what\n"
          "was to be written. A link, a folder or IN itself is not replaced.\n\n" +
-         wrapped("Kinds", kindNames());
+         wrapped("Kinds", kindNames()) + "\n" + wrapped("Encodings", values::TextEncoding::names());
 }
 
 }  // namespace torvio

@@ -33,8 +33,8 @@ class NewFileCommand : public Command {
   void report(const Made& made, bool isWritten) const;
   ExitCode failed(const std::string& file, const std::string& why, ExitCode code) const;
 
-  std::string input_, output_, encodingOption_;
-  std::optional<oldtorvio::frame::FileKind> kind_;
+  std::string name_, input_, output_, encodingOption_;
+  oldtorvio::archive::JudgeOptions judge_;
   bool isDryRun_ = false, isJson_ = false;
 
  protected:

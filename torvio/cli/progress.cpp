@@ -1,5 +1,8 @@
 #include "torvio/cli/progress.h"
 
+#include <cstdlib>
+#include <string_view>
+
 #if defined(_WIN32)
 #include <io.h>
 #else
@@ -40,8 +43,18 @@ std::string progressText(std::uint64_t done, std::uint64_t total, double seconds
   return text;
 }
 
+namespace {
+
+// Whether a line can be rewritten.
+bool isDumb() {
+  const char* const terminal = std::getenv("TERM");
+  return terminal != nullptr && std::string_view(terminal) == "dumb";
+}
+
+}  // namespace
+
 Progress::Progress()
-    : isShown_(isTerminal(stderr)), began_(Clock::now()), next_(began_ + std::chrono::milliseconds(500)) {}
+    : isShown_(isTerminal(stderr) && !isDumb()), began_(Clock::now()), next_(began_ + std::chrono::milliseconds(500)) {}
 
 void Progress::count() {
   ++done_;

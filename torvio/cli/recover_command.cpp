@@ -22,7 +22,10 @@ class RecoverCommand : public NewFileCommand {
         "are left out, which list is shorter, and which members have defaults: check those\n"
         "before the file is used. Nothing is written for a sound file. Unread bytes after\n"
         "the last field are dropped, and those that a save below version 152 stored too\n"
-        "much. The version stays the same if files are saved in it.\n\n" +
+        "much. The version stays the same if files are saved in it.\n\n"
+        "Examples:\n"
+        "  torvio recover damaged.sheet recovered.sheet\n"
+        "      Keep what is sound, and say what is lost.\n\n" +
         newFileHelp() +
         "\n\nExit code:\n"
         "  0  the new file was written, or would be; or IN is sound\n"

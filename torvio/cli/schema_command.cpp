@@ -1,7 +1,6 @@
 #include <string>
 
 #include "torvio/cli/commands.h"
-#include "torvio/cli/output.h"
 #include "torvio/values/json_schema.h"
 
 namespace torvio {
@@ -13,18 +12,24 @@ class SchemaCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("schema", "Print the JSON Schema of what json prints for a kind of file");
     command->add_option("KIND", kind_, "A kind of file")->required()->check(oneOf(kindNames(), "kind", "Kinds"));
+    addOutput(*command, output_);
     command->footer(wrapped("Kinds", kindNames()) +
-                    "\n\nExit code: 0, 2 for a wrong command line, 3 if the output could not be written.");
+                    "\n\nExamples:\n"
+                    "  torvio schema sheet -o sheet.schema.json\n"
+                    "      For an editor or a validator.\n\n" +
+                    kExitCodesWithoutFiles);
     return command;
   }
 
   ExitCode run() override {
-    print(oldtorvio::values::jsonSchema(*kindNamed(kind_)));
-    return kSound;
+    return writeOutput(output_, [this](OutputText& output) {
+      output.write(oldtorvio::values::jsonSchema(*kindNamed(kind_)));
+      return kSound;
+    });
   }
 
  private:
-  std::string kind_;
+  std::string kind_, output_;
 };
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "src/sheet/nest.h"
 #include "torvio/draw/draw.h"
 #include "torvio/draw/tool_outline.h"
 
@@ -40,12 +41,6 @@ Grid gridOf(std::uint32_t count, std::uint32_t stepBits) {
   return {count, 1, static_cast<double>(step)};
 }
 
-std::uint64_t quantityOf(const TorvPart& part) {
-  std::uint32_t quantity = 0;
-  for (const Pattern& pattern : part.patterns) quantity += pattern.gridCount1 * pattern.gridCount2;
-  return quantity;
-}
-
 void addTo(std::uint64_t& sum, std::uint64_t more) {
   sum = more > std::numeric_limits<std::uint64_t>::max() - sum ? std::numeric_limits<std::uint64_t>::max() : sum + more;
 }
@@ -54,8 +49,7 @@ class SheetPicture {
  public:
   SheetPicture(const OldSheet& sheet, const FileNote& file, const PictureOptions& options)
       : sheet_(sheet),
-        tools_(sheet.machine.stationWord != 0 && !sheet.machine.stationsB.stations.empty() ? sheet.machine.stationsB
-                                                                                           : sheet.machine.stationsA),
+        tools_(stationListOf(sheet.machine)),
         read_(file.read),
         picture_(file, options),
         name_(file.name) {}

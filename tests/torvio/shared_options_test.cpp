@@ -1,0 +1,110 @@
+// What all commands of torvio do alike: --ext, --output, help.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/support/files.h"
+#include "tests/support/kind_files.h"
+#include "tests/support/part_files.h"
+#include "tests/tools/run_torvio.h"
+
+namespace {
+
+using namespace testing_support;
+
+class SharedOptions : public testing::Test {
+ protected:
+  TempFolder folder_;
+  // A special tool that nothing but its contents or an option names as one.
+  std::string tool_ = folder_.write("tool.abc", specialToolFile(60, {3}));
+};
+
+TEST_F(SharedOptions, EveryCommandThatReadsFilesTakesExtensions) {
+  for (const std::string command : {"map ", "json ", "info --json ", "check "}) {
+    const Outcome plain = torvio(command + tool_);
+    EXPECT_EQ(plain.code, 0) << command;
+    const std::string asKind = torvio(command + "--kind special-tool " + tool_).output;
+    EXPECT_EQ(torvio(command + "--ext special-tool=.abc " + tool_).output, asKind) << command;
+    EXPECT_EQ(torvio(command + "--ext sheet=.nst --ext special-tool=ABC " + tool_).output, asKind) << command;
+    // The extension decides against the contents.
+    const Outcome wrong = torvio(command + "--ext material=.abc " + tool_);
+    EXPECT_EQ(wrong.code, 1) << command;
+    EXPECT_NE(wrong.output, asKind) << command;
+    for (const std::string hint : {"sheet", "sheet=", "sheet=.", "plate=.nst", "=.nst"}) {
+      const Outcome refused = torvio(command + "--ext " + hint + " " + tool_);
+      EXPECT_EQ(refused.code, 2) << hint;
+      EXPECT_NE(refused.errors.find("--ext requires a kind and an extension such as sheet=.nst"), std::string::npos)
+          << refused.errors;
+    }
+  }
+  const std::string part = folder_.write("part.xyz", partFile(180));
+  EXPECT_EQ(torvio("draw --ext part=.xyz " + part).code, 0);
+  EXPECT_EQ(torvio("draw --ext material=.xyz " + part).code, 1);
+  EXPECT_EQ(torvio("diff --ext part=.xyz " + part + " " + part).code, 0);
+}
+
+TEST_F(SharedOptions, NoCommandReplacesTheFileThatItReads) {
+  std::filesystem::create_symlink("tool.abc", folder_.path("link"));
+  const std::string before = asText(TempFolder::read(tool_));
+  for (const std::string command : {"map ", "json ", "draw ", "from-json "})
+    for (const std::string& output : {tool_, folder_.path("link"), folder_.path() + "/./tool.abc"}) {
+      const Outcome run = torvio(command + tool_ + " -o " + output);
+      EXPECT_EQ(run.code, 2) << command << run.errors;
+      EXPECT_EQ(run.output, "");
+      EXPECT_NE(run.errors.find("\" is both a file to read and the output\n"), std::string::npos) << run.errors;
+      EXPECT_EQ(asText(TempFolder::read(tool_)), before);
+    }
+}
+
+TEST_F(SharedOptions, DocumentsAreWrittenToTheOutput) {
+  for (const std::string& arguments :
+       {std::string("format macro"), std::string("format sheet --as kaitai"), std::string("format shape"),
+        std::string("schema part"), "json " + tool_, "map " + tool_}) {
+    const std::string out = folder_.path("out");
+    const Outcome run = torvio(arguments + " -o " + out);
+    EXPECT_EQ(run.code, 0) << arguments;
+    EXPECT_EQ(run.output + run.errors, "") << arguments;
+    const std::string printed = torvio(arguments).output;
+    EXPECT_EQ(asText(TempFolder::read(out)), printed) << arguments;
+    EXPECT_EQ(torvio(arguments + " --output=-").output, printed) << arguments;
+    const Outcome nowhere = torvio(arguments + " -o " + folder_.path("no/such/folder"));
+    EXPECT_EQ(nowhere.code, 3) << arguments;
+    EXPECT_EQ(nowhere.errors.find("torvio: " + folder_.path("no/such/folder") + ": cannot be created"), 0U)
+        << nowhere.errors;
+    std::filesystem::remove(out);
+  }
+}
+
+TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  folder_.write("-odd", specialToolFile(60, {3}));
+  const std::string inFolder = "cd " + folder_.path() + " && " + TORVIO_COMMAND;
+  const Outcome run = runShell(inFolder + " map -odd");
+  EXPECT_EQ(run.code, 2);
+  EXPECT_EQ(run.errors, "torvio: map: unexpected argument \"-odd\"; put \"--\" before the name of a file that begins with "
+                        "\"-\"\nTry \"torvio map --help\".\n");
+  EXPECT_EQ(runShell(inFolder + " map -even").errors,
+            "torvio: map: unexpected argument \"-even\"\nTry \"torvio map --help\".\n");
+  EXPECT_EQ(runShell(inFolder + " map --kind special-tool -- -odd").code, 0);
+}
+
+TEST_F(SharedOptions, VersionOfAnUnknownCommandIsAnError) {
+  const Outcome run = torvio("konvert a b --version 180");
+  EXPECT_EQ(run.code, 2);
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.errors.find("torvio: unknown command \"konvert\"\nCommands: check, "), 0U) << run.errors;
+}
+
+TEST_F(SharedOptions, HelpOfACommandIsPrintedByHelp) {
+  EXPECT_EQ(torvio("help").output, torvio("--help").output);
+  EXPECT_EQ(torvio("help check").output, torvio("check --help").output);
+  EXPECT_EQ(torvio("help help").output, torvio("help --help").output);
+  const Outcome unknown = torvio("help nonsense");
+  EXPECT_EQ(unknown.code, 2);
+  EXPECT_EQ(unknown.errors.find("torvio: help: unknown command \"nonsense\"\nCommands: check, info, "), 0U)
+      << unknown.errors;
+}
+
+}  // namespace
