@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "src/file_records.h"
+#include "torvio/explain/layout_walker.h"
 #include "torvio/explain/map.h"
 #include "torvio/values/all_members.h"
 
@@ -17,11 +18,11 @@ using Paths = std::set<std::string, std::less<>>;
 
 // Walks a layout without a file: what the version stores, under all conditions on values. Whatever it walks into is
 // a record of its own that nothing changes.
-class Walker : public codec::RecordWalker<Walker> {
+class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<Walker> {
  public:
   Walker(int version, Paths& paths) : RecordWalker(version), paths_(paths) {}
 
-  static constexpr codec::Stop stop() { return codec::Stop::none; }
+  using LayoutWalker::clear;
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
@@ -70,27 +71,6 @@ class Walker : public codec::RecordWalker<Walker> {
     return true;
   }
   [[nodiscard]] static bool require(const codec::PlaceCondition& condition) { return condition.holds; }
-  template <class R>
-  static R& unchanged(R& record) {
-    return record;
-  }
-  template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
-    return true;
-  }
-  template <class Read, class Written>
-  [[nodiscard]] bool differs(const Read& read, const Written&) {
-    return nested(read);
-  }
-  template <class Read>
-  [[nodiscard]] bool onlyRead(const Read& read) {
-    return read(*this);
-  }
-  template <class T>
-  constexpr T either(T forReaders, T) const {
-    return forReaders;
-  }
-  static constexpr bool has(std::size_t) { return true; }
 
   template <class R, class... A>
   [[nodiscard]] bool walk(R& record, const A&... more) {
@@ -101,10 +81,6 @@ class Walker : public codec::RecordWalker<Walker> {
     // What follows may depend on sizes in it, but not on whether all of it is stored.
     inside(add(x.names()), [&] { walkFresh<std::remove_cvref_t<decltype(x.only())>>(more...); });
     return true;
-  }
-  template <class V>
-  std::int32_t countOf(const V&) const {
-    return 0;
   }
   template <class X, class Rule, class... A>
   [[nodiscard]] bool list(const X& x, Rule, const A&... more) {
