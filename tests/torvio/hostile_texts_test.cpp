@@ -217,8 +217,12 @@ class HostileTexts : public testing::Test {
 
   // Runs it and checks what every output promises: nothing in it has an effect on a terminal.
   static Outcome run(const std::string& arguments, int code = 0) {
-    Outcome outcome = torvio(arguments);
+    Outcome outcome = checked(arguments);
     EXPECT_EQ(outcome.code, code) << arguments << "\n" << outcome.errors;
+    return outcome;
+  }
+  static Outcome checked(const std::string& arguments) {
+    Outcome outcome = torvio(arguments);
     EXPECT_EQ(plainFault(outcome.output), "") << arguments;
     EXPECT_EQ(plainFault(outcome.errors), "") << arguments;
     return outcome;
@@ -335,6 +339,31 @@ TEST_F(HostileTexts, DiffPrintsOneLineForEachDifference) {
   }
 }
 
+TEST_F(HostileTexts, NewFilesAndTheirReportsAreSound) {
+  const std::string out = root_.path(kFolder) + "/\x1b[1mout\n", to = " " + inShellQuotes(out);
+  std::size_t made = 0;
+  const auto make = [&](const std::string& command, const File& file, const std::string& from) {
+    const std::string arguments = command + " --kind " + file.kind->name + " " + inShellQuotes(from);
+    const auto report = objectsIn(checked(arguments + " --dry-run --json").output);
+    EXPECT_EQ(report.size(), 1U) << arguments;
+    const Outcome outcome = checked(arguments + to);
+    EXPECT_LE(outcome.code, 1) << arguments;
+    EXPECT_LE(linesIn(outcome.errors).size(), 1U) << outcome.errors;
+    if (!std::filesystem::exists(out)) return;
+    EXPECT_EQ(run("check --json --kind " + file.kind->name + to).errors, "");
+    std::filesystem::remove(out);
+    ++made;
+  };
+  for (const File& file : files()) {
+    for (const int version : {52, 120, 180})
+      make("convert --allow-loss --version " + std::to_string(version), file, file.path);
+    const auto cut = damaged(file.bytes, file.kind->kind);
+    ASSERT_TRUE(cut) << file.kind->name;
+    make("recover", file, root_.write(std::string(kFolder) + "/cut" + nameFor(cut->size()), *cut));
+  }
+  EXPECT_GT(made, 16U);
+}
+
 // Damaged, foreign and missing files: the texts are in what is said of them.
 TEST_F(HostileTexts, FaultsAndErrorsAreOneLine) {
   for (const File& file : files()) {
@@ -364,7 +393,8 @@ TEST_F(HostileTexts, FaultsAndErrorsAreOneLine) {
     // As the value of an option.
     for (const std::string verb :
          {"check --kind ", "check --encoding ", "check --ext ", "check --only ", "map --offset ", "check --jobs ",
-          "draw --encoding ", "diff --tolerance ", "format --version ", ""})
+          "draw --encoding ", "diff --tolerance ", "diff --limit ", "convert --version ", "from-json --version ",
+          "draw --html=", "check --json=", "format --version ", ""})
       (void)run(verb + none + " x", 2);
     (void)run("check x -o " + none + "/c", 3);
   }
