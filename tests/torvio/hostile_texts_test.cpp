@@ -123,11 +123,23 @@ std::optional<Bytes> poisoned(const Bytes& file, int version, std::size_t first)
     record->textWidth = 256;
     record->partList.nameWidth = 256;
   }
-  const auto saved = values::saveRecord<kKind>(*record, version);
-  if (saved.status != 0 || poison.texts() == 0) return std::nullopt;
-  const Bytes bytes = Bytes::of(saved.bytes);
-  if (!explain::checkFile(bytes.span(), kKind).endsExactly()) return std::nullopt;
-  return bytes;
+  if (poison.texts() == 0) return std::nullopt;
+  // What a load keeps of them.
+  auto saved = values::saveRecord<kKind>(*record, version);
+  auto loaded = values::loadRecord<kKind>(saved.bytes);
+  if (loaded.status != 0) return std::nullopt;
+  saved = values::saveRecord<kKind>(*loaded.record, version);
+  if (!explain::checkFile(saved.bytes, kKind).endsExactly()) return std::nullopt;
+  loaded = values::loadRecord<kKind>(saved.bytes);
+  if (values::saveRecord<kKind>(*loaded.record, version).bytes != saved.bytes) return std::nullopt;
+  return Bytes::of(saved.bytes);
+}
+
+// Its beginning, which a load refuses.
+std::optional<Bytes> damaged(const Bytes& file, frame::FileKind kind) {
+  for (std::size_t size = file.size() * 2 / 3; size > 2; size = size * 2 / 3)
+    if (const Bytes cut = file.cut(size); explain::checkFile(cut.span(), kind).status != 0) return cut;
+  return std::nullopt;
 }
 
 std::string inShellQuotes(const std::string& text) {
@@ -205,8 +217,12 @@ class HostileTexts : public testing::Test {
 
   // Runs it and checks what every output promises: nothing in it has an effect on a terminal.
   static Outcome run(const std::string& arguments, int code = 0) {
-    Outcome outcome = torvio(arguments);
+    Outcome outcome = checked(arguments);
     EXPECT_EQ(outcome.code, code) << arguments << "\n" << outcome.errors;
+    return outcome;
+  }
+  static Outcome checked(const std::string& arguments) {
+    Outcome outcome = torvio(arguments);
     EXPECT_EQ(plainFault(outcome.output), "") << arguments;
     EXPECT_EQ(plainFault(outcome.errors), "") << arguments;
     return outcome;
@@ -323,11 +339,37 @@ TEST_F(HostileTexts, DiffPrintsOneLineForEachDifference) {
   }
 }
 
+TEST_F(HostileTexts, NewFilesAndTheirReportsAreSound) {
+  const std::string out = root_.path(kFolder) + "/\x1b[1mout\n", to = " " + inShellQuotes(out);
+  std::size_t made = 0;
+  const auto make = [&](const std::string& command, const File& file, const std::string& from) {
+    const std::string arguments = command + " --kind " + file.kind->name + " " + inShellQuotes(from);
+    const auto report = objectsIn(checked(arguments + " --dry-run --json").output);
+    EXPECT_EQ(report.size(), 1U) << arguments;
+    const Outcome outcome = checked(arguments + to);
+    EXPECT_LE(outcome.code, 1) << arguments;
+    EXPECT_LE(linesIn(outcome.errors).size(), 1U) << outcome.errors;
+    if (!std::filesystem::exists(out)) return;
+    EXPECT_EQ(run("check --json --kind " + file.kind->name + to).errors, "");
+    std::filesystem::remove(out);
+    ++made;
+  };
+  for (const File& file : files()) {
+    for (const int version : {52, 120, 180})
+      make("convert --allow-loss --version " + std::to_string(version), file, file.path);
+    const auto cut = damaged(file.bytes, file.kind->kind);
+    ASSERT_TRUE(cut) << file.kind->name;
+    make("recover", file, root_.write(std::string(kFolder) + "/cut" + nameFor(cut->size()), *cut));
+  }
+  EXPECT_GT(made, 16U);
+}
+
 // Damaged, foreign and missing files: the texts are in what is said of them.
 TEST_F(HostileTexts, FaultsAndErrorsAreOneLine) {
   for (const File& file : files()) {
-    const std::string path = root_.write(std::string(kFolder) + "/cut" + nameFor(file.bytes.size()),
-                                         file.bytes.cut(file.bytes.size() * 2 / 3));
+    const auto cut = damaged(file.bytes, file.kind->kind);
+    ASSERT_TRUE(cut) << file.kind->name;
+    const std::string path = root_.write(std::string(kFolder) + "/cut" + nameFor(cut->size()), *cut);
     const std::string arguments = " --kind " + file.kind->name + " " + inShellQuotes(path);
     EXPECT_EQ(linesIn(run("check" + arguments, 1).output).size(), 1U);
     (void)objectsIn(run("check --json" + arguments, 1).output);
@@ -351,7 +393,8 @@ TEST_F(HostileTexts, FaultsAndErrorsAreOneLine) {
     // As the value of an option.
     for (const std::string verb :
          {"check --kind ", "check --encoding ", "check --ext ", "check --only ", "map --offset ", "check --jobs ",
-          "draw --encoding ", "diff --tolerance ", "format --version ", ""})
+          "draw --encoding ", "diff --tolerance ", "diff --limit ", "convert --version ", "from-json --version ",
+          "draw --html=", "check --json=", "format --version ", ""})
       (void)run(verb + none + " x", 2);
     (void)run("check x --catalogue " + none + "/c", 3);
   }

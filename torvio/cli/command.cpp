@@ -126,6 +126,17 @@ CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& o
           listMark(names)};
 }
 
+CLI::Validator inRange(std::int64_t least, std::int64_t most) {
+  return {[=](std::string& text) {
+            std::int64_t value = 0;
+            const bool isInside = CLI::detail::lexical_cast(text, value) && value >= least && value <= most;
+            return isInside ? std::string()
+                            : inQuotes(text) + " is not a number from " + std::to_string(least) + " to " +
+                                  std::to_string(most);
+          },
+          ""};
+}
+
 std::string wrapped(const std::string& caption, const std::vector<std::string>& names) {
   std::string text, line = caption + ":";
   for (const std::string& name : names) {

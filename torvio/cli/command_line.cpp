@@ -110,12 +110,13 @@ ExitCode CommandLine::run(int argc, char** argv) {
     print(version.what() + std::string("\n"));
     return kSound;
   } catch (const CLI::ArgumentMismatch& error) {
-    return wrongArguments(withoutValue(error.what()));
+    return wrongArguments(onOneLine(withoutValue(error.what())));
   } catch (const CLI::ValidationError& error) {
     const std::string text = error.what();  // starts with the name of the argument
     return wrongArguments(text.substr(text.find(": ") + 2));
   } catch (const CLI::ParseError& error) {
-    return wrongArguments(error.what());
+    // It may quote an argument.
+    return wrongArguments(onOneLine(error.what()));
   }
   return chosen_->run();
 }

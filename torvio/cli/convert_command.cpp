@@ -20,7 +20,7 @@ class ConvertCommand : public NewFileCommand {
         ->type_name("VERSION")
         ->required()
         ->take_last()
-        ->check(CLI::Range(0, int{std::numeric_limits<std::int16_t>::max()}).description(""));
+        ->check(inRange(0, int{std::numeric_limits<std::int16_t>::max()}));
     command->add_flag("--allow-loss", options_.allowLoss, "Make the new file even if something is lost or changed");
     command->footer(
         "The report lists each member that the new version cannot store, or stores with\n"

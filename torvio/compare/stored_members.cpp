@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "src/file_records.h"
+#include "torvio/explain/layout_walker.h"
 #include "torvio/explain/map.h"
 #include "torvio/values/types.h"
 
@@ -33,7 +34,7 @@ inline constexpr bool kIsWrapped<codec::NonZero<T>> = true;
 
 // Walks a layout without a file: what the version stores, under all conditions on values. The members are found by
 // their addresses in the record at hand, and those of a record that only layouts know by their names.
-class Walker : public codec::RecordWalker<Walker> {
+class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<Walker> {
  public:
   Walker(int version, StoredMembers::Paths& paths) : RecordWalker(version), paths_(paths) {}
 
@@ -47,7 +48,7 @@ class Walker : public codec::RecordWalker<Walker> {
     place_ = outer;
   }
 
-  static constexpr codec::Stop stop() { return codec::Stop::none; }
+  using LayoutWalker::clear;
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
@@ -107,27 +108,6 @@ class Walker : public codec::RecordWalker<Walker> {
     return true;
   }
   [[nodiscard]] static bool require(const codec::PlaceCondition& condition) { return condition.holds; }
-  template <class R>
-  static R& unchanged(R& record) {
-    return record;
-  }
-  template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
-    return true;
-  }
-  template <class Read, class Written>
-  [[nodiscard]] bool differs(const Read& read, const Written&) {
-    return nested(read);
-  }
-  template <class Read>
-  [[nodiscard]] bool onlyRead(const Read& read) {
-    return read(*this);
-  }
-  template <class T>
-  constexpr T either(T forReaders, T) const {
-    return forReaders;
-  }
-  static constexpr bool has(std::size_t) { return true; }
 
   template <class R, class... A>
   [[nodiscard]] bool walk(R& record, const A&... more) {
@@ -139,10 +119,6 @@ class Walker : public codec::RecordWalker<Walker> {
     walkInner<std::remove_cvref_t<decltype(x.only())>>(addMember(explain::fieldNames(x.names()).front(), x.only()),
                                                        more...);
     return true;
-  }
-  template <class V>
-  std::int32_t countOf(const V&) const {
-    return 0;
   }
   template <class X, class Rule, class... A>
   [[nodiscard]] bool list(const X& x, Rule, const A&... more) {
