@@ -291,6 +291,90 @@ TEST(SheetPictures, EmptyTinyHugeAndLongPlatesAreDrawn) {
   EXPECT_TRUE(contains(drawn(*parts), "the plate: its size is not positive"));
 }
 
+TEST(SheetPictures, QuantitiesDoNotWrap) {
+  const auto sheet = plate(100, 50);
+  Pattern& grid = place(*sheet, 8, 6, 1, 2);
+  grid.gridCount1 = 65'536;
+  grid.gridCount2 = 65'537;
+  const std::string svg = drawn(*sheet);
+  EXPECT_TRUE(contains(svg, "1 part, 4,295,032,832 copies"));
+  EXPECT_TRUE(contains(svg,
+                       ">\xC3\x97"
+                       "4,295,032,832</text>"));
+}
+
+// ---- groups --------------------------------------------------------------------------------------------
+
+Shape shapeAt(float x, float y, int type = 1, std::uint32_t flags = 0) {
+  Shape shape;
+  shape.type = static_cast<std::int8_t>(type);
+  shape.flags = flags;
+  shape.x = x;
+  shape.y = y;
+  return shape;
+}
+
+// A head at 10, 5, turned by a quarter, with a member 3 to the right of it in its own frame.
+std::vector<Shape> groupOfOne() {
+  std::vector<Shape> shapes{shapeAt(1, 1), shapeAt(10, 5, 7), shapeAt(3, 0, 1, 128)};
+  shapes[1].values[2] = 1.5707964F;
+  return shapes;
+}
+std::vector<Shape> withoutGroup() { return {shapeAt(1, 1), shapeAt(10, 5), shapeAt(10, 8)}; }
+
+TEST(Groups, MembersAreInTheFrameOfTheirHead) {
+  const Box limits{0, 0, 100, 100};
+  ShapeList group, plain;
+  group.shapes = groupOfOne();
+  plain.shapes = withoutGroup();
+  const WorkMarks grouped = marksOf(group, nullptr, nullptr, limits, {0, 0}, 1, 100);
+  const WorkMarks placed = marksOf(plain, nullptr, nullptr, limits, {0, 0}, 1, 100);
+  EXPECT_EQ(grouped.crosses.data(), placed.crosses.data());
+  EXPECT_TRUE(grouped.hasGroups);
+  EXPECT_FALSE(placed.hasGroups);
+  // Without a head before it a member is where it says.
+  group.shapes = {shapeAt(3, 4, 1, 128)};
+  plain.shapes = {shapeAt(3, 4)};
+  EXPECT_EQ(marksOf(group, nullptr, nullptr, limits, {0, 0}, 1, 100).crosses.data(),
+            marksOf(plain, nullptr, nullptr, limits, {0, 0}, 1, 100).crosses.data());
+}
+
+TEST(Groups, ToolsOfMembersAreTurnedWithThem) {
+  const Box limits{0, 0, 100, 100};
+  ShapeList group, plain;
+  group.shapes = groupOfOne();
+  plain.shapes = withoutGroup();
+  PatternItemList items(3);
+  items[2].toolNumber = 1;
+  ToolStationList list;
+  list.stations.resize(1);
+  list.tools.resize(1);
+  list.tools[0].shapeCode = 3;
+  list.tools[0].dimension1 = 4;
+  list.tools[0].dimension2 = 2;
+  ToolStationList turned = list;
+  turned.tools[0].orientation = 1.5707964F;
+  EXPECT_EQ(marksOf(group, &items, &list, limits, {0, 0}, 1, 100).outlines.data(),
+            marksOf(plain, &items, &turned, limits, {0, 0}, 1, 100).outlines.data());
+}
+
+TEST(Groups, OfASheetAndOfItsSkeletonArePlacedAlike) {
+  for (const bool isSkeleton : {false, true}) {
+    const auto grouped = plate(60, 45), placed = plate(60, 45);
+    (isSkeleton ? grouped->skeletonShapes : grouped->shapes).shapes = groupOfOne();
+    (isSkeleton ? placed->skeletonShapes : placed->shapes).shapes = withoutGroup();
+    const auto marks = [](const std::string& svg) {
+      static const std::regex kMarks("<path d=\"([^\"]+)\" fill=\"[^\"]+\" stroke=\"#a3420b\" stroke-width=\"1\"");
+      std::smatch found;
+      return std::regex_search(svg, found, kMarks) ? found[1].str() : "none";
+    };
+    EXPECT_NE(marks(drawn(*grouped)), "none");
+    EXPECT_EQ(marks(drawn(*grouped)), marks(drawn(*placed))) << isSkeleton;
+    EXPECT_TRUE(contains(drawn(*grouped), "the last head before it"));
+    EXPECT_FALSE(contains(drawn(*placed), "the last head before it"));
+  }
+}
+
 TEST(SheetPictures, TextsOfTheFileStayTexts) {
   const auto sheet = plate(60, 45);
   place(*sheet, 50, 30, 1, 1);

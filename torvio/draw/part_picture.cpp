@@ -14,7 +14,7 @@ bool hasSize(const TorvPart& part) { return isLength(part.width) && isLength(par
 
 // What the marks of all parts of a picture have in common.
 struct Legend {
-  bool hasOutlines = false, hasCrosses = false;
+  bool hasOutlines = false, hasCrosses = false, hasGroups = false;
   std::uint64_t drawn = 0, outside = 0, left = 0;
 
   void describe(Picture& picture) const {
@@ -35,6 +35,7 @@ struct Legend {
       picture.assume("tools are centred on the placing points, and their orientations are in radians");
       picture.assume(kDimensionsAssumed);
     }
+    if (hasGroups) picture.assume(kGroupsAssumed);
     picture.assume("the file does not name its length unit");
     picture.leaveOut(outside, "shape", "shapes", "far outside of the part, or without a place");
     picture.leaveOut(left, "shape", "shapes", "beyond the cap of the picture");
@@ -60,6 +61,7 @@ void addMarks(Picture& picture, const TorvPart& part, const Box& box, double sca
     svg.path(marks.crosses.data()).set("fill", "none").set("stroke", kInk).set("stroke-width", stroke).close();
   legend.hasOutlines = legend.hasOutlines || !marks.outlines.empty();
   legend.hasCrosses = legend.hasCrosses || !marks.crosses.empty();
+  legend.hasGroups = legend.hasGroups || marks.hasGroups;
   legend.drawn += marks.drawn;
   legend.outside += marks.outside;
   legend.left += marks.left;

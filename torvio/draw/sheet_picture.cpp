@@ -319,6 +319,7 @@ class SheetPicture {
     symbols_.push_back({std::move(numbers), picture_.id("m" + std::to_string(symbols_.size())), work.drawn});
     const Symbol& symbol = symbols_.back();
     known.push_back(symbols_.size() - 1);
+    hasGroups_ = hasGroups_ || work.hasGroups;
     symbolMarks_ += work.drawn;
     Svg& svg = picture_.svg();
     svg.open("defs").open("g").set("id", symbol.id).set("stroke", kInk).set("fill", "none").set("stroke-width", 0.6);
@@ -399,6 +400,7 @@ class SheetPicture {
     svg.text({0, label->size * 0.35}, label->text, {.size = label->size, .anchor = "middle", .isBold = true});
     svg.close();
   }
+    ShapePlaces places;
 
   void drawShapes(const ShapeList& list, bool isSkeleton) {
     constexpr std::uint64_t kMost = 20000;
@@ -406,7 +408,8 @@ class SheetPicture {
     std::uint64_t drawn = 0, outside = 0, left = 0;
     const double reach = isSkeleton ? 2.2 : 3.2;
     for (const Shape& shape : list.shapes) {
-      const Point at = view_.at(static_cast<double>(shape.x), static_cast<double>(shape.y));
+      const ShapePlaces::Place place = places.placeOf(shape);
+      const Point at = view_.at(place.x, place.y);
       const bool isInside =
           at.x >= area_.x - 1 && at.x <= area_.right() + 1 && at.y >= area_.y - 1 && at.y <= area_.bottom() + 1;
       if (!isInside)
@@ -419,6 +422,7 @@ class SheetPicture {
             .line({at.x + reach, at.y})
             .line({at.x, at.y + reach})
             .close();
+    hasGroups_ = hasGroups_ || places.hasMembers();
       else
         marks.move({at.x - reach, at.y})
             .line({at.x + reach, at.y})
@@ -458,6 +462,7 @@ class SheetPicture {
       });
       picture_.assume("tools are centred on the placing points of the shapes; orientations are in radians");
       picture_.assume(kDimensionsAssumed);
+    if (hasGroups_) picture_.assume(kGroupsAssumed);
     }
     if (hasCrosses_)
       picture_.key("placing point of a shape of a part without a tool outline", [](Svg& icon, const Box&) {
@@ -515,6 +520,7 @@ class SheetPicture {
   View view_;
   Box area_;
   std::vector<Placed> placed_;
+  bool hasGroups_ = false;
   std::vector<Symbol> symbols_;
   std::map<std::size_t, std::vector<std::size_t>> symbolsOfPart_;
   std::uint64_t symbolMarks_ = 0;

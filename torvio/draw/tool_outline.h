@@ -24,8 +24,8 @@ struct Extent {
 // in a file of its own, a shear, a laser, an unknown code, or dimensions that are not positive numbers.
 std::optional<Extent> outlineOf(const OldTool& tool);
 
-// Appends the outline, centred and turned by its orientation. False if there is none.
-bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale);
+// Appends the outline, centred and turned by its orientation and by `turned` in radians. False if there is none.
+bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale, double turned = 0);
 
 inline constexpr const char* kDimensionsAssumed =
     "dimension1 is the diameter or width, dimension2 the height or the distance to a flat, dimension3 the radius of "
@@ -45,8 +45,28 @@ struct WorkMarks {
   std::uint64_t left = 0;     // beyond the cap
 };
 // `limits` are in length units with y up; the marks are scaled and turned upside down, relative to `origin`. `cross` is the
+// Places the shapes of a list, in their order. A member of a group is stored in the frame of its head: relative to the
+// place of the head, and turned by its angle.
+class ShapePlaces {
+ public:
+  struct Place {
+    double x = 0, y = 0;  // in length units
+    double turned = 0;    // in radians
+  };
+  Place placeOf(const Shape& shape);
+  bool hasMembers() const { return hasMembers_; }  // so far
+
+ private:
+  Place head_;
+  bool hasHead_ = false, hasMembers_ = false;
+};
+
+inline constexpr const char* kGroupsAssumed =
+    "a shape of a group belongs to the last head before it, is placed from there, and turned by its angle in radians";
+
 // reach of a cross.
 WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
                   const Box& limits, Point origin, double scale, std::uint64_t cap, double cross = 1.6);
 
 }  // namespace oldtorvio::draw
+  bool hasGroups = false;
