@@ -513,6 +513,44 @@ TEST(Pictures, OfADamagedFileOnlyWhatWasReadIsDrawn) {
   EXPECT_FALSE(contains(early, "45</text>"));  // a height that the file does not have
   EXPECT_TRUE(contains(late, ">77</text>"));
   EXPECT_FALSE(contains(late, "clamp, not to scale"));
+  EXPECT_FALSE(contains(late, "0 parts"));
+  EXPECT_TRUE(contains(drawnUpTo(file.size()), "0 parts"));
+}
+
+TEST(Pictures, OfTheOldestPartsAreNotCalledDamaged) {
+  const Bytes file = Bytes().i16(3).f32(30).f32(20).zeros(70);
+  const DrawnFile picture = drawFile(file.span(), frame::FileKind::part, "old", {});
+  EXPECT_FALSE(contains(picture.svg, "amaged"));
+  EXPECT_TRUE(contains(picture.svg, "No load reads all of a file of this version"));
+  EXPECT_TRUE(contains(picture.svg, ">30</text>"));
+  const Bytes cut = file.cut(40);
+  EXPECT_TRUE(contains(drawFile(cut.span(), frame::FileKind::part, "old", {}).svg, "Damaged file"));
+}
+
+TEST(Pictures, ToleratedFaultsAreNamed) {
+  const Bytes cut = machineFile(152);
+  EXPECT_TRUE(contains(drawFile(cut.span().first(cut.size() - 1), frame::FileKind::machine, "m", {}).svg,
+                       "the load did not read"));
+  EXPECT_FALSE(contains(drawFile(cut.span(), frame::FileKind::machine, "m", {}).svg, "the load did not read"));
+}
+
+TEST(Pictures, PartsHaveNoNameThatTheirFileLacks) {
+  const Bytes file = partFile(180);
+  EXPECT_FALSE(contains(drawFile(file.span(), frame::FileKind::part, "p.part", {}).svg, "NEW PART"));
+}
+
+TEST(Pictures, StationsOfAMachineWithoutAToolAreLeftOut) {
+  OldMachine machine;
+  machine.stationsA.stations.resize(3);
+  machine.stationsA.tools.resize(3);
+  for (OldTool& tool : machine.stationsA.tools) tool.shapeCode = 1, tool.dimension1 = 1;
+  machine.stationsA.stations[0].toolCount = 1;
+  machine.stationsA.stations[1].toolCount = -1;
+  machine.stationsB = machine.stationsA;
+  const std::string svg = drawMachine(machine, {"m", "machine", "", {}}, {});
+  EXPECT_EQ(countOf(svg, ">ROUND</text>"), 1U);
+  EXPECT_TRUE(contains(svg, "2 stations: without a tool"));
+  EXPECT_TRUE(contains(svg, "3 stations: of the second list"));
 }
 
 TEST(Pictures, PartsShowTheOutlinesOfTheirTools) {

@@ -497,8 +497,9 @@ Info infoOf(std::string_view path, std::span<const std::byte> bytes, const Judge
     info.remark = faultText(*report.tolerated) + ", which is tolerated";
   else if (!report.endsExactly())
     info.remark = report.unread();
-  if (info.verdict == Verdict::refusedVersion || info.verdict == Verdict::foreign) return info;
-  const explain::ReadMembers read(bytes, *judgement.kind, report);
+  if (info.verdict == Verdict::foreign || (info.verdict == Verdict::refusedVersion && !report.endsInRest()))
+    return info;
+  const explain::ReadMembers read(bytes, *judgement.kind);
   InfoBuilder builder(info, read, encoding);
   withFileRecord(*judgement.kind,
                  [&](auto file) { builder.describe(*values::loadRecord<decltype(file)::kKind>(bytes).record); });

@@ -115,8 +115,8 @@ class DrawCommand : public Command {
     if (!file.error().empty()) return refuse(file.error(), kNotReadOrWritten);
     const archive::Judgement judgement = archive::judge(path, file.bytes(), judge_);
     const auto kind = judgement.kind;
-    if (!kind || judgement.verdict == archive::Verdict::refusedVersion)
-      return refuse("cannot be drawn: not a file of a known kind and version", kDamaged);
+    const bool isRefused = judgement.verdict == archive::Verdict::refusedVersion && !judgement.report.endsInRest();
+    if (!kind || isRefused) return refuse("cannot be drawn: not a file of a known kind and version", kDamaged);
     if (!draw::canDraw(*kind))
       return refuse("cannot be drawn: a " + std::string(frame::infoOf(*kind).name) + " file has no picture, only " +
                         draw::kDrawableKinds + " have",
@@ -127,7 +127,8 @@ class DrawCommand : public Command {
     options.isInline = isInline;
     draw::DrawnFile picture = draw::drawFile(file.bytes(), *kind, drawn.card.name, options);
     drawn.card.svg = std::move(picture.svg);
-    drawn.card.note = picture.kind + (picture.fault.empty() ? "" : ", damaged");
+    const char* const fault = picture.isUnreadVersion ? "not read further" : "damaged";
+    drawn.card.note = picture.kind + (picture.fault.empty() ? "" : std::string(", ") + fault);
     if (!picture.fault.empty()) {
       drawn.error = "damaged " + picture.fault + "; what was read is drawn";
       drawn.code = kDamaged;

@@ -21,12 +21,9 @@ DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_
   const explain::FileReport report = explain::checkFile(bytes, kind);
   FileNote file{std::string(name), std::string(frame::infoOf(kind).name), "", {bytes, kind, report}};
   file.kind.append(", version ").append(report.version ? std::to_string(*report.version) : "unknown");
-  if (report.fault) {
-    char offset[32];
-    (void)std::snprintf(offset, sizeof offset, "%08llx", static_cast<unsigned long long>(report.fault->offset));
-    file.fault.append("at ").append(offset).append(" in ").append(report.fault->path);
-    file.fault.append(": ").append(report.fault->reason);
-  }
+  if (report.fault) file.fault = textOf(*report.fault);
+  if (report.tolerated) file.tolerated = textOf(*report.tolerated);
+  file.isUnreadVersion = report.endsInRest();
   const auto picture = [&]() -> std::string {
     switch (kind) {
       case FileKind::sheet:
@@ -41,7 +38,7 @@ DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_
         return "";
     }
   };
-  return {picture(), file.kind, file.fault};
+  return {picture(), file.kind, file.fault, file.isUnreadVersion};
 }
 
 }  // namespace oldtorvio::draw

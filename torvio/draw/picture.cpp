@@ -83,12 +83,14 @@ void Picture::head() {
   const double height = 34 + 18 * static_cast<double>(lines.size());
   svg_.rect({kMargin, y_, kContentWidth, height}).set("fill", "#fdeee4").set("stroke", kAccent).close();
   svg_.rect({kMargin, y_, 6, height}).set("fill", kAccent).close();
-  svg_.text({kMargin + 20, y_ + 22}, "Damaged file: this is what could be read of it",
+  svg_.text({kMargin + 20, y_ + 22},
+            file_.isUnreadVersion ? "No load reads all of a file of this version: this is what it reads"
+                                  : "Damaged file: this is what could be read of it",
             {.size = 14, .fill = kAccent, .isBold = true});
   for (std::size_t i = 0; i < lines.size(); ++i)
     svg_.text({kMargin + 20, y_ + 42 + 18 * static_cast<double>(i)}, lines[i], {.size = kBody});
   y_ += height + 12;
-  description_.append("; damaged: ").append(file_.fault);
+  description_.append(file_.isUnreadVersion ? "; not read further: " : "; damaged: ").append(file_.fault);
 }
 
 View Picture::fit(const Box& world, double left, double top, double right, double bottom, double mostHeight) {

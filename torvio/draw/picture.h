@@ -22,6 +22,9 @@ struct FileNote {
   std::string kind;           // "sheet, version 180"
   std::string fault;          // why not all of the file could be read; empty for a sound file
   explain::ReadMembers read;  // what was read
+  // Why the fault does not mean damage, or what a load tolerated.
+  bool isUnreadVersion = false;
+  std::string tolerated = {};
 };
 
 struct PictureOptions {
