@@ -43,7 +43,7 @@ class Extract {
     facts.materialType = text(part.materialType);
     setSize(facts, part);
     facts.shapeCount = countOf(part.shapes.shapes);
-    addTools(facts, "toolStations", part.toolStations);
+    addTools(facts, "toolStations", part.toolStations, draw::holdsTool);
     return facts;
   }
   Facts facts(const SheetPartList& list) const {
@@ -57,9 +57,9 @@ class Extract {
     facts.width = machine.sizeX;
     facts.height = machine.sizeY;
     facts.material = decoded(machine.material.name);
-    addTools(facts, "stationsA", machine.stationsA);
-    addTools(facts, "stationsB", machine.stationsB);
-    addTools(facts, "stationsC", machine.stationsC);
+    addTools(facts, "stationsA", machine.stationsA, draw::machineHoldsTool);
+    addTools(facts, "stationsB", machine.stationsB, draw::machineHoldsTool);
+    addTools(facts, "stationsC", machine.stationsC, draw::machineHoldsTool);
     return facts;
   }
   Facts facts(const OldMaterial& material) const {
@@ -82,7 +82,7 @@ class Extract {
   Facts facts(const OldMacro& macro) const {
     Facts facts;
     facts.shapeCount = countOf(macro.shapes.shapes);
-    addTools(facts, "stationList", macro.stationList);
+    addTools(facts, "stationList", macro.stationList, draw::holdsTool);
     return facts;
   }
   Facts facts(const OldSpecialTool& file) const {
@@ -146,11 +146,11 @@ class Extract {
     if (tool.shapeCode == kSpecialTool) facts.specialTool = text(tool.specialToolPath);
     return facts;
   }
-  // Stations without a tool have a tool of shape code 0.
-  void addTools(Facts& facts, std::string_view list, const ToolStationList& stations) const {
+  // `holdsTool` says which stations hold one: those of a machine count theirs.
+  void addTools(Facts& facts, std::string_view list, const ToolStationList& stations, auto holdsTool) const {
     std::int64_t tools = 0;
-    for (std::size_t i = 0; i < stations.tools.size(); ++i) {
-      if (stations.tools[i].shapeCode == 0) continue;
+    for (std::size_t i = 0; i < std::min(stations.stations.size(), stations.tools.size()); ++i) {
+      if (!holdsTool(stations.stations[i], stations.tools[i])) continue;
       facts.tools.push_back(toolFacts(list, i, stations.tools[i]));
       ++tools;
     }

@@ -218,7 +218,8 @@ class InfoBuilder {
     const std::pair<const char*, const ToolStationList*> lists[] = {
         {"stationsA", &machine.stationsA}, {"stationsB", &machine.stationsB}, {"stationsC", &machine.stationsC}};
     for (const auto& [name, list] : lists)
-      if (read_.has(name) && !list->tools.empty()) listTools(name, *list, allOf(*list), nullptr);
+      if (read_.has(name) && !list->tools.empty())
+        listTools(name, *list, allOf(*list), nullptr, draw::machineHoldsTool);
   }
 
   void describe(const OldMaterial& material) {
@@ -353,17 +354,21 @@ class InfoBuilder {
     for (std::size_t i = 0; i < all.size(); ++i) all[i] = i;
     return all;
   }
+    const OldTool none;
   void listTools(const char* key, const ToolStationList& list, const std::vector<std::size_t>& positions,
-                 const std::vector<std::uint64_t>* uses) {
+                 const std::vector<std::uint64_t>* uses,
+                 bool (*holdsTool)(const ToolStation&, const OldTool&) = draw::holdsTool) {
     InfoTable table{key, {"station", "tool", "dimensions", "orientation", "file"}, {}};
     if (uses != nullptr) table.columns.emplace_back("shapes");
     for (const std::size_t position : positions) {
       if (position >= list.stations.size() || position >= list.tools.size()) continue;
-      const OldTool& tool = list.tools[position];
+      const ToolStation& station = list.stations[position];
+      const bool isEmpty = !holdsTool(station, list.tools[position]);
+      const OldTool& tool = isEmpty ? none : list.tools[position];
       const std::string file = tool.shapeCode == kSpecialTool ? decoded(tool.specialToolPath) : "";
       auto& row = table.rows.emplace_back();
-      row = {numberOf(list.stations[position].stationNumber),
-             {tool.shapeCode == 0 ? "none" : kindOf(tool)},
+      row = {numberOf(station.stationNumber),
+             {isEmpty ? "none" : kindOf(tool)},
              {draw::dimensionText(tool)},
              numberOf(tool.orientation),
              {file}};

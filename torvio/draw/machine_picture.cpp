@@ -49,6 +49,8 @@ std::string drawMachine(const OldMachine& machine, const FileNote& file, const P
   picture.fact("Stations", countText(machine.stationsA.stations.size()));
   if (!machine.stationsB.stations.empty())
     picture.fact("Second station list", countText(machine.stationsB.stations.size()));
+  if (!machine.stationsC.stations.empty())
+    picture.fact("Third station list", countText(machine.stationsC.stations.size()));
   if (file.read.has("clampInfo")) picture.fact("Clamps", std::to_string(machine.clampInfo.clampCount));
   picture.fact("Material", picture.decoded(std::string_view(machine.material.name)));
   picture.fact("NC path", picture.decoded(machine.ncPath));
@@ -132,7 +134,9 @@ std::string drawMachine(const OldMachine& machine, const FileNote& file, const P
     picture.moveTo(picture.y() + 40);
   }
   picture.assume("the file does not name its length unit");
-  stationTable(picture, machine.stationsA, nullptr);
+  stationTable(picture, machine.stationsA, machineHoldsTool, nullptr);
+  picture.leaveOut(machine.stationsB.stations.size(), "station", "stations", "of the second list");
+  picture.leaveOut(machine.stationsC.stations.size(), "station", "stations", "of the third list");
   if (!machine.stationsA.tools.empty()) picture.assume(kDimensionsAssumed);
   return picture.take();
 }

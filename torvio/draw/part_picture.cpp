@@ -164,7 +164,7 @@ std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOp
     nothing(picture, "Nothing to draw: the size of the part is not positive");
     picture.leaveOut(part.shapes.shapes.size(), "shape", "shapes", "the part has no size");
   }
-  stationTable(picture, part.toolStations, &uses);
+  stationTable(picture, part.toolStations, holdsTool, &uses);
   return picture.take();
 }
 

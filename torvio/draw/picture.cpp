@@ -263,7 +263,8 @@ std::string Picture::take() {
   return (options_.isInline ? "" : "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n") + root.take();
 }
 
-void stationTable(Picture& picture, const ToolStationList& list, const std::vector<std::uint64_t>* uses) {
+void stationTable(Picture& picture, const ToolStationList& list, bool (*holdsTool)(const ToolStation&, const OldTool&),
+                  const std::vector<std::uint64_t>* uses) {
   constexpr std::size_t kMostStations = 160, kColumns = 8;
   constexpr double kWidth = kContentWidth / kColumns, kHeight = 132, kIcon = 74, kPad = 8;
   std::vector<std::size_t> shown;
@@ -272,7 +273,7 @@ void stationTable(Picture& picture, const ToolStationList& list, const std::vect
   const std::size_t count = std::min(list.stations.size(), list.tools.size());
   for (std::size_t i = 0; i < count; ++i) {
     const OldTool& tool = list.tools[i];
-    if (tool.shapeCode == 0) {
+    if (!holdsTool(list.stations[i], tool)) {
       ++empty;
       continue;
     }

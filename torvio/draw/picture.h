@@ -128,8 +128,9 @@ class Picture {
   double y_ = kMargin;
 };
 
-// A grid of stations with the outlines of their tools, all to one scale. `uses` counts the shapes of each station.
-void stationTable(Picture& picture, const ToolStationList& list, const std::vector<std::uint64_t>* uses);
+// A grid of the stations that hold a tool with its outline, all to one scale. `uses` counts the shapes of each station.
+void stationTable(Picture& picture, const ToolStationList& list, bool (*holdsTool)(const ToolStation&, const OldTool&),
+                  const std::vector<std::uint64_t>* uses);
 
 // "96 x 48".
 std::string sizesText(double width, double height);

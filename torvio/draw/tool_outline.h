@@ -35,6 +35,13 @@ inline constexpr const char* kDimensionsAssumed =
 std::string dimensionText(const OldTool& tool);
 
 // The tool of a station number, which is 1-based; none if the list has no such station.
+// Whether a station of a part or macro holds a tool: one whose shape code is 0 is none.
+inline bool holdsTool(const ToolStation&, const OldTool& tool) { return tool.shapeCode != 0; }
+// A station of a machine counts its tools as well, and its query returns none where the count is below 1.
+inline bool machineHoldsTool(const ToolStation& station, const OldTool& tool) {
+  return station.toolCount >= 1 && tool.shapeCode != 0;
+}
+
 const OldTool* toolAt(const ToolStationList& list, std::int64_t number);
 
 // The shapes of a part or of a sheet as marks: the outline of the tool of each, else a cross.
