@@ -7,6 +7,8 @@
 
 #include "src/file_records.h"
 #include "src/records/tool_layout.h"
+#include "torvio/draw/tool_outline.h"
+#include "torvio/values/quantity.h"
 
 namespace oldtorvio::archive {
 namespace {
@@ -107,21 +109,15 @@ class Extract {
   }
   static std::int64_t countOf(const auto& list) { return static_cast<std::int64_t>(list.size()); }
 
+  static std::int64_t signedCount(std::uint64_t count) {
+    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int64_t>(std::min(count, kMost));
+  }
+
   static void setSize(Facts& facts, const auto& record) {
     facts.width = record.width;
     facts.height = record.height;
     facts.thickness = record.thickness;
-  }
-
-  // Unlike the queries it does not wrap.
-  static std::int64_t quantityOf(const TorvPart& part) {
-    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
-    std::uint64_t sum = 0;
-    for (const Pattern& pattern : part.patterns) {
-      const std::uint64_t placements = std::uint64_t{pattern.gridCount1} * pattern.gridCount2;
-      sum = placements > kMost - sum ? kMost : sum + placements;
-    }
-    return static_cast<std::int64_t>(sum);
   }
 
   void addParts(Facts& facts, const std::vector<TorvPart>& parts) const {
@@ -130,12 +126,12 @@ class Extract {
     facts.parts.reserve(parts.size());
     for (const TorvPart& part : parts) {
       facts.parts.push_back({text(part.partName), text(part.partFullDosName), text(part.materialName),
-                             text(part.woNumber), part.width, part.height, part.thickness, quantityOf(part)});
-      const std::int64_t quantity = facts.parts.back().quantity;
-      placements = quantity > kMost - placements ? kMost : placements + quantity;
+                             text(part.woNumber), part.width, part.height, part.thickness,
+                             signedCount(values::quantityOf(part))});
+      placements = values::sumOf(placements, values::quantityOf(part));
     }
     facts.partCount = countOf(parts);
-    facts.placementCount = placements;
+    facts.placementCount = signedCount(placements);
   }
 
   ToolFacts toolFacts(std::string_view list, std::size_t at, const OldTool& tool) const {

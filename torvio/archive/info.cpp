@@ -10,6 +10,7 @@
 
 #include "torvio/draw/tool_outline.h"
 #include "torvio/explain/read_members.h"
+#include "torvio/values/quantity.h"
 #include "torvio/values/record_bytes.h"
 
 namespace oldtorvio::archive {
@@ -40,13 +41,6 @@ std::string shown(float value) { return draw::sizeText(static_cast<double>(value
 template <std::integral T>
 std::string shown(T value) {
   return digitsOf(value);
-}
-
-std::uint64_t copiesOf(const TorvPart& part) {
-  // In 32 bits, as the library counts them.
-  std::uint32_t copies = 0;
-  for (const Pattern& pattern : part.patterns) copies += pattern.gridCount1 * pattern.gridCount2;
-  return copies;
 }
 
 // The tools that a nest uses, by the rules of GetOldSheetInfo, in order of first use. Unlike there, a number after the
@@ -131,7 +125,7 @@ class InfoBuilder {
       std::set<std::string> orders;
       for (const TorvPart& part : parts) {
         placements += part.patterns.size();
-        copies += copiesOf(part);
+        copies = values::sumOf(copies, values::quantityOf(part));
         if (!fixedText(part.woNumber).empty()) orders.insert(decoded(part.woNumber));
       }
       std::string all;
@@ -335,7 +329,7 @@ class InfoBuilder {
       auto& row = table.rows.emplace_back();
       row = {{decoded(part.partName)}, numberOf(part.width),         numberOf(part.height),
              numberOf(part.thickness), {decoded(part.materialType)}, numberOf(part.shapes.shapes.size())};
-      if (isSheet) row.insert(row.end(), {numberOf(copiesOf(part)), {decoded(part.woNumber)}});
+      if (isSheet) row.insert(row.end(), {numberOf(values::quantityOf(part)), {decoded(part.woNumber)}});
     }
     addTable(std::move(table));
   }

@@ -13,6 +13,7 @@
 
 #include "torvio/draw/draw.h"
 #include "torvio/draw/tool_outline.h"
+#include "torvio/values/quantity.h"
 
 namespace oldtorvio::draw {
 namespace {
@@ -40,15 +41,7 @@ Grid gridOf(std::uint32_t count, std::uint32_t stepBits) {
   return {count, 1, static_cast<double>(step)};
 }
 
-std::uint64_t quantityOf(const TorvPart& part) {
-  std::uint32_t quantity = 0;
-  for (const Pattern& pattern : part.patterns) quantity += pattern.gridCount1 * pattern.gridCount2;
-  return quantity;
-}
-
-void addTo(std::uint64_t& sum, std::uint64_t more) {
-  sum = more > std::numeric_limits<std::uint64_t>::max() - sum ? std::numeric_limits<std::uint64_t>::max() : sum + more;
-}
+void addTo(std::uint64_t& sum, std::uint64_t more) { sum = values::sumOf(sum, more); }
 
 class SheetPicture {
  public:
@@ -501,7 +494,7 @@ class SheetPicture {
       svg.text({x + 44, line}, shortened(picture_.decoded(part.partName), 226, kSize), {.size = kSize});
       const std::string size = sizesText(static_cast<double>(part.width), static_cast<double>(part.height));
       svg.text({x + 280, line}, shortened(size, 140, kSize), {.size = kSize});
-      svg.text({x + 476, line}, "\xC3\x97" + countText(quantityOf(part)), {.size = kSize, .anchor = "end"});
+      svg.text({x + 476, line}, "\xC3\x97" + countText(values::quantityOf(part)), {.size = kSize, .anchor = "end"});
       svg.text({x + 496, line}, shortened(picture_.decoded(part.woNumber), 138, kSize),
                {.size = kSize, .fill = kMuted});
     }
