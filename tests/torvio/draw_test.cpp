@@ -665,6 +665,18 @@ TEST(ToolOutlines, FollowFromShapeCodeAndDimensions) {
   EXPECT_EQ(outline(turned), "M1 2L1 -2L-1 -2L-1 2Z");
 }
 
+TEST(ToolOutlines, DimensionsKeepTheirPlaces) {
+  EXPECT_EQ(dimensionText(toolOf(1, 0.5F)), "0.5");
+  EXPECT_EQ(dimensionText(toolOf(3, 2, 0.25F)), "2 x 0.25");
+  EXPECT_EQ(dimensionText(toolOf(110, 2, 0, 0.5F)), "2 x 0 x 0.5");
+  EXPECT_EQ(dimensionText(toolOf(3, 0, 2)), "0 x 2");
+  EXPECT_EQ(dimensionText(toolOf(3, 0)), "");
+  // Codes of symmetry, as far as a load takes them for such.
+  EXPECT_EQ(dimensionText(toolOf(108, 3, 2, 1)), "3 x 2");
+  EXPECT_EQ(dimensionText(toolOf(108, 3, 2, 2.00005F)), "3 x 2");
+  EXPECT_EQ(dimensionText(toolOf(108, 3, 2, 1.5F)), "3 x 2 x 1.5");
+}
+
 TEST(ToolOutlines, NeedPositiveDimensionsAndAKnownKind) {
   constexpr float kNan = std::numeric_limits<float>::quiet_NaN(), kInfinite = std::numeric_limits<float>::infinity();
   for (const std::int32_t code : {0, 9, 33, 108, 111, 112, -1, 999})

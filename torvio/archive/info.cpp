@@ -318,6 +318,8 @@ class InfoBuilder {
     text("tool", "tool", kindOf(tool));
     text("dimensions", "dimensions", draw::dimensionText(tool));
     number("orientation", "orientation", tool.orientation);
+    // No file says it of the other tools.
+    if (flags == 0 && tool.shapeCode != kSpecialTool) return;
     const std::uint32_t flags = tool.symmetryFlags;
     text("symmetry", "symmetry", (flags & 1U) != 0 ? "half turn" : (flags & 2U) != 0 ? "quarter turn" : "none");
   }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+
+#include "src/records/tool_layout.h"
 
 namespace oldtorvio::draw {
 namespace {
@@ -157,9 +160,13 @@ bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale, 
 }
 
 std::string dimensionText(const OldTool& tool) {
+  const float dimensions[] = {tool.dimension1, tool.dimension2, tool.dimension3};
+  std::size_t count = std::size(dimensions);
+  if (tool.shapeCode == kSpecial && symmetryOf(tool.dimension3) != 0) --count;
+  while (count > 0 && dimensions[count - 1] == 0) --count;
   std::string text;
-  for (const float dimension : {tool.dimension1, tool.dimension2, tool.dimension3})
-    if (dimension != 0) text.append(text.empty() ? "" : " x ").append(sizeText(static_cast<double>(dimension)));
+  for (std::size_t i = 0; i < count; ++i)
+    text.append(i == 0 ? "" : " x ").append(sizeText(static_cast<double>(dimensions[i])));
   return text;
 }
 
