@@ -13,9 +13,13 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/text/text.h"
+#include "src/machine/machine_io.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/part_files.h"
+#include "tests/support/sheet_files.h"
 #include "tests/tools/run_torvio.h"
+#include "torvio/archive/facts.h"
 
 namespace {
 
@@ -162,10 +166,6 @@ TEST(Infos, OfEveryKindAndVersionAreTextAndJson) {
     }
 }
 
-TEST(Infos, OfADamagedFileHaveOnlyWhatWasRead) {
-  const auto sheet = nest();
-  const Bytes all = saved(*sheet);
-  const auto upTo = [&](std::size_t size) {
 json jsonOf(const Bytes& file, explain::FileKind kind) { return json::parse(infoJson("", infoOfKind(file, kind))); }
 
 TEST(Infos, SayNothingOfWhatAVersionDoesNotStore) {
@@ -251,6 +251,10 @@ TEST(Infos, SymmetryCodeOfASpecialToolIsNoDimension) {
   EXPECT_EQ(infoWith(3)["symmetry"], "none");
 }
 
+TEST(Infos, OfADamagedFileHaveOnlyWhatWasRead) {
+  const auto sheet = nest();
+  const Bytes all = saved(*sheet);
+  const auto upTo = [&](std::size_t size) {
     JudgeOptions options;
     options.kind = explain::FileKind::sheet;
     return json::parse(infoJson("", infoOf("s", all.span().first(size), options, {})));

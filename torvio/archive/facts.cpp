@@ -121,8 +121,7 @@ class Extract {
   }
 
   void addParts(Facts& facts, const std::vector<TorvPart>& parts) const {
-    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-    std::int64_t placements = 0;
+    std::uint64_t placements = 0;
     facts.parts.reserve(parts.size());
     for (const TorvPart& part : parts) {
       facts.parts.push_back({text(part.partName), text(part.partFullDosName), text(part.materialName),

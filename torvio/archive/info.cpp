@@ -114,7 +114,7 @@ class InfoBuilder {
       text("material", "materialType", decoded(sheet.materialType));
       text("material group", "materialGroup", decoded(sheet.materialGroup));
     }
-    if (read_.has("paramTable")) text("parameters", "parameterTable", decoded(sheet.paramTable.name));
+    if (read_.has("paramTable")) text("material file", "materialFile", decoded(sheet.paramTable.name));
     if (read_.has("machine")) {
       text("machine", "machine", nameOf(sheet.machine));
       text("machine file", "machineFile", decoded(sheet.machine.path));
@@ -153,8 +153,7 @@ class InfoBuilder {
   }
 
   void describe(const TorvPart& part) {
-    // What a part file does not store has the default of a new part.
-    if (read_.has("partName") || part.version == 5) text("name", "name", decoded(part.partName));
+    if (read_.has("partName")) text("name", "name", decoded(part.partName));
     describeHead(part);
     if (read_.has("patterns") && !part.patterns.empty()) {
       const Pattern& first = part.patterns.front();
@@ -190,9 +189,9 @@ class InfoBuilder {
 
   void describe(const OldMachine& machine) {
     if (read_.has("displayName")) text("name", "name", decoded(machine.displayName));
-    if (read_.has("machineText1")) text("type", "type", decoded(machine.machineText1));
+    if (read_.has("machineText1")) text("text 1", "machineText1", decoded(machine.machineText1));
     if (read_.has("machineKind")) number("machine kind", "machineKind", machine.machineKind);
-    if (read_.has("secondText")) text("text", "secondText", decoded(machine.secondText));
+    if (read_.has("secondText")) text("second text", "secondText", decoded(machine.secondText));
     if (read_.has("machineText2")) text("text 2", "machineText2", decoded(machine.machineText2));
     if (read_.has("machineText3")) text("text 3", "machineText3", decoded(machine.machineText3));
     if (read_.has("sizeX")) size("size", "sizeX", machine.sizeX, "sizeY", machine.sizeY);
@@ -318,14 +317,14 @@ class InfoBuilder {
     text("tool", "tool", kindOf(tool));
     text("dimensions", "dimensions", draw::dimensionText(tool));
     number("orientation", "orientation", tool.orientation);
+    const std::uint32_t flags = tool.symmetryFlags;
     // No file says it of the other tools.
     if (flags == 0 && tool.shapeCode != kSpecialTool) return;
-    const std::uint32_t flags = tool.symmetryFlags;
     text("symmetry", "symmetry", (flags & 1U) != 0 ? "half turn" : (flags & 2U) != 0 ? "quarter turn" : "none");
   }
 
   void listParts(const std::vector<TorvPart>& parts, bool isSheet) {
-    InfoTable table{"parts", {"name", "width", "height", "thickness", "material", "shapes"}, {}};
+    InfoTable table{"parts", {"name", "width", "height", "thickness", "materialType", "shapes"}, {}};
     if (isSheet) table.columns.insert(table.columns.end(), {"quantity", "workOrder"});
     for (const TorvPart& part : parts) {
       auto& row = table.rows.emplace_back();
@@ -350,12 +349,12 @@ class InfoBuilder {
     for (std::size_t i = 0; i < all.size(); ++i) all[i] = i;
     return all;
   }
-    const OldTool none;
   void listTools(const char* key, const ToolStationList& list, const std::vector<std::size_t>& positions,
                  const std::vector<std::uint64_t>* uses,
                  bool (*holdsTool)(const ToolStation&, const OldTool&) = draw::holdsTool) {
     InfoTable table{key, {"station", "tool", "dimensions", "orientation", "file"}, {}};
     if (uses != nullptr) table.columns.emplace_back("shapes");
+    const OldTool none;
     for (const std::size_t position : positions) {
       if (position >= list.stations.size() || position >= list.tools.size()) continue;
       const ToolStation& station = list.stations[position];

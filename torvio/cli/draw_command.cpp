@@ -130,7 +130,7 @@ class DrawCommand : public Command {
     const char* const fault = picture.isUnreadVersion ? "not read further" : "damaged";
     drawn.card.note = picture.kind + (picture.fault.empty() ? "" : std::string(", ") + fault);
     if (!picture.fault.empty()) {
-      drawn.error = "damaged " + picture.fault + "; what was read is drawn";
+      drawn.error = std::string(fault) + " " + picture.fault + "; what was read is drawn";
       drawn.code = kDamaged;
     }
     return drawn;

@@ -12,6 +12,16 @@ using frame::FileKind;
 
 const char* const kDrawableKinds = "sheets, parts, group parts and machines";
 
+namespace {
+
+std::string textOf(const explain::Fault& fault) {
+  char offset[32];
+  (void)std::snprintf(offset, sizeof offset, "%08llx", static_cast<unsigned long long>(fault.offset));
+  return std::string("at ").append(offset).append(" in ").append(fault.path).append(": ").append(fault.reason);
+}
+
+}  // namespace
+
 bool canDraw(FileKind kind) {
   return kind == FileKind::sheet || kind == FileKind::part || kind == FileKind::groupPart || kind == FileKind::machine;
 }
@@ -19,7 +29,7 @@ bool canDraw(FileKind kind) {
 DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_view name,
                    const PictureOptions& options) {
   const explain::FileReport report = explain::checkFile(bytes, kind);
-  FileNote file{std::string(name), std::string(frame::infoOf(kind).name), "", {bytes, kind, report}};
+  FileNote file{std::string(name), std::string(frame::infoOf(kind).name), "", {bytes, kind}};
   file.kind.append(", version ").append(report.version ? std::to_string(*report.version) : "unknown");
   if (report.fault) file.fault = textOf(*report.fault);
   if (report.tolerated) file.tolerated = textOf(*report.tolerated);

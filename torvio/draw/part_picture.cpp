@@ -129,9 +129,9 @@ class Shelves {
 
 std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOptions& options) {
   Picture picture(file, options);
-  // A part file of today does not store the name of the part.
-  const std::string name = picture.decoded(part.partName);
-  picture.title(name.empty() || name == "NEW PART" ? file.name : name);
+  // Only the oldest part files store the name of the part.
+  const std::string name = file.read.has("partName") ? picture.decoded(part.partName) : "";
+  picture.title(name.empty() ? file.name : name);
   const bool isSizeRead = file.read.has("height");
   if (isSizeRead) picture.fact("Size", sizesText(static_cast<double>(part.width), static_cast<double>(part.height)));
   if (file.read.has("thickness")) picture.fact("Thickness", sizeText(static_cast<double>(part.thickness)));
@@ -140,7 +140,7 @@ std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOp
   if (file.read.has("productName")) picture.fact("Product", picture.decoded(part.productName));
   if (file.read.has("assemblyName")) picture.fact("Assembly", picture.decoded(part.assemblyName));
   picture.fact("Revision", picture.decoded(part.revision));
-  picture.fact("Shapes", countText(part.shapes.shapes.size()));
+  if (file.read.has("shapes")) picture.fact("Shapes", countText(part.shapes.shapes.size()));
   if (!part.patterns.empty()) {
     const Pattern& first = part.patterns.front();
     const double angle = std::atan2(static_cast<double>(first.rotationSin), static_cast<double>(first.rotationCos));
@@ -171,7 +171,7 @@ std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOp
 std::string drawGroupPart(const SheetPartList& list, const FileNote& file, const PictureOptions& options) {
   Picture picture(file, options);
   picture.title(file.name);
-  picture.fact("Parts", countText(list.parts.size()));
+  if (!list.parts.empty() || file.fault.empty()) picture.fact("Parts", countText(list.parts.size()));
   picture.head();
   std::vector<const TorvPart*> parts;
   std::uint64_t withoutSize = 0, left = 0;
@@ -188,7 +188,7 @@ std::string drawGroupPart(const SheetPartList& list, const FileNote& file, const
   picture.leaveOut(withoutSize, "part", "parts", "the size is not positive");
   picture.leaveOut(left, "part", "parts", "beyond the first 200");
   if (parts.empty()) {
-    nothing(picture, list.parts.empty() ? "Nothing to draw: no parts" : "Nothing to draw: no part has a size");
+    nothing(picture, list.parts.empty() ? "Nothing to draw: no part was read" : "Nothing to draw: no part has a size");
     return picture.take();
   }
 

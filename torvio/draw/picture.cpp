@@ -225,6 +225,7 @@ double Picture::notes(const std::vector<std::string>& lines, std::string_view ca
 }
 
 std::string Picture::take() {
+  if (!file_.tolerated.empty()) leaveOut("what the load did not read and tolerates, " + file_.tolerated);
   heading("Reading this picture");
   constexpr double kKeyWidth = 390, kGap = 40;
   y_ += 8;

@@ -194,7 +194,8 @@ class SheetPicture {
     std::string machine = picture_.decoded(sheet_.machine.displayName);
     if (machine.empty()) machine = picture_.decoded(sheet_.machine.machineText1);
     picture_.fact("Machine", machine);
-    picture_.fact("Parts", countText(parts().size(), "part, ", "parts, ") + countText(copies_, "copy", "copies"));
+    if (read_.has("partList"))
+      picture_.fact("Parts", countText(parts().size(), "part, ", "parts, ") + countText(copies_, "copy", "copies"));
     if (sheet_.utilization != 0) picture_.fact("Utilization", sizeText(static_cast<double>(sheet_.utilization)));
     picture_.head();
   }
@@ -312,13 +313,13 @@ class SheetPicture {
     symbols_.push_back({std::move(numbers), picture_.id("m" + std::to_string(symbols_.size())), work.drawn});
     const Symbol& symbol = symbols_.back();
     known.push_back(symbols_.size() - 1);
-    hasGroups_ = hasGroups_ || work.hasGroups;
     symbolMarks_ += work.drawn;
     Svg& svg = picture_.svg();
     svg.open("defs").open("g").set("id", symbol.id).set("stroke", kInk).set("fill", "none").set("stroke-width", 0.6);
     if (!work.outlines.empty()) svg.path(work.outlines.data()).set("fill", kHole).close();
     if (!work.crosses.empty()) svg.path(work.crosses.data()).close();
     svg.close().close();
+    hasGroups_ = hasGroups_ || work.hasGroups;
     hasOutlines_ = hasOutlines_ || !work.outlines.empty();
     hasCrosses_ = hasCrosses_ || !work.crosses.empty();
     return &symbol;
@@ -393,13 +394,13 @@ class SheetPicture {
     svg.text({0, label->size * 0.35}, label->text, {.size = label->size, .anchor = "middle", .isBold = true});
     svg.close();
   }
-    ShapePlaces places;
 
   void drawShapes(const ShapeList& list, bool isSkeleton) {
     constexpr std::uint64_t kMost = 20000;
     Path marks;
     std::uint64_t drawn = 0, outside = 0, left = 0;
     const double reach = isSkeleton ? 2.2 : 3.2;
+    ShapePlaces places;
     for (const Shape& shape : list.shapes) {
       const ShapePlaces::Place place = places.placeOf(shape);
       const Point at = view_.at(place.x, place.y);
@@ -415,13 +416,13 @@ class SheetPicture {
             .line({at.x + reach, at.y})
             .line({at.x, at.y + reach})
             .close();
-    hasGroups_ = hasGroups_ || places.hasMembers();
       else
         marks.move({at.x - reach, at.y})
             .line({at.x + reach, at.y})
             .move({at.x, at.y - reach})
             .line({at.x, at.y + reach});
     }
+    hasGroups_ = hasGroups_ || places.hasMembers();
     const std::string of = isSkeleton ? " of the skeleton" : " of the sheet";
     picture_.leaveOut(outside, "shape" + of, "shapes" + of, "outside of the picture");
     picture_.leaveOut(left, "shape" + of, "shapes" + of, "beyond the first 20,000");
@@ -455,13 +456,13 @@ class SheetPicture {
       });
       picture_.assume("tools are centred on the placing points of the shapes; orientations are in radians");
       picture_.assume(kDimensionsAssumed);
-    if (hasGroups_) picture_.assume(kGroupsAssumed);
     }
     if (hasCrosses_)
       picture_.key("placing point of a shape of a part without a tool outline", [](Svg& icon, const Box&) {
         icon.path(Path().move({10, 8}).line({16, 8}).move({13, 5}).line({13, 11}).data());
         icon.set("stroke", kInk).set("stroke-width", 0.8).close();
       });
+    if (hasGroups_) picture_.assume(kGroupsAssumed);
     if (isMerged_)
       picture_.assume("copies whose grid step is no length are one rectangle, marked \xC3\x97 with their number");
     if (isGrid_)
@@ -513,13 +514,13 @@ class SheetPicture {
   View view_;
   Box area_;
   std::vector<Placed> placed_;
-  bool hasGroups_ = false;
   std::vector<Symbol> symbols_;
   std::map<std::size_t, std::vector<std::size_t>> symbolsOfPart_;
   std::uint64_t symbolMarks_ = 0;
   std::uint64_t copies_ = 0, withoutSize_ = 0, withoutPlace_ = 0, beyondCap_ = 0, outside_ = 0;
   std::uint64_t marksBeyond_ = 0, marksOutside_ = 0, marksLeft_ = 0;
   bool isTurned_ = false, isGrid_ = false, isMerged_ = false, hasOutlines_ = false, hasCrosses_ = false;
+  bool hasGroups_ = false;
 };
 
 }  // namespace

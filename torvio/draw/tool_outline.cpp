@@ -175,13 +175,6 @@ const OldTool* toolAt(const ToolStationList& list, std::int64_t number) {
   return exists ? &list.tools[static_cast<std::size_t>(number - 1)] : nullptr;
 }
 
-WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
-                  const Box& limits, Point origin, double scale, std::uint64_t cap, double cross) {
-  constexpr double kSmallest = 0.6, kLargest = 3000;  // of what is drawn
-  WorkMarks marks;
-  for (std::size_t i = 0; i < shapes.shapes.size(); ++i) {
-    const auto [x, y, turned] = places.placeOf(shapes.shapes[i]);
-    const bool isInside = x >= limits.x && x <= limits.right() && y >= limits.y && y <= limits.bottom();
 ShapePlaces::Place ShapePlaces::placeOf(const Shape& shape) {
   constexpr std::int8_t kHead = 7;
   constexpr std::uint32_t kMember = 128;
@@ -199,11 +192,18 @@ ShapePlaces::Place ShapePlaces::placeOf(const Shape& shape) {
   return own;
 }
 
+WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
+                  const Box& limits, Point origin, double scale, std::uint64_t cap, double cross) {
+  constexpr double kSmallest = 0.6, kLargest = 3000;  // of what is drawn
+  WorkMarks marks;
+  ShapePlaces places;
+  for (std::size_t i = 0; i < shapes.shapes.size(); ++i) {
+    const auto [x, y, turned] = places.placeOf(shapes.shapes[i]);
+    const bool isInside = x >= limits.x && x <= limits.right() && y >= limits.y && y <= limits.bottom();
     if (!isInside) {
       ++marks.outside;
       continue;
     }
-  ShapePlaces places;
     if (marks.drawn >= cap) {
       ++marks.left;
       continue;
@@ -222,8 +222,8 @@ ShapePlaces::Place ShapePlaces::placeOf(const Shape& shape) {
           .move({at.x, at.y - cross})
           .line({at.x, at.y + cross});
   }
+  marks.hasGroups = places.hasMembers();
   return marks;
 }
 
 }  // namespace oldtorvio::draw
-  marks.hasGroups = places.hasMembers();

@@ -31,10 +31,10 @@ inline constexpr const char* kDimensionsAssumed =
     "dimension1 is the diameter or width, dimension2 the height or the distance to a flat, dimension3 the radius of "
     "rounded corners; a triangle has two sides at a right angle";
 
-// "0.5", "2 x 0.25": the dimensions of a tool without those that are 0.
+// "0.5", "2 x 0.25", "2 x 0 x 0.1": the dimensions of a tool up to the last that is not 0. The third of a special tool is
+// left out where it is the code of its symmetry.
 std::string dimensionText(const OldTool& tool);
 
-// The tool of a station number, which is 1-based; none if the list has no such station.
 // Whether a station of a part or macro holds a tool: one whose shape code is 0 is none.
 inline bool holdsTool(const ToolStation&, const OldTool& tool) { return tool.shapeCode != 0; }
 // A station of a machine counts its tools as well, and its query returns none where the count is below 1.
@@ -42,16 +42,9 @@ inline bool machineHoldsTool(const ToolStation& station, const OldTool& tool) {
   return station.toolCount >= 1 && tool.shapeCode != 0;
 }
 
+// The tool of a station number, which is 1-based; none if the list has no such station.
 const OldTool* toolAt(const ToolStationList& list, std::int64_t number);
 
-// The shapes of a part or of a sheet as marks: the outline of the tool of each, else a cross.
-struct WorkMarks {
-  Path outlines, crosses;
-  std::uint64_t drawn = 0;
-  std::uint64_t outside = 0;  // of `limits`, or without a place
-  std::uint64_t left = 0;     // beyond the cap
-};
-// `limits` are in length units with y up; the marks are scaled and turned upside down, relative to `origin`. `cross` is the
 // Places the shapes of a list, in their order. A member of a group is stored in the frame of its head: relative to the
 // place of the head, and turned by its angle.
 class ShapePlaces {
@@ -71,9 +64,17 @@ class ShapePlaces {
 inline constexpr const char* kGroupsAssumed =
     "a shape of a group belongs to the last head before it, is placed from there, and turned by its angle in radians";
 
+// The shapes of a part or of a sheet as marks: the outline of the tool of each, else a cross.
+struct WorkMarks {
+  Path outlines, crosses;
+  std::uint64_t drawn = 0;
+  std::uint64_t outside = 0;  // of `limits`, or without a place
+  std::uint64_t left = 0;     // beyond the cap
+  bool hasGroups = false;
+};
+// `limits` are in length units with y up; the marks are scaled and turned upside down, relative to `origin`. `cross` is the
 // reach of a cross.
 WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
                   const Box& limits, Point origin, double scale, std::uint64_t cap, double cross = 1.6);
 
 }  // namespace oldtorvio::draw
-  bool hasGroups = false;

@@ -4,9 +4,7 @@
 
 namespace oldtorvio::explain {
 
-ReadMembers::ReadMembers(std::span<const std::byte> bytes, FileKind kind, const FileReport& report)
-    : isComplete_(report.status == 0 && !report.fault) {
-  if (isComplete_) return;
+ReadMembers::ReadMembers(std::span<const std::byte> bytes, FileKind kind) : isComplete_(false) {
   (void)mapFile(bytes, kind, [this](const MapLine& line) {
     // One line may be of several members: "sizeX, sizeY".
     for (std::string_view rest = line.path; !rest.empty();) {
