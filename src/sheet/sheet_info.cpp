@@ -1,5 +1,4 @@
 // GetOldSheetInfo: material, size and machine of a sheet, and the tools that its nest uses.
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -7,6 +6,7 @@
 #include "src/frame/end_process.h"
 #include "src/frame/text/text.h"
 #include "src/records/tool_text.h"
+#include "src/sheet/nest.h"
 #include "src/sheet/sheet_file.h"
 
 namespace oldtorvio {
@@ -15,37 +15,15 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Whether a profile uses the special station of the machine.
-bool usesSpecialStation(const ProfileRecord& profile) {
-  return static_cast<std::int32_t>(profile.profileWords[1]) % 10 == 7 && profile.firstBlock.motionKind != 5 &&
-         profile.profileCondition1 != 0 && profile.profileCondition2 != 0;
-}
-
-bool nestUsesSpecialStation(const OldSheet& sheet) {
-  const auto anyOfPattern = [](const Pattern& pattern) {
-    return std::ranges::any_of(pattern.profiles, usesSpecialStation);
-  };
-  const auto anyOfPart = [&](const TorvPart& part) { return std::ranges::any_of(part.patterns, anyOfPattern); };
-  return std::ranges::any_of(sheet.profiles, usesSpecialStation) ||
-         std::ranges::any_of(sheet.partList.parts, anyOfPart);
-}
-
 // The tool numbers of a nest in order of first use.
 class UsedTools {
  public:
-  explicit UsedTools(const OldSheet& sheet)
-      : list_(sheet.machine.stationWord != 0 && !sheet.machine.stationsB.stations.empty() ? sheet.machine.stationsB
-                                                                                          : sheet.machine.stationsA) {
-    for (const TorvPart& part : sheet.partList.parts) {
-      for (const Pattern& pattern : part.patterns)
-        for (const PatternItem& item : pattern.items) note(item.toolNumber);
-      slots(part.processSlots, part.processSlotCount);
-    }
-    // The first 28 items of the sheet are ignored.
-    constexpr std::size_t kFirstItem = 28;
-    for (std::size_t i = kFirstItem; i < sheet.patternItems.size(); ++i) note(sheet.patternItems[i].toolNumber);
-    slots(sheet.processSlots, sheet.processSlotCount);
-    noteSpecialStation(sheet);
+  explicit UsedTools(const OldSheet& sheet) : list_(stationListOf(sheet.machine)) {
+    eachToolUse(sheet, [this](const ToolUse& use) {
+      const bool isUsed = use.slot == nullptr || (passes(use.number) && at(list_.stations, use.number).toolCount != 0);
+      if (isUsed) note(use.number);
+    });
+    if (const auto special = specialStationOf(sheet)) note(*special);
   }
 
   // An item equal to the one before it is left out.
@@ -74,23 +52,6 @@ class UsedTools {
     isNoted_[static_cast<std::size_t>(number)] = 1;
     numbers_.push_back(number);
   }
-  void slots(const ProcessSlots& all, int count) {
-    for (std::size_t i = 0; i < all.size() && static_cast<int>(i) < count; ++i) {
-      const ProcessSlot& slot = all[i];
-      if (slot.toolUse != 1 || slot.toolActive == 0) continue;
-      const auto number =
-          static_cast<std::int16_t>(slot.toolChoice != 0 ? slot.secondToolNumber : slot.firstToolNumber);
-      if (passes(number) && at(list_.stations, number).toolCount != 0) note(number);
-    }
-  }
-  void noteSpecialStation(const OldSheet& sheet) {
-    constexpr std::int32_t kCombined = 4;
-    constexpr unsigned kSpecial = 2;
-    if (sheet.machine.machineKind != kCombined || !nestUsesSpecialStation(sheet)) return;
-    const auto special = std::ranges::find_if(list_.stations, [](auto& s) { return (s.byteA & kSpecial) != 0; });
-    if (special != list_.stations.end()) note(special - list_.stations.begin() + 1);
-  }
-
   const ToolStationList& list_;
   std::int64_t last_ = static_cast<std::int64_t>(list_.stations.size()) + 1;
   std::vector<std::uint8_t> isNoted_ = std::vector<std::uint8_t>(list_.stations.size() + 2);  // by number

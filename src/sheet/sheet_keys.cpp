@@ -7,6 +7,7 @@
 #include "OldTorvIO/sheet.h"
 #include "src/frame/entry.h"
 #include "src/frame/text/text.h"
+#include "src/sheet/nest.h"
 
 namespace oldtorvio {
 namespace {
@@ -26,12 +27,7 @@ std::string integer(std::int64_t value) {
   return text;
 }
 
-// The number of placements of the part. It wraps at 32 bits.
-std::int32_t quantityOf(const TorvPart& part) {
-  std::uint32_t quantity = 0;
-  for (const Pattern& pattern : part.patterns) quantity += pattern.gridCount1 * pattern.gridCount2;
-  return static_cast<std::int32_t>(quantity);
-}
+std::int32_t signedQuantityOf(const TorvPart& part) { return static_cast<std::int32_t>(quantityOf(part)); }
 
 // The items of all parts, without the last character.
 template <class Item>
@@ -44,17 +40,17 @@ std::string listOf(const OldSheet& sheet, const Item& append) {
 }
 
 void appendPathAndCount(std::string& text, const TorvPart& part) {
-  text.append(fixedText(part.partFullDosName)).append(" |").append(integer(quantityOf(part))).append(" |");
+  text.append(fixedText(part.partFullDosName)).append(" |").append(integer(signedQuantityOf(part))).append(" |");
 }
 void appendWithOrder(std::string& text, std::string_view name, const TorvPart& part) {
-  text.append(name).append(" |").append(integer(quantityOf(part))).append(" |");
+  text.append(name).append(" |").append(integer(signedQuantityOf(part))).append(" |");
   text.append(fixedText(part.woNumber)).append(" |");
 }
 void appendDetails(std::string& text, const TorvPart& part) {
   text.append(fixedText(part.partFullDosName)).append("|");
   text.append(fixed6(static_cast<double>(part.width))).append("|");
   text.append(fixed6(static_cast<double>(part.height))).append("|");
-  text.append(integer(quantityOf(part))).append("|").append(fixedText(part.woNumber)).append("|;|");
+  text.append(integer(signedQuantityOf(part))).append("|").append(fixedText(part.woNumber)).append("|;|");
 }
 
 // The cut shapes of the skeleton have a mark in values[8].

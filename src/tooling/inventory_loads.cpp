@@ -8,6 +8,7 @@
 #include "src/frame/text/text.h"
 #include "src/records/tool_layout.h"
 #include "src/tooling/inventory_io.h"
+#include "src/tooling/tool_kinds.h"
 
 namespace oldtorvio {
 namespace {
@@ -29,27 +30,16 @@ std::int64_t load(const char* path, OldToolInventory& inventory, Read&& read) no
       read);
 }
 
-struct ToolKind {
-  std::int32_t shapeCode;
-  std::string_view name;
-};
-constexpr ToolKind kToolKinds[] = {
-    {1, "ROUND"},      {3, "RECTANGLE"},  {9, "RIGHT ANGLE SHEAR"}, {33, "LASER CUTTING TOOL"},
-    {103, "SQUARE"},   {104, "SINGLE D"}, {105, "DOUBLE D"},        {106, "OBROUND"},
-    {107, "TRIANGLE"}, {109, "CORNERR"},  {110, "ROUNDED C"},       {112, "GR"},
-};
-
 // A code without a name leaves the buffer unchanged.
 void copyOutName(const OldTool& tool, char* name) {
   if (tool.shapeCode == kSpecialTool) {
-    const auto& files = currentToolInventory.specialToolFiles;
-    const std::int64_t index = std::int64_t{tool.specialToolIndex} - 1;
-    if (index < 0 || static_cast<std::size_t>(index) >= files.size()) EndProcessForSubscript();
-    copyOut(name, baseName(fixedText(files[static_cast<std::size_t>(index)])));
+    const auto* const file = specialToolFileOf(currentToolInventory, tool);
+    if (file == nullptr) EndProcessForSubscript();
+    copyOut(name, baseName(fixedText(*file)));
     return;
   }
-  for (const ToolKind& kind : kToolKinds)
-    if (kind.shapeCode == tool.shapeCode) copyOut(name, kind.name);
+  const std::string_view kind = nameOfToolKind(tool.shapeCode);
+  if (!kind.empty()) copyOut(name, kind);
 }
 
 void copyOutValues(std::int32_t count, const float (&values)[6], float* const (&to)[6]) {

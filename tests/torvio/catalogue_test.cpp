@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "src/sheet/sheet_io.h"
@@ -347,6 +348,75 @@ TEST_F(Catalogues, KilledRunsLoseAndDoubleNothing) {
   EXPECT_EQ(runShell(command + complete + " >/dev/null").code, 1);
   EXPECT_EQ(value("SELECT count(*) FROM file"), std::to_string(kFiles));
   EXPECT_EQ(contentsOf(catalogue_), contentsOf(complete));
+}
+
+// ---- two runs at a time --------------------------------------------------------------------------------
+
+TEST_F(Catalogues, TwoRunsAtATimeMakeOneCatalogue) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  constexpr int kFiles = 300;
+  for (int i = 0; i < kFiles; ++i) files_.write(std::to_string(i) + ".nst", nest());
+  const std::string command =
+      std::string(TORVIO_COMMAND) + " check " + files_.path() + " --ext sheet=.nst -o " + catalogue_ + " >/dev/null";
+  const Outcome both = runShell(command + " & " + command + "; other=$?; wait $! || exit 101; exit $other");
+  EXPECT_EQ(both.code, 0) << both.errors;
+  EXPECT_EQ(both.errors, "");
+  EXPECT_EQ(value("SELECT count(*) FROM file WHERE verdict = 'sound'"), std::to_string(kFiles));
+  EXPECT_EQ(value("SELECT count(*) FROM part"), std::to_string(2 * kFiles));
+  EXPECT_EQ(value("SELECT count(*) FROM run WHERE finished IS NOT NULL"), "2");
+  EXPECT_EQ(value("PRAGMA journal_mode"), "delete");
+  EXPECT_FALSE(fs::exists(catalogue_ + "-wal"));
+}
+
+// The earlier run enters a file that the later one has seen already.
+TEST_F(Catalogues, RunThatEndsLastKeepsWhatTheOtherHasWritten) {
+  namespace archive = oldtorvio::archive;
+  const std::string folder = files_.path();
+  archive::FileResult file;
+  file.verdict = archive::Verdict::sound;
+  file.size = file.report.size = 5;
+  file.modified = 7;
+  archive::FileResult again = file;
+  file.path = folder + "/new.nst";
+  again.path = folder + "/known.nst";
+  again.isKnown = true;
+  {
+    archive::Catalogue earlier(catalogue_, "s");
+    archive::Catalogue later(catalogue_, "s");
+    later.add(file);
+    archive::FileResult known = again;
+    known.isKnown = false;
+    later.add(known);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    later.add(file);  // writes all three
+    earlier.add(file);
+    earlier.add(again);
+    earlier.finish({});
+    later.finish({folder});
+  }
+  EXPECT_EQ(rowsOf(catalogue_, "SELECT path, seen_in FROM file ORDER BY path"),
+            (std::vector<std::string>{folder + "/known.nst|2", folder + "/new.nst|2"}));
+}
+
+TEST_F(Catalogues, LockOfAnotherProcessIsWaitedFor) {
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(catalogue_.c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  try {
+    const oldtorvio::archive::Catalogue refused(catalogue_, "", std::chrono::milliseconds(100));
+    ADD_FAILURE() << "opened";
+  } catch (const oldtorvio::archive::CatalogueError& error) {
+    EXPECT_EQ(error.what(), catalogue_ + ": is locked by another process");
+  }
+  files_.write("a.nst", nest());
+  std::thread release([other] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    (void)sqlite3_close(other);
+  });
+  const Outcome run = check();
+  release.join();
+  EXPECT_EQ(run.code, 0) << run.errors;
+  EXPECT_EQ(value("SELECT count(*) FROM file"), "1");
 }
 
 TEST_F(Catalogues, FullDiskIsAnError) {

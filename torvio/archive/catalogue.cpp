@@ -7,9 +7,10 @@
 #if defined(TORVIO_WITH_SQLITE)
 #include <sqlite3.h>
 
-#include <array>
+#include <algorithm>
 #include <chrono>
 #include <mutex>
+#include <random>
 #include <thread>
 #include <utility>
 
@@ -160,22 +161,36 @@ std::optional<explain::FileKind> kindNamed(std::string_view name) {
 
 class Catalogue::Database {
  public:
-  Database(const std::string& path, const std::string& settings) : path_(path), ownPath_(cataloguePath(path)) {
-    try {
-      open();
-      prepare();
-      begin();
-      beginRun(settings);
-      commit();
-    } catch (...) {
-      close();
-      throw;
+  Database(const std::string& path, const std::string& settings, std::chrono::milliseconds longestWait)
+      : path_(path), ownPath_(cataloguePath(path)) {
+    // Another process may create the catalogue, or end its own run, at the same time. SQLite does not wait for all of
+    // that itself, and what was read before may no longer hold.
+    const auto end = Clock::now() + longestWait;
+    for (auto pause = kShortestPause;; pause = std::min(pause * 2, kLongestPause)) {
+      try {
+        open();
+        prepare();
+        beginRun(settings);
+        break;
+      } catch (const DatabaseIsBusy&) {
+        close();
+        if (Clock::now() > end) throw;
+      } catch (...) {
+        close();
+        throw;
+      }
+      std::this_thread::sleep_for(pause);
     }
+    (void)sqlite3_busy_timeout(database_, static_cast<int>(longestWait.count()));
   }
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
   ~Database() {
-    if (isInTransaction_) (void)sqlite3_exec(database_, "COMMIT", nullptr, nullptr, nullptr);
+    try {
+      writePending();
+    } catch (const CatalogueError&) {
+      // Nobody is left to hear of it: the run has failed for another reason.
+    }
     close();
   }
 
@@ -216,21 +231,23 @@ class Catalogue::Database {
     return rest.empty() || rest == "-wal" || rest == "-shm" || rest == "-journal";
   }
 
-  void add(const FileResult& result) {
+  // Results are collected and written together: other processes can write between two transactions, but not during one.
+  void add(FileResult result) {
     const std::lock_guard lock(mutex_);
-    if (!isInTransaction_) begin();
-    if (result.isKnown)
-      markSeen(result);
-    else
-      replace(result);
-    // A transaction is written when it has many files, or is old.
-    constexpr int kMostFiles = 2000;
-    if (++uncommitted_ >= kMostFiles || std::chrono::steady_clock::now() - began_ > std::chrono::seconds(1)) commit();
+    if (pending_.empty()) firstPending_ = Clock::now();
+    pendingRows_ += 1 + result.warnings.size();
+    if (result.facts) pendingRows_ += result.facts->parts.size() + result.facts->tools.size();
+    pending_.push_back(std::move(result));
+    constexpr std::size_t kMostFiles = 2000, kMostRows = 20'000;
+    if (pending_.size() >= kMostFiles || pendingRows_ >= kMostRows ||
+        Clock::now() - firstPending_ > std::chrono::seconds(1))
+      writePending();
   }
 
   void finish(const std::vector<std::string>& completeFolders) {
     const std::lock_guard lock(mutex_);
-    if (!isInTransaction_) begin();
+    writePending();
+    begin();
     for (const std::string& folder : completeFolders) {
       std::string first = cataloguePath(folder);
       if (first.empty() || !isSeparator(first.back())) first += '/';
@@ -250,16 +267,24 @@ class Catalogue::Database {
       (void)update.step();
     }
     commit();
-    finalizeAll();
-    // Leaves one file, which needs no other to be read or copied. It stays as it is while another process uses it.
-    (void)sqlite3_busy_timeout(database_, 0);
-    (void)sqlite3_exec(database_, "PRAGMA journal_mode = DELETE", nullptr, nullptr, nullptr);
+    close();
+    leaveOneFile();
   }
 
  private:
   using Statement = sqlite3_stmt*;
+  using Clock = std::chrono::steady_clock;
+  static constexpr std::chrono::milliseconds kShortestPause{5}, kLongestPause{100};
+
+  // Another process had the database locked for as long as this one waits.
+  class DatabaseIsBusy : public CatalogueError {
+   public:
+    using CatalogueError::CatalogueError;
+  };
 
   [[noreturn]] void fail() const {
+    const int code = database_ != nullptr ? sqlite3_errcode(database_) : SQLITE_NOMEM;
+    if (code == SQLITE_BUSY || code == SQLITE_PROTOCOL) throw DatabaseIsBusy(path_ + ": is locked by another process");
     throw CatalogueError(path_ + ": " + (database_ != nullptr ? sqlite3_errmsg(database_) : "not enough memory"));
   }
   [[noreturn]] void fail(const std::string& reason) const { throw CatalogueError(path_ + ": " + reason); }
@@ -328,18 +353,16 @@ class Catalogue::Database {
     // A path that begins with "file:" is no URI here.
     constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     if (sqlite3_open_v2(ownPath_.c_str(), &database_, kFlags, nullptr) != SQLITE_OK) fail();
-    (void)sqlite3_busy_timeout(database_, 10'000);
-    // Two processes may find no catalogue here at the same time.
+    // Short, because the constructor tries again.
+    (void)sqlite3_busy_timeout(database_, 500);
+    // In one transaction: another process may create the catalogue in between.
+    execute("BEGIN");
     const std::int64_t application = pragma("application_id"), version = pragma("user_version");
     const bool isEmpty = number("SELECT count(*) FROM sqlite_master") == 0;
+    execute("COMMIT");
     if (application != kApplicationId && (application != 0 || version != 0 || !isEmpty))
       fail("is a database, but not a catalogue");
     if (application == kApplicationId && version != kSchemaVersion) fail("is a catalogue of another version of torvio");
-    // Another process may be about to change the mode as well, and SQLite does not wait for that.
-    for (int i = 0;
-         i < 1000 && sqlite3_exec(database_, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr) == SQLITE_BUSY;
-         ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
     execute("PRAGMA journal_mode = WAL");
     execute("PRAGMA synchronous = NORMAL");
     execute("PRAGMA foreign_keys = ON");
@@ -353,6 +376,20 @@ class Catalogue::Database {
     execute("COMMIT");
   }
 
+  // Without its other files a database can be read and copied anywhere. It keeps them while another process uses it,
+  // which then does this at its own end. Two that end together are in each other's way: then both come back.
+  void leaveOneFile() {
+    std::minstd_rand random(std::random_device{}());
+    for (int i = 0; i < 10; ++i) {
+      int result = sqlite3_open_v2(ownPath_.c_str(), &database_, SQLITE_OPEN_READWRITE, nullptr);
+      if (result == SQLITE_OK)
+        result = sqlite3_exec(database_, "PRAGMA journal_mode = DELETE", nullptr, nullptr, nullptr);
+      close();
+      if (result != SQLITE_BUSY) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(random() % 20));
+    }
+  }
+
   void prepare() {
     find_ = prepared(
         "SELECT file.id, verdict, kind, version, status, walked, fault_offset, fault_field, fault_reason, is_tolerated,"
@@ -360,7 +397,9 @@ class Catalogue::Database {
         " WHERE path = ? AND size = ? AND modified = ? AND error IS NULL"
         " AND settings = (SELECT settings FROM run WHERE id = ?)");
     findWarnings_ = prepared("SELECT code, field, text FROM warning WHERE file = ? ORDER BY position");
-    seen_ = prepared("UPDATE file SET seen_in = ? WHERE path = ?");
+    // A later run that is still in progress may have seen the file before this one.
+    seen_ = prepared("UPDATE file SET seen_in = max(seen_in, ?) WHERE path = ?");
+    findSeen_ = prepared("SELECT seen_in FROM file WHERE path = ?");
     remove_ = prepared("DELETE FROM file WHERE path = ?");
     insert_ = prepared(
         "INSERT INTO file (path, size, modified, kind, version, verdict, error, status, walked, fault_offset,"
@@ -376,12 +415,25 @@ class Catalogue::Database {
   }
 
   void beginRun(const std::string& settings) {
+    begin();
     const Statement insert = prepared("INSERT INTO run (started, settings) VALUES (?, ?)");
     const std::string now = nowAsText();
-    Use use(*this, insert);
-    use.bind(now).bind(settings);
-    (void)use.step();
+    {
+      Use use(*this, insert);
+      use.bind(now).bind(settings);
+      (void)use.step();
+    }
     run_ = sqlite3_last_insert_rowid(database_);
+    commit();
+  }
+
+  void writePending() {
+    if (pending_.empty()) return;
+    const std::vector<FileResult> results = std::exchange(pending_, {});
+    pendingRows_ = 0;
+    begin();
+    for (const FileResult& result : results) result.isKnown ? markSeen(result) : replace(result);
+    commit();
   }
 
   void markSeen(const FileResult& result) {
@@ -392,12 +444,18 @@ class Catalogue::Database {
 
   void replace(const FileResult& result) {
     const std::string path = cataloguePath(result.path);
+    std::int64_t seen = run_;
+    {
+      Use find(*this, findSeen_);
+      find.bindPath(path);
+      if (find.step()) seen = std::max(seen, find.integer(0));
+    }
     {
       Use remove(*this, remove_);
       remove.bindPath(path);
       (void)remove.step();
     }
-    insertFile(path, result);
+    insertFile(path, result, seen);
     const std::int64_t id = sqlite3_last_insert_rowid(database_);
     if (result.facts) {
       std::int64_t position = 0;
@@ -424,7 +482,7 @@ class Catalogue::Database {
     }
   }
 
-  void insertFile(const std::string& path, const FileResult& result) {
+  void insertFile(const std::string& path, const FileResult& result, std::int64_t seen) {
     static const Facts kNone;
     const Facts& facts = result.facts ? *result.facts : kNone;
     const explain::FileReport& report = result.report;
@@ -455,22 +513,14 @@ class Catalogue::Database {
     insert.bind(facts.material).bind(facts.materialGroup).bind(facts.materialType).bind(facts.machine);
     insert.bind(facts.workOrder).bind(facts.partCount).bind(facts.placementCount).bind(facts.shapeCount);
     insert.bind(facts.stationCount).bind(facts.toolCount);
-    insert.bind(static_cast<std::int64_t>(result.warnings.size())).bind(run_).bind(run_);
+    insert.bind(static_cast<std::int64_t>(result.warnings.size())).bind(run_).bind(seen);
     (void)insert.step();
   }
 
   // ---- SQLite --------------------------------------------------------------------------------------
 
-  void begin() {
-    execute("BEGIN IMMEDIATE");
-    isInTransaction_ = true;
-    uncommitted_ = 0;
-    began_ = std::chrono::steady_clock::now();
-  }
-  void commit() {
-    execute("COMMIT");
-    isInTransaction_ = false;
-  }
+  void begin() { execute("BEGIN IMMEDIATE"); }
+  void commit() { execute("COMMIT"); }
 
   void execute(const std::string& sql) {
     if (sqlite3_exec(database_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) fail();
@@ -505,21 +555,21 @@ class Catalogue::Database {
   std::mutex mutex_;
   sqlite3* database_ = nullptr;
   std::vector<Statement> statements_;
-  Statement find_ = nullptr, findWarnings_ = nullptr, seen_ = nullptr, remove_ = nullptr, insert_ = nullptr;
-  Statement insertPart_ = nullptr, insertTool_ = nullptr, insertWarning_ = nullptr;
+  Statement find_ = nullptr, findWarnings_ = nullptr, seen_ = nullptr, findSeen_ = nullptr, remove_ = nullptr;
+  Statement insert_ = nullptr, insertPart_ = nullptr, insertTool_ = nullptr, insertWarning_ = nullptr;
   Statement removeUnseen_ = nullptr, finishRun_ = nullptr;
   std::int64_t run_ = 0;
-  bool isInTransaction_ = false;
-  int uncommitted_ = 0;
-  std::chrono::steady_clock::time_point began_;
+  std::vector<FileResult> pending_;
+  std::size_t pendingRows_ = 0;
+  Clock::time_point firstPending_;
 };
 
 bool Catalogue::isAvailable() { return true; }
-Catalogue::Catalogue(const std::string& path, const std::string& settings)
-    : database_(std::make_unique<Database>(path, settings)) {}
+Catalogue::Catalogue(const std::string& path, const std::string& settings, std::chrono::milliseconds longestWait)
+    : database_(std::make_unique<Database>(path, settings, longestWait)) {}
 std::optional<FileResult> Catalogue::find(const FileResult& file) const { return database_->find(file); }
 bool Catalogue::isOwnFile(const std::string& path) const { return database_->isOwnFile(path); }
-void Catalogue::add(const FileResult& result) { database_->add(result); }
+void Catalogue::add(FileResult result) { database_->add(std::move(result)); }
 void Catalogue::finish(const std::vector<std::string>& completeFolders) { database_->finish(completeFolders); }
 
 #else
@@ -527,12 +577,12 @@ void Catalogue::finish(const std::vector<std::string>& completeFolders) { databa
 class Catalogue::Database {};
 
 bool Catalogue::isAvailable() { return false; }
-Catalogue::Catalogue(const std::string&, const std::string&) {
+Catalogue::Catalogue(const std::string&, const std::string&, std::chrono::milliseconds) {
   throw CatalogueError("this torvio was built without SQLite and has no catalogues");
 }
 std::optional<FileResult> Catalogue::find(const FileResult&) const { return std::nullopt; }
 bool Catalogue::isOwnFile(const std::string&) const { return false; }
-void Catalogue::add(const FileResult&) {}
+void Catalogue::add(FileResult) {}
 void Catalogue::finish(const std::vector<std::string>&) {}
 
 #endif

@@ -1,5 +1,6 @@
 // The result of a scan as an SQLite database, see docs/catalogue.md.
 #pragma once
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -25,8 +26,10 @@ class Catalogue {
   static bool isAvailable();
 
   // Opens the catalogue, or creates it if there is no file or an empty one. Any other file is refused and unchanged.
-  // `settings` describes how files are judged: files that were judged in another way are unknown.
-  Catalogue(const std::string& path, const std::string& settings);
+  // `settings` describes how files are judged: files that were judged in another way are unknown. Here and later, a lock
+  // of another process that stays longer than `longestWait` is an error.
+  Catalogue(const std::string& path, const std::string& settings,
+            std::chrono::milliseconds longestWait = std::chrono::seconds(10));
   Catalogue(const Catalogue&) = delete;
   Catalogue& operator=(const Catalogue&) = delete;
   // Writes what was added.
@@ -38,7 +41,7 @@ class Catalogue {
   bool isOwnFile(const std::string& path) const;
 
   // Replaces what is known of that path.
-  void add(const FileResult& result);
+  void add(FileResult result);
 
   // Writes what was added, and removes the files in these folders that this run has not seen. Call it after a complete
   // scan; the folders are those of which all was read.

@@ -6,7 +6,8 @@
 #include <utility>
 
 #include "src/file_records.h"
-#include "src/records/tool_layout.h"
+#include "src/sheet/nest.h"
+#include "src/tooling/tool_kinds.h"
 #include "torvio/draw/tool_outline.h"
 #include "torvio/values/quantity.h"
 
@@ -75,9 +76,8 @@ class Extract {
     for (std::size_t i = 0; i < inventory.tools.size(); ++i) {
       const OldTool& tool = inventory.tools[i];
       facts.tools.push_back(toolFacts("tools", i, tool));
-      const auto file = static_cast<std::size_t>(tool.specialToolIndex) - 1;
-      if (tool.shapeCode == kSpecialTool && file < inventory.specialToolFiles.size())
-        facts.tools.back().specialTool = text(inventory.specialToolFiles[file]);
+      const auto* const file = tool.shapeCode == kSpecialTool ? specialToolFileOf(inventory, tool) : nullptr;
+      if (file != nullptr) facts.tools.back().specialTool = text(*file);
     }
     return facts;
   }
@@ -153,40 +153,13 @@ class Extract {
     facts.toolCount = facts.toolCount.value_or(0) + tools;
   }
 
-  // By the rules of GetOldSheetInfo, but without its special station, which no number names.
   void addUsedTools(Facts& facts, const OldSheet& sheet) const {
-    const OldMachine& machine = sheet.machine;
-    const bool isSecond = machine.stationWord != 0 && !machine.stationsB.stations.empty();
-    const ToolStationList& list = isSecond ? machine.stationsB : machine.stationsA;
-    const std::size_t count = std::min(list.stations.size(), list.tools.size());
-    std::vector<bool> isUsed(count + 1);
-    const auto use = [&](std::int64_t number) {
-      if (number >= 1 && static_cast<std::uint64_t>(number) <= count) isUsed[static_cast<std::size_t>(number)] = true;
-    };
-    const auto useSlots = [&](const ProcessSlots& slots, int stored) {
-      for (std::size_t i = 0; i < ProcessSlots::size() && static_cast<int>(i) < stored; ++i) {
-        const ProcessSlot& slot = slots[i];
-        if (slot.toolUse != 1 || slot.toolActive == 0) continue;
-        const auto number =
-            static_cast<std::int16_t>(slot.toolChoice != 0 ? slot.secondToolNumber : slot.firstToolNumber);
-        if (number >= 1 && static_cast<std::size_t>(number) <= count &&
-            list.stations[static_cast<std::size_t>(number) - 1].toolCount != 0)
-          use(number);
-      }
-    };
-    for (const TorvPart& part : sheet.partList.parts) {
-      for (const Pattern& pattern : part.patterns)
-        for (const PatternItem& item : pattern.items) use(item.toolNumber);
-      useSlots(part.processSlots, part.processSlotCount);
-    }
-    constexpr std::size_t kFirstItem = 28;
-    for (std::size_t i = kFirstItem; i < sheet.patternItems.size(); ++i) use(sheet.patternItems[i].toolNumber);
-    useSlots(sheet.processSlots, sheet.processSlotCount);
-
-    for (std::size_t number = 1; number <= count; ++number)
-      if (isUsed[number] && list.tools[number - 1].shapeCode != 0)
-        facts.tools.push_back(
-            toolFacts(isSecond ? "machine.stationsB" : "machine.stationsA", number - 1, list.tools[number - 1]));
+    const ToolStationList& list = stationListOf(sheet.machine);
+    const char* const name = usesSecondStationList(sheet.machine) ? "machine.stationsB" : "machine.stationsA";
+    std::vector<std::size_t> used = usedTools(sheet);
+    std::ranges::sort(used);
+    for (const std::size_t position : used)
+      if (list.tools[position].shapeCode != 0) facts.tools.push_back(toolFacts(name, position, list.tools[position]));
     facts.stationCount = countOf(list.stations);
     facts.toolCount = countOf(facts.tools);
   }
@@ -195,6 +168,21 @@ class Extract {
 };
 
 }  // namespace
+
+std::vector<std::size_t> usedTools(const OldSheet& sheet) {
+  const ToolStationList& list = stationListOf(sheet.machine);
+  const std::size_t count = std::min(list.stations.size(), list.tools.size());
+  std::vector<bool> isKnown(count);
+  std::vector<std::size_t> positions;
+  eachToolUse(sheet, [&](const ToolUse& use) {
+    if (use.number < 1 || static_cast<std::uint64_t>(use.number) > count) return;
+    const auto position = static_cast<std::size_t>(use.number) - 1;
+    if (isKnown[position] || (use.slot != nullptr && list.stations[position].toolCount == 0)) return;
+    isKnown[position] = true;
+    positions.push_back(position);
+  });
+  return positions;
+}
 
 template <class Record>
 Facts factsOf(const Record& record, const values::TextEncoding& encoding) {

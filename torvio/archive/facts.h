@@ -1,10 +1,12 @@
 // What a catalogue keeps of the contents of a file.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "OldTorvIO/sheet.h"
 #include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::archive {
@@ -32,6 +34,10 @@ struct Facts {
   std::vector<PartFacts> parts;
   std::vector<ToolFacts> tools;  // of a sheet those that GetOldSheetInfo returns, each once
 };
+
+// The positions of the stations that the items and slots of a nest use in their list, in order of first use, by the rules
+// of GetOldSheetInfo. Its special station, which no number names, is not included, nor is a number after the last station.
+std::vector<std::size_t> usedTools(const OldSheet& sheet);
 
 // Of a record that a load filled with success. Defined for the records of all kinds of files.
 template <class Record>

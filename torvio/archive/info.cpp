@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <map>
-#include <set>
 
+#include "src/sheet/nest.h"
+#include "src/tooling/tool_kinds.h"
+#include "torvio/archive/facts.h"
 #include "torvio/draw/tool_outline.h"
 #include "torvio/explain/read_members.h"
 #include "torvio/values/quantity.h"
@@ -43,63 +45,15 @@ std::string shown(T value) {
   return digitsOf(value);
 }
 
-// The tools that a nest uses, by the rules of GetOldSheetInfo, in order of first use. Unlike there, a number after the
-// last station is ignored.
-class UsedTools {
- public:
-  explicit UsedTools(const OldSheet& sheet)
-      : list_(sheet.machine.stationWord != 0 && !sheet.machine.stationsB.stations.empty() ? sheet.machine.stationsB
-                                                                                          : sheet.machine.stationsA) {
-    for (const TorvPart& part : sheet.partList.parts) {
-      for (const Pattern& pattern : part.patterns) noteItems(pattern.items, 0);
-      noteSlots(part.processSlots, part.processSlotCount);
-    }
-    // The first 28 items of the sheet are ignored.
-    noteItems(sheet.patternItems, 28);
-    noteSlots(sheet.processSlots, sheet.processSlotCount);
-    noteCutter(sheet);
-  }
-
-  const ToolStationList& list() const { return list_; }
-  const std::vector<std::size_t>& positions() const { return positions_; }
-
- private:
-  void note(std::int64_t number) {
-    if (draw::toolAt(list_, number) == nullptr || !known_.insert(number).second) return;
-    positions_.push_back(static_cast<std::size_t>(number - 1));
-  }
-  void noteItems(const PatternItemList& items, std::size_t first) {
-    for (std::size_t i = first; i < items.size(); ++i) note(items[i].toolNumber);
-  }
-  void noteSlots(const ProcessSlots& slots, int count) {
-    for (std::size_t i = 0; i < slots.size() && static_cast<int>(i) < count; ++i) {
-      const ProcessSlot& slot = slots[i];
-      if (slot.toolUse != 1 || slot.toolActive == 0) continue;
-      const auto number =
-          static_cast<std::int16_t>(slot.toolChoice != 0 ? slot.secondToolNumber : slot.firstToolNumber);
-      const bool exists = number >= 1 && static_cast<std::size_t>(number) <= list_.stations.size();
-      if (exists && list_.stations[static_cast<std::size_t>(number - 1)].toolCount != 0) note(number);
-    }
-  }
-  static bool cuts(const ProfileRecord& profile) {
-    return static_cast<std::int32_t>(profile.profileWords[1]) % 10 == 7 && profile.firstBlock.motionKind != 5 &&
-           profile.profileCondition1 != 0 && profile.profileCondition2 != 0;
-  }
-  // A combined machine cuts contours with the first station that is marked for it.
-  void noteCutter(const OldSheet& sheet) {
-    if (sheet.machine.machineKind != 4) return;
-    bool isUsed = std::any_of(sheet.profiles.begin(), sheet.profiles.end(), cuts);
-    for (const TorvPart& part : sheet.partList.parts)
-      for (const Pattern& pattern : part.patterns)
-        isUsed = isUsed || std::any_of(pattern.profiles.begin(), pattern.profiles.end(), cuts);
-    for (std::size_t i = 0; isUsed && i < list_.stations.size(); ++i)
-      if ((list_.stations[i].byteA & 2U) != 0) return note(static_cast<std::int64_t>(i) + 1);
-  }
-
-  const ToolStationList& list_;
-  std::set<std::int64_t> known_;
-  std::vector<std::size_t> positions_;
-};
+// In order of first use, the special station last.
+std::vector<std::size_t> allUsedTools(const OldSheet& sheet) {
+  std::vector<std::size_t> positions = usedTools(sheet);
+  const auto special = specialStationOf(sheet);
+  if (!special) return positions;
+  const auto position = static_cast<std::size_t>(*special) - 1;
+  if (std::ranges::find(positions, position) == positions.end()) positions.push_back(position);
+  return positions;
+}
 
 class InfoBuilder {
  public:
@@ -148,8 +102,7 @@ class InfoBuilder {
     if (read_.has("utilization")) number("utilization", "utilization", sheet.utilization);
     listParts(parts, true);
     if (!read_.has("machine.stationsA")) return;
-    const UsedTools used(sheet);
-    listTools("toolsUsed", used.list(), used.positions(), nullptr);
+    listTools("toolsUsed", stationListOf(sheet.machine), allUsedTools(sheet), nullptr);
   }
 
   void describe(const TorvPart& part) {
@@ -238,11 +191,9 @@ class InfoBuilder {
     InfoTable tools{"tools", {"number", "tool", "dimensions", "orientation", "file"}, {}};
     for (std::size_t i = 0; i < inventory.tools.size(); ++i) {
       const OldTool& tool = inventory.tools[i];
-      const std::int64_t file = std::int64_t{tool.specialToolIndex} - 1;
-      const bool hasFile = tool.shapeCode == kSpecialTool && file >= 0 &&
-                           static_cast<std::size_t>(file) < inventory.specialToolFiles.size();
+      const auto* const file = tool.shapeCode == kSpecialTool ? specialToolFileOf(inventory, tool) : nullptr;
       std::string name;
-      if (hasFile) name = decoded(fixedText(inventory.specialToolFiles[static_cast<std::size_t>(file)]));
+      if (file != nullptr) name = decoded(fixedText(*file));
       tools.rows.push_back({numberOf(i + 1),
                             {kindOf(tool)},
                             {draw::dimensionText(tool)},
@@ -262,8 +213,6 @@ class InfoBuilder {
   }
 
  private:
-  static constexpr std::int32_t kSpecialTool = 108;
-
   std::string decoded(std::string_view bytes) const {
     std::string utf8;
     encoding_.appendUtf8(utf8, bytes);
@@ -385,37 +334,6 @@ std::string faultText(const explain::Fault& fault) {
 
 // ---- as text -------------------------------------------------------------------------------------------
 
-// Controls, also those of the range C1, line separators and marks that change the direction of text as "\x1b" or
-// "\u202e".
-std::string onOneLine(std::string_view utf8) {
-  std::string line;
-  for (std::size_t i = 0; i < utf8.size(); ++i) {
-    const auto byte = [&](std::size_t at) { return at < utf8.size() ? static_cast<unsigned char>(utf8[at]) : 0U; };
-    const unsigned lead = byte(i);
-    char code[16];
-    if (lead < 0x20 || lead == 0x7F) {
-      (void)std::snprintf(code, sizeof code, "\\x%02x", lead);
-      line += lead == '\n' ? "\\n" : lead == '\t' ? "\\t" : lead == '\r' ? "\\r" : code;
-    } else if (lead == 0xC2 && byte(i + 1) >= 0x80 && byte(i + 1) < 0xA0) {
-      (void)std::snprintf(code, sizeof code, "\\x%02x", byte(++i));
-      line += code;
-    } else if (lead == 0xE2 && (byte(i + 1) == 0x80 || byte(i + 1) == 0x81)) {
-      const unsigned c = 0x2000U + ((byte(i + 1) & 0x3FU) << 6U) + (byte(i + 2) & 0x3FU);
-      const bool isMark = (c >= 0x200B && c <= 0x200F) || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2060 && c <= 0x206F);
-      if (!isMark) {
-        line += utf8[i];
-        continue;
-      }
-      (void)std::snprintf(code, sizeof code, "\\u%04x", c);
-      line += code;
-      i += 2;
-    } else {
-      line += utf8[i];
-    }
-  }
-  return line;
-}
-
 // Characters, not bytes, so that columns align.
 std::size_t lengthOf(std::string_view utf8) {
   return static_cast<std::size_t>(
@@ -454,7 +372,7 @@ void appendTable(std::string& to, const InfoTable& table, std::size_t mostRows) 
       const InfoValue& value = table.rows[i][column];
       isRight[column] = value.isNumber;
       isEmpty[column] = isEmpty[column] && !value.isNumber && value.text.empty();
-      row.push_back(value.isNumber && value.text.empty() ? "?" : onOneLine(value.text));
+      row.push_back(value.isNumber && value.text.empty() ? "?" : values::onOneLine(value.text));
     }
   }
   std::vector<std::size_t> widths(table.columns.size());
@@ -522,10 +440,10 @@ std::string infoText(std::string_view name, const Info& info, std::size_t mostRo
   for (const InfoFact& fact : info.facts) lines.emplace_back(fact.label, fact.text);
   std::size_t width = 0;
   for (const auto& [label, text] : lines) width = std::max(width, lengthOf(label));
-  std::string all = onOneLine(name) + "\n";
+  std::string all = values::onOneLine(name) + "\n";
   for (const auto& [label, text] : lines) {
     appendPadded(all += "  ", label, width, false);
-    all += "  " + onOneLine(text) + "\n";
+    all += "  " + values::onOneLine(text) + "\n";
   }
   for (const InfoTable& table : info.tables) appendTable(all, table, mostRows);
   return all;

@@ -10,7 +10,8 @@
 
 #include "src/file_records.h"
 #include "src/frame/versions.h"
-#include "src/records/tool_layout.h"
+#include "src/sheet/nest.h"
+#include "src/tooling/tool_kinds.h"
 #include "torvio/values/all_members.h"
 
 namespace oldtorvio::archive {
@@ -190,44 +191,26 @@ class Walk {
 class ToolNumbers {
  public:
   ToolNumbers(const OldSheet& sheet, Collector& to) : to_(to), endsProcess_(frame::isKnownSheetVersion(sheet.version)) {
-    const OldMachine& machine = sheet.machine;
-    const bool isSecond = machine.stationWord != 0 && !machine.stationsB.stations.empty();
-    stations_ = static_cast<std::int64_t>((isSecond ? machine.stationsB : machine.stationsA).stations.size());
-
-    const Place partList{nullptr, "partList"}, parts{&partList, "parts"};
-    for (std::size_t i = 0; i < sheet.partList.parts.size(); ++i) seePart(sheet.partList.parts[i], {&parts, {}, i});
-    // It ignores the first 28 items of the sheet.
-    seeItems(sheet.patternItems, {nullptr, "patternItems"}, 28);
-    seeSlots(sheet.processSlots, sheet.processSlotCount, {nullptr, "processSlots"});
+    stations_ = static_cast<std::int64_t>(stationListOf(sheet.machine).stations.size());
+    eachToolUse(sheet, [&](const ToolUse& use) {
+      if (use.number > stations_) seeUse(use);
+    });
   }
 
  private:
-  void seePart(const TorvPart& part, const Place& place) {
-    const Place patterns{&place, "patterns"};
-    for (std::size_t i = 0; i < part.patterns.size(); ++i) {
-      const Place pattern{&patterns, {}, i};
-      seeItems(part.patterns[i].items, {&pattern, "items"}, 0);
-    }
-    seeSlots(part.processSlots, part.processSlotCount, {&place, "processSlots"});
-  }
-  void seeItems(const PatternItemList& items, const Place& place, std::size_t first) {
-    for (std::size_t i = first; i < items.size(); ++i) {
-      const Place item{&place, {}, i};
-      see(items[i].toolNumber, {&item, "toolNumber"});
-    }
-  }
-  void seeSlots(const ProcessSlots& slots, int count, const Place& place) {
-    for (std::size_t i = 0; i < ProcessSlots::size() && static_cast<int>(i) < count; ++i) {
-      const ProcessSlot& slot = slots[i];
-      if (slot.toolUse != 1 || slot.toolActive == 0) continue;
-      const bool isSecond = slot.toolChoice != 0;
-      const Place element{&place, {}, i};
-      see(static_cast<std::int16_t>(isSecond ? slot.secondToolNumber : slot.firstToolNumber),
-          {&element, isSecond ? "secondToolNumber" : "firstToolNumber"});
-    }
+  void seeUse(const ToolUse& use) {
+    const Place partList{nullptr, "partList"}, parts{&partList, "parts"}, part{&parts, {}, use.part};
+    const Place* const owner = use.part == ToolUse::kOfSheet ? nullptr : &part;
+    const Place patterns{owner, "patterns"}, pattern{&patterns, {}, use.pattern};
+    const Place list = use.slot != nullptr ? Place{owner, "processSlots"}
+                       : owner != nullptr  ? Place{&pattern, "items"}
+                                           : Place{nullptr, "patternItems"};
+    const Place element{&list, {}, use.position};
+    see(use.number, {&element, use.slot == nullptr    ? "toolNumber"
+                               : use.isSecondOfSlot() ? "secondToolNumber"
+                                                      : "firstToolNumber"});
   }
   void see(std::int64_t number, const Place& place) {
-    if (number <= stations_) return;
     const auto isPast = [&] {
       return "Tool number " + std::to_string(number) + " is past the last of " + std::to_string(stations_) +
              (stations_ == 1 ? " station" : " stations");
@@ -290,7 +273,7 @@ void addOwn(const OldToolInventory& inventory, Collector& to) {
   const Place tools{nullptr, "tools"};
   for (std::size_t i = 0; i < inventory.tools.size(); ++i) {
     const OldTool& tool = inventory.tools[i];
-    if (tool.shapeCode != kSpecialTool || (tool.specialToolIndex >= 1 && tool.specialToolIndex <= files)) continue;
+    if (tool.shapeCode != kSpecialTool || specialToolFileOf(inventory, tool) != nullptr) continue;
     const Place element{&tools, {}, i};
     to.note("index-ends-process", {&element, "specialToolIndex"}, [&] {
       return "Index " + std::to_string(tool.specialToolIndex) + " is outside the " + std::to_string(files) +

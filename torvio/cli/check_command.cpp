@@ -331,10 +331,7 @@ class CheckCommand : public Command {
     addFile(*command, "-o,--catalogue", catalogue_,
             "Keep the result in this SQLite database. A later run\nreads only files that have changed")
         ->type_name("FILE");
-    command->add_option("--encoding", encoding_, "Code page of texts in the catalogue (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    addEncoding(*command, encoding_, "Code page of texts in the catalogue (" + encoding_ + ")");
     command->add_option("--jobs", jobs_, "Number of threads, by default one for each processor")
         ->type_name("N")
         ->take_last()
@@ -447,14 +444,12 @@ class CheckCommand : public Command {
     archive::scan(names, options, [&](FileResult& result) {
       totals.add(result);
       worst = std::max(worst, codeOf(result));
-      if (result.isFolder)
-        unreadFolders.push_back(archive::cataloguePath(result.path));
-      else if (catalogue)
-        catalogue->add(result);
+      if (result.isFolder) unreadFolders.push_back(archive::cataloguePath(result.path));
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
         print(isJson_ ? objectFor(result) : lineFor(result));
       }
+      if (catalogue && !result.isFolder) catalogue->add(std::move(result));
       progress.count();
     });
     progress.clear();
@@ -494,7 +489,7 @@ class CheckCommand : public Command {
   bool isJson_ = false;
   bool isSummaryWanted_ = false, isSummaryUnwanted_ = false;
   std::string catalogue_;
-  std::string encoding_ = "cp1252";
+  std::string encoding_{values::kDefaultEncoding};
   unsigned jobs_ = 0;
 };
 

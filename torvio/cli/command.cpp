@@ -23,6 +23,7 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   all.push_back(makeMapCommand());
   all.push_back(makeCheckCommand());
   all.push_back(makeInfoCommand());
+  all.push_back(makeDiffCommand());
   all.push_back(makeDrawCommand());
   all.push_back(makeFormatCommand());
   all.push_back(makeJsonCommand());
@@ -52,6 +53,14 @@ CLI::Option* addKind(CLI::App& command, std::optional<oldtorvio::frame::FileKind
       ->type_name("KIND")
       ->take_last()
       ->check(oneOf(kindNames(), "kind", "Kinds"));
+}
+
+CLI::Option* addEncoding(CLI::App& command, std::string& name, const std::string& help) {
+  return command
+      .add_option("--encoding", name, help.empty() ? "The code page of the texts in the files (" + name + ")" : help)
+      ->type_name("NAME")
+      ->take_last()
+      ->check(oneOf(oldtorvio::values::TextEncoding::names(), "encoding", "Encodings"));
 }
 
 CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "src/frame/file_kinds.h"
+#include "torvio/values/text_encoding.h"
 
 namespace torvio {
 
@@ -47,6 +48,9 @@ std::string unmarked(const std::string& argument);
 
 // The option --kind. The kind is set by the time that the command runs.
 CLI::Option* addKind(CLI::App& command, std::optional<oldtorvio::frame::FileKind>& kind);
+
+// The option --encoding. The name is one of TextEncoding::names(), and unchanged without the option.
+CLI::Option* addEncoding(CLI::App& command, std::string& name, const std::string& help = "");
 
 // Refuses any other value, and lists those that are accepted: "unknown kind "x"", then "Kinds: part, ...".
 CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all);

@@ -9,6 +9,7 @@ namespace torvio {
 std::unique_ptr<Command> makeMapCommand();
 std::unique_ptr<Command> makeCheckCommand();
 std::unique_ptr<Command> makeFormatCommand();
+std::unique_ptr<Command> makeDiffCommand();
 std::unique_ptr<Command> makeDrawCommand();
 std::unique_ptr<Command> makeInfoCommand();
 std::unique_ptr<Command> makeJsonCommand();

@@ -41,13 +41,7 @@ class DrawCommand : public Command {
     addFile(*command, "-o,--output", output_, "Write to this file instead of standard output")->type_name("OUT");
     command->add_flag("--html", isPage_, "Write an HTML page with the pictures of all files");
     addKind(*command, judge_.kind);
-    command
-        ->add_option_function<std::string>(
-            "--encoding", [this](const std::string& name) { encoding_ = *values::TextEncoding::named(name); },
-            "The code page of the texts in the files (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    addEncoding(*command, encoding_);
     command->footer(
         "OUT is replaced only by a complete picture; an OUT that ends in \".html\" implies --html.\nOf a damaged file, "
         "what can be read is drawn. What the files do not say is named\nin the picture as an assumption.\n\n" +
@@ -122,7 +116,7 @@ class DrawCommand : public Command {
                         draw::kDrawableKinds + " have",
                     kDamaged);
     draw::PictureOptions options;
-    options.encoding = encoding_;
+    options.encoding = values::TextEncoding::named(encoding_).value_or(values::TextEncoding());
     options.idPrefix = "f" + std::to_string(number);
     options.isInline = isInline;
     draw::DrawnFile picture = draw::drawFile(file.bytes(), *kind, drawn.card.name, options);
@@ -142,7 +136,7 @@ class DrawCommand : public Command {
   std::string output_;
   bool isPage_ = false;
   archive::JudgeOptions judge_;
-  values::TextEncoding encoding_;
+  std::string encoding_{values::kDefaultEncoding};
 };
 
 }  // namespace

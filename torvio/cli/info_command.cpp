@@ -36,13 +36,7 @@ class InfoCommand : public Command {
     command->add_flag("--json", isJson_, "Print one JSON object on one line for each file");
     command->add_flag("--all", isAll_, "Print all rows of long tables, as --json does");
     addKind(*command, judge_.kind);
-    command
-        ->add_option_function<std::string>(
-            "--encoding", [this](const std::string& name) { encoding_ = *values::TextEncoding::named(name); },
-            "The code page of the texts in the files (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    addEncoding(*command, encoding_);
     command->footer(fileHelp());
     return command;
   }
@@ -66,7 +60,8 @@ class InfoCommand : public Command {
   archive::Info infoOf(const std::string& path) const try {
     const explain::FileContent file(path);
     if (!file.error().empty()) return archive::unreadableInfo(file.error());
-    return archive::infoOf(path, file.bytes(), judge_, encoding_);
+    const auto encoding = values::TextEncoding::named(encoding_).value_or(values::TextEncoding());
+    return archive::infoOf(path, file.bytes(), judge_, encoding);
   } catch (const std::bad_alloc&) {
     return archive::unreadableInfo(kNoMemory);
   }
@@ -74,7 +69,7 @@ class InfoCommand : public Command {
   std::vector<std::string> files_;
   bool isJson_ = false, isAll_ = false;
   archive::JudgeOptions judge_;
-  values::TextEncoding encoding_;
+  std::string encoding_{values::kDefaultEncoding};
 };
 
 }  // namespace

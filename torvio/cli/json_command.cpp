@@ -22,17 +22,13 @@ using namespace oldtorvio;
 class JsonCommand : public Command {
  public:
   CLI::App* addTo(CLI::App& tool) override {
-    const std::vector<std::string> encodings = values::TextEncoding::names();
     CLI::App* command = tool.add_subcommand("json", "Print the record of a file as JSON, without losing anything");
     addFile(*command, "FILE", file_, "The file")->required();
     addKind(*command, kind_);
-    command->add_option("--encoding", encoding_, "The code page of the texts; without it " + encoding_)
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(encodings, "encoding", "Encodings"));
+    addEncoding(*command, encoding_, "The code page of the texts; without it " + encoding_);
     command->add_flag("--pretty", isPretty_, "Print every member on a line of its own");
     addFile(*command, "-o,--output", output_, "Write to this file instead of standard output")->type_name("OUT");
-    command->footer(wrapped("Encodings", encodings) + "\n" + fileHelp() +
+    command->footer(wrapped("Encodings", values::TextEncoding::names()) + "\n" + fileHelp() +
                     "\n\nOf a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
                     "makes a file of the JSON of a sound one, \"torvio schema\" describes it.");
     return command;

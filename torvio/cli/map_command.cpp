@@ -99,10 +99,7 @@ class MapCommand : public Command {
     CLI::Option* html = command->add_flag("--html", html_, "Print an HTML page with bytes and fields side by side");
     addFile(*command, "-o,--output", output_, "Write the page to this file")->type_name("OUT")->needs(html);
     html->excludes(json)->excludes("--find")->excludes("--offset");
-    command->add_option("--encoding", encodingName_, "The code page of the texts (cp1252)")
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+    addEncoding(*command, encodingName_, "The code page of the texts (cp1252)");
     command->footer(help());
     return command;
   }

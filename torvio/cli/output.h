@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "torvio/values/text_encoding.h"
+
 namespace torvio {
 
 // Output that could not be written.
@@ -30,8 +32,6 @@ void finishOutput();
 // Prints "torvio: " and the text on standard error, after flushing standard output.
 void printError(std::string_view text);
 
-// The text with its control characters escaped ("\n", "\x1b", "\u202e") and bytes that are not UTF-8 as well ("\xe4"),
-// so that it takes one line and does not affect the terminal. Backslashes are not escaped: Windows paths contain many.
-std::string onOneLine(std::string_view text);
+using oldtorvio::values::onOneLine;
 
 }  // namespace torvio

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "src/sheet/nest.h"
 #include "torvio/draw/draw.h"
 #include "torvio/draw/tool_outline.h"
 #include "torvio/values/quantity.h"
@@ -47,8 +48,7 @@ class SheetPicture {
  public:
   SheetPicture(const OldSheet& sheet, const FileNote& file, const PictureOptions& options)
       : sheet_(sheet),
-        tools_(sheet.machine.stationWord != 0 && !sheet.machine.stationsB.stations.empty() ? sheet.machine.stationsB
-                                                                                           : sheet.machine.stationsA),
+        tools_(stationListOf(sheet.machine)),
         read_(file.read),
         picture_(file, options),
         name_(file.name) {}

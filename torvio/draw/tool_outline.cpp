@@ -4,26 +4,10 @@
 #include <cmath>
 #include <iterator>
 
-#include "src/records/tool_layout.h"
+#include "src/tooling/tool_kinds.h"
 
 namespace oldtorvio::draw {
 namespace {
-
-enum ToolKind : std::int32_t {
-  kRound = 1,
-  kRectangle = 3,
-  kShear = 9,
-  kLaser = 33,
-  kSquare = 103,
-  kSingleD = 104,
-  kDoubleD = 105,
-  kObround = 106,
-  kTriangle = 107,
-  kSpecial = 108,
-  kCornerRounded = 109,
-  kRoundedCorners = 110,
-  kGr = 112,
-};
 
 bool isLength(double value) { return std::isfinite(value) && value > 0; }
 
@@ -61,52 +45,23 @@ void appendRounded(Path& path, const Placer& at, Extent size, double radius, dou
 }  // namespace
 
 std::string_view toolKind(std::int32_t shapeCode) {
-  switch (shapeCode) {
-    case kRound:
-      return "ROUND";
-    case kRectangle:
-      return "RECTANGLE";
-    case kShear:
-      return "RIGHT ANGLE SHEAR";
-    case kLaser:
-      return "LASER CUTTING TOOL";
-    case kSquare:
-      return "SQUARE";
-    case kSingleD:
-      return "SINGLE D";
-    case kDoubleD:
-      return "DOUBLE D";
-    case kObround:
-      return "OBROUND";
-    case kTriangle:
-      return "TRIANGLE";
-    case kSpecial:
-      return "SPECIAL TOOL";
-    case kCornerRounded:
-      return "CORNERR";
-    case kRoundedCorners:
-      return "ROUNDED C";
-    case kGr:
-      return "GR";
-    default:
-      return "";
-  }
+  return shapeCode == kSpecialTool ? "SPECIAL TOOL" : nameOfToolKind(shapeCode);
 }
 
 std::optional<Extent> outlineOf(const OldTool& tool) {
   const double first = static_cast<double>(tool.dimension1), second = static_cast<double>(tool.dimension2);
   if (!isLength(first)) return std::nullopt;
-  if (tool.shapeCode == kRound || tool.shapeCode == kSquare) return Extent{first, first};
+  if (tool.shapeCode == kRoundTool || tool.shapeCode == kSquareTool) return Extent{first, first};
   if (!isLength(second)) return std::nullopt;
   switch (tool.shapeCode) {
-    case kSingleD:
-    case kDoubleD:
+    case kSingleDTool:
+    case kDoubleDTool:
       return second < first ? std::optional(Extent{first, second}) : std::nullopt;
-    case kRectangle:
-    case kObround:
-    case kTriangle:
-    case kCornerRounded:
-    case kRoundedCorners:
+    case kRectangleTool:
+    case kObroundTool:
+    case kTriangleTool:
+    case kCornerRoundedTool:
+    case kRoundedCornersTool:
       return Extent{first, second};
     default:
       return std::nullopt;
@@ -117,35 +72,35 @@ bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale, 
   const auto size = outlineOf(tool);
   if (!size) return false;
   const double angle = turned + (std::isfinite(tool.orientation) ? static_cast<double>(tool.orientation) : 0);
-  const bool isUpright = tool.shapeCode == kObround && size->height > size->width;
+  const bool isUpright = tool.shapeCode == kObroundTool && size->height > size->width;
   const Placer at(centre, scale, isUpright ? angle + 1.5707963267948966 : angle);
   const double radius = size->width / 2, flat = size->height / 2;
   switch (tool.shapeCode) {
-    case kRound:
+    case kRoundTool:
       appendRound(path, at, radius, radius * scale);
       break;
-    case kSingleD: {
+    case kSingleDTool: {
       const double y = size->height - radius, chord = std::sqrt(radius * radius - y * y);
       path.move(at(-chord, y)).arc(radius * scale, y > 0, at(chord, y)).close();
       break;
     }
-    case kDoubleD: {
+    case kDoubleDTool: {
       const double chord = std::sqrt(radius * radius - flat * flat);
       path.move(at(chord, -flat)).arc(radius * scale, false, at(chord, flat));
       path.line(at(-chord, flat)).arc(radius * scale, false, at(-chord, -flat)).close();
       break;
     }
-    case kObround: {
+    case kObroundTool: {
       const double end = std::min(radius, flat), straight = std::max(radius, flat) - end;
       path.move(at(straight, -end)).arc(end * scale, false, at(straight, end));
       path.line(at(-straight, end)).arc(end * scale, false, at(-straight, -end)).close();
       break;
     }
-    case kTriangle:
+    case kTriangleTool:
       path.move(at(-radius, -flat)).line(at(radius, -flat)).line(at(-radius, flat)).close();
       break;
-    case kCornerRounded:
-    case kRoundedCorners: {
+    case kCornerRoundedTool:
+    case kRoundedCornersTool: {
       const double corner = static_cast<double>(tool.dimension3);
       if (isLength(corner))
         appendRounded(path, at, *size, std::min({corner, radius, flat}), scale);
@@ -162,7 +117,7 @@ bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale, 
 std::string dimensionText(const OldTool& tool) {
   const float dimensions[] = {tool.dimension1, tool.dimension2, tool.dimension3};
   std::size_t count = std::size(dimensions);
-  if (tool.shapeCode == kSpecial && symmetryOf(tool.dimension3) != 0) --count;
+  if (tool.shapeCode == kSpecialTool && symmetryOf(tool.dimension3) != 0) --count;
   while (count > 0 && dimensions[count - 1] == 0) --count;
   std::string text;
   for (std::size_t i = 0; i < count; ++i)

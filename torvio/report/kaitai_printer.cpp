@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <regex>
 #include <stdexcept>
 
 namespace oldtorvio::report {
@@ -78,6 +77,29 @@ std::string inParentheses(const std::string& expression) {
                         expression.find('?') == std::string::npos;
   return isSimple || (expression.starts_with('(') && expression.ends_with(')')) ? expression : "(" + expression + ")";
 }
+
+// Takes a text apart from its beginning.
+class Words {
+ public:
+  explicit Words(std::string_view text) : rest_(text) {}
+
+  bool isAtEnd() const { return rest_.empty(); }
+  bool skip(std::string_view word) {
+    if (!rest_.starts_with(word)) return false;
+    rest_.remove_prefix(word.size());
+    return true;
+  }
+  // Its digits; none if there is no number.
+  std::string number() {
+    const std::size_t end = std::min(rest_.find_first_not_of("0123456789"), rest_.size());
+    std::string digits(rest_.substr(0, end));
+    rest_.remove_prefix(end);
+    return digits;
+  }
+
+ private:
+  std::string_view rest_;
+};
 
 // Calls use(number) for each "{number}".
 template <class Use>
@@ -309,24 +331,37 @@ std::string KaitaiPrinter::comparison(const std::string& name, std::int64_t valu
 }
 
 std::string KaitaiPrinter::textComparison(const std::string& left, const std::string& text) {
-  std::smatch match;
-  static const std::regex kOldBand(R"((\d+) to (\d+) \((\d+) below version (\d+)\))"), kBand(R"((\d+) to (\d+))"),
-      kOne(R"(\d+)"), kAbove(R"((\d+) or above)"), kWord(R"(^(?:or |in a file |stored as )+)");
-  if (std::regex_match(text, match, kOldBand))
-    return left + " >= " + match.str(1) + " and " + left + " <= (" + kVersion + " < " + match.str(4) + " ? " +
-           match.str(3) + " : " + match.str(2) + ")";
+  // "1 to 3 (5 below version 110)".
+  Words band(text);
+  const std::string first = band.number();
+  if (band.skip(" to ")) {
+    const std::string last = band.number();
+    const bool isOld = band.skip(" (");
+    const std::string oldLast = band.number();
+    const bool hasVersion = isOld && band.skip(" below version ");
+    const std::string version = band.number();
+    if (hasVersion && band.skip(")") && band.isAtEnd())
+      return left + " >= " + first + " and " + left + " <= (" + kVersion + " < " + version + " ? " + oldLast + " : " +
+             last + ")";
+  }
+  // "1, 3 to 5, or 7 or above", each perhaps with words before it.
   std::vector<std::string> all;
   for (std::size_t from = 0; from < text.size();) {
     const std::size_t end = std::min(text.find(", ", from), text.size());
-    const std::string one = std::regex_replace(text.substr(from, end - from), kWord, "");
-    if (std::regex_match(one, match, kBand))
-      all.push_back("(" + left + " >= " + match.str(1) + " and " + left + " <= " + match.str(2) + ")");
-    else if (std::regex_match(one, kOne))
-      all.push_back(left + " == " + one);
-    else if (std::regex_match(one, match, kAbove))
-      all.push_back(left + " >= " + match.str(1));
-    else
-      return {};
+    Words one(std::string_view(text).substr(from, end - from));
+    while (one.skip("or ") || one.skip("in a file ") || one.skip("stored as ")) continue;
+    const std::string value = one.number();
+    if (value.empty()) return {};
+    if (one.isAtEnd()) {
+      all.push_back(left + " == " + value);
+    } else if (one.skip(" to ")) {
+      const std::string last = one.number();
+      if (last.empty()) return {};
+      all.push_back("(" + left + " >= " + value + " and " + left + " <= " + last + ")");
+    } else if (one.skip(" or above")) {
+      all.push_back(left + " >= " + value);
+    }
+    if (!one.isAtEnd()) return {};
     from = end + 2;
   }
   return joined(all, " or ");

@@ -6,13 +6,12 @@
 
 #include "src/frame/file_kinds.h"
 #include "torvio/explain/file_map.h"
+#include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::values {
 
 // Raise it with every change after which a reader of today would misread the text.
 inline constexpr int kJsonFormat = 1;
-
-inline constexpr std::string_view kDefaultEncoding = "cp1252";
 
 namespace json_names {
 

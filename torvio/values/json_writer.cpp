@@ -56,6 +56,12 @@ class JsonWriter {
     if (used_ > 0) sink_({buffer_.get(), used_});
     used_ = 0;
   }
+  // Drops what was not flushed.
+  void restart() {
+    used_ = 0;
+    depth_ = 0;
+    isFirst_ = true;
+  }
 
   // ---- structure
 
@@ -359,6 +365,44 @@ void writeFileAsJson(const JsonSink& sink, std::span<const std::byte> bytes, std
     const auto loaded = loadRecord<decltype(file)::kKind>(bytes);
     writeJson(sink, head, loaded.record.get(), &report, isPretty);
   });
+}
+
+class JsonValues::Writer {
+ public:
+  explicit Writer(std::string_view encoding)
+      : json_(sink_, TextEncoding::named(encoding).value_or(TextEncoding()), false) {}
+
+  void append(std::string& to, const Type& type, const void* value, std::size_t atLeast) {
+    to_ = &to;
+    size_ = 0;
+    atLeast_ = atLeast;
+    json_.restart();
+    try {
+      json_.value(type, value);
+      json_.flush();
+    } catch (const Enough&) {
+    }
+  }
+
+ private:
+  struct Enough {};
+  void take(std::string_view piece) {
+    to_->append(piece);
+    size_ += piece.size();
+    if (atLeast_ != 0 && size_ > atLeast_) throw Enough();
+  }
+
+  std::string* to_ = nullptr;
+  std::size_t size_ = 0, atLeast_ = 0;
+  JsonSink sink_ = [this](std::string_view piece) { take(piece); };
+  JsonWriter json_;
+};
+
+JsonValues::JsonValues(std::string_view encoding) : writer_(std::make_unique<Writer>(encoding)) {}
+JsonValues::~JsonValues() = default;
+
+void JsonValues::append(std::string& to, const Type& type, const void* value, std::size_t atLeast) {
+  writer_->append(to, type, value, atLeast);
 }
 
 }  // namespace oldtorvio::values

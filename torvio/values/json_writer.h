@@ -1,11 +1,13 @@
 // Records as JSON text.
 #pragma once
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "torvio/values/compiled_records.h"
 #include "torvio/values/json.h"
+#include "torvio/values/types.h"
 
 namespace oldtorvio::values {
 
@@ -32,5 +34,22 @@ std::string jsonOf(const typename FileRecord<kKind>::Record& record, int version
 // version.
 void writeFileAsJson(const JsonSink& sink, std::span<const std::byte> bytes, std::optional<frame::FileKind> kind,
                      const explain::FileReport& report, const std::string& encoding, bool isPretty = false);
+
+// Writes single values as they are written in a document, on one line.
+class JsonValues {
+ public:
+  explicit JsonValues(std::string_view encoding);
+  JsonValues(const JsonValues&) = delete;
+  JsonValues& operator=(const JsonValues&) = delete;
+  ~JsonValues();
+
+  // Appends the value. Of one that is much longer than `atLeast` bytes, which 0 does not limit, only a beginning of
+  // that size is written.
+  void append(std::string& to, const Type& type, const void* value, std::size_t atLeast = 0);
+
+ private:
+  class Writer;
+  std::unique_ptr<Writer> writer_;
+};
 
 }  // namespace oldtorvio::values

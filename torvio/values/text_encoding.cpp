@@ -284,4 +284,27 @@ std::string fileNameAsUtf8(std::string_view name) {
   return text;
 }
 
+std::string onOneLine(std::string_view text) {
+  constexpr std::string_view kHex = "0123456789abcdef";
+  std::string line;
+  while (!text.empty()) {
+    const auto [code, size] = firstCharacter(text);
+    const auto byte = static_cast<unsigned char>(text.front());
+    if (code == '\n')
+      line += "\\n";
+    else if (code == '\r')
+      line += "\\r";
+    else if (code == '\t')
+      line += "\\t";
+    else if (size == 0 || (size == 1 && isActive(code)))
+      line.append("\\x") += {kHex[byte >> 4U], kHex[byte & 0xFU]};
+    else if (isActive(code))
+      appendCodeInHex(line += "\\u", code);
+    else
+      line += text.substr(0, size);
+    text.remove_prefix(size == 0 ? 1 : size);
+  }
+  return line;
+}
+
 }  // namespace oldtorvio::values

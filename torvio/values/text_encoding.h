@@ -8,10 +8,12 @@
 
 namespace oldtorvio::values {
 
+inline constexpr std::string_view kDefaultEncoding = "cp1252";
+
 // A code page. Each byte has one character and each character at most one byte, so that texts survive both ways.
 class TextEncoding {
  public:
-  TextEncoding();  // cp1252
+  TextEncoding();  // kDefaultEncoding
 
   // In the order of the help.
   static std::vector<std::string> names();
@@ -46,5 +48,9 @@ void appendJsonString(std::string& to, std::string_view utf8);
 
 // The name of a file, which may hold any bytes, as UTF-8: bytes that are none become U+FFFD.
 std::string fileNameAsUtf8(std::string_view name);
+
+// The text with its control characters escaped ("\n", "\x1b", "\u202e") and bytes that are not UTF-8 as well ("\xe4"),
+// so that it takes one line and does not affect the terminal. Backslashes are not escaped: Windows paths contain many.
+std::string onOneLine(std::string_view text);
 
 }  // namespace oldtorvio::values

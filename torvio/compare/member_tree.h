@@ -1,0 +1,72 @@
+// What of a record is compared, and how: a tree over its Type with what belongs to one comparison only.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "torvio/compare/diff.h"
+#include "torvio/values/types.h"
+
+namespace oldtorvio::compare {
+
+// How to treat a member, by its path without positions and whether it is in an element of a list or array.
+struct Treatment {
+  bool isLeftOut = false;
+  bool isFirstOnly = false;  // of a list: its first element is all that is compared
+  Side notStoredIn = Side::none;
+};
+using TreatmentOf = std::function<Treatment(const std::string& path, bool isInElement)>;
+
+struct MemberNode {
+  const values::Type* type = nullptr;
+  std::string_view name;   // of a member of a record
+  std::size_t offset = 0;  // in that record
+  Side notStoredIn = Side::none;
+  bool isFirstOnly = false;
+  bool isComplete = true;                     // all members below belong to the identity
+  std::vector<MemberNode> members;            // of a record or pair, without those that are left out
+  std::unique_ptr<const MemberNode> element;  // of an array, list or lazy array
+
+  // The identity, without members that one side does not store. What can be compared as bytes is in runs, the rest are
+  // positions in `members`.
+  struct Run {
+    std::size_t offset = 0, size = 0;
+  };
+  bool isBytes = false;  // all of it
+  std::vector<Run> runs;
+  std::vector<std::size_t> rest;
+  // Members that name it, the first that is not empty.
+  std::vector<std::size_t> names;
+
+  // Whether nothing in the value has a path of its own.
+  bool isLeaf() const;
+  // How many elements of a list are compared.
+  std::size_t lengthOf(const void* list) const {
+    const std::size_t length = type->length(list);
+    return isFirstOnly && length > 1 ? 1 : length;
+  }
+};
+
+// Without a treatment all members are compared, but those that no file stores only if `storedOnly` is false.
+MemberNode memberTree(const values::Type& type, const DiffOptions& options, const TreatmentOf& treatmentOf = {});
+
+// Whether numbers, texts and all else that identifies the elements of a list are the same.
+bool areSame(const MemberNode& node, const void* a, const void* b, double tolerance);
+// Alike for all that areSame() finds the same. With a tolerance two that are may have different ones nevertheless.
+std::uint64_t hashOf(const MemberNode& node, const void* value, double tolerance);
+// The name of a record, empty without one.
+std::string_view nameOf(const MemberNode& node, const void* record);
+// What nameOf() reads it from.
+const MemberNode* nameMember(const MemberNode& node, const void* record);
+
+// A number for each value in it, so that similar records have many in common. Those of one node are equally many.
+using Sketch = std::vector<std::uint32_t>;
+void appendSketch(Sketch& to, const MemberNode& node, const void* value, double tolerance);
+// 0 for nothing in common to 1, where values that both have and a new record as well do not count.
+double similarity(const std::uint32_t* a, const std::uint32_t* b, const Sketch& fresh);
+
+}  // namespace oldtorvio::compare
