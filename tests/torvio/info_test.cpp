@@ -138,6 +138,7 @@ TEST(Infos, ListTheToolsThatANestUsesInOrderOfFirstUse) {
   contour.firstBlock.motionKind = 3;
   contour.profileCondition1 = contour.profileCondition2 = 1;
   EXPECT_EQ(used(), "4 2 3 1 ");
+  EXPECT_EQ(factsOf(*sheet, {}).toolCount, 4);
 }
 
 TEST(Infos, OfEveryKindAndVersionAreTextAndJson) {

@@ -174,13 +174,15 @@ std::vector<std::size_t> usedTools(const OldSheet& sheet) {
   const std::size_t count = std::min(list.stations.size(), list.tools.size());
   std::vector<bool> isKnown(count);
   std::vector<std::size_t> positions;
-  eachToolUse(sheet, [&](const ToolUse& use) {
+  const auto note = [&](const ToolUse& use) {
     if (use.number < 1 || static_cast<std::uint64_t>(use.number) > count) return;
     const auto position = static_cast<std::size_t>(use.number) - 1;
     if (isKnown[position] || (use.slot != nullptr && list.stations[position].toolCount == 0)) return;
     isKnown[position] = true;
     positions.push_back(position);
-  });
+  };
+  eachToolUse(sheet, note);
+  if (const auto special = specialStationOf(sheet)) note({.number = *special});
   return positions;
 }
 

@@ -45,16 +45,6 @@ std::string shown(T value) {
   return digitsOf(value);
 }
 
-// In order of first use, the special station last.
-std::vector<std::size_t> allUsedTools(const OldSheet& sheet) {
-  std::vector<std::size_t> positions = usedTools(sheet);
-  const auto special = specialStationOf(sheet);
-  if (!special) return positions;
-  const auto position = static_cast<std::size_t>(*special) - 1;
-  if (std::ranges::find(positions, position) == positions.end()) positions.push_back(position);
-  return positions;
-}
-
 class InfoBuilder {
  public:
   InfoBuilder(Info& info, const explain::ReadMembers& read, const values::TextEncoding& encoding)
@@ -102,7 +92,7 @@ class InfoBuilder {
     if (read_.has("utilization")) number("utilization", "utilization", sheet.utilization);
     listParts(parts, true);
     if (!read_.has("machine.stationsA")) return;
-    listTools("toolsUsed", stationListOf(sheet.machine), allUsedTools(sheet), nullptr);
+    listTools("toolsUsed", stationListOf(sheet.machine), usedTools(sheet), nullptr);
   }
 
   void describe(const TorvPart& part) {
