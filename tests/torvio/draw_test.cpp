@@ -534,6 +534,19 @@ TEST(Pictures, ToleratedFaultsAreNamed) {
   EXPECT_FALSE(contains(drawFile(cut.span(), frame::FileKind::machine, "m", {}).svg, "the load did not read"));
 }
 
+TEST(Pictures, OfAPartSayThatItsPatternMovesNothing) {
+  TorvPart part;
+  part.shapes.shapes.resize(1);
+  part.patterns.resize(1);
+  const auto says = [&] { return contains(drawPart(part, {"p", "part", "", {}}, {}), "do not move the shapes"); };
+  EXPECT_FALSE(says());
+  part.patterns[0].originX = 2;
+  EXPECT_TRUE(says());
+  part.patterns[0].originX = 0;
+  part.patterns[0].rotationSin = 1;
+  EXPECT_TRUE(says());
+}
+
 TEST(Pictures, PartsHaveNoNameThatTheirFileLacks) {
   const Bytes file = partFile(180);
   EXPECT_FALSE(contains(drawFile(file.span(), frame::FileKind::part, "p.part", {}).svg, "NEW PART"));

@@ -12,9 +12,13 @@ namespace {
 
 bool hasSize(const TorvPart& part) { return isLength(part.width) && isLength(part.height); }
 
+bool isMoved(const Pattern& pattern) {
+  return pattern.originX != 0 || pattern.originY != 0 || pattern.rotationSin != 0 || pattern.rotationCos < 0;
+}
+
 // What the marks of all parts of a picture have in common.
 struct Legend {
-  bool hasOutlines = false, hasCrosses = false, hasGroups = false;
+  bool hasOutlines = false, hasCrosses = false, hasGroups = false, isMoved = false;
   std::uint64_t drawn = 0, outside = 0, left = 0;
 
   void describe(Picture& picture) const {
@@ -35,6 +39,7 @@ struct Legend {
       picture.assume("tools are centred on the placing points, and their orientations are in radians");
       picture.assume(kDimensionsAssumed);
     }
+    if (isMoved) picture.assume("the origin and the angle of a pattern do not move the shapes of its part");
     if (hasGroups) picture.assume(kGroupsAssumed);
     picture.assume("the file does not name its length unit");
     picture.leaveOut(outside, "shape", "shapes", "far outside of the part, or without a place");
@@ -61,6 +66,7 @@ void addMarks(Picture& picture, const TorvPart& part, const Box& box, double sca
     svg.path(marks.crosses.data()).set("fill", "none").set("stroke", kInk).set("stroke-width", stroke).close();
   legend.hasOutlines = legend.hasOutlines || !marks.outlines.empty();
   legend.hasCrosses = legend.hasCrosses || !marks.crosses.empty();
+  legend.isMoved = legend.isMoved || (!part.patterns.empty() && isMoved(part.patterns.front()));
   legend.hasGroups = legend.hasGroups || marks.hasGroups;
   legend.drawn += marks.drawn;
   legend.outside += marks.outside;
