@@ -21,8 +21,6 @@ class ReadMembers {
   bool has(std::string_view member) const { return isComplete_ || names_.find(member) != names_.end(); }
 
  private:
-  void note(std::string_view path);
-
   bool isComplete_ = true;
   std::set<std::string, std::less<>> names_;
 };
