@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,7 @@
 #include "tests/support/sheet_files.h"
 #include "tests/tools/run_torvio.h"
 #include "torvio/archive/facts.h"
+#include "torvio/explain/read_members.h"
 
 namespace {
 
@@ -27,6 +29,7 @@ using namespace oldtorvio;
 using namespace oldtorvio::archive;
 using namespace testing_support;
 using nlohmann::json;
+using namespace std::string_literals;
 
 bool contains(const std::string& text, std::string_view part) { return text.find(part) != std::string::npos; }
 
@@ -168,6 +171,29 @@ TEST(Infos, OfEveryKindAndVersionAreTextAndJson) {
 }
 
 json jsonOf(const Bytes& file, explain::FileKind kind) { return json::parse(infoJson("", infoOfKind(file, kind))); }
+
+// A complete file, and one that ends in the middle.
+TEST(ReadMembers, AreThoseOfTheMap) {
+  for (const Kind& kind : kinds())
+    for (const int version : kind.versions)
+      for (const int part : {1, 2}) {
+        const Bytes all = kind.file(version), file = all.cut(all.size() / static_cast<std::size_t>(part));
+        const explain::ReadMembers read(file.span(), kind.kind);
+        std::set<std::string> mapped;
+        (void)explain::mapFile(file.span(), kind.kind, [&](const explain::MapLine& line) {
+          std::string path = line.path.substr(0, line.path.find_first_of(",["));
+          const bool isMember = !path.ends_with("reserved") && !path.ends_with("text") && path != "version";
+          if (line.size == 0 || !isMember) return;
+          mapped.insert(path);
+          EXPECT_TRUE(read.has(path)) << kind.name << ' ' << version << ' ' << path;
+        });
+        for (const char* name : {"width", "partName", "utilization", "skeletonShapes.shapes", "machine.displayName",
+                                 "ncPath", "stationsB.stations", "material.name", "params.title", "rules"}) {
+          const auto isOf = [&](const std::string& path) { return path == name || path.starts_with(name + "."s); };
+          EXPECT_EQ(read.has(name), std::ranges::any_of(mapped, isOf)) << kind.name << ' ' << version << ' ' << name;
+        }
+      }
+}
 
 TEST(Infos, SayNothingOfWhatAVersionDoesNotStore) {
   const auto sheet = nest();
