@@ -291,6 +291,23 @@ TEST(SheetPictures, EmptyTinyHugeAndLongPlatesAreDrawn) {
   EXPECT_TRUE(contains(drawn(*parts), "the plate: its size is not positive"));
 }
 
+// A sheet with more clamps than its machine has positions that no file contains.
+TEST(SheetPictures, ClampsAreOnlyWhereTheMachineHasPositions) {
+  const auto sheet = plate(96, 48);
+  sheet->clampInfo.clampCount = 5;
+  const auto marks = [](const std::string& svg) { return countOf(svg, "fill=\"#4a5560\" stroke"); };
+  for (const int count : {-1, 0, 2, 5, 8}) {
+    sheet->machine.clampInfo.clampCount = count;
+    const int placed = std::clamp(count, 0, 5);
+    const std::string svg = drawn(*sheet);
+    EXPECT_EQ(marks(svg), static_cast<std::size_t>(placed)) << count;
+    EXPECT_EQ(contains(svg, countText(static_cast<std::uint64_t>(5 - placed), "clamp", "clamps") +
+                                ": the machine has no position for it"),
+              placed < 5)
+        << count;
+  }
+}
+
 TEST(SheetPictures, QuantitiesDoNotWrap) {
   const auto sheet = plate(100, 50);
   Pattern& grid = place(*sheet, 8, 6, 1, 2);

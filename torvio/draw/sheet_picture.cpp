@@ -224,7 +224,12 @@ class SheetPicture {
     picture_.axes({plate.x, plate.bottom()});
     // As the queries of the library do: their number is that of the sheet, their positions are those of its machine.
     if (hasPlate() && read_.has("clampInfo") && read_.has("machine.clampInfo")) {
-      picture_.clamps(view_, sheet_.machine.clampInfo.clampPositions, sheet_.clampInfo.clampCount, plate, "the plate");
+      // A file stores as many positions as the machine has clamps; the others of the record are those of a new machine.
+      const std::int32_t count = std::clamp(sheet_.clampInfo.clampCount, 0, 8);
+      const std::int32_t placed = std::clamp(sheet_.machine.clampInfo.clampCount, 0, count);
+      picture_.clamps(view_, sheet_.machine.clampInfo.clampPositions, placed, plate, "the plate");
+      picture_.leaveOut(static_cast<std::uint64_t>(count - placed), "clamp", "clamps",
+                        "the machine has no position for it");
       picture_.assume("the clamps are as many as the sheet says, at the positions that its machine says");
     }
     picture_.scaleBar(view_);
