@@ -188,7 +188,8 @@ TEST(ReadMembers, AreThoseOfTheMap) {
           EXPECT_TRUE(read.has(path)) << kind.name << ' ' << version << ' ' << path;
         });
         for (const char* name : {"width", "partName", "utilization", "skeletonShapes.shapes", "machine.displayName",
-                                 "ncPath", "stationsB.stations", "material.name", "params.title", "rules"}) {
+                                 "ncPath", "stationsB.stations", "material.name", "params.title", "rules",
+                                 "paramTable.intParams", "machine.clampInfo.clampPositions"}) {
           const auto isOf = [&](const std::string& path) { return path == name || path.starts_with(name + "."s); };
           EXPECT_EQ(read.has(name), std::ranges::any_of(mapped, isOf)) << kind.name << ' ' << version << ' ' << name;
         }

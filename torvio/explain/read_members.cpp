@@ -38,8 +38,8 @@ class NameReader : public codec::Reading<NameReader> {
     return item(member) && noteOf(names, i);
   }
   template <class Names, class M>
-  [[nodiscard]] bool indexed(const Names& names, std::size_t i, M& member) {
-    return item(member) && (i > 0 || noteOf(names, 0));
+  [[nodiscard]] bool indexed(const Names& names, std::size_t, M& member) {
+    return item(member) && noteOf(names, 0);
   }
   template <class Names, std::size_t N, class T>
   [[nodiscard]] bool numbers(const Names& names, T (&members)[N], std::size_t count) {
@@ -145,7 +145,9 @@ class NameReader : public codec::Reading<NameReader> {
 ReadMembers::ReadMembers(std::span<const std::byte> bytes, FileKind kind) : isComplete_(false) {
   std::int16_t version = 0;
   codec::InStream head(bytes);
-  if (!codec::readUnversioned(head, version) || !frame::infoOf(kind).accepts(version)) return;
+  if (!codec::readUnversioned(head, version)) return;
+  names_.emplace("version");
+  if (!frame::infoOf(kind).accepts(version)) return;
   codec::InStream stream(bytes.subspan(startsWithTable(kind, version) ? 0 : sizeof version));
   NameReader io(stream, version, names_);
   withFileRecord(kind, [&](auto file) {
