@@ -224,6 +224,107 @@ TEST(SheetPictures, EmptyTinyHugeAndLongPlatesAreDrawn) {
   EXPECT_TRUE(contains(drawn(*parts), "the plate: its size is not positive"));
 }
 
+// A sheet with more clamps than its machine has positions that no file contains.
+TEST(SheetPictures, ClampsAreOnlyWhereTheMachineHasPositions) {
+  const auto sheet = plate(96, 48);
+  sheet->clampInfo.clampCount = 5;
+  const auto marks = [](const std::string& svg) { return countOf(svg, "fill=\"#4a5560\" stroke"); };
+  for (const int count : {-1, 0, 2, 5, 8}) {
+    sheet->machine.clampInfo.clampCount = count;
+    const int placed = std::clamp(count, 0, 5);
+    const std::string svg = drawn(*sheet);
+    EXPECT_EQ(marks(svg), static_cast<std::size_t>(placed)) << count;
+    EXPECT_EQ(contains(svg, countText(static_cast<std::uint64_t>(5 - placed), "clamp", "clamps") +
+                                ": the machine has no position for it"),
+              placed < 5)
+        << count;
+  }
+}
+
+TEST(SheetPictures, QuantitiesDoNotWrap) {
+  const auto sheet = plate(100, 50);
+  Pattern& grid = place(*sheet, 8, 6, 1, 2);
+  grid.gridCount1 = 65'536;
+  grid.gridCount2 = 65'537;
+  const std::string svg = drawn(*sheet);
+  EXPECT_TRUE(contains(svg, "1 part, 4,295,032,832 copies"));
+  EXPECT_TRUE(contains(svg,
+                       ">\xC3\x97"
+                       "4,295,032,832</text>"));
+}
+
+// ---- groups --------------------------------------------------------------------------------------------
+
+Shape shapeAt(float x, float y, int type = 1, std::uint32_t flags = 0) {
+  Shape shape;
+  shape.type = static_cast<std::int8_t>(type);
+  shape.flags = flags;
+  shape.x = x;
+  shape.y = y;
+  return shape;
+}
+
+// A head at 10, 5, turned by a quarter, with a member 3 to the right of it in its own frame.
+std::vector<Shape> groupOfOne() {
+  std::vector<Shape> shapes{shapeAt(1, 1), shapeAt(10, 5, 7), shapeAt(3, 0, 1, 128)};
+  shapes[1].values[2] = 1.5707964F;
+  return shapes;
+}
+std::vector<Shape> withoutGroup() { return {shapeAt(1, 1), shapeAt(10, 5), shapeAt(10, 8)}; }
+
+TEST(Groups, MembersAreInTheFrameOfTheirHead) {
+  const Box limits{0, 0, 100, 100};
+  ShapeList group, plain;
+  group.shapes = groupOfOne();
+  plain.shapes = withoutGroup();
+  const WorkMarks grouped = marksOf(group, nullptr, nullptr, limits, {0, 0}, 1, 100);
+  const WorkMarks placed = marksOf(plain, nullptr, nullptr, limits, {0, 0}, 1, 100);
+  EXPECT_EQ(grouped.crosses.data(), placed.crosses.data());
+  EXPECT_TRUE(grouped.hasGroups);
+  EXPECT_FALSE(placed.hasGroups);
+  // Without a head before it a member is where it says.
+  group.shapes = {shapeAt(3, 4, 1, 128)};
+  plain.shapes = {shapeAt(3, 4)};
+  EXPECT_EQ(marksOf(group, nullptr, nullptr, limits, {0, 0}, 1, 100).crosses.data(),
+            marksOf(plain, nullptr, nullptr, limits, {0, 0}, 1, 100).crosses.data());
+}
+
+TEST(Groups, ToolsOfMembersAreTurnedWithThem) {
+  const Box limits{0, 0, 100, 100};
+  ShapeList group, plain;
+  group.shapes = groupOfOne();
+  plain.shapes = withoutGroup();
+  PatternItemList items(3);
+  items[2].toolNumber = 1;
+  ToolStationList list;
+  list.stations.resize(1);
+  list.tools.resize(1);
+  list.tools[0].shapeCode = 3;
+  list.tools[0].dimension1 = 4;
+  list.tools[0].dimension2 = 2;
+  ToolStationList turned = list;
+  turned.tools[0].orientation = 1.5707964F;
+  EXPECT_EQ(marksOf(group, &items, &list, limits, {0, 0}, 1, 100).outlines.data(),
+            marksOf(plain, &items, &turned, limits, {0, 0}, 1, 100).outlines.data());
+}
+
+TEST(Groups, OfASheetAndOfItsSkeletonArePlacedAlike) {
+  for (const bool isSkeleton : {false, true}) {
+    const auto grouped = plate(60, 45), placed = plate(60, 45);
+    (isSkeleton ? grouped->skeletonShapes : grouped->shapes).shapes = groupOfOne();
+    (isSkeleton ? placed->skeletonShapes : placed->shapes).shapes = withoutGroup();
+    const auto marks = [](const std::string& svg) {
+      static const std::regex kMarks("<path d=\"([^\"]+)\" fill=\"[^\"]+\" stroke=\"#a3420b\" stroke-width=\"1\"");
+      std::smatch found;
+      return std::regex_search(svg, found, kMarks) ? found[1].str() : "none";
+    };
+    EXPECT_NE(marks(drawn(*grouped)), "none");
+    EXPECT_EQ(marks(drawn(*grouped)), marks(drawn(*placed))) << isSkeleton;
+    EXPECT_TRUE(contains(drawn(*grouped), "the last head before it"));
+    EXPECT_FALSE(contains(drawn(*placed), "the last head before it"));
+  }
+}
+
 TEST(SheetPictures, TextsOfTheFileStayTexts) {
   const auto sheet = plate(60, 45);
   place(*sheet, 50, 30, 1, 1);
@@ -362,6 +463,57 @@ TEST(Pictures, OfADamagedFileOnlyWhatWasReadIsDrawn) {
   EXPECT_FALSE(contains(early, "45</text>"));  // a height that the file does not have
   EXPECT_TRUE(contains(late, ">77</text>"));
   EXPECT_FALSE(contains(late, "clamp, not to scale"));
+  EXPECT_FALSE(contains(late, "0 parts"));
+  EXPECT_TRUE(contains(drawnUpTo(file.size()), "0 parts"));
+}
+
+TEST(Pictures, OfTheOldestPartsAreNotCalledDamaged) {
+  const Bytes file = Bytes().i16(3).f32(30).f32(20).zeros(70);
+  const DrawnFile picture = drawFile(file.span(), frame::FileKind::part, "old", {});
+  EXPECT_FALSE(contains(picture.svg, "amaged"));
+  EXPECT_TRUE(contains(picture.svg, "No load reads all of a file of this version"));
+  EXPECT_TRUE(contains(picture.svg, ">30</text>"));
+  const Bytes cut = file.cut(40);
+  EXPECT_TRUE(contains(drawFile(cut.span(), frame::FileKind::part, "old", {}).svg, "Damaged file"));
+}
+
+TEST(Pictures, ToleratedFaultsAreNamed) {
+  const Bytes cut = machineFile(152);
+  EXPECT_TRUE(contains(drawFile(cut.span().first(cut.size() - 1), frame::FileKind::machine, "m", {}).svg,
+                       "the load did not read"));
+  EXPECT_FALSE(contains(drawFile(cut.span(), frame::FileKind::machine, "m", {}).svg, "the load did not read"));
+}
+
+TEST(Pictures, OfAPartSayThatItsPatternMovesNothing) {
+  TorvPart part;
+  part.shapes.shapes.resize(1);
+  part.patterns.resize(1);
+  const auto says = [&] { return contains(drawPart(part, {"p", "part", "", {}}, {}), "do not move the shapes"); };
+  EXPECT_FALSE(says());
+  part.patterns[0].originX = 2;
+  EXPECT_TRUE(says());
+  part.patterns[0].originX = 0;
+  part.patterns[0].rotationSin = 1;
+  EXPECT_TRUE(says());
+}
+
+TEST(Pictures, PartsHaveNoNameThatTheirFileLacks) {
+  const Bytes file = partFile(180);
+  EXPECT_FALSE(contains(drawFile(file.span(), frame::FileKind::part, "p.part", {}).svg, "NEW PART"));
+}
+
+TEST(Pictures, StationsOfAMachineWithoutAToolAreLeftOut) {
+  OldMachine machine;
+  machine.stationsA.stations.resize(3);
+  machine.stationsA.tools.resize(3);
+  for (OldTool& tool : machine.stationsA.tools) tool.shapeCode = 1, tool.dimension1 = 1;
+  machine.stationsA.stations[0].toolCount = 1;
+  machine.stationsA.stations[1].toolCount = -1;
+  machine.stationsB = machine.stationsA;
+  const std::string svg = drawMachine(machine, {"m", "machine", "", {}}, {});
+  EXPECT_EQ(countOf(svg, ">ROUND</text>"), 1U);
+  EXPECT_TRUE(contains(svg, "2 stations: without a tool"));
+  EXPECT_TRUE(contains(svg, "3 stations: of the second list"));
 }
 
 TEST(Pictures, PartsShowTheOutlinesOfTheirTools) {
@@ -474,6 +626,18 @@ TEST(ToolOutlines, FollowFromShapeCodeAndDimensions) {
   OldTool turned = toolOf(3, 4, 2);
   turned.orientation = 1.5707964F;
   EXPECT_EQ(outline(turned), "M1 2L1 -2L-1 -2L-1 2Z");
+}
+
+TEST(ToolOutlines, DimensionsKeepTheirPlaces) {
+  EXPECT_EQ(dimensionText(toolOf(1, 0.5F)), "0.5");
+  EXPECT_EQ(dimensionText(toolOf(3, 2, 0.25F)), "2 x 0.25");
+  EXPECT_EQ(dimensionText(toolOf(110, 2, 0, 0.5F)), "2 x 0 x 0.5");
+  EXPECT_EQ(dimensionText(toolOf(3, 0, 2)), "0 x 2");
+  EXPECT_EQ(dimensionText(toolOf(3, 0)), "");
+  // Codes of symmetry, as far as a load takes them for such.
+  EXPECT_EQ(dimensionText(toolOf(108, 3, 2, 1)), "3 x 2");
+  EXPECT_EQ(dimensionText(toolOf(108, 3, 2, 2.00005F)), "3 x 2");
+  EXPECT_EQ(dimensionText(toolOf(108, 3, 2, 1.5F)), "3 x 2 x 1.5");
 }
 
 TEST(ToolOutlines, NeedPositiveDimensionsAndAKnownKind) {

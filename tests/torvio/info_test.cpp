@@ -7,15 +7,21 @@
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "OldTorvIO.h"
 #include "src/frame/text/text.h"
+#include "src/machine/machine_io.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/part_files.h"
+#include "tests/support/sheet_files.h"
 #include "tests/tools/run_torvio.h"
+#include "torvio/archive/facts.h"
+#include "torvio/explain/read_members.h"
 
 namespace {
 
@@ -23,6 +29,7 @@ using namespace oldtorvio;
 using namespace oldtorvio::archive;
 using namespace testing_support;
 using nlohmann::json;
+using namespace std::string_literals;
 
 bool contains(const std::string& text, std::string_view part) { return text.find(part) != std::string::npos; }
 
@@ -134,6 +141,7 @@ TEST(Infos, ListTheToolsThatANestUsesInOrderOfFirstUse) {
   contour.firstBlock.motionKind = 3;
   contour.profileCondition1 = contour.profileCondition2 = 1;
   EXPECT_EQ(used(), "4 2 3 1 ");
+  EXPECT_EQ(factsOf(*sheet, {}).toolCount, 4);
 }
 
 TEST(Infos, OfEveryKindAndVersionAreTextAndJson) {
@@ -160,6 +168,115 @@ TEST(Infos, OfEveryKindAndVersionAreTextAndJson) {
       }
       EXPECT_GE(damaged, 5U) << kind.name << ' ' << version;
     }
+}
+
+json jsonOf(const Bytes& file, explain::FileKind kind) { return json::parse(infoJson("", infoOfKind(file, kind))); }
+
+// A complete file, and one that ends in the middle.
+TEST(ReadMembers, AreThoseOfTheMap) {
+  for (const Kind& kind : kinds())
+    for (const int version : kind.versions)
+      for (const int part : {1, 2}) {
+        const Bytes all = kind.file(version), file = all.cut(all.size() / static_cast<std::size_t>(part));
+        const explain::ReadMembers read(file.span(), kind.kind);
+        std::set<std::string> mapped;
+        (void)explain::mapFile(file.span(), kind.kind, [&](const explain::MapLine& line) {
+          std::string path = line.path.substr(0, line.path.find_first_of(",["));
+          const bool isMember = !path.ends_with("reserved") && !path.ends_with("text") && path != "version";
+          if (line.size == 0 || !isMember) return;
+          mapped.insert(path);
+          EXPECT_TRUE(read.has(path)) << kind.name << ' ' << version << ' ' << path;
+        });
+        for (const char* name : {"width", "partName", "utilization", "skeletonShapes.shapes", "machine.displayName",
+                                 "ncPath", "stationsB.stations", "material.name", "params.title", "rules",
+                                 "paramTable.intParams", "machine.clampInfo.clampPositions"}) {
+          const auto isOf = [&](const std::string& path) { return path == name || path.starts_with(name + "."s); };
+          EXPECT_EQ(read.has(name), std::ranges::any_of(mapped, isOf)) << kind.name << ' ' << version << ' ' << name;
+        }
+      }
+}
+
+TEST(Infos, SayNothingOfWhatAVersionDoesNotStore) {
+  const auto sheet = nest();
+  const auto ofVersion = [&](int version) {
+    return jsonOf(readableSheetFile(*sheet, version), explain::FileKind::sheet);
+  };
+  EXPECT_FALSE(ofVersion(99).contains("skeletonShapeCount"));
+  EXPECT_EQ(ofVersion(100)["skeletonShapeCount"], 0);
+  EXPECT_FALSE(ofVersion(101).contains("utilization"));
+  EXPECT_EQ(ofVersion(102)["utilization"], 0);
+  EXPECT_EQ(ofVersion(54)["width"], 96.5);
+
+  EXPECT_FALSE(jsonOf(machineFile(61), explain::FileKind::machine).contains("ncExtension"));
+  EXPECT_TRUE(jsonOf(machineFile(62), explain::FileKind::machine).contains("ncExtension"));
+  // The name of a part is stored in sheets and group parts only.
+  EXPECT_FALSE(jsonOf(partFile(180), explain::FileKind::part).contains("name"));
+  EXPECT_TRUE(jsonOf(groupFile(180), explain::FileKind::groupPart)["parts"][0].contains("name"));
+}
+
+TEST(Infos, OfTheOldestPartsAreWhatTheirLoadReads) {
+  const Info info = infoOfKind(Bytes().i16(3).f32(30).f32(20).zeros(70), explain::FileKind::part);
+  EXPECT_EQ(info.verdict, Verdict::refusedVersion);
+  EXPECT_EQ(json::parse(infoJson("", info))["width"], 30);
+}
+
+TEST(Infos, StationOfAMachineWithoutAToolHasNone) {
+  const auto machine = std::make_unique<OldMachine>();
+  machine->textWidth = 256;
+  for (ToolStationList* list : {&machine->stationsA, &machine->stationsB}) {
+    addTool(*list, 1, 0.5F);
+    addTool(*list, 3, 0.5F);
+    list->stations[0].toolCount = 0;
+  }
+  const Bytes file =
+      Bytes().i16(180).add(written([&](auto& to) { return WriteOldMachine(to, 180, nullptr, *machine, false); }));
+  const json info = jsonOf(file, explain::FileKind::machine);
+  EXPECT_EQ(info["stationsA"][0]["tool"], "none");
+  EXPECT_EQ(info["stationsA"][0]["dimensions"], "");
+  EXPECT_EQ(info["stationsA"][1]["tool"], "RECTANGLE");
+
+  const Facts facts = factsOf(*machine, {});
+  EXPECT_EQ(facts.stationCount, 4);
+  EXPECT_EQ(facts.toolCount, 2);
+  ASSERT_EQ(facts.tools.size(), 2U);
+  EXPECT_EQ(facts.tools[0].number, 2);
+  EXPECT_EQ(facts.tools[1].list, "stationsB");
+}
+
+// The stations of parts that this library builds have a count of 0 and a tool all the same.
+TEST(Infos, StationOfAPartHasAToolWhateverItsCount) {
+  TorvPart part;
+  addTool(part.toolStations, 1, 0.5F);
+  part.toolStations.stations[0].toolCount = 0;
+  EXPECT_EQ(factsOf(part, {}).toolCount, 1);
+}
+
+TEST(Infos, QuantitiesDoNotWrap) {
+  const auto sheet = nest();
+  sheet->partList.parts[0].patterns[0].gridCount1 = 65'536;
+  sheet->partList.parts[0].patterns[0].gridCount2 = 65'537;
+  sheet->partList.parts[0].patterns.emplace_back();
+  sheet->partList.parts[0].patterns.emplace_back().gridCount2 = 0;
+  const json info = jsonOf(saved(*sheet), explain::FileKind::sheet);
+  EXPECT_EQ(info["parts"][0]["quantity"], 4'295'032'833);
+  EXPECT_EQ(info["copyCount"], 4'295'032'833);
+  EXPECT_EQ(info["placementCount"], 3);
+  const Facts facts = factsOf(*sheet, {});
+  EXPECT_EQ(facts.parts[0].quantity, 4'295'032'833);
+  EXPECT_EQ(facts.placementCount, 4'295'032'833);
+  for (Pattern& pattern : sheet->partList.parts[0].patterns) pattern.gridCount1 = pattern.gridCount2 = 0xFFFFFFFF;
+  EXPECT_EQ(factsOf(*sheet, {}).placementCount, std::numeric_limits<std::int64_t>::max());
+}
+
+TEST(Infos, SymmetryCodeOfASpecialToolIsNoDimension) {
+  const auto infoWith = [](float third) {
+    return jsonOf(specialToolFile(180, {3}, third), explain::FileKind::specialTool);
+  };
+  EXPECT_EQ(infoWith(2)["dimensions"], "11 x 12");
+  EXPECT_EQ(infoWith(2)["symmetry"], "quarter turn");
+  EXPECT_EQ(infoWith(1)["symmetry"], "half turn");
+  EXPECT_EQ(infoWith(3)["dimensions"], "11 x 12 x 3");
+  EXPECT_EQ(infoWith(3)["symmetry"], "none");
 }
 
 TEST(Infos, OfADamagedFileHaveOnlyWhatWasRead) {

@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -354,7 +356,7 @@ TEST(SaveTraces, EveryEditBelowVersion152IsFound) {
     const auto trace = archive::traceOfSave(after.span(), report);
     ASSERT_TRUE(trace) << version;
     EXPECT_EQ(trace->code, "saved-below-152");
-    EXPECT_NE(trace->text.find(version == 151 ? "stored 1 byte " : "stored 37 bytes "), std::string::npos)
+    EXPECT_NE(trace->text.find(version == 151 ? "Without 1 byte " : "Without 37 bytes "), std::string::npos)
         << trace->text;
   }
 }
@@ -381,6 +383,12 @@ TEST(EditWarnings, SheetsThatAnEditRuinsAreReported) {
     const char* field;
     std::function<void(OldSheet&)> change;
   } cases[] = {{"paramTable.version", [](OldSheet& s) { s.paramTable.version = 501; }},
+               {"shapes.shapes[1].trailerValue",
+                [](OldSheet& s) {
+                  s.machine.shapesPresent = 1;
+                  s.shapes.shapes.resize(3);
+                  s.shapes.shapes[1].trailerValue = 7;
+                }},
                {"machine.textWidth", [](OldSheet& s) { s.machine.textWidth = 100; }},
                {"machine.secondTextWidth", [](OldSheet& s) {
                   s.machine.secondTextPresent = 1;
@@ -390,6 +398,40 @@ TEST(EditWarnings, SheetsThatAnEditRuinsAreReported) {
     auto sheet = plainSheet();
     one.change(*sheet);
     EXPECT_TRUE(find(archive::warningsOf(*sheet), "edit-ruins-sheet", one.field)) << one.field;
+  }
+}
+
+// A load reads the values, and the save of an edit stores none.
+TEST(EditWarnings, TrailerValuesAreLostWhereTheWarningSaysSo) {
+  for (const std::uint32_t value : {0U, 7U}) {
+    auto sheet = plainSheet();
+    sheet->shapes.shapes.resize(1);
+    sheet->machine.machineWord82 = std::bit_cast<float>(0x5EED1234U);  // is stored before the values
+    const Bytes saved = bytesOf(*sheet, 180), mark = Bytes().u32(0x5EED1234);
+    const auto all = saved.span();
+    const auto at = static_cast<std::size_t>(
+        std::search(all.begin(), all.end(), mark.span().begin(), mark.span().end()) - all.begin());
+    std::optional<std::size_t> flag;
+    (void)explain::mapFile(all, explain::FileKind::sheet, [&](const explain::MapLine& line) {
+      if (line.path == "machine.shapesPresent") flag = static_cast<std::size_t>(line.offset);
+    });
+    ASSERT_TRUE(flag && at < all.size());
+    const Bytes file = Bytes::of(all.first(*flag))
+                           .u8(1)
+                           .add(Bytes::of(all.subspan(*flag + 1, at + 4 - *flag - 1)))
+                           .u32(value)
+                           .add(Bytes::of(all.subspan(at + 4)));
+    const TempFolder folder;
+    const std::string path = folder.write("nest", file);
+    auto loaded = std::make_unique<OldSheet>();
+    ASSERT_EQ(LoadOldSheet(path.c_str(), loaded.get()), 0);
+    ASSERT_EQ(loaded->shapes.shapes[0].trailerValue, value);
+    EXPECT_EQ(find(archive::warningsOf(*loaded), "edit-ruins-sheet") != nullptr, value != 0);
+    ASSERT_EQ(ReplaceSheetMachineNcPath(path.c_str(), "N:\\NEW"), 0);
+    loaded = std::make_unique<OldSheet>();
+    ASSERT_EQ(LoadOldSheet(path.c_str(), loaded.get()), 0);
+    EXPECT_STREQ(loaded->machine.ncPath, "N:\\NEW");
+    EXPECT_EQ(loaded->shapes.shapes[0].trailerValue, 0U);
   }
 }
 

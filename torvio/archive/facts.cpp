@@ -8,6 +8,8 @@
 #include "src/file_records.h"
 #include "src/sheet/nest.h"
 #include "src/tooling/tool_kinds.h"
+#include "torvio/draw/tool_outline.h"
+#include "torvio/values/quantity.h"
 
 namespace oldtorvio::archive {
 namespace {
@@ -44,7 +46,7 @@ class Extract {
     facts.materialType = text(part.materialType);
     setSize(facts, part);
     facts.shapeCount = countOf(part.shapes.shapes);
-    addTools(facts, "toolStations", part.toolStations);
+    addTools(facts, "toolStations", part.toolStations, draw::holdsTool);
     return facts;
   }
   Facts facts(const SheetPartList& list) const {
@@ -58,9 +60,9 @@ class Extract {
     facts.width = machine.sizeX;
     facts.height = machine.sizeY;
     facts.material = decoded(machine.material.name);
-    addTools(facts, "stationsA", machine.stationsA);
-    addTools(facts, "stationsB", machine.stationsB);
-    addTools(facts, "stationsC", machine.stationsC);
+    addTools(facts, "stationsA", machine.stationsA, draw::machineHoldsTool);
+    addTools(facts, "stationsB", machine.stationsB, draw::machineHoldsTool);
+    addTools(facts, "stationsC", machine.stationsC, draw::machineHoldsTool);
     return facts;
   }
   Facts facts(const OldMaterial& material) const {
@@ -82,7 +84,7 @@ class Extract {
   Facts facts(const OldMacro& macro) const {
     Facts facts;
     facts.shapeCount = countOf(macro.shapes.shapes);
-    addTools(facts, "stationList", macro.stationList);
+    addTools(facts, "stationList", macro.stationList, draw::holdsTool);
     return facts;
   }
   Facts facts(const OldSpecialTool& file) const {
@@ -107,35 +109,28 @@ class Extract {
   }
   static std::int64_t countOf(const auto& list) { return static_cast<std::int64_t>(list.size()); }
 
+  static std::int64_t signedCount(std::uint64_t count) {
+    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int64_t>(std::min(count, kMost));
+  }
+
   static void setSize(Facts& facts, const auto& record) {
     facts.width = record.width;
     facts.height = record.height;
     facts.thickness = record.thickness;
   }
 
-  // Unlike the queries it does not wrap.
-  static std::int64_t quantityOf(const TorvPart& part) {
-    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
-    std::uint64_t sum = 0;
-    for (const Pattern& pattern : part.patterns) {
-      const std::uint64_t placements = std::uint64_t{pattern.gridCount1} * pattern.gridCount2;
-      sum = placements > kMost - sum ? kMost : sum + placements;
-    }
-    return static_cast<std::int64_t>(sum);
-  }
-
   void addParts(Facts& facts, const std::vector<TorvPart>& parts) const {
-    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-    std::int64_t placements = 0;
+    std::uint64_t placements = 0;
     facts.parts.reserve(parts.size());
     for (const TorvPart& part : parts) {
       facts.parts.push_back({text(part.partName), text(part.partFullDosName), text(part.materialName),
-                             text(part.woNumber), part.width, part.height, part.thickness, quantityOf(part)});
-      const std::int64_t quantity = facts.parts.back().quantity;
-      placements = quantity > kMost - placements ? kMost : placements + quantity;
+                             text(part.woNumber), part.width, part.height, part.thickness,
+                             signedCount(values::quantityOf(part))});
+      placements = values::sumOf(placements, values::quantityOf(part));
     }
     facts.partCount = countOf(parts);
-    facts.placementCount = placements;
+    facts.placementCount = signedCount(placements);
   }
 
   ToolFacts toolFacts(std::string_view list, std::size_t at, const OldTool& tool) const {
@@ -146,11 +141,11 @@ class Extract {
     if (tool.shapeCode == kSpecialTool) facts.specialTool = text(tool.specialToolPath);
     return facts;
   }
-  // Stations without a tool have a tool of shape code 0.
-  void addTools(Facts& facts, std::string_view list, const ToolStationList& stations) const {
+  // `holdsTool` says which stations hold one: those of a machine count theirs.
+  void addTools(Facts& facts, std::string_view list, const ToolStationList& stations, auto holdsTool) const {
     std::int64_t tools = 0;
-    for (std::size_t i = 0; i < stations.tools.size(); ++i) {
-      if (stations.tools[i].shapeCode == 0) continue;
+    for (std::size_t i = 0; i < std::min(stations.stations.size(), stations.tools.size()); ++i) {
+      if (!holdsTool(stations.stations[i], stations.tools[i])) continue;
       facts.tools.push_back(toolFacts(list, i, stations.tools[i]));
       ++tools;
     }
@@ -179,13 +174,15 @@ std::vector<std::size_t> usedTools(const OldSheet& sheet) {
   const std::size_t count = std::min(list.stations.size(), list.tools.size());
   std::vector<bool> isKnown(count);
   std::vector<std::size_t> positions;
-  eachToolUse(sheet, [&](const ToolUse& use) {
+  const auto note = [&](const ToolUse& use) {
     if (use.number < 1 || static_cast<std::uint64_t>(use.number) > count) return;
     const auto position = static_cast<std::size_t>(use.number) - 1;
     if (isKnown[position] || (use.slot != nullptr && list.stations[position].toolCount == 0)) return;
     isKnown[position] = true;
     positions.push_back(position);
-  });
+  };
+  eachToolUse(sheet, note);
+  if (const auto special = specialStationOf(sheet)) note({.number = *special});
   return positions;
 }
 

@@ -35,8 +35,8 @@ struct Facts {
   std::vector<ToolFacts> tools;  // of a sheet those that GetOldSheetInfo returns, each once
 };
 
-// The positions of the stations that the items and slots of a nest use in their list, in order of first use, by the rules
-// of GetOldSheetInfo. Its special station, which no number names, is not included, nor is a number after the last station.
+// The positions of the stations that a nest uses in their list, in order of first use, by the rules of GetOldSheetInfo: by
+// its items and slots, and last the special station. A number after the last station is not included.
 std::vector<std::size_t> usedTools(const OldSheet& sheet);
 
 // Of a record that a load filled with success. Defined for the records of all kinds of files.

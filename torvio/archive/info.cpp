@@ -12,6 +12,7 @@
 #include "torvio/archive/facts.h"
 #include "torvio/draw/tool_outline.h"
 #include "torvio/explain/read_members.h"
+#include "torvio/values/quantity.h"
 #include "torvio/values/record_bytes.h"
 
 namespace oldtorvio::archive {
@@ -44,16 +45,6 @@ std::string shown(T value) {
   return digitsOf(value);
 }
 
-// In order of first use, the special station last.
-std::vector<std::size_t> allUsedTools(const OldSheet& sheet) {
-  std::vector<std::size_t> positions = usedTools(sheet);
-  const auto special = specialStationOf(sheet);
-  if (!special) return positions;
-  const auto position = static_cast<std::size_t>(*special) - 1;
-  if (std::ranges::find(positions, position) == positions.end()) positions.push_back(position);
-  return positions;
-}
-
 class InfoBuilder {
  public:
   InfoBuilder(Info& info, const explain::ReadMembers& read, const values::TextEncoding& encoding)
@@ -67,7 +58,7 @@ class InfoBuilder {
       text("material", "materialType", decoded(sheet.materialType));
       text("material group", "materialGroup", decoded(sheet.materialGroup));
     }
-    if (read_.has("paramTable")) text("parameters", "parameterTable", decoded(sheet.paramTable.name));
+    if (read_.has("paramTable")) text("material file", "materialFile", decoded(sheet.paramTable.name));
     if (read_.has("machine")) {
       text("machine", "machine", nameOf(sheet.machine));
       text("machine file", "machineFile", decoded(sheet.machine.path));
@@ -78,7 +69,7 @@ class InfoBuilder {
       std::set<std::string> orders;
       for (const TorvPart& part : parts) {
         placements += part.patterns.size();
-        copies += quantityOf(part);
+        copies = values::sumOf(copies, values::quantityOf(part));
         if (!fixedText(part.woNumber).empty()) orders.insert(decoded(part.woNumber));
       }
       std::string all;
@@ -101,12 +92,11 @@ class InfoBuilder {
     if (read_.has("utilization")) number("utilization", "utilization", sheet.utilization);
     listParts(parts, true);
     if (!read_.has("machine.stationsA")) return;
-    listTools("toolsUsed", stationListOf(sheet.machine), allUsedTools(sheet), nullptr);
+    listTools("toolsUsed", stationListOf(sheet.machine), usedTools(sheet), nullptr);
   }
 
   void describe(const TorvPart& part) {
-    // What a part file does not store has the default of a new part.
-    if (read_.has("partName") || part.version == 5) text("name", "name", decoded(part.partName));
+    if (read_.has("partName")) text("name", "name", decoded(part.partName));
     describeHead(part);
     if (read_.has("patterns") && !part.patterns.empty()) {
       const Pattern& first = part.patterns.front();
@@ -142,9 +132,9 @@ class InfoBuilder {
 
   void describe(const OldMachine& machine) {
     if (read_.has("displayName")) text("name", "name", decoded(machine.displayName));
-    if (read_.has("machineText1")) text("type", "type", decoded(machine.machineText1));
+    if (read_.has("machineText1")) text("text 1", "machineText1", decoded(machine.machineText1));
     if (read_.has("machineKind")) number("machine kind", "machineKind", machine.machineKind);
-    if (read_.has("secondText")) text("text", "secondText", decoded(machine.secondText));
+    if (read_.has("secondText")) text("second text", "secondText", decoded(machine.secondText));
     if (read_.has("machineText2")) text("text 2", "machineText2", decoded(machine.machineText2));
     if (read_.has("machineText3")) text("text 3", "machineText3", decoded(machine.machineText3));
     if (read_.has("sizeX")) size("size", "sizeX", machine.sizeX, "sizeY", machine.sizeY);
@@ -164,7 +154,8 @@ class InfoBuilder {
     const std::pair<const char*, const ToolStationList*> lists[] = {
         {"stationsA", &machine.stationsA}, {"stationsB", &machine.stationsB}, {"stationsC", &machine.stationsC}};
     for (const auto& [name, list] : lists)
-      if (read_.has(name) && !list->tools.empty()) listTools(name, *list, allOf(*list), nullptr);
+      if (read_.has(name) && !list->tools.empty())
+        listTools(name, *list, allOf(*list), nullptr, draw::machineHoldsTool);
   }
 
   void describe(const OldMaterial& material) {
@@ -266,17 +257,19 @@ class InfoBuilder {
     text("dimensions", "dimensions", draw::dimensionText(tool));
     number("orientation", "orientation", tool.orientation);
     const std::uint32_t flags = tool.symmetryFlags;
+    // No file says it of the other tools.
+    if (flags == 0 && tool.shapeCode != kSpecialTool) return;
     text("symmetry", "symmetry", (flags & 1U) != 0 ? "half turn" : (flags & 2U) != 0 ? "quarter turn" : "none");
   }
 
   void listParts(const std::vector<TorvPart>& parts, bool isSheet) {
-    InfoTable table{"parts", {"name", "width", "height", "thickness", "material", "shapes"}, {}};
+    InfoTable table{"parts", {"name", "width", "height", "thickness", "materialType", "shapes"}, {}};
     if (isSheet) table.columns.insert(table.columns.end(), {"quantity", "workOrder"});
     for (const TorvPart& part : parts) {
       auto& row = table.rows.emplace_back();
       row = {{decoded(part.partName)}, numberOf(part.width),         numberOf(part.height),
              numberOf(part.thickness), {decoded(part.materialType)}, numberOf(part.shapes.shapes.size())};
-      if (isSheet) row.insert(row.end(), {numberOf(quantityOf(part)), {decoded(part.woNumber)}});
+      if (isSheet) row.insert(row.end(), {numberOf(values::quantityOf(part)), {decoded(part.woNumber)}});
     }
     addTable(std::move(table));
   }
@@ -296,16 +289,20 @@ class InfoBuilder {
     return all;
   }
   void listTools(const char* key, const ToolStationList& list, const std::vector<std::size_t>& positions,
-                 const std::vector<std::uint64_t>* uses) {
+                 const std::vector<std::uint64_t>* uses,
+                 bool (*holdsTool)(const ToolStation&, const OldTool&) = draw::holdsTool) {
     InfoTable table{key, {"station", "tool", "dimensions", "orientation", "file"}, {}};
     if (uses != nullptr) table.columns.emplace_back("shapes");
+    const OldTool none;
     for (const std::size_t position : positions) {
       if (position >= list.stations.size() || position >= list.tools.size()) continue;
-      const OldTool& tool = list.tools[position];
+      const ToolStation& station = list.stations[position];
+      const bool isEmpty = !holdsTool(station, list.tools[position]);
+      const OldTool& tool = isEmpty ? none : list.tools[position];
       const std::string file = tool.shapeCode == kSpecialTool ? decoded(tool.specialToolPath) : "";
       auto& row = table.rows.emplace_back();
-      row = {numberOf(list.stations[position].stationNumber),
-             {tool.shapeCode == 0 ? "none" : kindOf(tool)},
+      row = {numberOf(station.stationNumber),
+             {isEmpty ? "none" : kindOf(tool)},
              {draw::dimensionText(tool)},
              numberOf(tool.orientation),
              {file}};
@@ -403,8 +400,9 @@ Info infoOf(std::string_view path, std::span<const std::byte> bytes, const Judge
     info.remark = explain::describe(*report.tolerated) + ", which is tolerated";
   else if (!report.endsExactly())
     info.remark = report.unread();
-  if (info.verdict == Verdict::refusedVersion || info.verdict == Verdict::foreign) return info;
-  const explain::ReadMembers read(bytes, *judgement.kind, report);
+  if (info.verdict == Verdict::foreign || (info.verdict == Verdict::refusedVersion && !report.endsInRest()))
+    return info;
+  const explain::ReadMembers read(bytes, *judgement.kind);
   InfoBuilder builder(info, read, encoding);
   withFileRecord(*judgement.kind,
                  [&](auto file) { builder.describe(*values::loadRecord<decltype(file)::kKind>(bytes).record); });

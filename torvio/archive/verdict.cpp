@@ -29,6 +29,7 @@ std::optional<FileKind> kindOfExtension(std::string_view path, const JudgeOption
 
 Verdict verdictOf(const FileReport& report, FileKind kind) {
   if (report.version && !frame::infoOf(kind).accepts(*report.version)) return Verdict::refusedVersion;
+  if (report.endsInRest()) return Verdict::refusedVersion;
   if (report.status != frame::kDone) return Verdict::damaged;
   return report.endsExactly() && !report.tolerated ? Verdict::sound : Verdict::soundWithLosses;
 }

@@ -16,7 +16,7 @@ enum class Verdict : std::uint8_t {
   sound,            // the load succeeds and reads the file to its end
   soundWithLosses,  // the load succeeds, but bytes after the last field or after a tolerated fault are not read
   damaged,          // the load fails
-  refusedVersion,   // of a known kind, in a version that its load refuses
+  refusedVersion,   // of a known kind, in a version that its load refuses, or never reads to the end
   foreign,          // not a file of this suite
   unreadable,       // the file could not be opened or read
 };

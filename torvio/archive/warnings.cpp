@@ -261,6 +261,15 @@ void addOwn(const OldSheet& sheet, Collector& to) {
       return "The width " + std::to_string(sheet.machine.secondTextWidth) +
              " is not 256: an edit loses machine.smallValue";
     });
+  // No save sets machine.shapesPresent.
+  const std::vector<Shape>& shapes = sheet.shapes.shapes;
+  const auto lost = std::find_if(shapes.begin(), shapes.end(), [](const Shape& s) { return s.trailerValue != 0; });
+  if (sheet.machine.shapesPresent == 1 && lost != shapes.end()) {
+    const Place list{nullptr, "shapes"}, inner{&list, "shapes"};
+    const Place shape{&inner, {}, static_cast<std::size_t>(lost - shapes.begin())};
+    to.note("edit-ruins-sheet", {&shape, "trailerValue"},
+            [] { return std::string("An edit loses the trailer values of the shapes of the sheet"); });
+  }
 }
 
 void addOwn(const OldToolInventory& inventory, Collector& to) {
@@ -303,9 +312,9 @@ std::optional<Warning> traceOfSave(std::span<const std::byte> bytes, const expla
   const auto surplus = convert::surplusOf(bytes, explain::FileKind::sheet, report);
   if (!surplus) return std::nullopt;
   return Warning{"saved-below-152", "machine",
-                 "A save or an edit below version 152 stored " + std::to_string(surplus->size) +
-                     (surplus->size == 1 ? " byte" : " bytes") + " after the machine that no load expects; without " +
-                     (surplus->size == 1 ? "it" : "them") + " the file is sound"};
+                 "Without " + std::to_string(surplus->size) + (surplus->size == 1 ? " byte" : " bytes") +
+                     " after the machine the file ends where it should: a save or an edit below version 152 stores as "
+                     "many there, which no load expects"};
 }
 
 }  // namespace oldtorvio::archive

@@ -16,7 +16,7 @@ namespace oldtorvio::archive {
 //   tool-past-stations   a tool number of a sheet without a station, which GetOldSheetInfo ignores
 //   save-ends-process    a sheet with blocks for which SaveOldSheet and the edits end the calling process
 //   edit-ruins-sheet     a sheet whose file an edit leaves unreadable or incomplete
-//   saved-below-152      a sheet that a save or an edit below version 152 has ruined
+//   saved-below-152      a sheet whose file has the bytes that a save or an edit below version 152 stores too many
 //   index-ends-process   a tool of an inventory for which GetOldToolInventoryInformation ends the calling process
 //   not-finite           a real number that is infinite or no number
 //   absurd-size          a size below 0 or above a million

@@ -233,9 +233,7 @@ class FileDiffer {
         const bool hasOther = frame::infoOf(kindAt(side)).accepts(other);
         storedAsOther_[side].emplace(kindAt(side), hasOther ? other : frame::VersionSet::kHighest);
       }
-      if (loaded_[side].status != 0)
-        read_[side] = explain::ReadMembers(files_[side]->bytes, kindAt(side),
-                                           explain::checkFile(files_[side]->bytes, kindAt(side)));
+      if (loaded_[side].status != 0) read_[side] = explain::ReadMembers(files_[side]->bytes, kindAt(side));
     }
   }
 

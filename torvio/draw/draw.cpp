@@ -18,9 +18,11 @@ bool canDraw(FileKind kind) {
 DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_view name,
                    const PictureOptions& options) {
   const explain::FileReport report = explain::checkFile(bytes, kind);
-  FileNote file{std::string(name), std::string(frame::infoOf(kind).name), "", {bytes, kind, report}};
+  FileNote file{std::string(name), std::string(frame::infoOf(kind).name), "", {bytes, kind}};
   file.kind.append(", version ").append(report.version ? std::to_string(*report.version) : "unknown");
   if (report.fault) file.fault = explain::describe(*report.fault);
+  if (report.tolerated) file.tolerated = explain::describe(*report.tolerated);
+  file.isUnreadVersion = report.endsInRest();
   const auto picture = [&]() -> std::string {
     switch (kind) {
       case FileKind::sheet:
@@ -35,7 +37,7 @@ DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_
         return "";
     }
   };
-  return {picture(), file.kind, file.fault};
+  return {picture(), file.kind, file.fault, file.isUnreadVersion};
 }
 
 }  // namespace oldtorvio::draw

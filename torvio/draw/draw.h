@@ -34,6 +34,7 @@ struct DrawnFile {
   std::string svg;    // empty if the kind cannot be drawn
   std::string kind;   // "sheet, version 180"
   std::string fault;  // as in FileNote
+  bool isUnreadVersion = false;
 };
 // Draws a file in memory. A fault is named in the picture, which shows what was read before it. `name` is UTF-8.
 DrawnFile drawFile(std::span<const std::byte> bytes, frame::FileKind kind, std::string_view name,

@@ -15,7 +15,8 @@ DrawnCard drawCard(const std::string& path, const std::string& name, std::span<c
   };
   const archive::Judgement judgement = archive::judge(path, bytes, judge);
   const auto kind = judgement.kind;
-  if (!kind || judgement.verdict == archive::Verdict::refusedVersion)
+  const bool isRefused = judgement.verdict == archive::Verdict::refusedVersion && !judgement.report.endsInRest();
+  if (!kind || isRefused)
     return refuse("cannot be drawn: not a file of a known kind and version");
   if (!canDraw(*kind))
     return refuse("cannot be drawn: a " + std::string(frame::infoOf(*kind).name) + " file has no picture, only " +
@@ -26,9 +27,10 @@ DrawnCard drawCard(const std::string& path, const std::string& name, std::span<c
   options.isInline = isInline;
   DrawnFile picture = drawFile(bytes, *kind, name, options);
   drawn.card.svg = std::move(picture.svg);
-  drawn.card.note = picture.kind + (picture.fault.empty() ? "" : ", damaged");
+  const std::string fault = picture.isUnreadVersion ? "not read further" : "damaged";
+  drawn.card.note = picture.kind + (picture.fault.empty() ? "" : ", " + fault);
   drawn.fault = judgement.report.fault;
-  if (!picture.fault.empty()) drawn.error = "damaged " + picture.fault + "; what was read is drawn";
+  if (!picture.fault.empty()) drawn.error = fault + " " + picture.fault + "; what was read is drawn";
   return drawn;
 }
 

@@ -42,16 +42,18 @@ std::string drawMachine(const OldMachine& machine, const FileNote& file, const P
   Picture picture(file, options);
   const std::string name = picture.decoded(machine.displayName), text = picture.decoded(machine.machineText1);
   picture.title(!name.empty() ? name : !text.empty() ? text : file.name);
-  picture.fact("Type", name.empty() ? "" : text);
+  picture.fact("Text", name.empty() ? "" : text);
   if (file.read.has("machineKind")) picture.fact("Kind", std::to_string(machine.machineKind));
   if (file.read.has("sizeX"))
     picture.fact("Size", sizesText(static_cast<double>(machine.sizeX), static_cast<double>(machine.sizeY)));
-  picture.fact("Stations", countText(machine.stationsA.stations.size()));
+  if (file.read.has("stationsA")) picture.fact("Stations", countText(machine.stationsA.stations.size()));
   if (!machine.stationsB.stations.empty())
     picture.fact("Second station list", countText(machine.stationsB.stations.size()));
+  if (!machine.stationsC.stations.empty())
+    picture.fact("Third station list", countText(machine.stationsC.stations.size()));
   if (file.read.has("clampInfo")) picture.fact("Clamps", std::to_string(machine.clampInfo.clampCount));
   picture.fact("Material", picture.decoded(std::string_view(machine.material.name)));
-  picture.fact("NC path", picture.decoded(machine.ncPath));
+  if (file.read.has("ncPath")) picture.fact("NC path", picture.decoded(machine.ncPath));
   picture.head();
 
   // What the machine queries return for these two kinds.
@@ -132,7 +134,9 @@ std::string drawMachine(const OldMachine& machine, const FileNote& file, const P
     picture.moveTo(picture.y() + 40);
   }
   picture.assume("the file does not name its length unit");
-  stationTable(picture, machine.stationsA, nullptr);
+  stationTable(picture, machine.stationsA, machineHoldsTool, nullptr);
+  picture.leaveOut(machine.stationsB.stations.size(), "station", "stations", "of the second list");
+  picture.leaveOut(machine.stationsC.stations.size(), "station", "stations", "of the third list");
   if (!machine.stationsA.tools.empty()) picture.assume(kDimensionsAssumed);
   return picture.take();
 }

@@ -12,9 +12,13 @@ namespace {
 
 bool hasSize(const TorvPart& part) { return isLength(part.width) && isLength(part.height); }
 
+bool isMoved(const Pattern& pattern) {
+  return pattern.originX != 0 || pattern.originY != 0 || pattern.rotationSin != 0 || pattern.rotationCos < 0;
+}
+
 // What the marks of all parts of a picture have in common.
 struct Legend {
-  bool hasOutlines = false, hasCrosses = false;
+  bool hasOutlines = false, hasCrosses = false, hasGroups = false, isMoved = false;
   std::uint64_t drawn = 0, outside = 0, left = 0;
 
   void describe(Picture& picture) const {
@@ -35,6 +39,8 @@ struct Legend {
       picture.assume("tools are centred on the placing points, and their orientations are in radians");
       picture.assume(kDimensionsAssumed);
     }
+    if (isMoved) picture.assume("the origin and the angle of a pattern do not move the shapes of its part");
+    if (hasGroups) picture.assume(kGroupsAssumed);
     picture.assume("the file does not name its length unit");
     picture.leaveOut(outside, "shape", "shapes", "far outside of the part, or without a place");
     picture.leaveOut(left, "shape", "shapes", "beyond the cap of the picture");
@@ -60,6 +66,8 @@ void addMarks(Picture& picture, const TorvPart& part, const Box& box, double sca
     svg.path(marks.crosses.data()).set("fill", "none").set("stroke", kInk).set("stroke-width", stroke).close();
   legend.hasOutlines = legend.hasOutlines || !marks.outlines.empty();
   legend.hasCrosses = legend.hasCrosses || !marks.crosses.empty();
+  legend.isMoved = legend.isMoved || (!part.patterns.empty() && isMoved(part.patterns.front()));
+  legend.hasGroups = legend.hasGroups || marks.hasGroups;
   legend.drawn += marks.drawn;
   legend.outside += marks.outside;
   legend.left += marks.left;
@@ -127,9 +135,9 @@ class Shelves {
 
 std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOptions& options) {
   Picture picture(file, options);
-  // A part file of today does not store the name of the part.
-  const std::string name = picture.decoded(part.partName);
-  picture.title(name.empty() || name == "NEW PART" ? file.name : name);
+  // Only the oldest part files store the name of the part.
+  const std::string name = file.read.has("partName") ? picture.decoded(part.partName) : "";
+  picture.title(name.empty() ? file.name : name);
   const bool isSizeRead = file.read.has("height");
   if (isSizeRead) picture.fact("Size", sizesText(static_cast<double>(part.width), static_cast<double>(part.height)));
   if (file.read.has("thickness")) picture.fact("Thickness", sizeText(static_cast<double>(part.thickness)));
@@ -138,7 +146,7 @@ std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOp
   if (file.read.has("productName")) picture.fact("Product", picture.decoded(part.productName));
   if (file.read.has("assemblyName")) picture.fact("Assembly", picture.decoded(part.assemblyName));
   picture.fact("Revision", picture.decoded(part.revision));
-  picture.fact("Shapes", countText(part.shapes.shapes.size()));
+  if (file.read.has("shapes")) picture.fact("Shapes", countText(part.shapes.shapes.size()));
   if (!part.patterns.empty()) {
     const Pattern& first = part.patterns.front();
     const double angle = std::atan2(static_cast<double>(first.rotationSin), static_cast<double>(first.rotationCos));
@@ -162,14 +170,14 @@ std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOp
     nothing(picture, "Nothing to draw: the size of the part is not positive");
     picture.leaveOut(part.shapes.shapes.size(), "shape", "shapes", "the part has no size");
   }
-  stationTable(picture, part.toolStations, &uses);
+  stationTable(picture, part.toolStations, holdsTool, &uses);
   return picture.take();
 }
 
 std::string drawGroupPart(const SheetPartList& list, const FileNote& file, const PictureOptions& options) {
   Picture picture(file, options);
   picture.title(file.name);
-  picture.fact("Parts", countText(list.parts.size()));
+  if (!list.parts.empty() || file.fault.empty()) picture.fact("Parts", countText(list.parts.size()));
   picture.head();
   std::vector<const TorvPart*> parts;
   std::uint64_t withoutSize = 0, left = 0;
@@ -186,7 +194,7 @@ std::string drawGroupPart(const SheetPartList& list, const FileNote& file, const
   picture.leaveOut(withoutSize, "part", "parts", "the size is not positive");
   picture.leaveOut(left, "part", "parts", "beyond the first 200");
   if (parts.empty()) {
-    nothing(picture, list.parts.empty() ? "Nothing to draw: no parts" : "Nothing to draw: no part has a size");
+    nothing(picture, list.parts.empty() ? "Nothing to draw: no part was read" : "Nothing to draw: no part has a size");
     return picture.take();
   }
 

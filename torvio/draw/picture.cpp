@@ -83,12 +83,14 @@ void Picture::head() {
   const double height = 34 + 18 * static_cast<double>(lines.size());
   svg_.rect({kMargin, y_, kContentWidth, height}).set("fill", "#fdeee4").set("stroke", kAccent).close();
   svg_.rect({kMargin, y_, 6, height}).set("fill", kAccent).close();
-  svg_.text({kMargin + 20, y_ + 22}, "Damaged file: this is what could be read of it",
+  svg_.text({kMargin + 20, y_ + 22},
+            file_.isUnreadVersion ? "No load reads all of a file of this version: this is what it reads"
+                                  : "Damaged file: this is what could be read of it",
             {.size = 14, .fill = kAccent, .isBold = true});
   for (std::size_t i = 0; i < lines.size(); ++i)
     svg_.text({kMargin + 20, y_ + 42 + 18 * static_cast<double>(i)}, lines[i], {.size = kBody});
   y_ += height + 12;
-  description_.append("; damaged: ").append(file_.fault);
+  description_.append(file_.isUnreadVersion ? "; not read further: " : "; damaged: ").append(file_.fault);
 }
 
 View Picture::fit(const Box& world, double left, double top, double right, double bottom, double mostHeight) {
@@ -223,6 +225,7 @@ double Picture::notes(const std::vector<std::string>& lines, std::string_view ca
 }
 
 std::string Picture::take() {
+  if (!file_.tolerated.empty()) leaveOut("what the load did not read and tolerates, " + file_.tolerated);
   heading("Reading this picture");
   constexpr double kKeyWidth = 390, kGap = 40;
   y_ += 8;
@@ -261,7 +264,8 @@ std::string Picture::take() {
   return (options_.isInline ? "" : "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n") + root.take();
 }
 
-void stationTable(Picture& picture, const ToolStationList& list, const std::vector<std::uint64_t>* uses) {
+void stationTable(Picture& picture, const ToolStationList& list, bool (*holdsTool)(const ToolStation&, const OldTool&),
+                  const std::vector<std::uint64_t>* uses) {
   constexpr std::size_t kMostStations = 160, kColumns = 8;
   constexpr double kWidth = kContentWidth / kColumns, kHeight = 132, kIcon = 74, kPad = 8;
   std::vector<std::size_t> shown;
@@ -270,7 +274,7 @@ void stationTable(Picture& picture, const ToolStationList& list, const std::vect
   const std::size_t count = std::min(list.stations.size(), list.tools.size());
   for (std::size_t i = 0; i < count; ++i) {
     const OldTool& tool = list.tools[i];
-    if (tool.shapeCode == 0) {
+    if (!holdsTool(list.stations[i], tool)) {
       ++empty;
       continue;
     }

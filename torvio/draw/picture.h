@@ -22,6 +22,9 @@ struct FileNote {
   std::string kind;           // "sheet, version 180"
   std::string fault;          // why not all of the file could be read; empty for a sound file
   explain::ReadMembers read;  // what was read
+  // Why the fault does not mean damage, or what a load tolerated.
+  bool isUnreadVersion = false;
+  std::string tolerated = {};
 };
 
 struct PictureOptions {
@@ -125,8 +128,9 @@ class Picture {
   double y_ = kMargin;
 };
 
-// A grid of stations with the outlines of their tools, all to one scale. `uses` counts the shapes of each station.
-void stationTable(Picture& picture, const ToolStationList& list, const std::vector<std::uint64_t>* uses);
+// A grid of the stations that hold a tool with its outline, all to one scale. `uses` counts the shapes of each station.
+void stationTable(Picture& picture, const ToolStationList& list, bool (*holdsTool)(const ToolStation&, const OldTool&),
+                  const std::vector<std::uint64_t>* uses);
 
 // "96 x 48".
 std::string sizesText(double width, double height);

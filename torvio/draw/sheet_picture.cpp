@@ -14,6 +14,7 @@
 #include "src/sheet/nest.h"
 #include "torvio/draw/draw.h"
 #include "torvio/draw/tool_outline.h"
+#include "torvio/values/quantity.h"
 
 namespace oldtorvio::draw {
 namespace {
@@ -41,9 +42,7 @@ Grid gridOf(std::uint32_t count, std::uint32_t stepBits) {
   return {count, 1, static_cast<double>(step)};
 }
 
-void addTo(std::uint64_t& sum, std::uint64_t more) {
-  sum = more > std::numeric_limits<std::uint64_t>::max() - sum ? std::numeric_limits<std::uint64_t>::max() : sum + more;
-}
+void addTo(std::uint64_t& sum, std::uint64_t more) { sum = values::sumOf(sum, more); }
 
 class SheetPicture {
  public:
@@ -195,7 +194,8 @@ class SheetPicture {
     std::string machine = picture_.decoded(sheet_.machine.displayName);
     if (machine.empty()) machine = picture_.decoded(sheet_.machine.machineText1);
     picture_.fact("Machine", machine);
-    picture_.fact("Parts", countText(parts().size(), "part, ", "parts, ") + countText(copies_, "copy", "copies"));
+    if (read_.has("partList"))
+      picture_.fact("Parts", countText(parts().size(), "part, ", "parts, ") + countText(copies_, "copy", "copies"));
     if (sheet_.utilization != 0) picture_.fact("Utilization", sizeText(static_cast<double>(sheet_.utilization)));
     picture_.head();
   }
@@ -224,7 +224,12 @@ class SheetPicture {
     picture_.axes({plate.x, plate.bottom()});
     // As the queries of the library do: their number is that of the sheet, their positions are those of its machine.
     if (hasPlate() && read_.has("clampInfo") && read_.has("machine.clampInfo")) {
-      picture_.clamps(view_, sheet_.machine.clampInfo.clampPositions, sheet_.clampInfo.clampCount, plate, "the plate");
+      // A file stores as many positions as the machine has clamps; the others of the record are those of a new machine.
+      const std::int32_t count = std::clamp(sheet_.clampInfo.clampCount, 0, 8);
+      const std::int32_t placed = std::clamp(sheet_.machine.clampInfo.clampCount, 0, count);
+      picture_.clamps(view_, sheet_.machine.clampInfo.clampPositions, placed, plate, "the plate");
+      picture_.leaveOut(static_cast<std::uint64_t>(count - placed), "clamp", "clamps",
+                        "the machine has no position for it");
       picture_.assume("the clamps are as many as the sheet says, at the positions that its machine says");
     }
     picture_.scaleBar(view_);
@@ -319,6 +324,7 @@ class SheetPicture {
     if (!work.outlines.empty()) svg.path(work.outlines.data()).set("fill", kHole).close();
     if (!work.crosses.empty()) svg.path(work.crosses.data()).close();
     svg.close().close();
+    hasGroups_ = hasGroups_ || work.hasGroups;
     hasOutlines_ = hasOutlines_ || !work.outlines.empty();
     hasCrosses_ = hasCrosses_ || !work.crosses.empty();
     return &symbol;
@@ -399,8 +405,10 @@ class SheetPicture {
     Path marks;
     std::uint64_t drawn = 0, outside = 0, left = 0;
     const double reach = isSkeleton ? 2.2 : 3.2;
+    ShapePlaces places;
     for (const Shape& shape : list.shapes) {
-      const Point at = view_.at(static_cast<double>(shape.x), static_cast<double>(shape.y));
+      const ShapePlaces::Place place = places.placeOf(shape);
+      const Point at = view_.at(place.x, place.y);
       const bool isInside =
           at.x >= area_.x - 1 && at.x <= area_.right() + 1 && at.y >= area_.y - 1 && at.y <= area_.bottom() + 1;
       if (!isInside)
@@ -419,6 +427,7 @@ class SheetPicture {
             .move({at.x, at.y - reach})
             .line({at.x, at.y + reach});
     }
+    hasGroups_ = hasGroups_ || places.hasMembers();
     const std::string of = isSkeleton ? " of the skeleton" : " of the sheet";
     picture_.leaveOut(outside, "shape" + of, "shapes" + of, "outside of the picture");
     picture_.leaveOut(left, "shape" + of, "shapes" + of, "beyond the first 20,000");
@@ -458,6 +467,7 @@ class SheetPicture {
         icon.path(Path().move({10, 8}).line({16, 8}).move({13, 5}).line({13, 11}).data());
         icon.set("stroke", kInk).set("stroke-width", 0.8).close();
       });
+    if (hasGroups_) picture_.assume(kGroupsAssumed);
     if (isMerged_)
       picture_.assume("copies whose grid step is no length are one rectangle, marked \xC3\x97 with their number");
     if (isGrid_)
@@ -490,7 +500,7 @@ class SheetPicture {
       svg.text({x + 44, line}, shortened(picture_.decoded(part.partName), 226, kSize), {.size = kSize});
       const std::string size = sizesText(static_cast<double>(part.width), static_cast<double>(part.height));
       svg.text({x + 280, line}, shortened(size, 140, kSize), {.size = kSize});
-      svg.text({x + 476, line}, "\xC3\x97" + countText(quantityOf(part)), {.size = kSize, .anchor = "end"});
+      svg.text({x + 476, line}, "\xC3\x97" + countText(values::quantityOf(part)), {.size = kSize, .anchor = "end"});
       svg.text({x + 496, line}, shortened(picture_.decoded(part.woNumber), 138, kSize),
                {.size = kSize, .fill = kMuted});
     }
@@ -515,6 +525,7 @@ class SheetPicture {
   std::uint64_t copies_ = 0, withoutSize_ = 0, withoutPlace_ = 0, beyondCap_ = 0, outside_ = 0;
   std::uint64_t marksBeyond_ = 0, marksOutside_ = 0, marksLeft_ = 0;
   bool isTurned_ = false, isGrid_ = false, isMerged_ = false, hasOutlines_ = false, hasCrosses_ = false;
+  bool hasGroups_ = false;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "src/tooling/tool_kinds.h"
 
@@ -67,10 +68,10 @@ std::optional<Extent> outlineOf(const OldTool& tool) {
   }
 }
 
-bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale) {
+bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale, double turned) {
   const auto size = outlineOf(tool);
   if (!size) return false;
-  const double angle = std::isfinite(tool.orientation) ? static_cast<double>(tool.orientation) : 0;
+  const double angle = turned + (std::isfinite(tool.orientation) ? static_cast<double>(tool.orientation) : 0);
   const bool isUpright = tool.shapeCode == kObroundTool && size->height > size->width;
   const Placer at(centre, scale, isUpright ? angle + 1.5707963267948966 : angle);
   const double radius = size->width / 2, flat = size->height / 2;
@@ -114,9 +115,13 @@ bool appendOutline(Path& path, const OldTool& tool, Point centre, double scale) 
 }
 
 std::string dimensionText(const OldTool& tool) {
+  const float dimensions[] = {tool.dimension1, tool.dimension2, tool.dimension3};
+  std::size_t count = std::size(dimensions);
+  if (tool.shapeCode == kSpecialTool && symmetryOf(tool.dimension3) != 0) --count;
+  while (count > 0 && dimensions[count - 1] == 0) --count;
   std::string text;
-  for (const float dimension : {tool.dimension1, tool.dimension2, tool.dimension3})
-    if (dimension != 0) text.append(text.empty() ? "" : " x ").append(sizeText(static_cast<double>(dimension)));
+  for (std::size_t i = 0; i < count; ++i)
+    text.append(i == 0 ? "" : " x ").append(sizeText(static_cast<double>(dimensions[i])));
   return text;
 }
 
@@ -125,12 +130,30 @@ const OldTool* toolAt(const ToolStationList& list, std::int64_t number) {
   return exists ? &list.tools[static_cast<std::size_t>(number - 1)] : nullptr;
 }
 
+ShapePlaces::Place ShapePlaces::placeOf(const Shape& shape) {
+  constexpr std::int8_t kHead = 7;
+  constexpr std::uint32_t kMember = 128;
+  const Place own{static_cast<double>(shape.x), static_cast<double>(shape.y), 0};
+  if ((shape.flags & kMember) != 0 && hasHead_) {
+    hasMembers_ = true;
+    const double cosine = std::cos(head_.turned), sine = std::sin(head_.turned);
+    return {head_.x + own.x * cosine - own.y * sine, head_.y + own.x * sine + own.y * cosine, head_.turned};
+  }
+  if (shape.type == kHead) {
+    hasHead_ = true;
+    head_ = own;
+    if (std::isfinite(shape.values[2])) head_.turned = static_cast<double>(shape.values[2]);
+  }
+  return own;
+}
+
 WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
                   const Box& limits, Point origin, double scale, std::uint64_t cap, double cross) {
   constexpr double kSmallest = 0.6, kLargest = 3000;  // of what is drawn
   WorkMarks marks;
+  ShapePlaces places;
   for (std::size_t i = 0; i < shapes.shapes.size(); ++i) {
-    const double x = static_cast<double>(shapes.shapes[i].x), y = static_cast<double>(shapes.shapes[i].y);
+    const auto [x, y, turned] = places.placeOf(shapes.shapes[i]);
     const bool isInside = x >= limits.x && x <= limits.right() && y >= limits.y && y <= limits.bottom();
     if (!isInside) {
       ++marks.outside;
@@ -147,13 +170,14 @@ WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const T
     const auto size = tool != nullptr ? outlineOf(*tool) : std::nullopt;
     const double drawnSize = size ? std::max(size->width, size->height) * scale : 0;
     if (drawnSize >= kSmallest && drawnSize <= kLargest)
-      (void)appendOutline(marks.outlines, *tool, at, scale);
+      (void)appendOutline(marks.outlines, *tool, at, scale, turned);
     else
       marks.crosses.move({at.x - cross, at.y})
           .line({at.x + cross, at.y})
           .move({at.x, at.y - cross})
           .line({at.x, at.y + cross});
   }
+  marks.hasGroups = places.hasMembers();
   return marks;
 }
 

@@ -23,6 +23,8 @@ struct FileReport {
   std::optional<explain::Fault> fault;
   std::optional<explain::Fault> tolerated;  // the first place where the file breaks and the load goes on
 
+  // Whether the load failed only because it never reads files of this version to their end: parts of version 2 and 3.
+  bool endsInRest() const { return fault && fault->path == kRest; }
   bool endsExactly() const { return status == 0 && walked == size; }
   // What is to be said of a sound file that goes on: "37 unread bytes after the last field".
   std::string unread() const;

@@ -153,7 +153,9 @@ void Mapper::report(std::uint64_t size, const std::string& name, std::string val
   sink_({lastOffset_, size, pathOf(name), std::move(value), forms, path_.size()});
 }
 
-void Mapper::refusedHere() { fault_ = Fault{in_.position(), pathOf("rest"), "is not read in a file of this version"}; }
+void Mapper::refusedHere() {
+  fault_ = Fault{in_.position(), pathOf(std::string(kRest)), "is not read in a file of this version"};
+}
 
 void Mapper::forgiven() {
   if (!fault_) return;

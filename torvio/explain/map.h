@@ -46,6 +46,9 @@ struct Fault {
   std::string reason;
 };
 
+// The path of the fault where a load of this version reads nothing more in any file.
+inline constexpr std::string_view kRest = "rest";
+
 // The names in the text of an FIELDS(...): "r.list.count, as<std::int16_t>(r.kind)" has "list.count" and
 // "kind".
 std::vector<std::string> fieldNames(std::string_view stringised);

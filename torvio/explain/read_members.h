@@ -1,4 +1,5 @@
-// What a load read before a fault: the other members of its record have defaults that no file contains.
+// What a load read of a file: the other members of its record, of a later version or after a fault, have defaults that
+// the file does not contain.
 #pragma once
 #include <cstddef>
 #include <set>
@@ -12,17 +13,14 @@ namespace oldtorvio::explain {
 
 class ReadMembers {
  public:
-  // Every member, as of a sound file.
+  // Every member, as of a record that no file was loaded into.
   ReadMembers() = default;
-  // Of a file with this report.
-  ReadMembers(std::span<const std::byte> bytes, FileKind kind, const FileReport& report);
+  ReadMembers(std::span<const std::byte> bytes, FileKind kind);
 
   // A member by its path without positions: "width", "machine.clampInfo". A list is read if one of its elements is.
   bool has(std::string_view member) const { return isComplete_ || names_.find(member) != names_.end(); }
 
  private:
-  void note(std::string_view path);
-
   bool isComplete_ = true;
   std::set<std::string, std::less<>> names_;
 };
