@@ -39,8 +39,7 @@ ExitCode NewFileCommand::make() const {
   if (!file.error().empty()) return failed(input_, file.error(), kNotReadOrWritten);
   const auto kind = archive::judge(input_, file.bytes(), judge_).kind;
   if (!kind)
-    return failed(input_,
-                  mapAs(file.bytes(), kind, [](const explain::MapLine&) {}).fault.value_or(explain::Fault{}).reason,
+    return failed(input_, explain::mapFile(file.bytes(), kind, nullptr).fault.value_or(explain::Fault{}).reason,
                   kDamaged);
   const Made made = make(file.bytes(), *kind);
   if (isDryRun_ || made.bytes.empty()) {
