@@ -17,6 +17,19 @@
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
 
+#if defined(FUZZ_COMPANION)
+#include <cstddef>
+#include <initializer_list>
+#include <iterator>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "torvio/explain/file_map.h"
+#include "torvio/values/json_writer.h"
+#endif
+
 using namespace oldtorvio;
 
 namespace {
@@ -80,6 +93,73 @@ void sheet(const std::filesystem::path& path, int version, Extra extra) {
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(file.span().data()), static_cast<std::streamsize>(file.size()));
 }
+
+#if defined(FUZZ_COMPANION)
+
+using Bytes = std::vector<std::byte>;
+
+Bytes contentOf(const std::filesystem::path& path) {
+  std::ifstream from(path, std::ios::binary);
+  const std::string all((std::istreambuf_iterator<char>(from)), std::istreambuf_iterator<char>());
+  const auto bytes = std::as_bytes(std::span(all));
+  return {bytes.begin(), bytes.end()};
+}
+
+void put(const std::filesystem::path& path, std::initializer_list<std::size_t> head,
+         std::initializer_list<Bytes> parts) {
+  std::ofstream to(path, std::ios::binary);
+  for (const std::size_t byte : head) to.put(static_cast<char>(byte));
+  for (const Bytes& part : parts)
+    to.write(reinterpret_cast<const char*>(part.data()), static_cast<std::streamsize>(part.size()));
+}
+
+// Of the files of each kind the oldest, one between and the newest, alone and in pairs.
+void companionSeeds(const std::filesystem::path& root) {
+  for (const char* target : {"detection", "json", "diff", "pictures"})
+    std::filesystem::create_directories(root / target);
+  const struct {
+    frame::FileKind kind;
+    const char *folder, *end;
+  } kKinds[] = {{frame::FileKind::part, "part", ""},
+                {frame::FileKind::groupPart, "group_part", ""},
+                {frame::FileKind::specialTool, "special_tool", ""},
+                {frame::FileKind::machine, "machine", ""},
+                {frame::FileKind::material, "material", ""},
+                {frame::FileKind::toolInventory, "tooling", "_inventory"},
+                {frame::FileKind::macro, "tooling", "_macro"},
+                {frame::FileKind::sheet, "sheet", ""}};
+  for (const auto& [kind, folder, end] : kKinds) {
+    std::vector<std::pair<int, Bytes>> files;
+    for (int version = frame::kFirstMainVersion; version <= frame::VersionSet::kHighest; ++version) {
+      const std::filesystem::path path = root / folder / ("version_" + std::to_string(version) + end);
+      if (std::filesystem::exists(path)) files.emplace_back(version, contentOf(path));
+    }
+    const auto number = static_cast<std::size_t>(kind);
+    const auto putPair = [&](const std::string& name, const Bytes& a, const Bytes& b) {
+      put(root / "diff" / name, {number, a.size() & 0xFFU, a.size() >> 8U & 0xFFU}, {a, b});
+    };
+    const Bytes& newest = files.back().second;
+    for (const std::size_t at : {std::size_t{0}, files.size() / 2, files.size() - 1}) {
+      const auto& [version, file] = files[at];
+      const std::string name(std::string(frame::infoOf(kind).name) + "_" + std::to_string(version));
+      put(root / "detection" / name, {}, {file});
+      Bytes cut = file;
+      cut.resize(cut.size() - cut.size() / 3);
+      put(root / "detection" / (name + "_cut"), {}, {cut});
+      put(root / "pictures" / name, {number}, {file});
+      Bytes changed = file;
+      changed[changed.size() / 2] ^= std::byte{1};
+      putPair(name, file, changed);
+      putPair(name + "_newest", file, newest);
+      std::string text;
+      values::writeFileAsJson([&](std::string_view piece) { text += piece; }, file, kind,
+                              explain::checkFile(file, kind), std::string(values::kDefaultEncoding));
+      std::ofstream(root / "json" / name, std::ios::binary) << text;
+    }
+  }
+}
+
+#endif
 
 }  // namespace
 
@@ -147,5 +227,8 @@ int main(int argc, char** argv) {
     }
   }
   oldestParts(root / "part");
+#if defined(FUZZ_COMPANION)
+  companionSeeds(root);
+#endif
   return 0;
 }

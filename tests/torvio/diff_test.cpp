@@ -633,6 +633,14 @@ TEST(DiffFiles, StoredMembersAreThoseOfTheVersion) {
   EXPECT_FALSE(newest.has("recordWord"));
   EXPECT_TRUE(sheet.has("partList.parts.woNumber"));
   EXPECT_FALSE(sheet.has("partList.parts.toolStations"));
+  EXPECT_FALSE(compare::StoredMembers(FileKind::part, 79).has("shapes.shapes.trailerValue"));
+  EXPECT_TRUE(newest.hasEntry("toolStations.tools.firstValues", 3));
+  EXPECT_TRUE(oldest.hasEntry("toolStations.tools.firstValues", 2));
+  EXPECT_FALSE(oldest.hasEntry("toolStations.tools.firstValues", 3));
+  const compare::StoredMembers material(FileKind::material, 151);
+  EXPECT_TRUE(material.hasEntry("stages.blocks", 5));
+  EXPECT_FALSE(material.hasEntry("stages.blocks", 6));
+  EXPECT_TRUE(material.has("stages.blocks.steps.tableFlag"));
   EXPECT_TRUE(version5.has("width"));
   EXPECT_FALSE(version5.has("descriptionA"));
 }

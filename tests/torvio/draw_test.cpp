@@ -27,6 +27,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/tools/run_torvio.h"
+#include "tests/torvio/output_checks.h"
 #include "torvio/draw/contact_sheet.h"
 #include "torvio/draw/tool_outline.h"
 
@@ -36,75 +37,7 @@ using namespace oldtorvio;
 using namespace oldtorvio::draw;
 using namespace testing_support;
 
-// ---- a check of XML ------------------------------------------------------------------------------------
-
-bool isNameCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == ':'; }
-
-// What is wrong with a text between markup; empty if nothing is.
-std::string textFault(std::string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto code = static_cast<unsigned char>(text[i]);
-    if (code < 0x20 && text[i] != '\n') return "a control character";
-    if (code == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0) return "a C1 control";
-    if (text[i] != '&') continue;
-    const std::size_t end = text.find(';', i);
-    static const std::set<std::string_view> kEntities{"&amp;", "&lt;", "&gt;", "&quot;", "&#39;"};
-    if (end == std::string_view::npos || !kEntities.contains(text.substr(i, end - i + 1))) return "an unknown entity";
-  }
-  return "";
-}
-
-// Balanced elements of the few kinds that a picture has, quoted attributes without references to anywhere else.
-std::string svgFault(std::string_view svg) {
-  static const std::set<std::string> kElements{"svg",  "title", "desc", "rect", "line",
-                                               "path", "text",  "g",    "defs", "use"};
-  if (svg.starts_with("<?xml")) svg.remove_prefix(svg.find("?>") + 2);
-  std::vector<std::string> open;
-  std::size_t roots = 0;
-  while (!svg.empty()) {
-    const std::size_t start = std::min(svg.find('<'), svg.size());
-    if (const std::string fault = textFault(svg.substr(0, start)); !fault.empty()) return fault;
-    if (open.empty() && svg.substr(0, start).find_first_not_of('\n') != std::string_view::npos) return "text outside";
-    svg.remove_prefix(start);
-    if (svg.empty()) break;
-    svg.remove_prefix(1);
-    const bool isEnd = svg.starts_with('/');
-    if (isEnd) svg.remove_prefix(1);
-    std::string name;
-    while (!svg.empty() && isNameCharacter(svg.front())) name += svg.front(), svg.remove_prefix(1);
-    if (!kElements.contains(name)) return "the element " + name;
-    if (isEnd) {
-      if (open.empty() || open.back() != name) return "an end of " + name;
-      open.pop_back();
-    } else {
-      roots += open.empty() ? 1 : 0;
-      open.push_back(name);
-      while (svg.starts_with(' ')) {
-        svg.remove_prefix(1);
-        std::string attribute;
-        while (!svg.empty() && isNameCharacter(svg.front())) attribute += svg.front(), svg.remove_prefix(1);
-        if (!svg.starts_with("=\"")) return "the attribute " + attribute;
-        svg.remove_prefix(2);
-        const std::string_view value = svg.substr(0, svg.find('"'));
-        if (value.find('<') != std::string_view::npos || !textFault(value).empty()) return "the value of " + attribute;
-        if (attribute.starts_with("on") || attribute == "style" || attribute == "href") return attribute;
-        if (attribute == "xlink:href" && !value.starts_with('#')) return "a reference to elsewhere";
-        static const std::set<std::string> kNumbers{"x",       "y",         "x1",          "y1",        "x2",
-                                                    "y2",      "width",     "height",      "font-size", "d",
-                                                    "viewBox", "transform", "stroke-width"};
-        const bool isNumber = kNumbers.contains(attribute);
-        for (const char* no : {"nan", "inf", "e+", "e-"})
-          if (isNumber && value.find(no) != std::string_view::npos) return attribute + " with " + no;
-        svg.remove_prefix(value.size() + 1);
-      }
-      if (svg.starts_with('/')) svg.remove_prefix(1), open.pop_back();
-    }
-    if (!svg.starts_with('>')) return "a tag of " + name;
-    svg.remove_prefix(1);
-  }
-  if (!open.empty()) return "an open " + open.back();
-  return roots == 1 ? "" : "no single root";
-}
+// ---- the check of XML ----------------------------------------------------------------------------------
 
 TEST(SvgCheck, FindsWhatIsWrong) {
   EXPECT_EQ(svgFault("<svg a=\"1\"><g/>x &amp; y</svg>"), "");

@@ -335,7 +335,7 @@ class CheckCommand : public Command {
     command->add_option("--jobs", jobs_, "Number of threads, by default one for each processor")
         ->type_name("N")
         ->take_last()
-        ->check(CLI::Range(1, 256).description(""));
+        ->check(inRange(1, 256));
     command->footer(help());
     return command;
   }

@@ -29,6 +29,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   all.push_back(makeJsonCommand());
   all.push_back(makeFromJsonCommand());
   all.push_back(makeSchemaCommand());
+  all.push_back(makeConvertCommand());
+  all.push_back(makeRecoverCommand());
   return all;
 }
 
@@ -67,6 +69,17 @@ CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& o
   return {[=](std::string& name) {
             const bool isKnown = std::find(names.begin(), names.end(), name) != names.end();
             return isKnown ? std::string() : "unknown " + one + " " + inQuotes(name) + "\n" + wrapped(all, names);
+          },
+          ""};
+}
+
+CLI::Validator inRange(std::int64_t least, std::int64_t most) {
+  return {[=](std::string& text) {
+            std::int64_t value = 0;
+            const bool isInside = CLI::detail::lexical_cast(text, value) && value >= least && value <= most;
+            return isInside ? std::string()
+                            : inQuotes(text) + " is not a number from " + std::to_string(least) + " to " +
+                                  std::to_string(most);
           },
           ""};
 }

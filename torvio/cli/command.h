@@ -1,6 +1,7 @@
 // The commands of torvio: each registers itself with its arguments and runs.
 #pragma once
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,6 +55,8 @@ CLI::Option* addEncoding(CLI::App& command, std::string& name, const std::string
 
 // Refuses any other value, and lists those that are accepted: "unknown kind "x"", then "Kinds: part, ...".
 CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all);
+// Refuses what is no whole number of that range.
+CLI::Validator inRange(std::int64_t least, std::int64_t most);
 // "Kinds: part, group-part, ...", wrapped to the width of the help.
 std::string wrapped(const std::string& caption, const std::vector<std::string>& names);
 // The argument in quotation marks, on one line.

@@ -138,8 +138,15 @@ class TextPrinter {
     }
     if (!one.name.empty()) {
       to.append("  ");
-      appendValue(to, "in " + one.name, colours_.faint);
+      appendValue(to, "in " + shortened(one.name), colours_.faint);
     }
+  }
+  static std::string shortened(const std::string& name) {
+    constexpr std::size_t kLongestName = 40;
+    if (name.size() <= kLongestName) return name;
+    std::size_t end = kLongestName;
+    while ((static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80) --end;
+    return name.substr(0, end) + "...";
   }
   void appendValue(std::string& to, const std::string& value, const char* colour) const {
     to.append(colour).append(value);
@@ -210,11 +217,11 @@ class DiffCommand : public Command {
         ->check(isTolerance());
     command->add_flag("--common", options_.commonOnly,
                       "Leave out the version and members that the version of\none of the files does not store");
-    addEncoding(*command);
+    addEncoding(*command, options_.encoding, "The code page of the texts; without it " + options_.encoding);
     command->add_option("--limit", limit_, "Print no more than N differences, and count the rest")
         ->type_name("N")
         ->take_last()
-        ->check(CLI::Range(std::int64_t{0}, std::int64_t{1} << 62U).description(""));
+        ->check(inRange(std::int64_t{0}, std::int64_t{1} << 62U));
     command->add_flag("--json", isJson_, "Print a JSON object for each difference, one a line");
     command->add_flag("-q,--quiet", isQuiet_, "Print nothing: only the exit code matters");
     command->footer(help());
@@ -251,12 +258,6 @@ class DiffCommand : public Command {
         ->take_last()
         ->check(oneOf(kindNames(), "kind", "Kinds"));
   }
-  void addEncoding(CLI::App& command) {
-    command.add_option("--encoding", options_.encoding, "The code page of the texts; without it " + options_.encoding)
-        ->type_name("NAME")
-        ->take_last()
-        ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
-  }
   static CLI::Validator isTolerance() {
     return {[](std::string& text) {
               double value = 0;
@@ -275,11 +276,11 @@ class DiffCommand : public Command {
            "load reads do not count. Elements of lists are matched first: parts and other\n"
            "records with a name by that, the rest by what they hold.\n"
            "\n"
-           "  ~ width                12.5 -> 13         changed\n"
-           "  - marks[3]             {\"markWord1\":7...  only in A\n"
-           "  + marks[5]             {\"markWord1\":9...  only in B\n"
-           "  > parts[7|2]           moved              at [7] in A, at [2] in B\n"
-           "  ~ parts[3|4].width     20 -> 30           changed, at [3] in A, at [4] in B\n"
+           "  ~ width             12.5 -> 13     changed\n"
+           "  - marks[3]          {...}          only in A\n"
+           "  + marks[5]          {...}          only in B\n"
+           "  > parts[7|2]        moved          from [7] in A to [2] in B\n"
+           "  ~ parts[3|4].width  20 -> 30       changed; it is parts[3] in A, parts[4] in B\n"
            "\n"
            "A part file can be compared with a sheet or group part file: with the part that\n"
            "--part chooses, that has the name of the part file, or that is the only one.\n"
@@ -294,7 +295,7 @@ class DiffCommand : public Command {
            "has one, and notStoredIn (a or b). The last line has a member summary instead,\n"
            "with same, differences, printed and notStored, and what is said of each file.\n"
            "\n"
-           "A FILE may be a pipe. A file of more than " +
+           "A or B may be a pipe. A file of more than " +
            std::to_string(explain::FileContent::kLargestMiB) +
            " MiB is not read.\n"
            "Arguments after \"--\" are files, even if they begin with \"-\".\n"
@@ -404,8 +405,8 @@ class DiffCommand : public Command {
     if (compared.version) text += ", version " + std::to_string(*compared.version);
     if (!compared.place.empty()) text += ", " + compared.place;
     if (!compared.part.empty()) text += ' ' + compared.part;
-    if (const std::string unread = file.judgement.report.unread(); !unread.empty() && !file.judgement.report.fault)
-      text += ", " + unread;
+    const explain::FileReport& report = file.judgement.report;
+    if (!report.fault && report.walked < report.size) text += ", " + report.unread();
     return text + '\n';
   }
 

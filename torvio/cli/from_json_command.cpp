@@ -67,8 +67,7 @@ class FromJsonCommand : public Command {
     command->add_option("--version", version_, "Save in this version instead of the one of the JSON")
         ->type_name("VERSION")
         ->take_last()
-        ->check(CLI::Range(int{std::numeric_limits<std::int16_t>::min()}, int{std::numeric_limits<std::int16_t>::max()})
-                    .description(""));
+        ->check(inRange(int{std::numeric_limits<std::int16_t>::min()}, int{std::numeric_limits<std::int16_t>::max()}));
     command->footer(
         "OUT is replaced once the new file is complete. A member that is unknown,\n"
         "missing or of another type is an error. \"torvio schema\" describes the JSON.\n\n"

@@ -55,12 +55,13 @@ class CommandLine {
       print(version.what() + std::string("\n"));
       return kSound;
     } catch (const CLI::ArgumentMismatch& error) {
-      return usageError(withoutValue(error.what()));
+      return usageError(onOneLine(withoutValue(error.what())));
     } catch (const CLI::ValidationError& error) {
       const std::string text = error.what();  // starts with the name of the argument
       return usageError(text.substr(text.find(": ") + 2));
     } catch (const CLI::ParseError& error) {
-      return usageError(error.what());
+      // It may quote an argument.
+      return usageError(onOneLine(error.what()));
     }
     return chosen_->run();
   }

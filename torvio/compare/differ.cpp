@@ -74,9 +74,7 @@ void Differ::compareValues(const MemberNode& node, const void* a, const void* b)
     case Form::record:
       return compareMembers(node, a, b);
     case Form::array:
-      for (std::size_t i = 0; i < node.type->count; ++i)
-        compareElements(*node.element, at(a, i, *node.element), at(b, i, *node.element), i, i);
-      return;
+      return compareEntries(node, a, b);
     case Form::lazyArray:
       for (std::size_t i = 0; i < node.type->count; ++i)
         compareElements(*node.element, node.type->lazyAt(a, i), node.type->lazyAt(b, i), i, i);
@@ -100,7 +98,21 @@ void Differ::compareMembers(const MemberNode& node, const void* a, const void* b
     if (member.notStoredIn == Side::none)
       compareValues(member, ofA, ofB);
     else if (!areSame(member, ofA, ofB, options_.tolerance))
-      report(Change::changed, member, ofA, ofB);
+      report(Change::changed, member, ofA, ofB, member.notStoredIn);
+  }
+}
+
+void Differ::compareEntries(const MemberNode& node, const void* a, const void* b) {
+  for (std::size_t i = 0; i < node.type->count; ++i) {
+    const void *const ofA = at(a, i, *node.element), *const ofB = at(b, i, *node.element);
+    if (node.hasEntry(i)) {
+      compareElements(*node.element, ofA, ofB, i, i);
+    } else if (!isStopped_ && !node.entries[i].isLeftOut && !areSame(*node.element, ofA, ofB, options_.tolerance)) {
+      const PathEnd endOfA(pathInA_), endOfB(pathInB_);
+      appendIndex(pathInA_, i);
+      appendIndex(pathInB_, i);
+      report(Change::changed, *node.element, ofA, ofB, node.entries[i].notStoredIn);
+    }
   }
 }
 
@@ -126,7 +138,8 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
   };
   std::size_t before = 0, after = 0;
   while (before < shorter && areEqual(before, before)) ++before;
-  while (before + after < shorter && areEqual(countOfA - 1 - after, countOfB - 1 - after)) ++after;
+  if (!options_.byPosition)
+    while (before + after < shorter && areEqual(countOfA - 1 - after, countOfB - 1 - after)) ++after;
 
   // Of those that are the same, members without identity may differ.
   const auto compareEqual = [&](std::size_t from, std::size_t end, std::size_t fromInB) {
@@ -176,6 +189,11 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
 
 Alignment Differ::aligned(ListPair lists) {
   if (lists.countOfA == 0 || lists.countOfB == 0) return {lists.countOfA, lists.countOfB};
+  if (options_.byPosition) {
+    Alignment alignment(lists.countOfA, lists.countOfB);
+    for (std::size_t i = 0; i < std::min(lists.countOfA, lists.countOfB); ++i) alignment.pair(i, i);
+    return alignment;
+  }
   const auto keysOf = [&](const void* first, std::size_t count) {
     std::vector<Key> keys(count);
     for (std::size_t i = 0; i < count; ++i)
@@ -274,7 +292,7 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
 
 // ---- differences -------------------------------------------------------------------------------------
 
-void Differ::report(Change change, const MemberNode& node, const void* a, const void* b) {
+void Differ::report(Change change, const MemberNode& node, const void* a, const void* b, Side notStoredIn) {
   areSame_ = false;
   Difference difference;
   difference.change = change;
@@ -288,7 +306,7 @@ void Differ::report(Change change, const MemberNode& node, const void* a, const 
   }
   if (options_.longestValue != 0) shorten(difference.a, difference.b);
   difference.name = name_;
-  difference.notStoredIn = node.notStoredIn;
+  difference.notStoredIn = notStoredIn;
   if (!sink_(difference)) isStopped_ = true;
 }
 

@@ -34,7 +34,9 @@ class Differ {
   void pairSimilar(Alignment& alignment, const ListPair& lists, const Alignment::Gap& gap,
                    const std::vector<Key>& namesOfA, const std::vector<Key>& namesOfB) const;
 
-  void report(Difference::Change change, const MemberNode& node, const void* a, const void* b);
+  void compareEntries(const MemberNode& node, const void* a, const void* b);
+  void report(Difference::Change change, const MemberNode& node, const void* a, const void* b,
+              Side notStoredIn = Side::none);
   std::string textOf(const MemberNode& node, const void* value);
   void shorten(std::string& a, std::string& b) const;
   std::string nameFor(const MemberNode& node, const void* record);

@@ -15,12 +15,13 @@
 
 #include "src/frame/codec/describe.h"
 #include "src/frame/versions.h"
+#include "torvio/explain/layout_walker.h"
 #include "torvio/explain/map.h"
 #include "torvio/explain/record_names.h"
 
 namespace oldtorvio::explain {
 
-class FormatPrinter {
+class FormatPrinter : public LayoutWalker<FormatPrinter> {
  public:
   using Walk = std::function<void(FormatPrinter&)>;
 
@@ -41,7 +42,6 @@ class FormatPrinter {
 
   // All versions are printed; a walk that chooses between layouts takes that of the newest.
   static constexpr int version() { return frame::VersionSet::kHighest; }
-  static constexpr codec::Stop stop() { return codec::Stop::none; }
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
@@ -148,10 +148,6 @@ class FormatPrinter {
     remark("end", "", std::string("refused: ") + condition.text);
     return true;
   }
-  template <class R>
-  static R& unchanged(R& record) {
-    return record;
-  }
   template <class R, class Fn>
   [[nodiscard]] bool afterRead(const R&, const char* what, const Fn&) {
     if (*what != '\0') remark("(load)", "", what);
@@ -177,16 +173,11 @@ class FormatPrinter {
   [[nodiscard]] bool onlyRead(const Read& read) {
     return inside({0, "reader"}, [&] { return read(*this); });
   }
-  template <class T>
-  constexpr T either(T forReaders, T) const {
-    return forReaders;
-  }
   template <class R, class Fn>
   [[nodiscard]] bool beforeWrite(const R&, const char* what, const Fn&) {
     remark("(save)", "", what);
     return true;
   }
-  static constexpr bool has(std::size_t) { return true; }
 
   template <class R, class... A>
   [[nodiscard]] bool walk(R& record, const A&... more) {
@@ -204,10 +195,6 @@ class FormatPrinter {
       return insideOf(name(0), [&] { return walk(fresh, more...); });
     }
   }
-  template <class V>
-  std::int32_t countOf(const V&) const {
-    return 0;
-  }
   template <class X, class Rule, class... A>
   [[nodiscard]] bool list(const X& x, Rule rule, const A&... more) {
     if constexpr (std::tuple_size_v<decltype(x.members)> == 2) {
@@ -222,10 +209,6 @@ class FormatPrinter {
     } else {
       return elements<0>(x, ruleText(rule), more...);
     }
-  }
-  template <class X>
-  [[nodiscard]] bool clear(const X&) {
-    return true;
   }
   template <class X, class Fn>
   [[nodiscard]] bool element(const X& x, std::size_t, const Fn& chain) {

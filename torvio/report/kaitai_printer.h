@@ -17,6 +17,7 @@
 #include "src/frame/codec/describe.h"
 #include "src/frame/versions.h"
 #include "src/part/part_layout.h"
+#include "torvio/explain/layout_walker.h"
 #include "torvio/explain/map.h"
 #include "torvio/explain/record_names.h"
 
@@ -25,7 +26,7 @@ namespace oldtorvio::report {
 using explain::fieldNames;
 using explain::kTableOf;
 
-class KaitaiPrinter {
+class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
  public:
   KaitaiPrinter();
 
@@ -44,8 +45,6 @@ class KaitaiPrinter {
   // ---- the verbs ----
 
   static constexpr int version() { return frame::VersionSet::kHighest; }
-  static constexpr codec::Stop stop() { return codec::Stop::none; }
-  static constexpr bool has(std::size_t) { return true; }
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
@@ -148,10 +147,6 @@ class KaitaiPrinter {
     if (!condition.holds) notes_.insert(std::string("Refused by a load: ") + condition.text + ".");
     return true;
   }
-  template <class R>
-  static R& unchanged(R& record) {
-    return record;
-  }
   // Without a text it only moves values between variables, which sizes need.
   template <class R, class Fn>
   [[nodiscard]] bool afterRead(R& record, const char* what, const Fn& fn) {
@@ -178,22 +173,6 @@ class KaitaiPrinter {
     notes_.insert("There are records that a load may fail to read and then goes on after them; see the format tables.");
     return nested(x);
   }
-  template <class Read, class Written>
-  [[nodiscard]] bool differs(const Read& read, const Written&) {
-    return read();
-  }
-  template <class Read>
-  [[nodiscard]] bool onlyRead(const Read& read) {
-    return read(*this);
-  }
-  template <class T>
-  constexpr T either(T forReaders, T) const {
-    return forReaders;
-  }
-  template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
-    return true;
-  }
 
   // The body of a file.
   template <class R, class... A>
@@ -211,10 +190,6 @@ class KaitaiPrinter {
     const bool ok = codec::Layout<R>::describe(*this, x.only(), more...);
     leave();
     return ok;
-  }
-  template <class V>
-  std::int32_t countOf(const V&) const {
-    return 0;
   }
   template <class X, class Rule, class... A>
   [[nodiscard]] bool list(const X& x, Rule rule, const A&... more) {
@@ -242,10 +217,6 @@ class KaitaiPrinter {
     } else {
       return element<0>(x, names, count, more...);
     }
-  }
-  template <class X>
-  [[nodiscard]] bool clear(const X&) {
-    return true;
   }
   template <class X, class Fn>
   [[nodiscard]] bool element(const X& x, std::size_t, const Fn&) {

@@ -1,0 +1,48 @@
+// What walkers that look at layouts without a file have in common: a layout as a reader sees it, of which no value and
+// no count is known.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include "src/frame/codec/describe.h"
+
+namespace oldtorvio::explain {
+
+// A base of the walker Self. Verbs that it declares itself replace these.
+template <class Self>
+class LayoutWalker {
+ public:
+  static constexpr codec::Stop stop() { return codec::Stop::none; }
+  static constexpr bool has(std::size_t) { return true; }
+
+  template <class R>
+  static R& unchanged(R& record) {
+    return record;
+  }
+  template <class V>
+  std::int32_t countOf(const V&) const {
+    return 0;
+  }
+  template <class X>
+  [[nodiscard]] bool clear(const X&) {
+    return true;
+  }
+  template <class Read, class Written>
+  [[nodiscard]] bool differs(const Read& read, const Written&) {
+    return read();
+  }
+  template <class Read>
+  [[nodiscard]] bool onlyRead(const Read& read) {
+    return read(static_cast<Self&>(*this));
+  }
+  template <class T>
+  constexpr T either(T forReaders, T) const {
+    return forReaders;
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
+    return true;
+  }
+};
+
+}  // namespace oldtorvio::explain
