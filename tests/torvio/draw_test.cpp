@@ -468,7 +468,7 @@ TEST(Pictures, OfADamagedFileOnlyWhatWasReadIsDrawn) {
 }
 
 TEST(Pictures, OfTheOldestPartsAreNotCalledDamaged) {
-  const Bytes file = Bytes().i16(3).f32(30).f32(20).zeros(70);
+  const Bytes file = Bytes().i16(3).f32(30).f32(20).zeros(72);
   const DrawnFile picture = drawFile(file.span(), frame::FileKind::part, "old", {});
   EXPECT_FALSE(contains(picture.svg, "amaged"));
   EXPECT_TRUE(contains(picture.svg, "No load reads all of a file of this version"));

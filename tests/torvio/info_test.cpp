@@ -215,7 +215,7 @@ TEST(Infos, SayNothingOfWhatAVersionDoesNotStore) {
 }
 
 TEST(Infos, OfTheOldestPartsAreWhatTheirLoadReads) {
-  const Info info = infoOfKind(Bytes().i16(3).f32(30).f32(20).zeros(70), explain::FileKind::part);
+  const Info info = infoOfKind(Bytes().i16(3).f32(30).f32(20).zeros(72), explain::FileKind::part);
   EXPECT_EQ(info.verdict, Verdict::refusedVersion);
   EXPECT_EQ(json::parse(infoJson("", info))["width"], 30);
 }

@@ -32,6 +32,9 @@ std::string obstacle(const explain::FileReport& report, FileKind kind) {
     return std::to_string(*report.version) + " is not a version of a " + std::string(frame::infoOf(kind).name) +
            " file";
   if (report.status != frame::kDone) {
+    if (report.endsInRest())
+      return "is of version " + std::to_string(*report.version) + ", which no load reads to the end; " +
+             "\"torvio recover\" keeps what it reads";
     const std::string place = report.fault ? ", breaks " + placeOf(*report.fault) : "";
     return "is damaged" + place + "; \"torvio recover\" keeps what is before that";
   }
