@@ -826,7 +826,9 @@ TEST_F(PartFiles, WhatCannotBeComparedIsSaid) {
   EXPECT_NE(diffOf({sheet, FileKind::sheet, "7", {}}, partFile("")).result.error, "");
   const Bytes machine = machineFile(180), macro = macroFile(180);
   const auto foreign = diffOf(partFile("x"), {machine.span(), FileKind::machine, {}, {}});
-  EXPECT_EQ(foreign.result.error, "a machine has no parts");
+  EXPECT_EQ(foreign.result.error, "a part cannot be compared with a machine");
+  EXPECT_EQ(diffOf(partFile("x"), {machine.span(), FileKind::machine, "PLATE", {}}).result.error,
+            "a machine has no parts");
   EXPECT_EQ(diffOf({macro.span(), FileKind::macro, {}, {}}, {machine.span(), FileKind::machine, {}, {}}).result.error,
             "a macro cannot be compared with a machine");
   EXPECT_EQ(diffOf({{}, FileKind::macro, {}, {}}, partFile("x")).result.error, "has no version word");
