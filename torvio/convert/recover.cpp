@@ -315,6 +315,18 @@ class Defaults {
   std::vector<std::string> names_;
 };
 
+// The member at the fault if something of it was read; empty if nothing was, or if it is in a list that became shorter.
+std::string partialMember(const SoundPart& sound) {
+  if (!sound.fault() || sound.broken() || sound.isRepeated()) return "";
+  const std::string path = memberPathOf(sound.fault()->path);
+  if (sound.read().has(withoutIndexes(path))) return path + " and the elements after it";
+  // A text after its length.
+  constexpr std::string_view kText = ".text";
+  if (!path.ends_with(kText)) return "";
+  const std::string member = path.substr(0, path.size() - kText.size());
+  return sound.read().has(withoutIndexes(member) + ".length") ? member : "";
+}
+
 template <FileKind kKind>
 void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::string& encoding, Recovered& to) {
   const Type& type = values::typeOfRecord(kKind);
@@ -362,12 +374,8 @@ void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::st
     explain::eachField(line, [&](const explain::MapField& field) { defaults.see(field.path); });
   });
   report.defaults = defaults.finished();
-  // Read for some elements only.
-  if (sound.fault() && !broken && !sound.isRepeated()) {
-    const std::string path = memberPathOf(sound.fault()->path);
-    if (sound.read().has(withoutIndexes(path)))
-      report.defaults.insert(report.defaults.begin(), path + " and the elements after it");
-  }
+  if (const std::string partial = partialMember(sound); !partial.empty())
+    report.defaults.insert(report.defaults.begin(), partial);
 
   const auto reloaded = values::loadRecord<kKind>(saved.bytes);
   values::beginLoad(*reloaded.record, *loaded.version, {});
