@@ -419,11 +419,12 @@ TEST(Recover, FileThatEndsWhereLoadsTolerateItIsCompleted) {
 }
 
 TEST(RecoverReport, MembersThatWereReadInPartAreNamed) {
-  const Bytes material = materialFile(180);
-  const std::size_t name = offsetOf(material, FileKind::material, "name.text");
-  const Recovered noName = convert::recover(material.cut(name).span(), FileKind::material);
+  const Bytes machine = machineFile(180);
+  const std::size_t name = offsetOf(machine, FileKind::machine, "material.name.text");
+  const Recovered noName = convert::recover(machine.cut(name).span(), FileKind::machine);
   ASSERT_FALSE(noName.report.defaults.empty());
-  EXPECT_EQ(noName.report.defaults.front(), "name");
+  EXPECT_EQ(noName.report.defaults.front(), "material.name");
+  const Bytes material = materialFile(180);
   const std::size_t number = offsetOf(material, FileKind::material, "params.intParams[77]");
   const Recovered numbers = convert::recover(material.cut(number).span(), FileKind::material);
   ASSERT_FALSE(numbers.report.defaults.empty());
