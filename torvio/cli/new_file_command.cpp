@@ -1,6 +1,5 @@
 #include "torvio/cli/new_file_command.h"
 
-#include <filesystem>
 #include <new>
 
 #include "torvio/archive/verdict.h"
@@ -16,19 +15,18 @@ namespace torvio {
 using namespace oldtorvio;
 
 void NewFileCommand::addShared(CLI::App& command) {
-  name_ = command.get_name();
-  encodingOption_ = values::kDefaultEncoding;
+  encoding_ = values::kDefaultEncoding;
   addFile(command, "IN", input_, "The file")->required();
   addFile(command, "OUT", output_, "The new file; with --dry-run it may be left out");
   command.add_flag("--dry-run", isDryRun_, "Only print the report; the exit code is the same");
   command.add_flag("--json", isJson_, "Print the report as a JSON object on one line");
   addJudging(command, judge_);
-  addEncoding(command, encodingOption_);
+  addEncoding(command, encoding_);
 }
 
 ExitCode NewFileCommand::run() try {
-  if (output_.empty() && !isDryRun_) return usageError(name_, "OUT is required, or --dry-run");
-  if (isInputToo(name_, output_, {input_})) return kUsageError;
+  if (output_.empty() && !isDryRun_) return usageError(name(), "OUT is required, or --dry-run");
+  if (isInputToo(name(), output_, {input_})) return kUsageError;
   return make();
 } catch (const std::bad_alloc&) {
   return failed(input_, kNoMemory, kNotReadOrWritten);
