@@ -12,6 +12,7 @@
 #include "src/file_records.h"
 #include "src/frame/versions.h"
 #include "src/records/tool_layout.h"
+#include "torvio/convert/sheet_surplus.h"
 #include "torvio/values/all_members.h"
 
 namespace oldtorvio::archive {
@@ -316,25 +317,12 @@ template std::vector<Warning> warningsOf(const OldMacro&);
 template std::vector<Warning> warningsOf(const OldSheet&);
 
 std::optional<Warning> traceOfSave(std::span<const std::byte> bytes, const explain::FileReport& report) {
-  constexpr int kFirstWithoutSurplus = 152;
-  if (!report.version || *report.version < frame::kFirstMainVersion || *report.version >= kFirstWithoutSurplus ||
-      report.endsExactly())
-    return std::nullopt;
-  // machineWord124 to machineWord132 and lateByteC; a load of 151 expects the words.
-  const std::size_t surplus = *report.version < 151 ? 37 : 1;
-  std::optional<std::size_t> end;  // of the machine
-  (void)explain::mapFile(bytes, explain::FileKind::sheet, [&](const explain::MapLine& line) {
-    const bool isNext = line.path == "optionWord" || line.path == "machine.extension.extensionEntries.count";
-    if (isNext && line.size > 0 && !end) end = static_cast<std::size_t>(line.offset);
-  });
-  if (!end || *end + surplus > bytes.size()) return std::nullopt;
-  std::vector<std::byte> without(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(*end));
-  without.insert(without.end(), bytes.begin() + static_cast<std::ptrdiff_t>(*end + surplus), bytes.end());
-  if (!explain::checkFile(without, explain::FileKind::sheet).endsExactly()) return std::nullopt;
+  const auto surplus = convert::surplusOf(bytes, explain::FileKind::sheet, report);
+  if (!surplus) return std::nullopt;
   return Warning{"saved-below-152", "machine",
-                 "A save or an edit below version 152 stored " + std::to_string(surplus) +
-                     (surplus == 1 ? " byte" : " bytes") + " after the machine that no load expects; without " +
-                     (surplus == 1 ? "it" : "them") + " the file is sound"};
+                 "A save or an edit below version 152 stored " + std::to_string(surplus->size) +
+                     (surplus->size == 1 ? " byte" : " bytes") + " after the machine that no load expects; without " +
+                     (surplus->size == 1 ? "it" : "them") + " the file is sound"};
 }
 
 }  // namespace oldtorvio::archive

@@ -29,6 +29,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   all.push_back(makeJsonCommand());
   all.push_back(makeFromJsonCommand());
   all.push_back(makeSchemaCommand());
+  all.push_back(makeConvertCommand());
+  all.push_back(makeRecoverCommand());
   return all;
 }
 

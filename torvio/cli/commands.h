@@ -15,5 +15,7 @@ std::unique_ptr<Command> makeInfoCommand();
 std::unique_ptr<Command> makeJsonCommand();
 std::unique_ptr<Command> makeFromJsonCommand();
 std::unique_ptr<Command> makeSchemaCommand();
+std::unique_ptr<Command> makeConvertCommand();
+std::unique_ptr<Command> makeRecoverCommand();
 
 }  // namespace torvio

@@ -1,5 +1,6 @@
 #include "torvio/cli/output_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
@@ -51,8 +52,8 @@ class OutputFile::Place {
   }
   std::FILE* create() const {
     const int file =
-        ::_open(temporary_.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
-    return file < 0 ? nullptr : ::_fdopen(file, "wb");
+        ::_open(temporary_.c_str(), _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    return file < 0 ? nullptr : ::_fdopen(file, "w+b");
   }
   bool rename() const {
     if (::MoveFileExA(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0) return true;
@@ -96,12 +97,11 @@ class OutputFile::Place {
     constexpr mode_t kForAll = 0666, kPermissions = 0777;
     struct stat before {};
     const bool isReplacing = ::fstatat(folder_, name_.c_str(), &before, AT_SYMLINK_NOFOLLOW) == 0;
-    const int file =
-        ::openat(folder_, temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForAll);
+    const int file = ::openat(folder_, temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForAll);
     if (file < 0) return nullptr;
     // Who may use the file that is replaced may use the new one.
     if (isReplacing && S_ISREG(before.st_mode)) (void)::fchmod(file, before.st_mode & kPermissions);
-    return ::fdopen(file, "wb");
+    return ::fdopen(file, "w+b");
   }
   bool rename() const { return ::renameat(folder_, temporary_.c_str(), folder_, name_.c_str()) == 0; }
   void remove() const { (void)::unlinkat(folder_, temporary_.c_str(), 0); }
@@ -131,6 +131,25 @@ OutputFile::~OutputFile() {
   if (file_ == nullptr) return;
   (void)std::fclose(file_);
   place_->remove();
+}
+
+bool OutputFile::write(std::span<const std::byte> bytes) {
+  if (file_ == nullptr) return false;
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) {
+    fail("cannot be written", errno);
+    return false;
+  }
+  constexpr std::size_t kStep = 64U << 10U;
+  const auto read = std::make_unique_for_overwrite<std::byte[]>(kStep);
+  std::rewind(file_);
+  for (std::size_t from = 0, got = kStep; got == kStep; from += got) {
+    got = std::fread(read.get(), 1, kStep, file_);
+    const auto expected = bytes.subspan(from, std::min(kStep, bytes.size() - from));
+    if (got == expected.size() && std::equal(expected.begin(), expected.end(), read.get())) continue;
+    error_ = "cannot be written: what was written is not what is read";
+    return false;
+  }
+  return true;
 }
 
 bool OutputFile::commit() {

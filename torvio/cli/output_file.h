@@ -1,8 +1,10 @@
 // Files that commands create.
 #pragma once
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,10 +20,12 @@ class OutputFile {
   // Removes the file unless it was committed.
   ~OutputFile();
 
-  // Why it could not be created or committed, as a text to print after its name; empty if it could.
+  // Why it could not be created, written or committed, as a text to print after its name; empty if it could.
   const std::string& error() const { return error_; }
   // Unbuffered; null after an error.
   std::FILE* handle() const { return file_; }
+  // Writes all of the file, reads it again and compares the two. False if that fails.
+  bool write(std::span<const std::byte> bytes);
   // Closes the file and gives it its name. False if that fails: then the file of that name is as it was.
   bool commit();
 

@@ -1,0 +1,84 @@
+#include "torvio/cli/new_file_command.h"
+
+#include <filesystem>
+#include <new>
+
+#include "torvio/archive/verdict.h"
+#include "torvio/cli/file_text.h"
+#include "torvio/cli/output.h"
+#include "torvio/cli/output_file.h"
+#include "torvio/explain/file_content.h"
+#include "torvio/values/json.h"
+#include "torvio/values/text_encoding.h"
+
+namespace torvio {
+
+using namespace oldtorvio;
+
+void NewFileCommand::addShared(CLI::App& command) {
+  encodingOption_ = values::kDefaultEncoding;
+  addFile(command, "IN", input_, "The file")->required();
+  addFile(command, "OUT", output_, "The new file; with --dry-run it may be left out");
+  command.add_flag("--dry-run", isDryRun_, "Only print the report; the exit code is the same");
+  command.add_flag("--json", isJson_, "Print the report as one JSON object on one line");
+  addKind(command, kind_);
+  command.add_option("--encoding", encodingOption_, "The code page of the texts in the report (cp1252)")
+      ->type_name("NAME")
+      ->take_last()
+      ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
+}
+
+ExitCode NewFileCommand::run() try {
+  if (output_.empty() && !isDryRun_) {
+    printError("OUT is required, or --dry-run");
+    return kUsageError;
+  }
+  return make();
+} catch (const std::bad_alloc&) {
+  return failed(input_, kNoMemory, kNotReadOrWritten);
+}
+
+ExitCode NewFileCommand::make() const {
+  if (!output_.empty() && isSameFile(input_, output_))
+    return failed(output_, "is the file itself; choose a new name", kUsageError);
+  const explain::FileContent file(input_);
+  if (!file.error().empty()) return failed(input_, file.error(), kNotReadOrWritten);
+  const auto kind = archive::judge(input_, file.bytes(), {kind_, {}}).kind;
+  if (!kind)
+    return failed(input_,
+                  mapAs(file.bytes(), kind, [](const explain::MapLine&) {}).fault.value_or(explain::Fault{}).reason,
+                  kDamaged);
+  const Made made = make(file.bytes(), *kind);
+  if (isDryRun_ || made.bytes.empty()) {
+    report(made, false);
+    return made.error.empty() ? kSound : failed(input_, made.error, kDamaged);
+  }
+  const ExitCode code = write(made);
+  if (code == kSound) report(made, true);
+  return code;
+}
+
+ExitCode NewFileCommand::write(const Made& made) const {
+  OutputFile output(output_);
+  if (output.handle() != nullptr && output.write(made.bytes) && output.commit()) return kSound;
+  return failed(output_, output.error(), kNotReadOrWritten);
+}
+
+void NewFileCommand::report(const Made& made, bool isWritten) const {
+  if (isJson_) return print(convert::jsonOf(made.report, values::fileNameAsUtf8(input_), made.error, isWritten));
+  print(onOneLine(input_) + ": " + made.summary + "\n" + convert::textOf(made.report));
+  if (isWritten) print("  written: " + onOneLine(output_) + ", " + convert::bytesText(made.report.newSize) + "\n");
+}
+
+ExitCode NewFileCommand::failed(const std::string& file, const std::string& why, ExitCode code) const {
+  printError(onOneLine(file) + ": " + why);
+  return code;
+}
+
+std::string newFileHelp() {
+  return "OUT is replaced once the new file is complete, has been read again and is what\n"
+         "was to be written. A link, a folder or IN itself is not replaced.\n\n" +
+         wrapped("Kinds", kindNames());
+}
+
+}  // namespace torvio

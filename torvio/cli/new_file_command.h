@@ -1,0 +1,47 @@
+// What the commands that make a new file of an old one share.
+#pragma once
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <string>
+
+#include "torvio/cli/command.h"
+#include "torvio/convert/report.h"
+
+namespace torvio {
+
+class NewFileCommand : public Command {
+ public:
+  ExitCode run() override;
+
+ protected:
+  // The outcome of the library for the bytes of the file.
+  struct Made {
+    std::vector<std::byte> bytes;  // of the new file; none after an error, or if there is nothing to write
+    oldtorvio::convert::Report report;
+    std::string error;
+    std::string summary;  // of the text: "sheet of version 180 to version 152"
+  };
+  virtual Made make(std::span<const std::byte> bytes, oldtorvio::frame::FileKind kind) const = 0;
+
+  // Adds the arguments and options that both have.
+  void addShared(CLI::App& command);
+
+ private:
+  ExitCode make() const;
+  ExitCode write(const Made& made) const;
+  void report(const Made& made, bool isWritten) const;
+  ExitCode failed(const std::string& file, const std::string& why, ExitCode code) const;
+
+  std::string input_, output_, encodingOption_;
+  std::optional<oldtorvio::frame::FileKind> kind_;
+  bool isDryRun_ = false, isJson_ = false;
+
+ protected:
+  const std::string& encoding() const { return encodingOption_; }
+};
+
+// Ends of their help.
+std::string newFileHelp();
+
+}  // namespace torvio
