@@ -252,6 +252,61 @@ static void differences(void) {
   EXPECT(same == 7);
 }
 
+static void new_files(void) {
+  const torvio_input sound = in_memory(machine, kMachineSize, "machine");
+  const torvio_input cut = in_memory(machine, kMachineSize - 100, "machine");
+  const torvio_input foreign = in_memory("\x07\x00 nothing of the suite", 25, NULL);
+  torvio_buffer* report = NULL;
+
+  EXPECT(is(torvio_convert(&sound, 180, 0, &result, &report, &error), TORVIO_OK));
+  EXPECT(result != NULL && result->size > kMachineSize && (uint8_t)result->data[0] == 180);
+  EXPECT(report != NULL && report->data[report->size] == '\0' && strncmp(report->data, "{\"file\":", 8) == 0);
+  if (result != NULL) {
+    /* The new file is sound, and has everything that the old one has. */
+    const torvio_input made = in_memory(result->data, result->size, "machine");
+    torvio_buffer* const kept = result;
+    EXPECT(is(torvio_check(&made, 0, &result, &error), TORVIO_OK));
+    EXPECT(contains("\"verdict\":\"sound\",\"kind\":\"machine\",\"version\":180,"));
+    release();
+    EXPECT(is(torvio_convert(&made, 54, TORVIO_ALLOW_LOSS, &result, NULL, &error), TORVIO_OK));
+    EXPECT(result != NULL && (uint8_t)result->data[0] == 54);
+    torvio_free(kept);
+  }
+  torvio_free(report);
+  release();
+
+  EXPECT(is(torvio_convert(&sound, 53, 0, &result, &report, &error), TORVIO_REFUSED));
+  EXPECT(result == NULL && report != NULL && strstr(report->data, "\"error\":") != NULL);
+  torvio_free(report);
+  release();
+  EXPECT_REFUSED(torvio_convert(&foreign, 180, 0, &result, &report, &error), TORVIO_REFUSED, "version");
+  EXPECT(report == NULL);
+  EXPECT_REFUSED(torvio_convert(&sound, -1, 0, &result, &report, &error), TORVIO_BAD_ARGUMENT, "version");
+  EXPECT_REFUSED(torvio_convert(&sound, 180, 1, &result, &report, &error), TORVIO_BAD_ARGUMENT, "flags");
+  EXPECT_REFUSED(torvio_convert(NULL, 180, 0, &result, &report, &error), TORVIO_BAD_ARGUMENT, "input");
+  EXPECT_REFUSED(torvio_convert(&sound, 180, 0, NULL, &report, &error), TORVIO_BAD_ARGUMENT, "result");
+
+  EXPECT(is(torvio_recover(&cut, 0, &result, &report, &error), TORVIO_OK));
+  EXPECT(report != NULL && strstr(report->data, "\"fault\":{") != NULL);
+  if (result != NULL) {
+    const torvio_input made = in_memory(result->data, result->size, "machine");
+    torvio_buffer* const kept = result;
+    EXPECT(is(torvio_check(&made, 0, &result, &error), TORVIO_OK));
+    EXPECT(contains("\"verdict\":\"sound\",\"kind\":\"machine\",\"version\":54,"));
+    torvio_free(kept);
+  }
+  torvio_free(report);
+  release();
+  EXPECT(is(torvio_recover(&sound, 0, &result, NULL, &error), TORVIO_OK));
+  EXPECT(result != NULL && result->size == kMachineSize && memcmp(result->data, machine, kMachineSize) == 0);
+  release();
+  EXPECT_REFUSED(torvio_recover(&foreign, 0, &result, &report, &error), TORVIO_REFUSED, "version");
+  EXPECT(report == NULL);
+  EXPECT_REFUSED(torvio_recover(&sound, 1, &result, &report, &error), TORVIO_BAD_ARGUMENT, "flags");
+  EXPECT_REFUSED(torvio_recover(NULL, 0, &result, &report, &error), TORVIO_BAD_ARGUMENT, "input");
+  EXPECT_REFUSED(torvio_recover(&sound, 0, NULL, NULL, &error), TORVIO_BAD_ARGUMENT, "result");
+}
+
 static void names_and_forms(void) {
   EXPECT(is(torvio_schema("sheet", &result, &error), TORVIO_OK));
   EXPECT(contains("\"title\": \"A sheet file as JSON\""));
@@ -342,6 +397,7 @@ int main(int argc, char** argv) {
   damaged_file(folder);
   unreadable_file(folder);
   differences();
+  new_files();
   names_and_forms();
   wrong_arguments();
   EXPECT(sizeof(torvio_input) == 6 * sizeof(void*));

@@ -45,9 +45,10 @@ ExitCode NewFileCommand::make() const {
   if (!file.error().empty()) return failed(input_, file.error(), kNotReadOrWritten);
   const auto kind = archive::judge(input_, file.bytes(), {kind_, {}}).kind;
   if (!kind)
-    return failed(input_,
-                  mapAs(file.bytes(), kind, [](const explain::MapLine&) {}).fault.value_or(explain::Fault{}).reason,
-                  kDamaged);
+    return failed(
+        input_,
+        explain::mapFile(file.bytes(), kind, [](const explain::MapLine&) {}).fault.value_or(explain::Fault{}).reason,
+        kDamaged);
   const Made made = make(file.bytes(), *kind);
   if (isDryRun_ || made.bytes.empty()) {
     report(made, false);

@@ -262,6 +262,38 @@ TORVIO_API torvio_status torvio_diff(const torvio_input* a, const torvio_input* 
 /* Leaves out the version, and members that the version of one of the files does not store. */
 #define TORVIO_COMMON UINT32_C(4)
 
+/* ---- New files of old ones -------------------------------------------------------------------- */
+
+/* Saves a file in another version, as `torvio convert` does, without writing it anywhere.
+ *
+ * version   of the new file. In the version of the file itself it becomes a clean copy: all that a load reads, and no
+ *           other bytes
+ * flags     0 or TORVIO_ALLOW_LOSS
+ * result    the bytes of the new file
+ * report    what the new version cannot store or stores with another value, as the JSON object of
+ *           `torvio convert --json` without "written". May be NULL
+ *
+ * TORVIO_REFUSED if something would be lost and the flag is not set, if the file is damaged or of unknown kind, or if
+ * files of its kind are not saved in that version: there is no result then, but a report unless the kind is unknown. */
+TORVIO_API torvio_status torvio_convert(const torvio_input* input, int32_t version, uint32_t flags,
+                                        torvio_buffer** result, torvio_buffer** report,
+                                        torvio_error** error) TORVIO_NOEXCEPT;
+
+#define TORVIO_ALLOW_LOSS UINT32_C(8) /* makes the file even if something is lost or changed */
+
+/* Makes a file that loads of the sound beginning of a damaged one, as `torvio recover` does, without writing it
+ * anywhere. Everything before the first fault is kept; what follows has the defaults of a new record.
+ *
+ * flags     0
+ * result    the bytes of the new file. Of a sound file they are its own
+ * report    where the file breaks, which bytes are left out, which list is shorter and which members have defaults, as
+ *           the JSON object of `torvio recover --json` without "written". Check it before the file is used. May be NULL
+ *
+ * Returns TORVIO_OK for a damaged file as well. TORVIO_REFUSED if nothing can be kept or the kind is unknown: there is no
+ * result then, but a report unless the kind is unknown. */
+TORVIO_API torvio_status torvio_recover(const torvio_input* input, uint32_t flags, torvio_buffer** result,
+                                        torvio_buffer** report, torvio_error** error) TORVIO_NOEXCEPT;
+
 /* ---- The library ------------------------------------------------------------------------------ */
 
 /* What the other functions accept: {"version":"0.1.0","kinds":[{"name":"sheet","versions":[[52,180],[500,32767]],
