@@ -97,24 +97,25 @@ static void sound_file(const char* path) {
   EXPECT(contains("\n  \"kind\": \"machine\","));
   release();
 
-  /* Every byte survives the way through JSON, in memory and through a file. */
+  /* Every byte survives the way through JSON, in memory and through a file. A save stores more bytes after them, which
+   * loads of this version do not read. */
   EXPECT(is(torvio_json(&input, 0, &result, &error), TORVIO_OK));
   if (result != NULL) {
     const torvio_input text = in_memory(result->data, result->size, NULL);
     other = result;
     EXPECT(written(path, result->data, result->size));
     EXPECT(is(torvio_from_json(&text, 0, 0, &result, &error), TORVIO_OK));
-    EXPECT(result != NULL && result->size == kMachineSize && memcmp(result->data, machine, kMachineSize) == 0);
+    EXPECT(result != NULL && result->size >= kMachineSize && memcmp(result->data, machine, kMachineSize) == 0);
     release();
     EXPECT(is(torvio_from_json(&text, 160, 0, &result, &error), TORVIO_OK));
     EXPECT(result != NULL && result->size > kMachineSize && (uint8_t)result->data[0] == 160);
     release();
-    EXPECT_REFUSED(torvio_from_json(&text, 53, 0, &result, &error), TORVIO_REFUSED, "version 53");
+    EXPECT_REFUSED(torvio_from_json(&text, 51, 0, &result, &error), TORVIO_REFUSED, "version 51");
     EXPECT_REFUSED(torvio_from_json(&text, 40000, 0, &result, &error), TORVIO_BAD_ARGUMENT, "version");
     torvio_free(other);
     from_path.kind = NULL;
     EXPECT(is(torvio_from_json(&from_path, 0, 0, &result, &error), TORVIO_OK));
-    EXPECT(result != NULL && result->size == kMachineSize && memcmp(result->data, machine, kMachineSize) == 0);
+    EXPECT(result != NULL && result->size >= kMachineSize && memcmp(result->data, machine, kMachineSize) == 0);
     release();
     EXPECT(written(path, machine, kMachineSize));
   }
@@ -130,7 +131,7 @@ static void sound_file(const char* path) {
   EXPECT(result != NULL && result->size == 0 && result->data[0] == '\0');
   release();
   EXPECT(is(torvio_map(&input, NULL, NULL, TORVIO_PAGE, &result, &error), TORVIO_OK));
-  EXPECT(contains("<!DOCTYPE html>") && contains("a machine"));
+  EXPECT(contains("<!doctype html>") && contains("a machine"));
   release();
 
   EXPECT(is(torvio_draw(&input, 0, &result, &error), TORVIO_OK));
@@ -275,7 +276,7 @@ static void new_files(void) {
   torvio_free(report);
   release();
 
-  EXPECT(is(torvio_convert(&sound, 53, 0, &result, &report, &error), TORVIO_REFUSED));
+  EXPECT(is(torvio_convert(&sound, 51, 0, &result, &report, &error), TORVIO_REFUSED));
   EXPECT(result == NULL && report != NULL && strstr(report->data, "\"error\":") != NULL);
   torvio_free(report);
   release();

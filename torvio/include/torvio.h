@@ -165,10 +165,10 @@ TORVIO_API torvio_status torvio_info(const torvio_input* input, uint32_t flags, 
 
 /* ---- Complete contents ------------------------------------------------------------------------ */
 
-/* The complete record of a file, so that torvio_from_json makes the same file of it. The result is the text of
- * `torvio json`; docs/json.md describes it, torvio_schema its schema. Of a damaged file it has the record as far as it
- * was read, and the fault; of a file of unknown kind or refused version the record is null. Both return TORVIO_DAMAGED.
- * flags: 0 or TORVIO_PRETTY. */
+/* The complete record of a file: torvio_from_json saves it as a file that loads into the same record. The result is the
+ * text of `torvio json`; docs/json.md describes it, and torvio_schema returns its schema. Of a damaged file it has the
+ * record as far as it was read, and the fault; of a file of unknown kind or refused version the record is null. Both
+ * return TORVIO_DAMAGED. flags: 0 or TORVIO_PRETTY. */
 TORVIO_API torvio_status torvio_json(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                      torvio_error** error) TORVIO_NOEXCEPT;
 
