@@ -176,8 +176,9 @@ TORVIO_API torvio_status torvio_json(const torvio_input* input, uint32_t flags, 
 
 /* Makes a file of the JSON of its record. The input is the JSON text, of at most 8192 MiB; its kind and encoding have no
  * effect, because the text says both. The result is the bytes of the file, saved in `version`, or with 0 in the version
- * that the text says. Returns TORVIO_REFUSED if the text is not the JSON of a record, or if its record cannot be saved
- * in that version: the error says which member or line of the text it is about in its message. flags: 0. */
+ * that the text says. Below version 152, saves of sheets and machines store bytes that no load expects (docs/quirks.md);
+ * torvio_convert makes a file without them. Returns TORVIO_REFUSED if the text is not the JSON of a record, or if its
+ * record cannot be saved in that version: the message says which member or line of the text it is about. flags: 0. */
 TORVIO_API torvio_status torvio_from_json(const torvio_input* input, int32_t version, uint32_t flags,
                                           torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
 
