@@ -303,7 +303,7 @@ TEST(Libtorvio, LocaleWithADecimalCommaChangesNothing) {
 
 TEST(Libtorvio, EveryFunctionWorksOnTheStackThatTheHeaderNames) {
   if (kIsSanitized) GTEST_SKIP() << "sanitizers enlarge every stack frame";
-  constexpr std::size_t kStack = std::size_t{512} * 1024;
+  constexpr std::size_t kStack = std::size_t{128} * 1024;
   const Samples samples;
   const std::vector<Call> calls = samples.calls();
   std::vector<Outcome> found(calls.size());

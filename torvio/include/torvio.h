@@ -38,7 +38,7 @@
  *               just because a count in the file claims many elements. Expect the file, its record (a few times the
  *               size of the file) and the result in memory at the same time.
  *   Flags       `flags` is 0 or a sum of the constants that the function names. Any other value is TORVIO_BAD_ARGUMENT.
- *   Stack       A call may need 512 KiB of stack.
+ *   Stack       A call needs no more than 128 KiB of stack.
  *
  * Binary interface: the calling convention is that of C on the platform (cdecl on 32-bit Windows). torvio_input has
  * its members for good; what a later version needs besides becomes a flag or a function. torvio_buffer and torvio_error
