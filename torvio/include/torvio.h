@@ -31,7 +31,8 @@
  *               it with torvio_free; results and errors are independent of each other. torvio_version() is the
  *               exception: it is never freed.
  *   Failures    Wrong arguments, unreadable files and lack of memory have no effect but the status and the error. No
- *               function ends the process, prints, throws an exception, or reads or changes the locale.
+ *               function ends the process, prints or throws an exception. The locale of the process is not changed
+ *               and has no effect but on the language of the system's words in an error, such as "No such file".
  *   Threads     There is no state between calls: all functions may run at the same time in any number of threads, also
  *               on the same input. A result or error may be freed in another thread.
  *   Memory      A damaged or hostile file never makes the library read or write outside its memory, or take memory

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -108,8 +107,7 @@ values::JsonRecord recordOf(const Input& input) {
   if (!file.error().empty()) throw notRead(file.error());
   return values::readJson([&](char* to, std::size_t size) {
     const std::size_t got = std::fread(to, 1, size, file.handle());
-    if (got < size && std::ferror(file.handle()) != 0)
-      throw notRead("cannot be read: " + std::generic_category().message(errno));
+    if (got < size && std::ferror(file.handle()) != 0) throw notRead("cannot be read: " + systemError(errno));
     return got;
   });
 }
