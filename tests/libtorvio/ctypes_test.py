@@ -77,13 +77,13 @@ class Torvio:
         self.library.torvio_free(error)
         return status, data, why
 
-    def file(self, name, path, *arguments, **members):
-        return self.call(name, ctypes.byref(Input(path=str(path).encode(), **members)), *arguments)
+    def file(self, function, path, *arguments, **members):
+        return self.call(function, ctypes.byref(Input(path=str(path).encode(), **members)), *arguments)
 
-    def memory(self, name, data, *arguments, **members):
+    def memory(self, function, data, *arguments, **members):
         kept = ctypes.create_string_buffer(data, max(len(data), 1))
         view = Input(data=ctypes.cast(kept, ctypes.c_void_p), size=len(data), **members)
-        return self.call(name, ctypes.byref(view), *arguments)
+        return self.call(function, ctypes.byref(view), *arguments)
 
 
 class Test:
