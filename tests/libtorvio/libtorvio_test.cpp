@@ -237,7 +237,7 @@ TEST(Libtorvio, EveryFailingAllocationIsReportedAndNothingIsLost) {
   for (std::size_t i = 0; i < calls.size(); ++i) {
     for (const bool forGood : {false, true}) {
       bool happened = true;
-      for (std::size_t n = 0; happened; n += 1 + n / 4) {
+      for (std::size_t n = 0; happened; n += 1 + n / 16) {
         const AllocationMeter meter;
         torvio_buffer* result = nullptr;
         torvio_error* error = nullptr;
