@@ -159,11 +159,15 @@ TEST(Diff, ChangeOfOneMemberIsReportedAtItsPath) {
   for (const frame::FileKindInfo& info : frame::kFileKinds)
     withFileRecord(info.kind, [&](auto file) {
       constexpr FileKind kKind = decltype(file)::kKind;
-      const auto record = anyRecord<kKind>(7);
       const values::Type& type = values::typeOfRecord(kKind);
-      // Lists that are walked have to have elements.
+      auto record = anyRecord<kKind>(7);
       std::size_t leaves = 0;
-      Leaves([&](const std::string&, const values::Type&, void*, bool) { ++leaves; }).walk(type, record.get(), "");
+      // A list of parts may be empty.
+      for (std::uint32_t seed = 8; leaves < 60; ++seed) {
+        leaves = 0;
+        Leaves([&](const std::string&, const values::Type&, void*, bool) { ++leaves; }).walk(type, record.get(), "");
+        if (leaves < 60) record = anyRecord<kKind>(seed);
+      }
       const auto copy = std::make_unique<typename decltype(file)::Record>(*record);
       const std::size_t step = isLong() ? 1 : std::max<std::size_t>(leaves / 300, 1);
       std::size_t number = 0, unstored = 0;
@@ -180,7 +184,6 @@ TEST(Diff, ChangeOfOneMemberIsReportedAtItsPath) {
         EXPECT_EQ(differences(*record, *copy).size(), isStored ? 1U : 0U) << path;
         change(leaf, at);
       }).walk(type, copy.get(), "");
-      EXPECT_GT(number, kKind == FileKind::groupPart ? 50U : 100U) << info.name;
       EXPECT_EQ(texts(*record, *copy, ofAllMembers()), Texts());
     });
 }
@@ -353,6 +356,7 @@ TEST(Diff, PartsAreMatchedByName) {
   EXPECT_EQ(all.size(), 22U) << testing::PrintToString(textsOf(all));
   EXPECT_EQ(textOf(all[0]), "+ parts[0]");
   EXPECT_EQ(all[0].name, "\"new\"");
+  EXPECT_TRUE(all[0].isOwnName);
   for (const Difference& one : all) {
     if (one.change != Change::changed) continue;
     EXPECT_TRUE(one.pathInA.ends_with(".height"));
@@ -560,9 +564,10 @@ TEST(Alignment, LargeListsTakeNoQuadraticTime) {
     compare::Alignment alignment(a.size(), b.size());
     alignment.pairInOrder(a, b);
     alignment.pairMoved(a, b);
-    return static_cast<std::size_t>(std::count_if(a.begin(), a.end(), [&](compare::Key key) {
-      return alignment.partnerOfA(static_cast<std::size_t>(key - 1)) != compare::Alignment::kNone;
-    }));
+    std::size_t pairs = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+      if (alignment.partnerOfA(i) != compare::Alignment::kNone) ++pairs;
+    return pairs;
   };
   const auto begin = std::chrono::steady_clock::now();
   b = a;
@@ -575,7 +580,9 @@ TEST(Alignment, LargeListsTakeNoQuadraticTime) {
   // Few keys, which are all over both.
   std::mt19937 engine(2);
   for (compare::Key& key : b) key = 1 + engine() % 5;
-  (void)pairsOf();
+  EXPECT_LT(pairsOf(), 10U);
+  for (compare::Key& key : a) key = 1 + engine() % 5;
+  EXPECT_GT(pairsOf(), kCount / 10);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
 }
 
@@ -633,6 +640,17 @@ TEST(DiffFiles, StoredMembersAreThoseOfTheVersion) {
   EXPECT_FALSE(newest.has("recordWord"));
   EXPECT_TRUE(sheet.has("partList.parts.woNumber"));
   EXPECT_FALSE(sheet.has("partList.parts.toolStations"));
+  EXPECT_FALSE(compare::StoredMembers(FileKind::part, 79).has("shapes.shapes.trailerValue"));
+  EXPECT_TRUE(newest.hasEntry("toolStations.tools.firstValues", 3));
+  EXPECT_TRUE(oldest.hasEntry("toolStations.tools.firstValues", 2));
+  EXPECT_FALSE(oldest.hasEntry("toolStations.tools.firstValues", 3));
+  const compare::StoredMembers material(FileKind::material, 151);
+  EXPECT_TRUE(material.hasEntry("stages.blocks", 5));
+  EXPECT_FALSE(material.hasEntry("stages.blocks", 6));
+  EXPECT_TRUE(material.has("stages.blocks.steps.tableFlag"));
+  EXPECT_TRUE(newest.has("patterns.bindFifth"));
+  EXPECT_TRUE(compare::StoredMembers(FileKind::part, 159).has("patterns.bindThird"));
+  EXPECT_FALSE(compare::StoredMembers(FileKind::part, 159).has("patterns.bindFifth"));
   EXPECT_TRUE(version5.has("width"));
   EXPECT_FALSE(version5.has("descriptionA"));
 }
@@ -803,7 +821,7 @@ TEST_F(PartFiles, PartIsChosenByNameOrPosition) {
 TEST_F(PartFiles, WhatCannotBeComparedIsSaid) {
   const auto unnamed = diffOf(partFile("x.prt"), {sheet, FileKind::sheet, {}, {}});
   EXPECT_EQ(unnamed.result.error,
-            "none of its parts is called as the part file; it has \"PLATE 0\", \"PLATE 1\", \"PLATE 2\"");
+            "has no part with the name of the part file; its parts are \"PLATE 0\", \"PLATE 1\", \"PLATE 2\"");
   EXPECT_EQ(unnamed.result.errorIn, Side::b);
   EXPECT_NE(diffOf({sheet, FileKind::sheet, "7", {}}, partFile("")).result.error, "");
   const Bytes machine = machineFile(180), macro = macroFile(180);
@@ -851,7 +869,7 @@ TEST(DiffFiles, DamagedFileIsComparedAsFarAsItWasRead) {
     EXPECT_NE(diff.result.a.status, 0);
     // No member outside of a list has a default that the file does not contain.
     for (const Difference& one : diff.all)
-      EXPECT_TRUE(one.pathInB.find('[') != std::string::npos || one.pathInB == "hasOptions") << textOf(one);
+      EXPECT_NE((one.pathInB.empty() ? one.pathInA : one.pathInB).find('['), std::string::npos) << textOf(one);
     ++cuts;
   }
   EXPECT_GT(cuts, 30U);
@@ -992,7 +1010,7 @@ TEST_F(DiffCommand, VersionIsGivenAsTheReason) {
   EXPECT_EQ(run.code, 1);
   EXPECT_NE(run.output.find("~ version     150 -> 180\n"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("~ finalTextA  (not in version 150) -> \"new\"\n"), std::string::npos);
-  EXPECT_NE(run.output.find("2 differences, 1 of them in members that the older version does not store"),
+  EXPECT_NE(run.output.find("2 differences, 1 of them in members that one of the versions does not store"),
             std::string::npos);
   EXPECT_EQ(torvio("diff --common " + older + ' ' + newer).code, 0);
   const auto json = lines(torvio("diff --json " + newer + ' ' + older).output);
@@ -1013,8 +1031,9 @@ TEST_F(DiffCommand, PartIsFoundInASheet) {
   EXPECT_NE(changed.output.find("~ width     12.5 -> 13\n"), std::string::npos) << changed.output;
   const Outcome unknown = torvio("diff " + a_ + ' ' + sheet);
   EXPECT_EQ(unknown.code, 2);
-  EXPECT_NE(unknown.errors.find("nest.sht: none of its parts is called as the part file; it has \"OTHER\", \"PLATE\""),
-            std::string::npos)
+  EXPECT_NE(
+      unknown.errors.find("nest.sht: has no part with the name of the part file; its parts are \"OTHER\", \"PLATE\""),
+      std::string::npos)
       << unknown.errors;
   EXPECT_EQ(torvio("diff --part NONE " + a_ + ' ' + sheet).code, 2);
   EXPECT_EQ(torvio("diff --part 1 " + a_ + ' ' + b_).code, 2);

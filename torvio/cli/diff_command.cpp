@@ -121,13 +121,15 @@ class TextPrinter {
     to.append(colour).append(isInA ? "- " : isInB ? "+ " : isMoved ? "> " : "~ ").append(line.path);
     if (*colour != '\0') to += colours_.none;
     to.append(width - std::min(width, line.path.size()) + 2, ' ');
+    if (isMoved) to += "moved  ";
+    if (one.isOwnName) {
+      appendValue(to, shortened(one.name), colour);
+      return;
+    }
     if (isInA) {
       appendValue(to, one.a, colours_.removed);
-    } else if (isInB) {
-      appendValue(to, one.b, colours_.added);
-    } else if (isMoved) {
-      to.append("moved");
-      if (one.name.empty()) to.append("  ").append(one.b);
+    } else if (isInB || isMoved) {
+      appendValue(to, one.b, colour);
     } else {
       one.notStoredIn == Side::a ? appendValue(to, notStoredInA_, colours_.faint)
                                  : appendValue(to, one.a, colours_.removed);
@@ -137,8 +139,15 @@ class TextPrinter {
     }
     if (!one.name.empty()) {
       to.append("  ");
-      appendValue(to, "in " + one.name, colours_.faint);
+      appendValue(to, "in " + shortened(one.name), colours_.faint);
     }
+  }
+  static std::string shortened(const std::string& name) {
+    constexpr std::size_t kLongestName = 40;
+    if (name.size() <= kLongestName) return name;
+    std::size_t end = kLongestName;
+    while ((static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80) --end;
+    return name.substr(0, end) + "...";
   }
   void appendValue(std::string& to, const std::string& value, const char* colour) const {
     to.append(colour).append(value);
@@ -238,16 +247,17 @@ class DiffCommand : public Command {
            "load reads do not count. Elements of lists are matched first: parts and other\n"
            "records with a name by that, the rest by what they hold.\n"
            "\n"
-           "  ~ width                12.5 -> 13         changed\n"
-           "  - marks[3]             {\"markWord1\":7...  only in A\n"
-           "  + marks[5]             {\"markWord1\":9...  only in B\n"
-           "  > parts[7|2]           moved              at [7] in A, at [2] in B\n"
-           "  ~ parts[3|4].width     20 -> 30           changed, at [3] in A, at [4] in B\n"
+           "  ~ width             12.5 -> 13     changed\n"
+           "  - marks[3]          {...}          only in A\n"
+           "  + marks[5]          {...}          only in B\n"
+           "  > parts[7|2]        moved          from [7] in A to [2] in B\n"
+           "  ~ parts[3|4].width  20 -> 30       changed; it is parts[3] in A, parts[4] in B\n"
            "\n"
            "A part file can be compared with a sheet or group part file: with the part that\n"
-           "--part chooses, that has the name of the part file, or that is the only one.\n"
-           "So can lists of parts, a machine and a sheet, a material and either of them.\n"
-           "Then what only one of the kinds stores is left out, and where a part is placed.\n"
+           "--part chooses, or else the one with the name of the file, or the only one. The\n"
+           "parts of a group part file, a machine and a material are found in a sheet, a\n"
+           "material also in a machine. Members that only one of the two kinds of file\n"
+           "stores are then left out, and so is where a part is placed.\n"
            "\n"
            "Members that the version of one file does not store are marked: the load of the\n"
            "older file sets them. --common leaves them out.\n"
@@ -257,7 +267,7 @@ class DiffCommand : public Command {
            "has one, and notStoredIn (a or b). The last line has a member summary instead,\n"
            "with same, differences, printed and notStored, and what is said of each file.\n"
            "\n"
-           "A FILE may be a pipe. A file of more than " +
+           "A or B may be a pipe. A file of more than " +
            std::to_string(explain::FileContent::kLargestMiB) +
            " MiB is not read.\n"
            "Arguments after \"--\" are files, even if they begin with \"-\".\n"
@@ -361,7 +371,7 @@ class DiffCommand : public Command {
     if (found.areSame) return text + (isDamaged ? "No differences in what could be read\n" : "No differences\n");
     text += countOf(found.differences, "difference");
     if (found.notStored > 0)
-      text += ", " + std::to_string(found.notStored) + " of them in members that the older version does not store";
+      text += ", " + std::to_string(found.notStored) + " of them in members that one of the versions does not store";
     return text + "\n";
   }
   static std::string lineFor(const std::string& name, const File& file, const compare::ComparedFile& compared) {
@@ -369,8 +379,8 @@ class DiffCommand : public Command {
     if (compared.version) text += ", version " + std::to_string(*compared.version);
     if (!compared.place.empty()) text += ", " + compared.place;
     if (!compared.part.empty()) text += ' ' + compared.part;
-    if (const std::string unread = file.judgement.report.unread(); !unread.empty() && !file.judgement.report.fault)
-      text += ", " + unread;
+    const explain::FileReport& report = file.judgement.report;
+    if (!report.fault && report.walked < report.size) text += ", " + report.unread();
     return text + '\n';
   }
 

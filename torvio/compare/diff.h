@@ -44,6 +44,7 @@ struct Difference {
   // The name of the innermost part, tool or other element with one that holds the member, as a JSON string. Empty if
   // none does.
   std::string name;
+  bool isOwnName = false;  // the name is that of an element which was inserted, removed or moved
   // The file that does not store the member, because of its version: its value is what a load sets. Of diffFiles.
   Side notStoredIn = Side::none;
 };

@@ -203,9 +203,8 @@ class FileDiffer {
     if (parts.empty()) return "has no parts";
     constexpr std::size_t kMostNames = 10;
     const std::string& part = files_[side]->part;
-    std::string text =
-        part.empty() ? "none of its parts is called as the part file" : "none of its parts is called \"" + part + "\"";
-    text += "; it has ";
+    std::string text = "has no part " + (part.empty() ? "with the name of the part file" : "called \"" + part + "\"");
+    text += "; its parts are ";
     for (std::size_t i = 0; i < std::min(parts.size(), kMostNames); ++i)
       text.append(i == 0 ? "" : ", ").append(quoted(textOf(parts[i].partName)));
     if (parts.size() > kMostNames)
@@ -240,17 +239,17 @@ class FileDiffer {
     }
   }
 
-  Treatment treatmentOf(const std::string& path, bool isInElement) const {
+  Treatment treatmentOf(const std::string& path, bool isInElement, std::optional<std::size_t> entry) const {
     Treatment treatment;
     for (std::size_t side = 0; side < 2; ++side)
       if (!isInElement && !values_[side].isInElement && !read_[side].has(joined(values_[side].member, path)))
         treatment.isLeftOut = true;
     if (stored_[0] && stored_[1]) {
-      const std::array isStored{isStoredIn(stored_, 0, path), isStoredIn(stored_, 1, path)};
+      const std::array isStored{isStoredIn(stored_, 0, path, entry), isStoredIn(stored_, 1, path, entry)};
       if (isStored[0] != isStored[1]) {
         const std::size_t lacking = isStored[0] ? 1 : 0;
         // A kind of file that never stores it says nothing about it.
-        if (options_.commonOnly || (!haveOneForm() && !isStoredIn(storedAsOther_, lacking, path)))
+        if (options_.commonOnly || (!haveOneForm() && !isStoredIn(storedAsOther_, lacking, path, entry)))
           treatment.isLeftOut = true;
         treatment.notStoredIn = kSides[lacking];
       }
@@ -262,8 +261,10 @@ class FileDiffer {
     return treatment;
   }
   using Stored = std::array<std::optional<StoredMembers>, 2>;
-  bool isStoredIn(const Stored& stored, std::size_t side, const std::string& path) const {
-    return stored[side]->has(joined(values_[side].member, path));
+  bool isStoredIn(const Stored& stored, std::size_t side, const std::string& path,
+                  std::optional<std::size_t> entry) const {
+    const std::string full = joined(values_[side].member, path);
+    return entry ? stored[side]->hasEntry(full, *entry) : stored[side]->has(full);
   }
   bool isVersionWord(const std::string& path) const {
     return path == kVersion || (kindAt(0) == FileKind::specialTool && path == "tool.fileVersion");
@@ -304,9 +305,10 @@ class FileDiffer {
       goesOn = counting(difference);
     }
     if (goesOn) {
-      const MemberNode tree = memberTree(*values_[0].type, options_, [this](const std::string& path, bool isInElement) {
-        return treatmentOf(path, isInElement);
-      });
+      const MemberNode tree =
+          memberTree(*values_[0].type, options_, [this](const std::string& path, bool isInElement, auto entry) {
+            return treatmentOf(path, isInElement, entry);
+          });
       Differ differ(options_, counting, values_[0].path, values_[1].path);
       areSame = differ.compare(tree, values_[0].at, values_[1].at) && areSame;
     }

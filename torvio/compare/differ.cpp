@@ -74,9 +74,7 @@ void Differ::compareValues(const MemberNode& node, const void* a, const void* b)
     case Form::record:
       return compareMembers(node, a, b);
     case Form::array:
-      for (std::size_t i = 0; i < node.type->count; ++i)
-        compareElements(*node.element, at(a, i, *node.element), at(b, i, *node.element), i, i);
-      return;
+      return compareEntries(node, a, b);
     case Form::lazyArray:
       for (std::size_t i = 0; i < node.type->count; ++i)
         compareElements(*node.element, node.type->lazyAt(a, i), node.type->lazyAt(b, i), i, i);
@@ -94,13 +92,26 @@ void Differ::compareMembers(const MemberNode& node, const void* a, const void* b
     const PathEnd endOfA(pathInA_), endOfB(pathInB_);
     appendName(pathInA_, member.name);
     appendName(pathInB_, member.name);
-    const void *const ofA = static_cast<const std::byte*>(a) + member.offset, *const ofB =
-                                                                                  static_cast<const std::byte*>(b) +
-                                                                                  member.offset;
+    const void* const ofA = static_cast<const std::byte*>(a) + member.offset;
+    const void* const ofB = static_cast<const std::byte*>(b) + member.offset;
     if (member.notStoredIn == Side::none)
       compareValues(member, ofA, ofB);
     else if (!areSame(member, ofA, ofB, options_.tolerance))
-      report(Change::changed, member, ofA, ofB);
+      report(Change::changed, member, ofA, ofB, member.notStoredIn);
+  }
+}
+
+void Differ::compareEntries(const MemberNode& node, const void* a, const void* b) {
+  for (std::size_t i = 0; i < node.type->count; ++i) {
+    const void *const ofA = at(a, i, *node.element), *const ofB = at(b, i, *node.element);
+    if (node.hasEntry(i)) {
+      compareElements(*node.element, ofA, ofB, i, i);
+    } else if (!isStopped_ && !node.entries[i].isLeftOut && !areSame(*node.element, ofA, ofB, options_.tolerance)) {
+      const PathEnd endOfA(pathInA_), endOfB(pathInB_);
+      appendIndex(pathInA_, i);
+      appendIndex(pathInB_, i);
+      report(Change::changed, *node.element, ofA, ofB, node.entries[i].notStoredIn);
+    }
   }
 }
 
@@ -145,10 +156,12 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
     if (isInA) appendIndex(pathInA_, before + i);
     if (isInB) appendIndex(pathInB_, before + j);
     std::string outer = name_;
-    const void *const one = isInA ? at(lists.a, i, element) : nullptr, *const other =
-                                                                           isInB ? at(lists.b, j, element) : nullptr;
-    if (nameMember(element, isInA ? one : other) != nullptr) name_ = nameFor(element, isInA ? one : other);
+    const void* const one = isInA ? at(lists.a, i, element) : nullptr;
+    const void* const other = isInB ? at(lists.b, j, element) : nullptr;
+    isOwnName_ = nameMember(element, isInA ? one : other) != nullptr;
+    if (isOwnName_) name_ = nameFor(element, isInA ? one : other);
     report(change, element, one, other);
+    isOwnName_ = false;
     name_ = std::move(outer);
   };
   std::size_t i = 0, j = 0;
@@ -234,7 +247,7 @@ void Differ::pairGaps(Alignment& alignment, const ListPair& lists, const std::ve
 void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alignment::Gap& gap,
                          const std::vector<Key>& namesOfA, const std::vector<Key>& namesOfB) const {
   // A pair without anything in common is still better than none, if no names say that they are two.
-  constexpr double kOfAnyPair = 0.05, kOfSameName = 0.5;
+  constexpr double kOfAnyPair = 0.05, kLeastOfRenamed = 0.5;
   const MemberNode& element = lists.element;
   const std::size_t n = gap.a.size(), m = gap.b.size();
   Sketch fresh, ofA, ofB;
@@ -245,7 +258,7 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
     const double alike =
         fresh.empty() ? 0 : similarity(ofA.data() + i * fresh.size(), ofB.data() + j * fresh.size(), fresh);
     const bool areNamed = !namesOfA.empty() && (namesOfA[gap.a[i]] != kNoKey || namesOfB[gap.b[j]] != kNoKey);
-    return areNamed && alike < kOfSameName ? -1 : alike + kOfAnyPair;
+    return areNamed && alike < kLeastOfRenamed ? -1 : alike + kOfAnyPair;
   };
   enum class Step : std::uint8_t { pair, skipA, skipB };
   std::vector<Step> steps(n * m);
@@ -256,11 +269,10 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
       const double ofPair = worth(i - 1, j - 1), skipA = above[j - 1], skipB = row[j], both = above[j] + ofPair;
       Step& step = steps[(i - 1) * m + j - 1];
       if (ofPair > 0 && both >= skipA && both >= skipB)
-        step = Step::pair, row[j - 1] = both;
-      else if (skipA >= skipB)
-        step = Step::skipA, row[j - 1] = skipA;
+        step = Step::pair;
       else
-        step = Step::skipB, row[j - 1] = skipB;
+        step = skipA >= skipB ? Step::skipA : Step::skipB;
+      row[j - 1] = step == Step::pair ? both : std::max(skipA, skipB);
     }
     std::swap(above, row);
   }
@@ -274,7 +286,7 @@ void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alig
 
 // ---- differences -------------------------------------------------------------------------------------
 
-void Differ::report(Change change, const MemberNode& node, const void* a, const void* b) {
+void Differ::report(Change change, const MemberNode& node, const void* a, const void* b, Side notStoredIn) {
   areSame_ = false;
   Difference difference;
   difference.change = change;
@@ -288,7 +300,8 @@ void Differ::report(Change change, const MemberNode& node, const void* a, const 
   }
   if (options_.longestValue != 0) shorten(difference.a, difference.b);
   difference.name = name_;
-  difference.notStoredIn = node.notStoredIn;
+  difference.isOwnName = isOwnName_;
+  difference.notStoredIn = notStoredIn;
   if (!sink_(difference)) isStopped_ = true;
 }
 
@@ -303,7 +316,7 @@ std::string Differ::textOf(const MemberNode& node, const void* value) {
 void Differ::shorten(std::string& a, std::string& b) const {
   const std::size_t longest = options_.longestValue;
   if (a.size() <= longest && b.size() <= longest) return;
-  auto same = static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
+  const auto same = static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
   // With some of what is before that.
   std::size_t from = 0;
   if (same < std::max(a.size(), b.size()) && same > longest / 2) {

@@ -34,7 +34,9 @@ class Differ {
   void pairSimilar(Alignment& alignment, const ListPair& lists, const Alignment::Gap& gap,
                    const std::vector<Key>& namesOfA, const std::vector<Key>& namesOfB) const;
 
-  void report(Difference::Change change, const MemberNode& node, const void* a, const void* b);
+  void compareEntries(const MemberNode& node, const void* a, const void* b);
+  void report(Difference::Change change, const MemberNode& node, const void* a, const void* b,
+              Side notStoredIn = Side::none);
   std::string textOf(const MemberNode& node, const void* value);
   void shorten(std::string& a, std::string& b) const;
   std::string nameFor(const MemberNode& node, const void* record);
@@ -43,6 +45,7 @@ class Differ {
   const DifferenceSink& sink_;
   std::string pathInA_, pathInB_;
   std::string name_;  // as JSON
+  bool isOwnName_ = false;
   values::JsonValues json_;
   bool areSame_ = true, isStopped_ = false;
   // How many pairs of elements may still be compared for their similarity.

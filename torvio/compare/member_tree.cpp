@@ -53,7 +53,8 @@ class TreeMaker {
     switch (type.form) {
       case Form::array:
         setElement(node, path);
-        node.isBytes = node.element->isBytes;
+        setEntries(node, path, isInElement);
+        node.isBytes = node.entries.empty() && node.element->isBytes;
         break;
       case Form::list:
       case Form::lazyArray:
@@ -77,13 +78,25 @@ class TreeMaker {
     node.isComplete = element->isComplete;
     node.element = std::move(element);
   }
+  void setEntries(MemberNode& node, const std::string& path, bool isInElement) {
+    if (!treatmentOf_ || isInNotStored_) return;
+    std::vector<Treatment> entries(node.type->count);
+    bool areAlike = true;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      entries[i] = treatmentOf_(path, isInElement, i);
+      if (!entries[i].isLeftOut && entries[i].notStoredIn == Side::none) continue;
+      areAlike = false;
+      node.isComplete = node.isComplete && entries[i].notStoredIn == Side::none;
+    }
+    if (!areAlike) node.entries = std::move(entries);
+  }
   void addMembers(MemberNode& node, const std::string& path, bool isInElement) {
     for (const values::TypeMember& member : node.type->members) {
       if (!member.isStored && options_.storedOnly) continue;
       const std::string memberPath = node.type->form == Form::pair ? path
                                      : path.empty()                ? std::string(member.name)
                                                                    : path + '.' + std::string(member.name);
-      Treatment treatment = treatmentOf_ ? treatmentOf_(memberPath, isInElement) : Treatment();
+      Treatment treatment = treatmentOf_ ? treatmentOf_(memberPath, isInElement, std::nullopt) : Treatment();
       if (treatment.isLeftOut) continue;
       // What one side does not store is one value, whatever is in it.
       if (isInNotStored_) treatment.notStoredIn = Side::none;
@@ -156,7 +169,7 @@ std::uint64_t hashed(std::uint64_t hash, const MemberNode& node, const void* val
       return mixedBytes(hash, bytesOf(type, value));
     case Form::array:
       for (std::size_t i = 0; i < type.count; ++i)
-        hash = hashed(hash, *node.element, at(value, i * type.element->size), tolerance);
+        if (node.hasEntry(i)) hash = hashed(hash, *node.element, at(value, i * type.element->size), tolerance);
       return hash;
     case Form::list: {
       const std::size_t count = node.lengthOf(value);
@@ -224,7 +237,12 @@ bool areSame(const MemberNode& node, const void* a, const void* b, double tolera
     case Form::text:
       return bytesOf(type, a) == bytesOf(type, b);
     case Form::array:
-      return haveSameElements(*node.element, a, b, type.count, tolerance);
+      if (node.entries.empty()) return haveSameElements(*node.element, a, b, type.count, tolerance);
+      for (std::size_t i = 0; i < type.count; ++i)
+        if (node.hasEntry(i) &&
+            !areSame(*node.element, at(a, i * type.element->size), at(b, i * type.element->size), tolerance))
+          return false;
+      return true;
     case Form::list:
       return node.lengthOf(a) == node.lengthOf(b) &&
              haveSameElements(*node.element, type.data(a), type.data(b), node.lengthOf(a), tolerance);
@@ -277,7 +295,7 @@ void appendSketch(Sketch& to, const MemberNode& node, const void* value, double 
       if (member.notStoredIn == Side::none) appendSketch(to, member, at(value, member.offset), tolerance);
   } else if (type.form == Form::array && type.count <= kLongestSketched) {
     for (std::size_t i = 0; i < type.count; ++i)
-      appendSketch(to, *node.element, at(value, i * type.element->size), tolerance);
+      if (node.hasEntry(i)) appendSketch(to, *node.element, at(value, i * type.element->size), tolerance);
   } else {
     const std::uint64_t hash = hashOf(node, value, tolerance);
     to.push_back(static_cast<std::uint32_t>(hash ^ (hash >> 32U)));

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,13 +14,15 @@
 
 namespace oldtorvio::compare {
 
-// How to treat a member, by its path without positions and whether it is in an element of a list or array.
+// How to treat a member, by its path without positions and whether it is in an element of a list or array; or an entry
+// of an array.
 struct Treatment {
   bool isLeftOut = false;
   bool isFirstOnly = false;  // of a list: its first element is all that is compared
   Side notStoredIn = Side::none;
 };
-using TreatmentOf = std::function<Treatment(const std::string& path, bool isInElement)>;
+using TreatmentOf =
+    std::function<Treatment(const std::string& path, bool isInElement, std::optional<std::size_t> entry)>;
 
 struct MemberNode {
   const values::Type* type = nullptr;
@@ -30,6 +33,13 @@ struct MemberNode {
   bool isComplete = true;                     // all members below belong to the identity
   std::vector<MemberNode> members;            // of a record or pair, without those that are left out
   std::unique_ptr<const MemberNode> element;  // of an array, list or lazy array
+
+  std::vector<Treatment> entries;  // of an array; empty if all are treated alike
+
+  // Whether an entry of an array belongs to the identity.
+  bool hasEntry(std::size_t i) const {
+    return entries.empty() || (!entries[i].isLeftOut && entries[i].notStoredIn == Side::none);
+  }
 
   // The identity, without members that one side does not store. What can be compared as bytes is in runs, the rest are
   // positions in `members`.

@@ -1,31 +1,59 @@
 #include "torvio/compare/stored_members.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "src/file_records.h"
 #include "torvio/explain/map.h"
-#include "torvio/values/all_members.h"
+#include "torvio/values/types.h"
 
 namespace oldtorvio::compare {
 namespace {
 
-using Paths = std::set<std::string, std::less<>>;
+using values::Form;
+using values::Type;
 
-// Walks a layout without a file: what the version stores, under all conditions on values. Whatever it walks into is
-// a record of its own that nothing changes.
+template <class T>
+inline constexpr bool kIsBlock = false;
+template <class... T>
+inline constexpr bool kIsBlock<codec::Block<T...>> = true;
+template <class T>
+inline constexpr bool kIsWrapped = false;
+template <class Stored, class T>
+inline constexpr bool kIsWrapped<codec::As<Stored, T>> = true;
+template <class T>
+inline constexpr bool kIsWrapped<codec::NonZero<T>> = true;
+
+// Walks a layout without a file: what the version stores, under all conditions on values. The members are found by
+// their addresses in the record at hand, and those of a record that only layouts know by their names.
 class Walker : public codec::RecordWalker<Walker> {
  public:
-  Walker(int version, Paths& paths) : RecordWalker(version), paths_(paths) {}
+  Walker(int version, StoredMembers::Paths& paths) : RecordWalker(version), paths_(paths) {}
+
+  // Walks a record with the members of that type; null if the type is not known.
+  template <class R, class Walk>
+  void inRecord(const R& record, const Type* type, const Walk& walk) {
+    const bool isKnown = type != nullptr && type->form == Form::record && type->size == sizeof(R);
+    const Place outer = std::exchange(
+        place_, {reinterpret_cast<const std::byte*>(&record), isKnown ? type : nullptr, false, place_.prefix});
+    walk();
+    place_ = outer;
+  }
 
   static constexpr codec::Stop stop() { return codec::Stop::none; }
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
-    add(f.names());
+    const std::vector<std::string> names = explain::fieldNames(f.names());
+    std::size_t i = 0;
+    std::apply([&](auto&... members) { (addMember(names[i++], members), ...); }, f.members);
     return true;
   }
   template <class... D>
@@ -39,13 +67,22 @@ class Walker : public codec::RecordWalker<Walker> {
     return !condition.holds || nested(x);
   }
 
+  // Of several numbers so many; of an array as many as its owner counts.
   template <class X>
-  [[nodiscard]] bool leading(std::int64_t, const X& x) {
-    return fields(x);
+  [[nodiscard]] bool leading(std::int64_t count, const X& x) {
+    const std::vector<std::string> names = explain::fieldNames(x.names());
+    std::int64_t i = 0;
+    const auto add = [&](auto& member) {
+      if (names.size() == 1 || i < count) addMember(names[static_cast<std::size_t>(i)], member);
+      ++i;
+    };
+    std::apply([&](auto&... members) { (add(members), ...); }, x.members);
+    return true;
   }
   template <class Stored = void, class X>
-  [[nodiscard]] bool slice(const X& x, std::size_t, std::size_t) {
-    return fields(x);
+  [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
+    for (std::size_t i = first; i <= last; ++i) addMember(explain::fieldNames(x.names()).front(), x.only()[i]);
+    return true;
   }
   template <class X>
   [[nodiscard]] bool sized(const X& x, std::int64_t) {
@@ -99,7 +136,8 @@ class Walker : public codec::RecordWalker<Walker> {
   template <class X, class... A>
   [[nodiscard]] bool record(const X& x, const A&... more) {
     // What follows may depend on sizes in it, but not on whether all of it is stored.
-    inside(add(x.names()), [&] { walkFresh<std::remove_cvref_t<decltype(x.only())>>(more...); });
+    walkInner<std::remove_cvref_t<decltype(x.only())>>(addMember(explain::fieldNames(x.names()).front(), x.only()),
+                                                       more...);
     return true;
   }
   template <class V>
@@ -108,95 +146,136 @@ class Walker : public codec::RecordWalker<Walker> {
   }
   template <class X, class Rule, class... A>
   [[nodiscard]] bool list(const X& x, Rule, const A&... more) {
+    const std::vector<std::string> names = explain::fieldNames(x.names());
     std::size_t i = 0;
-    const std::vector<std::string> names = add(x.names());
-    std::apply([&](auto&... lists) { (elements(names[i++], lists, more...), ...); }, x.members);
+    std::apply([&](auto&... lists) { (elements(addMember(names[i++], lists), lists, more...), ...); }, x.members);
     return true;
   }
   template <class X, class Fn>
   [[nodiscard]] bool element(const X& x, std::size_t, const Fn& chain) {
-    inside(add(x.names()), [&] { (void)chain(); });
+    const Member list = addMember(explain::fieldNames(x.names()).front(), x.only());
+    // Its fields are read into a record beside the list.
+    const Place outer = std::exchange(place_, {nullptr, nullptr, false, list.path + '.'});
+    (void)chain();
+    place_ = outer;
     return true;
   }
+  // Of a new record a count that files store is 0: its rows are then any of the array.
   template <class Fn>
-  [[nodiscard]] bool rows(std::int64_t, const Fn& row) {
-    return row(std::size_t{0});
+  [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
+    for (std::int64_t i = 0; i < count; ++i)
+      if (!row(static_cast<std::size_t>(i))) return false;
+    if (count > 0) return true;
+    const bool outer = std::exchange(place_.isRow, true);
+    const bool ok = row(std::size_t{0});
+    place_.isRow = outer;
+    return ok;
   }
   template <class X, class R, class M>
   [[nodiscard]] bool trailer(const X& x, M R::*member) {
-    inside(add(x.names()), [&] {
-      const R fresh{};
-      values::Members<R>::of(fresh, [&](const values::MemberInfo& info, const auto& one) {
-        if (static_cast<const void*>(&one) == static_cast<const void*>(&(fresh.*member))) addPath(info.name);
-      });
-    });
+    const Member list = addMember(explain::fieldNames(x.names()).front(), x.only());
+    const R fresh{};
+    if (list.type == nullptr) return true;
+    const Place outer =
+        std::exchange(place_, {reinterpret_cast<const std::byte*>(&fresh), list.type->element, false, list.path + '.'});
+    addMember({}, fresh.*member);
+    place_ = outer;
     return true;
   }
 
-  template <class R, class... A>
-  void walkFresh(const A&... more) {
-    const auto fresh = std::make_unique<R>();
-    (void)walk(*fresh, more...);
-  }
-
  private:
-  // "p.groups[i].shapes" is "groups.shapes".
-  static std::string withoutPositions(std::string_view name) {
-    std::string all;
-    int depth = 0;
-    for (const char c : name) {
-      if (c == '[') ++depth;
-      if (depth == 0) all += c;
-      if (c == ']') --depth;
-    }
-    return all;
-  }
-  void addPath(std::string_view name) {
-    std::string path = prefix_;
-    path += name;
-    // With what holds it.
-    for (std::size_t end = path.find('.', prefix_.size()); end != std::string::npos; end = path.find('.', end + 1))
-      paths_.emplace(path, 0, end);
-    paths_.insert(std::move(path));
-  }
-  // Returns the names, of a block each with a name of its own.
-  std::vector<std::string> add(std::string_view stringised) {
-    std::vector<std::string> names;
-    for (const std::string& block : explain::fieldNames(stringised))
-      for (std::size_t from = 0; from <= block.size();) {
-        const std::size_t end = std::min(block.find(", ", from), block.size());
-        names.push_back(withoutPositions(std::string_view(block).substr(from, end - from)));
-        addPath(names.back());
+  // The record at hand.
+  struct Place {
+    const std::byte* record = nullptr;
+    const Type* type = nullptr;
+    bool isRow = false;  // any row of its arrays
+    std::string prefix;  // of its paths, ends with "." unless empty
+  };
+  struct Member {
+    std::string path;
+    const Type* type = nullptr;  // null if it is in no record of a known type
+  };
+
+  // Notes that a member is stored.
+  template <class M>
+  Member addMember(const std::string& name, M& member) {
+    using Plain = std::remove_cvref_t<M>;
+    if constexpr (kIsWrapped<Plain>) {
+      return addMember(name, member.member);
+    } else if constexpr (kIsBlock<Plain>) {
+      std::size_t from = 0;
+      const auto add = [&](auto& one) {
+        const std::size_t end = std::min(name.find(", ", from), name.size());
+        addMember(name.substr(std::min(from, name.size()), end - from), one);
         from = end + 2;
-      }
-    return names;
+      };
+      std::apply([&](auto&... members) { (add(members), ...); }, member.members);
+      return {};
+    } else {
+      const auto* const at = reinterpret_cast<const std::byte*>(&member);
+      if (place_.type != nullptr && at >= place_.record && at < place_.record + place_.type->size)
+        return addFound(static_cast<std::size_t>(at - place_.record), sizeof member);
+      return addNamed(name);
+    }
+  }
+  // A variable of the layout itself, which mostly has the name of what becomes of it.
+  Member addNamed(const std::string& name) {
+    std::string path = place_.prefix + name.substr(0, name.find('['));
+    paths_.try_emplace(path, std::nullopt);
+    return {std::move(path), nullptr};
+  }
+  Member addFound(std::size_t offset, std::size_t size) {
+    Member member{place_.prefix, place_.type};
+    member.path.resize(member.path.size() - (member.path.empty() ? 0 : 1));
+    while (member.type->form == Form::record && (member.type->size != size || member.type == place_.type)) {
+      const auto& members = member.type->members;
+      const auto inner = std::find_if(members.begin(), members.end(), [&](const values::TypeMember& one) {
+        return offset >= one.offset && offset < one.offset + one.type->size;
+      });
+      if (inner == members.end()) return member;
+      if (member.type != place_.type) paths_.try_emplace(member.path);
+      offset -= inner->offset;
+      member.path.append(member.path.empty() ? "" : ".").append(inner->name);
+      member.type = inner->type;
+    }
+    const auto [stored, isFirst] = paths_.try_emplace(member.path);
+    StoredMembers::Entries& entries = stored->second;
+    const bool isEntry = member.type->form == Form::array && member.type->size != size;
+    if (isEntry && isFirst) entries.emplace();
+    if (!isEntry || place_.isRow)
+      entries.reset();
+    else if (entries)
+      entries->insert(offset / member.type->element->size);
+    if (isEntry) member.type = member.type->element;
+    return member;
   }
 
-  template <class Fn>
-  void inside(const std::vector<std::string>& names, const Fn& chain) {
-    const std::string outer = prefix_;
-    prefix_ += names.front() + '.';
-    chain();
-    prefix_ = outer;
+  template <class R, class... A>
+  void walkInner(const Member& member, const A&... more) {
+    const Type* type = member.type;
+    if (type != nullptr && type->element != nullptr) type = type->element;
+    const auto fresh = std::make_unique<R>();
+    const std::string outer = std::exchange(place_.prefix, member.path + '.');
+    inRecord(*fresh, type, [&] { (void)walk(*fresh, more...); });
+    place_.prefix = outer;
   }
   template <class L, class... A>
-  void elements(const std::string& name, L& list, const A&... more) {
+  void elements(const Member& member, L& list, const A&... more) {
     if constexpr (requires { list.row(0); }) {
-      inside({name}, [&] { walkFresh<typename std::remove_cvref_t<L>::Row>(); });
+      walkInner<typename std::remove_cvref_t<L>::Row>(member);
     } else {
       using Element = typename std::remove_cvref_t<L>::value_type;
-      if constexpr (values::HasMembers<Element>)
-        inside({name}, [&] {
-          if constexpr (requires(Element & one) { codec::Layout<Element>::describe(*this, one, more...); })
-            walkFresh<Element>(more...);
-          else
-            walkFresh<Element>();
-        });
+      if constexpr (std::is_class_v<Element>) {
+        if constexpr (requires(Element & one) { codec::Layout<Element>::describe(*this, one, more...); })
+          walkInner<Element>(member, more...);
+        else if constexpr (requires(Element & one) { codec::Layout<Element>::describe(*this, one); })
+          walkInner<Element>(member);
+      }
     }
   }
 
-  Paths& paths_;
-  std::string prefix_;  // ends with "." unless empty
+  StoredMembers::Paths& paths_;
+  Place place_;
 };
 
 }  // namespace
@@ -207,15 +286,32 @@ StoredMembers::StoredMembers(frame::FileKind kind, int version) {
     // The oldest layouts refer to shapes that they have read.
     if constexpr (decltype(file)::kKind == frame::FileKind::part) record->shapes.shapes.resize(1);
     Walker walker(version, paths_);
-    if (!startsWithTable(kind, version)) {
-      (void)file.walk(walker, *record);
-    } else if constexpr (decltype(file)::kKind == frame::FileKind::material) {
-      (void)walker.record(FIELDS(record->params));
-    }
+    walker.inRecord(*record, &values::typeOfRecord(kind), [&] { (void)file.walk(walker, *record); });
+    // What a layout keeps in a variable under another name until the record has been read.
+    if (has("machinePath")) paths_["machine.path"];
+    if (has("patterns.bindings")) nameBindings("patterns.");
+    if (has("partList.parts.patterns.bindings")) nameBindings("partList.parts.patterns.");
+    if (has("parts.patterns.bindings")) nameBindings("parts.patterns.");
     // The word that every file begins with.
-    if constexpr (requires { record->version; }) paths_.insert("version");
-    if constexpr (decltype(file)::kKind == frame::FileKind::specialTool) paths_.insert("tool.fileVersion");
+    if constexpr (requires { record->version; }) paths_["version"];
+    if constexpr (decltype(file)::kKind == frame::FileKind::specialTool) paths_["tool.fileVersion"];
   });
+}
+
+// The columns of a pattern, which files store row by row.
+void StoredMembers::nameBindings(const std::string& pattern) {
+  constexpr std::array<std::pair<const char*, const char*>, 5> kColumns{{{"first", "bindFirst"},
+                                                                         {"second", "bindSecond"},
+                                                                         {"third", "bindThird"},
+                                                                         {"fourth", "bindFourth"},
+                                                                         {"fifth", "bindFifth"}}};
+  for (const auto& [row, column] : kColumns)
+    if (has(pattern + "bindings." + row)) paths_[pattern + column];
+}
+
+bool StoredMembers::hasEntry(std::string_view path, std::size_t entry) const {
+  const auto found = paths_.find(path);
+  return found != paths_.end() && (!found->second || found->second->contains(entry));
 }
 
 }  // namespace oldtorvio::compare
