@@ -28,8 +28,8 @@ class ConvertCommand : public NewFileCommand {
         "them. A lost member has the default of a new record. Bytes that no load keeps\n"
         "are left out. In the same version, the new file is a clean copy: it has all that\n"
         "a load reads, and no other bytes.\n\n"
-        "A sheet or machine that a save below version 152 has ruined is fixed. The shapes\n"
-        "of damaged files are not guessed: see \"torvio recover\".\n\n" +
+        "A sheet that a save below version 152 has ruined is fixed. Any other damaged file\n"
+        "is refused: see \"torvio recover\".\n\n" +
         newFileHelp() +
         "\n\nExit code:\n"
         "  0  the new file was written, or would be\n"
@@ -50,7 +50,7 @@ class ConvertCommand : public NewFileCommand {
     if (report.from) summary += " of version " + std::to_string(*report.from);
     summary += " to version " + std::to_string(version_);
     if (!converted.bytes.empty() && report.isComplete()) summary += ", nothing is lost";
-    if (!converted.error.empty() && report.newSize > 0) converted.error += "; --allow-loss makes the file all the same";
+    if (!converted.error.empty() && report.newSize > 0) converted.error += "; --allow-loss makes it all the same";
     return {std::move(converted.bytes), std::move(converted.report), std::move(converted.error), std::move(summary)};
   }
 

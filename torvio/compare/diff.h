@@ -24,6 +24,7 @@ struct DiffOptions {
   std::string encoding{values::kDefaultEncoding};
   bool storedOnly = true;   // leave out members that no file stores
   bool commonOnly = false;  // leave out members that the version of one of the files does not store, and the version
+  bool byPosition = false;  // compare elements of lists with those at the same place, as of a record and its copy
   // Values of more characters end with "..."; 0 for complete JSON.
   std::size_t longestValue = 200;
 };

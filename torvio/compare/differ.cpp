@@ -137,7 +137,8 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
   };
   std::size_t before = 0, after = 0;
   while (before < shorter && areEqual(before, before)) ++before;
-  while (before + after < shorter && areEqual(countOfA - 1 - after, countOfB - 1 - after)) ++after;
+  if (!options_.byPosition)
+    while (before + after < shorter && areEqual(countOfA - 1 - after, countOfB - 1 - after)) ++after;
 
   // Of those that are the same, members without identity may differ.
   const auto compareEqual = [&](std::size_t from, std::size_t end, std::size_t fromInB) {
@@ -189,6 +190,11 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
 
 Alignment Differ::aligned(ListPair lists) {
   if (lists.countOfA == 0 || lists.countOfB == 0) return {lists.countOfA, lists.countOfB};
+  if (options_.byPosition) {
+    Alignment alignment(lists.countOfA, lists.countOfB);
+    for (std::size_t i = 0; i < std::min(lists.countOfA, lists.countOfB); ++i) alignment.pair(i, i);
+    return alignment;
+  }
   const auto keysOf = [&](const void* first, std::size_t count) {
     std::vector<Key> keys(count);
     for (std::size_t i = 0; i < count; ++i)

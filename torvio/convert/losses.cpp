@@ -41,6 +41,7 @@ std::vector<Loss> lossesOf(const typename FileRecord<kKind>::Record& before,
   Groups groups;
   compare::DiffOptions options;
   options.encoding = encoding;
+  options.byPosition = true;
   // Loads set members that no file stores, and may set them to something else for the new file.
   options.storedOnly = false;
   (void)compare::diffRecords(before, after, options, [&](const Difference& one) {

@@ -10,6 +10,7 @@
 
 #include "src/frame/text/text.h"
 #include "torvio/convert/complete_save.h"
+#include "torvio/convert/dropped.h"
 #include "torvio/convert/losses.h"
 #include "torvio/convert/member_path.h"
 #include "torvio/convert/read_fields.h"
@@ -90,6 +91,9 @@ struct Broken {
   std::string inside;          // of the element: "shapes.shapes[3].x"
   const Rows* rows = nullptr;  // null for a list
   std::string owner;           // of rows: the path of their record
+  // Of a list that is a row: its rows, and how many of them there are with it.
+  const Rows* listRows = nullptr;
+  std::size_t rowCount = 0;
 };
 std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
   const Type* type = &root;
@@ -109,12 +113,21 @@ std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
                     path.substr(ownerEnd > 0 ? ownerEnd + 1 : 0),
                     nullptr,
                     {}};
-    if (!step.indexes.empty() && (rows != kRows.end() || type->form == Form::list)) {
-      const std::size_t close = path.find(']', step.end);
-      std::string inside = close + 2 < path.size() ? path.substr(close + 2) : "";
-      return Broken{path.substr(0, step.end), step.indexes.front(), std::move(inside),
-                    rows != kRows.end() ? &*rows : nullptr, path.substr(0, ownerEnd)};
-    }
+    const std::size_t next = std::min(path.find('.', step.end), path.size());
+    const std::string inside = path.substr(std::min(next + 1, path.size()));
+    const std::string owner = path.substr(0, ownerEnd);
+    if (rows != kRows.end() && step.indexes.size() == 2 && type->element->form == Form::list)
+      return Broken{path.substr(0, path.find(']', step.end) + 1),
+                    step.indexes[1],
+                    inside,
+                    nullptr,
+                    owner,
+                    &*rows,
+                    step.indexes[0] + 1};
+    if (!step.indexes.empty() && rows != kRows.end())
+      return Broken{path.substr(0, step.end), step.indexes.front(), inside, &*rows, owner};
+    if (!step.indexes.empty() && type->form == Form::list)
+      return Broken{path.substr(0, step.end), step.indexes.front(), inside, nullptr, {}};
     for (std::size_t i = 0; i < step.indexes.size() && type->element != nullptr; ++i) type = type->element;
     ownerEnd = std::min(path.find('.', step.end), path.size());
   }
@@ -126,7 +139,7 @@ std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
 // The part of a file before its first fault.
 class SoundPart {
  public:
-  SoundPart(std::span<const std::byte> bytes, FileKind kind) : bytes_(bytes) {
+  SoundPart(std::span<const std::byte> bytes, FileKind kind) : bytes_(bytes), dropped_(bytes) {
     const explain::FileReport report = explain::checkFile(bytes, kind);
     fault_ = firstFault(report);
     // Shapes are complete without the values that are stored apart from them.
@@ -138,6 +151,7 @@ class SoundPart {
     (void)explain::mapFile(bytes, kind, [&](const explain::MapLine& line) {
       if (line.size == 0) return;
       read_.see(line);
+      if (!elementAt_) dropped_.see(line);
       if (line.path == "machinePath") machinePath_ = line;
       if (fault_ && line.path == fault_->path) isRepeated_ = true;
       if (!broken_) return;
@@ -159,6 +173,8 @@ class SoundPart {
   // Where its first incomplete element begins.
   std::uint64_t end() const { return elementAt_.value_or(bytes_.size()); }
   const ReadFields& read() const { return read_; }
+  // What a load drops of that which is kept.
+  Dropped& dropped() { return dropped_; }
   // Whether there is anything beside the version.
   bool hasBody() const { return read_.count() > 1; }
   std::string_view machinePath() const {
@@ -188,6 +204,7 @@ class SoundPart {
   std::optional<Fault> fault_;
   std::optional<Broken> broken_;
   ReadFields read_;
+  Dropped dropped_;
   bool isRepeated_ = false;
   std::optional<std::uint64_t> storedCount_, elementAt_;
   explain::MapLine machinePath_;
@@ -215,12 +232,19 @@ void settle(OldSheet& sheet, const SoundPart& sound) {
 }
 void settle(auto&, const SoundPart&) {}
 
-// Reduces the count of broken rows to those that are complete.
-void shortenRows(const Type& type, void* record, const Broken& broken) {
-  const std::string path = (broken.owner.empty() ? "" : broken.owner + ".") + std::string(broken.rows->count);
-  const std::optional<Place> count = placeAt(type, record, path);
-  if (!count || integerAt(*count->type, count->value) <= static_cast<std::int64_t>(broken.index)) return;
-  setInteger(*count->type, const_cast<void*>(count->value), broken.index);
+std::string pathIn(const std::string& owner, std::string_view member) {
+  return (owner.empty() ? "" : owner + ".").append(member);
+}
+
+// Reduces the count of rows. Returns what it was if it was higher.
+std::optional<std::uint64_t> shortenRows(const Type& type, void* record, const std::string& owner, const Rows& rows,
+                                         std::size_t kept) {
+  const std::optional<Place> count = placeAt(type, record, pathIn(owner, rows.count));
+  if (!count) return std::nullopt;
+  const std::int64_t before = integerAt(*count->type, count->value);
+  if (before <= static_cast<std::int64_t>(kept)) return std::nullopt;
+  setInteger(*count->type, const_cast<void*>(count->value), kept);
+  return static_cast<std::uint64_t>(before);
 }
 
 std::uint64_t lengthOf(const Type& type, const void* record, const Broken& broken) {
@@ -235,7 +259,7 @@ bool isOfBroken(std::string_view path, const Broken& broken) {
   if (broken.rows == nullptr) return isIn(broken.list);
   return std::any_of(kRows.begin(), kRows.end(), [&](const Rows& one) {
     return one.record == broken.rows->record && one.count == broken.rows->count &&
-           isIn((broken.owner.empty() ? "" : broken.owner + ".") + std::string(one.array));
+           isIn(pathIn(broken.owner, one.array));
   });
 }
 
@@ -253,7 +277,7 @@ class Defaults {
     while (end != std::string::npos && read_.has(std::string_view(pattern).substr(0, end)))
       end = pattern.find('.', end + 1);
     pattern.resize(std::min(end, pattern.size()));
-    if (pattern.ends_with("[]")) pattern.resize(pattern.size() - 2);
+    while (pattern.ends_with("[]")) pattern.resize(pattern.size() - 2);
     if (!seen_.insert(pattern).second || !isMember(pattern)) return;
     names_.push_back(std::move(pattern));
   }
@@ -280,13 +304,19 @@ class Defaults {
 };
 
 template <FileKind kKind>
-void recoverAs(std::span<const std::byte> bytes, const SoundPart& sound, const std::string& encoding, Recovered& to) {
+void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::string& encoding, Recovered& to) {
   const Type& type = values::typeOfRecord(kKind);
   Report& report = to.report;
   const auto loaded = values::loadRecord<kKind>(bytes);
   auto& record = *loaded.record;
+  Dropped& dropped = sound.dropped();
+  if constexpr (kKind == FileKind::sheet)
+    if (!record.blocks.empty()) dropped.forgetBlocks();  // reported as a list
   const std::optional<Broken>& broken = sound.broken();
-  if (broken && broken->rows != nullptr) shortenRows(type, &record, *broken);
+  if (broken && broken->rows != nullptr) (void)shortenRows(type, &record, broken->owner, *broken->rows, broken->index);
+  std::optional<std::uint64_t> rowsBefore;
+  if (broken && broken->listRows != nullptr)
+    rowsBefore = shortenRows(type, &record, broken->owner, *broken->listRows, broken->rowCount);
   settle(record, sound);
   if constexpr (kKind == FileKind::groupPart)
     if (record.parts.empty()) {
@@ -303,6 +333,15 @@ void recoverAs(std::span<const std::byte> bytes, const SoundPart& sound, const s
     to.error = "cannot be recovered: " + saved.error;
     return;
   }
+  if constexpr (kKind == FileKind::sheet)
+    if (auto kept = dropped.block().empty() ? std::nullopt
+                                            : withBlock(saved.bytes, dropped.block(), *loaded.version, report.to)) {
+      saved.bytes = std::move(*kept);
+      dropped.forgetBlocks();
+    }
+  dropped.addTo(report.leftOut);
+  if (rowsBefore)
+    report.shorter.push_back({pathIn(broken->owner, broken->listRows->array), broken->rowCount, rowsBefore, ""});
   if (broken)
     report.shorter.push_back({broken->list, lengthOf(type, &record, *broken), sound.storedCount(), broken->inside});
 
@@ -363,7 +402,7 @@ Recovered recover(std::span<const std::byte> bytes, FileKind kind, const std::st
                            ": the new one has version " + std::to_string(report.to) + ".");
   report.fault = firstFault(file);
   const std::uint64_t end = report.fault ? report.fault->offset : file.walked;
-  const SoundPart sound(bytes.first(static_cast<std::size_t>(end)), kind);
+  SoundPart sound(bytes.first(static_cast<std::size_t>(end)), kind);
   if (sound.end() < bytes.size())
     report.leftOut.push_back({sound.end(), bytes.size() - sound.end(),
                               !report.fault       ? "unread bytes after the last field"
