@@ -273,7 +273,7 @@ TORVIO_API torvio_status torvio_diff(const torvio_input* a, const torvio_input* 
  * flags     0 or TORVIO_ALLOW_LOSS
  * result    the bytes of the new file
  * report    what the new version cannot store or stores with another value, as the JSON object of
- *           `torvio convert --json` without "written". May be NULL
+ *           `torvio convert --json` without "written", which docs/convert.md describes. May be NULL
  *
  * TORVIO_REFUSED if something would be lost and the flag is not set, if the file is damaged or of unknown kind, or if
  * files of its kind are not saved in that version: there is no result then, but a report unless the kind is unknown. */
