@@ -41,6 +41,7 @@ class ConvertCommand : public NewFileCommand {
   }
 
  private:
+  std::string name() const override { return "convert"; }
   Made make(std::span<const std::byte> bytes, frame::FileKind kind) const override {
     convert::ConvertOptions options = options_;
     options.encoding = encoding();

@@ -1,6 +1,5 @@
 #include "torvio/cli/new_file_command.h"
 
-#include <filesystem>
 #include <new>
 
 #include "torvio/archive/verdict.h"
@@ -16,13 +15,13 @@ namespace torvio {
 using namespace oldtorvio;
 
 void NewFileCommand::addShared(CLI::App& command) {
-  encodingOption_ = values::kDefaultEncoding;
+  encoding_ = values::kDefaultEncoding;
   addFile(command, "IN", input_, "The file")->required();
   addFile(command, "OUT", output_, "The new file; with --dry-run it may be left out");
   command.add_flag("--dry-run", isDryRun_, "Only print the report; the exit code is the same");
   command.add_flag("--json", isJson_, "Print the report as one JSON object on one line");
   addKind(command, kind_);
-  command.add_option("--encoding", encodingOption_, "The code page of the texts in the report (cp1252)")
+  command.add_option("--encoding", encoding_, "The code page of the texts in the report (cp1252)")
       ->type_name("NAME")
       ->take_last()
       ->check(oneOf(values::TextEncoding::names(), "encoding", "Encodings"));
@@ -30,7 +29,7 @@ void NewFileCommand::addShared(CLI::App& command) {
 
 ExitCode NewFileCommand::run() try {
   if (output_.empty() && !isDryRun_) {
-    printError("OUT is required, or --dry-run");
+    printError(name() + ": OUT is required, or --dry-run\nTry \"torvio " + name() + " --help\".");
     return kUsageError;
   }
   return make();

@@ -1,9 +1,10 @@
 // What the commands that make a new file of an old one share.
 #pragma once
 #include <cstddef>
-#include <functional>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "torvio/cli/command.h"
 #include "torvio/convert/report.h"
@@ -22,10 +23,13 @@ class NewFileCommand : public Command {
     std::string error;
     std::string summary;  // of the text: "sheet of version 180 to version 152"
   };
+  virtual std::string name() const = 0;  // of the command
   virtual Made make(std::span<const std::byte> bytes, oldtorvio::frame::FileKind kind) const = 0;
 
   // Adds the arguments and options that both have.
   void addShared(CLI::App& command);
+  // Of the texts in the report.
+  const std::string& encoding() const { return encoding_; }
 
  private:
   ExitCode make() const;
@@ -33,12 +37,9 @@ class NewFileCommand : public Command {
   void report(const Made& made, bool isWritten) const;
   ExitCode failed(const std::string& file, const std::string& why, ExitCode code) const;
 
-  std::string input_, output_, encodingOption_;
+  std::string input_, output_, encoding_;
   std::optional<oldtorvio::frame::FileKind> kind_;
   bool isDryRun_ = false, isJson_ = false;
-
- protected:
-  const std::string& encoding() const { return encodingOption_; }
 };
 
 // Ends of their help.

@@ -33,6 +33,7 @@ class RecoverCommand : public NewFileCommand {
   }
 
  private:
+  std::string name() const override { return "recover"; }
   Made make(std::span<const std::byte> bytes, frame::FileKind kind) const override {
     convert::Recovered recovered = convert::recover(bytes, kind, encoding());
     std::string summary(frame::infoOf(kind).name);

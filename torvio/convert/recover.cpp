@@ -134,6 +134,21 @@ std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
   return std::nullopt;
 }
 
+std::string pathIn(const std::string& owner, std::string_view member) {
+  return (owner.empty() ? "" : owner + ".").append(member);
+}
+
+// How the paths of the fields of the broken element begin. Those of a row are in several arrays.
+std::vector<std::string> elementPaths(const Broken& broken) {
+  const std::string index = '[' + std::to_string(broken.index) + ']';
+  if (broken.rows == nullptr) return {broken.list + index};
+  std::vector<std::string> paths;
+  for (const Rows& one : kRows)
+    if (one.record == broken.rows->record && one.count == broken.rows->count)
+      paths.push_back(pathIn(broken.owner, one.array) + index);
+  return paths;
+}
+
 // ---- what was read ---------------------------------------------------------------------------------------
 
 // The part of a file before its first fault.
@@ -146,7 +161,7 @@ class SoundPart {
     if (fault_ && !fault_->path.ends_with("].trailerValue"))
       broken_ = brokenOn(values::typeOfRecord(kind), fault_->path);
     const std::string list = broken_ ? broken_->list + '[' : "";
-    const std::string element = broken_ ? list + std::to_string(broken_->index) + ']' : "";
+    const std::vector<std::string> element = broken_ ? elementPaths(*broken_) : std::vector<std::string>();
     bool isListSeen = false;
     (void)explain::mapFile(bytes, kind, [&](const explain::MapLine& line) {
       if (line.size == 0) return;
@@ -157,7 +172,8 @@ class SoundPart {
       if (!broken_) return;
       isListSeen = isListSeen || line.path.starts_with(list);
       if (!isListSeen) seeCount(line);
-      if (!elementAt_ && line.path.starts_with(element)) elementAt_ = line.offset;
+      const auto isOfElement = [&](const std::string& path) { return line.path.starts_with(path); };
+      if (!elementAt_ && std::any_of(element.begin(), element.end(), isOfElement)) elementAt_ = line.offset;
     });
     if (!isRepeated_) return;
     broken_.reset();
@@ -231,10 +247,6 @@ void settle(OldSheet& sheet, const SoundPart& sound) {
   if (sheet.machine.path[0] == '\0') frame::setPath(sheet.machine.path, sound.machinePath());
 }
 void settle(auto&, const SoundPart&) {}
-
-std::string pathIn(const std::string& owner, std::string_view member) {
-  return (owner.empty() ? "" : owner + ".").append(member);
-}
 
 // Reduces the count of rows. Returns what it was if it was higher.
 std::optional<std::uint64_t> shortenRows(const Type& type, void* record, const std::string& owner, const Rows& rows,
