@@ -14,7 +14,7 @@ import subprocess
 import sys
 
 OK, DAMAGED, BAD_ARGUMENT, NOT_READ, REFUSED = range(5)
-PRETTY, PAGE, COMMON = 1, 2, 4
+PRETTY, PAGE, COMMON, ALLOW_LOSS = 1, 2, 4, 8
 NO_OFFSET = 2**64 - 1
 
 
@@ -39,6 +39,7 @@ FUNCTIONS = {
     "from_json": [FILE, ctypes.c_int32, ctypes.c_uint32], "schema": [TEXT],
     "map": [FILE, TEXT, TEXT, ctypes.c_uint32], "format": [TEXT, TEXT], "draw": [FILE, ctypes.c_uint32],
     "diff": [FILE, FILE, TEXT, ctypes.c_double, ctypes.c_uint32, ctypes.POINTER(ctypes.c_int32)],
+    "convert": [FILE, ctypes.c_int32, ctypes.c_uint32, OUTPUTS[0]], "recover": [FILE, ctypes.c_uint32, OUTPUTS[0]],
     "draw_page": [FILE, ctypes.c_size_t, TEXT, ctypes.c_uint32], "supported": [],
 }
 
@@ -52,11 +53,22 @@ class Torvio:
         self.library.torvio_free.argtypes, self.library.torvio_free.restype = [ctypes.c_void_p], None
         for name, arguments in FUNCTIONS.items():
             function = getattr(self.library, "torvio_" + name)
-            function.argtypes, function.restype = arguments + OUTPUTS, ctypes.c_int32
+            # A report comes after the result.
+            at = -1 if arguments[-1:] == OUTPUTS[:1] else len(arguments)
+            function.argtypes = arguments[:at] + OUTPUTS[:1] + arguments[at:] + OUTPUTS[1:]
+            function.restype = ctypes.c_int32
 
-    def call(self, name, *arguments):
+    def new_file(self, name, path, *arguments):
+        """Status, bytes of the new file, report and error."""
+        report = ctypes.POINTER(Buffer)()
+        done = self.call(name, ctypes.byref(Input(path=str(path).encode())), *arguments, after=[ctypes.byref(report)])
+        text = ctypes.string_at(report[0].data, report[0].size) if report else None
+        self.library.torvio_free(report)
+        return *done[:2], text, done[2]
+
+    def call(self, name, *arguments, after=()):
         result, error = ctypes.POINTER(Buffer)(), ctypes.POINTER(Error)()
-        status = getattr(self.library, "torvio_" + name)(*arguments, ctypes.byref(result), ctypes.byref(error))
+        status = getattr(self.library, "torvio_" + name)(*arguments, ctypes.byref(result), *after, ctypes.byref(error))
         data = ctypes.string_at(result[0].data, result[0].size) if result else None
         why = (error[0].message.decode(), error[0].field.decode(), error[0].offset) if error else None
         if error and error[0].status != status:
@@ -65,13 +77,13 @@ class Torvio:
         self.library.torvio_free(error)
         return status, data, why
 
-    def file(self, name, path, *arguments, **members):
-        return self.call(name, ctypes.byref(Input(path=str(path).encode(), **members)), *arguments)
+    def file(self, function, path, *arguments, **members):
+        return self.call(function, ctypes.byref(Input(path=str(path).encode(), **members)), *arguments)
 
-    def memory(self, name, data, *arguments, **members):
+    def memory(self, function, data, *arguments, **members):
         kept = ctypes.create_string_buffer(data, max(len(data), 1))
         view = Input(data=ctypes.cast(kept, ctypes.c_void_p), size=len(data), **members)
-        return self.call(name, ctypes.byref(view), *arguments)
+        return self.call(function, ctypes.byref(view), *arguments)
 
 
 class Test:
@@ -163,6 +175,32 @@ class Test:
                 self.expect(what, result, output or None)
                 self.expect(what + ": status", {OK: 1 - same.value, DAMAGED: 2, REFUSED: 2}.get(status), code)
 
+    def new_files(self, files, scratch):
+        for path in files:
+            for name, options, arguments in (("convert", ["--version", "180"], (180, 0)),
+                                             ("convert", ["--version", "152", "--allow-loss"], (152, ALLOW_LOSS)),
+                                             ("recover", [], (0,))):
+                made = scratch / "made"
+                made.unlink(missing_ok=True)
+                code, output = self.run(name, "--json", *options, path, made)
+                status, result, report, _ = self.torvio.new_file(name, path, *arguments)
+                what = f"{name} {arguments[0]} of {path.name}"
+                if made.exists():
+                    self.expect(what, (status, result), (OK, made.read_bytes()))
+                elif code == 0:  # nothing to recover
+                    self.expect(what, (status, result), (OK, path.read_bytes()))
+                else:
+                    self.expect(what, (status, result), (REFUSED, None))
+                wanted = json.loads(output) if output else None
+                if wanted:
+                    wanted.pop("written")
+                    # An option of the command line.
+                    wanted["error"] = wanted.get("error", "").removesuffix("; --allow-loss makes the file all the same")
+                found = json.loads(report) if report else None
+                if found:
+                    found.setdefault("error", "")
+                self.expect(what + ": report", found, wanted)
+
     def pages(self, files, scratch):
         inputs = (Input * len(files))(*(Input(path=str(path).encode()) for path in files))
         status, page, error = self.torvio.call("draw_page", inputs, len(files), None, 0)
@@ -245,6 +283,7 @@ def main():
     for path in chosen + odd:
         test.one_file(path, options.scratch)
     test.differences(chosen + odd)
+    test.new_files(chosen + odd, options.scratch)
     test.pages(chosen + odd, options.scratch)
     test.forms()
     test.refusals(options.scratch)

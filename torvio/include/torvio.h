@@ -31,14 +31,15 @@
  *               it with torvio_free; results and errors are independent of each other. torvio_version() is the
  *               exception: it is never freed.
  *   Failures    Wrong arguments, unreadable files and lack of memory have no effect but the status and the error. No
- *               function ends the process, prints, throws an exception, or reads or changes the locale.
+ *               function ends the process, prints or throws an exception. The locale of the process is not changed
+ *               and has no effect but on the language of the system's words in an error, such as "No such file".
  *   Threads     There is no state between calls: all functions may run at the same time in any number of threads, also
  *               on the same input. A result or error may be freed in another thread.
  *   Memory      A damaged or hostile file never makes the library read or write outside its memory, or take memory
  *               just because a count in the file claims many elements. Expect the file, its record (a few times the
  *               size of the file) and the result in memory at the same time.
  *   Flags       `flags` is 0 or a sum of the constants that the function names. Any other value is TORVIO_BAD_ARGUMENT.
- *   Stack       A call may need 512 KiB of stack.
+ *   Stack       A call needs no more than 128 KiB of stack.
  *
  * Binary interface: the calling convention is that of C on the platform (cdecl on 32-bit Windows). torvio_input has
  * its members for good; what a later version needs besides becomes a flag or a function. torvio_buffer and torvio_error
@@ -165,10 +166,10 @@ TORVIO_API torvio_status torvio_info(const torvio_input* input, uint32_t flags, 
 
 /* ---- Complete contents ------------------------------------------------------------------------ */
 
-/* The complete record of a file, so that torvio_from_json makes the same file of it. The result is the text of
- * `torvio json`; docs/json.md describes it, torvio_schema its schema. Of a damaged file it has the record as far as it
- * was read, and the fault; of a file of unknown kind or refused version the record is null. Both return TORVIO_DAMAGED.
- * flags: 0 or TORVIO_PRETTY. */
+/* The complete record of a file: torvio_from_json saves it as a file that loads into the same record. The result is the
+ * text of `torvio json`; docs/json.md describes it, and torvio_schema returns its schema. Of a damaged file it has the
+ * record as far as it was read, and the fault; of a file of unknown kind or refused version the record is null. Both
+ * return TORVIO_DAMAGED. flags: 0 or TORVIO_PRETTY. */
 TORVIO_API torvio_status torvio_json(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                      torvio_error** error) TORVIO_NOEXCEPT;
 
@@ -176,8 +177,9 @@ TORVIO_API torvio_status torvio_json(const torvio_input* input, uint32_t flags, 
 
 /* Makes a file of the JSON of its record. The input is the JSON text, of at most 8192 MiB; its kind and encoding have no
  * effect, because the text says both. The result is the bytes of the file, saved in `version`, or with 0 in the version
- * that the text says. Returns TORVIO_REFUSED if the text is not the JSON of a record, or if its record cannot be saved
- * in that version: the error says which member or line of the text it is about in its message. flags: 0. */
+ * that the text says. Below version 152, saves of sheets and machines store bytes that no load expects (docs/quirks.md);
+ * torvio_convert makes a file without them. Returns TORVIO_REFUSED if the text is not the JSON of a record, or if its
+ * record cannot be saved in that version: the message says which member or line of the text it is about. flags: 0. */
 TORVIO_API torvio_status torvio_from_json(const torvio_input* input, int32_t version, uint32_t flags,
                                           torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
 
@@ -261,6 +263,38 @@ TORVIO_API torvio_status torvio_diff(const torvio_input* a, const torvio_input* 
 
 /* Leaves out the version, and members that the version of one of the files does not store. */
 #define TORVIO_COMMON UINT32_C(4)
+
+/* ---- New files of old ones -------------------------------------------------------------------- */
+
+/* Saves a file in another version, as `torvio convert` does, without writing it anywhere.
+ *
+ * version   of the new file. In the version of the file itself it becomes a clean copy: all that a load reads, and no
+ *           other bytes
+ * flags     0 or TORVIO_ALLOW_LOSS
+ * result    the bytes of the new file
+ * report    what the new version cannot store or stores with another value, as the JSON object of
+ *           `torvio convert --json` without "written", which docs/convert.md describes. May be NULL
+ *
+ * TORVIO_REFUSED if something would be lost and the flag is not set, if the file is damaged or of unknown kind, or if
+ * files of its kind are not saved in that version: there is no result then, but a report unless the kind is unknown. */
+TORVIO_API torvio_status torvio_convert(const torvio_input* input, int32_t version, uint32_t flags,
+                                        torvio_buffer** result, torvio_buffer** report,
+                                        torvio_error** error) TORVIO_NOEXCEPT;
+
+#define TORVIO_ALLOW_LOSS UINT32_C(8) /* makes the file even if something is lost or changed */
+
+/* Makes a file that loads of the sound beginning of a damaged one, as `torvio recover` does, without writing it
+ * anywhere. Everything before the first fault is kept; what follows has the defaults of a new record.
+ *
+ * flags     0
+ * result    the bytes of the new file. Of a sound file they are its own
+ * report    where the file breaks, which bytes are left out, which list is shorter and which members have defaults, as
+ *           the JSON object of `torvio recover --json` without "written". Check it before the file is used. May be NULL
+ *
+ * Returns TORVIO_OK for a damaged file as well. TORVIO_REFUSED if nothing can be kept or the kind is unknown: there is no
+ * result then, but a report unless the kind is unknown. */
+TORVIO_API torvio_status torvio_recover(const torvio_input* input, uint32_t flags, torvio_buffer** result,
+                                        torvio_buffer** report, torvio_error** error) TORVIO_NOEXCEPT;
 
 /* ---- The library ------------------------------------------------------------------------------ */
 

@@ -35,6 +35,9 @@ std::wstring wide(const char* path) {
 
 }  // namespace
 
+// The language and code page of the system's words are those of the locale of the process.
+std::string systemError(int error) { return values::fileNameAsUtf8(std::generic_category().message(error)); }
+
 OpenFile::OpenFile(const char* path) {
 #if defined(_WIN32)
   const std::wstring name = wide(path);
@@ -55,7 +58,7 @@ OpenFile::OpenFile(const char* path) {
     file_.reset();
     error_ = "is a folder";
   } else if (!file_) {
-    error_ = "cannot be opened: " + std::generic_category().message(error);
+    error_ = "cannot be opened: " + systemError(error);
   } else {
     // Those who read have buffers of their own.
     (void)std::setvbuf(file_.get(), nullptr, _IONBF, 0);
@@ -95,7 +98,7 @@ InputBytes::InputBytes(const Input& input) {
   error_ = file.error();
   if (!error_.empty()) return;
   content_.emplace(file.handle());
-  error_ = content_->error();
+  error_ = values::fileNameAsUtf8(content_->error());
   bytes_ = content_->bytes();
 }
 

@@ -14,6 +14,9 @@
 
 namespace oldtorvio::library {
 
+// What the system says of an error, as UTF-8.
+std::string systemError(int error);
+
 // A file that is opened to be read, by a path in UTF-8.
 class OpenFile {
  public:

@@ -6,13 +6,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "torvio/archive/info.h"
 #include "torvio/archive/result_json.h"
 #include "torvio/compare/diff_json.h"
+#include "torvio/convert/convert.h"
+#include "torvio/convert/recover.h"
 #include "torvio/draw/drawn_card.h"
 #include "torvio/explain/format_table.h"
 #include "torvio/explain/kind_names.h"
@@ -39,6 +40,10 @@ void allow(std::uint32_t flags, std::uint32_t known) {
 const char* required(const char* text, const char* name) {
   if (text == nullptr) throw badArgument(std::string(name) + " is NULL");
   return text;
+}
+
+std::string_view asText(std::span<const std::byte> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 // ---- what a file is ----
@@ -96,15 +101,13 @@ void json(Answer& answer, const Input& input, bool isPretty) {
 
 values::JsonRecord recordOf(const Input& input) {
   if (input.path() == nullptr) {
-    const auto bytes = input.memory();
-    return values::readJson(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    return values::readJson(asText(input.memory()));
   }
   const OpenFile file(input.path());
   if (!file.error().empty()) throw notRead(file.error());
   return values::readJson([&](char* to, std::size_t size) {
     const std::size_t got = std::fread(to, 1, size, file.handle());
-    if (got < size && std::ferror(file.handle()) != 0)
-      throw notRead("cannot be read: " + std::generic_category().message(errno));
+    if (got < size && std::ferror(file.handle()) != 0) throw notRead("cannot be read: " + systemError(errno));
     return got;
   });
 }
@@ -116,8 +119,7 @@ void fromJson(Answer& answer, const Input& input, std::int32_t version) {
   codec::OutStream stream;
   const std::int64_t status = values::storeRecord(stream, read, version);
   if (status != frame::kDone) throw refused(values::refusalOf(read, status, version));
-  const auto bytes = stream.bytes();
-  answer.append({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  answer.append(asText(stream.bytes()));
 }
 
 // ---- bytes and their meaning ----
@@ -270,6 +272,39 @@ bool diff(Answer& answer, const Input& inputA, const Input& inputB, const char* 
   return found.areSame;
 }
 
+// ---- new files of old ones ----
+
+// Answers with a new file that make(bytes, kind) makes of the input, and with its report, also if there is no file.
+template <class Make>
+torvio_status newFile(const torvio_input* file, std::uint32_t flags, std::uint32_t known, torvio_buffer** result,
+                      torvio_buffer** report, torvio_error** error, const Make& make) noexcept {
+  if (report != nullptr) *report = nullptr;
+  const torvio_status status = answered(result, error, [&](Answer& answer) {
+    allow(flags, known);
+    const Input input(file);
+    const InputBytes contents(input);
+    const auto bytes = contents.bytesOrThrow();
+    const auto kind = archive::judge(input.name(), bytes, {input.kind(), {}}).kind;
+    if (!kind) {
+      const explain::FileReport unknown = explain::mapFile(bytes, std::nullopt, [](const explain::MapLine&) {});
+      throw refused(unknown.fault ? unknown.fault->reason : "of unknown kind");
+    }
+    const auto made = make(bytes, *kind, input.encodingName());
+    if (report != nullptr) {
+      Answer text;
+      text.append(convert::jsonOf(made.report, values::fileNameAsUtf8(input.name()), made.error));
+      *report = text.release();
+    }
+    if (!made.error.empty()) throw refused(made.error);
+    answer.append(asText(made.bytes));
+  });
+  if (report != nullptr && status != TORVIO_OK && status != TORVIO_REFUSED) {
+    torvio_free(*report);
+    *report = nullptr;
+  }
+  return status;
+}
+
 // ---- the library ----
 
 std::string versionsOf(const frame::FileKindInfo& kind) {
@@ -402,6 +437,25 @@ torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const ch
   });
   if (same != nullptr && (status == TORVIO_OK || status == TORVIO_DAMAGED)) *same = areSame ? 1 : 0;
   return status;
+}
+
+torvio_status torvio_convert(const torvio_input* input, int32_t version, uint32_t flags, torvio_buffer** result,
+                             torvio_buffer** report, torvio_error** error) noexcept {
+  const auto make = [&](auto bytes, frame::FileKind kind, const std::string& encoding) {
+    if (version < 0 || version > INT16_MAX) throw badArgument("version is not within 0 and 32767");
+    return convert::convert(bytes, kind, version, {(flags & TORVIO_ALLOW_LOSS) != 0, encoding});
+  };
+  return newFile(input, flags, TORVIO_ALLOW_LOSS, result, report, error, make);
+}
+
+torvio_status torvio_recover(const torvio_input* input, uint32_t flags, torvio_buffer** result, torvio_buffer** report,
+                             torvio_error** error) noexcept {
+  const auto make = [](auto bytes, frame::FileKind kind, const std::string& encoding) {
+    convert::Recovered recovered = convert::recover(bytes, kind, encoding);
+    if (recovered.isSound) recovered.bytes.assign(bytes.begin(), bytes.end());
+    return recovered;
+  };
+  return newFile(input, flags, 0, result, report, error, make);
 }
 
 torvio_status torvio_supported(torvio_buffer** result, torvio_error** error) noexcept {

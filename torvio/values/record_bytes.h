@@ -115,7 +115,7 @@ inline bool mayEndProcess(const OldSheet& sheet, int version) { return version >
 
 // Stores the bytes that FileRecord<kKind>::save stores in a file, and returns its status. The caller flushes the
 // stream. A sheet with blocks, which no save can store completely and for which it may end the process, is refused.
-// Throws std::bad_alloc, unlike the save.
+// Throws std::bad_alloc, unlike the save, as saveRecord does.
 template <frame::FileKind kKind>
 std::int64_t storeRecord(codec::OutStream& to, typename FileRecord<kKind>::Record& record, int version) {
   constexpr bool kIsSheet = kKind == frame::FileKind::sheet;
@@ -140,7 +140,7 @@ template <frame::FileKind kKind>
 SavedRecord saveRecord(typename FileRecord<kKind>::Record& record, int version) {
   codec::OutStream stream;
   SavedRecord saved;
-  saved.status = frame::guarded(frame::kNotSaved, [&] { return storeRecord<kKind>(stream, record, version); });
+  saved.status = storeRecord<kKind>(stream, record, version);
   saved.bytes.assign(stream.bytes().begin(), stream.bytes().end());
   return saved;
 }
