@@ -189,7 +189,7 @@ class Catalogue::Database {
     try {
       writePending();
     } catch (const CatalogueError&) {
-      // Nobody is left to hear of it: the run has failed for another reason.
+      // The run has already failed for another reason.
     }
     close();
   }
