@@ -83,8 +83,9 @@ TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {
   const std::string inFolder = "cd " + folder_.path() + " && " + TORVIO_COMMAND;
   const Outcome run = runShell(inFolder + " map -odd");
   EXPECT_EQ(run.code, 2);
-  EXPECT_EQ(run.errors, "torvio: map: unexpected argument \"-odd\"; put \"--\" before the name of a file that begins with "
-                        "\"-\"\nTry \"torvio map --help\".\n");
+  EXPECT_EQ(run.errors,
+            "torvio: map: unexpected argument \"-odd\"; put \"--\" before the name of a file that begins with "
+            "\"-\"\nTry \"torvio map --help\".\n");
   EXPECT_EQ(runShell(inFolder + " map -even").errors,
             "torvio: map: unexpected argument \"-even\"\nTry \"torvio map --help\".\n");
   EXPECT_EQ(runShell(inFolder + " map --kind special-tool -- -odd").code, 0);
