@@ -18,6 +18,9 @@ void Dropped::see(const explain::MapLine& line) {
     if (!reserved_) reserved_ = {line.offset, 0, ""};
     reserved_->size += line.size;
     ++reservedPlaces_;
+  } else if (line.path == "spareWord") {
+    // Of a sheet. A save stores this value.
+    if (line.value != "-1") spareWord_ = {line.offset, line.size, "spareWord, which a load does not keep"};
   } else if (line.path == "blocks.count") {
     hasOneBlock_ = line.value == "1";
   } else if (line.path.starts_with("blocks[")) {
@@ -36,6 +39,7 @@ void Dropped::addTo(std::vector<LeftOut>& leftOut) const {
     const std::string places = reservedPlaces_ > 1 ? " in " + std::to_string(reservedPlaces_) + " places" : "";
     leftOut.push_back({reserved_->offset, reserved_->size, "reserved bytes" + places + " that are not all zero"});
   }
+  if (spareWord_) leftOut.push_back(*spareWord_);
   if (blocks_) {
     // A load goes on after the first one, whatever the count is.
     const std::string others = hasOneBlock_ ? "" : "; what is after it is read at the wrong place";

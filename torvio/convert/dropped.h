@@ -26,7 +26,7 @@ class Dropped {
 
  private:
   std::span<const std::byte> bytes_;
-  std::optional<LeftOut> reserved_, blocks_;
+  std::optional<LeftOut> reserved_, spareWord_, blocks_;
   std::size_t reservedPlaces_ = 0;
   bool hasOneBlock_ = false;
 };

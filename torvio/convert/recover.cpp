@@ -91,6 +91,9 @@ struct Broken {
   std::string inside;          // of the element: "shapes.shapes[3].x"
   const Rows* rows = nullptr;  // null for a list
   std::string owner;           // of rows: the path of their record
+  // Of a list that is a row: its rows, and how many of them there are with it.
+  const Rows* listRows = nullptr;
+  std::size_t rowCount = 0;
 };
 std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
   const Type* type = &root;
@@ -110,16 +113,40 @@ std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
                     path.substr(ownerEnd > 0 ? ownerEnd + 1 : 0),
                     nullptr,
                     {}};
-    if (!step.indexes.empty() && (rows != kRows.end() || type->form == Form::list)) {
-      const std::size_t close = path.find(']', step.end);
-      std::string inside = close + 2 < path.size() ? path.substr(close + 2) : "";
-      return Broken{path.substr(0, step.end), step.indexes.front(), std::move(inside),
-                    rows != kRows.end() ? &*rows : nullptr, path.substr(0, ownerEnd)};
-    }
+    const std::size_t next = std::min(path.find('.', step.end), path.size());
+    const std::string inside = path.substr(std::min(next + 1, path.size()));
+    const std::string owner = path.substr(0, ownerEnd);
+    if (rows != kRows.end() && step.indexes.size() == 2 && type->element->form == Form::list)
+      return Broken{path.substr(0, path.find(']', step.end) + 1),
+                    step.indexes[1],
+                    inside,
+                    nullptr,
+                    owner,
+                    &*rows,
+                    step.indexes[0] + 1};
+    if (!step.indexes.empty() && rows != kRows.end())
+      return Broken{path.substr(0, step.end), step.indexes.front(), inside, &*rows, owner};
+    if (!step.indexes.empty() && type->form == Form::list)
+      return Broken{path.substr(0, step.end), step.indexes.front(), inside, nullptr, {}};
     for (std::size_t i = 0; i < step.indexes.size() && type->element != nullptr; ++i) type = type->element;
     ownerEnd = std::min(path.find('.', step.end), path.size());
   }
   return std::nullopt;
+}
+
+std::string pathIn(const std::string& owner, std::string_view member) {
+  return (owner.empty() ? "" : owner + ".").append(member);
+}
+
+// How the paths of the fields of the broken element begin. Those of a row are in several arrays.
+std::vector<std::string> elementPaths(const Broken& broken) {
+  const std::string index = '[' + std::to_string(broken.index) + ']';
+  if (broken.rows == nullptr) return {broken.list + index};
+  std::vector<std::string> paths;
+  for (const Rows& one : kRows)
+    if (one.record == broken.rows->record && one.count == broken.rows->count)
+      paths.push_back(pathIn(broken.owner, one.array) + index);
+  return paths;
 }
 
 // ---- what was read ---------------------------------------------------------------------------------------
@@ -134,7 +161,7 @@ class SoundPart {
     if (fault_ && !fault_->path.ends_with("].trailerValue"))
       broken_ = brokenOn(values::typeOfRecord(kind), fault_->path);
     const std::string list = broken_ ? broken_->list + '[' : "";
-    const std::string element = broken_ ? list + std::to_string(broken_->index) + ']' : "";
+    const std::vector<std::string> element = broken_ ? elementPaths(*broken_) : std::vector<std::string>();
     bool isListSeen = false;
     (void)explain::mapFile(bytes, kind, [&](const explain::MapLine& line) {
       if (line.size == 0) return;
@@ -145,7 +172,8 @@ class SoundPart {
       if (!broken_) return;
       isListSeen = isListSeen || line.path.starts_with(list);
       if (!isListSeen) seeCount(line);
-      if (!elementAt_ && line.path.starts_with(element)) elementAt_ = line.offset;
+      const auto isOfElement = [&](const std::string& path) { return line.path.starts_with(path); };
+      if (!elementAt_ && std::any_of(element.begin(), element.end(), isOfElement)) elementAt_ = line.offset;
     });
     if (!isRepeated_) return;
     broken_.reset();
@@ -220,12 +248,15 @@ void settle(OldSheet& sheet, const SoundPart& sound) {
 }
 void settle(auto&, const SoundPart&) {}
 
-// Reduces the count of broken rows to those that are complete.
-void shortenRows(const Type& type, void* record, const Broken& broken) {
-  const std::string path = (broken.owner.empty() ? "" : broken.owner + ".") + std::string(broken.rows->count);
-  const std::optional<Place> count = placeAt(type, record, path);
-  if (!count || integerAt(*count->type, count->value) <= static_cast<std::int64_t>(broken.index)) return;
-  setInteger(*count->type, const_cast<void*>(count->value), broken.index);
+// Reduces the count of rows. Returns what it was if it was higher.
+std::optional<std::uint64_t> shortenRows(const Type& type, void* record, const std::string& owner, const Rows& rows,
+                                         std::size_t kept) {
+  const std::optional<Place> count = placeAt(type, record, pathIn(owner, rows.count));
+  if (!count) return std::nullopt;
+  const std::int64_t before = integerAt(*count->type, count->value);
+  if (before <= static_cast<std::int64_t>(kept)) return std::nullopt;
+  setInteger(*count->type, const_cast<void*>(count->value), kept);
+  return static_cast<std::uint64_t>(before);
 }
 
 std::uint64_t lengthOf(const Type& type, const void* record, const Broken& broken) {
@@ -240,7 +271,7 @@ bool isOfBroken(std::string_view path, const Broken& broken) {
   if (broken.rows == nullptr) return isIn(broken.list);
   return std::any_of(kRows.begin(), kRows.end(), [&](const Rows& one) {
     return one.record == broken.rows->record && one.count == broken.rows->count &&
-           isIn((broken.owner.empty() ? "" : broken.owner + ".") + std::string(one.array));
+           isIn(pathIn(broken.owner, one.array));
   });
 }
 
@@ -258,7 +289,7 @@ class Defaults {
     while (end != std::string::npos && read_.has(std::string_view(pattern).substr(0, end)))
       end = pattern.find('.', end + 1);
     pattern.resize(std::min(end, pattern.size()));
-    if (pattern.ends_with("[]")) pattern.resize(pattern.size() - 2);
+    while (pattern.ends_with("[]")) pattern.resize(pattern.size() - 2);
     if (!seen_.insert(pattern).second || !isMember(pattern)) return;
     names_.push_back(std::move(pattern));
   }
@@ -294,7 +325,10 @@ void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::st
   if constexpr (kKind == FileKind::sheet)
     if (!record.blocks.empty()) dropped.forgetBlocks();  // reported as a list
   const std::optional<Broken>& broken = sound.broken();
-  if (broken && broken->rows != nullptr) shortenRows(type, &record, *broken);
+  if (broken && broken->rows != nullptr) (void)shortenRows(type, &record, broken->owner, *broken->rows, broken->index);
+  std::optional<std::uint64_t> rowsBefore;
+  if (broken && broken->listRows != nullptr)
+    rowsBefore = shortenRows(type, &record, broken->owner, *broken->listRows, broken->rowCount);
   settle(record, sound);
   if constexpr (kKind == FileKind::groupPart)
     if (record.parts.empty()) {
@@ -318,6 +352,8 @@ void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::st
       dropped.forgetBlocks();
     }
   dropped.addTo(report.leftOut);
+  if (rowsBefore)
+    report.shorter.push_back({pathIn(broken->owner, broken->listRows->array), broken->rowCount, rowsBefore, ""});
   if (broken)
     report.shorter.push_back({broken->list, lengthOf(type, &record, *broken), sound.storedCount(), broken->inside});
 
