@@ -39,10 +39,13 @@ class InOrder {
     while (range.beginA < range.endA && range.beginB < range.endB && a_[range.endA - 1] == b_[range.endB - 1])
       pairs_.emplace_back(--range.endA, --range.endB);
     if (range.beginA == range.endA || range.beginB == range.endB) return;
-    if (search(range) || depth == 0) return;
-    // Keys that are once in both halve the work; between them others may be.
+    if (search(range)) return;
+    // Keys that are once in both divide the range; between them others may be.
+    const std::vector<std::pair<std::size_t, std::size_t>> fixed =
+        depth > 0 ? anchors(range) : std::vector<std::pair<std::size_t, std::size_t>>();
+    if (fixed.empty()) return pairSamePlaces(range);
     Range part = range;
-    for (const auto& [i, j] : anchors(range)) {
+    for (const auto& [i, j] : fixed) {
       part.endA = i;
       part.endB = j;
       pairRange(part, depth - 1);
@@ -50,10 +53,15 @@ class InOrder {
       part.beginA = i + 1;
       part.beginB = j + 1;
     }
-    if (part.beginA == range.beginA) return;
     part.endA = range.endA;
     part.endB = range.endB;
     pairRange(part, depth - 1);
+  }
+
+  void pairSamePlaces(const Range& range) {
+    const std::size_t count = std::min(range.endA - range.beginA, range.endB - range.beginB);
+    for (std::size_t k = 0; k < count; ++k)
+      if (a_[range.beginA + k] == b_[range.beginB + k]) pairs_.emplace_back(range.beginA + k, range.beginB + k);
   }
 
   // The greedy search for the shortest edit script: `reached` has for each diagonal how far in A it comes with so many
@@ -196,19 +204,25 @@ void Alignment::pairInOrder(std::span<const Key> a, std::span<const Key> b) {
 }
 
 void Alignment::pairMoved(std::span<const Key> a, std::span<const Key> b) {
-  // For each key its elements of B that are left, the first last.
-  std::unordered_map<Key, std::vector<std::size_t>> left;
-  for (std::size_t j = toA_.size(); j > 0; --j)
-    if (toA_[j - 1] == kNone && b[j - 1] != kNoKey) left[b[j - 1]].push_back(j - 1);
-  if (left.empty()) return;
-  for (std::size_t i = 0; i < toB_.size(); ++i) {
-    if (toB_[i] != kNone || a[i] == kNoKey) continue;
-    const auto found = left.find(a[i]);
-    if (found == left.end() || found->second.empty()) continue;
-    pair(i, found->second.back());
-    found->second.pop_back();
+  // Of many equal elements nobody can say which one has moved where.
+  constexpr std::size_t kMostOfOneKey = 8;
+  struct Left {
+    std::vector<std::size_t> a, b;
+  };
+  std::unordered_map<Key, Left> left;
+  for (std::size_t i = 0; i < toB_.size(); ++i)
+    if (toB_[i] == kNone && a[i] != kNoKey) left[a[i]].a.push_back(i);
+  for (std::size_t j = 0; j < toA_.size(); ++j)
+    if (const auto found = toA_[j] == kNone ? left.find(b[j]) : left.end(); found != left.end())
+      found->second.b.push_back(j);
+  for (const auto& [key, both] : left) {
+    const std::size_t pairs = std::min(both.a.size(), both.b.size());
+    if (pairs == 0 || std::max(both.a.size(), both.b.size()) > kMostOfOneKey) continue;
     moved_.resize(toB_.size());
-    moved_[i] = true;
+    for (std::size_t k = 0; k < pairs; ++k) {
+      pair(both.a[k], both.b[k]);
+      moved_[both.a[k]] = true;
+    }
   }
 }
 

@@ -29,7 +29,8 @@ class Alignment {
 
   // Pairs elements with equal keys so that no two pairs cross. As many as can be, unless the lists differ in very much.
   void pairInOrder(std::span<const Key> a, std::span<const Key> b);
-  // Pairs those that are left, wherever they are: the first of a key with the first, the second with the second.
+  // Pairs those that are left, wherever they are: the first of a key with the first, the second with the second. Those
+  // of a key that very many have stay without a partner.
   void pairMoved(std::span<const Key> a, std::span<const Key> b);
 
   // Elements without a partner between two pairs in order.
