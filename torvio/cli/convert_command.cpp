@@ -28,22 +28,13 @@ class ConvertCommand : public NewFileCommand {
         "them. A lost member has the default of a new record. Bytes that no load keeps\n"
         "are left out. In the same version, the new file is a clean copy: it has all that\n"
         "a load reads, and no other bytes.\n\n"
-        "A sheet that a save below version 152 has ruined is fixed. Any other damaged
-"
-        "file is refused: see \"torvio recover\".
-
-"
-        "Examples:
-"
-        "  torvio convert old.sheet new.sheet --version 180
-"
-        "      Save an old nest in the newest version.
-"
-        "  torvio convert --dry-run nest.sheet --version 112
-"
-        "      Only say what an older version would lose.
-
-" +
+        "A sheet that a save below version 152 has ruined is fixed. Any other damaged\n"
+        "file is refused: see \"torvio recover\".\n\n"
+        "Examples:\n"
+        "  torvio convert old.sheet new.sheet --version 180\n"
+        "      Save an old nest in the newest version.\n"
+        "  torvio convert --dry-run nest.sheet --version 112\n"
+        "      Only say what an older version would lose.\n\n" +
         newFileHelp() +
         "\n\nExit code:\n"
         "  0  the new file was written, or would be\n"
