@@ -20,9 +20,9 @@ class RecoverCommand : public NewFileCommand {
         "complete elements, so that no part has only some of its shapes; what follows has\n"
         "the defaults of a new record. The report says where the file breaks, which bytes\n"
         "are left out, which list is shorter, and which members have defaults: check\n"
-        "those before the file is used. Nothing is written for a sound file. Unread bytes after\n"
-        "the last field are dropped, and those that a save below version 152 stored too\n"
-        "much. The version stays the same if files are saved in it.\n\n"
+        "those before the file is used. Nothing is written for a sound file. Unread bytes\n"
+        "after the last field are dropped, and those that a save below version 152 stored\n"
+        "too much. The version stays the same if files are saved in it.\n\n"
         "Examples:\n"
         "  torvio recover damaged.sheet recovered.sheet\n"
         "      Keep what is sound, and say what is lost.\n\n" +
