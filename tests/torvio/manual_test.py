@@ -213,6 +213,7 @@ def complete_at_terminal(command, folder):
                             ("torvio check --ext she\tnst arch\t", ["check", "--ext", "sheet=.nst", "archive"]),
                             ("torvio map --encoding=latin\t -- --o\t", ["map", "--encoding=latin1", "--", "--odd"]),
                             ("torvio from\t pict\t", ["from-json", "pictures.svg"]),
+                            ("torvio diff pict\t my\t --lim\t 3", ["diff", "pictures.svg", "my nest.sheet", "--limit", "3"]),
                             ("torvio schema tool\t", ["schema", "tool-inventory"])]:
         # A shell may leave the slash after a folder.
         found = [argument.rstrip("/") for argument in shell.arguments(typed)]

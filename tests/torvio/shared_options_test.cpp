@@ -79,15 +79,16 @@ TEST_F(SharedOptions, DocumentsAreWrittenToTheOutput) {
 
 TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
-  folder_.write("-odd", specialToolFile(60, {3}));
+  folder_.write("-name", specialToolFile(60, {3}));
   const std::string inFolder = "cd " + folder_.path() + " && " + TORVIO_COMMAND;
-  const Outcome run = runShell(inFolder + " map -odd");
+  const Outcome run = runShell(inFolder + " map -name");
   EXPECT_EQ(run.code, 2);
-  EXPECT_EQ(run.errors, "torvio: map: unexpected argument \"-odd\"; put \"--\" before the name of a file that begins with "
-                        "\"-\"\nTry \"torvio map --help\".\n");
-  EXPECT_EQ(runShell(inFolder + " map -even").errors,
-            "torvio: map: unexpected argument \"-even\"\nTry \"torvio map --help\".\n");
-  EXPECT_EQ(runShell(inFolder + " map --kind special-tool -- -odd").code, 0);
+  EXPECT_EQ(run.errors,
+            "torvio: map: unexpected argument \"-name\"; put \"--\" before the name of a file that begins with "
+            "\"-\"\nTry \"torvio map --help\".\n");
+  EXPECT_EQ(runShell(inFolder + " map -none").errors,
+            "torvio: map: unexpected argument \"-none\"\nTry \"torvio map --help\".\n");
+  EXPECT_EQ(runShell(inFolder + " map --kind special-tool -- -name").code, 0);
 }
 
 TEST_F(SharedOptions, VersionOfAnUnknownCommandIsAnError) {

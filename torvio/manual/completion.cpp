@@ -88,9 +88,8 @@ std::string zshOption(const CLI::Option& option) {
 }
 
 std::string zshArgument(const CLI::Option& argument) {
-  const bool isList = argument.get_items_expected_max() > 1;
-  const std::string number = isList ? "*" : argument.get_required() ? "1" : "1:";
-  const std::string spec = number + ":" + escapedForZsh(valueName(argument)) + ":" + zshAction(argument);
+  const std::string start = argument.get_items_expected_max() > 1 ? "*:" : argument.get_required() ? ":" : "::";
+  const std::string spec = start + escapedForZsh(valueName(argument)) + ":" + zshAction(argument);
   return " \\\n        " + shellWord(spec);
 }
 
