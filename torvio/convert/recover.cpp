@@ -205,7 +205,7 @@ class SoundPart {
   void seeCount(const explain::MapLine& line) {
     const std::string_view path = line.path;
     if (!path.ends_with(".count") && !path.ends_with("Count")) return;
-    // Beside the list or a record that holds it; the last one counts.
+    // Beside the list or a record that holds it; the last one is taken.
     const std::string_view owner = path.substr(0, path.rfind('.') + 1);
     const bool isOfList = path.starts_with(broken_->list) && path.substr(broken_->list.size()) == ".count";
     if (!isOfList && (!broken_->list.starts_with(owner) || path.starts_with("unused"))) return;
@@ -243,7 +243,7 @@ void settle(OldSheet& sheet, const SoundPart& sound) {
   if (sound.broken() && sound.broken()->list == "setupList.entries")
     sheet.setupList.entries.resize(std::min(sheet.setupList.entries.size(), sound.broken()->index));
   sheet.blocks.clear();
-  // A load takes it from the file before the machine, and gives it to the machine after that.
+  // A load reads it before the machine, and sets it after the machine was read.
   if (sheet.machine.path[0] == '\0') frame::setPath(sheet.machine.path, sound.machinePath());
 }
 void settle(auto&, const SoundPart&) {}
