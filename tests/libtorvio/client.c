@@ -292,7 +292,12 @@ static void new_files(void) {
   const torvio_input foreign = in_memory("\x07\x00 nothing of the suite", 25, NULL);
   torvio_buffer* report = NULL;
 
-  EXPECT(is(torvio_convert(&sound, 180, 0, &result, &report, &error), TORVIO_OK));
+  /* A save stores another value in place of 0 in one of its fields. */
+  EXPECT(is(torvio_convert(&sound, 180, 0, &result, &report, &error), TORVIO_REFUSED));
+  EXPECT(result == NULL && report != NULL && strstr(report->data, "\"losses\":[{\"effect\":\"changed\"") != NULL);
+  torvio_free(report);
+  release();
+  EXPECT(is(torvio_convert(&sound, 180, TORVIO_ALLOW_LOSS, &result, &report, &error), TORVIO_OK));
   EXPECT(result != NULL && result->size > kMachineSize && (uint8_t)result->data[0] == 180);
   EXPECT(report != NULL && report->data[report->size] == '\0' && strncmp(report->data, "{\"file\":", 8) == 0);
   if (result != NULL) {
