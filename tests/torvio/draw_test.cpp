@@ -382,6 +382,7 @@ TEST(SheetPictures, ClampsAreAsManyAsTheSheetSaysWhereItsMachineSays) {
   const auto sheet = plate(100, 50);
   sheet->clampInfo.clampCount = 3;
   sheet->clampInfo.clampPositions[0] = 99;
+  sheet->machine.clampInfo.clampCount = 8;
   for (int i = 0; i < 8; ++i) sheet->machine.clampInfo.clampPositions[i] = static_cast<float>(10 * i + 10);
   const std::string svg = drawn(*sheet);
   EXPECT_EQ(countOf(svg, "fill=\"#4a5560\" stroke"), 3U);

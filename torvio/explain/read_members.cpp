@@ -29,7 +29,7 @@ class NameReader : public codec::Reading<NameReader> {
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
     if (elements_ > 0) return std::apply([&](auto&... m) { return (item(m) && ...); }, f.members);
-    const std::vector<std::string> names = fieldNames(f.names());
+    const std::vector<std::string>& names = namesOf(f.names);
     std::size_t i = 0;
     return std::apply([&](auto&... m) { return ((item(m) && note(names[i++])) && ...); }, f.members);
   }
@@ -64,14 +64,16 @@ class NameReader : public codec::Reading<NameReader> {
 
   template <class Names>
   void enter(const Names& names, std::int64_t index = -1, std::size_t list = 0) {
-    // A list whose count is not stored is read if it has an element.
-    if (elements_ == 0 && index == 0) (void)noteOf(names, list);
-    if (elements_ > 0 || index >= 0) {
+    const std::string& name = namesOf(names)[list];
+    // A list of which nothing but elements is stored is read if it has one, and so is an array: "slots[i]".
+    const bool isElement = index >= 0 || name.ends_with(']');
+    if (elements_ == 0 && isElement && index <= 0) (void)note(name);
+    if (elements_ > 0 || isElement) {
       ++elements_;
       return;
     }
     lengths_.push_back(path_.size());
-    path_ += fieldNames(names())[list];
+    path_ += name;
     path_ += '.';
   }
   void leave() {
@@ -111,7 +113,7 @@ class NameReader : public codec::Reading<NameReader> {
 
   template <class Names>
   bool noteOf(const Names& names, std::size_t i) {
-    return elements_ > 0 || note(fieldNames(names())[i]);
+    return elements_ > 0 || note(namesOf(names)[i]);
   }
   // A block has several names: "sizeX, sizeY".
   bool note(std::string_view names) {
