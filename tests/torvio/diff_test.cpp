@@ -801,8 +801,10 @@ TEST_F(PartFiles, PartIsTheSameOnASheetAndInAGroup) {
     EXPECT_TRUE(onSheet.result.areSame);
     EXPECT_EQ(onSheet.result.b.place, "partList.parts[1]");
     EXPECT_EQ(onSheet.result.b.part, "\"PLATE 1\"");
-    const auto inGroup = diffOf({group, FileKind::groupPart, {}, {}}, partFile(path));
+    // A group part file stores no path.
+    const auto inGroup = diffOf({group, FileKind::groupPart, {}, {}}, partFile("plate 1.prt"));
     EXPECT_EQ(textsOf(inGroup.all), Texts());
+    EXPECT_TRUE(inGroup.result.areSame);
     EXPECT_EQ(inGroup.result.a.place, "parts[1]");
   }
 }
