@@ -186,7 +186,7 @@ class DiffCommand : public Command {
     command->add_option("--limit", limit_, "Print no more than N differences, and count the rest")
         ->type_name("N")
         ->take_last()
-        ->check(CLI::Range(std::int64_t{0}, std::int64_t{1} << 62U).description(""));
+        ->check(CLI::Range(std::int64_t{0}, std::int64_t{1'000'000'000}).description(""));
     command->add_flag("--json", isJson_, "Print a JSON object for each difference, one a line");
     command->add_flag("-q,--quiet", isQuiet_, "Print nothing: only the exit code matters");
     command->footer(help());

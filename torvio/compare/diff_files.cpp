@@ -155,6 +155,9 @@ class FileDiffer {
         return true;
       }
     }
+    return failToCompare();
+  }
+  bool failToCompare() {
     return fail(nameOfKind(kindAt(0)) + " cannot be compared with " + nameOfKind(kindAt(1)), Side::none);
   }
 
@@ -168,6 +171,7 @@ class FileDiffer {
   bool choosePart(std::size_t side) {
     if (kindAt(side) == FileKind::part) return true;
     const std::vector<TorvPart>* parts = partsAt(side);
+    if (parts == nullptr && files_[side]->part.empty()) return failToCompare();
     if (parts == nullptr) return fail(nameOfKind(kindAt(side)) + " has no parts", kSides[side]);
     const std::optional<std::size_t> chosen =
         files_[side]->part.empty() ? partLike(*parts, files_[1 - side]->path) : partCalled(*parts, files_[side]->part);
