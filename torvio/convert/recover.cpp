@@ -205,7 +205,7 @@ class SoundPart {
   void seeCount(const explain::MapLine& line) {
     const std::string_view path = line.path;
     if (!path.ends_with(".count") && !path.ends_with("Count")) return;
-    // Beside the list or a record that holds it; the last one counts.
+    // Beside the list or a record that holds it; the last one is taken.
     const std::string_view owner = path.substr(0, path.rfind('.') + 1);
     const bool isOfList = path.starts_with(broken_->list) && path.substr(broken_->list.size()) == ".count";
     if (!isOfList && (!broken_->list.starts_with(owner) || path.starts_with("unused"))) return;
@@ -243,7 +243,7 @@ void settle(OldSheet& sheet, const SoundPart& sound) {
   if (sound.broken() && sound.broken()->list == "setupList.entries")
     sheet.setupList.entries.resize(std::min(sheet.setupList.entries.size(), sound.broken()->index));
   sheet.blocks.clear();
-  // A load takes it from the file before the machine, and gives it to the machine after that.
+  // A load reads it before the machine, and sets it after the machine was read.
   if (sheet.machine.path[0] == '\0') frame::setPath(sheet.machine.path, sound.machinePath());
 }
 void settle(auto&, const SoundPart&) {}
@@ -315,6 +315,18 @@ class Defaults {
   std::vector<std::string> names_;
 };
 
+// The member at the fault if something of it was read; empty if nothing was, or if it is in a list that became shorter.
+std::string partialMember(const SoundPart& sound) {
+  if (!sound.fault() || sound.broken() || sound.isRepeated()) return "";
+  const std::string path = memberPathOf(sound.fault()->path);
+  if (sound.read().has(withoutIndexes(path))) return path + " and the elements after it";
+  // A text after its length.
+  constexpr std::string_view kText = ".text";
+  if (!path.ends_with(kText)) return "";
+  const std::string member = path.substr(0, path.size() - kText.size());
+  return sound.read().has(withoutIndexes(member) + ".length") ? member : "";
+}
+
 template <FileKind kKind>
 void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::string& encoding, Recovered& to) {
   const Type& type = values::typeOfRecord(kKind);
@@ -362,12 +374,8 @@ void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::st
     explain::eachField(line, [&](const explain::MapField& field) { defaults.see(field.path); });
   });
   report.defaults = defaults.finished();
-  // Read for some elements only.
-  if (sound.fault() && !broken && !sound.isRepeated()) {
-    const std::string path = memberPathOf(sound.fault()->path);
-    if (sound.read().has(withoutIndexes(path)))
-      report.defaults.insert(report.defaults.begin(), path + " and the elements after it");
-  }
+  if (const std::string partial = partialMember(sound); !partial.empty())
+    report.defaults.insert(report.defaults.begin(), partial);
 
   const auto reloaded = values::loadRecord<kKind>(saved.bytes);
   values::beginLoad(*reloaded.record, *loaded.version, {});
