@@ -35,8 +35,10 @@ std::optional<Surplus> surplusOfSave(std::span<const std::byte> bytes, FileKind 
 std::optional<Surplus> surplusOf(std::span<const std::byte> bytes, FileKind kind, const explain::FileReport& report) {
   if (!report.version || report.endsExactly()) return std::nullopt;
   const std::optional<Surplus> surplus = surplusOfSave(bytes, kind, *report.version);
-  if (!surplus || !explain::checkFile(without(bytes, *surplus), kind).endsExactly()) return std::nullopt;
-  return surplus;
+  if (!surplus) return std::nullopt;
+  // A tolerated fault at the end: a file that is cut there, whose last bytes are no surplus.
+  const explain::FileReport rest = explain::checkFile(without(bytes, *surplus), kind);
+  return rest.endsExactly() && !rest.tolerated ? surplus : std::nullopt;
 }
 
 std::vector<std::byte> without(std::span<const std::byte> bytes, const Surplus& surplus) {
