@@ -112,7 +112,7 @@ Bytes nest(const std::string& label = "NEST") {
 class Catalogues : public testing::Test {
  protected:
   Outcome check(const std::string& arguments = "") const {
-    return torvio("check " + files_.path() + " --ext sheet=.nst --catalogue " + catalogue_ + " " + arguments);
+    return torvio("check " + files_.path() + " --ext sheet=.nst -o " + catalogue_ + " " + arguments);
   }
   std::string value(const std::string& sql) const { return valueOf(catalogue_, sql); }
 

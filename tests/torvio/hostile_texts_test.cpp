@@ -443,7 +443,7 @@ TEST_F(HostileTexts, CatalogueHasThemExactly) {
   const std::string catalogue = root_.path("c'\n\x1b[1m.sqlite");
   for (const File& file : files()) {
     std::filesystem::remove(catalogue);
-    (void)run("check --catalogue " + inShellQuotes(catalogue) + file.quoted());
+    (void)run("check -o " + inShellQuotes(catalogue) + file.quoted());
     EXPECT_EQ(valuesIn(catalogue, "SELECT path FROM file"), std::vector<std::string>{file.path});
     const archive::Facts facts = withFileRecord(file.kind->kind, [&](auto one) {
       const auto loaded = values::loadRecord<decltype(one)::kKind>(file.bytes.span());

@@ -228,7 +228,7 @@ class CheckCommand : public Command {
     command->add_flag("--json", isJson_, "Print a JSON object for each file, one a line");
     CLI::Option* const summary = command->add_flag("--summary", isSummaryWanted_, "Print totals at the end");
     command->add_flag("--no-summary", isSummaryUnwanted_, "Print no totals")->excludes(summary);
-    addFile(*command, "--catalogue", catalogue_,
+    addFile(*command, "-o,--catalogue", catalogue_,
             "Keep the result in this SQLite database. A later run reads only files that have changed")
         ->type_name("FILE")
         ->take_last();
@@ -303,7 +303,7 @@ class CheckCommand : public Command {
            "      Judge one file.\n"
            "  torvio check --only damaged --only refused-version /archive\n"
            "      List what cannot be loaded in a folder and all folders in it.\n"
-           "  torvio check /archive --ext sheet=.nst --catalogue archive.sqlite\n"
+           "  torvio check /archive --ext sheet=.nst -o archive.sqlite\n"
            "      Keep the result in a database; all files .nst are sheets.\n"
            "  find . -name '*.spt' -print0 | torvio check --null --files-from -\n"
            "      Judge the files that another command finds.\n"
