@@ -90,7 +90,7 @@ class NameReader : public codec::Reading<NameReader> {
   bool item(M& member) {
     using Item = codec::wire::ItemOf<M>;
     if constexpr (Item::kIsRow) {
-      return std::all_of(std::begin(member), std::end(member), [this](auto& number) { return item(number); });
+      return std::all_of(std::begin(member), std::end(member), [this](auto& number) { return this->item(number); });
     } else {
       const std::byte* from = take(Item::kWidth);
       if (from == nullptr) return false;
