@@ -30,7 +30,7 @@ constexpr auto kSame = kSound;
 constexpr auto kDifferent = static_cast<ExitCode>(1);
 constexpr auto kTrouble = static_cast<ExitCode>(2);
 
-std::string countOf(std::uint64_t count, const std::string& what) {
+std::string counted(std::uint64_t count, const std::string& what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 std::string titleOf(frame::FileKind kind) {
@@ -368,7 +368,7 @@ class DiffCommand : public Command {
     if (printed < found.differences) text += "... and " + std::to_string(found.differences - printed) + " more\n";
     const bool isDamaged = found.a.status != 0 || found.b.status != 0;
     if (found.areSame) return text + (isDamaged ? "No differences in what could be read\n" : "No differences\n");
-    text += countOf(found.differences, "difference");
+    text += counted(found.differences, "difference");
     if (found.notStored > 0)
       text += ", " + std::to_string(found.notStored) + " of them in members that one of the versions does not store";
     return text + "\n";

@@ -84,7 +84,8 @@ class DrawCommand : public Command {
     const std::string name = draw::nameOfFile(path);
     const explain::FileContent file(path);
     if (!file.error().empty()) return {{name, file.error(), ""}, file.error(), kNotReadOrWritten};
-    draw::DrawnCard drawn = draw::drawCard(path, name, file.bytes(), judge_, encodingNamed(encoding_), number, isInline);
+    draw::DrawnCard drawn =
+        draw::drawCard(path, name, file.bytes(), judge_, encodingNamed(encoding_), number, isInline);
     const ExitCode code = drawn.error.empty() ? kSound : kDamaged;
     return {std::move(drawn.card), std::move(drawn.error), code};
   } catch (const std::bad_alloc&) {

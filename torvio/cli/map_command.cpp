@@ -161,8 +161,8 @@ class MapCommand : public Command {
   }
 
   ExitCode printPage(const explain::FileContent& file, std::optional<frame::FileKind> kind) const {
-    const report::MapPageText page = report::mapPage(std::filesystem::path(file_).filename().string(), file.bytes(), kind,
-                                                     encodingNamed(encodingName_));
+    const report::MapPageText page = report::mapPage(std::filesystem::path(file_).filename().string(), file.bytes(),
+                                                     kind, encodingNamed(encodingName_));
     if (!page.refusal.empty()) return failed(file_, page.refusal);
     return writeOutput(output_, [&](OutputText& output) {
       output.write(page.html);

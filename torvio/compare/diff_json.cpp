@@ -7,9 +7,8 @@
 namespace oldtorvio::compare {
 namespace {
 
-using Change = Difference::Change;
-
-std::string_view nameOf(Change change) {
+std::string_view nameOf(Difference::Change change) {
+  using Change = Difference::Change;
   switch (change) {
     case Change::changed:
       return "changed";

@@ -1,6 +1,5 @@
 #include "torvio/convert/convert.h"
 
-#include <cstdio>
 #include <memory>
 #include <utility>
 
@@ -15,16 +14,6 @@ namespace {
 
 using frame::FileKind;
 
-std::string hex(std::uint64_t offset) {
-  char digits[32];
-  (void)std::snprintf(digits, sizeof digits, "%08llx", static_cast<unsigned long long>(offset));
-  return digits;
-}
-
-std::string placeOf(const explain::Fault& fault) {
-  return "at " + hex(fault.offset) + " in " + fault.path + ": " + fault.reason;
-}
-
 // Why a file of this report cannot be converted at all; empty if it can.
 std::string obstacle(const explain::FileReport& report, FileKind kind) {
   if (!report.version) return "has no version word";
@@ -35,12 +24,12 @@ std::string obstacle(const explain::FileReport& report, FileKind kind) {
     if (report.endsInRest())
       return "is of version " + std::to_string(*report.version) + ", which no load reads to the end; " +
              "\"torvio recover\" keeps what it reads";
-    const std::string place = report.fault ? ", breaks " + placeOf(*report.fault) : "";
+    const std::string place = report.fault ? ", breaks " + explain::describe(*report.fault) : "";
     return "is damaged" + place + "; \"torvio recover\" keeps what is before that";
   }
   // What follows was read at the wrong place.
   if (report.tolerated && report.walked > report.tolerated->offset)
-    return "breaks " + placeOf(*report.tolerated) +
+    return "breaks " + explain::describe(*report.tolerated) +
            ", which loads tolerate, and what follows is misread; \"torvio recover\" keeps what is before that";
   return "";
 }
@@ -93,7 +82,8 @@ Converted convert(std::span<const std::byte> bytes, FileKind kind, int version, 
   report.from = file.version;
   std::vector<std::byte> fixed;
   if (const auto surplus = surplusOf(bytes, kind, file)) {
-    report.notes.push_back("fixed: without " + bytesText(surplus->size) + " from " + hex(surplus->offset) +
+    report.notes.push_back("fixed: without " + bytesText(surplus->size) + " from " +
+                           explain::hexOffset(surplus->offset) +
                            " on, which a save below version 152 stored and no load expects");
     fixed = without(bytes, *surplus);
     bytes = fixed;

@@ -7,11 +7,9 @@
 #include "torvio/convert/member_path.h"
 
 namespace oldtorvio::convert {
-namespace {
-
 using compare::Difference;
 
-class Groups {
+class LossGroups {
  public:
   void add(Loss::Effect effect, const std::string& path, const Difference& difference) {
     std::string member = withoutIndexes(path);
@@ -26,6 +24,8 @@ class Groups {
   std::map<std::pair<Loss::Effect, std::string>, std::size_t> at_;
 };
 
+namespace {
+
 bool isDefault(const values::Type& type, const void* record, std::string_view path) {
   const std::optional<Place> place = placeAt(type, record, path);
   return place && place->fresh != nullptr && values::holdTheSame(*place->type, place->value, place->fresh);
@@ -38,7 +38,7 @@ std::vector<Loss> lossesOf(const typename FileRecord<kKind>::Record& before,
                            const typename FileRecord<kKind>::Record& after, const std::string& encoding,
                            const PathFilter& matters) {
   const values::Type& type = values::typeOfRecord(kKind);
-  Groups groups;
+  LossGroups groups;
   compare::DiffOptions options;
   options.encoding = encoding;
   options.byPosition = true;

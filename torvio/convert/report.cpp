@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
 
 #include "torvio/values/text_encoding.h"
 
@@ -12,12 +11,6 @@ namespace {
 
 constexpr std::array<std::string_view, 3> kEffects{"lost", "changed", "added"};
 std::string_view nameOf(Loss::Effect effect) { return kEffects[static_cast<std::size_t>(effect)]; }
-
-std::string hex(std::uint64_t offset) {
-  char digits[32];
-  (void)std::snprintf(digits, sizeof digits, "%08llx", static_cast<unsigned long long>(offset));
-  return digits;
-}
 
 // A value for a line, cut between two characters. JSON text has its active characters escaped already.
 std::string shortened(std::string_view json) {
@@ -160,11 +153,10 @@ std::string withoutIndexes(std::string_view path) {
 
 std::string textOf(const Report& report) {
   std::string text;
-  if (report.fault)
-    text +=
-        "  breaks at " + hex(report.fault->offset) + " in " + report.fault->path + ": " + report.fault->reason + "\n";
+  if (report.fault) text += "  breaks " + explain::describe(*report.fault) + "\n";
   for (const LeftOut& bytes : report.leftOut)
-    text += "  left out: " + bytesText(bytes.size) + " from " + hex(bytes.offset) + " on: " + bytes.reason + "\n";
+    text += "  left out: " + bytesText(bytes.size) + " from " + explain::hexOffset(bytes.offset) +
+            " on: " + bytes.reason + "\n";
   for (const ShorterList& list : report.shorter) {
     text += "  shorter: " + list.list + " has " + std::to_string(list.kept);
     text += list.stored ? " of " + plural(*list.stored, "element", "elements")

@@ -16,8 +16,7 @@ DrawnCard drawCard(const std::string& path, const std::string& name, std::span<c
   const archive::Judgement judgement = archive::judge(path, bytes, judge);
   const auto kind = judgement.kind;
   const bool isRefused = judgement.verdict == archive::Verdict::refusedVersion && !judgement.report.endsInRest();
-  if (!kind || isRefused)
-    return refuse("cannot be drawn: not a file of a known kind and version");
+  if (!kind || isRefused) return refuse("cannot be drawn: not a file of a known kind and version");
   if (!canDraw(*kind))
     return refuse("cannot be drawn: a " + std::string(frame::infoOf(*kind).name) + " file has no picture, only " +
                   kDrawableKinds + " have");

@@ -126,8 +126,7 @@ class Mapper : public codec::Reading<Mapper> {
   void atRow(std::int64_t row) { row_ = row; }
   template <class Names>
   void refused(const Names& names, std::int64_t value) {
-    fault_ =
-        Fault{lastOffset_, pathOf(namesOf(names).front()), "the value " + std::to_string(value) + " is refused"};
+    fault_ = Fault{lastOffset_, pathOf(namesOf(names).front()), "the value " + std::to_string(value) + " is refused"};
   }
   void refusedHere();
   void forgiven();

@@ -16,6 +16,8 @@ namespace {
 
 constexpr std::string_view kHexDigits = "0123456789abcdef";
 
+}  // namespace
+
 // How each byte of a text is written in a JSON string.
 class CharacterTable {
  public:
@@ -304,6 +306,8 @@ class JsonWriter {
   int depth_ = 0;
   bool isFirst_ = true;
 };
+
+namespace {
 
 void writeFault(JsonWriter& to, std::string_view name, const explain::Fault& fault) {
   to.key(name);
