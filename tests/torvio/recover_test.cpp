@@ -392,7 +392,7 @@ TEST(Recover, NothingIsMadeOfSoundOrForeignFilesAndOfBeginnings) {
     EXPECT_TRUE(sound.isSound) << kind.name;
     EXPECT_TRUE(sound.bytes.empty());
     EXPECT_EQ(sound.error, "");
-    for (const std::size_t size : {0, 1, 2}) {
+    for (const std::size_t size : {0U, 1U, 2U}) {
       const Recovered nothing = convert::recover(file.cut(size).span(), kind.kind);
       EXPECT_TRUE(nothing.bytes.empty()) << kind.name << ' ' << size;
       EXPECT_NE(nothing.error, "") << kind.name << ' ' << size;
