@@ -1,11 +1,17 @@
 # Installation, and how other projects find the library: the CMake package and oldtorvio.pc.
-install(TARGETS OldTorvIO OldTorvIO_static EXPORT OldTorvIO
-  RUNTIME COMPONENT OldTorvIO_Runtime
-  LIBRARY COMPONENT OldTorvIO_Runtime NAMELINK_COMPONENT OldTorvIO_Development
-  ARCHIVE COMPONENT OldTorvIO_Development)
-if(WIN32)
-  install(FILES ${PROJECT_BINARY_DIR}/OldTorvIO.def DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT OldTorvIO_Development)
-endif()
+
+# A shared library with its list of exports, and others that belong to it.
+function(oldtorvio_install_library target)
+  install(TARGETS ${target} ${ARGN} EXPORT OldTorvIO
+    RUNTIME COMPONENT OldTorvIO_Runtime
+    LIBRARY COMPONENT OldTorvIO_Runtime NAMELINK_COMPONENT OldTorvIO_Development
+    ARCHIVE COMPONENT OldTorvIO_Development)
+  if(WIN32)
+    install(FILES ${PROJECT_BINARY_DIR}/${target}.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
+      COMPONENT OldTorvIO_Development)
+  endif()
+endfunction()
+oldtorvio_install_library(OldTorvIO OldTorvIO_static)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT OldTorvIO_Development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_Runtime)
 

@@ -21,7 +21,7 @@
 #include "tests/support/sheet_files.h"
 #include "tests/tools/run_torvio.h"
 #include "torvio/archive/facts.h"
-#include "torvio/values/read_members.h"
+#include "torvio/explain/read_members.h"
 
 namespace {
 

@@ -12,6 +12,25 @@ namespace {
 
 bool isNameCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == ':'; }
 
+std::string takeName(std::string_view& from) {
+  std::string name;
+  while (!from.empty() && isNameCharacter(from.front())) name += from.front(), from.remove_prefix(1);
+  return name;
+}
+
+// Of "<name" or "</name".
+struct Tag {
+  bool isEnd = false;
+  std::string name;
+};
+Tag takeTag(std::string_view& from) {
+  from.remove_prefix(1);
+  Tag tag{from.starts_with('/'), ""};
+  if (tag.isEnd) from.remove_prefix(1);
+  tag.name = takeName(from);
+  return tag;
+}
+
 }  // namespace
 
 std::string plainFault(std::string_view output) {
@@ -54,11 +73,7 @@ std::string svgFault(std::string_view svg) {
     if (open.empty() && svg.substr(0, start).find_first_not_of('\n') != std::string_view::npos) return "text outside";
     svg.remove_prefix(start);
     if (svg.empty()) break;
-    svg.remove_prefix(1);
-    const bool isEnd = svg.starts_with('/');
-    if (isEnd) svg.remove_prefix(1);
-    std::string name;
-    while (!svg.empty() && isNameCharacter(svg.front())) name += svg.front(), svg.remove_prefix(1);
+    const auto [isEnd, name] = takeTag(svg);
     if (!kElements.contains(name)) return "the element " + name;
     if (isEnd) {
       if (open.empty() || open.back() != name) return "an end of " + name;
@@ -68,8 +83,7 @@ std::string svgFault(std::string_view svg) {
       open.push_back(name);
       while (svg.starts_with(' ')) {
         svg.remove_prefix(1);
-        std::string attribute;
-        while (!svg.empty() && isNameCharacter(svg.front())) attribute += svg.front(), svg.remove_prefix(1);
+        const std::string attribute = takeName(svg);
         if (!svg.starts_with("=\"")) return "the attribute " + attribute;
         svg.remove_prefix(2);
         const std::string_view value = svg.substr(0, svg.find('"'));
@@ -113,11 +127,7 @@ std::string htmlFault(std::string_view page, std::size_t scripts) {
     if (const std::string fault = textFault(page.substr(0, start)); !fault.empty()) return fault;
     page.remove_prefix(start);
     if (page.empty()) break;
-    page.remove_prefix(1);
-    const bool isEnd = page.starts_with('/');
-    if (isEnd) page.remove_prefix(1);
-    std::string name;
-    while (!page.empty() && isNameCharacter(page.front())) name += page.front(), page.remove_prefix(1);
+    const auto [isEnd, name] = takeTag(page);
     if (!kElements.contains(name)) return "the element " + name;
     if (isEnd) {
       if (open.empty() || open.back() != name) return "an end of " + name;
@@ -128,8 +138,7 @@ std::string htmlFault(std::string_view page, std::size_t scripts) {
     }
     while (page.starts_with(' ')) {
       page.remove_prefix(1);
-      std::string attribute;
-      while (!page.empty() && isNameCharacter(page.front())) attribute += page.front(), page.remove_prefix(1);
+      const std::string attribute = takeName(page);
       if (attribute.empty() || attribute.starts_with("on") || attribute == "style" || attribute == "src")
         return "the attribute \"" + attribute + "\" of " + name;
       if (!page.starts_with('=')) continue;

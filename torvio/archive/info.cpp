@@ -11,8 +11,8 @@
 #include "src/tooling/tool_kinds.h"
 #include "torvio/archive/facts.h"
 #include "torvio/draw/tool_outline.h"
+#include "torvio/explain/read_members.h"
 #include "torvio/values/quantity.h"
-#include "torvio/values/read_members.h"
 #include "torvio/values/record_bytes.h"
 
 namespace oldtorvio::archive {

@@ -204,7 +204,7 @@ void Alignment::pairInOrder(std::span<const Key> a, std::span<const Key> b) {
 }
 
 void Alignment::pairMoved(std::span<const Key> a, std::span<const Key> b) {
-  // Of many equal elements nobody can say which one has moved where.
+  // Which of many equal elements has moved cannot be told.
   constexpr std::size_t kMostOfOneKey = 8;
   struct Left {
     std::vector<std::size_t> a, b;

@@ -9,8 +9,8 @@
 #include "torvio/compare/diff.h"
 #include "torvio/compare/differ.h"
 #include "torvio/compare/stored_members.h"
+#include "torvio/explain/read_members.h"
 #include "torvio/values/compiled_records.h"
-#include "torvio/values/read_members.h"
 #include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::compare {

@@ -107,6 +107,19 @@ class Json {
     if (!isFirst_) text_ += ',';
     isFirst_ = false;
   }
+  // An array with an object for each element, whose members put() writes.
+  template <class T, class Put>
+  void list(std::string_view name, const std::vector<T>& elements, const Put& put) {
+    key(name);
+    open('[');
+    for (const T& element : elements) {
+      next();
+      open('{');
+      put(element);
+      close('}');
+    }
+    close(']');
+  }
   void key(std::string_view name) {
     next();
     text_.append("\"").append(name).append("\":");
@@ -195,43 +208,25 @@ std::string jsonOf(const Report& report, std::string_view fileUtf8, std::string_
     json.text("reason", report.fault->reason);
     json.close('}');
   }
-  json.key("leftOut");
-  json.open('[');
-  for (const LeftOut& bytes : report.leftOut) {
-    json.next();
-    json.open('{');
+  json.list("leftOut", report.leftOut, [&json](const LeftOut& bytes) {
     json.number("offset", bytes.offset);
     json.number("size", bytes.size);
     json.text("reason", bytes.reason);
-    json.close('}');
-  }
-  json.close(']');
-  json.key("shorter");
-  json.open('[');
-  for (const ShorterList& list : report.shorter) {
-    json.next();
-    json.open('{');
+  });
+  json.list("shorter", report.shorter, [&json](const ShorterList& list) {
     json.text("list", list.list);
     json.number("kept", list.kept);
     json.raw("stored", list.stored ? std::to_string(*list.stored) : "null");
     json.text("brokenAt", list.brokenAt);
-    json.close('}');
-  }
-  json.close(']');
-  json.key("losses");
-  json.open('[');
-  for (const Loss& loss : report.losses) {
-    json.next();
-    json.open('{');
+  });
+  json.list("losses", report.losses, [&json](const Loss& loss) {
     json.text("effect", nameOf(loss.effect));
     json.text("member", loss.member);
     json.number("count", loss.count);
     json.text("first", loss.path);
     json.text("before", loss.before);
     json.text("after", loss.after);
-    json.close('}');
-  }
-  json.close(']');
+  });
   for (const auto& [name, list] : {std::pair("defaults", &report.defaults), std::pair("notes", &report.notes)}) {
     json.key(name);
     json.open('[');

@@ -11,7 +11,7 @@
 #include "OldTorvIO/machine_parts.h"
 #include "OldTorvIO/tool_station.h"
 #include "torvio/draw/svg.h"
-#include "torvio/values/read_members.h"
+#include "torvio/explain/read_members.h"
 #include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::draw {

@@ -10,7 +10,7 @@ namespace oldtorvio::explain {
 
 // A base of the walker Self. Verbs that it declares itself replace these.
 template <class Self>
-class LayoutWalker {
+class LayoutWalker : public codec::ReadingSide<Self> {
  public:
   static constexpr codec::Stop stop() { return codec::Stop::none; }
   static constexpr bool has(std::size_t) { return true; }
@@ -25,22 +25,6 @@ class LayoutWalker {
   }
   template <class X>
   [[nodiscard]] bool clear(const X&) {
-    return true;
-  }
-  template <class Read, class Written>
-  [[nodiscard]] bool differs(const Read& read, const Written&) {
-    return read();
-  }
-  template <class Read>
-  [[nodiscard]] bool onlyRead(const Read& read) {
-    return read(static_cast<Self&>(*this));
-  }
-  template <class T>
-  constexpr T either(T forReaders, T) const {
-    return forReaders;
-  }
-  template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
     return true;
   }
 };

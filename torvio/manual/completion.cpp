@@ -79,18 +79,18 @@ std::string zshOption(const CLI::Option& option) {
   if (hasValue) rest += ":" + escapedForZsh(valueName(option)) + ":" + zshAction(option);
   std::string text;
   for (const std::string& name : names) {
-    std::string spec = isRepeated ? "*" : names.size() > 1 ? "(" + joined(names, " ") + ")" : "";
-    spec += name;
-    if (hasValue) spec += name.starts_with("--") ? "=" : "+";
-    text += " \\\n        " + shellWord(spec + rest);
+    std::string form = isRepeated ? "*" : names.size() > 1 ? "(" + joined(names, " ") + ")" : "";
+    form += name;
+    if (hasValue) form += name.starts_with("--") ? "=" : "+";
+    text += " \\\n        " + shellWord(form + rest);
   }
   return text;
 }
 
 std::string zshArgument(const CLI::Option& argument) {
   const std::string start = argument.get_items_expected_max() > 1 ? "*:" : argument.get_required() ? ":" : "::";
-  const std::string spec = start + escapedForZsh(valueName(argument)) + ":" + zshAction(argument);
-  return " \\\n        " + shellWord(spec);
+  const std::string form = start + escapedForZsh(valueName(argument)) + ":" + zshAction(argument);
+  return " \\\n        " + shellWord(form);
 }
 
 }  // namespace

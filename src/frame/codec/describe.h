@@ -284,6 +284,29 @@ class Gates {
   int version_;
 };
 
+// Where a layout distinguishes reading from writing: what it says for reading. A base of walkers that read, or that look
+// at a layout as a reader does.
+template <class Self>
+class ReadingSide {
+ public:
+  template <class Read, class Written>
+  [[nodiscard]] bool differs(const Read& read, const Written&) {
+    return read();
+  }
+  template <class Read>
+  [[nodiscard]] bool onlyRead(const Read& read) {
+    return read(static_cast<Self&>(*this));
+  }
+  template <class T>
+  constexpr T either(T forReaders, T) const {
+    return forReaders;
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
+    return true;
+  }
+};
+
 // What walkers over a record without a file have in common: nothing can be missing.
 template <class Self>
 class RecordWalker : public Gates<Self> {

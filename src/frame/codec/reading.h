@@ -25,7 +25,7 @@
 namespace oldtorvio::codec {
 
 template <class Self>
-class Reading : public Gates<Self> {
+class Reading : public Gates<Self>, public ReadingSide<Self> {
  public:
   using Gates<Self>::Gates;
 
@@ -144,22 +144,6 @@ class Reading : public Gates<Self> {
   template <class X>
   [[nodiscard]] bool continueOnFailure(const X& x) {
     if (!this->nested(x)) forgiveAll();
-    return true;
-  }
-  template <class Read, class Written>
-  [[nodiscard]] bool differs(const Read& read, const Written&) {
-    return read();
-  }
-  template <class Read>
-  [[nodiscard]] bool onlyRead(const Read& read) {
-    return read(self());
-  }
-  template <class T>
-  constexpr T either(T forReaders, T) const {
-    return forReaders;
-  }
-  template <class R, class Fn>
-  [[nodiscard]] bool beforeWrite(const R&, const char*, const Fn&) {
     return true;
   }
 

@@ -1,4 +1,4 @@
-#include "torvio/values/read_members.h"
+#include "torvio/explain/read_members.h"
 
 #include <algorithm>
 #include <cstdint>
