@@ -143,8 +143,7 @@ void companionSeeds(const std::filesystem::path& root) {
       const auto& [version, file] = files[at];
       const std::string name(std::string(frame::infoOf(kind).name) + "_" + std::to_string(version));
       put(root / "detection" / name, {}, {file});
-      Bytes cut = file;
-      cut.resize(cut.size() - cut.size() / 3);
+      const Bytes cut(file.begin(), file.end() - static_cast<std::ptrdiff_t>(file.size() / 3));
       put(root / "detection" / (name + "_cut"), {}, {cut});
       put(root / "pictures" / name, {number}, {file});
       Bytes changed = file;
