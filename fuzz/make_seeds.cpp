@@ -115,7 +115,7 @@ void put(const std::filesystem::path& path, std::initializer_list<std::size_t> h
 
 // Of the files of each kind the oldest, one between and the newest, alone and in pairs.
 void companionSeeds(const std::filesystem::path& root) {
-  for (const char* target : {"detection", "json", "diff", "pictures"})
+  for (const char* target : {"convert", "detection", "diff", "json", "pictures"})
     std::filesystem::create_directories(root / target);
   const struct {
     frame::FileKind kind;
@@ -146,6 +146,9 @@ void companionSeeds(const std::filesystem::path& root) {
       const Bytes cut(file.begin(), file.end() - static_cast<std::ptrdiff_t>(file.size() / 3));
       put(root / "detection" / (name + "_cut"), {}, {cut});
       put(root / "pictures" / name, {number}, {file});
+      put(root / "convert" / name, {number, 180}, {file});
+      put(root / "convert" / (name + "_older"), {number, 150}, {file});
+      put(root / "convert" / (name + "_cut"), {number, 180}, {cut});
       Bytes changed = file;
       changed[changed.size() / 2] ^= std::byte{1};
       putPair(name, file, changed);

@@ -154,11 +154,11 @@ static void sound_file(const char* path) {
   torvio_free(other);
 
   EXPECT(is(torvio_map(&input, NULL, NULL, 0, &result, &error), TORVIO_OK));
-  EXPECT(contains("{\"offset\":0,\"size\":2,\"path\":\"version\",\"type\":\"i16\",\"value\":54}\n"));
+  EXPECT(contains("{\"offset\":0,\"size\":2,\"field\":\"version\",\"type\":\"i16\",\"value\":54}\n"));
   last = result != NULL ? result->size : 0;
   release();
   EXPECT(is(torvio_map(&input, "stations", "1366..1480", 0, &result, &error), TORVIO_OK));
-  EXPECT(result != NULL && result->size > 0 && result->size < last && !contains("\"path\":\"version\""));
+  EXPECT(result != NULL && result->size > 0 && result->size < last && !contains("\"field\":\"version\""));
   release();
   EXPECT(is(torvio_map(&input, "noSuchField", NULL, 0, &result, &error), TORVIO_OK));
   EXPECT(result != NULL && result->size == 0 && result->data[0] == '\0');

@@ -219,6 +219,8 @@ class Test:
         self.expect("kinds", len(kinds), 8)
         for kind in kinds:
             self.same(f"schema of {kind}", self.torvio.call("schema", kind.encode()), "schema", kind)
+            self.same(f"JSON format of {kind}", self.torvio.call("format", kind.encode(), b"json"),
+                      "format", "--json", kind)
             self.same(f"Kaitai of {kind}", self.torvio.call("format", kind.encode(), b"kaitai"),
                       "format", "--as", "kaitai", kind)
         for name in kinds + supported["records"]:

@@ -256,7 +256,7 @@ TEST(ConvertReport, JsonHasTheSame) {
   const auto saved = values::saveRecord<FileKind::macro>(*macro, 180);
   const convert::Converted converted = convert::convert(saved.bytes, FileKind::macro, 110);
   const auto json = nlohmann::json::parse(convert::jsonOf(converted.report, "a\nb", converted.error, false));
-  EXPECT_EQ(json["file"], "a\nb");
+  EXPECT_EQ(json["path"], "a\nb");
   EXPECT_EQ(json["kind"], "macro");
   EXPECT_EQ(json["from"], 180);
   EXPECT_EQ(json["to"], 110);

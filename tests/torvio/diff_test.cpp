@@ -965,11 +965,11 @@ TEST_F(DiffCommand, JsonHasALineForEachDifferenceAndASummary) {
   EXPECT_EQ(run.code, 1);
   const std::vector<Json> all = lines(run.output);
   ASSERT_EQ(all.size(), 4U);
-  EXPECT_EQ(all[0], Json::parse(R"({"change":"changed","pathInA":"width","pathInB":"width","a":12.5,"b":13})"));
+  EXPECT_EQ(all[0], Json::parse(R"({"change":"changed","fieldInA":"width","fieldInB":"width","a":12.5,"b":13})"));
   EXPECT_EQ(all[1]["change"], "onlyInB");
-  EXPECT_EQ(all[1]["pathInB"], "marks[0]");
+  EXPECT_EQ(all[1]["fieldInB"], "marks[0]");
   EXPECT_EQ(all[1]["b"]["markWord3"], 7);
-  EXPECT_FALSE(all[1].contains("pathInA"));
+  EXPECT_FALSE(all[1].contains("fieldInA"));
   const Json& summary = all[3]["summary"];
   EXPECT_EQ(summary["same"], false);
   EXPECT_EQ(summary["differences"], 3);

@@ -1,6 +1,11 @@
 // `torvio format --as kaitai`. What the descriptions describe is compared with maps by kaitai_test.py.
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
 #include "src/frame/codec/describe.h"
 #include "tests/support/kind_files.h"
 #include "tests/tools/run_torvio.h"
@@ -130,6 +135,33 @@ TEST(FormatCommand, PrintsMarkdownUnlessAnotherLanguageIsNamed) {
   const std::string table = torvio("format macro").output;
   EXPECT_EQ(table, explain::formatTable(explain::FileKind::macro));
   EXPECT_EQ(torvio("format macro --as markdown").output, table);
+}
+
+TEST(FormatCommand, PrintsTheRowsOfEveryTableAsJson) {
+  std::vector<std::string> tables = explain::recordNames();
+  for (const Kind& kind : kinds()) tables.push_back(kind.name);
+  for (const std::string& table : tables) {
+    const Outcome run = torvio("format " + table + " --json");
+    ASSERT_EQ(run.code, 0) << table << ' ' << run.errors;
+    // The lines of the Markdown table after its head.
+    std::istringstream lines(run.output), markdown(torvio("format " + table).output);
+    std::string line, row;
+    std::getline(markdown, row);
+    std::getline(markdown, row);
+    std::size_t count = 0;
+    while (std::getline(lines, line) && std::getline(markdown, row)) {
+      const auto object = nlohmann::json::parse(line);
+      const std::vector<std::string> fields = object["fields"];
+      const std::string storedAs = object["storedAs"], condition = object["condition"];
+      ASSERT_FALSE(fields.empty()) << line;
+      EXPECT_EQ(row.find("| " + std::to_string(++count) + " | " + fields.front()), 0U) << table << ' ' << row;
+      EXPECT_NE(row.find(fields.back() + " | " + storedAs), std::string::npos) << table << ' ' << row;
+      EXPECT_TRUE(row.ends_with("| " + condition + (condition.empty() ? "|" : " |"))) << table << ' ' << row;
+    }
+    EXPECT_GT(count, 0U) << table;
+    EXPECT_TRUE(lines.peek() == EOF && markdown.peek() == EOF) << table << ": other numbers of rows";
+  }
+  EXPECT_EQ(torvio("format macro --json --as markdown").code, 2);
 }
 
 TEST(FormatCommand, RefusesKaitaiDescriptionsOfRecordsAndUnknownLanguages) {

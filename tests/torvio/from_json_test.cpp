@@ -182,7 +182,7 @@ TEST(FromJson, TextsMayHaveEscapesAndEveryFormOfAFixedText) {
 TEST(FromJson, WhatIsSaidOfTheFileIsIgnored) {
   Json json = document();
   json["unread"] = 5;
-  json["tolerated"] = {{"offset", 3}, {"path", "a"}, {"reason", "b"}};
+  json["tolerated"] = {{"offset", 3}, {"field", "a"}, {"reason", "b"}};
   EXPECT_EQ(errorOf(json), "");
 }
 
@@ -259,7 +259,7 @@ TEST(FromJson, WrongDocumentsAreNamed) {
   EXPECT_EQ(changed("record", nullptr), "record: there is none: the file could not be loaded as any kind and version");
   EXPECT_EQ(changed("record", Json::array()), "record: must be an object, not an array");
   EXPECT_EQ(changed("extra", 1), "\"extra\" is no member of a document");
-  EXPECT_EQ(changed("fault", {{"offset", 3}, {"path", "a"}, {"reason", "b"}}).substr(0, 27),
+  EXPECT_EQ(changed("fault", {{"offset", 3}, {"field", "a"}, {"reason", "b"}}).substr(0, 27),
             "fault: the file was damaged");
   EXPECT_EQ(changed("fault", {{"offset", "3"}}), "fault.offset: must be an integer, not a string");
   EXPECT_EQ(changed("tolerated", Json::object()), "tolerated: must have offset, path and reason");

@@ -100,7 +100,7 @@ TEST(Infos, SayWhatASheetContains) {
     EXPECT_TRUE(contains(text, line)) << line << text;
 
   const json object = json::parse(infoJson("a.sheet", info));
-  EXPECT_EQ(object["file"], "a.sheet");
+  EXPECT_EQ(object["path"], "a.sheet");
   EXPECT_EQ(object["kind"], "sheet");
   EXPECT_EQ(object["version"], 180);
   EXPECT_EQ(object["verdict"], "sound");
@@ -326,7 +326,7 @@ TEST(Infos, TextsOfTheFileHaveNoEffect) {
     std::string label;
     encoding.appendUtf8(label, fixedText(sheet->sheetLabel));
     EXPECT_EQ(json::parse(line)["label"], label) << encodingName;
-    EXPECT_EQ(json::parse(line)["file"], "name\nof\x1b");
+    EXPECT_EQ(json::parse(line)["path"], "name\nof\x1b");
   }
 }
 

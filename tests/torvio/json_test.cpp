@@ -272,7 +272,7 @@ TEST(Json, DamagedFileHasWhatWasReadAndTheFault) {
         if (!report.fault) continue;
         ++damaged;
         EXPECT_EQ(json["fault"]["offset"], report.fault->offset);
-        EXPECT_EQ(json["fault"]["path"], report.fault->path);
+        EXPECT_EQ(json["fault"]["field"], report.fault->path);
         EXPECT_EQ(json["fault"]["reason"], report.fault->reason);
       }
     }
@@ -287,7 +287,7 @@ TEST(Json, DamagedFileKeepsTheMembersBeforeTheFault) {
       Json::parse(jsonOfFile(cut, FileKind::specialTool, explain::checkFile(cut.span(), FileKind::specialTool)));
   EXPECT_EQ(json["record"]["specialValue"], 50);
   EXPECT_EQ(json["record"]["shapes"]["shapes"].size(), 2U);
-  EXPECT_EQ(json["fault"]["path"].get<std::string>().substr(0, 17), "shapes.shapes[2].");
+  EXPECT_EQ(json["fault"]["field"].get<std::string>().substr(0, 17), "shapes.shapes[2].");
 }
 
 TEST(Json, UnreadBytesAreCounted) {
@@ -336,7 +336,7 @@ TEST_F(JsonCommand, DamagedFileIsReportedOnStandardErrorToo) {
   const Outcome run = torvio("json " + path + " -o " + folder_.path("out.json"));
   EXPECT_EQ(run.code, 1);
   const Json fault = Json::parse(text("out.json"))["fault"];
-  EXPECT_NE(run.errors.find(fault["path"].get<std::string>() + ": " + fault["reason"].get<std::string>()),
+  EXPECT_NE(run.errors.find(fault["field"].get<std::string>() + ": " + fault["reason"].get<std::string>()),
             std::string::npos)
       << run.errors;
 }
@@ -347,7 +347,7 @@ TEST_F(JsonCommand, FileOfUnknownKindOrVersionHasNoRecord) {
   const Json json = Json::parse(unknown.output);
   EXPECT_TRUE(json["kind"].is_null());
   EXPECT_TRUE(json["record"].is_null());
-  EXPECT_EQ(json["fault"]["path"], "version");
+  EXPECT_EQ(json["fault"]["field"], "version");
   const Outcome refused = torvio("json --kind machine " + folder_.write("old", Bytes().i16(3).zeros(100)));
   EXPECT_EQ(refused.code, 1);
   EXPECT_EQ(Json::parse(refused.output)["kind"], "machine");

@@ -119,7 +119,7 @@ for (const name of readdirSync(folder).sort()) {
       const expected = wanted[i++];
       ++fields;
       const isEqual = expected !== undefined && expected.offset === field.offset && expected.size === field.size &&
-        expected.path === field.path && same(expected, field);
+        expected.field === field.path && same(expected, field);
       if (isEqual) continue;
       differ(`${name}: ${JSON.stringify(field)} is not ${JSON.stringify(expected)}`);
       break;

@@ -86,12 +86,12 @@ TEST_F(MapCommand, JsonHasOneObjectForEachFieldWithItsValue) {
   const auto objects = objectsIn(run.output);
   const auto at = [&](const std::string& path) {
     for (const json& one : objects)
-      if (one["path"] == path) return one;
+      if (one["field"] == path) return one;
     ADD_FAILURE() << path;
     return json();
   };
-  EXPECT_EQ(objects[0], json::parse(R"({"offset":0,"size":2,"path":"version","type":"i16","value":180})"));
-  EXPECT_EQ(objects[1], json::parse(R"({"offset":2,"size":4,"path":"width","type":"f32","value":12.5})"));
+  EXPECT_EQ(objects[0], json::parse(R"({"offset":0,"size":2,"field":"version","type":"i16","value":180})"));
+  EXPECT_EQ(objects[1], json::parse(R"({"offset":2,"size":4,"field":"width","type":"f32","value":12.5})"));
   EXPECT_EQ(at("height")["value"], "-Infinity");
   EXPECT_EQ(at("thickness")["value"], "NaN");
   EXPECT_EQ(at("thickness")["note"], "bits 0x7fc00000");
@@ -183,7 +183,7 @@ TEST_F(MapCommand, FindPrintsTheLinesOfANameAPathOrAGlob) {
   EXPECT_EQ(found("description*").size(), 3U);
   const auto objects = objectsIn(torvio("map --json --find shapes[0..1].y " + part_).output);
   ASSERT_EQ(objects.size(), 2U);
-  EXPECT_EQ(objects[1]["path"], "shapes.shapes[1].y") << "of a block only this field";
+  EXPECT_EQ(objects[1]["field"], "shapes.shapes[1].y") << "of a block only this field";
 }
 
 TEST_F(MapCommand, OffsetPrintsTheFieldsAtTheseBytes) {
@@ -218,7 +218,7 @@ TEST_F(MapCommand, DamagedFilesEndWithTheFaultInEveryForm) {
   EXPECT_EQ(all.code, 1);
   EXPECT_EQ(objectsIn(all.output).size(), 3U);
   EXPECT_EQ(objectsIn(all.output).back(),
-            json::parse(R"({"offset":6,"path":"height","fault":"needs 4 bytes, the file has 2"})"));
+            json::parse(R"({"offset":6,"field":"height","fault":"needs 4 bytes, the file has 2"})"));
   EXPECT_EQ(objectsIn(filtered.output).size(), 2U);
   EXPECT_EQ(filtered.code, 1);
   EXPECT_TRUE(objectsIn(filtered.output).back().contains("fault"));
@@ -231,7 +231,7 @@ TEST_F(MapCommand, DamagedFilesEndWithTheFaultInEveryForm) {
   const Outcome refused = torvio("map --json " + unknown);
   EXPECT_EQ(refused.code, 1);
   EXPECT_EQ(objectsIn(refused.output).back(),
-            json::parse(R"({"offset":0,"path":"version","fault":"7 is not a version of any kind of file"})"));
+            json::parse(R"({"offset":0,"field":"version","fault":"7 is not a version of any kind of file"})"));
   EXPECT_NE(torvio("map --html " + folder_.write("empty", Bytes())).output.find("</html>"), std::string::npos);
 }
 
@@ -306,7 +306,7 @@ std::vector<json> fieldsOfPage(const json& data) {
       const std::size_t offset = at == std::string::npos ? end : std::stoul(columns[2].substr(at + 1));
       end = offset + size;
       fields.push_back(
-          {{"offset", offset}, {"size", size}, {"path", path}, {"type", columns[3]}, {"value", columns[4]}});
+          {{"offset", offset}, {"size", size}, {"field", path}, {"type", columns[3]}, {"value", columns[4]}});
     }
   }
   return fields;
@@ -323,7 +323,7 @@ TEST(MapPages, HoldTheFieldsAndBytesOfEveryKind) {
     const auto fields = fieldsOfPage(data), wanted = objectsIn(torvio("map --json" + named).output);
     ASSERT_EQ(fields.size(), wanted.size()) << kind.name;
     for (std::size_t i = 0; i < fields.size(); ++i)
-      for (const char* part : {"offset", "size", "path", "type"})
+      for (const char* part : {"offset", "size", "field", "type"})
         if (wanted[i].contains(part)) {
           EXPECT_EQ(fields[i][part], wanted[i][part]) << kind.name << ' ' << i;
         }
@@ -356,7 +356,7 @@ TEST_F(MapCommand, NothingThatAFileSaysIsMarkupInItsPage) {
     const json data = json::parse(between(html, kData, "</script>"));
     bool isThere = false;
     for (const json& field : fieldsOfPage(data))
-      if (field["path"] == "descriptionA") isThere = field["value"] == '"' + std::string(kScript) + '"';
+      if (field["field"] == "descriptionA") isThere = field["value"] == '"' + std::string(kScript) + '"';
     EXPECT_TRUE(isThere) << "the text is there, as data";
   }
 }

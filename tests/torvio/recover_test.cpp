@@ -445,7 +445,7 @@ TEST(RecoverReport, RunsOfNumberedMembersAreOneName) {
   EXPECT_NE(text.find("setting20 to setting128, setting163 to setting166\n"), std::string::npos) << text;
   const auto json = nlohmann::json::parse(convert::jsonOf(recovered.report, "m", recovered.error));
   EXPECT_EQ(json["defaults"].size(), 109U + 4U);
-  EXPECT_EQ(json["fault"]["path"], "setting20");
+  EXPECT_EQ(json["fault"]["field"], "setting20");
   EXPECT_EQ(json["leftOut"].size(), 0U);
 }
 

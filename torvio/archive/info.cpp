@@ -435,7 +435,7 @@ std::string infoText(std::string_view name, const Info& info, std::size_t mostRo
 }
 
 std::string infoJson(std::string_view name, const Info& info) {
-  std::string json = "{\"file\":";
+  std::string json = "{\"path\":";
   values::appendJsonString(json, name);
   const auto member = [&](std::string_view key, const InfoValue& value) {
     values::appendJsonString(json += ',', key);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "torvio/values/fault_json.h"
 #include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::archive {
@@ -24,10 +25,7 @@ void appendMember(std::string& to, std::string_view name, std::int64_t number) {
 }
 
 void appendFault(std::string& to, std::string_view name, const explain::Fault& fault) {
-  to.append(",\"").append(name).append("\":{\"offset\":").append(std::to_string(fault.offset));
-  appendMember(to, "field", fault.path);
-  appendMember(to, "reason", fault.reason);
-  to += '}';
+  to.append(",\"").append(name).append("\":").append(values::faultJson(fault));
 }
 
 }  // namespace

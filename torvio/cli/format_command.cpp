@@ -4,6 +4,7 @@
 #include "torvio/cli/commands.h"
 #include "torvio/cli/output.h"
 #include "torvio/explain/format_table.h"
+#include "torvio/report/format_json.h"
 #include "torvio/report/kaitai.h"
 
 namespace torvio {
@@ -28,12 +29,15 @@ class FormatCommand : public Command {
     command->add_option("KIND", table_, "A kind of file, or a record that files embed")
         ->required()
         ->check(oneOf(tables, "kind or record", "Kinds and records"));
-    command->add_option("--as", language_, "markdown, or kaitai: a .ksy file of Kaitai Struct")
-        ->type_name("LANGUAGE")
-        ->take_last()
-        ->check(oneOf({kMarkdown, kKaitai}, "language", "Languages"));
+    CLI::Option* as = command->add_option("--as", language_, "markdown, or kaitai: a .ksy file of Kaitai Struct")
+                          ->type_name("LANGUAGE")
+                          ->take_last()
+                          ->check(oneOf({kMarkdown, kKaitai}, "language", "Languages"));
+    command->add_flag("--json", isJson_, "Print a JSON object for each row, one a line")->excludes(as);
     addOutput(*command, output_);
     command->footer(wrapped("Kinds", kindNames()) + "\n\n" + wrapped("Records", recordNames()) +
+                    "\n\nAn object of --json has fields (a list of names), storedAs (how each of them is\n"
+                    "stored; empty for a rule about earlier fields) and condition."
                     "\n\nKaitai descriptions are of kinds. Their text says what they leave out."
                     "\n\nExamples:\n"
                     "  torvio format sheet\n"
@@ -47,7 +51,8 @@ class FormatCommand : public Command {
   ExitCode run() override {
     const auto kind = kindNamed(table_);
     if (language_ == kKaitai) return printKaitai(kind);
-    return write(kind ? explain::formatTable(*kind) : explain::recordTable(table_));
+    const std::vector<explain::FormatRow> rows = kind ? explain::formatRows(*kind) : explain::recordRows(table_);
+    return write(isJson_ ? report::formatJson(rows) : explain::markdownOf(rows));
   }
 
  private:
@@ -76,6 +81,7 @@ class FormatCommand : public Command {
   }
 
   std::string table_, language_ = kMarkdown, output_;
+  bool isJson_ = false;
 };
 
 }  // namespace

@@ -108,11 +108,11 @@ class MapCommand : public Command {
            "  parts[0].**.*Count  below part 0, at any depth, names that end in Count\n\n"
            "A alone is the field that contains this byte, A..B the fields that overlap these\n"
            "bytes, both included. With --find and --offset, a field has to be in both.\n\n"
-           "JSON: {\"offset\":2,\"size\":4,\"path\":\"width\",\"type\":\"f32\",\"value\":12.5}. Texts are\n"
+           "JSON: {\"offset\":2,\"size\":4,\"field\":\"width\",\"type\":\"f32\",\"value\":12.5}. Texts are\n"
            "strings up to their first NUL, raw bytes strings of hexadecimal digits, reserved\n"
            "bytes null; \"note\" says what the value leaves out. Fields that are stored as one\n"
            "item have one object each. A damaged file ends with\n"
-           "{\"offset\":40,\"path\":\"height\",\"fault\":\"needs 4 bytes, the file has 2\"}.\n\n"
+           "{\"offset\":40,\"field\":\"height\",\"fault\":\"needs 4 bytes, the file has 2\"}.\n\n"
            "Texts are printed byte by byte unless --encoding, --json or --html is given. An\n"
            "OUT that ends in \".html\" implies --html if nothing else is asked for. --html\n"
            "takes files of up to " +

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "torvio/values/fault_json.h"
 #include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::compare {
@@ -38,10 +39,7 @@ void appendFile(std::string& to, std::string_view key, const JudgedFile& file, c
   appendJson(to, "part", compared.part);
   const explain::FileReport& report = file.report;
   if (report.fault) {
-    to.append(",\"fault\":{\"offset\":").append(std::to_string(report.fault->offset));
-    appendText(to, "path", report.fault->path);
-    appendText(to, "reason", report.fault->reason);
-    to += '}';
+    appendJson(to, "fault", values::faultJson(*report.fault));
   } else if (report.walked < report.size) {
     appendJson(to, "unread", std::to_string(report.size - report.walked));
   }
@@ -53,8 +51,8 @@ void appendFile(std::string& to, std::string_view key, const JudgedFile& file, c
 std::string differenceJson(const Difference& difference) {
   std::string text = "{\"change\":\"";
   text.append(nameOf(difference.change)).append("\"");
-  if (!difference.pathInA.empty()) appendText(text, "pathInA", difference.pathInA);
-  if (!difference.pathInB.empty()) appendText(text, "pathInB", difference.pathInB);
+  if (!difference.pathInA.empty()) appendText(text, "fieldInA", difference.pathInA);
+  if (!difference.pathInB.empty()) appendText(text, "fieldInB", difference.pathInB);
   appendJson(text, "a", difference.a);
   appendJson(text, "b", difference.b);
   appendJson(text, "name", difference.name);

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "torvio/values/fault_json.h"
 #include "torvio/values/text_encoding.h"
 
 namespace oldtorvio::convert {
@@ -192,7 +193,7 @@ std::string jsonOf(const Report& report, std::string_view fileUtf8, std::string_
                    std::optional<bool> isWritten) {
   Json json;
   json.open('{');
-  if (!fileUtf8.empty()) json.text("file", fileUtf8);
+  if (!fileUtf8.empty()) json.text("path", fileUtf8);
   json.text("kind", frame::infoOf(report.kind).name);
   json.raw("from", report.from ? std::to_string(*report.from) : "null");
   json.raw("to", std::to_string(report.to));
@@ -200,14 +201,7 @@ std::string jsonOf(const Report& report, std::string_view fileUtf8, std::string_
   json.number("newSize", report.newSize);
   if (isWritten) json.raw("written", *isWritten ? "true" : "false");
   if (!error.empty()) json.text("error", error);
-  if (report.fault) {
-    json.key("fault");
-    json.open('{');
-    json.number("offset", report.fault->offset);
-    json.text("path", report.fault->path);
-    json.text("reason", report.fault->reason);
-    json.close('}');
-  }
+  if (report.fault) json.raw("fault", values::faultJson(*report.fault));
   json.list("leftOut", report.leftOut, [&json](const LeftOut& bytes) {
     json.number("offset", bytes.offset);
     json.number("size", bytes.size);

@@ -1,51 +1,22 @@
 #include "torvio/explain/format_printer.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <iterator>
 
 namespace oldtorvio::explain {
-namespace {
 
-struct Numbered {
-  std::string stem;
-  int number = -1;  // none
-};
-
-Numbered numbered(const std::string& name) {
-  std::size_t digits = name.size();
-  while (digits > 0 && std::isdigit(static_cast<unsigned char>(name[digits - 1])) != 0) --digits;
-  if (digits == name.size() || digits == 0 || name.size() - digits > 6) return {name, -1};
-  return {name.substr(0, digits), std::stoi(name.substr(digits))};
-}
-
-bool follows(const std::string& name, const std::string& before) {
-  const Numbered one = numbered(name), other = numbered(before);
-  return other.number >= 0 && one.stem == other.stem && one.number == other.number + 1;
-}
-
-// "word1, word2, word3, tail" is "word1 to word3, tail".
-std::string joinNames(const std::vector<std::string>& names) {
-  constexpr std::size_t kShortestRun = 3;
-  std::string all;
-  for (std::size_t i = 0; i < names.size();) {
-    std::size_t end = i + 1;
-    while (end < names.size() && follows(names[end], names[end - 1])) ++end;
-    if (end - i < kShortestRun) end = i + 1;
-    all.append(all.empty() ? "" : ", ").append(names[i]);
-    if (end - i > 1) all.append(" to ").append(names[end - 1]);
-    i = end;
-  }
-  return all;
-}
-
-}  // namespace
-
-std::string FormatPrinter::table(const Walk& walk, Place place) {
+std::vector<FormatRow> FormatPrinter::rows(const Walk& walk, Place place) {
   FormatPrinter printer(place);
   walk(printer);
-  return printer.markdown();
+  std::vector<FormatRow> all;
+  all.reserve(printer.rows_.size());
+  for (TableRow& row : printer.rows_) {
+    std::string condition = conditionText(row.conditions);
+    if (!row.condition.empty()) condition.append(condition.empty() ? "" : "; ").append(row.condition);
+    all.push_back({std::move(row.names), std::move(row.stored), std::move(condition)});
+  }
+  return all;
 }
 
 std::int32_t FormatPrinter::numberCalled(const std::string& name) {
@@ -129,19 +100,6 @@ std::string FormatPrinter::conditionText(const std::vector<Condition>& condition
   std::string all = since > 0 ? "since " + std::to_string(since) : std::string();
   for (const std::string& text : texts) all.append(all.empty() ? "" : ", ").append(text);
   return all;
-}
-
-std::string FormatPrinter::markdown() const {
-  std::string table = "| # | field | stored as | condition |\n|---|---|---|---|\n";
-  for (std::size_t i = 0; i < rows_.size(); ++i) {
-    const TableRow& row = rows_[i];
-    std::string condition = conditionText(row.conditions);
-    if (!row.condition.empty()) condition.append(condition.empty() ? "" : "; ").append(row.condition);
-    table.append("| ").append(std::to_string(i + 1)).append(" | ").append(joinNames(row.names)).append(" | ");
-    table.append(row.stored).append(row.names.size() > 1 ? " each" : "").append(row.stored.empty() ? "| " : " | ");
-    table.append(condition).append(condition.empty() ? "|\n" : " |\n");
-  }
-  return table;
 }
 
 }  // namespace oldtorvio::explain

@@ -15,6 +15,7 @@
 
 #include "src/frame/codec/describe.h"
 #include "src/frame/versions.h"
+#include "torvio/explain/format_table.h"
 #include "torvio/explain/layout_walker.h"
 #include "torvio/explain/map.h"
 #include "torvio/explain/record_names.h"
@@ -28,8 +29,9 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   // Whether `walk` knows where the record is embedded. If so, conditions on the place are decided and not printed.
   enum class Place : std::uint8_t { open, given };
 
-  // The table of what `walk` walks.
-  static std::string table(const Walk& walk, Place place = Place::open);
+  // The rows of what `walk` walks.
+  static std::vector<FormatRow> rows(const Walk& walk, Place place = Place::open);
+  static std::string table(const Walk& walk, Place place = Place::open) { return markdownOf(rows(walk, place)); }
 
   // A value that is printed as the name of a size or count: "text, textWidth bytes".
   std::int32_t numberCalled(const std::string& name);
@@ -242,8 +244,6 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   };
 
   explicit FormatPrinter(Place place) : place_(place) {}
-
-  std::string markdown() const;
 
   // Names of the FIELDS(...) at hand.
   template <class Names>

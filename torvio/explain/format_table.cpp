@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <memory>
 
 #include "src/file_records.h"
@@ -105,9 +106,41 @@ void nameSizes(FormatPrinter& printer, OldSheet& sheet) {
   sheet.clampInfo.clampCount = printer.numberCalled("clampCount");
 }
 
+struct Numbered {
+  std::string stem;
+  int number = -1;  // none
+};
+
+Numbered numbered(const std::string& name) {
+  std::size_t digits = name.size();
+  while (digits > 0 && std::isdigit(static_cast<unsigned char>(name[digits - 1])) != 0) --digits;
+  if (digits == name.size() || digits == 0 || name.size() - digits > 6) return {name, -1};
+  return {name.substr(0, digits), std::stoi(name.substr(digits))};
+}
+
+bool follows(const std::string& name, const std::string& before) {
+  const Numbered one = numbered(name), other = numbered(before);
+  return other.number >= 0 && one.stem == other.stem && one.number == other.number + 1;
+}
+
+// "word1, word2, word3, tail" is "word1 to word3, tail".
+std::string joinNames(const std::vector<std::string>& names) {
+  constexpr std::size_t kShortestRun = 3;
+  std::string all;
+  for (std::size_t i = 0; i < names.size();) {
+    std::size_t end = i + 1;
+    while (end < names.size() && follows(names[end], names[end - 1])) ++end;
+    if (end - i < kShortestRun) end = i + 1;
+    all.append(all.empty() ? "" : ", ").append(names[i]);
+    if (end - i > 1) all.append(" to ").append(names[end - 1]);
+    i = end;
+  }
+  return all;
+}
+
 }  // namespace
 
-std::string formatTable(FileKind kind) {
+std::vector<FormatRow> formatRows(FileKind kind) {
   const auto walk = [kind](FormatPrinter& printer) {
     std::int16_t version = 0;
     (void)printer.fields(FIELDS(version));
@@ -118,13 +151,30 @@ std::string formatTable(FileKind kind) {
     });
   };
   // A part file is a place of its own for the pattern in it.
-  return FormatPrinter::table(walk, kind == FileKind::part ? FormatPrinter::Place::given : FormatPrinter::Place::open);
+  return FormatPrinter::rows(walk, kind == FileKind::part ? FormatPrinter::Place::given : FormatPrinter::Place::open);
 }
 
-std::string recordTable(std::string_view name) {
+std::vector<FormatRow> recordRows(std::string_view name) {
   const auto found =
       std::find_if(kRecords.begin(), kRecords.end(), [&](const auto& one) { return commandName(one.name) == name; });
-  return found == kRecords.end() ? std::string() : FormatPrinter::table(found->walk, found->place);
+  return found == kRecords.end() ? std::vector<FormatRow>() : FormatPrinter::rows(found->walk, found->place);
+}
+
+std::string markdownOf(const std::vector<FormatRow>& rows) {
+  std::string table = "| # | field | stored as | condition |\n|---|---|---|---|\n";
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const FormatRow& row = rows[i];
+    table.append("| ").append(std::to_string(i + 1)).append(" | ").append(joinNames(row.fields)).append(" | ");
+    table.append(row.storedAs).append(row.fields.size() > 1 ? " each" : "").append(row.storedAs.empty() ? "| " : " | ");
+    table.append(row.condition).append(row.condition.empty() ? "|\n" : " |\n");
+  }
+  return table;
+}
+
+std::string formatTable(FileKind kind) { return markdownOf(formatRows(kind)); }
+std::string recordTable(std::string_view name) {
+  const std::vector<FormatRow> rows = recordRows(name);
+  return rows.empty() ? std::string() : markdownOf(rows);
 }
 
 std::vector<std::string> recordNames() {

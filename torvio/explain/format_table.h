@@ -1,4 +1,4 @@
-// The stored forms as tables in Markdown, made from the descriptions themselves.
+// The stored forms as tables, made from the descriptions themselves.
 #pragma once
 #include <string>
 #include <string_view>
@@ -8,11 +8,22 @@
 
 namespace oldtorvio::explain {
 
-// A file of that kind from its first byte. Of part files the layout from version 52 on.
-std::string formatTable(FileKind kind);
+// Fields that are stored alike, one after the other.
+struct FormatRow {
+  std::vector<std::string> fields;
+  std::string storedAs;   // empty: a rule for fields of earlier rows
+  std::string condition;  // and rules for the values, separated by "; "; empty without any
+};
 
+// A file of that kind from its first byte. Of part files the layout from version 52 on.
+std::vector<FormatRow> formatRows(FileKind kind);
 // What files embed, and the layouts of the oldest parts, by name: "clamp-info", "part-3". Empty for a
 // name that is none of recordNames().
+std::vector<FormatRow> recordRows(std::string_view name);
+
+// The same in Markdown, with numbered rows.
+std::string markdownOf(const std::vector<FormatRow>& rows);
+std::string formatTable(FileKind kind);
 std::string recordTable(std::string_view name);
 std::vector<std::string> recordNames();
 

@@ -158,7 +158,7 @@ TORVIO_API torvio_status torvio_check(const torvio_input* input, uint32_t flags,
                                       torvio_error** error) TORVIO_NOEXCEPT;
 
 /* What a person wants to know of a file at a glance: names, sizes, parts, tools. The result is the object of
- * `torvio info --json`: "file", "kind", "version", "verdict", "remark", then members that depend on the kind. Lengths
+ * `torvio info --json`: "path", "kind", "version", "verdict", "remark", then members that depend on the kind. Lengths
  * are in the unit of the file. Returns what torvio_check returns, also with a result for a file that was not read. Of a
  * damaged file it has what was read before the fault. flags: 0. */
 TORVIO_API torvio_status torvio_info(const torvio_input* input, uint32_t flags, torvio_buffer** result,
@@ -191,11 +191,11 @@ TORVIO_API torvio_status torvio_schema(const char* kind, torvio_buffer** result,
 
 /* Every field of a file with its offset, as `torvio map --json` prints it: one object a line,
  *
- *   {"offset":2,"size":4,"path":"width","type":"f32","value":12.5}
+ *   {"offset":2,"size":4,"field":"width","type":"f32","value":12.5}
  *
  * with offset and size in bytes. Texts are strings up to their first NUL, raw bytes strings of hexadecimal digits,
  * reserved bytes null; "note" says what the value leaves out. A damaged file ends with its fault,
- * {"offset":40,"path":"height","fault":"needs 4 bytes, the file has 2"}, and returns TORVIO_DAMAGED.
+ * {"offset":40,"field":"height","fault":"needs 4 bytes, the file has 2"}, and returns TORVIO_DAMAGED.
  *
  * find      selects fields by their names, as --find of the command line: "width", "shapes[3].x", "**.*Count".
  *           NULL: all
@@ -215,7 +215,8 @@ TORVIO_API torvio_status torvio_map(const torvio_input* input, const char* find,
 /* The stored form of a kind of file, or of a record that files embed ("clamp-info"; torvio_supported lists both).
  *
  * name      the kind or record; must not be NULL
- * language  "markdown" or NULL: a table. "kaitai": a definition for Kaitai Struct (.ksy); of a record or of a kind that
+ * language  "markdown" or NULL: a table. "json": its rows, an object a line with the names of the "fields", how each is
+ *           "storedAs", and on which "condition". "kaitai": a definition for Kaitai Struct (.ksy); of a record or of a kind that
  *           it cannot describe TORVIO_REFUSED */
 TORVIO_API torvio_status torvio_format(const char* name, const char* language, torvio_buffer** result,
                                        torvio_error** error) TORVIO_NOEXCEPT;

@@ -21,6 +21,7 @@
 #include "torvio/library/answer.h"
 #include "torvio/library/input.h"
 #include "torvio/report/field_value.h"
+#include "torvio/report/format_json.h"
 #include "torvio/report/kaitai.h"
 #include "torvio/report/map_json.h"
 #include "torvio/report/map_page.h"
@@ -167,17 +168,19 @@ void map(Answer& answer, const Input& input, const explain::MapFilter& filter, b
 
 void format(Answer& answer, const std::string& name, const std::string& language) {
   const auto kind = explain::kindNamed(name);
-  const std::string table = kind ? explain::formatTable(*kind) : explain::recordTable(name);
-  if (table.empty()) throw badArgument("name is no kind of file and no record");
+  const std::vector<explain::FormatRow> rows = kind ? explain::formatRows(*kind) : explain::recordRows(name);
+  if (rows.empty()) throw badArgument("name is no kind of file and no record");
   if (language == "markdown") {
-    answer.append(table);
+    answer.append(explain::markdownOf(rows));
+  } else if (language == "json") {
+    answer.append(report::formatJson(rows));
   } else if (language == "kaitai") {
     if (!kind) throw refused("Kaitai descriptions are of kinds of files");
     const report::KaitaiDescription description = report::kaitaiDescription(*kind);
     if (!description.problems.empty()) throw refused("cannot be described for Kaitai: " + description.problems.front());
     answer.append(description.text);
   } else {
-    throw badArgument("language is neither markdown nor kaitai");
+    throw badArgument("language is none of markdown, json, kaitai");
   }
 }
 

@@ -7,7 +7,7 @@ namespace oldtorvio::report {
 void appendJsonField(std::string& to, const explain::MapField& field, std::span<const std::byte> file,
                      const values::TextEncoding& encoding) {
   to.append("{\"offset\":").append(std::to_string(field.offset)).append(",\"size\":");
-  to.append(std::to_string(field.size)).append(",\"path\":");
+  to.append(std::to_string(field.size)).append(",\"field\":");
   values::appendJsonString(to, field.path);
   to.append(",\"type\":\"").append(field.form->type).append("\",\"value\":");
   appendJsonValue(to, field, file, encoding);
@@ -19,7 +19,7 @@ void appendJsonField(std::string& to, const explain::MapField& field, std::span<
 }
 
 void appendJsonRemark(std::string& to, const explain::MapLine& line) {
-  to.append("{\"offset\":").append(std::to_string(line.offset)).append(",\"size\":0,\"path\":");
+  to.append("{\"offset\":").append(std::to_string(line.offset)).append(",\"size\":0,\"field\":");
   values::appendJsonString(to, line.path);
   to.append(",\"remark\":");
   values::appendJsonString(to, line.value);
@@ -35,7 +35,7 @@ void appendJsonLine(std::string& to, const explain::MapLine& line, const explain
 }
 
 void appendJsonFault(std::string& to, const explain::Fault& fault) {
-  to.append("{\"offset\":").append(std::to_string(fault.offset)).append(",\"path\":");
+  to.append("{\"offset\":").append(std::to_string(fault.offset)).append(",\"field\":");
   values::appendJsonString(to, fault.path);
   to.append(",\"fault\":");
   values::appendJsonString(to, fault.reason);

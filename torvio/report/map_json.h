@@ -11,16 +11,16 @@
 
 namespace oldtorvio::report {
 
-// {"offset":2,"size":4,"path":"width","type":"f32","value":12.5}, and "note" where noteOf() says something. With its
+// {"offset":2,"size":4,"field":"width","type":"f32","value":12.5}, and "note" where noteOf() says something. With its
 // newline, as all of these.
 void appendJsonField(std::string& to, const explain::MapField& field, std::span<const std::byte> file,
                      const values::TextEncoding& encoding);
-// {"offset":40,"size":0,"path":"machine","remark":"..."}
+// {"offset":40,"size":0,"field":"machine","remark":"..."}
 void appendJsonRemark(std::string& to, const explain::MapLine& line);
 // A remark, or the fields of the line that the filter accepts.
 void appendJsonLine(std::string& to, const explain::MapLine& line, const explain::MapFilter& filter,
                     std::span<const std::byte> file, const values::TextEncoding& encoding);
-// {"offset":40,"path":"width","fault":"needs 4 bytes, the file has 2"}
+// {"offset":40,"field":"width","fault":"needs 4 bytes, the file has 2"}
 void appendJsonFault(std::string& to, const explain::Fault& fault);
 
 }  // namespace oldtorvio::report

@@ -21,7 +21,7 @@ inline constexpr std::string_view kFormat = "format", kKind = "kind", kVersion =
 // May be in a document that a person or an editor has made.
 inline constexpr std::string_view kSchema = "$schema";
 // Of a fault.
-inline constexpr std::string_view kOffset = "offset", kPath = "path", kReason = "reason";
+inline constexpr std::string_view kOffset = "offset", kField = "field", kReason = "reason";
 // Of a fixed text with bytes after its NUL, and of a float that is no JSON number.
 inline constexpr std::string_view kText = "text", kAfter = "after", kBits = "bits";
 

@@ -213,7 +213,7 @@ class RecordBuilder {
       case Place::head:
         return headKey(name);
       case Place::fault:
-        return smallKey(name, {json_names::kOffset, json_names::kPath, json_names::kReason});
+        return smallKey(name, {json_names::kOffset, json_names::kField, json_names::kReason});
       case Place::textObject:
         return smallKey(name, {json_names::kText, json_names::kAfter});
       default:

@@ -158,9 +158,9 @@ std::string fault() {
   using namespace json_names;
   return object({{"type", typeNamed("object")},
                  {"properties", object({{kOffset, object({{"type", typeNamed("integer")}, {"minimum", "0"}})},
-                                        {kPath, object({{"type", typeNamed("string")}})},
+                                        {kField, object({{"type", typeNamed("string")}})},
                                         {kReason, object({{"type", typeNamed("string")}})}})},
-                 {"required", array({inQuotes(kOffset), inQuotes(kPath), inQuotes(kReason)})},
+                 {"required", array({inQuotes(kOffset), inQuotes(kField), inQuotes(kReason)})},
                  {"additionalProperties", "false"}});
 }
 

@@ -314,7 +314,7 @@ void writeFault(JsonWriter& to, std::string_view name, const explain::Fault& fau
   to.open('{');
   to.key(json_names::kOffset);
   to.integer(fault.offset);
-  to.key(json_names::kPath);
+  to.key(json_names::kField);
   to.plainText(fault.path);
   to.key(json_names::kReason);
   to.plainText(fault.reason);
