@@ -15,6 +15,7 @@
 #include "OldTorvIO/records.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/export_calls.h"
+#include "tests/support/sanitizers.h"
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -30,13 +31,8 @@ namespace {
 using namespace testing_support;
 using namespace oldtorvio;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::size_t kSmallStack = 1U << 20U;  // sanitizers enlarge every stack frame
-constexpr bool kIsSanitized = true;
-#else
-constexpr std::size_t kSmallStack = 64U << 10U;
-constexpr bool kIsSanitized = false;
-#endif
+// Sanitizers enlarge every stack frame.
+constexpr std::size_t kSmallStack = kIsSanitized ? 1U << 20U : 64U << 10U;
 
 // One handle of the library.
 class Library {

@@ -29,6 +29,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
+#include "tests/support/sanitizers.h"
 #include "tests/support/sheet_keys.h"
 #include "torvio/explain/file_map.h"
 #include "torvio/explain/map.h"
@@ -981,9 +982,7 @@ class AllExports : public testing::Test {
 };
 
 TEST_F(AllExports, EveryExportWorksOnAStackOf64Kibibytes) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  GTEST_SKIP() << "sanitizers enlarge every stack frame";
-#endif
+  if (kIsSanitized) GTEST_SKIP() << "sanitizers enlarge every stack frame";
   std::string path = folder_.path();
   ASSERT_TRUE(runOnStackOf(
       64U * 1024U, [](void* folder) { callEverything(*static_cast<std::string*>(folder), true); }, &path));

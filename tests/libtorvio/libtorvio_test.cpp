@@ -12,6 +12,7 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/sanitizers.h"
 #include "torvio/include/torvio.h"
 
 namespace {
@@ -151,12 +152,6 @@ std::vector<Outcome> outcomesOf(const std::vector<Call>& calls) {
   for (const Call& call : calls) all.push_back(called(call.run));
   return all;
 }
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
 
 TEST(Libtorvio, EveryFunctionHasAResultForItsSamples) {
   const Samples samples;

@@ -12,8 +12,8 @@
 #include "torvio/archive/facts.h"
 #include "torvio/draw/tool_outline.h"
 #include "torvio/explain/read_members.h"
+#include "torvio/values/compiled_records.h"
 #include "torvio/values/quantity.h"
-#include "torvio/values/record_bytes.h"
 
 namespace oldtorvio::archive {
 namespace {

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "torvio/explain/file_content.h"
-#include "torvio/values/record_bytes.h"
+#include "torvio/values/compiled_records.h"
 
 namespace oldtorvio::archive {
 namespace {

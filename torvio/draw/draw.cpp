@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "torvio/explain/file_map.h"
-#include "torvio/values/record_bytes.h"
+#include "torvio/values/compiled_records.h"
 
 namespace oldtorvio::draw {
 
