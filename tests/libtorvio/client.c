@@ -62,6 +62,8 @@ static void make_machine(void) {
   machine[kClampCount] = 2;
 }
 
+static const char kForeign[] = "\x07\x00 nothing of the suite";
+
 static torvio_input in_memory(const void* data, size_t size, const char* kind) {
   torvio_input input = {0};
   input.data = data;
@@ -174,7 +176,7 @@ static void sound_file(const char* path) {
 
 static void damaged_file(const char* path) {
   const torvio_input input = in_memory(machine, kMachineSize - 100, "machine");
-  const torvio_input foreign = in_memory("\x07\x00 nothing of the suite", 25, NULL);
+  const torvio_input foreign = in_memory(kForeign, sizeof kForeign, NULL);
   torvio_input all[3];
   memset(all, 0, sizeof all);
 
@@ -270,7 +272,7 @@ static void differences(void) {
   b.size = kMachineSize;
   b.kind = "macro";
   EXPECT_REFUSED(torvio_diff(&a, &b, NULL, 0, 0, &same, &result, &error), TORVIO_REFUSED, "");
-  b = in_memory("\x07\x00 nothing of the suite", 25, NULL);
+  b = in_memory(kForeign, sizeof kForeign, NULL);
   EXPECT_REFUSED(torvio_diff(&a, &b, NULL, 0, 0, &same, &result, &error), TORVIO_REFUSED, "b: ");
   b.data = NULL;
   b.path = "/no/such/file";
@@ -289,7 +291,7 @@ static void differences(void) {
 static void new_files(void) {
   const torvio_input sound = in_memory(machine, kMachineSize, "machine");
   const torvio_input cut = in_memory(machine, kMachineSize - 100, "machine");
-  const torvio_input foreign = in_memory("\x07\x00 nothing of the suite", 25, NULL);
+  const torvio_input foreign = in_memory(kForeign, sizeof kForeign, NULL);
   torvio_buffer* report = NULL;
 
   /* A save stores another value in place of 0 in one of its fields. */
