@@ -301,7 +301,7 @@ static void new_files(void) {
   release();
   EXPECT(is(torvio_convert(&sound, 180, TORVIO_ALLOW_LOSS, &result, &report, &error), TORVIO_OK));
   EXPECT(result != NULL && result->size > kMachineSize && (uint8_t)result->data[0] == 180);
-  EXPECT(report != NULL && report->data[report->size] == '\0' && strncmp(report->data, "{\"file\":", 8) == 0);
+  EXPECT(report != NULL && report->data[report->size] == '\0' && strncmp(report->data, "{\"path\":", 8) == 0);
   if (result != NULL) {
     /* The new file is sound, and has everything that the old one has. */
     const torvio_input made = in_memory(result->data, result->size, "machine");

@@ -304,7 +304,7 @@ TEST(Infos, OfOtherFilesAreTheirVerdict) {
   EXPECT_TRUE(refused.facts.empty() && refused.tables.empty());
   const Info missing = unreadableInfo("cannot be opened");
   EXPECT_EQ(json::parse(infoJson("m", missing)),
-            json({{"file", "m"}, {"verdict", "unreadable"}, {"remark", "cannot be opened"}}));
+            json({{"path", "m"}, {"verdict", "unreadable"}, {"remark", "cannot be opened"}}));
 }
 
 TEST(Infos, TextsOfTheFileHaveNoEffect) {
