@@ -25,8 +25,6 @@ struct ToolUse {
   std::size_t pattern = 0;            // of an item of a part
   std::size_t position = 0;           // of the item or slot
   const ProcessSlot* slot = nullptr;  // none for an item. A slot uses the tool only if its station has a tool count
-
-  bool isSecondOfSlot() const { return slot != nullptr && slot->toolChoice != 0; }
 };
 
 // Calls see(use) for the tool number of each item and of each active slot of the parts and of the sheet, in this order.

@@ -210,9 +210,9 @@ class ToolNumbers {
                        : owner != nullptr  ? Place{&pattern, "items"}
                                            : Place{nullptr, "patternItems"};
     const Place element{&list, {}, use.position};
-    see(use.number, {&element, use.slot == nullptr    ? "toolNumber"
-                               : use.isSecondOfSlot() ? "secondToolNumber"
-                                                      : "firstToolNumber"});
+    see(use.number, {&element, use.slot == nullptr         ? "toolNumber"
+                               : use.slot->toolChoice != 0 ? "secondToolNumber"
+                                                           : "firstToolNumber"});
   }
   void see(std::int64_t number, const Place& place) {
     const auto isPast = [&] {

@@ -31,15 +31,22 @@ class NameReader : public codec::Reading<NameReader> {
     if (elements_ > 0) return std::apply([&](auto&... m) { return (item(m) && ...); }, f.members);
     const std::vector<std::string>& names = namesOf(f.names);
     std::size_t i = 0;
-    return std::apply([&](auto&... m) { return ((item(m) && note(names[i++])) && ...); }, f.members);
+    const auto readOne = [&](auto& member) {
+      if (!item(member)) return false;
+      note(names[i++]);
+      return true;
+    };
+    return std::apply([&](auto&... m) { return (readOne(m) && ...); }, f.members);
   }
   template <class Names, class M>
   [[nodiscard]] bool fieldOf(const Names& names, std::size_t i, M& member) {
-    return item(member) && noteOf(names, i);
+    if (!item(member)) return false;
+    noteOf(names, i);
+    return true;
   }
   template <class Names, class M>
   [[nodiscard]] bool indexed(const Names& names, std::size_t, M& member) {
-    return item(member) && noteOf(names, 0);
+    return fieldOf(names, 0, member);
   }
   template <class Names, std::size_t N, class T>
   [[nodiscard]] bool numbers(const Names& names, T (&members)[N], std::size_t count) {
@@ -52,10 +59,11 @@ class NameReader : public codec::Reading<NameReader> {
     const std::byte* from = take(size);
     if (from == nullptr) return false;
     std::memcpy(std::data(field), from, size);
-    return noteOf(names, 0);
+    noteOf(names, 0);
+    return true;
   }
-  bool text(std::string& to, std::uint64_t size) { return in_.append(to, size) || fallShort(); }
-  bool drop(std::size_t size) { return in_.skip(size) || fallShort(); }
+  bool text(std::string& to, std::uint64_t size) { return in_.append(to, size) ? true : fallShort(); }
+  bool drop(std::size_t size) { return in_.skip(size) ? true : fallShort(); }
   std::uint64_t left() const { return in_.left(); }
   bool has(std::size_t size) { return in_.run(size) != nullptr; }
   std::uint64_t position() const { return in_.position(); }
@@ -67,7 +75,7 @@ class NameReader : public codec::Reading<NameReader> {
     const std::string& name = namesOf(names)[list];
     // A list of which nothing but elements is stored is read if it has one, and so is an array: "slots[i]".
     const bool isElement = index >= 0 || name.ends_with(']');
-    if (elements_ == 0 && isElement && index <= 0) (void)note(name);
+    if (elements_ == 0 && isElement && index <= 0) note(name);
     if (elements_ > 0 || isElement) {
       ++elements_;
       return;
@@ -112,18 +120,17 @@ class NameReader : public codec::Reading<NameReader> {
   }
 
   template <class Names>
-  bool noteOf(const Names& names, std::size_t i) {
-    return elements_ > 0 || note(namesOf(names)[i]);
+  void noteOf(const Names& names, std::size_t i) {
+    if (elements_ == 0) note(namesOf(names)[i]);
   }
   // A block has several names: "sizeX, sizeY".
-  bool note(std::string_view names) {
+  void note(std::string_view names) {
     while (!names.empty()) {
       const std::size_t end = std::min(names.find(','), names.size());
       noteOne(names.substr(0, std::min(names.find('['), end)));
       names.remove_prefix(end);
       names.remove_prefix(std::min(names.find_first_not_of(", "), names.size()));
     }
-    return true;
   }
   // With the records that it belongs to.
   void noteOne(std::string_view name) {
