@@ -351,25 +351,29 @@ const listKeys = new Set(['partfulldosname_and_count', 'partfulldosname_and_coun
                           'partname_and_count_and_wonumber', 'part_details_01']);
 
 class Sheet extends RecordHandle {
-  #bytes = 0;  // of all files that were loaded: no text about them needs more room than that
+  // Of all files that were loaded: no text about their patterns needs more room. NaN if it is unknown.
+  #bytes = 0;
 
   constructor(address = oldTorvIO.CreateSheetInfo()) {
     super(address, 'FreeSheetHandle');
   }
   static open(path) {
-    const bytes = sizeOf(path), sheet = [null];
+    const size = sizeOf(path), sheet = [null];
     call('GetOldSheetHandle', path, sheet);
     const opened = new Sheet(sheet[0]);
-    opened.#bytes = Math.max(bytes, sizeOf(path));
+    opened.#loaded(path, size);
     return opened;
   }
+  #loaded(path, sizeBefore) {
+    // An empty file cannot be loaded: one of no bytes does not know its size.
+    this.#bytes += Math.max(sizeBefore, sizeOf(path)) || NaN;
+  }
   load(path) {
-    const bytes = sizeOf(path), before = this.#bytes;
-    this.#bytes += bytes;
+    const size = sizeOf(path);
     try {
       call('LoadOldSheet', path, this.address);
     } finally {
-      this.#bytes = before + Math.max(bytes, sizeOf(path));
+      this.#loaded(path, size);
     }
   }
   save(path, version = 180) {
@@ -387,6 +391,7 @@ class Sheet extends RecordHandle {
     return decodeText(value, encoding);
   }
   partGroupIds() {
+    if (Number.isNaN(this.#bytes)) throw new Error('the sheet is from a pipe or device: the size of the text is unknown');
     // A pattern takes more bytes in its file than its id takes in the text.
     const value = text(1 + this.#bytes);
     const status = Number(oldTorvIO.GetOldSheetInfoPartGroupIDs(this.address, value));
@@ -395,10 +400,9 @@ class Sheet extends RecordHandle {
   }
 }
 
-// Only the size of a file is known before it is read, so pipes and devices are refused.
+// The size of a file; pipes and devices have none.
 function sizeOf(path) {
   const stat = fs.statSync(typeof path === 'string' ? path : Buffer.from(path), {throwIfNoEntry: false});
-  if (stat && !stat.isFile() && !stat.isDirectory()) throw new TypeError(`${nameOf(path)} is not a regular file`);
   return stat ? stat.size : 0;
 }
 
