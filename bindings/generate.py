@@ -141,7 +141,7 @@ class CSharp:
                     lines += self.member(member, c_type)
                 lines += ["    }", ""]
             lines += [f"    /// <summary>The functions of {pathlib.Path(library['header']).name}, which describes them."
-                      "</summary>", f"    public static class {library['name']}Functions", "    {",
+                      "</summary>", f"    public static class {library['name'][:1].upper()}{library['name'][1:]}Functions", "    {",
                       f"        public const string Library = \"{LIBRARY_NAMES[library['name']]}\";"]
             for name, value in library["constants"].items():
                 kind = "int" if value < 16 and not_a_flag(library, name) else "ulong" if value >= 2 ** 32 else "uint"

@@ -269,7 +269,7 @@ namespace OldTorvIO.Raw
     }
 
     /// <summary>The functions of torvio.h, which describes them.</summary>
-    public static class torvioFunctions
+    public static class TorvioFunctions
     {
         public const string Library = "libtorvio";
         public const int TORVIO_OK = 0;
