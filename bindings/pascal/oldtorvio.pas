@@ -558,7 +558,11 @@ begin
     SetLength(Shapes, Count);
     for I := 0 to High(Shapes) do
       with Shapes[I] do
+      begin
+        Call.Enter;
         GetShapeAt(I, ShapeType, X, Y, Values[0], Values[1], Values[2], Values[3]);
+        Call.Leave;
+      end;
   end;
 end;
 
@@ -894,9 +898,13 @@ begin
 end;
 
 constructor TSheet.Create;
+var
+  Call: TForeignCall;
 begin
   inherited Create;
+  Call.Enter;
   FSheet := CreateSheetInfo();
+  Call.Leave;
   if FSheet = nil then
     OutOfMemoryError;
 end;
@@ -1009,9 +1017,13 @@ begin
 end;
 
 constructor TPartList.Create;
+var
+  Call: TForeignCall;
 begin
   inherited Create;
+  Call.Enter;
   FList := CreateOldPartlistInfo();
+  Call.Leave;
   if FList = nil then
     OutOfMemoryError;
 end;
