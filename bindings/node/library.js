@@ -102,8 +102,8 @@ function decodeText(bytes, encoding) {
 function utf8(text, what) {
   if (text === null || text === undefined) return null;
   withoutNul(text, what);
-  if (!text.isWellFormed && /[\uD800-\uDFFF]/u.test(text)) throw new RangeError(`${what} is no Unicode text`);
-  if (text.isWellFormed && !text.isWellFormed()) throw new RangeError(`${what} is no Unicode text`);
+  // Halves of a pair have no UTF-8.
+  if (/[\uD800-\uDFFF]/u.test(text)) throw new RangeError(`${what} is no Unicode text`);
   return Buffer.from(text + '\0', 'utf8');
 }
 
