@@ -76,8 +76,8 @@ void walkNest(const std::string& path) {
   for (const TorvPart& part : sheet->partList.parts) {
     std::cout << utf8(fixedText(part.partName)) << ": " << part.shapes.shapes.size() << " shapes\n";
     for (const oldtorvio::Pattern& pattern : part.patterns)
-      std::cout << "  " << pattern.gridCount1 << " x " << pattern.gridCount2 << " at " << decimal(pattern.originX) << ", "
-                << decimal(pattern.originY) << "\n";
+      std::cout << "  " << pattern.gridCount1 << " x " << pattern.gridCount2 << " at " << decimal(pattern.originX)
+                << ", " << decimal(pattern.originY) << "\n";
   }
 }
 

@@ -5,6 +5,7 @@ usage: table_test.py SOURCE_FOLDER
 import importlib.util
 import json
 import pathlib
+import re
 import sys
 
 import headers
@@ -113,6 +114,10 @@ def main():
             wrong += [f"{name} is only in one of functions.json and {library['exports']}"
                       for name in set(exports) ^ {one["name"] for one in library["functions"]}]
     wrong += meanings(table)
+    version = re.search(r"project\(OldTorvIO VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text())[1]
+    for name in ("package.json", "package-lock.json"):
+        found = json.loads((root / "bindings" / "node" / name).read_text())["version"]
+        wrong += [f"bindings/node/{name} has version {found}, CMakeLists.txt {version}"] if found != version else []
     if not wrong:
         wrong += [f"bindings/{name} is out of date: run bindings/generate.py"
                   for name, content in generate.all_files().items()

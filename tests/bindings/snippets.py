@@ -1,0 +1,47 @@
+"""docs/bindings.md shows the examples verbatim: each job in each language, and what the examples print.
+
+usage: snippets.py SOURCE_FOLDER
+
+A line <!-- FILE --> stands before each piece of code. The code is in that file, perhaps indented.
+"""
+import collections
+import pathlib
+import re
+import sys
+import textwrap
+
+LANGUAGES = {"c": "bindings/c/example.c", "cpp": "bindings/cpp/example.cpp", "python": "bindings/ctypes/example.py",
+             "csharp": "bindings/csharp/Example.cs", "pascal": "bindings/pascal/example.pas",
+             "js": "bindings/node/example.js", "text": "tests/bindings/example.txt"}
+JOBS = 4
+
+
+def contains(lines, piece):
+    """Whether the lines of the piece follow each other in the file, all with the same indentation."""
+    for at in range(len(lines) - len(piece) + 1):
+        window = textwrap.dedent("\n".join(lines[at:at + len(piece)])).split("\n")
+        if window == piece:
+            return True
+    return False
+
+
+def main():
+    root = pathlib.Path(sys.argv[1])
+    page = (root / "docs" / "bindings.md").read_text(encoding="utf-8")
+    wrong, found = [], collections.Counter()
+    for name, language, code in re.findall(r"<!-- (\S+) -->\n```(\w+)\n(.*?)\n```", page, re.S):
+        found[language] += 1
+        if LANGUAGES.get(language) != name:
+            wrong.append(f"{name} is no example in {language}")
+        elif not contains((root / name).read_text(encoding="utf-8").split("\n"), code.split("\n")):
+            wrong.append(f"docs/bindings.md differs from {name}: {code.splitlines()[0]}")
+    wrong += [f"docs/bindings.md has {found[one]} pieces of code in {one}, not {JOBS}" for one in LANGUAGES
+              if found[one] != JOBS]
+    plain = re.findall(r"(?<! -->\n)```(c|cpp|python|csharp|pascal|js)\n", page)
+    wrong += [f"docs/bindings.md has code in {one} that is from no example" for one in plain]
+    print("\n".join(wrong) or f"{sum(found.values())} pieces of code")
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
