@@ -60,12 +60,12 @@ class Declarations:
         return ""
 
 
-def wrapped(lines, opening, parts, closing, indent):
-    """The parts after the opening, separated by ", ", in lines of at most 120 columns."""
+def wrapped(lines, opening, parts, closing, indent, width=120):
+    """The parts after the opening, separated by ", ", in lines of at most that width."""
     line = opening
     for number, part in enumerate(parts):
         text = part + (", " if number + 1 < len(parts) else closing)
-        if len(line) + len(text.rstrip()) > 120:
+        if len(line) + len(text.rstrip()) > width:
             lines.append(line.rstrip())
             line = indent
         line += text
@@ -136,18 +136,22 @@ class CSharp:
                  "{"]
         for library in self.declarations.table["libraries"]:
             for name, members in library["structs"].items():
-                lines += ["    [StructLayout(LayoutKind.Sequential)]", f"    public struct {self.STRUCTS[name]}", "    {"]
+                lines += ["    [StructLayout(LayoutKind.Sequential)]", f"    public struct {self.STRUCTS[name]}",
+                          "    {"]
                 for member, c_type in members.items():
                     lines += self.member(member, c_type)
                 lines += ["    }", ""]
+            class_name = f"{library['name'][:1].upper()}{library['name'][1:]}Functions"
             lines += [f"    /// <summary>The functions of {pathlib.Path(library['header']).name}, which describes them."
-                      "</summary>", f"    public static class {library['name'][:1].upper()}{library['name'][1:]}Functions", "    {",
+                      "</summary>", f"    public static class {class_name}", "    {",
                       f"        public const string Library = \"{LIBRARY_NAMES[library['name']]}\";"]
             for name, value in library["constants"].items():
                 kind = "int" if value < 16 and not_a_flag(library, name) else "ulong" if value >= 2 ** 32 else "uint"
                 lines.append(f"        public const {kind} {name} = {value};")
             for function in library["functions"]:
-                lines += ["", f"        /// <summary>{function['does']}{self.declarations.remark(function)}</summary>",
+                remark = self.declarations.remark(function)
+                lines += ["", f"        /// <summary>{function['does']}" + ("" if remark else "</summary>"),
+                          *([f"        ///{remark}</summary>"] if remark else []),
                           "        [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]"]
                 wrapped(lines, f"        public static extern {self.result(function['returns'])} {function['name']}(",
                         [self.parameter(one) for one in function["parameters"]], ");", " " * 12)
@@ -255,8 +259,8 @@ class Pascal:
                  "interface", "", "const", f"  {library['name']}Library = '{LIBRARY_NAMES[library['name']]}';"]
         if library["name"] == "torvio":
             # On other systems than Windows the linker adds "lib" itself.
-            lines[-1:] = ["{$ifdef windows}", "  torvioLibrary = 'libtorvio';", "{$else}", "  torvioLibrary = 'torvio';",
-                          "{$endif}"]
+            lines[-1:] = ["{$ifdef windows}", "  torvioLibrary = 'libtorvio';", "{$else}",
+                          "  torvioLibrary = 'torvio';", "{$endif}"]
         lines += [f"  {name} = {'QWord(' if value >= 2 ** 32 else ''}{'$%X' % value if value >= 2 ** 32 else value}"
                   f"{')' if value >= 2 ** 32 else ''};" for name, value in library["constants"].items()]
         lines += ["", "type"]
@@ -267,8 +271,9 @@ class Pascal:
             lines += [f"  T{name}Record = record end;  {{ opaque }}", f"  P{name} = ^T{name}Record;"]
         for name, members in library["structs"].items():
             pascal = self.STRUCTS[name]
-            lines += [f"  P{pascal} = ^T{pascal};", *([f"  PP{pascal} = ^P{pascal};"] if name != "torvio_input" else []),
-                      f"  T{pascal} = record", *[self.member(*one) for one in members.items()], "  end;"]
+            lines += [f"  P{pascal} = ^T{pascal};"]
+            lines += [f"  PP{pascal} = ^P{pascal};"] if name in ("torvio_buffer", "torvio_error") else []
+            lines += [f"  T{pascal} = record", *[self.member(*one) for one in members.items()], "  end;"]
         for function in library["functions"]:
             does = function["does"] + self.declarations.remark(function)
             lines += ["", *comment(does)]
@@ -298,8 +303,8 @@ def comment(text):
 
 def pascal_code_pages():
     pages = read_code_pages()
-    lines = [f"{{ {NOTE} }}", "{ The characters of the bytes from $80 on of each code page. }", "unit oldtorvio_codepages;",
-             "", "{$mode objfpc}{$H+}", "", "interface", "", "const",
+    lines = [f"{{ {NOTE} }}", "{ The characters of the bytes from $80 on of each code page. }",
+             "unit oldtorvio_codepages;", "", "{$mode objfpc}{$H+}", "", "interface", "", "const",
              f"  CodePageNames: array[0..{len(pages) - 1}] of string = ("]
     lines += ["    " + ", ".join(f"'{name}'" for name in pages) + ");",
               f"  CodePageCharacters: array[0..{len(pages) - 1}, 0..127] of Word = ("]
@@ -379,11 +384,14 @@ class JavaScript:
 
     def file(self):
         lines = [f"// {NOTE}", "'use strict';", "const koffi = require('koffi');", "",
-                 "// Records are opaque.", *[f"koffi.opaque('{name}');" for name in self.declarations.records], ""]
+                 "// The names of types are those of the process: another copy of this module may have declared them.",
+                 "function declare(name, type) {", "  try {", "    koffi.type(name);", "  } catch {", "    type();",
+                 "  }", "}", "", "// Records are opaque.",
+                 *[f"declare('{name}', () => koffi.opaque('{name}'));" for name in self.declarations.records], ""]
         for library in self.declarations.table["libraries"]:
             for name, members in library["structs"].items():
-                lines += [f"koffi.struct('{name}', {{", *[f"  {member}: {self.member(c_type)},"
-                                                         for member, c_type in members.items()], "});"]
+                lines += [f"declare('{name}', () => koffi.struct('{name}', {{",
+                          *[f"  {member}: {self.member(c_type)}," for member, c_type in members.items()], "}));"]
         for library in self.declarations.table["libraries"]:
             if library["constants"]:
                 lines += ["", "exports.constants = {",
@@ -394,15 +402,16 @@ class JavaScript:
             unix = "lib" + file.removeprefix("lib")
             names = {"win32": [file + ".dll"], "darwin": [f"{unix}.{read_abi_version()}.dylib", unix + ".dylib"],
                      "linux": [f"{unix}.so.{read_abi_version()}", unix + ".so"]}
-            inner = ", ".join(f"{system}: [{', '.join(repr(one) for one in files)}]" for system, files in names.items())
-            lines.append(f"  {name}: {{{inner}}},")
-        lines += ["};", "", "// The prototypes of the functions; the C headers describe them.", "exports.prototypes = {"]
+            lines += [f"  {name}: {{", *[f"    {system}: [{', '.join(repr(one) for one in files)}],"
+                                        for system, files in names.items()], "  },"]
+        lines += ["};", "", "// The prototypes of the functions; the C headers describe them.",
+                  "exports.prototypes = {"]
         for library in self.declarations.table["libraries"]:
             lines.append(f"  {library['name']}: {{")
             for function in library["functions"]:
                 part = []
                 wrapped(part, f"    {function['name']}: '{self.result(function['returns'])}{function['name']}(",
-                        [self.parameter(one) for one in function["parameters"]], ")',", " " * 8 + "'")
+                        [self.parameter(one) for one in function["parameters"]], ")',", " " * 8 + "'", 116)
                 lines += [one + " ' +" if number + 1 < len(part) else one for number, one in enumerate(part)]
             lines.append("  },")
         lines += ["};", "", "// The characters of the bytes from 0x80 on of each code page.", "exports.codePages = {"]
@@ -411,8 +420,8 @@ class JavaScript:
         return "\n".join(lines + ["};", ""])
 
     def types_file(self):
-        lines = [f"// {NOTE}", "// The functions of OldTorvIO.h and torvio.h, which describe them. Texts are bytes that end with a",
-                 "// zero, and so are names of files. What a function writes is the content of an array.", "",
+        lines = [f"// {NOTE}", "// The functions of OldTorvIO.h and torvio.h, which describe them. Texts and names of "
+                 "files are bytes that end", "// with a zero. What a function writes is the content of an array.", "",
                  "/** An address. */", "export type Pointer = bigint;", ""]
         names = {"MachineInformation": "RawMachineInformation", "torvio_input": "RawInput"}
         for library in self.declarations.table["libraries"]:
@@ -427,7 +436,9 @@ class JavaScript:
         for library in self.declarations.table["libraries"]:
             lines.append(f"export interface Raw{library['name'][:1].upper()}{library['name'][1:]} {{")
             for function in library["functions"]:
-                lines.append(f"  /** {function['does']}{self.declarations.remark(function)} */")
+                remark = self.declarations.remark(function)
+                lines += [f"  /** {function['does']}" + ("" if remark else " */"),
+                          *([f"   * {remark.strip()} */"] if remark else [])]
                 wrapped(lines, f"  {function['name']}(", [f"{one['name']}: {self.typed(one)}"
                                                          for one in function["parameters"]],
                         f"): {self.typed_result(function['returns'])};", " " * 4)

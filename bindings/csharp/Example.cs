@@ -47,7 +47,8 @@ static class Example
         Print("{0:F4} x {1:F4} x {2:F4}", info.Width, info.Height, info.Thickness);
         JsonValue record = JsonValue.Parse(Torvio.Json(path))["record"];
         JsonValue shapes = record["shapes"]["shapes"];
-        Print("{0}: {1} shapes, the last at {2:F4}", (string)record["customText1"], shapes.Count, (double)shapes[1]["x"]);
+        Print("{0}: {1} shapes, the last at {2:F4}", (string)record["customText1"], shapes.Count,
+              (double)shapes[1]["x"]);
     }
 
     static void ReadRecord(string path)

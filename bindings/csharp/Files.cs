@@ -98,8 +98,8 @@ namespace OldTorvIO
         internal uint[] Values { get { return values; } }
     }
 
-    /// <summary>The part builder, of which there is one in the process. The methods that add return the number of shapes
-    /// in the part.</summary>
+    /// <summary>The part builder, of which there is one in the process. The methods that add return the number of
+    /// shapes in the part.</summary>
     public static class PartBuilder
     {
         static readonly object access = new object();
@@ -142,8 +142,8 @@ namespace OldTorvIO
             {
                 CheckStarted();
                 return Counted("AddPatternToTorvPart", shape.ToolName, OldTorvIOFunctions.AddPatternToTorvPart(
-                    shape.X, shape.Y, shape.Type, shape.Flags, shape.Values, shape.ItemWord1, shape.ItemWord2, shape.PairA,
-                    shape.PairB, shape.PairC, shape.PairD, tool, shape.ItemShort1, shape.ItemShort2, shape.ItemWord3,
+                    shape.X, shape.Y, shape.Type, shape.Flags, shape.Values, shape.ItemWord1, shape.ItemWord2,
+                    shape.PairA, shape.PairB, shape.PairC, shape.PairD, tool, shape.ItemShort1, shape.ItemShort2, shape.ItemWord3,
                     shape.ItemWord4));
             }
         }
@@ -159,8 +159,8 @@ namespace OldTorvIO
             }
         }
 
-        /// <summary>Only place, type and values of the shape are used. groupIndex: the position of the head of the group,
-        /// from 1.</summary>
+        /// <summary>Only place, type and values of the shape are used. groupIndex: the position of the head of the
+        /// group, from 1.</summary>
         public static int AddToGroup(int groupIndex, NewShape shape)
         {
             lock (access)
@@ -312,8 +312,8 @@ namespace OldTorvIO
             lock (access)
             {
                 Calls.Check("OpenSpecialToolFile", path, OldTorvIOFunctions.OpenSpecialToolFile(
-                    Native.FileName(path), ref count, ref orientation, ref special, ref dimensions[0], ref dimensions[1],
-                    ref dimensions[2], ref firstCount, ref first[0], ref first[1], ref first[2], ref first[3],
+                    Native.FileName(path), ref count, ref orientation, ref special, ref dimensions[0],
+                    ref dimensions[1], ref dimensions[2], ref firstCount, ref first[0], ref first[1], ref first[2], ref first[3],
                     ref first[4], ref first[5], ref secondCount, ref second[0], ref second[1], ref second[2],
                     ref second[3], ref second[4], ref second[5], ref extra[0], ref extra[1], ref late));
                 return new SpecialTool
@@ -472,8 +472,8 @@ namespace OldTorvIO
             var toolPath = new byte[257];
             OldTorvIOFunctions.LoadOldStationToolFromMachine(
                 index, ref number, ref type, ref orientation, ref realF, ref stationValue, ref valueCount, values,
-                ref limits[0], ref limits[1], ref limits[2], ref limits[3], ref shapeCode, dimensions, offsets, toolPath,
-                ref pair[0], ref pair[1], ref wordF);
+                ref limits[0], ref limits[1], ref limits[2], ref limits[3], ref shapeCode, dimensions, offsets,
+                toolPath, ref pair[0], ref pair[1], ref wordF);
             return new Station
             {
                 StationNumber = number, StationType = type, Orientation = orientation, RealF = realF,
@@ -506,8 +506,8 @@ namespace OldTorvIO
             float clamps = 0, mode = 0;  // integers in the bytes of a float
             var area = new float[4];
             Calls.Check("GetMachineDatasForQD", path, OldTorvIOFunctions.GetMachineDatasForQD(
-                Native.FileName(path), ref sizeX, ref sizeY, ref clamps, ref mode, ref minX, ref minY, ref maxX, ref maxY,
-                ref area[0], ref area[1], ref area[2], ref area[3]));
+                Native.FileName(path), ref sizeX, ref sizeY, ref clamps, ref mode, ref minX, ref minY, ref maxX,
+                ref maxY, ref area[0], ref area[1], ref area[2], ref area[3]));
             return new MachineSize
             {
                 SizeX = sizeX, SizeY = sizeY, ClampCount = Native.BitsOf(clamps), BlockMode = Native.BitsOf(mode),
@@ -560,8 +560,8 @@ namespace OldTorvIO
                 float width = 0, height = 0, thickness = 0;
                 double late = 0;
                 Calls.Check("GetOldSheetInfo", path, OldTorvIOFunctions.GetOldSheetInfo(
-                    Native.FileName(path), texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6], texts[7],
-                    texts[8], ref width, ref height, ref thickness, ref late, names, namesSize, ref namesLength, tools,
+                    Native.FileName(path), texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6],
+                    texts[7], texts[8], ref width, ref height, ref thickness, ref late, names, namesSize, ref namesLength, tools,
                     toolsSize, ref toolsLength));
                 Calls.CheckChanged("GetOldSheetInfo", path, namesLength >= 0);
                 if (namesLength < namesSize && toolsLength < toolsSize)
@@ -658,7 +658,7 @@ namespace OldTorvIO
                                                                                  Native.FileName(partPath)));
         }
 
-        /// <summary>oldNumber: null stands for any number. This edit can ruin a sheet below version 152: read the header
+        /// <summary>oldNumber: null means any number. This edit can ruin a sheet below version 152: read the header
         /// first.</summary>
         public static void UpdateWorkOrder(string path, string partName, string oldNumber, string newNumber,
                                            string encoding = CodePage.Default)
@@ -748,11 +748,13 @@ namespace OldTorvIO
         {
             if (bytes == null)
             {
-                throw new InvalidOperationException("the sheet is from a pipe or device: the size of the text is unknown");
+                throw new InvalidOperationException(
+                    "the sheet is from a pipe or device: the size of the text is unknown");
             }
             // A pattern takes more bytes in its file than its id takes in the text.
             var value = new byte[checked((int)(bytes.Value + 1))];
-            Calls.Check("GetOldSheetInfoPartGroupIDs", null, OldTorvIOFunctions.GetOldSheetInfoPartGroupIDs(Handle, value));
+            Calls.Check("GetOldSheetInfoPartGroupIDs", null,
+                        OldTorvIOFunctions.GetOldSheetInfoPartGroupIDs(Handle, value));
             return CodePage.Decode(value);
         }
 

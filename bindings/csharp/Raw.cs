@@ -27,7 +27,8 @@ namespace OldTorvIO.Raw
     {
         public const string Library = "OldTorvIO";
 
-        /// <summary>Loads a part file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
+        /// <summary>Loads a part file into a record.
+        /// Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldPart(byte[] path, IntPtr part);
 
@@ -89,11 +90,12 @@ namespace OldTorvIO.Raw
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadGroupPart(byte[] path, PartListHandle list);
 
-        /// <summary>Loads a special tool file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
+        /// <summary>Loads a special tool file into a record.
+        /// Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldSpecialTool(byte[] path, IntPtr tool);
 
-        /// <summary>Makes a special tool file the current special tool and returns its values.</summary>
+        /// <summary>Makes a file the current special tool and returns its values.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int OpenSpecialToolFile(byte[] path, ref uint shapeCount, ref float orientation,
             ref float specialValue, ref float dimension1, ref float dimension2, ref float dimension3,
@@ -108,11 +110,12 @@ namespace OldTorvIO.Raw
         public static extern void GetShapeAt(int index, ref int type, ref float x, ref float y, ref float value0,
             ref float value1, ref float value2, ref float value3);
 
-        /// <summary>Loads a tool inventory into a record. Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
+        /// <summary>Loads a tool inventory into a record.
+        /// Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldToolInventory(byte[] path, IntPtr inventory);
 
-        /// <summary>Makes a tool inventory the current inventory and returns the number of its tools.</summary>
+        /// <summary>Makes a file the current tool inventory, and counts its tools.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int LoadOldToolInventoryForCount(byte[] path, ref uint count);
 
@@ -125,19 +128,22 @@ namespace OldTorvIO.Raw
             ref float secondValue1, ref float secondValue2, ref float secondValue3, ref float secondValue4,
             ref float secondValue5);
 
-        /// <summary>Loads a macro file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
+        /// <summary>Loads a macro file into a record.
+        /// Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldMacro(byte[] path, IntPtr macro);
 
-        /// <summary>Loads a material file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
+        /// <summary>Loads a material file into a record.
+        /// Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldMaterial(byte[] path, IntPtr material);
 
-        /// <summary>Loads a machine file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
+        /// <summary>Loads a machine file into a record.
+        /// Only C++ programs can create its record: torvio_json reads such files in other languages.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldMachine(byte[] path, IntPtr machine);
 
-        /// <summary>Makes a machine file the current machine and returns facts of it.</summary>
+        /// <summary>Makes a file the current machine and returns facts of it.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int LoadOldMachineInformation(byte[] path, ref MachineInformation information);
 
@@ -149,7 +155,7 @@ namespace OldTorvIO.Raw
             ref int shapeCode, [In, Out] float[] dimensions, [In, Out] float[] offsets,
             [In, Out] byte[] specialToolPath, ref float pairValue0, ref float pairValue1, ref int wordF);
 
-        /// <summary>Makes a machine file the current machine and returns its name, kind and texts.</summary>
+        /// <summary>Makes a file the current machine and returns its name, kind and texts.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long GetOldVLMQMachineName(byte[] path, [In, Out] byte[] displayName, ref uint kind,
             [In, Out] byte[] text2, [In, Out] byte[] secondText, [In, Out] byte[] lateText);
@@ -231,7 +237,7 @@ namespace OldTorvIO.Raw
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long ReplaceSheetMachineNcPath(byte[] path, byte[] ncPath);
 
-        /// <summary>Edits a sheet file: no parts, and the shapes of a part file as skeleton.</summary>
+        /// <summary>Edits a sheet file: no parts, the shapes of a part as skeleton.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long ReplaceSheetSknPatListWithPartPatList(byte[] path, byte[] partPath);
 

@@ -44,7 +44,8 @@ namespace OldTorvIO
     }
 
     /// <summary>The functions of torvio.h, which describes their results: texts, often JSON. Every status but 0 is a
-    /// TorvioException, whose Result has what was read of a damaged file. All may run in any number of threads.</summary>
+    /// TorvioException, whose Result has what was read of a damaged file. All may run in any number of
+    /// threads.</summary>
     public static class Torvio
     {
         public static string Version { get { return Native.TextAt(TorvioFunctions.torvio_version()); } }
@@ -60,9 +61,11 @@ namespace OldTorvIO
         {
             using (var input = new Input(file))
             {
-                return Encoding.UTF8.GetString(Call("torvio_check", file, (out BufferHandle result, out ErrorHandle error) =>
-                    TorvioFunctions.torvio_check(ref input.Native, 0, out result, out error), null,
-                    TorvioFunctions.TORVIO_NOT_READ));
+                Function check = (out BufferHandle result, out ErrorHandle error) =>
+                    TorvioFunctions.torvio_check(ref input.Native, 0, out result, out error);
+                // A file that cannot be read has a verdict, too; wrong arguments and lack of memory have no result.
+                return Encoding.UTF8.GetString(Call("torvio_check", file, check, null,
+                                                    TorvioFunctions.TORVIO_NOT_READ));
             }
         }
 
@@ -80,8 +83,8 @@ namespace OldTorvIO
             using (var input = new Input(file))
             {
                 return Text("torvio_json", file, (out BufferHandle result, out ErrorHandle error) =>
-                    TorvioFunctions.torvio_json(ref input.Native, pretty ? TorvioFunctions.TORVIO_PRETTY : 0, out result,
-                                                out error));
+                    TorvioFunctions.torvio_json(ref input.Native, pretty ? TorvioFunctions.TORVIO_PRETTY : 0,
+                                                out result, out error));
             }
         }
 
@@ -155,8 +158,8 @@ namespace OldTorvIO
             }
         }
 
-        /// <summary>part: null for the complete files, or the part that is in both. common: leaves out members that one of
-        /// the versions does not store.</summary>
+        /// <summary>part: null for the complete files, or the part that is in both. common: leaves out members that one
+        /// of the versions does not store.</summary>
         public static string Diff(TorvioFile a, TorvioFile b, out bool same, string part = null, double tolerance = 0,
                                   bool common = false)
         {

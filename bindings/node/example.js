@@ -37,7 +37,8 @@ function buildPart(file) {
   const {width, height, thickness} = PartFile.info(file);
   console.log(`${width.toFixed(4)} x ${height.toFixed(4)} x ${thickness.toFixed(4)}`);
   const {record} = JSON.parse(torvio.json(file));
-  console.log(`${record.customText1}: ${record.shapes.shapes.length} shapes, the last at ${record.shapes.shapes[1].x.toFixed(4)}`);
+  const {shapes} = record.shapes;
+  console.log(`${record.customText1}: ${shapes.length} shapes, the last at ${shapes[1].x.toFixed(4)}`);
 }
 
 function readRecord(file) {
@@ -53,7 +54,8 @@ function report(job) {
     if (!(error instanceof TorvioError)) throw error;
     const place = error.offset === null ? '' : `, at ${error.offset} in ${error.field}`;
     console.log(`${error.function}: status ${error.status}${place}`);
-    if (error.result !== null) console.log(`  ${JSON.parse(error.result).record.partList.parts.length} parts were read`);
+    if (error.result === null) return;
+    console.log(`  ${JSON.parse(error.result).record.partList.parts.length} parts were read`);
   }
 }
 

@@ -1,5 +1,5 @@
-// The older binary files of a sheet-metal fabrication suite. The headers OldTorvIO.h and torvio.h say what the functions
-// of the same names do, which versions they accept and what they return of damaged files.
+// The older binary files of a sheet-metal fabrication suite. The headers OldTorvIO.h and torvio.h say what the
+// functions do, which versions they accept and what they return of damaged files.
 import {RawOldTorvIO, RawTorvio} from './raw';
 
 /** A function has returned another status than 0. */
@@ -198,7 +198,7 @@ export const SheetFile: {
   /** The edits can ruin sheets below version 152: read the header first. */
   replaceNcPath(path: Path, ncPath: string, options?: Encoding): void;
   replaceSkeleton(path: Path, partPath: Path): void;
-  /** oldNumber: null stands for any number. */
+  /** oldNumber: null means any number. */
   updateWorkOrder(path: Path, partName: string, oldNumber: string | null, newNumber: string, options?: Encoding): void;
 };
 

@@ -57,7 +57,9 @@ function codePage(name) {
   let page = codePages.get(name);
   if (page) return page;
   const upper = Object.prototype.hasOwnProperty.call(raw.codePages, name) ? raw.codePages[name] : null;
-  if (upper === null) throw new RangeError(`there is no code page ${name}, only ${Object.keys(raw.codePages).join(', ')}`);
+  if (upper === null) {
+    throw new RangeError(`there is no code page ${name}, only ${Object.keys(raw.codePages).join(', ')}`);
+  }
   page = {upper, bytes: new Map([...upper].map((character, position) => [character, position + 0x80]))};
   codePages.set(name, page);
   return page;
@@ -122,4 +124,4 @@ function fileName(path, most = Infinity) {
   return bytes;
 }
 
-module.exports = {koffi, raw, torvio, oldTorvIO, TorvioError, codePage, defaultEncoding, encodeText, decodeText, utf8, fileName};
+module.exports = {koffi, raw, torvio, oldTorvIO, TorvioError, defaultEncoding, encodeText, decodeText, utf8, fileName};

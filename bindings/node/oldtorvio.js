@@ -72,7 +72,7 @@ function nineValues(numbers) {
   return nine;
 }
 
-// A text whose length the function returns: the buffer grows until it fits, which it does at once unless the file changes.
+// A text whose length the function returns: the buffer grows until it fits, at the second time unless the file changes.
 function textOfAnyLength(read) {
   for (let size = 4096;;) {
     const bytes = text(size);
@@ -178,7 +178,8 @@ const SpecialToolFile = {
   open(path) {
     const count = uint(), numbers = floats(5), firstCount = int(), first = floats(6), secondCount = int();
     const second = floats(6), extra = floats(2), lateFlag = new Uint8Array(1);
-    call('OpenSpecialToolFile', path, count, ...numbers, firstCount, ...first, secondCount, ...second, ...extra, lateFlag);
+    call('OpenSpecialToolFile', path, count, ...numbers, firstCount, ...first, secondCount, ...second, ...extra,
+         lateFlag);
     const [orientation, specialValue, ...dimensions] = values(numbers);
     const shapes = Array.from({length: count[0]}, (_, index) => {
       const type = int(), place = floats(6);
@@ -391,7 +392,9 @@ class Sheet extends RecordHandle {
     return decodeText(value, encoding);
   }
   partGroupIds() {
-    if (Number.isNaN(this.#bytes)) throw new Error('the sheet is from a pipe or device: the size of the text is unknown');
+    if (Number.isNaN(this.#bytes)) {
+      throw new Error('the sheet is from a pipe or device: the size of the text is unknown');
+    }
     // A pattern takes more bytes in its file than its id takes in the text.
     const value = text(1 + this.#bytes);
     const status = Number(oldTorvIO.GetOldSheetInfoPartGroupIDs(this.address, value));

@@ -1,6 +1,6 @@
 // Made by bindings/generate.py from functions.json: do not edit.
-// The functions of OldTorvIO.h and torvio.h, which describe them. Texts are bytes that end with a
-// zero, and so are names of files. What a function writes is the content of an array.
+// The functions of OldTorvIO.h and torvio.h, which describe them. Texts and names of files are bytes that end
+// with a zero. What a function writes is the content of an array.
 
 /** An address. */
 export type Pointer = bigint;
@@ -29,7 +29,8 @@ export interface RawInput {
 }
 
 export interface RawOldTorvIO {
-  /** Loads a part file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages. */
+  /** Loads a part file into a record.
+   * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldPart(path: Uint8Array | null, part: Pointer | null): number;
   /** Starts a new part in the part builder. */
   InitTorvPart(width: number, height: number, thickness: number, partKind: number, partName: Uint8Array | null,
@@ -63,9 +64,10 @@ export interface RawOldTorvIO {
   DeleteOldPartlistInfo(list: Pointer | null): void;
   /** Appends the parts of a group part file to a list. */
   LoadGroupPart(path: Uint8Array | null, list: Pointer | null): number;
-  /** Loads a special tool file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages. */
+  /** Loads a special tool file into a record.
+   * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldSpecialTool(path: Uint8Array | null, tool: Pointer | null): number;
-  /** Makes a special tool file the current special tool and returns its values. */
+  /** Makes a file the current special tool and returns its values. */
   OpenSpecialToolFile(path: Uint8Array | null, shapeCount: Uint32Array, orientation: Float32Array,
     specialValue: Float32Array, dimension1: Float32Array, dimension2: Float32Array, dimension3: Float32Array,
     firstValueCount: Int32Array, firstValue0: Float32Array, firstValue1: Float32Array, firstValue2: Float32Array,
@@ -76,9 +78,10 @@ export interface RawOldTorvIO {
   /** One shape of the current special tool. */
   GetShapeAt(index: number, type: Int32Array, x: Float32Array, y: Float32Array, value0: Float32Array,
     value1: Float32Array, value2: Float32Array, value3: Float32Array): void;
-  /** Loads a tool inventory into a record. Only C++ programs can create its record: torvio_json reads such files in other languages. */
+  /** Loads a tool inventory into a record.
+   * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldToolInventory(path: Uint8Array | null, inventory: Pointer | null): number;
-  /** Makes a tool inventory the current inventory and returns the number of its tools. */
+  /** Makes a file the current tool inventory, and counts its tools. */
   LoadOldToolInventoryForCount(path: Uint8Array | null, count: Uint32Array): number;
   /** One tool of the current inventory. */
   GetOldToolInventoryInformation(index: number, name: Uint8Array, dimension1: Float32Array, dimension2: Float32Array,
@@ -87,13 +90,16 @@ export interface RawOldTorvIO {
     firstValue5: Float32Array, secondValueCount: Int32Array, secondValue0: Float32Array, secondValue1: Float32Array,
     secondValue2: Float32Array, secondValue3: Float32Array, secondValue4: Float32Array,
     secondValue5: Float32Array): void;
-  /** Loads a macro file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages. */
+  /** Loads a macro file into a record.
+   * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldMacro(path: Uint8Array | null, macro: Pointer | null): number;
-  /** Loads a material file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages. */
+  /** Loads a material file into a record.
+   * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldMaterial(path: Uint8Array | null, material: Pointer | null): number;
-  /** Loads a machine file into a record. Only C++ programs can create its record: torvio_json reads such files in other languages. */
+  /** Loads a machine file into a record.
+   * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldMachine(path: Uint8Array | null, machine: Pointer | null): number;
-  /** Makes a machine file the current machine and returns facts of it. */
+  /** Makes a file the current machine and returns facts of it. */
   LoadOldMachineInformation(path: Uint8Array | null, information: RawMachineInformation): number;
   /** One station of the current machine and its tool. */
   LoadOldStationToolFromMachine(index: number, stationNumber: Int32Array, stationType: Int32Array,
@@ -101,7 +107,7 @@ export interface RawOldTorvIO {
     values: Float32Array, limit0: Float32Array, limit1: Float32Array, limit2: Float32Array, limit3: Float32Array,
     shapeCode: Int32Array, dimensions: Float32Array, offsets: Float32Array, specialToolPath: Uint8Array,
     pairValue0: Float32Array, pairValue1: Float32Array, wordF: Int32Array): void;
-  /** Makes a machine file the current machine and returns its name, kind and texts. */
+  /** Makes a file the current machine and returns its name, kind and texts. */
   GetOldVLMQMachineName(path: Uint8Array | null, displayName: Uint8Array, kind: Uint32Array, text2: Uint8Array,
     secondText: Uint8Array, lateText: Uint8Array): number;
   /** Size, clamps, station limits and work area of a machine file. */
@@ -147,7 +153,7 @@ export interface RawOldTorvIO {
   GetSheetSequenceListSize(path: Uint8Array | null, count: Uint32Array): number;
   /** Edits a sheet file: the NC path of its machine. */
   ReplaceSheetMachineNcPath(path: Uint8Array | null, ncPath: Uint8Array | null): number;
-  /** Edits a sheet file: no parts, and the shapes of a part file as skeleton. */
+  /** Edits a sheet file: no parts, the shapes of a part as skeleton. */
   ReplaceSheetSknPatListWithPartPatList(path: Uint8Array | null, partPath: Uint8Array | null): number;
   /** Edits a sheet file: the work order number of a part. */
   UpdateSheetPartWONumber(path: Uint8Array | null, partName: Uint8Array | null, oldNumber: Uint8Array | null,

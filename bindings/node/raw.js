@@ -2,17 +2,26 @@
 'use strict';
 const koffi = require('koffi');
 
-// Records are opaque.
-koffi.opaque('OldSheet');
-koffi.opaque('SheetPartList');
-koffi.opaque('TorvPart');
-koffi.opaque('OldSpecialTool');
-koffi.opaque('OldToolInventory');
-koffi.opaque('OldMacro');
-koffi.opaque('OldMaterial');
-koffi.opaque('OldMachine');
+// The names of types are those of the process: another copy of this module may have declared them.
+function declare(name, type) {
+  try {
+    koffi.type(name);
+  } catch {
+    type();
+  }
+}
 
-koffi.struct('MachineInformation', {
+// Records are opaque.
+declare('OldSheet', () => koffi.opaque('OldSheet'));
+declare('SheetPartList', () => koffi.opaque('SheetPartList'));
+declare('TorvPart', () => koffi.opaque('TorvPart'));
+declare('OldSpecialTool', () => koffi.opaque('OldSpecialTool'));
+declare('OldToolInventory', () => koffi.opaque('OldToolInventory'));
+declare('OldMacro', () => koffi.opaque('OldMacro'));
+declare('OldMaterial', () => koffi.opaque('OldMaterial'));
+declare('OldMachine', () => koffi.opaque('OldMachine'));
+
+declare('MachineInformation', () => koffi.struct('MachineInformation', {
   infoKind: 'int32_t',
   infoVersion: 'int32_t',
   infoSizeX: 'float',
@@ -24,25 +33,25 @@ koffi.struct('MachineInformation', {
   infoExtra2: 'uint32_t',
   infoStationMode: 'int32_t',
   infoStationCount: 'int32_t',
-});
-koffi.struct('torvio_buffer', {
+}));
+declare('torvio_buffer', () => koffi.struct('torvio_buffer', {
   data: 'void *',
   size: 'size_t',
-});
-koffi.struct('torvio_error', {
+}));
+declare('torvio_error', () => koffi.struct('torvio_error', {
   message: 'void *',
   field: 'void *',
   offset: 'uint64_t',
   status: 'int32_t',
-});
-koffi.struct('torvio_input', {
+}));
+declare('torvio_input', () => koffi.struct('torvio_input', {
   path: 'void *',
   data: 'void *',
   size: 'size_t',
   name: 'void *',
   kind: 'void *',
   encoding: 'void *',
-});
+}));
 
 exports.constants = {
   TORVIO_OK: 0,
@@ -61,8 +70,16 @@ exports.constants = {
 
 // The names of the files in which systems install the libraries.
 exports.files = {
-  OldTorvIO: {win32: ['OldTorvIO.dll'], darwin: ['libOldTorvIO.0.1.dylib', 'libOldTorvIO.dylib'], linux: ['libOldTorvIO.so.0.1', 'libOldTorvIO.so']},
-  torvio: {win32: ['libtorvio.dll'], darwin: ['libtorvio.0.1.dylib', 'libtorvio.dylib'], linux: ['libtorvio.so.0.1', 'libtorvio.so']},
+  OldTorvIO: {
+    win32: ['OldTorvIO.dll'],
+    darwin: ['libOldTorvIO.0.1.dylib', 'libOldTorvIO.dylib'],
+    linux: ['libOldTorvIO.so.0.1', 'libOldTorvIO.so'],
+  },
+  torvio: {
+    win32: ['libtorvio.dll'],
+    darwin: ['libtorvio.0.1.dylib', 'libtorvio.dylib'],
+    linux: ['libtorvio.so.0.1', 'libtorvio.so'],
+  },
 };
 
 // The prototypes of the functions; the C headers describe them.
@@ -70,13 +87,14 @@ exports.prototypes = {
   OldTorvIO: {
     LoadOldPart: 'int64_t LoadOldPart(const uint8_t *path, TorvPart *part)',
     InitTorvPart: 'void InitTorvPart(float width, float height, float thickness, int16_t partKind, ' +
-        'const uint8_t *partName, const uint8_t *assemblyName, const uint8_t *materialName, const uint8_t *customText1, ' +
-        'const uint8_t *customText2, const uint8_t *customText3)',
+        'const uint8_t *partName, const uint8_t *assemblyName, const uint8_t *materialName, ' +
+        'const uint8_t *customText1, const uint8_t *customText2, const uint8_t *customText3)',
     AddPatternToTorvPart: 'int32_t AddPatternToTorvPart(float x, float y, uint8_t type, uint32_t flags, ' +
         'const uint32_t *values, uint32_t itemWord1, float itemWord2, float pairA, float pairB, float pairC, ' +
         'float pairD, const uint8_t *toolName, int16_t itemShort1, int16_t itemShort2, float itemWord3, ' +
         'float itemWord4)',
-    AddGroupPatIntoTorvPart: 'int32_t AddGroupPatIntoTorvPart(float x, float y, float angle, const uint8_t *toolName)',
+    AddGroupPatIntoTorvPart: 'int32_t AddGroupPatIntoTorvPart(float x, float y, float angle, ' +
+        'const uint8_t *toolName)',
     AddPatIntoGroupPat: 'uint16_t AddPatIntoGroupPat(int32_t groupIndex, float x, float y, uint8_t type, ' +
         'uint64_t ignored, const uint32_t *values)',
     SaveTorvPart: 'int64_t SaveTorvPart(const uint8_t *path, int16_t version)',
@@ -94,9 +112,9 @@ exports.prototypes = {
     OpenSpecialToolFile: 'int32_t OpenSpecialToolFile(const uint8_t *path, uint32_t *shapeCount, float *orientation, ' +
         'float *specialValue, float *dimension1, float *dimension2, float *dimension3, int32_t *firstValueCount, ' +
         'float *firstValue0, float *firstValue1, float *firstValue2, float *firstValue3, float *firstValue4, ' +
-        'float *firstValue5, int32_t *secondValueCount, float *secondValue0, float *secondValue1, float *secondValue2, ' +
-        'float *secondValue3, float *secondValue4, float *secondValue5, float *extraValue0, float *extraValue1, ' +
-        'uint8_t *lateFlag)',
+        'float *firstValue5, int32_t *secondValueCount, float *secondValue0, float *secondValue1, ' +
+        'float *secondValue2, float *secondValue3, float *secondValue4, float *secondValue5, float *extraValue0, ' +
+        'float *extraValue1, uint8_t *lateFlag)',
     GetShapeAt: 'void GetShapeAt(int32_t index, int32_t *type, float *x, float *y, float *value0, float *value1, ' +
         'float *value2, float *value3)',
     LoadOldToolInventory: 'int64_t LoadOldToolInventory(const uint8_t *path, OldToolInventory *inventory)',
@@ -104,8 +122,8 @@ exports.prototypes = {
     GetOldToolInventoryInformation: 'void GetOldToolInventoryInformation(int32_t index, uint8_t *name, ' +
         'float *dimension1, float *dimension2, float *dimension3, float *orientation, int32_t *firstValueCount, ' +
         'float *firstValue0, float *firstValue1, float *firstValue2, float *firstValue3, float *firstValue4, ' +
-        'float *firstValue5, int32_t *secondValueCount, float *secondValue0, float *secondValue1, float *secondValue2, ' +
-        'float *secondValue3, float *secondValue4, float *secondValue5)',
+        'float *firstValue5, int32_t *secondValueCount, float *secondValue0, float *secondValue1, ' +
+        'float *secondValue2, float *secondValue3, float *secondValue4, float *secondValue5)',
     LoadOldMacro: 'int64_t LoadOldMacro(const uint8_t *path, OldMacro *macro)',
     LoadOldMaterial: 'int64_t LoadOldMaterial(const uint8_t *path, OldMaterial *material)',
     LoadOldMachine: 'int64_t LoadOldMachine(const uint8_t *path, OldMachine *machine)',
@@ -161,8 +179,8 @@ exports.prototypes = {
         '_Inout_ torvio_error **error)',
     torvio_map: 'int32_t torvio_map(const torvio_input *input, const uint8_t *find, const uint8_t *range, ' +
         'uint32_t flags, _Inout_ torvio_buffer **result, _Inout_ torvio_error **error)',
-    torvio_format: 'int32_t torvio_format(const uint8_t *name, const uint8_t *language, _Inout_ torvio_buffer **result, ' +
-        '_Inout_ torvio_error **error)',
+    torvio_format: 'int32_t torvio_format(const uint8_t *name, const uint8_t *language, ' +
+        '_Inout_ torvio_buffer **result, _Inout_ torvio_error **error)',
     torvio_draw: 'int32_t torvio_draw(const torvio_input *input, uint32_t flags, _Inout_ torvio_buffer **result, ' +
         '_Inout_ torvio_error **error)',
     torvio_draw_page: 'int32_t torvio_draw_page(const torvio_input *inputs, size_t count, const uint8_t *title, ' +
@@ -172,8 +190,8 @@ exports.prototypes = {
         '_Inout_ torvio_error **error)',
     torvio_convert: 'int32_t torvio_convert(const torvio_input *input, int32_t version, uint32_t flags, ' +
         '_Inout_ torvio_buffer **result, _Inout_ torvio_buffer **report, _Inout_ torvio_error **error)',
-    torvio_recover: 'int32_t torvio_recover(const torvio_input *input, uint32_t flags, _Inout_ torvio_buffer **result, ' +
-        '_Inout_ torvio_buffer **report, _Inout_ torvio_error **error)',
+    torvio_recover: 'int32_t torvio_recover(const torvio_input *input, uint32_t flags, ' +
+        '_Inout_ torvio_buffer **result, _Inout_ torvio_buffer **report, _Inout_ torvio_error **error)',
     torvio_supported: 'int32_t torvio_supported(_Inout_ torvio_buffer **result, _Inout_ torvio_error **error)',
     torvio_version: 'char *torvio_version()',
   },

@@ -1,5 +1,5 @@
-{ The functions of torvio.h, which describes their results. Results are texts in UTF-8, often JSON. Every status but 0 is
-  an ETorvio, whose ResultText has what was read of a damaged file. }
+{ The functions of torvio.h, which describes their results. Results are texts in UTF-8, often JSON. Every status but 0
+  is an ETorvio, whose ResultText has what was read of a damaged file. }
 unit torvio;
 
 {$mode objfpc}{$H+}{$modeswitch advancedrecords}

@@ -144,8 +144,8 @@ static class CallsTest
             string path = InFiles(name);
             SheetInfo info = SheetFile.Info(path);
             SheetClamps clamps = SheetFile.Clamps(path);
-            Line("sheet", info.MaterialName, info.MaterialGroup, info.MaterialType, info.MaterialText3, info.MaterialText4,
-                 info.MaterialText5, info.MachinePath, info.SheetLabel, info.MaterialFile, Real(info.Width),
+            Line("sheet", info.MaterialName, info.MaterialGroup, info.MaterialType, info.MaterialText3,
+                 info.MaterialText4, info.MaterialText5, info.MachinePath, info.SheetLabel, info.MaterialFile, Real(info.Width),
                  Real(info.Height), Real(info.Thickness), Real(info.LateValue), info.PartNames, info.Tools);
             Line("clamps", clamps.Word, string.Join(" ", clamps.Bits), Reals(clamps.Positions), clamps.Count,
                  Real(clamps.Spacing));
@@ -175,7 +175,8 @@ static class CallsTest
         SheetFile.ReplaceNcPath(copy, @"D:\NC");
         using (Sheet sheet = Sheet.Open(copy))
         {
-            foreach (string key in new[] { "Material_Group", "width", "height", "part_count", "partfulldosname_and_count",
+            foreach (string key in new[] { "Material_Group", "width", "height", "part_count",
+                                           "partfulldosname_and_count",
                                            "partfulldosname_and_count_and_wonumber", "partname_and_count_and_wonumber",
                                            "PART_DETAILS_01", "sheet_mat_type", "sheet_thickness", "preSkeletonDosName",
                                            "totalSknPartCutArea", "sheet_utilization", "sheet_sequence_size" })

@@ -68,7 +68,8 @@ function parts() {
 function tools() {
   const tool = SpecialToolFile.open(file('Corner Punch.spt'));
   line('special tool', real(tool.orientation), real(tool.specialValue), reals(tool.dimensions), tool.firstValueCount,
-       reals(tool.firstValues), tool.secondValueCount, reals(tool.secondValues), reals(tool.extraValues), tool.lateFlag);
+       reals(tool.firstValues), tool.secondValueCount, reals(tool.secondValues), reals(tool.extraValues),
+       tool.lateFlag);
   for (const shape of tool.shapes) line('shape', shape.type, real(shape.x), real(shape.y), reals(shape.values));
   for (const one of ToolInventoryFile.open(file('shop.inv'))) {
     line('tool', one.name, reals(one.dimensions), real(one.orientation), one.firstValueCount, reals(one.firstValues),
@@ -223,6 +224,15 @@ function rawFunctions() {
   raw.oldTorvIO.DeleteSheetInfo(raw.oldTorvIO.CreateSheetInfo());
 }
 
+// Another copy of the module, such as that of another package.
+function secondCopy() {
+  const own = Object.keys(require.cache).filter((name) => path.dirname(name) === fs.realpathSync(bindings));
+  own.forEach((name) => delete require.cache[name]);
+  const again = require(bindings);
+  if (own.length < 5 || again.torvio === torvio) throw new Error('it is the same copy');
+  again.torvio.info(file('nest_180.sheet'));
+}
+
 parts();
 tools();
 machines();
@@ -230,3 +240,4 @@ sheets();
 companion();
 texts();
 rawFunctions();
+secondCopy();

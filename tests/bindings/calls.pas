@@ -304,8 +304,8 @@ var
   Size: TMachineSize;
 begin
   Machine := TMachineFile.Open(InFiles('punch.mch'));
-  Line(['machine', Machine.Kind, Machine.Version, Real(Machine.SizeX), Real(Machine.SizeY), Machine.Text1, Machine.Text2,
-    Machine.StationWord, Machine.Extra1, Machine.Extra2, Machine.StationMode]);
+  Line(['machine', Machine.Kind, Machine.Version, Real(Machine.SizeX), Real(Machine.SizeY), Machine.Text1,
+    Machine.Text2, Machine.StationWord, Machine.Extra1, Machine.Extra2, Machine.StationMode]);
   for One in Machine.Stations do
     Line(['station', One.StationNumber, One.StationType, Real(One.Orientation), Real(One.RealF), Real(One.StationValue),
       One.ValueCount, Reals(One.Values), Reals(One.Limits), One.ShapeCode, Reals(One.Dimensions), Reals(One.Offsets),

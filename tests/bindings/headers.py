@@ -2,7 +2,8 @@
 import re
 
 COMMENT = re.compile(r"/\*.*?\*/|//[^\n]*", re.S)
-FUNCTION = re.compile(r"\b(?:OLDTORVIO|TORVIO)_API\s+([^;{}]*?)\(([^;{}]*?)\)\s*(?:OLDTORVIO|TORVIO)_NOEXCEPT\s*;", re.S)
+FUNCTION = re.compile(r"\b(?:OLDTORVIO|TORVIO)_API\s+([^;{}]*?)\(([^;{}]*?)\)\s*"
+                      r"(?:OLDTORVIO|TORVIO)_NOEXCEPT\s*;", re.S)
 STRUCT = re.compile(r"\btypedef\s+struct\s+(\w+)\s*\{(.*?)\}\s*\1\s*;", re.S)
 TYPE = re.compile(r"\btypedef\s+(u?int\d+_t)\s+(\w+)\s*;")
 ENUM = re.compile(r"\benum\s*\{(.*?)\}\s*;", re.S)

@@ -1,5 +1,5 @@
-"""Runs the example of a language and a program that calls everything its bindings have, and compares what they print and
-write with the expected texts and with what libtorvio returns to Python.
+"""Runs the example of a language and a program that calls everything its bindings have, and compares what they print
+and write with the expected texts and with what libtorvio returns to Python.
 
 usage: run.py LANGUAGE --source FOLDER --build FOLDER --scratch FOLDER [--program EXAMPLE]
 
@@ -79,7 +79,7 @@ def make_files(build, folder, torvio):
 # ---- What the calls have to write ----
 
 def expected_files(torvio, folder):
-    """The results of torvio.h, by the names that the programs give them."""
+    """The results of torvio.h, under the names of the files that the programs write."""
     data = (folder / "nest_180.sheet").read_bytes()
 
     def nest(encoding=b"cp437"):

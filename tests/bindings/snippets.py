@@ -2,9 +2,11 @@
 
 usage: snippets.py SOURCE_FOLDER
 
-A line <!-- FILE --> stands before each piece of code. The code is in that file, perhaps indented.
+A line <!-- FILE --> comes before each piece of code. The code is in that file, perhaps indented. The table of methods
+is made from bindings/functions.json.
 """
 import collections
+import json
 import pathlib
 import re
 import sys
@@ -25,6 +27,17 @@ def contains(lines, piece):
     return False
 
 
+def method_rows(root):
+    table = json.loads((root / "bindings" / "functions.json").read_text(encoding="utf-8"))
+    functions = collections.defaultdict(list)
+    for library in table["libraries"]:
+        for function in library["functions"]:
+            if "method" in function:
+                functions[function["method"]].append(f"`{function['name']}`")
+    return "\n".join(["| class and method | functions |", "|---|---|",
+                      *[f"| `{method}` | {', '.join(names)} |" for method, names in functions.items()]])
+
+
 def main():
     root = pathlib.Path(sys.argv[1])
     page = (root / "docs" / "bindings.md").read_text(encoding="utf-8")
@@ -37,6 +50,10 @@ def main():
             wrong.append(f"docs/bindings.md differs from {name}: {code.splitlines()[0]}")
     wrong += [f"docs/bindings.md has {found[one]} pieces of code in {one}, not {JOBS}" for one in LANGUAGES
               if found[one] != JOBS]
+    rows = re.search(r"<!-- methods -->\n(.*?)\n<!-- end -->", page, re.S)
+    if not rows or rows[1] != method_rows(root):
+        wrong.append("the methods of docs/bindings.md are not those of bindings/functions.json; they should be:\n"
+                     + method_rows(root))
     plain = re.findall(r"(?<! -->\n)```(c|cpp|python|csharp|pascal|js)\n", page)
     wrong += [f"docs/bindings.md has code in {one} that is from no example" for one in plain]
     print("\n".join(wrong) or f"{sum(found.values())} pieces of code")

@@ -74,13 +74,52 @@ def meanings(table):
     return wrong
 
 
+def without_method(table, root):
+    """Functions that the classes of a language do not call where the table says."""
+    folder = root / "bindings"
+    sources = {"csharp": ["Support.cs", "Torvio.cs", "Files.cs"], "pascal": ["torvio.pas", "oldtorvio.pas"],
+               "node": ["torvio.js", "oldtorvio.js", "index.js"]}
+    wrong = []
+    for language, names in sources.items():
+        text = "\n".join((folder / language / name).read_text(encoding="utf-8") for name in names)
+        for library in table["libraries"]:
+            for function in library["functions"]:
+                if "method" not in function:
+                    continue
+                class_name, _, method = function["method"].partition(".")
+                called = [function["name"]]
+                if language == "node":
+                    class_name = "torvio" if class_name == "Torvio" else class_name
+                    method = method[:1].lower() + method[1:]
+                    called.append("'" + function["name"].removeprefix("torvio_") + "'")
+                found = any(re.search(rf"(?<![A-Za-z_]){re.escape(one)}(?![A-Za-z_])", text) for one in called)
+                has_class = re.search({"csharp": rf"class {class_name}\b", "pascal": rf"  T{class_name} = class",
+                                       "node": rf"(class|const) {class_name}\b|\b{class_name}:"}[language], text)
+                has_method = not method or re.search(
+                    {"csharp": rf"public static \S+ {method}\b|public \S+ {method}\(",
+                     "pascal": rf"(function|procedure|constructor) T{class_name}\.{method}\b",
+                     "node": rf"^  (static )?{method}(\(|:)"}[language], text, re.M)
+                if not (found and has_class and has_method):
+                    wrong.append(f"bindings/{language} does not call {function['name']} in {function['method']}")
+    # Only what other languages cannot use has no method.
+    for library in table["libraries"]:
+        for function in library["functions"]:
+            cpp_only = any(table["records"].get(one["type"].rstrip("*"), {}).get("created") == "by C++ programs only"
+                           for one in function["parameters"])
+            other = function["name"] in ("torvio_free", "DeleteSheetInfo")
+            if ("method" in function) == (cpp_only or other):
+                wrong.append(f"{function['name']} has {'a' if 'method' in function else 'no'} method in the table")
+    return wrong
+
+
 def unnoticed(table, text):
     """Changes of a header that the comparison does not notice."""
     changes = [("/* ---- ", "{export} void added(int32_t index) {noexcept};\n/* ---- "),  # a new function
                ("(const char* path, TorvPart* part)", "(const char* path)"),
                ("(const char* path, TorvPart* part)", "(const char* path, TorvPart* part, int32_t more)"),
                ("float width, float height, float thickness,", "float width, float thickness, float height,"),
-               ("uint16_t AddPatIntoGroupPat", "uint32_t AddPatIntoGroupPat"), ("VersionWord version)", "int32_t version)"),
+               ("uint16_t AddPatIntoGroupPat", "uint32_t AddPatIntoGroupPat"),
+               ("VersionWord version)", "int32_t version)"),
                ("float infoSizeX;", "double infoSizeX;"), ("  float infoSizeY;\n", ""),
                ("typedef int64_t Status;", "typedef int32_t Status;"),
                ("int32_t version, uint32_t flags,", "uint32_t version, uint32_t flags,"),
@@ -113,7 +152,7 @@ def main():
             exports = (root / library["exports"]).read_text().split()
             wrong += [f"{name} is only in one of functions.json and {library['exports']}"
                       for name in set(exports) ^ {one["name"] for one in library["functions"]}]
-    wrong += meanings(table)
+    wrong += meanings(table) + without_method(table, root)
     version = re.search(r"project\(OldTorvIO VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text())[1]
     for name in ("package.json", "package-lock.json"):
         found = json.loads((root / "bindings" / "node" / name).read_text())["version"]

@@ -1,5 +1,6 @@
 // Uses the declarations of bindings/node; the compiler only checks it.
-import {torvio, PartBuilder, PartFile, SheetFile, Sheet, MachineFile, TorvioError, raw, decodeText} from '../../bindings/node';
+import {torvio, PartBuilder, PartFile, SheetFile, Sheet, MachineFile, TorvioError, raw, decodeText}
+  from '../../bindings/node';
 
 const text: string = torvio.json({path: 'a', encoding: 'cp437'}, {pretty: true});
 const bytes: Uint8Array = torvio.fromJson({data: new Uint8Array(3)}, {version: 180});
