@@ -143,8 +143,8 @@ namespace OldTorvIO
                 CheckStarted();
                 return Counted("AddPatternToTorvPart", shape.ToolName, OldTorvIOFunctions.AddPatternToTorvPart(
                     shape.X, shape.Y, shape.Type, shape.Flags, shape.Values, shape.ItemWord1, shape.ItemWord2,
-                    shape.PairA, shape.PairB, shape.PairC, shape.PairD, tool, shape.ItemShort1, shape.ItemShort2, shape.ItemWord3,
-                    shape.ItemWord4));
+                    shape.PairA, shape.PairB, shape.PairC, shape.PairD, tool, shape.ItemShort1, shape.ItemShort2,
+                    shape.ItemWord3, shape.ItemWord4));
             }
         }
 
@@ -313,8 +313,8 @@ namespace OldTorvIO
             {
                 Calls.Check("OpenSpecialToolFile", path, OldTorvIOFunctions.OpenSpecialToolFile(
                     Native.FileName(path), ref count, ref orientation, ref special, ref dimensions[0],
-                    ref dimensions[1], ref dimensions[2], ref firstCount, ref first[0], ref first[1], ref first[2], ref first[3],
-                    ref first[4], ref first[5], ref secondCount, ref second[0], ref second[1], ref second[2],
+                    ref dimensions[1], ref dimensions[2], ref firstCount, ref first[0], ref first[1], ref first[2],
+                    ref first[3], ref first[4], ref first[5], ref secondCount, ref second[0], ref second[1], ref second[2],
                     ref second[3], ref second[4], ref second[5], ref extra[0], ref extra[1], ref late));
                 return new SpecialTool
                 {
@@ -561,8 +561,8 @@ namespace OldTorvIO
                 double late = 0;
                 Calls.Check("GetOldSheetInfo", path, OldTorvIOFunctions.GetOldSheetInfo(
                     Native.FileName(path), texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6],
-                    texts[7], texts[8], ref width, ref height, ref thickness, ref late, names, namesSize, ref namesLength, tools,
-                    toolsSize, ref toolsLength));
+                    texts[7], texts[8], ref width, ref height, ref thickness, ref late, names, namesSize, ref namesLength,
+                    tools, toolsSize, ref toolsLength));
                 Calls.CheckChanged("GetOldSheetInfo", path, namesLength >= 0);
                 if (namesLength < namesSize && toolsLength < toolsSize)
                 {

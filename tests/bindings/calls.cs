@@ -145,8 +145,8 @@ static class CallsTest
             SheetInfo info = SheetFile.Info(path);
             SheetClamps clamps = SheetFile.Clamps(path);
             Line("sheet", info.MaterialName, info.MaterialGroup, info.MaterialType, info.MaterialText3,
-                 info.MaterialText4, info.MaterialText5, info.MachinePath, info.SheetLabel, info.MaterialFile, Real(info.Width),
-                 Real(info.Height), Real(info.Thickness), Real(info.LateValue), info.PartNames, info.Tools);
+                 info.MaterialText4, info.MaterialText5, info.MachinePath, info.SheetLabel, info.MaterialFile,
+                 Real(info.Width), Real(info.Height), Real(info.Thickness), Real(info.LateValue), info.PartNames, info.Tools);
             Line("clamps", clamps.Word, string.Join(" ", clamps.Bits), Reals(clamps.Positions), clamps.Count,
                  Real(clamps.Spacing));
             SheetFile.MaterialTexts(path, out text3, out text5);
