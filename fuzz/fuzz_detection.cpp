@@ -22,9 +22,10 @@ bool fits(Verdict verdict, const explain::FileReport& report, bool isAccepted) {
     case Verdict::soundWithLosses:
       return isAccepted && report.status == 0 && (!report.endsExactly() || report.tolerated);
     case Verdict::damaged:
-      return report.status != 0 && (isAccepted || !report.version);
+      return report.status != 0 && (isAccepted || !report.version) && !report.endsInRest();
     case Verdict::refusedVersion:
-      return report.status != 0 && report.version && !isAccepted;
+      // Or one of which no load reads all.
+      return report.status != 0 && report.version && (!isAccepted || report.endsInRest());
     default:
       return false;
   }
