@@ -47,10 +47,24 @@ std::size_t offsetOf(const void* member, const void* record) {
 }
 
 template <class T>
+void assignTo(void* to, const void* from) {
+  T& target = *static_cast<T*>(to);
+  const T& source = *static_cast<const T*>(from);
+  if constexpr (std::is_array_v<T>) {
+    for (std::size_t i = 0; i < std::extent_v<T>; ++i) assignTo<std::remove_extent_t<T>>(&target[i], &source[i]);
+  } else {
+    target = source;
+  }
+}
+
+template <class T>
 Type madeType() {
   Type type;
   type.form = formOf<T>();
   type.size = sizeof(T);
+  if constexpr (!std::is_array_v<T>) type.make = []() -> std::shared_ptr<void> { return std::make_shared<T>(); };
+  type.assign = assignTo<T>;
+  type.swap = [](void* one, void* other) { std::swap(*static_cast<T*>(one), *static_cast<T*>(other)); };
   if constexpr (Array<T>) {
     type.count = sizeof(T) / sizeof(ElementOf<T>);
     type.element = &typeOf<ElementOf<T>>();
@@ -61,6 +75,7 @@ Type madeType() {
     type.data = [](const void* list) { return static_cast<const void*>(static_cast<const T*>(list)->data()); };
     type.append = [](void* list) { return static_cast<void*>(&static_cast<T*>(list)->emplace_back()); };
     type.clear = [](void* list) { static_cast<T*>(list)->clear(); };
+    type.resize = [](void* list, std::size_t length) { static_cast<T*>(list)->resize(length); };
   } else if constexpr (Lazy<T>) {
     type.count = T::size();
     type.element = &typeOf<typename T::value_type>();

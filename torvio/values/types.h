@@ -51,11 +51,17 @@ struct Type {
   std::vector<TypeMember> members;    // of a record; both of a pair
   std::shared_ptr<const void> fresh;  // a new record
 
+  // Values of this type. Arrays are never made by themselves.
+  std::shared_ptr<void> (*make)() = nullptr;
+  void (*assign)(void* to, const void* from) = nullptr;
+  void (*swap)(void* one, void* other) = nullptr;
+
   // Lists. Their elements are contiguous.
   std::size_t (*length)(const void* list) = nullptr;
   const void* (*data)(const void* list) = nullptr;
   void* (*append)(void* list) = nullptr;
   void (*clear)(void* list) = nullptr;
+  void (*resize)(void* list, std::size_t length) = nullptr;
 
   // Lazy arrays. The first allocates nothing; an element that was never written is at `unwritten`.
   const void* (*lazyAt)(const void* array, std::size_t i) = nullptr;

@@ -1,0 +1,15 @@
+"""Records as the bytes of files."""
+from __future__ import annotations
+
+from . import _core
+from ._errors import Error
+
+
+def dumps(record: _core.Record, version: int) -> bytes:
+    """The bytes of the file that save() writes."""
+    if not 0 <= version <= 32767:
+        raise Error(f"no file is saved in version {version}", status=-1)
+    data, status, reason = _core._dumps(record, version)
+    if status != 0:
+        raise Error(reason, status=status, version=version)
+    return data
