@@ -1,4 +1,4 @@
-"""Records as the bytes of files."""
+"""Records as the bytes of files and of pickles."""
 from __future__ import annotations
 
 from . import _core
@@ -13,3 +13,9 @@ def dumps(record: _core.Record, version: int) -> bytes:
     if status != 0:
         raise Error(reason, status=status, version=version)
     return data
+
+
+def restore(name: str, packed: bytes) -> _core.Record:
+    """The record of a pickle."""
+    record: _core.Record = _core._restore(name, packed)
+    return record

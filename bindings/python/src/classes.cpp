@@ -131,7 +131,7 @@ PyObject* reduceRecord(PyObject* self, PyObject*) {
     View* const view = asView(self);
     std::string packed;
     pack(packed, *view->type, readable(view));
-    const py::object restore = py::module_::import("oldtorvio._core").attr("_restore");
+    const py::object restore = py::module_::import("oldtorvio._saving").attr("restore");
     return py::make_tuple(restore,
                           py::make_tuple(py::str(view->type->name.data(), view->type->name.size()), py::bytes(packed)))
         .release()
@@ -233,14 +233,19 @@ View* viewIn(PyObject* object, const char* wanted) {
   PyTypeObject* const one = Py_TYPE(object);
   if (PyType_IsSubtype(one, classes().record) == 0 && one != sequenceClass(Form::array) &&
       one != sequenceClass(Form::list))
-    raise(PyExc_TypeError, std::string("needs ") + wanted + ", not " + one->tp_name);
+    raise(PyExc_TypeError, std::string("needs ") + wanted + ", not " + classNameOf(object));
   return asView(object);
 }
 
 View* recordIn(PyObject* object) {
   if (PyType_IsSubtype(Py_TYPE(object), classes().record) == 0)
-    raise(PyExc_TypeError, std::string("needs a record, not ") + Py_TYPE(object)->tp_name);
+    raise(PyExc_TypeError, std::string("needs a record, not ") + classNameOf(object));
   return asView(object);
+}
+
+std::string classNameOf(PyObject* object) {
+  const std::string name = Py_TYPE(object)->tp_name;
+  return name.substr(name.rfind('.') + 1);
 }
 
 std::optional<FileKind> kindOf(const Type& type) {

@@ -36,6 +36,8 @@ bool isOfClass(PyObject* object, const Type& type);
 // The view of a record, array or list; throws TypeError for any other object.
 View* viewIn(PyObject* object, const char* wanted = "a record, array or list");
 View* recordIn(PyObject* object);
+// The name of its class without the module.
+std::string classNameOf(PyObject* object);
 // The kind of file that this record is the record of.
 std::optional<frame::FileKind> kindOf(const Type& type);
 

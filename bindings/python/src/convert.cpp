@@ -111,7 +111,7 @@ void storeBlock(const Type& type, void* address, PyObject* object, const Subject
 // The elements of any iterable but a text, which may be longer than anybody wants.
 py::object elementsOf(PyObject* object, const Subject& subject) {
   if (PyUnicode_Check(object) || PyBytes_Check(object))
-    raise(PyExc_TypeError, subject.text() + " needs a sequence, not " + Py_TYPE(object)->tp_name);
+    raise(PyExc_TypeError, subject.text() + " needs a sequence, not " + classNameOf(object));
   auto elements = py::reinterpret_steal<py::object>(PySequence_List(object));
   if (!elements) raiseAbout(subject);
   return elements;
@@ -234,7 +234,7 @@ Converted::Converted(const Type& type, PyObject* object, const Subject& subject)
     value_ = std::make_shared<std::string>(text.bytes());
   } else if (type.form == Form::record) {
     if (!isOfClass(object, type))
-      raise(PyExc_TypeError, subject.text() + " needs " + std::string(type.name) + ", not " + Py_TYPE(object)->tp_name);
+      raise(PyExc_TypeError, subject.text() + " needs " + std::string(type.name) + ", not " + classNameOf(object));
     value_ = type.make();
     type.assign(value_.get(), readable(asView(object)));
   } else {

@@ -1,13 +1,14 @@
 // Loads and saves. All of the work on files is done without the GIL.
 #include <pybind11/stl.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include "bindings/python/src/classes.h"
 #include "bindings/python/src/functions.h"
-#include "torvio/archive/result_json.h"
-#include "torvio/archive/scan.h"
+#include "torvio/archive/plausibility.h"
 #include "torvio/archive/verdict.h"
 #include "torvio/explain/file_content.h"
 #include "torvio/explain/kind_names.h"
@@ -48,17 +49,27 @@ void loadAs(Loaded& loaded, Bytes bytes, FileKind kind, std::string_view path) {
 }
 
 void loadBytes(Loaded& loaded, Bytes bytes, std::optional<FileKind> kind, const std::string& path) {
-  if (!kind) {
-    const archive::Judgement judgement = archive::judge(path, bytes, {});
-    kind = judgement.kind;
-    if (!kind) {
-      loaded.status = frame::kWrongVersion;
-      loaded.version = judgement.report.version;
-      loaded.reason = "not a file of a known kind";
-      return;
-    }
-  }
-  loadAs(loaded, bytes, *kind, path);
+  // As archive::judge, which would walk the file once more: without contents it only knows the extension.
+  if (!kind) kind = archive::judge(path, {}, {}).kind;
+  if (!kind) kind = archive::likeliestKind(bytes);
+  if (kind) return loadAs(loaded, bytes, *kind, path);
+  loaded.status = frame::kWrongVersion;
+  loaded.version = archive::versionOf(bytes);
+  loaded.reason = "not a file of a known kind";
+}
+
+// A load of the library reads a sound file piece by piece. Whether it was done.
+bool loadSound(Loaded& loaded, FileKind kind, const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return false;  // a pipe can be read only once
+  return withFileRecord(kind, [&](auto file) {
+    auto record = std::make_shared<typename decltype(file)::Record>();
+    loaded.status = file.load(path.c_str(), *record);
+    if (loaded.status != frame::kDone) return false;
+    loaded.kind = kind;
+    loaded.record = std::move(record);
+    return true;
+  });
 }
 
 std::optional<FileKind> kindNamed(const std::optional<std::string>& name) {
@@ -81,9 +92,14 @@ py::tuple loadFile(const std::string& path, const std::optional<std::string>& ki
   Loaded loaded;
   {
     const py::gil_scoped_release released;
-    const explain::FileContent content(path);
-    loaded.reason = content.error();
-    if (loaded.reason.empty()) loadBytes(loaded, content.bytes(), kind, path);
+    if (!kind || !loadSound(loaded, *kind, path)) {
+      const explain::FileContent content(path);
+      loaded.reason = content.error();
+      if (loaded.reason.empty())
+        loadBytes(loaded, content.bytes(), kind, path);
+      else
+        loaded.status = frame::kNotOpened;
+    }
   }
   return resultOf(loaded);
 }
