@@ -56,7 +56,7 @@ class PartBuilder:
 
     def __len__(self) -> int:
         """The number of shapes."""
-        return self._builder.shape_count()
+        return int(self._builder.shape_count())
 
     def save(self, path: _paths.Path, version: int) -> None:
         """Saves the part as it is now. More can be added, and it can be saved again."""

@@ -130,7 +130,7 @@ def diff(a: File, b: File, *, part: Optional[str] = None, tolerance: float = 0, 
     """Where two files differ, as `torvio diff --json`."""
     reply = _core._diff(_source(a, kind, encoding), _source(b, kind, encoding), part, tolerance, common)
     lines = _lines(_answer(None, reply, damaged))
-    return Comparison(reply[5], lines[:-1], lines[-1])
+    return Comparison(reply[5], lines[:-1], lines[-1]["summary"])
 
 
 class NewFile(NamedTuple):

