@@ -1,7 +1,7 @@
 """The queries of the library that take the path of a file, under their names in OldTorvIO.h.
 
-Each loads the file, copies the results out and discards the rest. load() gives everything at once; these give what
-programs have always asked for, in the same words. Texts are bytes. All raise Error with the status of the library if it
+Each loads the file, copies the results out and discards the rest. load() returns everything at once; these return single
+answers, in the same words as the C functions. Texts are bytes. All raise Error with the status of the library if it
 is not 0; what the library would end the process for is an Error as well.
 """
 from __future__ import annotations

@@ -158,7 +158,7 @@ PyTypeObject* addRecordClass(py::module_& module) {
       {Py_tp_doc, const_cast<char*>("What all records have in common.")},
       {0, nullptr},
   };
-  PyType_Spec spec{"oldtorvio.Record", sizeof(View), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
+  PyType_Spec spec{"oldtorvio.Record", sizeof(View), 0, kClassFlags | Py_TPFLAGS_BASETYPE, slots};
   return addClass(module, spec, nullptr);
 }
 
@@ -180,7 +180,7 @@ void addClassOf(py::module_& module, const Type& type) {
       {Py_tp_doc, const_cast<char*>(kept(about))},
       {0, nullptr},
   };
-  PyType_Spec spec{kept("oldtorvio." + std::string(type.name)), sizeof(View), 0, Py_TPFLAGS_DEFAULT, slots};
+  PyType_Spec spec{kept("oldtorvio." + std::string(type.name)), sizeof(View), 0, kClassFlags, slots};
   classes().byType[&type] = addClass(module, spec, reinterpret_cast<PyObject*>(classes().record));
 }
 

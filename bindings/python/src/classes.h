@@ -18,7 +18,8 @@ void addClasses(py::module_& module);
 // Array and List, see sequences.cpp.
 void addSequenceClasses(py::module_& module);
 PyTypeObject* sequenceClass(Form form);
-// What the classes of all views have.
+// What the classes of all views have. Their objects never get another class: it would find other members.
+inline constexpr unsigned kClassFlags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_IMMUTABLETYPE;
 extern PyMemberDef weakReferences[];
 template <class Function>
 void* slot(Function* function) {

@@ -1,5 +1,5 @@
 // The queries of OldTorvIO.h that take a path, and those of a loaded sheet. Each returns (status, outputs...); texts are
-// bytes. oldtorvio/questions.py gives the outputs their names.
+// bytes. oldtorvio/questions.py names the outputs.
 #include <pybind11/stl.h>
 
 #include <algorithm>

@@ -115,15 +115,15 @@ py::object viewOf(View* parent, std::size_t place, const Type& type) {
 void endView(PyObject* self) {
   View* const view = asView(self);
   PyTypeObject* const pythonClass = Py_TYPE(self);
+  View* const parent = view->parent;
+  // First of all: what follows may run Python code, which must not find this view any more.
+  if (parent != nullptr) parent->children.erase(view->place);
   if (view->weakReferences != nullptr) PyObject_ClearWeakRefs(self);
-  if (view->parent != nullptr) {
-    view->parent->children.erase(view->place);
-    Py_DECREF(view->parent);
-  }
   std::destroy_at(&view->children);
   std::destroy_at(&view->storage);
   pythonClass->tp_free(self);
   Py_DECREF(pythonClass);
+  Py_XDECREF(parent);
 }
 
 const void* readable(View* view) {
@@ -162,7 +162,8 @@ Busy::~Busy() {
 }
 
 void Detachment::add(View* element) {
-  pending_.push_back({py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(element)), element->type->make()});
+  pending_.push_back(
+      {py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(element)), element->type->make(), {}});
 }
 
 void Detachment::addAllIn(View* view) {
@@ -182,9 +183,8 @@ void Detachment::commit() {
     View* const parent = std::exchange(view->parent, nullptr);
     parent->children.erase(view->place);
     view->place = 0;
-    Py_DECREF(parent);  // whoever changes it holds it as well
+    pending.parent = py::reinterpret_steal<py::object>(reinterpret_cast<PyObject*>(parent));
   }
-  // The views end after the caller has changed the list.
 }
 
 void Move::commit() noexcept {

@@ -485,6 +485,37 @@ def test_a_list_that_shrinks_while_it_is_iterated():
     assert seen == [0, 1, 2, 3, 4]
 
 
+def test_the_end_of_a_view_may_run_python_code():
+    part = part_with_marks(1, 2, 3)
+    found = []
+    mark = part.marks[1]
+    watch = weakref.ref(mark, lambda _: found.append(part.marks[1]))
+    del mark
+    assert watch() is None and found[0].markWord1 == 2 and part.marks[1] is found[0]
+
+    pattern = part.patterns.add(items=[oldtorvio.PatternItem(toolNumber=5)])
+    item = pattern.items[0]
+    items = weakref.ref(pattern.items, lambda _: part.patterns.clear())
+    pattern.items = [oldtorvio.PatternItem(toolNumber=6)]  # the view of the list ends with this
+    assert items() is None and len(part.patterns) == 0
+    assert item.toolNumber == 5 and pattern.items[0].toolNumber == 6
+
+
+def test_a_view_keeps_its_class():
+    with pytest.raises(TypeError):
+        Shape().__class__ = MarkEntry
+    with pytest.raises(TypeError):
+        Shape.type = 3
+    with pytest.raises(TypeError):
+        type("Other", (Shape,), {})
+    with pytest.raises(TypeError):
+        type("Other", (oldtorvio.Record,), {})()
+    with pytest.raises(TypeError):
+        Shape.type.__get__(MarkEntry())
+    with pytest.raises(TypeError):
+        oldtorvio.List.append(Shape().values, 1)
+
+
 # ---- records as values ----
 
 def test_records_are_equal_if_all_their_members_are():

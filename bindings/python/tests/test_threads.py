@@ -1,4 +1,4 @@
-"""Files are read and written without the GIL, and nobody sees a record in the middle of a save."""
+"""Files are read and written without the GIL, and no thread changes a record in the middle of a save."""
 import threading
 import time
 

@@ -14,11 +14,16 @@ import oldtorvio
 
 
 def large_sheet(nest, path, size):
+    """A sheet of that size with copies of the parts of the nest."""
     sheet = oldtorvio.load(nest, "sheet")
     parts = sheet.partList.parts
-    while os.stat(path).st_size < size if os.path.exists(path) else True:
-        parts.extend(parts[:max(1, int(len(parts) * 0.5))])
-        oldtorvio.save(sheet, path, 180)
+    copies = parts[:]
+    before = len(oldtorvio.dumps(sheet, 180))
+    parts.extend(copies)
+    after = len(oldtorvio.dumps(sheet, 180))
+    for _ in range(-(-(size - after) // (after - before))):
+        parts.extend(copies)
+    oldtorvio.save(sheet, path, 180)
 
 
 def cpp_load(library, path):
@@ -52,7 +57,7 @@ def main():
         sys.exit(__doc__)
     build, nest, runs = sys.argv[1], sys.argv[2], int(sys.argv[3]) if len(sys.argv) == 4 else 9
     library = ctypes.CDLL(os.path.join(build, "libOldTorvIO.so"))
-    library.CreateSheetInfo.restype = library.DeleteSheetInfo.argtypes = ctypes.c_void_p
+    library.CreateSheetInfo.restype = ctypes.c_void_p
     library.DeleteSheetInfo.argtypes = [ctypes.c_void_p]
     library.LoadOldSheet.argtypes, library.LoadOldSheet.restype = [ctypes.c_char_p, ctypes.c_void_p], ctypes.c_int64
     with tempfile.TemporaryDirectory() as folder:

@@ -32,7 +32,7 @@ def tag():
 
 
 def metadata():
-    text = f"Metadata-Version: 2.1\nName: oldtorvio\nVersion: {version()}\nSummary: {ABOUT}\nRequires-Python: >=3.9\n"
+    text = f"Metadata-Version: 2.1\nName: oldtorvio\nVersion: {version()}\nSummary: {ABOUT}\nRequires-Python: >=3.10\n"
     return {"METADATA": text.encode(), "LICENSE": (ROOT / "LICENSE").read_bytes(),
             "WHEEL": f"Wheel-Version: 1.0\nGenerator: oldtorvio_build\nRoot-Is-Purelib: false\nTag: {tag()}\n".encode()}
 
