@@ -13,13 +13,12 @@ from collections.abc import MutableSequence as _MutableSequence, Sequence as _Se
 from typing import Any, Dict, NamedTuple, Optional, Tuple, Type, Union
 
 from . import _core, _paths
-from ._builder import PartBuilder
-from ._companion import (Comparison, NewFile, check, convert, diff, draw, draw_page, format, from_json, info, map,
-                         map_page, recover, schema, supported, to_json)
+from ._builder import PartBuilder as PartBuilder
+from ._companion import *
 from ._core import *
-from ._core import __version__
-from ._errors import Error, NotRead, Refused
-from ._saving import dumps
+from ._core import __version__ as __version__
+from ._errors import Error as Error, NotRead as NotRead, Refused as Refused
+from ._saving import dumps as dumps
 
 _Sequence.register(Array)
 _MutableSequence.register(List)

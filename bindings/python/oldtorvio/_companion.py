@@ -13,6 +13,9 @@ from typing import Any, Dict, Iterable, List, NamedTuple, Optional, Union
 from . import _core, _paths
 from ._errors import Error, NotRead, Refused
 
+__all__ = ["Comparison", "NewFile", "check", "convert", "diff", "draw", "draw_page", "format", "from_json", "info", "map",
+           "map_page", "recover", "schema", "supported", "to_json"]
+
 File = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview]
 
 _OK, _DAMAGED, _BAD_ARGUMENT, _NOT_READ, _REFUSED = range(5)

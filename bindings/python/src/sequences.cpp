@@ -112,11 +112,13 @@ void removeElements(View* list, const std::vector<std::size_t>& indices) {
   move.commit();
 }
 
-void insertElements(View* list, std::size_t before, std::vector<Converted>& values) {
-  if (values.empty()) return;
+// moveTo(i, address) moves the new elements to their places.
+template <class MoveTo>
+void insertElements(View* list, std::size_t before, std::size_t count, const MoveTo& moveTo) {
+  if (count == 0) return;
   const Type& type = *list->type;
   void* const at = writable(list);
-  const std::size_t length = type.length(at), count = values.size();
+  const std::size_t length = type.length(at);
   before = std::min(before, length);
   Move move(list, [&](std::size_t place) { return place < before ? place : place + count; });
   if (count == 1)
@@ -125,8 +127,12 @@ void insertElements(View* list, std::size_t before, std::vector<Converted>& valu
     type.resize(at, length + count);
   for (std::size_t i = length; i-- > before;)
     type.element->swap(elementToWrite(type, at, i), elementToWrite(type, at, i + count));
-  for (std::size_t i = 0; i < count; ++i) values[i].moveTo(elementToWrite(type, at, before + i));
+  for (std::size_t i = 0; i < count; ++i) moveTo(i, elementToWrite(type, at, before + i));
   move.commit();
+}
+
+void insertElements(View* list, std::size_t before, std::vector<Converted>& values) {
+  insertElements(list, before, values.size(), [&](std::size_t i, void* to) { values[i].moveTo(to); });
 }
 
 std::vector<Converted> convertedElements(View* list, PyObject* values, std::size_t first) {
@@ -333,8 +339,17 @@ PyObject* insert(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
 PyObject* extend(PyObject* self, PyObject* elements) {
   return answered([&]() -> PyObject* {
     View* const list = asView(self);
-    std::vector<Converted> values = convertedElements(list, elements, lengthOf(list));
-    insertElements(list, SIZE_MAX, values);
+    const Type& type = *list->type;
+    if (Py_TYPE(elements) == listClass && asView(elements)->type == &type) {
+      // No view for each element, and the list may be the same.
+      const std::shared_ptr<void> copies = type.make();
+      type.assign(copies.get(), readable(asView(elements)));
+      insertElements(list, SIZE_MAX, type.length(copies.get()),
+                     [&](std::size_t i, void* to) { type.element->swap(elementToWrite(type, copies.get(), i), to); });
+    } else {
+      std::vector<Converted> values = convertedElements(list, elements, lengthOf(list));
+      insertElements(list, SIZE_MAX, values);
+    }
     Py_RETURN_NONE;
   });
 }

@@ -7,7 +7,7 @@ from hypothesis import given, settings, strategies as st
 from hypothesis.stateful import RuleBasedStateMachine, initialize, invariant, rule
 
 import oldtorvio
-from oldtorvio import MarkEntry, Pattern, PatternItem, Shape, TorvPart
+from oldtorvio import MarkEntry, Pattern, Shape, TorvPart
 
 numbers = st.integers(0, 2**32 - 1)
 indices = st.integers(-8, 8)
@@ -150,12 +150,13 @@ def test_fixed_texts(text):
 
 
 @settings(deadline=None, max_examples=60)
-@given(st.lists(st.tuples(numbers, numbers), max_size=4), st.lists(numbers, max_size=9))
-def test_parts_survive_a_file(group, words):
+@given(st.lists(st.tuples(st.integers(0, 6), reals), max_size=5), st.lists(numbers, max_size=9))
+def test_parts_survive_a_file(shapes, words):
     part = TorvPart(marks=[MarkEntry(markWord1=word) for word in words],
-                    patterns=[Pattern(items=[PatternItem()], bindFirst=group)])
+                    patterns=[Pattern()],
+                    shapes=oldtorvio.ShapeList(shapes=[Shape(type=kind, x=x) for kind, x in shapes]))
     again = oldtorvio.loads(oldtorvio.dumps(part, 180), "part")
-    assert len(again.patterns) == 1 and again.patterns[0].bindFirst == group
+    assert [(shape.type, repr(shape.x)) for shape in again.shapes.shapes] == [(kind, repr(x)) for kind, x in shapes]
     assert [mark.markWord1 for mark in again.marks] == words
 
 

@@ -12,7 +12,7 @@ from oldtorvio import MarkEntry, TorvPart
 def large():
     """A part of some 30 MB."""
     part = TorvPart()
-    part.patterns.add(items=[oldtorvio.PatternItem()])
+    part.patterns.add()
     part.marks = [MarkEntry(markWord1=word) for word in range(1000)]
     for _ in range(11):
         part.marks.extend(part.marks)
