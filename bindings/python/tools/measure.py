@@ -1,8 +1,8 @@
 """Measures loads and attributes of the package on a sheet of 50 MB: measure.py BUILD NEST [RUNS]
 
 BUILD is the build folder with libOldTorvIO.so, NEST a sheet to make the large one of (example_nest makes nest_180.sheet).
-The package is in PYTHONPATH. Every time is the shortest of RUNS (default 9); the loads take turns, so that what else the
-machine does affects all of them alike. "C++" is LoadOldSheet of the shared library into a new sheet, and its end.
+The package is in PYTHONPATH. Every time is processor time, the shortest of RUNS (default 9); the loads take turns, so
+that what else the machine does affects all of them alike. "C++" is LoadOldSheet of the shared library into a new sheet, and its end.
 """
 import ctypes
 import os
@@ -28,17 +28,17 @@ def large_sheet(nest, path, size):
 
 def cpp_load(library, path):
     sheet = library.CreateSheetInfo()
-    started = time.perf_counter()
+    started = time.process_time()
     assert library.LoadOldSheet(path, sheet) == 0
-    loaded = time.perf_counter() - started
+    loaded = time.process_time() - started
     library.DeleteSheetInfo(sheet)
     return loaded
 
 
 def python_load(path, kind):
-    started = time.perf_counter()
+    started = time.process_time()
     sheet = oldtorvio.load(path, kind)
-    loaded = time.perf_counter() - started
+    loaded = time.process_time() - started
     del sheet
     return loaded
 
@@ -46,9 +46,9 @@ def python_load(path, kind):
 def seconds(call, runs):
     best = float("inf")
     for _ in range(runs):
-        started = time.perf_counter()
+        started = time.process_time()
         call()
-        best = min(best, time.perf_counter() - started)
+        best = min(best, time.process_time() - started)
     return best
 
 
