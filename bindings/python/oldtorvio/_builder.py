@@ -10,6 +10,8 @@ Text = Union[bytes, str]
 
 
 def _bytes(text: Optional[Text]) -> Optional[bytes]:
+    if text is not None and not isinstance(text, (str, bytes)):
+        raise TypeError(f"a text is bytes or str, not {type(text).__name__}")
     return _core.encode(text) if isinstance(text, str) else text
 
 

@@ -40,7 +40,10 @@ def replace(path: Path, data: bytes) -> None:
         return
     folder, name = os.path.split(target)
     temporary = os.path.join(folder, f".{name[:64]}.{secrets.token_hex(6)}")
-    file_number = os.open(temporary, os.O_WRONLY | os.O_CREAT | os.O_EXCL | getattr(os, "O_BINARY", 0), 0o666)
+    try:
+        file_number = os.open(temporary, os.O_WRONLY | os.O_CREAT | os.O_EXCL | getattr(os, "O_BINARY", 0), 0o666)
+    except OSError as error:
+        raise type(error)(error.errno, error.strerror, target) from None
     try:
         with os.fdopen(file_number, "wb") as file:
             file.write(data)

@@ -76,6 +76,8 @@ def test_what_a_builder_refuses(tmp_path):
                        ("customText3", b"x" * 256), ("partName", b"a\0b")):
         with pytest.raises(ValueError, match=name):
             PartBuilder(1, 1, 1, **{name: text})
+    with pytest.raises(TypeError, match="bytes or str, not int"):
+        PartBuilder(1, 1, 1, partName=3)
     builder = PartBuilder(1, 1, 1)
     with pytest.raises(Error, match="without shapes") as caught:
         builder.save(tmp_path / "x", 180)

@@ -207,8 +207,9 @@ def test_a_refused_save_changes_no_file(tmp_path):
     sheet.blocks.add()
     with pytest.raises(Error, match="blocks"):
         oldtorvio.save(sheet, path, 180)
-    with pytest.raises(FileNotFoundError):
+    with pytest.raises(FileNotFoundError) as caught:
         oldtorvio.save(OldSheet(), tmp_path / "no folder/x", 180)
+    assert caught.value.filename == str(tmp_path / "no folder/x")
     assert path.read_bytes() == b"kept" and os.listdir(tmp_path) == ["kept.sheet"]
 
 

@@ -2,7 +2,7 @@
 
 BUILD is the build folder with libOldTorvIO.so, NEST a sheet to make the large one of (example_nest makes nest_180.sheet).
 The package is in PYTHONPATH. Every time is processor time, the shortest of RUNS (default 9); the loads take turns, so
-that what else the machine does affects all of them alike. "C++" is LoadOldSheet of the shared library into a new sheet, and its end.
+that what else the machine does affects all of them alike. "C++" is LoadOldSheet of the shared library into a new sheet.
 """
 import ctypes
 import os
