@@ -232,3 +232,20 @@ def test_what_a_command_line_reads_is_what_python_saved(torvio, tmp_path):
     oldtorvio.save(sheet, path, 180)
     assert json.loads(torvio("check", "--json", path).stdout)["verdict"] == "sound"
     assert json.loads(torvio("json", path).stdout) == oldtorvio.to_json(path)
+
+
+def test_large_files(nest, tmp_path):
+    sheet = oldtorvio.load(nest)
+    copies = sheet.partList.parts[:]
+    for _ in range(45):
+        sheet.partList.parts.extend(copies)
+    path = tmp_path / "large.sheet"
+    oldtorvio.save(sheet, path, 180)
+    data = path.read_bytes()
+    assert len(data) > 4 << 20
+    assert oldtorvio.load(path) == oldtorvio.load(path, "sheet") == oldtorvio.loads(data) == sheet
+    path.write_bytes(data[:-100])
+    for kind in (None, "sheet"):
+        with pytest.raises(Error) as caught:
+            oldtorvio.load(path, kind)
+        assert caught.value.offset is not None and caught.value.record.partList == sheet.partList
