@@ -18,9 +18,9 @@ def _bytes(text: Optional[Text]) -> Optional[bytes]:
 class PartBuilder:
     """A new part, shape by shape.
 
-    width, height and thickness are in the suite's length unit. Texts are bytes, or str in the code page cp1252; None is
-    the default of the library ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty). assemblyName and materialName have at
-    most 20 bytes, the others 255.
+    width, height and thickness are in the suite's length unit. Texts are bytes, or str in the code page cp1252; None
+    is the default of the library ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty). assemblyName and materialName
+    have at most 20 bytes, the others 255.
     """
 
     def __init__(self, width: float, height: float, thickness: float, partKind: int = 0, *,
@@ -34,8 +34,8 @@ class PartBuilder:
                     itemWord1: int = 0, itemWord2: float = 0, pairs: Sequence[float] = (0, 0, 0, 0),
                     toolName: Optional[Text] = None, itemShort1: int = 0, itemShort2: int = 0, itemWord3: float = 0,
                     itemWord4: float = 0) -> int:
-        """Adds a shape of that type at x, y, with up to nine values. toolName is the name of a special tool. Returns the
-        number of shapes."""
+        """Adds a shape of that type at x, y, with up to nine values. toolName is the name of a special tool. Returns
+        the number of shapes."""
         return self._added(self._builder.add_pattern(x, y, type, flags, list(values), itemWord1, itemWord2, list(pairs),
                                                      _bytes(toolName), itemShort1, itemShort2, itemWord3, itemWord4),
                            toolName)

@@ -1,8 +1,8 @@
 """What torvio does with files: the functions of torvio.h, with their JSON as Python objects.
 
-`file` is the path of a file, or its contents as bytes. `kind` ("sheet", ...) is detected if it is None. `encoding` is the
-code page of the texts in the file. Functions that return what was read of a damaged file do so only with damaged=True;
-without it they raise Error, whose `result` has the same.
+`file` is the path of a file, or its contents as bytes. `kind` ("sheet", ...) is detected if it is None. `encoding` is
+the code page of the texts in the file. Functions that return what was read of a damaged file do so only with
+damaged=True; without it they raise Error, whose `result` has the same.
 """
 from __future__ import annotations
 
@@ -13,8 +13,8 @@ from typing import Any, Dict, Iterable, List, NamedTuple, Optional, Union
 from . import _core, _paths
 from ._errors import Error, NotRead, Refused
 
-__all__ = ["Comparison", "NewFile", "check", "convert", "diff", "draw", "draw_page", "format", "from_json", "info", "map",
-           "map_page", "recover", "schema", "supported", "to_json"]
+__all__ = ["Comparison", "NewFile", "check", "convert", "diff", "draw", "draw_page", "format", "from_json", "info",
+           "map", "map_page", "recover", "schema", "supported", "to_json"]
 
 File = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview]
 

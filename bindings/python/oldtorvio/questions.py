@@ -1,8 +1,8 @@
 """The queries of the library that take the path of a file, under their names in OldTorvIO.h.
 
-Each loads the file, copies the results out and discards the rest. load() returns everything at once; these return single
-answers, in the same words as the C functions. Texts are bytes. All raise Error with the status of the library if it
-is not 0; what the library would end the process for is an Error as well.
+Each loads the file, copies the results out and discards the rest. load() returns everything at once; these
+return single answers, in the same words as the C functions. Texts are bytes. All raise Error with the status
+of the library if it is not 0; what the library would end the process for is an Error as well.
 """
 from __future__ import annotations
 
@@ -11,8 +11,8 @@ from typing import Any, List, NamedTuple, Tuple
 from . import _core, _paths
 from ._errors import Error, NotRead
 
-_REASONS = {1: "the file is damaged, or the question is not known", -1: "a version that this kind of file does not have",
-            -2: "cannot be opened"}
+_REASONS = {1: "the file is damaged, or the question is not known",
+            -1: "a version that this kind of file does not have", -2: "cannot be opened"}
 
 
 def _asked(path: _paths.Path, answer: Tuple[Any, ...]) -> Tuple[Any, ...]:
@@ -229,7 +229,8 @@ def GetSheetSequenceListSize(path: _paths.Path) -> int:
 
 
 def GetOldSheetInfoByName(sheet: _core.OldSheet, key: str) -> bytes:
-    """One value of a loaded sheet as text, such as "part_count"; OldTorvIO.h lists the keys. Empty for any other key."""
+    """One value of a loaded sheet as text, such as "part_count"; OldTorvIO.h lists the keys. Empty for any other
+    key."""
     value: bytes
     value, = _asked("sheet", _core._GetOldSheetInfoByName(sheet, _key(key)))
     return value

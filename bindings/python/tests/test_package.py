@@ -17,7 +17,8 @@ PACKAGE = pathlib.Path(oldtorvio.__file__).parent
 
 
 def python(*arguments, **options):
-    return subprocess.run([sys.executable, *map(str, arguments)], capture_output=True, text=True, check=False, **options)
+    return subprocess.run([sys.executable, *map(str, arguments)], capture_output=True, text=True, check=False,
+                          **options)
 
 
 def test_stubs_are_those_of_the_records():
@@ -40,7 +41,8 @@ def test_types_of_package_and_examples(tmp_path):
     assert done.returncode == 0, done.stdout
     for example in EXAMPLES:
         done = subprocess.run(["mypy", "--ignore-missing-imports", "--cache-dir", tmp_path, "--strict", example],
-                              capture_output=True, text=True, env={**os.environ, "MYPYPATH": str(BINDINGS)}, check=False)
+                              capture_output=True, text=True, env={**os.environ, "MYPYPATH": str(BINDINGS)},
+                              check=False)
         assert done.returncode == 0, done.stdout
 
 
@@ -98,7 +100,8 @@ def test_pip_installs_it(tmp_path):
                   f"--config-settings=build-dir={folder}", "--target", tmp_path / "installed", BINDINGS)
     assert done.returncode == 0, done.stdout + done.stderr
     program = "import oldtorvio, sys; print(oldtorvio.__file__, oldtorvio.OldSheet().width, oldtorvio.__version__)"
-    done = python("-c", program, cwd=tmp_path, env={"PATH": os.environ["PATH"], "PYTHONPATH": str(tmp_path / "installed")})
+    done = python("-c", program, cwd=tmp_path,
+                  env={"PATH": os.environ["PATH"], "PYTHONPATH": str(tmp_path / "installed")})
     assert done.stdout.split() == [str(tmp_path / "installed/oldtorvio/__init__.py"), "60.0", oldtorvio.__version__]
     info = next((tmp_path / "installed").glob("oldtorvio-*.dist-info"))
     assert {"METADATA", "RECORD", "WHEEL", "LICENSE"} <= {path.name for path in info.iterdir()}

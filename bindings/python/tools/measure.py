@@ -1,8 +1,9 @@
 """Measures loads and attributes of the package on a sheet of 50 MB: measure.py BUILD NEST [RUNS]
 
-BUILD is the build folder with libOldTorvIO.so, NEST a sheet to make the large one of (example_nest makes nest_180.sheet).
-The package is in PYTHONPATH. Every time is processor time, the shortest of RUNS (default 9); the loads take turns, so
-that what else the machine does affects all of them alike. "C++" is LoadOldSheet of the shared library into a new sheet.
+BUILD is the build folder with libOldTorvIO.so, NEST a sheet to make the large one of (example_nest makes
+nest_180.sheet). The package is in PYTHONPATH. Every time is processor time, the shortest of RUNS (default 9); the
+loads take turns, so that what else the machine does affects all of them alike. "C++" is LoadOldSheet of the shared
+library into a new sheet.
 """
 import ctypes
 import os
@@ -64,7 +65,8 @@ def main():
         path = os.path.join(folder, "large.sheet")
         large_sheet(nest, path, 50_000_000)
         size = os.stat(path).st_size
-        loads = {"C++": lambda: cpp_load(library, path.encode()), 'load(path, "sheet")': lambda: python_load(path, "sheet"),
+        loads = {"C++": lambda: cpp_load(library, path.encode()),
+                 'load(path, "sheet")': lambda: python_load(path, "sheet"),
                  "load(path)": lambda: python_load(path, None)}
         best = dict.fromkeys(loads, float("inf"))
         for _ in range(runs):
@@ -108,7 +110,8 @@ def main():
     print(f"  a view that is kept                 {seconds(keep, 1) / count * 1e9:6.0f} ns")
     shape, part = kept[0], sheet.partList.parts[0]
     for name, call in (("a number of a view", lambda: shape.x), ("a text of a view", lambda: part.partName),
-                       ("a number assigned", lambda: setattr(shape, "x", 1.5)), ("nothing, as a comparison", lambda: None)):
+                       ("a number assigned", lambda: setattr(shape, "x", 1.5)),
+                       ("nothing, as a comparison", lambda: None)):
         turns = range(200_000)
 
         def repeat():

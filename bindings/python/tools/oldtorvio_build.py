@@ -45,8 +45,8 @@ def build(folder):
     if shutil.which("ccache"):
         options["CMAKE_CXX_COMPILER_LAUNCHER"] = "ccache"
     generator = ["-G", "Ninja"] if shutil.which("ninja") else []
-    subprocess.run(["cmake", "-S", ROOT, "-B", folder, *generator, *(f"-D{name}={value}" for name, value in options.items())],
-                   check=True)
+    definitions = [f"-D{name}={value}" for name, value in options.items()]
+    subprocess.run(["cmake", "-S", ROOT, "-B", folder, *generator, *definitions], check=True)
     subprocess.run(["cmake", "--build", folder, "--target", "oldtorvio_python", "--parallel", str(os.cpu_count() or 1)],
                    check=True)
     package = pathlib.Path(folder) / "python"
