@@ -4,7 +4,12 @@ import pathlib
 import re
 import subprocess
 
+import hypothesis
 import pytest
+
+# No folder of examples where the tests are started.
+hypothesis.settings.register_profile("here", database=None)
+hypothesis.settings.load_profile("here")
 
 BUILD = pathlib.Path(os.environ.get("OLDTORVIO_BUILD", "build/release")).resolve()
 SOURCE = pathlib.Path(__file__).resolve().parents[3]
