@@ -158,8 +158,8 @@ PyTypeObject* addRecordClass(py::module_& module) {
       {Py_tp_doc, const_cast<char*>("What all records have in common.")},
       {0, nullptr},
   };
-  PyType_Spec spec{"oldtorvio.Record", sizeof(View), 0, kClassFlags | Py_TPFLAGS_BASETYPE, slots};
-  return addClass(module, spec, nullptr);
+  PyType_Spec description{"oldtorvio.Record", sizeof(View), 0, kClassFlags | Py_TPFLAGS_BASETYPE, slots};
+  return addClass(module, description, nullptr);
 }
 
 void addClassOf(py::module_& module, const Type& type) {
@@ -180,8 +180,8 @@ void addClassOf(py::module_& module, const Type& type) {
       {Py_tp_doc, const_cast<char*>(kept(about))},
       {0, nullptr},
   };
-  PyType_Spec spec{kept("oldtorvio." + std::string(type.name)), sizeof(View), 0, kClassFlags, slots};
-  classes().byType[&type] = addClass(module, spec, reinterpret_cast<PyObject*>(classes().record));
+  PyType_Spec description{kept("oldtorvio." + std::string(type.name)), sizeof(View), 0, kClassFlags, slots};
+  classes().byType[&type] = addClass(module, description, reinterpret_cast<PyObject*>(classes().record));
 }
 
 }  // namespace
@@ -191,11 +191,11 @@ PyMemberDef weakReferences[] = {
     {nullptr, 0, 0, 0, nullptr},
 };
 
-PyTypeObject* addClass(py::module_& module, PyType_Spec& spec, PyObject* base) {
+PyTypeObject* addClass(py::module_& module, PyType_Spec& description, PyObject* base) {
   const auto bases = base != nullptr ? py::make_tuple(py::handle(base)) : py::tuple();
-  PyObject* const made = PyType_FromSpecWithBases(&spec, base != nullptr ? bases.ptr() : nullptr);
+  PyObject* const made = PyType_FromSpecWithBases(&description, base != nullptr ? bases.ptr() : nullptr);
   if (made == nullptr) throw py::error_already_set();
-  const char* const name = std::strrchr(spec.name, '.') + 1;
+  const char* const name = std::strrchr(description.name, '.') + 1;
   module.add_object(name, py::reinterpret_steal<py::object>(made).inc_ref());
   return reinterpret_cast<PyTypeObject*>(made);
 }

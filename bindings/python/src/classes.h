@@ -26,7 +26,7 @@ void* slot(Function* function) {
   return reinterpret_cast<void*>(function);
 }
 // Makes a class, adds it to the module under its name, and returns it.
-PyTypeObject* addClass(py::module_& module, PyType_Spec& spec, PyObject* base);
+PyTypeObject* addClass(py::module_& module, PyType_Spec& description, PyObject* base);
 
 // All records that files consist of, each once; what a record contains comes before it.
 const std::vector<const Type*>& recordTypes();

@@ -453,9 +453,9 @@ PyTypeObject* add(py::module_& module, const char* name, const char* about, PyMe
       {Py_mp_ass_subscript, slot(setSubscript)},
   }};
   if (isList) slots[13] = {Py_sq_inplace_concat, slot(extendInPlace)};
-  PyType_Spec spec{name, sizeof(View), 0, kClassFlags | Py_TPFLAGS_DISALLOW_INSTANTIATION | Py_TPFLAGS_SEQUENCE,
+  PyType_Spec description{name, sizeof(View), 0, kClassFlags | Py_TPFLAGS_DISALLOW_INSTANTIATION | Py_TPFLAGS_SEQUENCE,
                    slots.data()};
-  return addClass(module, spec, nullptr);
+  return addClass(module, description, nullptr);
 }
 
 }  // namespace
