@@ -94,9 +94,9 @@ TEST(ReadMembers, OfARecordWithoutAFileAreAll) { EXPECT_TRUE(ReadMembers().has("
 TEST(ReadMembers, OfATableThatEndsInItsNameAreItsName) {
   const Bytes file = Bytes().i16(500).zeros(20000);
   const Members all = membersOf(file, FileKind::material);
-  std::uint64_t name = 0;
+  std::size_t name = 0;
   (void)explain::mapFile(file.span(), FileKind::material, [&](const explain::MapLine& line) {
-    if (line.path == "params.name") name = line.offset;
+    if (line.path == "params.name") name = static_cast<std::size_t>(line.offset);
   });
   ASSERT_GT(name, 0U);
   for (std::size_t size = name - 1; size < name + 30; ++size) {
