@@ -204,7 +204,7 @@ void Alignment::pairInOrder(std::span<const Key> a, std::span<const Key> b) {
 }
 
 void Alignment::pairMoved(std::span<const Key> a, std::span<const Key> b) {
-  // Which of many equal elements has moved cannot be told.
+  // Any of the equal elements may be the one that moved.
   constexpr std::size_t kMostOfOneKey = 8;
   struct Left {
     std::vector<std::size_t> a, b;

@@ -69,7 +69,7 @@ class Busy {
 };
 
 // Makes the views of elements that are about to be removed or overwritten independent. It allocates first: if that
-// fails, nothing has changed. Views that nobody needs any more end with it, which may run Python code.
+// fails, nothing has changed. Unreferenced views end with it, which may run Python code.
 class Detachment {
  public:
   // The views of the elements of a list for whose place that returns true.
