@@ -17,7 +17,8 @@ class ReadMembers {
   ReadMembers() = default;
   ReadMembers(std::span<const std::byte> bytes, FileKind kind);
 
-  // A member by its path without positions: "width", "machine.clampInfo". A list is read if one of its elements is.
+  // A member by its path without positions: "width", "machine.clampInfo". A list is read if its first element was begun,
+  // or that of a list with which it shares rows.
   bool has(std::string_view member) const { return isComplete_ || names_.find(member) != names_.end(); }
 
  private:
