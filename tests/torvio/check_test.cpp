@@ -45,7 +45,7 @@ std::vector<json> objectsOf(const std::string& text) {
 
 class Check : public testing::Test {
  protected:
-  Outcome inFolder(const std::string& command) const { return runShell("cd " + folder_.path() + " && " + command); }
+  Outcome inFolder(const std::string& command) const { return runShell(changeFolder(folder_.path()) + command); }
   Outcome check(const std::string& arguments) const { return inFolder(torvio_ + " check " + arguments); }
   void makeFolder(const std::string& name) const { fs::create_directories(folder_.path(name)); }
   // The names of the checked files, in order.
@@ -260,6 +260,7 @@ TEST(Scans, ErrorOfAThreadIsThatOfTheScan) {
 }
 
 TEST(Scans, FoldersOfManyNamesAreReadPieceByPiece) {
+  if (!kIsPosix) GTEST_SKIP() << "so many files take many minutes";
   const TempFolder folder;
   constexpr std::size_t kNames = archive::FileNames::kSortedNames + 500;
   for (std::size_t i = 0; i < kNames; ++i) std::ofstream(folder.path(std::to_string(i)));

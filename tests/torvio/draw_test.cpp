@@ -713,7 +713,8 @@ class DrawCommand : public testing::Test {
   void SetUp() override {
     OldSheet sheet;
     frame::setText(sheet.sheetLabel, "NEST");
-    sheet_ = folder_.path("nest & <co>.sheet");
+    // Windows has no files with "<" in their names.
+    sheet_ = folder_.path(kIsPosix ? "nest & <co>.sheet" : "nest & co.sheet");
     ASSERT_EQ(SaveOldSheet(sheet_.c_str(), &sheet, 180), 0);
     cut_ = folder_.path("cut.sheet");
     std::filesystem::copy_file(sheet_, cut_);
@@ -789,7 +790,7 @@ TEST_F(DrawCommand, ThePageHasEveryFileAndDistinctIdentifiers) {
   EXPECT_TRUE(page.ends_with("</html>\n"));
   EXPECT_EQ(countOf(page, "<figure"), 3U);
   EXPECT_EQ(countOf(page, "<svg"), 2U);
-  EXPECT_EQ(countOf(page, "nest &amp; &lt;co&gt;.sheet</b>"), 2U);
+  EXPECT_EQ(countOf(page, kIsPosix ? "nest &amp; &lt;co&gt;.sheet</b>" : "nest &amp; co.sheet</b>"), 2U);
   EXPECT_TRUE(contains(page, "steel.mat</b>"));
   EXPECT_FALSE(contains(page, "<script"));
   EXPECT_FALSE(contains(page, "<?xml"));

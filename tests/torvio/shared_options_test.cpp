@@ -46,10 +46,14 @@ TEST_F(SharedOptions, EveryCommandThatReadsFilesTakesExtensions) {
 }
 
 TEST_F(SharedOptions, NoCommandReplacesTheFileThatItReads) {
-  std::filesystem::create_symlink("tool.abc", folder_.path("link"));
+  std::vector<std::string> outputs = {tool_, folder_.path() + "/./tool.abc"};
+  if (kIsPosix) {
+    outputs.push_back(folder_.path("link"));
+    std::filesystem::create_symlink("tool.abc", outputs.back());
+  }
   const std::string before = asText(TempFolder::read(tool_));
   for (const std::string command : {"map ", "json ", "draw ", "from-json "})
-    for (const std::string& output : {tool_, folder_.path("link"), folder_.path() + "/./tool.abc"}) {
+    for (const std::string& output : outputs) {
       const Outcome run = torvio(command + tool_ + " -o " + output);
       EXPECT_EQ(run.code, 2) << command << run.errors;
       EXPECT_EQ(run.output, "");
