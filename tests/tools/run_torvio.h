@@ -29,9 +29,7 @@ inline Outcome runShell(const std::string& command) {
 }
 
 // The beginning of a command that runs in that folder.
-inline std::string changeFolder(const std::string& folder) {
-  return (kIsPosix ? "cd " : "cd /d ") + folder + " && ";
-}
+inline std::string changeFolder(const std::string& folder) { return (kIsPosix ? "cd " : "cd /d ") + folder + " && "; }
 
 inline Outcome torvio(const std::string& arguments) { return runShell(std::string(TORVIO_COMMAND) + " " + arguments); }
 

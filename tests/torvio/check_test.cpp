@@ -433,8 +433,9 @@ TEST_F(Check, NamesCannotAffectLinesOrTerminals) {
 // ---- misuse, output --------------------------------------------------------------------------------------
 
 TEST_F(Check, MisuseIsAnError) {
-  for (const std::string arguments : {"", "--null x", "--jobs 0 x", "--jobs 1000 x", "--jobs x x",
-                                      "--summary --no-summary x", "--encoding nonsense x", "--only", "--ext", "--catalogue"}) {
+  for (const std::string arguments :
+       {"", "--null x", "--jobs 0 x", "--jobs 1000 x", "--jobs x x", "--summary --no-summary x",
+        "--encoding nonsense x", "--only", "--ext", "--catalogue"}) {
     const Outcome run = check(arguments);
     EXPECT_EQ(run.code, 2) << arguments;
     EXPECT_EQ(run.output, "") << arguments;
