@@ -187,8 +187,8 @@ class Mapper : public codec::Reading<Mapper> {
   }
 
   // The stored forms of what an item consists of.
-  static constexpr std::array kText{StoredForm{StoredForm::Kind::text, "text", 0, nullptr}};
-  static constexpr std::array kBytes{StoredForm{StoredForm::Kind::bytes, "bytes", 0, nullptr}};
+  static inline constexpr std::array kText{StoredForm{StoredForm::Kind::text, "text", 0, nullptr}};
+  static inline constexpr std::array kBytes{StoredForm{StoredForm::Kind::bytes, "bytes", 0, nullptr}};
   template <class M>
   struct Forms;
   template <class Stored>
@@ -236,13 +236,13 @@ struct Mapper::Forms<T> {
     codec::wire::Item<Value>::load(value, from);
     Mapper::print(to, value);
   }
-  static constexpr std::array kAll{numberForm<Value>(print)};
+  static inline constexpr std::array kAll{numberForm<Value>(print)};
 };
 template <class T, std::size_t N>
 struct Mapper::Forms<T[N]> {
-  static constexpr std::array kAll{std::is_same_v<std::remove_const_t<T>, char>
-                                       ? StoredForm{StoredForm::Kind::text, "text", N, nullptr}
-                                       : StoredForm{StoredForm::Kind::bytes, "bytes", N, nullptr}};
+  static inline constexpr std::array kAll{std::is_same_v<std::remove_const_t<T>, char>
+                                              ? StoredForm{StoredForm::Kind::text, "text", N, nullptr}
+                                              : StoredForm{StoredForm::Kind::bytes, "bytes", N, nullptr}};
 };
 // Printed as the member that it becomes.
 template <class Stored, class T>
