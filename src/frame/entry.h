@@ -13,14 +13,19 @@
 
 namespace oldtorvio::frame {
 
-// Runs a function's body. Any exception becomes the function's result for "out of memory".
+// Runs a function's body. Any exception becomes the function's result for "out of memory". In a build without
+// exceptions, as for WebAssembly, running out of memory ends the program.
 template <class Result, class Fn>
-Result guarded(Result outOfMemory, Fn&& body) noexcept {
+Result guarded([[maybe_unused]] Result outOfMemory, Fn&& body) noexcept {
+#if defined(__cpp_exceptions)
   try {
     return body();
   } catch (...) {
     return outOfMemory;
   }
+#else
+  return body();
+#endif
 }
 
 // Opens `path`, reads the version word and passes it to keep(version), also if it is then refused. If

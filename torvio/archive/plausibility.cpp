@@ -424,19 +424,19 @@ class Candidates {
     const auto rank = [](const Candidate& c) {
       return std::pair(c.plausibility.endsExactly && c.evidence() >= kMinEvidence, c.evidence());
     };
-    return *std::max_element(all_.begin(), all_.begin() + count_,
+    return *std::max_element(all_.data(), all_.data() + count_,
                              [&](const Candidate& a, const Candidate& b) { return rank(a) < rank(b); });
   }
 
  private:
   Candidate* begin() { return all_.data(); }
   const Candidate& best() const {
-    return *std::max_element(all_.begin(), all_.begin() + count_,
+    return *std::max_element(all_.data(), all_.data() + count_,
                              [](const Candidate& a, const Candidate& b) { return a.evidence() < b.evidence(); });
   }
   bool isCertain() const {
     if (count_ == 0 || best().evidence() < kCertain) return false;
-    return std::all_of(all_.begin(), all_.begin() + count_, [this](const Candidate& c) {
+    return std::all_of(all_.data(), all_.data() + count_, [this](const Candidate& c) {
       return c.kind == best().kind || c.evidence() <= best().evidence() - kLead;
     });
   }

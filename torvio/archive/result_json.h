@@ -2,7 +2,7 @@
 #pragma once
 #include <string>
 
-#include "torvio/archive/scan.h"
+#include "torvio/archive/examine.h"
 
 namespace oldtorvio::archive {
 

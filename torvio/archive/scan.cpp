@@ -12,7 +12,6 @@
 #include <utility>
 
 #include "torvio/explain/file_content.h"
-#include "torvio/values/compiled_records.h"
 
 namespace oldtorvio::archive {
 namespace {
@@ -174,24 +173,6 @@ void measure(FileResult& result) {
   result.modified = duration_cast<nanoseconds>(std::chrono::file_clock::to_sys(time).time_since_epoch()).count();
 }
 
-void examineContents(FileResult& result, std::span<const std::byte> bytes, const ScanOptions& options) {
-  Judgement judgement = judge(result.path, bytes, options.judge);
-  result.verdict = judgement.verdict;
-  result.kind = judgement.kind;
-  result.report = std::move(judgement.report);
-  if (!result.kind) return;
-  if (result.report.status == frame::kDone)
-    withFileRecord(*result.kind, [&](auto file) {
-      const auto loaded = values::loadRecord<decltype(file)::kKind>(bytes, result.path);
-      if (loaded.status != frame::kDone) return;
-      result.warnings = warningsOf(*loaded.record);
-      if (options.withFacts) result.facts = factsOf(*loaded.record, options.encoding);
-    });
-  if (result.kind == explain::FileKind::sheet)
-    if (auto trace = traceOfSave(bytes, result.report))
-      result.warnings.insert(result.warnings.begin(), std::move(*trace));
-}
-
 // A few large files at a time would take all memory.
 constexpr std::uint64_t kLargeFile = 64U << 20U;
 std::mutex largeFiles;
@@ -223,13 +204,6 @@ FileResult examine(const FoundFile& file, const ScanOptions& options) {
     result.verdict = Verdict::unreadable;
     result.error = "cannot be read: not enough memory";
   }
-  return result;
-}
-
-FileResult examineBytes(std::string name, std::span<const std::byte> bytes, const ScanOptions& options) {
-  FileResult result;
-  result.path = std::move(name);
-  examineContents(result, bytes, options);
   return result;
 }
 

@@ -6,13 +6,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
-#include "torvio/archive/facts.h"
-#include "torvio/archive/verdict.h"
-#include "torvio/archive/warnings.h"
+#include "torvio/archive/examine.h"
 
 namespace oldtorvio::archive {
 
@@ -62,26 +59,8 @@ class FileNames {
 
 // ---- what they are -----------------------------------------------------------------------------------
 
-struct FileResult {
-  std::string path;
-  bool isNamed = true;
-  bool isFolder = false;  // one that could not be read
-  Verdict verdict = Verdict::unreadable;
-  std::string error;                      // why the file could not be read
-  std::optional<explain::FileKind> kind;  // none for a foreign file
-  explain::FileReport report;             // unless it could not be read
-  std::vector<Warning> warnings;
-  std::optional<Facts> facts;            // of a file that loads, if they were asked for
-  std::optional<std::int64_t> modified;  // in nanoseconds since 1970; none for a pipe or device
-  std::optional<std::uint64_t> size;     // of a regular file, before it was read
-  bool isKnown = false;                  // from an earlier run, and unchanged since
-};
-
-struct ScanOptions {
-  JudgeOptions judge;
+struct ScanOptions : ExamineOptions {
   unsigned jobs = 1;
-  bool withFacts = false;
-  values::TextEncoding encoding;  // of texts in facts
   // Called from several threads with path, time and size of a regular file: what an earlier run found. Such a file is
   // not read.
   std::function<std::optional<FileResult>(const FileResult&)> known;
@@ -90,8 +69,6 @@ struct ScanOptions {
 };
 
 FileResult examine(const FoundFile& file, const ScanOptions& options);
-// The bytes of a file of that name, wherever they come from.
-FileResult examineBytes(std::string name, std::span<const std::byte> bytes, const ScanOptions& options);
 
 // Examines all files with options.jobs threads, each of which has one file in memory, and calls take(result) in the
 // calling thread, in the order of the names. Memory is bounded however many files there are. If take() throws, no more

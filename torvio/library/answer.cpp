@@ -6,12 +6,16 @@
 
 namespace oldtorvio::library {
 
+#if defined(__cpp_exceptions)
+void fail(Problem problem) { throw problem; }
+#endif
+
 void Answer::append(std::string_view bytes) {
   if (bytes.empty()) return;
   if (bytes.size() > capacity_ - used_) {
     // The first piece may well be all of it.
     constexpr std::size_t kLargest = std::numeric_limits<std::size_t>::max() / 2;
-    if (bytes.size() > kLargest - used_) throw std::bad_alloc();
+    if (bytes.size() > kLargest - used_) fail({TORVIO_NO_MEMORY, "not enough memory", "", TORVIO_NO_OFFSET});
     reserve(std::max(used_ + bytes.size(), std::min(capacity_, kLargest / 2) * 2));
   }
   std::memcpy(data() + used_, bytes.data(), bytes.size());

@@ -15,13 +15,16 @@
 
 namespace oldtorvio::library {
 
-// What an error says. As an exception it ends a function without a result.
+// What an error says.
 struct Problem {
   torvio_status status = TORVIO_OK;
   std::string message;
   std::string field;
   std::uint64_t offset = TORVIO_NO_OFFSET;
 };
+
+// Ends a function without a result.
+[[noreturn]] void fail(Problem problem);
 
 inline Problem badArgument(std::string message) {
   return {TORVIO_BAD_ARGUMENT, std::move(message), "", TORVIO_NO_OFFSET};
@@ -73,13 +76,17 @@ torvio_status answered(torvio_buffer** result, torvio_error** error, const Body&
   const auto failedBy = [&](const Problem& problem) {
     return failed(problem.status, problem.message, problem.field, problem.offset);
   };
-  constexpr const char* kNoMemory = "not enough memory";
-  if (result == nullptr) return failed(TORVIO_BAD_ARGUMENT, "result is NULL");
-  try {
+  [[maybe_unused]] constexpr const char* kNoMemory = "not enough memory";
+  const auto run = [&] {
     Answer answer;
     body(answer);
     *result = answer.release();
     return failedBy(answer.problem());
+  };
+  if (result == nullptr) return failed(TORVIO_BAD_ARGUMENT, "result is NULL");
+#if defined(__cpp_exceptions)
+  try {
+    return run();
   } catch (const Problem& problem) {
     return failedBy(problem);
   } catch (const std::bad_alloc&) {
@@ -91,6 +98,9 @@ torvio_status answered(torvio_buffer** result, torvio_error** error, const Body&
   } catch (...) {
     return failed(TORVIO_INTERNAL_ERROR, "unknown");
   }
+#else
+  return run();
+#endif
 }
 
 }  // namespace oldtorvio::library

@@ -66,21 +66,21 @@ OpenFile::OpenFile(const char* path) {
 }
 
 Input::Input(const torvio_input* input) {
-  if (input == nullptr) throw badArgument("input is NULL");
+  if (input == nullptr) fail(badArgument("input is NULL"));
   input_ = *input;
-  if (input_.path == nullptr && input_.data == nullptr) throw badArgument("input has neither a path nor data");
-  if (input_.path != nullptr && input_.data != nullptr) throw badArgument("input has both a path and data");
+  if (input_.path == nullptr && input_.data == nullptr) fail(badArgument("input has neither a path nor data"));
+  if (input_.path != nullptr && input_.data != nullptr) fail(badArgument("input has both a path and data"));
   if (input_.name != nullptr)
     name_ = input_.name;
   else if (input_.path != nullptr)
     name_ = input_.path;
   if (input_.kind != nullptr) {
     kind_ = explain::kindNamed(input_.kind);
-    if (!kind_) throw badArgument("the kind of the input is none of " + listed(explain::kindNames()));
+    if (!kind_) fail(badArgument("the kind of the input is none of " + listed(explain::kindNames())));
   }
   if (input_.encoding != nullptr) {
     const auto encoding = values::TextEncoding::named(input_.encoding);
-    if (!encoding) throw badArgument("the encoding of the input is none of " + listed(values::TextEncoding::names()));
+    if (!encoding) fail(badArgument("the encoding of the input is none of " + listed(values::TextEncoding::names())));
     encoding_ = *encoding;
   }
 }
@@ -102,8 +102,8 @@ InputBytes::InputBytes(const Input& input) {
   bytes_ = content_->bytes();
 }
 
-std::span<const std::byte> InputBytes::bytesOrThrow() const {
-  if (!error_.empty()) throw notRead(error_);
+std::span<const std::byte> InputBytes::bytesOrFail() const {
+  if (!error_.empty()) fail(notRead(error_));
   return bytes_;
 }
 

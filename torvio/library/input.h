@@ -34,7 +34,7 @@ class OpenFile {
   std::string error_;
 };
 
-// The caller's torvio_input, checked. Throws Problem if it is none.
+// The caller's torvio_input, checked. Fails if it is none.
 class Input {
  public:
   explicit Input(const torvio_input* input);
@@ -60,8 +60,8 @@ class InputBytes {
 
   const std::string& error() const { return error_; }
   std::span<const std::byte> bytes() const { return bytes_; }
-  // Throws Problem after an error.
-  std::span<const std::byte> bytesOrThrow() const;
+  // Fails after an error.
+  std::span<const std::byte> bytesOrFail() const;
 
  private:
   std::optional<explain::FileContent> content_;

@@ -35,11 +35,11 @@ using namespace oldtorvio;
 using namespace oldtorvio::library;
 
 void allow(std::uint32_t flags, std::uint32_t known) {
-  if ((flags & ~known) != 0) throw badArgument("flags has a value that this function does not know");
+  if ((flags & ~known) != 0) fail(badArgument("flags has a value that this function does not know"));
 }
 
 const char* required(const char* text, const char* name) {
-  if (text == nullptr) throw badArgument(std::string(name) + " is NULL");
+  if (text == nullptr) fail(badArgument(std::string(name) + " is NULL"));
   return text;
 }
 
@@ -54,7 +54,7 @@ bool loads(archive::Verdict verdict) {
 }
 
 void check(Answer& answer, const Input& input) {
-  archive::ScanOptions options;
+  archive::ExamineOptions options;
   options.judge.kind = input.kind();
   archive::FileResult result;
   const InputBytes file(input);
@@ -92,7 +92,7 @@ void info(Answer& answer, const Input& input) {
 
 void json(Answer& answer, const Input& input, bool isPretty) {
   const InputBytes file(input);
-  const auto bytes = file.bytesOrThrow();
+  const auto bytes = file.bytesOrFail();
   archive::Judgement judgement = archive::judge(input.name(), bytes, {input.kind(), {}});
   if (!judgement.kind) judgement.report = explain::mapFile(bytes, std::nullopt, [](const explain::MapLine&) {});
   values::writeFileAsJson([&](std::string_view text) { answer.append(text); }, bytes, judgement.kind, judgement.report,
@@ -105,21 +105,21 @@ values::JsonRecord recordOf(const Input& input) {
     return values::readJson(asText(input.memory()));
   }
   const OpenFile file(input.path());
-  if (!file.error().empty()) throw notRead(file.error());
+  if (!file.error().empty()) fail(notRead(file.error()));
   return values::readJson([&](char* to, std::size_t size) {
     const std::size_t got = std::fread(to, 1, size, file.handle());
-    if (got < size && std::ferror(file.handle()) != 0) throw notRead("cannot be read: " + systemError(errno));
+    if (got < size && std::ferror(file.handle()) != 0) fail(notRead("cannot be read: " + systemError(errno)));
     return got;
   });
 }
 
 void fromJson(Answer& answer, const Input& input, std::int32_t version) {
   const values::JsonRecord read = recordOf(input);
-  if (!read.error.empty()) throw refused(read.error);
+  if (!read.error.empty()) fail(refused(read.error));
   if (version == 0) version = read.version;
   codec::OutStream stream;
   const std::int64_t status = values::storeRecord(stream, read, version);
-  if (status != frame::kDone) throw refused(values::refusalOf(read, status, version));
+  if (status != frame::kDone) fail(refused(values::refusalOf(read, status, version)));
   answer.append(asText(stream.bytes()));
 }
 
@@ -130,23 +130,23 @@ explain::MapFilter filterOf(const char* find, const char* range) {
   if (find != nullptr) {
     std::string error;
     filter.path = explain::PathPattern::parsed(find, error);
-    if (!filter.path) throw badArgument("find is no field: " + error);
+    if (!filter.path) fail(badArgument("find is no field: " + error));
   }
   if (range != nullptr) {
     filter.range = explain::OffsetRange::parsed(range);
-    if (!filter.range) throw badArgument("range is no offset and no range of offsets");
+    if (!filter.range) fail(badArgument("range is no offset and no range of offsets"));
   }
   return filter;
 }
 
 void map(Answer& answer, const Input& input, const explain::MapFilter& filter, bool isPage) {
   const InputBytes file(input);
-  const auto bytes = file.bytesOrThrow();
+  const auto bytes = file.bytesOrFail();
   const auto kind = archive::judge(input.name(), bytes, {input.kind(), {}}).kind;
   explain::FileReport report;
   if (isPage) {
     report::MapPageText page = report::mapPage(draw::nameOfFile(input.name()), bytes, kind, input.encoding());
-    if (!page.refusal.empty()) throw refused(page.refusal);
+    if (!page.refusal.empty()) fail(refused(page.refusal));
     answer.append(page.html);
     report = std::move(page.report);
   } else {
@@ -169,18 +169,18 @@ void map(Answer& answer, const Input& input, const explain::MapFilter& filter, b
 void format(Answer& answer, const std::string& name, const std::string& language) {
   const auto kind = explain::kindNamed(name);
   const std::vector<explain::FormatRow> rows = kind ? explain::formatRows(*kind) : explain::recordRows(name);
-  if (rows.empty()) throw badArgument("name is no kind of file and no record");
+  if (rows.empty()) fail(badArgument("name is no kind of file and no record"));
   if (language == "markdown") {
     answer.append(explain::markdownOf(rows));
   } else if (language == "json") {
     answer.append(report::formatJson(rows));
   } else if (language == "kaitai") {
-    if (!kind) throw refused("Kaitai descriptions are of kinds of files");
+    if (!kind) fail(refused("Kaitai descriptions are of kinds of files"));
     const report::KaitaiDescription description = report::kaitaiDescription(*kind);
-    if (!description.problems.empty()) throw refused("cannot be described for Kaitai: " + description.problems.front());
+    if (!description.problems.empty()) fail(refused("cannot be described for Kaitai: " + description.problems.front()));
     answer.append(description.text);
   } else {
-    throw badArgument("language is none of markdown, json, kaitai");
+    fail(badArgument("language is none of markdown, json, kaitai"));
   }
 }
 
@@ -188,9 +188,9 @@ void format(Answer& answer, const std::string& name, const std::string& language
 
 void drawPicture(Answer& answer, const Input& input) {
   const InputBytes file(input);
-  const draw::DrawnCard drawn = draw::drawCard(input.name(), draw::nameOfFile(input.name()), file.bytesOrThrow(),
+  const draw::DrawnCard drawn = draw::drawCard(input.name(), draw::nameOfFile(input.name()), file.bytesOrFail(),
                                                {input.kind(), {}}, input.encoding(), 0, false);
-  if (drawn.card.svg.empty()) throw refused(drawn.error);
+  if (drawn.card.svg.empty()) fail(refused(drawn.error));
   answer.append(drawn.card.svg);
   if (drawn.fault) answer.note(damaged(*drawn.fault));
 }
@@ -227,11 +227,11 @@ void drawPage(Answer& answer, const torvio_input* inputs, std::size_t count, con
 class ComparedInput {
  public:
   ComparedInput(const Input& input, const char* side, const char* part) : input_(input), side_(side), file_(input) {
-    if (!file_.error().empty()) throw notRead(side_ + file_.error());
+    if (!file_.error().empty()) fail(notRead(side_ + file_.error()));
     judgement_ = archive::judge(input.name(), file_.bytes(), {input.kind(), {}});
     if (!judgement_.kind) {
       judgement_.report = explain::mapFile(file_.bytes(), std::nullopt, [](const explain::MapLine&) {});
-      throw refused(side_ + (judgement_.report.fault ? judgement_.report.fault->reason : "of unknown kind"));
+      fail(refused(side_ + (judgement_.report.fault ? judgement_.report.fault->reason : "of unknown kind")));
     }
     compared_ = {file_.bytes(), *judgement_.kind, {}, input.name()};
     if (part != nullptr && !isPart()) compared_.part = part;
@@ -259,7 +259,7 @@ class ComparedInput {
 bool diff(Answer& answer, const Input& inputA, const Input& inputB, const char* part,
           const compare::DiffOptions& options) {
   const ComparedInput a(inputA, "a: ", part), b(inputB, "b: ", part);
-  if (part != nullptr && a.isPart() && b.isPart()) throw badArgument("part is for sheets and group part files");
+  if (part != nullptr && a.isPart() && b.isPart()) fail(badArgument("part is for sheets and group part files"));
   std::uint64_t printed = 0;
   const compare::FileDifferences found = compare::diffFiles(a.side(), b.side(), options, [&](const auto& difference) {
     answer.append(compare::differenceJson(difference));
@@ -268,7 +268,7 @@ bool diff(Answer& answer, const Input& inputA, const Input& inputB, const char* 
   });
   if (!found.error.empty()) {
     const char* const side = found.errorIn == compare::Side::a ? "a: " : found.errorIn == compare::Side::b ? "b: " : "";
-    throw refused(side + report::inert(values::fileNameAsUtf8(found.error)));
+    fail(refused(side + report::inert(values::fileNameAsUtf8(found.error))));
   }
   answer.append(compare::summaryJson(found, printed, a.judged(), b.judged()));
   if (auto damage = a.damage() ? a.damage() : b.damage()) answer.note(std::move(*damage));
@@ -286,11 +286,11 @@ torvio_status newFile(const torvio_input* file, std::uint32_t flags, std::uint32
     allow(flags, known);
     const Input input(file);
     const InputBytes contents(input);
-    const auto bytes = contents.bytesOrThrow();
+    const auto bytes = contents.bytesOrFail();
     const auto kind = archive::judge(input.name(), bytes, {input.kind(), {}}).kind;
     if (!kind) {
       const explain::FileReport unknown = explain::mapFile(bytes, std::nullopt, [](const explain::MapLine&) {});
-      throw refused(unknown.fault ? unknown.fault->reason : "of unknown kind");
+      fail(refused(unknown.fault ? unknown.fault->reason : "of unknown kind"));
     }
     const auto made = make(bytes, *kind, input.encodingName());
     if (report != nullptr) {
@@ -298,7 +298,7 @@ torvio_status newFile(const torvio_input* file, std::uint32_t flags, std::uint32
       text.append(convert::jsonOf(made.report, values::fileNameAsUtf8(input.name()), made.error));
       *report = text.release();
     }
-    if (!made.error.empty()) throw refused(made.error);
+    if (!made.error.empty()) fail(refused(made.error));
     answer.append(asText(made.bytes));
   });
   if (report != nullptr && status != TORVIO_OK && status != TORVIO_REFUSED) {
@@ -374,7 +374,7 @@ torvio_status torvio_from_json(const torvio_input* input, int32_t version, uint3
                                torvio_error** error) noexcept {
   return answered(result, error, [&](Answer& answer) {
     allow(flags, 0);
-    if (version < INT16_MIN || version > INT16_MAX) throw badArgument("version is not within -32768 and 32767");
+    if (version < INT16_MIN || version > INT16_MAX) fail(badArgument("version is not within -32768 and 32767"));
     fromJson(answer, Input(input), version);
   });
 }
@@ -382,7 +382,7 @@ torvio_status torvio_from_json(const torvio_input* input, int32_t version, uint3
 torvio_status torvio_schema(const char* kind, torvio_buffer** result, torvio_error** error) noexcept {
   return answered(result, error, [&](Answer& answer) {
     const auto known = explain::kindNamed(required(kind, "kind"));
-    if (!known) throw badArgument("kind is no kind of file");
+    if (!known) fail(badArgument("kind is no kind of file"));
     answer.append(values::jsonSchema(*known));
   });
 }
@@ -392,7 +392,7 @@ torvio_status torvio_map(const torvio_input* input, const char* find, const char
   return answered(result, error, [&](Answer& answer) {
     allow(flags, TORVIO_PAGE);
     const bool isPage = (flags & TORVIO_PAGE) != 0;
-    if (isPage && (find != nullptr || range != nullptr)) throw badArgument("a page has no find and no range");
+    if (isPage && (find != nullptr || range != nullptr)) fail(badArgument("a page has no find and no range"));
     map(answer, Input(input), filterOf(find, range), isPage);
   });
 }
@@ -416,8 +416,8 @@ torvio_status torvio_draw_page(const torvio_input* inputs, size_t count, const c
                                torvio_buffer** result, torvio_error** error) noexcept {
   return answered(result, error, [&](Answer& answer) {
     allow(flags, 0);
-    if (inputs == nullptr) throw badArgument("inputs is NULL");
-    if (count == 0) throw badArgument("count is 0");
+    if (inputs == nullptr) fail(badArgument("inputs is NULL"));
+    if (count == 0) fail(badArgument("count is 0"));
     drawPage(answer, inputs, count, title);
   });
 }
@@ -428,9 +428,9 @@ torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const ch
   const torvio_status status = answered(result, error, [&](Answer& answer) {
     allow(flags, TORVIO_COMMON);
     constexpr double kLargest = 1e300;
-    if (!(tolerance >= 0 && tolerance <= kLargest)) throw badArgument("tolerance is negative or no number");
+    if (!(tolerance >= 0 && tolerance <= kLargest)) fail(badArgument("tolerance is negative or no number"));
     const Input inputA(a), inputB(b);
-    if (inputA.encodingName() != inputB.encodingName()) throw badArgument("the encodings of a and b differ");
+    if (inputA.encodingName() != inputB.encodingName()) fail(badArgument("the encodings of a and b differ"));
     compare::DiffOptions options;
     options.tolerance = tolerance;
     options.encoding = inputA.encodingName();
@@ -445,7 +445,7 @@ torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const ch
 torvio_status torvio_convert(const torvio_input* input, int32_t version, uint32_t flags, torvio_buffer** result,
                              torvio_buffer** report, torvio_error** error) noexcept {
   const auto make = [&](auto bytes, frame::FileKind kind, const std::string& encoding) {
-    if (version < 0 || version > INT16_MAX) throw badArgument("version is not within 0 and 32767");
+    if (version < 0 || version > INT16_MAX) fail(badArgument("version is not within 0 and 32767"));
     return convert::convert(bytes, kind, version, {(flags & TORVIO_ALLOW_LOSS) != 0, encoding});
   };
   return newFile(input, flags, TORVIO_ALLOW_LOSS, result, report, error, make);

@@ -4,6 +4,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -17,6 +18,20 @@
 
 namespace oldtorvio::values {
 namespace {
+
+// None if it is out of range.
+std::optional<float> nearestSingle(const std::string& digits) {
+  float single = 0;
+#if defined(__cpp_lib_to_chars)
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), single);
+  if (error != std::errc()) return std::nullopt;
+#else
+  // The library of WebAssembly has no from_chars for real numbers; its only locale is "C".
+  single = std::strtof(digits.c_str(), nullptr);
+  if (!std::isfinite(single)) return std::nullopt;
+#endif
+  return single;
+}
 
 // ---- the text ----------------------------------------------------------------------------------------
 
@@ -173,9 +188,7 @@ class RecordBuilder {
     // The parser writes its numbers in the way of the locale.
     for (char& c : digits)
       if (std::string_view("0123456789+-eE").find(c) == std::string_view::npos) c = '.';
-    float single = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), single);
-    if (error == std::errc()) return storeReal(slot, single, 0);
+    if (const auto single = nearestSingle(digits)) return storeReal(slot, *single, 0);
     if (std::fabs(value) < 1) return storeReal(slot, std::copysign(0.0F, static_cast<float>(value)), 0);
     return fail(digits.substr(0, kMostQuoted) + " is out of range for a number of 32 bits");
   }

@@ -55,7 +55,7 @@ class JsonWriter {
       : sink_(sink), characters_(encoding), isPretty_(isPretty) {}
 
   void flush() {
-    if (used_ > 0) sink_({buffer_.get(), used_});
+    if (used_ > 0 && !isStopped_) sink_({buffer_.get(), used_});
     used_ = 0;
   }
   // Drops what was not flushed.
@@ -63,7 +63,10 @@ class JsonWriter {
     used_ = 0;
     depth_ = 0;
     isFirst_ = true;
+    isStopped_ = false;
   }
+  // Nothing more is wanted: the rest of the value is left out, and what is not flushed is lost.
+  void stop() { isStopped_ = true; }
 
   // ---- structure
 
@@ -266,7 +269,7 @@ class JsonWriter {
     const bool areInline = isInline(element);
     open('[');
     const auto* at = static_cast<const std::byte*>(first);
-    for (std::size_t i = 0; i < count; ++i, at += element.size) {
+    for (std::size_t i = 0; i < count && !isStopped_; ++i, at += element.size) {
       next(areInline);
       value(element, at);
     }
@@ -281,7 +284,7 @@ class JsonWriter {
       --count;
     }
     open('[');
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count && !isStopped_; ++i) {
       next();
       value(*type.element, type.lazyAt(at, i));
     }
@@ -305,6 +308,7 @@ class JsonWriter {
   std::size_t used_ = 0;
   int depth_ = 0;
   bool isFirst_ = true;
+  bool isStopped_ = false;
 };
 
 namespace {
@@ -381,19 +385,15 @@ class JsonValues::Writer {
     size_ = 0;
     atLeast_ = atLeast;
     json_.restart();
-    try {
-      json_.value(type, value);
-      json_.flush();
-    } catch (const Enough&) {
-    }
+    json_.value(type, value);
+    json_.flush();
   }
 
  private:
-  struct Enough {};
   void take(std::string_view piece) {
     to_->append(piece);
     size_ += piece.size();
-    if (atLeast_ != 0 && size_ > atLeast_) throw Enough();
+    if (atLeast_ != 0 && size_ > atLeast_) json_.stop();
   }
 
   std::string* to_ = nullptr;

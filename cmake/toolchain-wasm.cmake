@@ -1,0 +1,17 @@
+# WebAssembly with the system interface of WASI, by Debian's clang 19 and wasi-libc. No threads, no exceptions.
+list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR})
+set(CMAKE_SYSTEM_NAME WASI)
+set(CMAKE_SYSTEM_PROCESSOR wasm32)
+set(triple wasm32-wasi)
+set(CMAKE_C_COMPILER clang-19)
+set(CMAKE_CXX_COMPILER clang++-19)
+set(CMAKE_AR llvm-ar-19 CACHE FILEPATH "")
+set(CMAKE_RANLIB llvm-ranlib-19 CACHE FILEPATH "")
+foreach(language C CXX)
+  set(CMAKE_${language}_COMPILER_TARGET ${triple})
+endforeach()
+set(CMAKE_CXX_FLAGS_INIT "-fno-exceptions")
+# The stack comes first in memory: when it overflows, the program traps instead of writing over data.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,--stack-first,-z,stack-size=1048576")
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
