@@ -89,6 +89,11 @@ struct ScanOptions {
   std::function<bool(const std::string&)> isExcluded;
 };
 
+// What there is before a file is read: name, size and time, or why it is none. The verdict is not yet one.
+FileResult measure(const FoundFile& file);
+// Of a file that need not be read, because an earlier run knows it or because it is none.
+std::optional<FileResult> withoutReading(const FileResult& measured, const ScanOptions& options);
+
 FileResult examine(const FoundFile& file, const ScanOptions& options);
 // The bytes of a file of that name, wherever they come from.
 FileResult examineBytes(std::string name, std::span<const std::byte> bytes, const ScanOptions& options);
