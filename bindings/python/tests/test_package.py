@@ -9,7 +9,7 @@ import sys
 import pytest
 
 import oldtorvio
-from conftest import SOURCE
+from conftest import BUILD, SOURCE
 
 BINDINGS = SOURCE / "bindings/python"
 EXAMPLES = [SOURCE / "examples" / name for name in ("python_guide.py", "sheets_table.py", "change_nest.py")]
@@ -71,6 +71,13 @@ def test_the_guide_runs(shop, tmp_path):
     assert done.returncode == 0, done.stderr
     assert "1 60000 partList.parts[6].shapes.shapes[15].type\n6 parts were read\n" in done.stdout
     assert "True 0\n120.0\n['BRACKET 01', 'BRACKET 02']\n" in done.stdout
+
+
+def test_the_tasks_are_solved_alike():
+    done = python(SOURCE / "tests/docs/tasks.py", BUILD, SOURCE, "--python")
+    if done.returncode == 77:
+        pytest.skip(done.stdout)
+    assert done.returncode == 0, done.stdout + done.stderr
 
 
 def test_a_nest_is_changed(shop, tmp_path):
