@@ -13,6 +13,7 @@ import time
 import pytest
 
 import oldtorvio
+from conftest import SOURCE
 from oldtorvio import Error, archive
 
 # So small that there are far more batches than processes.
@@ -308,6 +309,14 @@ def test_a_cluster_of_which_a_worker_is_killed(folder, wanted, tmp_path, out):
         assert killed[0] not in client.run(os.getpid).values()
         # Nothing is left in the cluster.
         assert not client.who_has()
+
+        # The program of docs/cluster.md.
+        done = subprocess.run([sys.executable, SOURCE / "examples/scan_cluster.py", client.scheduler.address, folder,
+                               tmp_path / "program.sqlite"], capture_output=True, text=True, check=False)
+        assert done.returncode == 0, done.stderr
+        assert sorted(line.split(maxsplit=1) for line in done.stdout.splitlines()) == sorted(
+            [str(count), verdict] for verdict, count in summary.verdicts.items())
+        assert contents(tmp_path / "program.sqlite")["part"] == wanted["part"]
 
         stopped = archive.rows(folder, client, batch_bytes=BATCH)
         assert next(stopped)["verdict"]
