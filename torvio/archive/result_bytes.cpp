@@ -12,27 +12,37 @@ namespace {
 template <class T, class Record>
 concept IsA = std::same_as<std::remove_const_t<T>, Record>;
 
-// Each record is described once, for both directions.
-void describe(auto& io, IsA<explain::Fault> auto& fault) { io(fault.offset, fault.path, fault.reason); }
-void describe(auto& io, IsA<explain::FileReport> auto& report) {
-  io(report.status, report.version, report.walked, report.size, report.fault, report.tolerated);
+// Each record is described once, for both directions. A new member does not compile until it is named here.
+void describe(auto& io, IsA<explain::Fault> auto& fault) {
+  auto& [offset, path, reason] = fault;
+  io(offset, path, reason);
 }
-void describe(auto& io, IsA<Warning> auto& warning) { io(warning.code, warning.field, warning.text); }
+void describe(auto& io, IsA<explain::FileReport> auto& report) {
+  auto& [status, version, walked, size, fault, tolerated] = report;
+  io(status, version, walked, size, fault, tolerated);
+}
+void describe(auto& io, IsA<Warning> auto& warning) {
+  auto& [code, field, text] = warning;
+  io(code, field, text);
+}
 void describe(auto& io, IsA<PartFacts> auto& part) {
-  io(part.name, part.path, part.material, part.workOrder, part.width, part.height, part.thickness, part.quantity);
+  auto& [name, path, material, workOrder, width, height, thickness, quantity] = part;
+  io(name, path, material, workOrder, width, height, thickness, quantity);
 }
 void describe(auto& io, IsA<ToolFacts> auto& tool) {
-  io(tool.list, tool.number, tool.shapeCode, tool.dimension1, tool.dimension2, tool.dimension3, tool.orientation,
-     tool.specialTool);
+  auto& [list, number, shapeCode, dimension1, dimension2, dimension3, orientation, specialTool] = tool;
+  io(list, number, shapeCode, dimension1, dimension2, dimension3, orientation, specialTool);
 }
 void describe(auto& io, IsA<Facts> auto& facts) {
-  io(facts.name, facts.assembly, facts.material, facts.materialGroup, facts.materialType, facts.machine,
-     facts.workOrder, facts.width, facts.height, facts.thickness, facts.partCount, facts.placementCount,
-     facts.shapeCount, facts.stationCount, facts.toolCount, facts.parts, facts.tools);
+  auto& [name, assembly, material, materialGroup, materialType, machine, workOrder, width, height, thickness, partCount,
+         placementCount, shapeCount, stationCount, toolCount, parts, tools] = facts;
+  io(name, assembly, material, materialGroup, materialType, machine, workOrder, width, height, thickness, partCount,
+     placementCount, shapeCount, stationCount, toolCount, parts, tools);
 }
 void describe(auto& io, IsA<FileResult> auto& result) {
-  io(result.path, result.isNamed, result.isFolder, result.verdict, result.error, result.kind, result.report,
-     result.warnings, result.facts, result.modified, result.size);
+  [[maybe_unused]] auto& [path, isNamed, isFolder, verdict, error, kind, report, warnings, facts, modified, size,
+                          isKnown] = result;
+  io(path, isNamed, isFolder, verdict, error, kind, report, warnings, facts, modified, size);
 }
 
 class Packer {
