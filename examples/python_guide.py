@@ -88,3 +88,13 @@ from concurrent.futures import ThreadPoolExecutor
 with ThreadPoolExecutor() as pool:
     for found_names in pool.map(names, ["archive/nests/nest_180.sheet", "archive/nests/nest_112.sheet"]):
         print(found_names[:2])
+
+# ---- whole archives
+totals = oldtorvio.archive.scan("archive", out="archive.sqlite")
+print(totals.files, totals.unchanged, totals.verdicts["damaged"])
+totals = oldtorvio.archive.scan("archive", out="archive.sqlite")
+print(totals.files, totals.unchanged, totals.verdicts["damaged"])
+
+for row in oldtorvio.archive.rows("archive", ext={".nst": "sheet"}):
+    if row["verdict"] == "damaged":
+        print(row["path"], row["fault"]["offset"], row["fault"]["field"])

@@ -1,5 +1,6 @@
 #include "torvio/archive/catalogue.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -7,7 +8,6 @@
 #if defined(TORVIO_WITH_SQLITE)
 #include <sqlite3.h>
 
-#include <algorithm>
 #include <chrono>
 #include <mutex>
 #include <random>
@@ -45,6 +45,29 @@ std::string cataloguePath(const std::string& path) {
     }
   }
   return kept;
+}
+
+std::string catalogueSettings(std::string_view torvioVersion, const JudgeOptions& judge, std::string_view encoding) {
+  std::string text = "torvio ";
+  text.append(torvioVersion).append("; encoding ").append(encoding);
+  if (judge.kind) text.append("; kind ").append(frame::infoOf(*judge.kind).name);
+  for (const ExtensionHint& hint : judge.extensions)
+    text.append("; ext ").append(frame::infoOf(hint.kind).name).append("=").append(hint.extension);
+  return text;
+}
+
+std::vector<std::string> completeFolders(const std::vector<std::string>& paths,
+                                         const std::vector<std::string>& unread) {
+  std::vector<std::string> complete;
+  for (const std::string& path : paths) {
+    std::error_code error;
+    if (!fs::is_directory(path, error)) continue;
+    const std::string full = cataloguePath(path);
+    const bool isComplete = std::none_of(
+        unread.begin(), unread.end(), [&](const std::string& inner) { return cataloguePath(inner).starts_with(full); });
+    if (isComplete) complete.push_back(path);
+  }
+  return complete;
 }
 
 #if defined(TORVIO_WITH_SQLITE)

@@ -6,6 +6,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "torvio/archive/scan.h"
@@ -54,5 +55,11 @@ class Catalogue {
 
 // The path as a catalogue has it: absolute, without "." and doubled separators.
 std::string cataloguePath(const std::string& path);
+
+// What decides about a verdict and the rows of a file, apart from the file: the settings of a catalogue.
+std::string catalogueSettings(std::string_view torvioVersion, const JudgeOptions& judge, std::string_view encoding);
+
+// The paths that are folders of which everything was read, for finish(). Of those in `unread`, not all was.
+std::vector<std::string> completeFolders(const std::vector<std::string>& paths, const std::vector<std::string>& unread);
 
 }  // namespace oldtorvio::archive

@@ -160,7 +160,7 @@ std::optional<std::string> FileNames::nextRoot() {
 namespace {
 
 // Sets size and time of a regular file.
-void measure(FileResult& result) {
+void setSizeAndTime(FileResult& result) {
   std::error_code error;
   const fs::directory_entry entry{fs::path(result.path), error};
   if (error || !entry.is_regular_file(error) || error) return;
@@ -179,28 +179,41 @@ std::mutex largeFiles;
 
 }  // namespace
 
-FileResult examine(const FoundFile& file, const ScanOptions& options) {
+FileResult measure(const FoundFile& file) {
   FileResult result;
   result.path = file.path;
   result.isNamed = file.isNamed;
   result.isFolder = file.isFolder;
   result.error = file.error;
-  if (!result.error.empty()) return result;
+  if (result.error.empty()) setSizeAndTime(result);
+  return result;
+}
+
+std::optional<FileResult> withoutReading(const FileResult& measured, const ScanOptions& options) {
+  if (!measured.error.empty()) return measured;
+  if (!options.known || !measured.modified) return std::nullopt;
+  auto known = options.known(measured);
+  if (known) {
+    known->path = measured.path;
+    known->isNamed = measured.isNamed;
+    known->isKnown = true;
+  }
+  return known;
+}
+
+FileResult examine(const FoundFile& file, const ScanOptions& options) {
+  FileResult result;
   try {
-    measure(result);
-    if (options.known && result.modified)
-      if (auto known = options.known(result)) {
-        known->path = std::move(result.path);
-        known->isNamed = result.isNamed;
-        known->isKnown = true;
-        return std::move(*known);
-      }
+    result = measure(file);
+    if (auto known = withoutReading(result, options)) return std::move(*known);
     std::unique_lock<std::mutex> alone;
     if (result.size.value_or(0) >= kLargeFile) alone = std::unique_lock(largeFiles);
     const explain::FileContent content(result.path);
     result.error = content.error();
     if (result.error.empty()) examineContents(result, content.bytes(), options);
   } catch (const std::bad_alloc&) {
+    result.path = file.path;
+    result.isNamed = file.isNamed;
     result.verdict = Verdict::unreadable;
     result.error = "cannot be read: not enough memory";
   }

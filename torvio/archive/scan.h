@@ -68,6 +68,11 @@ struct ScanOptions : ExamineOptions {
   std::function<bool(const std::string&)> isExcluded;
 };
 
+// What there is before a file is read: name, size and time, or why it is none. The verdict is not yet one.
+FileResult measure(const FoundFile& file);
+// Of a file that need not be read, because an earlier run knows it or because it is none.
+std::optional<FileResult> withoutReading(const FileResult& measured, const ScanOptions& options);
+
 FileResult examine(const FoundFile& file, const ScanOptions& options);
 
 // Examines all files with options.jobs threads, each of which has one file in memory, and calls take(result) in the

@@ -329,21 +329,13 @@ class CheckCommand : public Command {
     return options;
   }
 
-  // What decides about a verdict and the rows of a file, apart from the file.
-  std::string settings() const {
-    std::string text = "torvio " TORVIO_VERSION "; encoding " + encoding_;
-    if (judge_.kind) text.append("; kind ").append(frame::infoOf(*judge_.kind).name);
-    for (const archive::ExtensionHint& hint : judge_.extensions)
-      text.append("; ext ").append(frame::infoOf(hint.kind).name).append("=").append(hint.extension);
-    return text;
-  }
-
   ExitCode check(std::FILE* list) {
     const auto names = std::make_shared<archive::FileNames>(paths_, list, isNullSeparated_ ? '\0' : '\n');
     archive::ScanOptions options = scanOptions();
     std::shared_ptr<archive::Catalogue> catalogue;
     if (!catalogue_.empty()) {
-      catalogue = std::make_shared<archive::Catalogue>(catalogue_, settings());
+      catalogue = std::make_shared<archive::Catalogue>(catalogue_,
+                                                       archive::catalogueSettings(TORVIO_VERSION, judge_, encoding_));
       options.known = [catalogue](const FileResult& file) { return catalogue->find(file); };
       options.isExcluded = [catalogue](const std::string& path) { return catalogue->isOwnFile(path); };
     }
@@ -358,7 +350,7 @@ class CheckCommand : public Command {
     archive::scan(names, options, [&](FileResult& result) {
       totals.add(result);
       worst = std::max(worst, codeOf(result));
-      if (result.isFolder) unreadFolders.push_back(archive::cataloguePath(result.path));
+      if (result.isFolder) unreadFolders.push_back(result.path);
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
         print(isJson_ ? archive::resultJson(result) : lineFor(result));
@@ -367,7 +359,7 @@ class CheckCommand : public Command {
       progress.count();
     });
     progress.clear();
-    if (catalogue) catalogue->finish(completeFolders(unreadFolders));
+    if (catalogue) catalogue->finish(archive::completeFolders(paths_, unreadFolders));
     if (isSummaryWanted_ || (isOnTerminal && !isSummaryUnwanted_ && !isJson_ && totals.files() > 1))
       print(isJson_ ? totals.object() : totals.table());
     if (names->hasFailed()) {
@@ -379,19 +371,6 @@ class CheckCommand : public Command {
 
   bool isPrinted(const FileResult& result) const {
     return only_.empty() || std::find(only_.begin(), only_.end(), argumentOf(result.verdict)) != only_.end();
-  }
-
-  std::vector<std::string> completeFolders(const std::vector<std::string>& unread) const {
-    std::vector<std::string> complete;
-    for (const std::string& path : paths_) {
-      std::error_code error;
-      if (!std::filesystem::is_directory(path, error)) continue;
-      const std::string full = archive::cataloguePath(path);
-      const bool isComplete =
-          std::none_of(unread.begin(), unread.end(), [&](const std::string& inner) { return inner.starts_with(full); });
-      if (isComplete) complete.push_back(path);
-    }
-    return complete;
   }
 
   std::vector<std::string> paths_;

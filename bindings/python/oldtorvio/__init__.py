@@ -12,7 +12,7 @@ from __future__ import annotations
 from collections.abc import MutableSequence as _MutableSequence, Sequence as _Sequence
 from typing import Any, Dict, NamedTuple, Optional, Tuple, Type, Union
 
-from . import _core, _paths
+from . import _core, _paths, archive as archive
 from ._builder import PartBuilder as PartBuilder
 from ._companion import *
 from ._core import *

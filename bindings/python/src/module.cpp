@@ -12,5 +12,6 @@ PYBIND11_MODULE(_core, module) {
   addFileFunctions(module);
   addCompanionFunctions(module);
   addQuestions(module);
+  addScan(module);
   addPartBuilder(module);
 }

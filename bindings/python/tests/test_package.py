@@ -9,10 +9,10 @@ import sys
 import pytest
 
 import oldtorvio
-from conftest import SOURCE
+from conftest import BUILD, SOURCE
 
 BINDINGS = SOURCE / "bindings/python"
-EXAMPLES = [SOURCE / "examples" / name for name in ("python_guide.py", "sheets_table.py", "change_nest.py")]
+EXAMPLES = [SOURCE / "examples" / name for name in ("python_guide.py", "sheets_table.py", "change_nest.py", "scan_cluster.py")]
 PACKAGE = pathlib.Path(oldtorvio.__file__).parent
 
 
@@ -71,6 +71,20 @@ def test_the_guide_runs(shop, tmp_path):
     assert done.returncode == 0, done.stderr
     assert "1 60000 partList.parts[6].shapes.shapes[15].type\n6 parts were read\n" in done.stdout
     assert "True 0\n120.0\n['BRACKET 01', 'BRACKET 02']\n" in done.stdout
+    assert "\n14 0 1\n14 14 1\n" in done.stdout
+    assert done.stdout.endswith("/archive/nests/copy.sheet 60000 partList.parts[6].shapes.shapes[15].type\n")
+
+
+def test_the_page_of_clusters_shows_its_program():
+    shown = re.findall(r"^```python\n(.*?)^```$", (SOURCE / "docs/cluster.md").read_text(), re.M | re.S)
+    assert len(shown) == 1 and shown[0] in EXAMPLES[3].read_text()
+
+
+def test_the_tasks_are_solved_alike():
+    done = python(SOURCE / "tests/docs/tasks.py", BUILD, SOURCE, "--python")
+    if done.returncode == 77:
+        pytest.skip(done.stdout)
+    assert done.returncode == 0, done.stdout + done.stderr
 
 
 def test_a_nest_is_changed(shop, tmp_path):
