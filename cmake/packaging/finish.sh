@@ -1,0 +1,41 @@
+#!/bin/sh
+# finish.sh PACKAGE TIME: writes a package again so that the same files make the same bytes. CPack packs files in the
+# order in which the system lists them, with the times of the build.
+set -eu
+package=$1
+export SOURCE_DATE_EPOCH=$2 TZ=UTC LC_ALL=C
+scratch=$(mktemp -d "$package.XXXXXX")
+trap 'rm -rf "$scratch"' EXIT
+mkdir "$scratch/tree"
+cd "$scratch/tree"
+
+same_times_and_permissions() {
+  chmod -R u=rwX,go=rX .
+  find . -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
+}
+
+case "$package" in
+  *.deb)
+    dpkg-deb --raw-extract "$package" .
+    if [ -f DEBIAN/shlibs ]; then
+      # CPack calls ldconfig in scripts; Debian has a trigger for that.
+      rm DEBIAN/postinst DEBIAN/postrm
+      echo 'activate-noawait ldconfig' > DEBIAN/triggers
+    fi
+    find usr -type f -print0 | sort -z | xargs -0 md5sum > DEBIAN/md5sums
+    same_times_and_permissions
+    dpkg-deb --root-owner-group -Zxz --build . "$scratch/package" >/dev/null ;;
+  *.tar.gz)
+    tar -xf "$package"
+    same_times_and_permissions
+    tar --format=gnu --sort=name --owner=0 --group=0 --numeric-owner -cf - -- * | gzip -9n > "$scratch/package" ;;
+  *.zip)
+    unzip -q "$package"
+    same_times_and_permissions
+    find . -type f -printf '%P\n' | sort | zip -9 -q -X "$scratch/package.zip" -@
+    mv "$scratch/package.zip" "$scratch/package" ;;
+  *)
+    echo "$0: no rule for $package" >&2
+    exit 1 ;;
+esac
+mv -f "$scratch/package" "$package"
