@@ -4,8 +4,9 @@
 #   TGZ  one archive for Linux whose programs and libraries need only glibc
 #   ZIP  one archive for Windows
 #
-# The installed files are stripped by packaging/prepare.cmake, and packaging/finish.cmake writes the final archives, in
-# which nothing depends on the time or the folder of the build.
+# packaging/prepare.cmake strips the installed files, and packaging/finish.cmake writes the final archives, in which
+# nothing depends on the time or the folder of the build. The presets package-* strip programs when they are linked:
+# the identifier that the linker computes would depend on the debugging information, which names folders.
 
 # The time in all packages: that of the last commit, unless SOURCE_DATE_EPOCH says otherwise.
 set(package_time "$ENV{SOURCE_DATE_EPOCH}")

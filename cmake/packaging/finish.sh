@@ -17,10 +17,9 @@ same_times_and_permissions() {
 case "$package" in
   *.deb)
     dpkg-deb --raw-extract "$package" .
-    if [ -f DEBIAN/shlibs ]; then
-      # CPack calls ldconfig in scripts; Debian has a trigger for that.
+    if [ -f DEBIAN/triggers ]; then
+      # CPack adds scripts that call ldconfig, even if there is a trigger for it.
       rm DEBIAN/postinst DEBIAN/postrm
-      echo 'activate-noawait ldconfig' > DEBIAN/triggers
     fi
     find usr -type f -print0 | sort -z | xargs -0 md5sum > DEBIAN/md5sums
     same_times_and_permissions
