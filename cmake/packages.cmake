@@ -4,9 +4,9 @@
 #   TGZ  one archive for Linux whose programs and libraries need only glibc
 #   ZIP  one archive for Windows
 #
-# packaging/prepare.cmake strips the installed files, and packaging/finish.cmake writes the final archives, in which
-# nothing depends on the time or the folder of the build. The presets package-* strip programs when they are linked:
-# the identifier that the linker computes would depend on the debugging information, which names folders.
+# The presets package-* strip programs when they are linked: the identifier that the linker computes would depend on the
+# debugging information, which names folders. packaging/prepare.cmake strips static libraries, and packaging/finish.cmake
+# writes the final archives, in which nothing depends on the time or the folder of the build.
 
 # The time in all packages: that of the last commit, unless SOURCE_DATE_EPOCH says otherwise.
 set(package_time "$ENV{SOURCE_DATE_EPOCH}")
@@ -24,7 +24,7 @@ set(CPACK_PACKAGE_NAME OldTorvIO)
 set(CPACK_PACKAGE_VENDOR "The OldTorvIO authors")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_VERBATIM_VARIABLES ON)
-set(CPACK_STRIP_FILES OFF)  # prepare.cmake strips static libraries as well
+set(CPACK_STRIP_FILES OFF)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
   WORLD_READ WORLD_EXECUTE)
 set(CPACK_PRE_BUILD_SCRIPTS ${packaging}/prepare.cmake)
