@@ -55,7 +55,7 @@ def main():
             text, more = sections(text)
             (made / "sections.dox").write_text(more, encoding="utf-8")
         (made / (page.id + ".md")).write_text(text, encoding="utf-8")
-    listing = ["/** @page sources Programs and files that the pages refer to\n"]
+    listing = ["/** @page sources Example programs and sources\n"]
     listing += [f'- \\subpage {source_id(path)} "{path}"' for path in sorted(sources)] + ["*/"]
     for path in sorted(sources):
         # Text that is no program is shown as it is.

@@ -73,13 +73,14 @@ def as_module(name):
 
 # ---- OldTorvIO.h and torvio.h ---------------------------------------------------------------------
 
-MODULES = {"OldTorvIO.h": ("oldtorvio_functions", "OldTorvIO.h: the functions"),
-           "torvio.h": ("torvio_functions", "torvio.h: the functions")}
+MODULES = {"OldTorvIO.h": ("oldtorvio_functions", "Functions of OldTorvIO.h"),
+           "torvio.h": ("torvio_functions", "Functions of torvio.h")}
 
 
 def c_header(path):
     module, title = MODULES[path.name]
     out, is_first, is_open = [], True, False
+    conventions = f"The conventions of all functions are in \\ref {path.name} \"{path.name}\"."
     text = with_said(path.name, path.read_text(encoding="utf-8"))
     text = re.sub(r"#if defined\(_WIN32\)\n.*?_API\n#endif\n", "", text, count=1, flags=re.S)
     text = re.sub(r"#define (OLD)?TORVIO_NOEXCEPT.*\n", "", text)
@@ -99,13 +100,13 @@ def c_header(path):
             lines[0] = lines[0].strip()
             out.append("\n".join(comment([f"@file {path.name}", *blocks(lines)])))
             out.append("\n/** @defgroup " + f"{module} {title}\n" + "\n".join(blocks([lines[0]])) +
-                       f"\nThe conventions of all functions are in \\ref {path.name} \"{path.name}\". */")
+                       f"\n{conventions} */")
         elif found[1].startswith(" ---- "):
             name, _, rest = re.sub(r"[- ]+$", "", found[1][6:]).partition(": ")
             out.append("/** @} */\n" if is_open else "")
             is_open = True
             out.append(f"/** @defgroup {module}_{as_module(name)} {escaped(name)}\n@ingroup {module}\n"
-                       f"{inline(rest[:1].upper() + rest[1:] + '.') if rest else ''}\n@{{ */")
+                       f"{inline(rest[:1].upper() + rest[1:] + '.') if rest else ''}\n\n{conventions}\n@{{ */")
         elif before.endswith("\n") or re.search(r"\n +$", before):
             following = text[at:].lstrip("\n")
             if following.startswith("/*") or following.startswith("#pragma pop"):
@@ -162,7 +163,8 @@ def field_comment(record, member, forms, names, alias):
         if held not in names:
             return ""
         said = f"Stored field by field, see \\ref oldtorvio::{held} \"{held}\"."
-    return " ".join([said, *rows]).strip()
+    # The rows are blocks of their own. A full stop and a blank would end the brief description.
+    return " ".join([said.removesuffix(".").replace(". ", ".\\ ") if rows else said.replace(". ", ".\\ "), *rows]).strip()
 
 
 def record_comment(record, header, forms, holders):
@@ -202,7 +204,7 @@ def record_header(path):
     for number, (kind, *piece) in enumerate(header.pieces):
         if kind == "member":
             said = field_comment(current, piece[0], forms, names, alias)
-            out.append(f"  {piece[0].text}" + (f" /**< {said} */" if said else ""))
+            out.append(f"  {piece[0].text}" + (f" /**< @brief {said} */" if said else ""))
             continue
         indent, lines = piece
         if kind == "comment":

@@ -25,6 +25,11 @@ def source_id(path):
     return "source_" + re.sub(r"\W", "_", path)
 
 
+def title_of(path):
+    heading = re.search(r"^# (.*)$", (ROOT / path).read_text(encoding="utf-8"), re.M)[1]
+    return TITLES.get(path, heading).replace("`", "")
+
+
 class Anchors:
     """The anchors of the headings of one page: the second of the same name ends in -1."""
 
@@ -51,6 +56,8 @@ class Page:
         file, _, anchor = target.partition("#")
         path = os.path.normpath(os.path.join(os.path.dirname(self.path), file)) if file else self.path
         if path in self.pages:
+            # On a code host the text is the name of the file.
+            text = title_of(path) if text.strip("`") in (path, os.path.basename(path)) else text
             return self.reference(page_id(path) + ("-" + anchor if anchor else ""), text)
         if path == "docs/formats":
             return self.reference("section_file_formats", text)
