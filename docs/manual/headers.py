@@ -225,6 +225,9 @@ def record_header(path):
                            if not out or not out[-1].endswith("*/") else "")
             out.append(line)
     text = "\n".join(out)
+    # A private class is no part of the manual.
+    text = re.sub(r"(  template <class Owner, class Element>\n  class Iterator \{.*?\n  \};\n)",
+                  r"  /** @cond */\n\1  /** @endcond */\n", text, flags=re.S)
     # Overloads with one description.
     return re.sub(r"(/\*\*(?:(?!\*/).)*\*/\n)((?:template[^\n]*\n)(?:[^\n]+\n)*?\}\n)(?=template)", r"\1\2\1", text, flags=re.S)
 
