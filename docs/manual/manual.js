@@ -4,7 +4,7 @@
 function selectLanguage(name) {
   for (const group of document.querySelectorAll('.languages')) {
     const pieces = [...group.querySelectorAll('.language')];
-    const shown = pieces.find((one) => one.title === name || one.dataset.name === name) || pieces[0];
+    const shown = pieces.find((one) => one.dataset.name === name) || pieces[0];
     for (const one of pieces) one.hidden = one !== shown;
     for (const button of group.querySelectorAll('.tabs button')) {
       button.setAttribute('aria-pressed', button.textContent === shown.dataset.name);
@@ -21,8 +21,6 @@ document.addEventListener('DOMContentLoaded', () => {
     const tabs = document.createElement('div');
     tabs.className = 'tabs';
     for (const piece of group.querySelectorAll('.language')) {
-      piece.dataset.name = piece.title;
-      piece.removeAttribute('title');
       piece.querySelector('p').hidden = true;  // the name of the language
       const button = document.createElement('button');
       button.type = 'button';

@@ -43,6 +43,11 @@ class Anchors:
         return f"{name}-{count}" if count else name
 
 
+def html(*tags):
+    """Tags that Doxygen passes on as they are: it would close those that it knows at the end of a paragraph."""
+    return ["", f"@htmlonly[block]{''.join(tags)}@endhtmlonly", ""]
+
+
 class Page:
     def __init__(self, path, pages, sources):
         """`pages` are the paths of all pages; the sources that this one links to are added to `sources`."""
@@ -118,12 +123,12 @@ class Page:
             heading = re.match(r"^(#+) (.*)$", line)
             tab = re.match(r"^\*\*(.+)\*\*$", line)
             if tab and tab[1] in TAB_NAMES:
-                text += ["</div>" if tabs else '<div class="languages">', f'<div class="language" title="{tab[1]}">', "",
-                         line] if tabs == 0 else ["</div>", f'<div class="language" title="{tab[1]}">', "", line]
+                text += html("</div>" if tabs else '<div class="languages">',
+                             f'<div class="language" data-name="{tab[1]}">') + [line]
                 tabs += 1
                 continue
-            if tabs and (heading or line == "<!-- end of languages -->"):
-                text += ["</div></div>", ""]
+            if tabs and heading:
+                text += html("</div></div>")
                 tabs = 0
             if re.match(r"^<!--.*-->$", line):
                 text.append("")
@@ -138,6 +143,6 @@ class Page:
                 continue
             text.append(line)
         if tabs:
-            text.append("</div></div>")
+            text += html("</div></div>")
         end_text()
         return "\n".join(out)
