@@ -11,7 +11,8 @@ import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE))
-from pages import Page, page_id, source_id, slug  # noqa: E402
+import search  # noqa: E402
+from pages import Anchors, Page, page_id, slug, source_id, title_of  # noqa: E402
 from records import ROOT  # noqa: E402
 
 FRONT = "docs/manual/front.md"
@@ -87,6 +88,11 @@ def main():
     warnings = [line for line in ran.stderr.splitlines() if line.strip()]
     if warnings or ran.returncode != 0:
         sys.exit("\n".join(warnings) or f"doxygen failed: {ran.returncode}")
+    entries = search.symbols(folder)
+    for path in pages:
+        if path != FRONT:
+            entries += search.sections(path, page_id(path), title_of(path), Anchors())
+    search.write(folder, entries)
     print(folder / "html" / "index.html")
 
 

@@ -141,6 +141,10 @@ class Page:
                 else:
                     text.append(f"{heading[1]} {title} {{#{self.id}-{anchors.of(heading[2])}}}")
                 continue
+            block = "\n".join(text).rsplit("\n\n", 1)[-1]
+            if text and text[-1].strip() and not re.match(r"^\n?(\d+\.|[-*]) ", block):
+                # In a paragraph, a number at the beginning of a line begins no list.
+                line = re.sub(r"^(\d+)\. ", r"\1\\. ", line)
             text.append(line)
         if tabs:
             text += html("</div></div>")

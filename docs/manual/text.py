@@ -95,6 +95,8 @@ def blocks(lines):
             end_paragraph()
             out.append("@verbatim")
             while at < len(lines) and (lines[at].startswith("  ") or not lines[at].strip()):
+                if not lines[at].strip() and at + 1 < len(lines) and ENTRY.match(lines[at + 1]):
+                    break  # terms follow the example
                 out.append(lines[at][2:])
                 at += 1
             while not out[-1].strip():

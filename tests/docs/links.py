@@ -61,10 +61,10 @@ class Links(html.parser.HTMLParser):
 def check_html(folder):
     wrong, count, outside = [], 0, set()
     pages = {path.resolve(): Links(path.read_text(encoding="utf-8")) for path in folder.rglob("*.html")}
-    # The tree at the left takes its links from scripts.
+    # The tree at the left and the search take their links from scripts.
     tree = set()
     for script in folder.glob("*.js"):
-        tree |= set(re.findall(r'"([\w-]+\.html(?:#\w+)?)"', script.read_text(encoding="utf-8")))
+        tree |= set(re.findall(r'"([\w-]+\.html(?:#[^"]+)?)"', script.read_text(encoding="utf-8")))
     everything = [(path, link) for path, page in pages.items() for link in page.links]
     for page, link in everything + [((folder / "index.html").resolve(), link) for link in sorted(tree)]:
         count += 1
