@@ -1,8 +1,10 @@
 #include "torvio/archive/scan.h"
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <exception>
+#include <filesystem>
 #include <mutex>
 #include <new>
 #include <system_error>
