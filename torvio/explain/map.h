@@ -252,13 +252,13 @@ struct Mapper::Forms<codec::As<Stored, T>> {
     codec::wire::Item<codec::As<Stored, std::remove_const_t<T>>>::load({member}, from);
     Mapper::print(to, member);
   }
-  static constexpr std::array kAll{numberForm<Stored>(print)};
+  static inline constexpr std::array kAll{numberForm<Stored>(print)};
 };
 template <class T>
 struct Mapper::Forms<codec::NonZero<T>> : Mapper::Forms<T> {};
 template <class... T>
 struct Mapper::Forms<codec::Block<T...>> {
-  static constexpr std::array kAll{Forms<std::remove_const_t<T>>::kAll[0]...};
+  static inline constexpr std::array kAll{Forms<std::remove_const_t<T>>::kAll[0]...};
 };
 
 }  // namespace oldtorvio::explain
