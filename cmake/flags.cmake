@@ -25,6 +25,8 @@ function(oldtorvio_link_flags target)
   if(MINGW)
     # Links the runtime of the compiler statically: the DLL depends only on DLLs of the system.
     target_link_options(${target} PRIVATE -static)
+  elseif(OLDTORVIO_STATIC_RUNTIME)
+    target_link_options(${target} PRIVATE -static-libgcc -static-libstdc++)
   endif()
 endfunction()
 

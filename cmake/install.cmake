@@ -1,19 +1,19 @@
 # Installation, and how other projects find the library: the CMake package and oldtorvio.pc.
 
-# A shared library with its list of exports, and others that belong to it.
-function(oldtorvio_install_library target)
+# Installs the targets, a shared library first, and the list of its exports. What a program needs to run is `component`.
+function(oldtorvio_install_library component target)
   install(TARGETS ${target} ${ARGN} EXPORT OldTorvIO
-    RUNTIME COMPONENT OldTorvIO_Runtime
-    LIBRARY COMPONENT OldTorvIO_Runtime NAMELINK_COMPONENT OldTorvIO_Development
+    RUNTIME COMPONENT ${component}
+    LIBRARY COMPONENT ${component} NAMELINK_COMPONENT OldTorvIO_Development
     ARCHIVE COMPONENT OldTorvIO_Development)
   if(WIN32)
     install(FILES ${PROJECT_BINARY_DIR}/${target}.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
       COMPONENT OldTorvIO_Development)
   endif()
 endfunction()
-oldtorvio_install_library(OldTorvIO OldTorvIO_static)
+oldtorvio_install_library(OldTorvIO_Runtime OldTorvIO OldTorvIO_static)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT OldTorvIO_Development)
-install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_Runtime)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_License)
 
 # What a program without C++ code has to link in addition to the static library.
 set(cxx_runtime ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})

@@ -1,10 +1,10 @@
 """Runs the example of a language and a program that calls everything its bindings have, and compares what they print
 and write with the expected texts and with what libtorvio returns to Python.
 
-usage: run.py LANGUAGE --source FOLDER --build FOLDER --scratch FOLDER [--program EXAMPLE]
+usage: run.py LANGUAGE --source FOLDER --build FOLDER --scratch FOLDER [--program EXAMPLE] [--libraries FOLDER]
 
-LANGUAGE is csharp, pascal, node, ctypes, or c or cpp, whose examples are built programs. Returns 77 if something is not
-installed, unless OLDTORVIO_BINDINGS is "required".
+LANGUAGE is csharp, pascal, node, ctypes, or c or cpp, whose examples are built programs. The libraries are those of the
+build, or in FOLDER. Returns 77 if something is not installed, unless OLDTORVIO_BINDINGS is "required".
 """
 import argparse
 import ctypes
@@ -177,14 +177,15 @@ class Csharp:
 class Pascal:
     def __init__(self, options):
         need("fpc")
-        self.sources, self.build, self.scratch = options.source / "bindings" / "pascal", options.build, options.scratch
+        self.sources, self.scratch = options.source / "bindings" / "pascal", options.scratch
+        self.libraries = options.libraries
 
     def compile(self, source):
         units = self.scratch / "units"
         units.mkdir(exist_ok=True)
         program = self.scratch / source.stem
         try:
-            run(["fpc", "-vew", "-Sew", "-B", f"-Fu{self.sources}", f"-FU{units}", f"-Fl{self.build}", f"-o{program}",
+            run(["fpc", "-vew", "-Sew", "-B", f"-Fu{self.sources}", f"-FU{units}", f"-Fl{self.libraries}", f"-o{program}",
                  source], os.environ)
         except Failed as failure:
             if "Can't find unit fpjson" in str(failure):
@@ -253,16 +254,18 @@ def main():
     for name in ("--source", "--build", "--scratch"):
         parser.add_argument(name, required=True, type=pathlib.Path)
     parser.add_argument("--program", type=pathlib.Path)
+    parser.add_argument("--libraries", type=pathlib.Path)
     parser.add_argument("--update", action="store_true", help="writes the expected texts")
     options = parser.parse_args()
     # Parsers of other programs take some long paths for two.
-    for name in ("source", "build", "scratch"):
+    options.libraries = options.libraries or options.build
+    for name in ("source", "build", "scratch", "libraries"):
         setattr(options, name, getattr(options, name).resolve())
     shutil.rmtree(options.scratch, ignore_errors=True)
     options.scratch.mkdir(parents=True)
 
     language = LANGUAGES[options.language](options)
-    torvio = reference.Torvio(options.build / "libtorvio.so")
+    torvio = reference.Torvio(options.libraries / "libtorvio.so")
     files, output = options.scratch / "files", options.scratch / "output"
     make_files(options.build, files, torvio)
     output.mkdir()
@@ -270,10 +273,10 @@ def main():
     settings = options.scratch / "config" / "OldTorvIO"
     settings.mkdir(parents=True)
     (settings / "win.ini").write_text(f"[Kestrada64bit]\nZRK_DEFAULT_SPECIAL_TOOL_PATH={files}/\n")
-    environment = {**os.environ, "LC_ALL": "C", "LD_LIBRARY_PATH": str(options.build),
+    environment = {**os.environ, "LC_ALL": "C", "LD_LIBRARY_PATH": str(options.libraries),
                    "XDG_CONFIG_HOME": str(settings.parent), "XDG_CONFIG_DIRS": str(options.scratch / "none"),
-                   "OLDTORVIO_LIBRARY": str(options.build / "libOldTorvIO.so"),
-                   "TORVIO_LIBRARY": str(options.build / "libtorvio.so")}
+                   "OLDTORVIO_LIBRARY": str(options.libraries / "libOldTorvIO.so"),
+                   "TORVIO_LIBRARY": str(options.libraries / "libtorvio.so")}
 
     wrong = []
     for name, command in (("example", language.example()), ("calls", language.calls())):

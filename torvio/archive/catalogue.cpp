@@ -17,6 +17,8 @@
 #include "torvio/values/text_encoding.h"
 #endif
 
+#include "torvio/archive/host_files.h"
+
 namespace oldtorvio::archive {
 namespace {
 
@@ -60,8 +62,7 @@ std::vector<std::string> completeFolders(const std::vector<std::string>& paths,
                                          const std::vector<std::string>& unread) {
   std::vector<std::string> complete;
   for (const std::string& path : paths) {
-    std::error_code error;
-    if (!fs::is_directory(path, error)) continue;
+    if (!isFolder(path)) continue;
     const std::string full = cataloguePath(path);
     const bool isComplete = std::none_of(
         unread.begin(), unread.end(), [&](const std::string& inner) { return cataloguePath(inner).starts_with(full); });

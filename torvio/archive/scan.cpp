@@ -11,18 +11,17 @@
 #include <thread>
 #include <utility>
 
+#include "torvio/archive/host_files.h"
 #include "torvio/explain/file_content.h"
 #include "torvio/values/compiled_records.h"
 
 namespace oldtorvio::archive {
 namespace {
 
-namespace fs = std::filesystem;
-
 std::string inWords(const std::error_code& error) { return std::generic_category().message(error.value()); }
 
 bool endsWithSeparator(const std::string& path) {
-  return path.ends_with('/') || (fs::path::preferred_separator == '\\' && path.ends_with('\\'));
+  return path.ends_with('/') || (std::filesystem::path::preferred_separator == '\\' && path.ends_with('\\'));
 }
 
 }  // namespace
@@ -35,7 +34,7 @@ class FileNames::Folder {
  public:
   explicit Folder(const std::string& path) : path_(endsWithSeparator(path) ? path : path + "/") {
     std::error_code error;
-    entries_ = fs::directory_iterator(fs::path(path), error);
+    entries_.emplace(path, error);
     if (error) error_ = "cannot be opened: " + inWords(error);
   }
 
@@ -49,37 +48,22 @@ class FileNames::Folder {
     files_.clear();
     folders_.clear();
     std::error_code error;
-    const fs::directory_iterator end;
-    for (std::size_t count = 0; entries_ != end && count < kSortedNames; ++count) {
-      add(*entries_);
-      entries_.increment(error);
+    for (std::size_t count = 0; count < kSortedNames; ++count) {
+      const auto entry = entries_->next(error);
+      if (!entry) break;
+      if (entry->type == FolderEntries::Type::file) files_.push_back(entry->name);
+      if (entry->type == FolderEntries::Type::folder) folders_.push_back(entry->name);
       if (error) error_ = "cannot be read to its end: " + inWords(error);
     }
-    if (entries_ == end) entries_ = fs::directory_iterator();
     // The next name is taken from the back.
     std::sort(files_.begin(), files_.end(), std::greater<>());
     std::sort(folders_.begin(), folders_.end(), std::greater<>());
-    return !files_.empty() || !folders_.empty() || entries_ != end;
+    return !files_.empty() || !folders_.empty() || !entries_->isAtEnd();
   }
   std::string takeError() { return std::exchange(error_, {}); }
   const std::string& path() const { return path_; }
 
  private:
-  void add(const fs::directory_entry& entry) {
-    std::error_code error;
-    fs::file_type type = entry.symlink_status(error).type();
-    if (type == fs::file_type::directory) {
-      folders_.push_back(nameOf(entry));
-      return;
-    }
-    if (type == fs::file_type::symlink) {
-      type = entry.status(error).type();
-      // The target does not exist, or the link leads to itself: not a file that was passed over.
-      if (type == fs::file_type::not_found || type == fs::file_type::none) type = fs::file_type::regular;
-    }
-    if (type == fs::file_type::regular) files_.push_back(nameOf(entry));
-  }
-  static std::string nameOf(const fs::directory_entry& entry) { return entry.path().filename().string(); }
   std::optional<std::string> take(std::vector<std::string>& names) const {
     if (names.empty()) return std::nullopt;
     std::string path = path_ + names.back();
@@ -89,7 +73,7 @@ class FileNames::Folder {
 
   std::string path_;
   std::string error_;
-  fs::directory_iterator entries_;
+  std::optional<FolderEntries> entries_;
   std::vector<std::string> files_, folders_;
 };
 
@@ -105,9 +89,7 @@ std::optional<FoundFile> FileNames::next() {
       const auto root = nextRoot();
       if (!root) return std::nullopt;
       if (!nameError_.empty()) return FoundFile{*root, true, nameError_, false};
-      std::error_code error;
-      if (fs::status(fs::path(*root), error).type() != fs::file_type::directory)
-        return FoundFile{*root, true, {}, false};
+      if (!isFolder(*root)) return FoundFile{*root, true, {}, false};
       if (auto failed = enter(*root, true)) return failed;
       continue;
     }
@@ -162,16 +144,10 @@ namespace {
 
 // Sets size and time of a regular file.
 void setSizeAndTime(FileResult& result) {
-  std::error_code error;
-  const fs::directory_entry entry{fs::path(result.path), error};
-  if (error || !entry.is_regular_file(error) || error) return;
-  const auto size = entry.file_size(error);
-  if (error) return;
-  const auto time = entry.last_write_time(error);
-  if (error) return;
-  using std::chrono::duration_cast, std::chrono::nanoseconds;
-  result.size = size;
-  result.modified = duration_cast<nanoseconds>(std::chrono::file_clock::to_sys(time).time_since_epoch()).count();
+  const auto measures = measuresOf(result.path);
+  if (!measures) return;
+  result.size = measures->size;
+  result.modified = measures->modified;
 }
 
 void examineContents(FileResult& result, std::span<const std::byte> bytes, const ScanOptions& options) {

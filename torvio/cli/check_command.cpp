@@ -2,7 +2,6 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "torvio/archive/catalogue.h"
+#include "torvio/archive/host_files.h"
 #include "torvio/archive/result_json.h"
 #include "torvio/archive/scan.h"
 #include "torvio/cli/commands.h"
@@ -264,7 +264,7 @@ class CheckCommand : public Command {
    public:
     explicit ListFile(const std::string& path) {
       if (path.empty()) return;
-      file_ = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
+      file_ = path == "-" ? stdin : archive::openFile(path, "rb");
       if (file_ == nullptr) error_ = std::generic_category().message(errno);
     }
     ListFile(const ListFile&) = delete;
@@ -323,8 +323,7 @@ class CheckCommand : public Command {
     options.encoding = encodingNamed(encoding_);
     options.withFacts = !catalogue_.empty();
     // A single file needs no thread.
-    std::error_code error;
-    const bool isOneFile = list_.empty() && paths_.size() == 1 && !std::filesystem::is_directory(paths_[0], error);
+    const bool isOneFile = list_.empty() && paths_.size() == 1 && !archive::isFolder(paths_[0]);
     options.jobs = isOneFile ? 1 : jobs_ > 0 ? jobs_ : std::max(1U, std::thread::hardware_concurrency());
     return options;
   }
@@ -350,7 +349,7 @@ class CheckCommand : public Command {
     archive::scan(names, options, [&](FileResult& result) {
       totals.add(result);
       worst = std::max(worst, codeOf(result));
-      if (result.isFolder) unreadFolders.push_back(result.path);
+      if (result.isFolder && catalogue) unreadFolders.push_back(result.path);
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
         print(isJson_ ? archive::resultJson(result) : lineFor(result));

@@ -1,10 +1,9 @@
 #include "torvio/cli/command_line.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
+#include "torvio/archive/host_files.h"
 #include "torvio/cli/help_text.h"
 #include "torvio/cli/output.h"
 
@@ -141,8 +140,7 @@ ExitCode CommandLine::wrongArguments(std::string error) const {
     const bool isCommand = chosen.empty() && !first.starts_with('-');
     error = isCommand ? "unknown command " + inQuotes(first) + "\n" + wrapped("Commands", namesOf(commands()))
                       : "unexpected argument " + inQuotes(first);
-    std::error_code unknown;
-    if (isAboutCommand && first.starts_with('-') && std::filesystem::exists(first, unknown))
+    if (isAboutCommand && first.starts_with('-') && oldtorvio::archive::existsFile(first))
       error += "; put \"--\" before the name of a file that begins with \"-\"";
   } else if (chosen.empty()) {
     error = "a command is required\n" + wrapped("Commands", namesOf(commands()));

@@ -12,6 +12,7 @@
 #endif
 
 #include "src/frame/host/platform.h"
+#include "torvio/archive/host_files.h"
 #include "torvio/cli/commands.h"
 #include "torvio/cli/output.h"
 #include "torvio/cli/output_file.h"
@@ -32,7 +33,7 @@ struct ReadError {
 // The JSON text: a file, or standard input.
 class Input {
  public:
-  explicit Input(const std::string& path) : owned_(path.empty() ? nullptr : std::fopen(path.c_str(), "rb")) {
+  explicit Input(const std::string& path) : owned_(path.empty() ? nullptr : archive::openFile(path, "rb")) {
     if (!path.empty() && !owned_) throw ReadError{"cannot be opened: " + inWords(errno)};
     file_ = owned_ ? owned_.get() : stdin;
     if (frame::isFolder(file_)) throw ReadError{"is a folder"};

@@ -1,8 +1,8 @@
 #include <cstdio>
-#include <filesystem>
 #include <new>
 #include <string>
 
+#include "torvio/archive/host_files.h"
 #include "torvio/archive/verdict.h"
 #include "torvio/cli/commands.h"
 #include "torvio/cli/file_text.h"
@@ -161,8 +161,8 @@ class MapCommand : public Command {
   }
 
   ExitCode printPage(const explain::FileContent& file, std::optional<frame::FileKind> kind) const {
-    const report::MapPageText page = report::mapPage(std::filesystem::path(file_).filename().string(), file.bytes(),
-                                                     kind, encodingNamed(encodingName_));
+    const report::MapPageText page =
+        report::mapPage(archive::lastName(file_), file.bytes(), kind, encodingNamed(encodingName_));
     if (!page.refusal.empty()) return failed(file_, page.refusal);
     return writeOutput(output_, [&](OutputText& output) {
       output.write(page.html);

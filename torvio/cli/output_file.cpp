@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <filesystem>
 #include <random>
 #include <system_error>
 
@@ -14,6 +13,8 @@
 #include <io.h>
 #include <sys/stat.h>
 #include <windows.h>
+
+#include "torvio/explain/file_names.h"
 #else
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -36,34 +37,36 @@ std::string temporaryName() {
 
 #if defined(_WIN32)
 
+using oldtorvio::explain::systemName;
+
 class OutputFile::Place {
  public:
-  explicit Place(const std::string& path) : path_(path) {
+  explicit Place(const std::string& path) : path_(systemName(path)) {
     const std::size_t separator = path.find_last_of("/\\:");
-    temporary_ = path.substr(0, separator == std::string::npos ? 0 : separator + 1) + temporaryName();
+    temporary_ = systemName(path.substr(0, separator == std::string::npos ? 0 : separator + 1) + temporaryName());
   }
 
   // What keeps the name from being replaced.
   std::string obstacle() const {
-    const DWORD attributes = ::GetFileAttributesA(path_.c_str());
+    const DWORD attributes = ::GetFileAttributesW(path_.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return "";
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return "is a link";
     return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? "is a folder" : "";
   }
   std::FILE* create() const {
     const int file =
-        ::_open(temporary_.c_str(), _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+        ::_wopen(temporary_.c_str(), _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
     return file < 0 ? nullptr : ::_fdopen(file, "w+b");
   }
   bool rename() const {
-    if (::MoveFileExA(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0) return true;
+    if (::MoveFileExW(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0) return true;
     errno = EACCES;
     return false;
   }
-  void remove() const { (void)::DeleteFileA(temporary_.c_str()); }
+  void remove() const { (void)::DeleteFileW(temporary_.c_str()); }
 
  private:
-  std::string path_, temporary_;
+  std::wstring path_, temporary_;
 };
 
 #else
@@ -179,11 +182,6 @@ void OutputText::write(std::string_view text) {
 
 void OutputText::commit() {
   if (file_ && !file_->commit()) throw OutputError(file_->error());
-}
-
-bool isSameFile(const std::string& one, const std::string& other) {
-  std::error_code error;
-  return std::filesystem::equivalent(one, other, error) && !error;
 }
 
 }  // namespace torvio

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "torvio/archive/host_files.h"
+
 namespace torvio {
 
 // A file that appears under its name once it is complete: until then it is a file beside it, in the same folder. A file
@@ -53,7 +55,6 @@ class OutputText {
   std::optional<OutputFile> file_;  // none for standard output
 };
 
-// Whether the two names are one file.
-bool isSameFile(const std::string& one, const std::string& other);
+using oldtorvio::archive::isSameFile;
 
 }  // namespace torvio

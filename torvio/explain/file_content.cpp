@@ -12,16 +12,19 @@
 namespace oldtorvio::explain {
 namespace {
 
+#if !defined(_WIN32)
 // Whether a folder can be opened depends on the system; stat works on all.
 bool isFolder(const std::string& path) {
   struct stat info {};
   return ::stat(path.c_str(), &info) == 0 && (info.st_mode & S_IFMT) == S_IFDIR;
 }
+#endif
 
 std::string inWords(int error) { return std::generic_category().message(error); }
 
 }  // namespace
 
+#if !defined(_WIN32)
 FileContent::FileContent(const std::string& path, std::uint64_t largestMiB) {
   const frame::File file = frame::File::openToRead(path.c_str());
   const int error = errno;
@@ -32,6 +35,7 @@ FileContent::FileContent(const std::string& path, std::uint64_t largestMiB) {
   else
     error_ = "cannot be opened: " + inWords(error);
 }
+#endif
 
 void FileContent::readAll(std::FILE* file, std::uint64_t largestMiB) {
   constexpr std::uint64_t kFirstBuffer = 64U << 10U;

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "src/frame/host/platform.h"
+#include "torvio/explain/file_names.h"
 #include "torvio/explain/kind_names.h"
 #include "torvio/library/answer.h"
 #include "torvio/values/json.h"
@@ -21,18 +22,6 @@ std::string listed(const std::vector<std::string>& names) {
   return text;
 }
 
-#if defined(_WIN32)
-// Empty if the path is not UTF-8.
-std::wstring wide(const char* path) {
-  const int size = ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path, -1, nullptr, 0);
-  if (size <= 0) return {};
-  std::wstring text(static_cast<std::size_t>(size), L'\0');
-  (void)::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path, -1, text.data(), size);
-  text.pop_back();  // the NUL
-  return text;
-}
-#endif
-
 }  // namespace
 
 // The language and code page of the system's words are those of the locale of the process.
@@ -40,7 +29,7 @@ std::string systemError(int error) { return values::fileNameAsUtf8(std::generic_
 
 OpenFile::OpenFile(const char* path) {
 #if defined(_WIN32)
-  const std::wstring name = wide(path);
+  const std::wstring name = explain::systemName(path);
   if (name.empty()) {
     error_ = *path == '\0' ? "cannot be opened: the path is empty" : "cannot be opened: the path is not UTF-8";
     return;
