@@ -237,7 +237,8 @@ def test_an_interrupted_scan_leaves_no_process_and_is_continued(folder, wanted, 
 
 @pytest.mark.parametrize("end", [signal.SIGINT, signal.SIGKILL])
 def test_processes_end_with_the_client(folder, end):
-    program = ("import signal, sys; signal.signal(signal.SIGINT, signal.default_int_handler); from oldtorvio import archive\n"
+    program = ("import signal, sys; from oldtorvio import archive\n"
+               "signal.signal(signal.SIGINT, signal.default_int_handler)\n"
                "while True: archive.scan(sys.argv[1], processes=2,"
                " progress=lambda summary: print('begun', flush=True))")
     client = subprocess.Popen([sys.executable, "-c", program, folder], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
