@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the files that docs/guide.md looks at: an archive of nests, parts, machines, tools and materials.
+# Makes the files on which the commands in docs/ work: an archive of nests, parts, machines, tools and materials.
 set -euo pipefail
 if [ $# != 2 ]; then
   echo 'usage: guide_files.sh BUILD_FOLDER NEW_FOLDER    (the folder of a finished build)' >&2

@@ -1,9 +1,9 @@
-"""docs/bindings.md shows the examples verbatim: each job in each language, and what the examples print.
+"""docs/calling.md shows the examples verbatim: each job in each language, and what the examples print.
 
 usage: snippets.py SOURCE_FOLDER
 
 A line <!-- FILE --> comes before each piece of code. The code is in that file, perhaps indented. The table of methods
-is made from bindings/functions.json.
+in docs/bindings.md is made from bindings/functions.json.
 """
 import collections
 import json
@@ -40,22 +40,23 @@ def method_rows(root):
 
 def main():
     root = pathlib.Path(sys.argv[1])
-    page = (root / "docs" / "bindings.md").read_text(encoding="utf-8")
+    page = (root / "docs" / "calling.md").read_text(encoding="utf-8")
+    classes = (root / "docs" / "bindings.md").read_text(encoding="utf-8")
     wrong, found = [], collections.Counter()
     for name, language, code in re.findall(r"<!-- (\S+) -->\n```(\w+)\n(.*?)\n```", page, re.S):
         found[language] += 1
         if LANGUAGES.get(language) != name:
             wrong.append(f"{name} is no example in {language}")
         elif not contains((root / name).read_text(encoding="utf-8").split("\n"), code.split("\n")):
-            wrong.append(f"docs/bindings.md differs from {name}: {code.splitlines()[0]}")
-    wrong += [f"docs/bindings.md has {found[one]} pieces of code in {one}, not {JOBS}" for one in LANGUAGES
+            wrong.append(f"docs/calling.md differs from {name}: {code.splitlines()[0]}")
+    wrong += [f"docs/calling.md has {found[one]} pieces of code in {one}, not {JOBS}" for one in LANGUAGES
               if found[one] != JOBS]
-    rows = re.search(r"<!-- methods -->\n(.*?)\n<!-- end -->", page, re.S)
+    rows = re.search(r"<!-- methods -->\n(.*?)\n<!-- end -->", classes, re.S)
     if not rows or rows[1] != method_rows(root):
         wrong.append("the methods of docs/bindings.md are not those of bindings/functions.json; they should be:\n"
                      + method_rows(root))
     plain = re.findall(r"(?<! -->\n)```(c|cpp|python|csharp|pascal|js)\n", page)
-    wrong += [f"docs/bindings.md has code in {one} that is from no example" for one in plain]
+    wrong += [f"docs/calling.md has code in {one} that is from no example" for one in plain]
     print("\n".join(wrong) or f"{sum(found.values())} pieces of code")
     return 1 if wrong else 0
 

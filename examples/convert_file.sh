@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Converts one file of an archive, and keeps the report. docs/archive.md shows how it is used.
+set -euo pipefail
+if [ $# -lt 4 ]; then
+  echo 'usage: convert_file.sh VERSION FROM TO [OPTION ...] FILE
+
+FILE is in the folder FROM. The new file gets the same name in the folder TO, and its report, one JSON object, the same
+name and ".json" in TO.reports. A file that is older than its report is skipped, so that a run that was interrupted
+continues where it stopped; with --allow-loss it is converted again. The options are those of torvio convert.' >&2
+  exit 2
+fi
+version=$1 from=${2%/} to=${3%/} file=${*: -1}
+options=("${@:4:$#-4}")
+name=${file#"$from"/}
+if [ "$name" = "$file" ]; then
+  echo "convert_file.sh: $file is not in $from" >&2
+  exit 2
+fi
+new=$to/$name report=$to.reports/$name.json
+if [[ " ${options[*]} " != *" --allow-loss "* && $report -nt $file ]]; then exit 0; fi
+mkdir -p "$(dirname "$new")" "$(dirname "$report")"
+code=0
+torvio convert "$file" "$new" --version "$version" --json "${options[@]}" >"$report.new" 2>/dev/null || code=$?
+# Why a file is refused is in its report.
+if [ "$code" -gt 1 ]; then
+  rm -f "$report.new"
+  echo "convert_file.sh: $file: torvio convert ended with $code" >&2
+  exit "$code"
+fi
+if [ -s "$report.new" ]; then mv "$report.new" "$report"; else rm "$report.new"; fi  # a file of unknown kind has no report
