@@ -33,6 +33,14 @@ set(CPACK_POST_BUILD_SCRIPTS ${packaging}/finish.cmake)
 set(CPACK_OLDTORVIO_TIME ${package_time})
 set(CPACK_OLDTORVIO_STRIP ${CMAKE_STRIP})
 
+# The licences of libraries that are compiled in must be in the package; the packages of Debian have them.
+function(package_licences component folder)
+  foreach(debian_package ${ARGN})
+    install(FILES /usr/share/doc/${debian_package}/copyright DESTINATION ${folder}/licences
+      RENAME ${debian_package}.txt COMPONENT ${component})
+  endforeach()
+endfunction()
+
 if(OLDTORVIO_PACKAGE STREQUAL "DEB")
   include(${packaging}/debian.cmake)
 else()
@@ -44,6 +52,11 @@ else()
   install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_Documents)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
-    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_Documents)
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT OldTorvIO_Documents PATTERN __pycache__ EXCLUDE)
+  set(package_runtime libsqlite3-dev)
+  if(WIN32)
+    set(package_runtime mingw-w64-x86-64-dev)
+  endif()
+  package_licences(OldTorvIO_License ${CMAKE_INSTALL_DOCDIR} libcli11-dev nlohmann-json3-dev ${package_runtime})
 endif()
 include(CPack)

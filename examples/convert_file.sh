@@ -5,7 +5,7 @@ if [ $# -lt 4 ]; then
   echo 'usage: convert_file.sh VERSION FROM TO [OPTION ...] FILE
 
 FILE is in the folder FROM. The new file gets the same name in the folder TO, and its report, one JSON object, the same
-name and ".json" in TO.reports. A file that is older than its report is left alone, so that a run that was interrupted
+name and ".json" in TO.reports. A file that is older than its report is skipped, so that a run that was interrupted
 continues where it stopped; with --allow-loss it is converted again. The options are those of torvio convert.' >&2
   exit 2
 fi

@@ -34,11 +34,11 @@ configure_file(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${debian_folder}/changelog COP
 execute_process(COMMAND gzip -9nf changelog changelog.Debian WORKING_DIRECTORY ${debian_folder}
   COMMAND_ERROR_IS_FATAL ANY)
 
-# debian_package(COMPONENT NAME [SECTION name] [DEPENDS packages] [CONTROL file ...]
+# debian_package(COMPONENT NAME [SECTION name] [DEPENDS packages] [CONTROL file ...] [CONTAINS package ...]
 #                SUMMARY text DESCRIPTION line ...)
-# Remarks of lintian that stay, with the reasons, are in lintian-overrides/ under the name without its version.
+# CONTAINS lists the Debian packages whose code is compiled in. Remarks of lintian that stay, with the reasons, are in lintian-overrides/ under the name without its version.
 function(debian_package component name)
-  cmake_parse_arguments(PARSE_ARGV 2 with "" "SECTION;DEPENDS;SUMMARY" "CONTROL;DESCRIPTION")
+  cmake_parse_arguments(PARSE_ARGV 2 with "" "SECTION;DEPENDS;SUMMARY" "CONTROL;CONTAINS;DESCRIPTION")
   string(TOUPPER CPACK_DEBIAN_${component} prefix)
   set(${prefix}_PACKAGE_NAME ${name} PARENT_SCOPE)
   set(${prefix}_PACKAGE_SECTION ${with_SECTION} PARENT_SCOPE)
@@ -52,6 +52,7 @@ function(debian_package component name)
 
   install(FILES ${debian_folder}/copyright ${debian_folder}/changelog.gz ${debian_folder}/changelog.Debian.gz
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${name} COMPONENT ${component})
+  package_licences(${component} ${CMAKE_INSTALL_DATAROOTDIR}/doc/${name} ${with_CONTAINS})
   string(REGEX REPLACE "[0-9.]+$" "" plain_name ${name})
   if(NOT EXISTS ${packaging}/lintian-overrides/${plain_name})
     set(plain_name ${name})  # ends in a number that is no version
@@ -81,7 +82,7 @@ debian_library(OldTorvIO_Runtime OldTorvIO liboldtorvio${abi_version} exports
   "C++ programs also get the complete records.")
 get_directory_property(torvio_exports DIRECTORY torvio/library DEFINITION torvio_exports)
 string(REPLACE "\n" ";" torvio_exports "${torvio_exports}")
-debian_library(OldTorvIO_Companion torvio libtorvio${abi_version} torvio_exports
+debian_library(OldTorvIO_Companion torvio libtorvio${abi_version} torvio_exports CONTAINS nlohmann-json3-dev
   SUMMARY "verdicts, JSON and pictures of older sheet-metal files"
   DESCRIPTION "libtorvio has what the command torvio does as plain C functions: it judges a"
   "file, returns its contents as JSON and makes a file of that, draws it,"
@@ -91,7 +92,7 @@ debian_package(OldTorvIO_Development liboldtorvio-dev SECTION libdevel
   SUMMARY "headers and static library of OldTorvIO and libtorvio"
   DESCRIPTION "What C and C++ programs need to be built with OldTorvIO or libtorvio, with a"
   "CMake package (OldTorvIO) and the pkg-config packages oldtorvio and torvio.")
-debian_package(OldTorvIO_Tool torvio SECTION utils
+debian_package(OldTorvIO_Tool torvio SECTION utils CONTAINS libcli11-dev nlohmann-json3-dev
   SUMMARY "shows, checks and converts older sheet-metal files"
   DESCRIPTION "torvio says what a file is and whether it is sound, shows what is in it,"
   "draws it, compares two files, converts and recovers them, and turns files"
@@ -102,6 +103,7 @@ math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
 debian_package(OldTorvIO_Python python3-oldtorvio SECTION python
   DEPENDS "python3 (>= 3.${Python_VERSION_MINOR}~), python3 (<< 3.${next_minor})"
   CONTROL ${packaging}/python3-oldtorvio/postinst ${packaging}/python3-oldtorvio/prerm
+  CONTAINS nlohmann-json3-dev pybind11-dev
   SUMMARY "older files of a sheet-metal fabrication suite in Python"
   DESCRIPTION "The package oldtorvio has every record as a class, loads and saves them, and"
   "all that the command torvio does.")

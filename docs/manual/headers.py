@@ -139,15 +139,17 @@ def plain(cell):
 
 
 def stored(rows):
-    """One line for each table that stores the field."""
-    out = []
-    for row in rows:
+    """One line for each way in which files store the field, with the tables that say so."""
+    forms = {}
+    order = list(records.TABLES)
+    for row in sorted(rows, key=lambda row: order.index(row.table)):
         what = ", ".join(plain(one) for one in (row.stored.removesuffix(" each"), row.condition) if one)
         where = f'\\ref {PAGES[row.page]}{"-" + row.anchor if row.anchor else ""} "{row.table}"'
-        out.append(f"<span class=\"stored\">{where}: {what or 'see there'}</span>")
+        forms.setdefault(what or "see there", []).append(where)
+    out = [f'<span class="stored">{", ".join(dict.fromkeys(where))}: {what}</span>' for what, where in forms.items()]
     if len(out) > 4:
-        page = PAGES[rows[0].page]
-        out = out[:3] + [f'<span class="stored">and {len(out) - 3} more rows of \\ref {page} "its page"</span>']
+        where = next(iter(forms.values()))[0]
+        out = out[:3] + [f'<span class="stored">and {len(out) - 3} more rows of {where}</span>']
     return out
 
 
@@ -169,13 +171,10 @@ def field_comment(record, member, forms, names, alias):
 
 def record_comment(record, header, forms, holders):
     lines = blocks(record.comment.split("\n")) if record.comment else []
-    if not lines and record.name in [one.name for one in header.records]:
-        first = next((piece[2] for piece in header.pieces if piece[0] == "comment"), [])
-        lines = blocks(first) if len(header.records) == 1 else []
+    # The first comment of a header says what its main record is.
+    if len(header.records) == 1 or record.name.lower().endswith(header.path.stem.replace("_", "")):
+        lines = blocks(next((piece[2] for piece in header.pieces if piece[0] == "comment"), [])) + lines
     held = [f'\\ref oldtorvio::{name}::{field} "{name}::{field}"' for name, field in holders.get(record.name, [])]
-    if not lines:
-        lines = [f"{'An element' if held else 'A record'} of {held[0]}." if held else "A record."]
-        held = held[1:] and held
     if held:
         lines += ["", "Held by " + ", ".join(held) + "."]
     tables = [(name, page, anchor) for name, page, anchor in table_places() if records.TABLES.get(name) == record.name]

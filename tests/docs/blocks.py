@@ -11,7 +11,9 @@ import sys
 
 tool, root = sys.argv[1], pathlib.Path(sys.argv[2])
 pages = [root / name for name in ("README.md", "HACKING.md", "CHANGELOG.md")] + sorted((root / "docs").rglob("*.md"))
-run_by_guide = [root / "README.md", *(root / "docs").glob("*.md")]
+# guide.py leaves out pages that work on the files of another script.
+run_by_guide = [page for page in [root / "README.md", *(root / "docs").glob("*.md")]
+                if not re.search(r"(?m)^examples/(?!guide_files)\w+_files\.sh build", page.read_text(encoding="utf-8"))]
 listed = [[cell.strip() for cell in line.split("|", 3)]
           for line in (root / "tests/docs/blocks.txt").read_text(encoding="utf-8").splitlines()
           if line and not line.startswith("#")]

@@ -15,7 +15,8 @@ root, folder = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 if shutil.which("doxygen") is None or not pathlib.Path("/usr/share/doxygen-awesome-css").exists():
     print("the manual is not built: the Debian packages doxygen and doxygen-awesome-css are not installed")
     sys.exit(77)
-subprocess.run([sys.executable, str(root / "docs/manual/build.py"), str(folder)], check=True)
+if subprocess.run([sys.executable, str(root / "docs/manual/build.py"), str(folder)]).returncode != 0:
+    sys.exit(1)
 
 described = {}  # {"LoadOldPart": text, "OldSheet": text, "OldSheet::width": text}
 for file in folder.joinpath("xml").glob("*.xml"):

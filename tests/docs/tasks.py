@@ -104,8 +104,9 @@ with tempfile.TemporaryDirectory() as scratch:
         elif "--python" in sys.argv:
             output, files = in_new_folder(lambda folder: run([sys.executable, "-c", programs[0]], folder))
             if files != written:
+                contents = " with other contents" if set(files) == set(written) else ""
                 failed.append(f"{title}: the shell writes {sorted(map(str, written))}, Python "
-                              f"{sorted(map(str, files))}" + (" with other contents" if set(files) == set(written) else ""))
+                              f"{sorted(map(str, files))}{contents}")
             # Commands that write files report what they do.
             if output != ("" if written else outputs[0]):
                 failed.append(f"{title}: the shell prints\n{outputs[0]}and Python\n{output}")

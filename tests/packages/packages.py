@@ -84,8 +84,8 @@ class Checks:
         self.torvio_exports = re.findall(r"(?m)^TORVIO_API .*?(torvio_[a-z_]+)\(", header)
         self.failures = self.passed = self.skipped = 0
 
-    def check(self, name, work):
-        if not self.only.search(name):
+    def check(self, name, work, is_needed=False):
+        if not is_needed and not self.only.search(name):
             return True
         begin, how = time.monotonic(), "passed"
         try:
@@ -191,11 +191,14 @@ class Checks:
         modules = self.source / "bindings" / "python" / "oldtorvio"
         wanted["python3-oldtorvio"] = {f"{module}/_core{version}"} | {
             f"{module}/{file.name}" for file in modules.iterdir() if file.suffix in (".py", ".pyi", ".typed")}
+        compiled_in = {self.packages[1]: ["nlohmann-json3-dev"], "torvio": ["libcli11-dev", "nlohmann-json3-dev"],
+                       "python3-oldtorvio": ["nlohmann-json3-dev", "pybind11-dev"]}
         for name, own in wanted.items():
             folder = self.folder(f"deb/{name}")
             run(["dpkg-deb", "-x", self.deb(name), folder])
             run(["dpkg-deb", "-x", self.deb(name), self.root])
             about = {f"{documents}/{name}/{file}" for file in ("copyright", "changelog.gz", "changelog.Debian.gz")}
+            about |= {f"{documents}/{name}/licences/{file}.txt" for file in compiled_in.get(name, ())}
             require_same(files_in(folder), own | about | {f"usr/share/lintian/overrides/{name}"}, name)
             self.no_traces(folder)
             control = self.folder(f"control/{name}")
@@ -362,14 +365,15 @@ print(oldtorvio.__file__, len(sheet.partList.parts), sheet.width)
             f"lib/cmake/OldTorvIO/OldTorvIO{name}.cmake"
             for name in ("Config", "ConfigVersion", "Targets", "Targets-relwithdebinfo")} | {
             f"share/man/man1/{page}.1" for page in PAGES}, "files")
-        self.documents(self.tgz)
+        self.documents(self.tgz, "libsqlite3-dev")
         self.no_traces(self.tgz)
         owners = run(["tar", "--numeric-owner", "-tvf", self.made / f"{name}.tar.gz"])
         require(all(line.split()[1] == "0/0" for line in owners.splitlines()), "a file does not belong to root")
 
-    def documents(self, tree):
+    def documents(self, tree, runtime):
         found = files_in(tree / "share" / "doc" / "OldTorvIO")
         wanted = {"README.md", "CHANGELOG.md", "LICENSE"}
+        wanted |= {f"licences/{name}.txt" for name in ("libcli11-dev", "nlohmann-json3-dev", runtime)}
         for folder in ("docs", "examples"):
             listed = run(["git", "-C", self.source, "ls-files", folder]).split()
             wanted |= set(listed)
@@ -415,7 +419,7 @@ print(oldtorvio.__file__, len(sheet.partList.parts), sheet.width)
             "lib/libOldTorvIO.dll.a", "lib/libtorvio.dll.a", "lib/libOldTorvIO.a", "lib/pkgconfig/oldtorvio.pc",
             "lib/pkgconfig/torvio.pc"} | {f"lib/cmake/OldTorvIO/OldTorvIO{name}.cmake"
                                           for name in ("Config", "ConfigVersion", "Targets", "Targets-relwithdebinfo")}, "files")
-        self.documents(self.zip)
+        self.documents(self.zip, "mingw-w64-x86-64-dev")
         self.no_traces(self.zip)
 
     def zip_imports(self):
@@ -517,9 +521,9 @@ print(oldtorvio.__file__, len(sheet.partList.parts), sheet.width)
     # ---- all ----
 
     def all(self):
-        if not self.check("sample files", self.samples):
+        if not self.check("sample files", self.samples, True):
             return
-        if "deb" in self.kinds and self.check("Debian: contents", self.unpack_debs):
+        if "deb" in self.kinds and self.check("Debian: contents", self.unpack_debs, True):
             self.check("Debian: control files", self.debian_fields)
             self.check("Debian: lintian", self.lintian)
             self.check("Debian: torvio, pkg-config, find_package", self.debs_used)
@@ -528,13 +532,13 @@ print(oldtorvio.__file__, len(sheet.partList.parts), sheet.width)
                 self.check(f"Debian: {language}", self.binding(language))
             if not self.short:
                 self.check("Debian: installed in a new system", self.installed)
-        if "tgz" in self.kinds and self.check("tar.gz: contents", self.tgz_contents):
+        if "tgz" in self.kinds and self.check("tar.gz: contents", self.tgz_contents, True):
             self.check("tar.gz: needs only glibc", self.tgz_needs_only_glibc)
             self.check("tar.gz: without any other file", self.tgz_alone)
             self.check("tar.gz: torvio, pkg-config, find_package", self.tgz_used)
-        if "zip" in self.kinds and self.check("zip: contents", self.zip_contents):
+        if "zip" in self.kinds and self.check("zip: contents", self.zip_contents, True):
             self.check("zip: imports and exports", self.zip_imports)
-            if self.check("zip: Wine", self.start_wine):
+            if self.check("zip: Wine", self.start_wine, True):
                 self.check("zip: torvio.exe", self.zip_tool)
                 self.check("zip: names of files", self.zip_names)
                 self.check("zip: programs next to the DLLs", self.zip_programs)
@@ -550,7 +554,7 @@ def main():
     options.add_argument("--build", required=True, type=pathlib.Path)
     options.add_argument("--short", action="store_true")
     options.add_argument("--kinds", default="deb,tgz,zip")
-    options.add_argument("--only", default="", metavar="PATTERN", help="only checks whose name this matches")
+    options.add_argument("--only", default="", metavar="PATTERN", help="only checks whose name this matches, and what they need")
     checks = Checks(options.parse_args())
     checks.all()
     print(f"{checks.passed} passed, {checks.failures} failed, {checks.skipped} skipped")

@@ -19,6 +19,8 @@
 #include "torvio/values/text_encoding.h"
 #endif
 
+#include "torvio/archive/host_files.h"
+
 namespace oldtorvio::archive {
 namespace {
 

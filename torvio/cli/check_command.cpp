@@ -349,7 +349,7 @@ class CheckCommand : public Command {
     archive::scan(names, options, [&](FileResult& result) {
       totals.add(result);
       worst = std::max(worst, codeOf(result));
-      if (result.isFolder) unreadFolders.push_back(result.path);
+      if (result.isFolder && catalogue) unreadFolders.push_back(result.path);
       if (isPrinted(result)) {
         if (isOnTerminal) progress.clear();
         print(isJson_ ? archive::resultJson(result) : lineFor(result));

@@ -205,5 +205,8 @@ def serve() -> None:
             outcome = examine(*pickle.loads(request))
         except Exception as error:
             outcome = error
-        _write(replies, pickle.dumps(outcome))
+        try:
+            _write(replies, pickle.dumps(outcome))
+        except BrokenPipeError:
+            os._exit(1)  # the client has ended
 

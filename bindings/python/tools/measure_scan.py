@@ -117,8 +117,8 @@ def main():
         for workers in [] if only_dask else counts:
             out.unlink(missing_ok=True)
             start = time.monotonic()
-            process = subprocess.Popen([build / "bin/torvio", "check", nests, "--ext", "sheet=.nst", "-o", out, "--jobs",
-                                        str(workers), "--only", "unreadable"])
+            process = subprocess.Popen([build / "bin/torvio", "check", nests, "--ext", "sheet=.nst", "-o", out,
+                                        "--jobs", str(workers), "--only", "unreadable"])
             _, _, usage = os.wait4(process.pid, 0)
             process.returncode = 1
             files = sum(len(names) for _, _, names in os.walk(nests))
