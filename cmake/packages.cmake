@@ -1,12 +1,12 @@
-# Packages, by CPack: OLDTORVIO_PACKAGE selects one kind, because folders and linking differ. `./dev packages` makes all.
+# Packages, by CPack. OLDTORVIO_PACKAGE selects a kind, because folders and linking differ; `./dev packages` makes all.
 #
 #   DEB  Debian packages, one for each component below
 #   TGZ  one archive for Linux whose programs and libraries need only glibc
 #   ZIP  one archive for Windows
 #
-# The presets package-* strip programs when they are linked: the identifier that the linker computes would depend on the
-# debugging information, which names folders. packaging/prepare.cmake strips static libraries, and packaging/finish.cmake
-# writes the final archives, in which nothing depends on the time or the folder of the build.
+# The presets package-* strip programs when they are linked: the identifier that the linker computes would depend on
+# the debugging information, which names folders. packaging/prepare.cmake strips static libraries, and
+# packaging/finish.cmake writes the final archives, in which nothing depends on the time or the folder of the build.
 
 # The time in all packages: that of the last commit, unless SOURCE_DATE_EPOCH says otherwise.
 set(package_time "$ENV{SOURCE_DATE_EPOCH}")

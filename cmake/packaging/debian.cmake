@@ -1,5 +1,5 @@
-# The Debian packages, one for each component; OLDTORVIO_TOOLS and OLDTORVIO_PYTHON must be on. The rules for names and contents are those of Debian's Policy Manual;
-# lintian checks them.
+# The Debian packages, one for each component; OLDTORVIO_TOOLS and OLDTORVIO_PYTHON must be on. The rules for names and
+# contents are those of Debian's Policy Manual; lintian checks them.
 set(OLDTORVIO_MAINTAINER "OldTorvIO authors <authors@oldtorvio.invalid>" CACHE STRING
   "Who answers for the Debian packages: name and address")
 set(OLDTORVIO_DEBIAN_REVISION 1 CACHE STRING "Counts the packages made of one version")
@@ -36,7 +36,8 @@ execute_process(COMMAND gzip -9nf changelog changelog.Debian WORKING_DIRECTORY $
 
 # debian_package(COMPONENT NAME [SECTION name] [DEPENDS packages] [CONTROL file ...] [CONTAINS package ...]
 #                SUMMARY text DESCRIPTION line ...)
-# CONTAINS lists the Debian packages whose code is compiled in. Remarks of lintian that stay, with the reasons, are in lintian-overrides/ under the name without its version.
+# CONTAINS lists the Debian packages whose code is compiled in. Remarks of lintian that stay, with the reasons, are in
+# lintian-overrides/ under the name without its version.
 function(debian_package component name)
   cmake_parse_arguments(PARSE_ARGV 2 with "" "SECTION;DEPENDS;SUMMARY" "CONTROL;CONTAINS;DESCRIPTION")
   string(TOUPPER CPACK_DEBIAN_${component} prefix)
@@ -62,14 +63,15 @@ function(debian_package component name)
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides)
 endfunction()
 
-# debian_library(COMPONENT LIBRARY NAME FUNCTIONS ...): the package of the shared library lib${LIBRARY}.so, which exports
-# the functions in that list. By `symbols` and `shlibs` other packages find which version they need.
+# debian_library(COMPONENT LIBRARY NAME FUNCTIONS ...): the package of the shared library lib${LIBRARY}.so, which
+# exports the functions in that list. By `symbols` and `shlibs` other packages find which version they need.
 macro(debian_library component library name functions)
   set(folder ${debian_folder}/${name})
   list(TRANSFORM ${functions} REPLACE "(.+)" " \\1@Base ${PROJECT_VERSION}\n" OUTPUT_VARIABLE symbols)
   list(SORT symbols)
   list(JOIN symbols "" symbols)
-  file(WRITE ${folder}/symbols "lib${library}.so.${abi_version} ${name} #MINVER#\n* Build-Depends-Package: liboldtorvio-dev\n${symbols}")
+  file(WRITE ${folder}/symbols "lib${library}.so.${abi_version} ${name} #MINVER#\n"
+    "* Build-Depends-Package: liboldtorvio-dev\n${symbols}")
   file(WRITE ${folder}/shlibs "lib${library} ${abi_version} ${name} (>= ${PROJECT_VERSION})\n")
   file(WRITE ${folder}/triggers "activate-noawait ldconfig\n")
   debian_package(${component} ${name} ${ARGN} SECTION libs

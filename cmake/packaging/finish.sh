@@ -22,7 +22,8 @@ case "$package" in
       rm DEBIAN/postinst DEBIAN/postrm
     fi
     # CPack counts a library again for each link to it. Debian counts 1 KiB for everything that is no file.
-    size=$(find usr -type f -printf '%s\n' -o -printf '1\n' | awk '{ sum += int(($1 + 1023) / 1024) } END { print sum }')
+    size=$(find usr -type f -printf '%s\n' -o -printf '1\n' |
+      awk '{ sum += int(($1 + 1023) / 1024) } END { print sum }')
     sed -i "s/^Installed-Size: .*/Installed-Size: $size/" DEBIAN/control
     find usr -type f -print0 | sort -z | xargs -0 md5sum > DEBIAN/md5sums
     same_times_and_permissions

@@ -9,8 +9,8 @@ foreach(file ${installed})
     # The versions of the compilers.
     execute_process(COMMAND ${CPACK_OLDTORVIO_STRIP} --remove-section=.comment ${file} COMMAND_ERROR_IS_FATAL ANY)
   elseif(file MATCHES "\\.a$" AND NOT file MATCHES "\\.dll\\.a$")
-    execute_process(COMMAND ${CPACK_OLDTORVIO_STRIP} --strip-debug --enable-deterministic-archives ${file}
-      COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND ${CPACK_OLDTORVIO_STRIP} --strip-debug --remove-section=.comment
+      --enable-deterministic-archives ${file} COMMAND_ERROR_IS_FATAL ANY)
   elseif(CPACK_GENERATOR STREQUAL "DEB" AND file MATCHES "/man/man[0-9]/[^/]*\\.[0-9]$")
     execute_process(COMMAND gzip -9n ${file} COMMAND_ERROR_IS_FATAL ANY)
   endif()
