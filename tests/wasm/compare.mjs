@@ -50,8 +50,11 @@ function compare(what, ofWasm, ofNative, prefix = '') {
   if (isSame(a, b) && a?.status !== statusInternalError) return a;
   ++counts.different;
   // From shortly before the first difference.
-  const [one, other] = [a, b].map((made) => (made instanceof Uint8Array ? Buffer.from(made).toString('latin1')
-                                                                      : typeof made === 'string' ? made : JSON.stringify(made)));
+  const readable = (made) => {
+    if (made instanceof Uint8Array) return Buffer.from(made).toString('latin1');
+    return typeof made === 'string' ? made : JSON.stringify(made);
+  };
+  const one = readable(a), other = readable(b);
   let at = 0;
   while (at < one.length && one[at] === other[at]) ++at;
   const brief = (text) => JSON.stringify(text.slice(Math.max(0, at - 200), at + 100));
