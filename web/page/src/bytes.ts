@@ -193,14 +193,15 @@ export class BytesView implements View {
       let end = at + 1;
       if (field >= 0) end = Math.min(to, (offsets?.[field] as number) + (sizes?.[field] as number));
       else while (end < to && this.fieldAt(end) < 0) ++end;
-      let text = '', letters = '';
+      let text = '', letters = '', isZero = true;
       for (let i = at; i < end; ++i) {
         const value = bytes[i] as number;
+        isZero &&= value === 0;
         text += (i > at ? ' ' : '') + hex(value, 2);
         letters += value >= 0x20 && value < 0x7f ? String.fromCharCode(value) : '·';
       }
       const isPicked = this.picked !== null && at < this.picked.offset + this.picked.size && end > this.picked.offset;
-      const look = (field < 0 ? 'none' : field % 2 ? 'odd' : 'even') + (isPicked ? ' picked' : '');
+      const look = (field < 0 ? 'none' : field % 2 ? 'odd' : 'even') + (isZero ? ' zero' : '') + (isPicked ? ' picked' : '');
       const data = field < 0 ? {} : {'data-field': field};
       hexes.append(h('span', {class: look, ...data}, text));
       if (end < to) hexes.append(' ');
@@ -262,7 +263,7 @@ export class BytesView implements View {
   private async goTo(text: string): Promise<void> {
     if (text === '') return;
     const isOffset = /^(0x[0-9a-f]+|\d+)$/i.test(text);
-    const place = isOffset ? {offset: Number(text), size: 1} : await this.context.engine.ask('locate', {...this.context.source, path: text});
+    const place = isOffset ? {offset: Number(text), size: 1} : await this.context.engine.ask('locate', {...this.context.source, path: text, isExact: false});
     if (place === null || place.offset >= this.size) {
       this.status.textContent = isOffset ? 'The file ends before that' : `No field is called ${visible(text)}`;
       announce(this.status.textContent);

@@ -80,7 +80,7 @@ function drawEntry(index: number): HTMLElement {
     'aria-posinset': index + 1, 'aria-setsize': shown.length, 'data-id': entry.id, title: visible(entry.path),
   }, h('span', {class: `mark ${look}`, 'aria-hidden': 'true'}, verdict === 'waiting' ? '…' : marks[look] as string),
     h('span', {class: 'file-name'}, h('span', {class: 'soft'}, visible(folder)), h('b', {}, visible(baseName(entry.path)))),
-    h('span', {class: 'file-facts soft'}, [verdict, kind ?? '', version === undefined || !kind ? '' : `version ${version}`, bytesText(entry.file.size)]
+    h('span', {class: 'file-facts soft'}, [verdict, kind ? `${kind} ${version ?? ''}` : '', bytesText(entry.file.size)]
       .filter(Boolean).join(' · ')));
 }
 
@@ -202,6 +202,7 @@ const views = {
 type ViewName = keyof typeof views;
 let made = new Map<ViewName, View>();
 let current: ViewName = 'picture';
+let comparable = 0; // files when the comparison was opened
 
 const isDrawable = (entry: Entry): boolean => viewer.supported.kinds.find(({name}) => name === entry.check.kind)?.drawable ?? false;
 
@@ -263,9 +264,10 @@ function show(name: ViewName): View {
     byId(`panel-${one}`).hidden = !isPicked;
   }
   // Which files there are to compare with changes.
-  const isFresh = !made.has(name) || name === 'compare';
+  const isFresh = !made.has(name) || (name === 'compare' && comparable !== entries.length);
   const view = isFresh ? views[name].make() : made.get(name) as View;
   if (isFresh) {
+    if (name === 'compare') comparable = entries.length;
     made.set(name, view);
     byId(`panel-${name}`).replaceChildren(view.open(contextOf(opened as Entry)));
   }

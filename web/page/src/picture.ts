@@ -94,12 +94,14 @@ export class PictureView implements View {
       const {name, width, height, quantity} = parts[part] ?? {name: '', width: 0, height: 0, quantity: 0};
       return `${part + 1}  ${visible(name)}  ${number(width)} × ${number(height)}, ×${number(quantity)}`;
     };
+    let pointed = -1;
     const point = (placement: number): void => {
+      if (placement === pointed) return;
+      pointed = placement;
       const part = placement < 0 ? -1 : (placements.parts[placement] as number);
       hint.textContent = part < 0 ? '' : describe(part);
       stage.classList.toggle('over-part', part >= 0);
-      mark(placement, picked >= 0 ? picked : -1);
-      if (placement >= 0 && part !== picked) mark(placement, -1);
+      mark(placement, placement < 0 ? picked : -1);
     };
     const pick = (part: number): void => {
       picked = part;
@@ -142,20 +144,21 @@ export class PictureView implements View {
       return;
     }
     const {name, total, shapes} = answer;
-    const rows = shapes.map(({type, x, y, values, text}, i) => {
+    const texts = shapes.map(({text}) => (typeof text === 'string' ? text : ((text as {text?: string} | null)?.text ?? '')));
+    const hasTexts = texts.some((text) => text !== '');
+    const rows = shapes.map(({type, x, y, values}, i) => {
       const used = [...(values ?? [])];
       while (used.length > 0 && used[used.length - 1] === 0) used.pop();
-      const written = typeof text === 'string' ? text : ((text as {text?: string} | null)?.text ?? '');
       return h('tr', {}, h('td', {}, String(i)), h('td', {}, String(type)), h('td', {}, String(x)), h('td', {}, String(y)),
         h('td', {}, used.map((value) => (typeof value === 'object' ? JSON.stringify(value) : String(value))).join(' ')),
-        h('td', {}, visible(written)));
+        hasTexts && h('td', {}, visible(texts[i] as string)));
     });
     const path = `partList.parts[${part}]`;
     into.replaceChildren(
       h('h3', {}, `${part + 1}  ${visible(name)}: ${plural(total, 'shape')}`),
       h('p', {class: 'actions'}, h('button', {type: 'button', click: () => context.showRecord(path)}, 'Show in the record')),
       total > 0 && h('div', {class: 'scroll'}, h('table', {}, h('thead', {}, h('tr', {},
-        ...['', 'type', 'x', 'y', 'values', 'text'].map((head) => h('th', {scope: 'col'}, head)))), h('tbody', {}, ...rows))) || '',
+        ...['', 'type', 'x', 'y', 'values', ...(hasTexts ? ['text'] : [])].map((head) => h('th', {scope: 'col'}, head)))), h('tbody', {}, ...rows))) || '',
       total > shapes.length ? h('p', {class: 'soft'}, `The first ${number(shapes.length)} are listed; the record has all.`) : '');
     announce(`Part ${part + 1}, ${visible(name)}, ${plural(total, 'shape')}`);
   }

@@ -83,7 +83,8 @@ export interface Operations {
   text: {in: Source & {node: JsonNode}, out: string};
   part: {in: Source & {part: number, most: number}, out: PartShapes | null};
   fields: {in: Source & {from: number, to: number}, out: Fields};
-  locate: {in: Source & {path: string}, out: {offset: number, size: number} | null};
+  // Of the field or record of that path; otherwise, unless it must be exact, of the first that has the name.
+  locate: {in: Source & {path: string, isExact: boolean}, out: {offset: number, size: number} | null};
   json: {in: Source & {pretty: boolean}, out: Blob};
   convert: {in: Source & {version: number, allowLoss: boolean}, out: {blob: Blob | null, report: Report | null, error: string}};
   recover: {in: Source, out: {blob: Blob | null, report: Report | null, error: string}};

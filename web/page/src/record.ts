@@ -66,11 +66,14 @@ export class RecordView implements View {
     await this.ready;
     let row = this.root;
     for (const step of path.match(/[^.[\]]+|\[\d+\]/g) ?? []) {
-      if (row === null) return;
-      row = await this.childOf(row, step.startsWith('[') ? Number(step.slice(1, -1)) : step);
+      const next: Row | null = row && await this.childOf(row, step.startsWith('[') ? Number(step.slice(1, -1)) : step);
+      if (next === null) {
+        this.status.textContent = `The record has no member ${visible(path)}; it is stored, but kept in another form`;
+        break;
+      }
+      row = next;
     }
     if (row !== null && row !== this.root) await this.show(row);
-    else this.status.textContent = `The record has no member ${visible(path)}`;
   }
 
   private readonly failed = (error: Error): void => {
@@ -166,7 +169,7 @@ export class RecordView implements View {
 
   private showBytes(path: string): void {
     this.status.textContent = 'Looking for the bytes…';
-    this.context.engine.ask('locate', {...this.context.source, path}).then((place) => {
+    this.context.engine.ask('locate', {...this.context.source, path, isExact: true}).then((place) => {
       this.status.textContent = place ? '' : `No bytes are stored under the name ${visible(path)}`;
       if (place) this.context.showBytes(place.offset, place.size);
     }).catch(this.failed);
@@ -229,7 +232,7 @@ export class RecordView implements View {
       append(line, h('span', {class: `value ${type}`}, this.valueText(node)));
     } else {
       append(line, h('span', {class: 'soft count'}, this.countText(row)));
-      if (!row.isOpen && node.kind !== 'group') append(line, h('span', {class: 'soft preview'}, visible(node.preview)));
+      if (isParent && !row.isOpen && node.kind !== 'group') append(line, h('span', {class: 'soft preview'}, visible(node.preview)));
     }
     return line;
   }

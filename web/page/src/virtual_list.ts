@@ -49,6 +49,7 @@ export class VirtualList {
   get visible(): number { return Math.max(1, Math.floor(this.pane.clientHeight / this.rowHeight())); }
 
   scrollTo(top: number): void {
+    this.spacer.style.height = `${Math.min(this.total, highest)}px`;
     this.top = Math.max(0, Math.min(top, this.total - this.pane.clientHeight));
     this.expected = Math.round(this.top / this.scale);
     this.pane.scrollTop = this.expected;

@@ -135,11 +135,21 @@ const handlers: Handlers = {
     return linesOf(torvio.map(await bytesOf(source), {...options(source), range}), source.from, source.to);
   },
   async locate(source) {
-    const {offsets, sizes} = linesOf(torvio.map(await bytesOf(source), {...options(source), find: source.path}), 0, 0);
-    let end = 0;
-    sizes.forEach((size, i) => { if (size > 0) end = Math.max(end, (offsets[i] as number) + size); });
-    const first = offsets.find((_, i) => (sizes[i] as number) > 0);
-    return first === undefined ? null : {offset: first, size: end - first};
+    const lines = torvio.map(await bytesOf(source), {...options(source), find: source.path});
+    const {text, starts, offsets, sizes} = linesOf(lines, 0, 0);
+    const beginning = `"field":${JSON.stringify(source.path).slice(0, -1)}`;
+    let named = null as {offset: number, size: number} | null, exact = null as typeof named;
+    for (let i = 0; i < sizes.length; ++i) {
+      const offset = offsets[i] as number, size = sizes[i] as number;
+      if (size === 0) continue;
+      named ??= {offset, size};
+      const at = text.indexOf('"field":', starts[i]);
+      // Itself, a member or an element of it.
+      if (!text.startsWith(beginning, at) || !'".['.includes(text.charAt(at + beginning.length))) continue;
+      exact ??= {offset, size};
+      exact.size = offset + size - exact.offset;
+    }
+    return exact ?? (source.isExact ? null : named);
   },
   async json(source) {
     if (!source.pretty) return new Blob([(await recordOf(source)).text], asJson);
