@@ -59,7 +59,8 @@ export const open = async (page, name) => {
   await page.fill('#filter', name);
   await page.click(`.file:has(b:text-is("${name}"))`);
   await page.fill('#filter', '');
-  await page.waitForFunction((wanted) => document.querySelector('#file-name').textContent === wanted, name);
+  await page.waitForFunction((wanted) => document.querySelector('#file-name').textContent === wanted &&
+                               document.querySelector('#verdict').textContent !== 'checking…', name);
 };
 
 // A static server, which notes what is asked for.

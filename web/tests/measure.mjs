@@ -112,7 +112,7 @@ for (const size of [1, 50]) {
   console.log(`${statSync(path).size} bytes`);
   for (const command of [['check'], ['draw', '-o', '/dev/null'], ['json', '-o', '/dev/null']]) console.log(`  torvio ${command[0]}`, JSON.stringify(nativeOf(path, ...command)));
   const runs = [];
-  for (let i = 0; i < (size > 10 ? 3 : 5); ++i) runs.push(await measured(path));
+  for (let i = 0; i < (size > 10 ? 2 : 5); ++i) runs.push(await measured(path));
   for (const name of Object.keys(runs[0])) {
     const value = middle(runs.map((run) => run[name]));
     const isMemory = name.startsWith('peak') || name === 'idle';

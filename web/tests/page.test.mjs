@@ -62,7 +62,8 @@ describe('files', () => {
       await page.waitForSelector('#panel-summary .facts');
       await tab(page, 'record');
       await page.waitForSelector('.tree-row');
-      assert.match(await textOf(page, '.tree'), /version/);
+      const {record} = JSON.parse(torvio.toJson(readFileSync(path), {name: basename(path)}));
+      assert.equal(await textOf(page, '.tree-row .key'), Object.keys(record)[0]);
       await tab(page, 'bytes');
       await page.waitForSelector('.fields .row');
       const first = JSON.parse(torvio.map(readFileSync(path), {name: basename(path)}).split('\n')[0]);
@@ -79,7 +80,7 @@ describe('files', () => {
       const {verdict} = torvio.check(readFileSync(path), {name: basename(path)});
       counts.set(verdict, (counts.get(verdict) ?? 0) + 1);
     }
-    const shown = await page.locator('#filter-verdict option').allInnerTexts();
+    const shown = await page.locator('#filter-verdict option').allTextContents();
     assert.deepEqual(new Set(shown.slice(1)), new Set([...counts].map(([verdict, count]) => `${verdict} (${count})`)));
     assert.match(await textOf(page, '#count'), new RegExp(`^${files.length} files$`));
     await page.selectOption('#sort', 'size');
@@ -97,7 +98,7 @@ describe('files', () => {
     const bytes = sample('nest_180.sheet').subarray(0, 60000);
     const small = sample('tab.mac');
     await drop(page, Array.from({length: 500}, (_, i) => ({name: `file${i}.${i % 5 ? 'mac' : 'sheet'}`, bytes: i % 5 ? small : bytes})));
-    const options = await page.locator('#filter-verdict option').allInnerTexts();
+    const options = await page.locator('#filter-verdict option').allTextContents();
     assert.deepEqual(options, ['All verdicts', 'damaged (100)', 'sound (400)']);
     await page.fill('#filter', 'file49');
     await page.waitForFunction(() => document.querySelector('#count').textContent.startsWith('11 of 500'));
@@ -334,7 +335,7 @@ describe('time', () => {
     assert.equal(await textOf(page, '#verdict'), 'sound');
     await tab(page, 'record');
     await page.waitForSelector('.tree-row');
-    await page.fill('#panel-record input', 'BRACKET 12-100"');
+    await page.fill('#panel-record input', 'BRACKET 12-100');
     await page.keyboard.press('Enter');
     await page.waitForSelector('.tree-row.picked');
     assert.equal(await textOf(page, '.detail .path'), `partList.parts[${12 * 100 + 11}].partName`);
@@ -342,7 +343,7 @@ describe('time', () => {
     await page.waitForSelector('.bytes .row');
     await page.fill('#panel-bytes input', String(bytes.length - 100));
     await page.keyboard.press('Enter');
-    const last = bytes.length - bytes.length % 16;
+    const last = 16 * Math.floor((bytes.length - 100) / 16);
     await page.waitForFunction((wanted) => [...document.querySelectorAll('.bytes .row')].some((row) => row.textContent.startsWith(wanted)), last.toString(16).padStart(8, '0'));
     await page.waitForSelector('.fields .row.picked');
     assert.ok(await page.locator('.bytes .row').count() < 80);

@@ -81,6 +81,9 @@ export class BytesView implements View {
     await this.load(Math.floor(Math.min(offset, this.size - 1) / windowSize));
     const field = this.fieldAt(offset);
     if (field < 0) {
+      // Where it would be: before the next one, or at the fault.
+      const next = this.current?.offsets.findIndex((one) => one >= offset) ?? -1;
+      this.fieldList.reveal(next < 0 ? this.fieldList.count - 1 : next);
       this.detail.replaceChildren(h('span', {}, `Byte ${number(offset)} (0x${hex(offset)}) is in no field`));
     } else if (size > this.entry(field).sizeOf) {
       this.fieldList.reveal(field);
@@ -248,7 +251,10 @@ export class BytesView implements View {
     this.picked = {offset, size: sizeOf};
     this.pickedField = index;
     if (from !== this.fieldPane) this.fieldList.reveal(index);
-    if (from !== this.bytePane) this.byteList.reveal(Math.floor(offset / this.perRow));
+    if (from !== this.bytePane) {
+      this.byteList.reveal(Math.floor((offset + Math.max(sizeOf, 1) - 1) / this.perRow));
+      this.byteList.reveal(Math.floor(offset / this.perRow));
+    }
     this.fieldList.redraw();
     this.byteList.redraw();
     this.fieldPane.setAttribute('aria-activedescendant', `field-${index}`);

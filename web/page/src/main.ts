@@ -108,6 +108,7 @@ function refresh(): void {
     const order = orders[by] as (a: Entry, b: Entry) => number;
     shown.sort((a, b) => sign * (order(a, b) || names.compare(a.path, b.path)) || a.id - b.id);
     const waiting = entries.filter(({state}) => state === 'waiting').length;
+    document.body.dataset.checked = String(entries.length - waiting);
     byId('count').textContent = entries.length === 0 ? '' : (shown.length === entries.length ? plural(entries.length, 'file') :
       `${number(shown.length)} of ${plural(entries.length, 'file')}`) + (waiting > 0 ? `, ${number(waiting)} to check` : '');
     byId('progress').hidden = waiting === 0;
@@ -121,6 +122,15 @@ function refresh(): void {
     if (index >= 0) listPane.setAttribute('aria-activedescendant', `file-${(opened as Entry).id}`);
     else listPane.removeAttribute('aria-activedescendant');
   });
+}
+
+// Not for each of many files that are checked.
+let soon = 0;
+function refreshSoon(): void {
+  soon ||= window.setTimeout(() => {
+    soon = 0;
+    refresh();
+  }, 150);
 }
 
 function options(select: HTMLElement, all: string, counts: [string, number][]): void {
@@ -146,7 +156,7 @@ function addFiles(files: {file: File, path: string}[]): void {
     const counts = severity.map((verdict) => [verdict, added.filter((entry) => verdictOf(entry) === verdict).length] as const)
       .filter(([, count]) => count > 0).map(([verdict, count]) => `${number(count)} ${verdict}`);
     announce(`${plural(added.length, 'file')} checked: ${counts.join(', ')}`);
-    document.body.dataset.checked = String(entries.filter(({state}) => state !== 'waiting').length);
+    refresh();
   }).catch(() => undefined);
 }
 
@@ -158,7 +168,7 @@ async function check(entry: Entry): Promise<void> {
     entry.state = error instanceof TimedOut ? 'stopped' : 'checked';
     entry.check = {verdict: error instanceof TimedOut ? 'stopped' : 'unreadable', error: (error as Error).message};
   }
-  refresh();
+  refreshSoon();
   if (entry === opened) showHeader(entry);
 }
 

@@ -75,6 +75,7 @@ export class PictureView implements View {
     const side = h('aside', {class: 'parts', 'aria-label': 'Parts of the sheet'}, heading,
       h('p', {class: 'soft'}, 'Point at a part in the picture; select it to see its shapes.'), list, shapes);
     panel.append(side);
+    panel.classList.add('with-parts');
 
     const mark = (only: number, part: number): void => {
       overlay.replaceChildren();

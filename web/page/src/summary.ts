@@ -37,7 +37,7 @@ export class SummaryView implements View {
       h('div', {class: 'fault'}, h('h3', {}, title), h('p', {}, `${visible(fault.reason)}, in `, h('code', {}, visible(fault.field)),
         ` at byte ${number(fault.offset)} (0x${hex(fault.offset)})`),
         h('p', {class: 'actions'},
-          h('button', {type: 'button', click: () => showBytes(Math.min(fault.offset, file.size - 1), 1)}, 'Show the bytes')));
+          h('button', {type: 'button', click: () => showBytes(fault.offset, 1)}, 'Show the bytes')));
     const warnings = check.warnings ?? [];
     const section = h('section', {class: 'verdict-section'}, h('h3', {}, 'Verdict'),
       h('p', {}, says[check.verdict] ?? visible(check.error ?? '')),
