@@ -154,9 +154,10 @@ def main():
                       for name in set(exports) ^ {one["name"] for one in library["functions"]}]
     wrong += meanings(table) + without_method(table, root)
     version = re.search(r"project\(OldTorvIO VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text())[1]
-    for name in ("package.json", "package-lock.json"):
-        found = json.loads((root / "bindings" / "node" / name).read_text())["version"]
-        wrong += [f"bindings/node/{name} has version {found}, CMakeLists.txt {version}"] if found != version else []
+    for folder in ("bindings/node", "web/package"):
+        for name in ("package.json", "package-lock.json"):
+            found = json.loads((root / folder / name).read_text())["version"]
+            wrong += [f"{folder}/{name} has version {found}, CMakeLists.txt {version}"] if found != version else []
     if not wrong:
         wrong += [f"bindings/{name} is out of date: run bindings/generate.py"
                   for name, content in generate.all_files().items()

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <iterator>
 
 namespace oldtorvio::explain {
@@ -24,6 +25,15 @@ template <class T>
 void printShortest(std::string& to, T value) {
   char digits[64];
   to.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
+}
+
+// Standard libraries differ in the names of NaNs: "-nan" is also "-nan(snan)" or "-nan(ind)".
+template <class T>
+void printReal(std::string& to, T value) {
+  if (std::isnan(value))
+    to += std::signbit(value) ? "-nan" : "nan";
+  else
+    printShortest(to, value);
 }
 
 // "1 byte", "2 bytes".
@@ -67,8 +77,8 @@ std::vector<std::string> fieldNames(std::string_view stringised) {
 }
 
 void printValue(std::string& to, std::int64_t value) { printShortest(to, value); }
-void printValue(std::string& to, float value) { printShortest(to, value); }
-void printValue(std::string& to, double value) { printShortest(to, value); }
+void printValue(std::string& to, float value) { printReal(to, value); }
+void printValue(std::string& to, double value) { printReal(to, value); }
 
 void printText(std::string& to, const char* field, std::size_t width) {
   std::size_t length = 0;
