@@ -94,6 +94,14 @@ describe('files', () => {
     assert.ok(await page.locator('.file').count() < 40);
   });
 
+  withPage('a folder is listed with everything in it', async (page) => {
+    const files = guideFiles(), folder = files[0].slice(0, files[0].indexOf('/guide/') + '/guide'.length);
+    await page.setInputFiles('#choose-folder', folder);
+    await page.waitForFunction((wanted) => Number(document.body.dataset.checked ?? 0) === wanted, files.length);
+    const listed = await page.locator('.file').evaluateAll((rows) => rows.map((row) => row.title));
+    assert.deepEqual(listed.sort(), files.map((path) => path.slice(folder.length - 'guide'.length)).sort());
+  });
+
   withPage('500 files at once', async (page) => {
     const bytes = sample('nest_180.sheet').subarray(0, 60000);
     const small = sample('tab.mac');
