@@ -1,4 +1,5 @@
-// Builds the page: build/web/torvio.html, which is complete and works from a disk, and build/web/unbundled/ for a server.
+// Builds the page: build/web/torvio.html, which is complete and works from a disk, and build/web/unbundled/ for a
+// server.
 //   node page/build.mjs [torvio.wasm]
 import {build} from 'esbuild';
 import {createHash} from 'node:crypto';
@@ -13,9 +14,17 @@ const wasm = process.argv[2] ?? join(top, 'build/wasm/torvio.wasm');
 
 const script = async (name, bundled) => {
   const {outputFiles} = await build({
-    entryPoints: [join(page, 'src', name)], bundle: true, write: false, minify: true, format: 'iife', target: 'es2022',
-    charset: 'ascii', legalComments: 'none', define: {BUNDLED: String(bundled), 'import.meta.url': '""'}, logLevel: 'warning',
-    external: ['node:*'], // of the package, for Node only
+    entryPoints: [join(page, 'src', name)],
+    bundle: true,
+    write: false,
+    minify: true,
+    format: 'iife',
+    target: 'es2022',
+    charset: 'ascii',
+    legalComments: 'none',
+    define: {BUNDLED: String(bundled), 'import.meta.url': '""'},
+    logLevel: 'warning',
+    external: ['node:*'],  // of the package, for Node only
   });
   return outputFiles[0].text.trim();
 };
@@ -27,7 +36,9 @@ const common = ["default-src 'none'", 'img-src blob: data:', "base-uri 'none'", 
 const filled = (text, values) => text.replace(/@([A-Z]+)@/g, (_, name) => values[name]);
 
 const template = await readFile(join(page, 'index.html'), 'utf8');
-const style = (await build({entryPoints: [join(page, 'page.css')], write: false, minify: true, logLevel: 'warning'})).outputFiles[0].text.trim();
+const style = (await build({entryPoints: [join(page, 'page.css')], write: false, minify: true, logLevel: 'warning'}))
+                .outputFiles[0]
+                .text.trim();
 const module = await readFile(wasm).catch(() => {
   console.error(`${wasm} is missing: ./dev wasm builds it`);
   process.exit(1);
@@ -41,19 +52,28 @@ await mkdir(unbundled, {recursive: true});
     if (/<\/script|<!--/i.test(text)) throw new Error('a script would end its element');
   }
   const packed = gzipSync(module, {level: 9}).toString('base64');
-  const policy = [...common, `script-src ${hash(main)} 'wasm-unsafe-eval'`, `style-src ${hash(style)}`, 'worker-src blob:', "connect-src 'none'"];
+  const policy = [
+    ...common, `script-src ${hash(main)} 'wasm-unsafe-eval'`, `style-src ${hash(style)}`,
+    'worker-src blob:', "connect-src 'none'"
+  ];
   const html = filled(template, {
-    POLICY: policy.join('; '), STYLE: `<style>${style}</style>`,
-    SCRIPTS: `<script id="module" type="text/plain">${packed}</script>\n<script id="worker" type="text/plain">${worker}</script>\n<script>${main}</script>`,
+    POLICY: policy.join('; '),
+    STYLE: `<style>${style}</style>`,
+    SCRIPTS: `<script id="module" type="text/plain">${packed}</script>\n<script id="worker" type="text/plain">${
+      worker}</script>\n<script>${main}</script>`,
   });
   if (html.length > 3e6) throw new Error(`torvio.html has ${html.length} bytes, more than 3 MB`);
   await writeFile(join(out, 'torvio.html'), html);
-  console.log(`torvio.html: ${html.length} bytes, of which the module ${packed.length}, the scripts ${main.length + worker.length}`);
+  console.log(`torvio.html: ${html.length} bytes, of which the module ${packed.length}, the scripts ${
+    main.length + worker.length}`);
 }
 {
-  const policy = [...common, "script-src 'self' 'wasm-unsafe-eval'", "style-src 'self'", "worker-src 'self'", "connect-src 'self'"];
+  const policy =
+    [...common, "script-src 'self' 'wasm-unsafe-eval'", "style-src 'self'", "worker-src 'self'", "connect-src 'self'"];
   await writeFile(join(unbundled, 'index.html'), filled(template, {
-    POLICY: policy.join('; '), STYLE: '<link rel="stylesheet" href="page.css">', SCRIPTS: '<script src="page.js" defer></script>',
+    POLICY: policy.join('; '),
+    STYLE: '<link rel="stylesheet" href="page.css">',
+    SCRIPTS: '<script src="page.js" defer></script>',
   }));
   await writeFile(join(unbundled, 'page.css'), style);
   await writeFile(join(unbundled, 'page.js'), await script('main.ts', false));

@@ -7,8 +7,8 @@ import {pathToFileURL} from 'node:url';
 import {chromium} from 'playwright-core';
 import {top} from './files.mjs';
 
-const executablePath = process.env.CHROMIUM ?? ['/usr/bin/chromium', '/usr/bin/chromium-browser', '/usr/bin/google-chrome']
-  .find((path) => existsSync(path));
+const executablePath = process.env.CHROMIUM ??
+  ['/usr/bin/chromium', '/usr/bin/chromium-browser', '/usr/bin/google-chrome'].find((path) => existsSync(path));
 const args = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
               '--disable-component-update', '--disable-sync'];
 export const bundled = pathToFileURL(join(process.env.TORVIO_PAGE ?? join(top, 'build/web'), 'torvio.html')).href;
@@ -28,7 +28,8 @@ export async function openPage(browser, {url = bundled, ...options} = {}) {
   context.on('request', (request) => requests.push(request.url()));
   await page.addInitScript(() => {
     window.violations = [];
-    document.addEventListener('securitypolicyviolation', (event) => window.violations.push(`${event.violatedDirective}: ${event.blockedURI}`));
+    document.addEventListener(
+      'securitypolicyviolation', (event) => window.violations.push(`${event.violatedDirective}: ${event.blockedURI}`));
   });
   await page.goto(url);
   await page.waitForSelector('body[data-ready]');
@@ -36,7 +37,8 @@ export async function openPage(browser, {url = bundled, ...options} = {}) {
   const checkQuiet = async (assert, allowed = [url]) => {
     assert.deepEqual(problems, []);
     assert.deepEqual(await page.evaluate(() => window.violations), []);
-    assert.deepEqual(requests.filter((one) => !one.startsWith('blob:') && !one.startsWith('data:') && !allowed.includes(one)), []);
+    assert.deepEqual(
+      requests.filter((one) => !one.startsWith('blob:') && !one.startsWith('data:') && !allowed.includes(one)), []);
   };
   return {page, context, checkQuiet, close: () => context.close()};
 }
@@ -49,10 +51,12 @@ export async function drop(page, files) {
   const before = Number(await page.evaluate(() => document.body.dataset.checked ?? 0));
   await page.evaluate((list) => {
     const transfer = new DataTransfer();
-    for (const {name, base64} of list) transfer.items.add(new File([Uint8Array.from(atob(base64), (c) => c.charCodeAt(0))], name));
+    for (const {name, base64} of list)
+      transfer.items.add(new File([Uint8Array.from(atob(base64), (c) => c.charCodeAt(0))], name));
     window.dispatchEvent(new DragEvent('drop', {dataTransfer: transfer, bubbles: true, cancelable: true}));
   }, data);
-  await page.waitForFunction((wanted) => Number(document.body.dataset.checked ?? 0) >= wanted, before + files.length, {timeout: 300000});
+  await page.waitForFunction(
+    (wanted) => Number(document.body.dataset.checked ?? 0) >= wanted, before + files.length, {timeout: 300000});
 }
 
 export const open = async (page, name) => {

@@ -54,13 +54,15 @@ export function sheetOf(size) {
     }
   }
   const one = torvio.fromJson(JSON.stringify(text)).length;
-  const rest = torvio.fromJson(JSON.stringify({...text, record: {...record, partList: {...record.partList, parts: []}}})).length;
+  const rest =
+    torvio.fromJson(JSON.stringify({...text, record: {...record, partList: {...record.partList, parts: []}}})).length;
   const times = Math.max(1, Math.round((size - rest) / (one - rest))), across = Math.ceil(Math.sqrt(times));
   const copies = [];
   for (let i = 0; i < times; ++i) {
     const x = record.width * (i % across), y = record.height * Math.floor(i / across);
     for (const part of parts) {
-      const patterns = part.patterns.map((pattern) => ({...pattern, originX: pattern.originX + x, originY: pattern.originY + y}));
+      const patterns =
+        part.patterns.map((pattern) => ({...pattern, originX: pattern.originX + x, originY: pattern.originY + y}));
       copies.push({...part, partName: `${part.partName}-${i}`, patterns});
     }
   }
@@ -78,7 +80,8 @@ export function sheetWithTexts(replacement) {
   record.materialType = record.materialGroup = replacement;
   record.machine.machineText1 = record.machine.displayName = replacement;
   for (const part of record.partList.parts) part.partName = part.woNumber = replacement.slice(0, 20);
-  for (const part of record.partList.parts) for (const shape of part.shapes.shapes) shape.note = replacement.slice(0, 20);
+  for (const part of record.partList.parts)
+    for (const shape of part.shapes.shapes) shape.note = replacement.slice(0, 20);
   return torvio.fromJson(JSON.stringify(text));
 }
 

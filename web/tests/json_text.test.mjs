@@ -51,7 +51,8 @@ test('no node has more than 200 children', () => {
 test('members are found by their path', () => {
   const json = new JsonText(JSON.stringify({record: {parts: Array.from({length: 3000}, (_, i) => ({x: i}))}}));
   for (const i of [0, 99, 100, 101, 2999]) assert.equal(json.value(json.at(['record', 'parts', i, 'x'])), i);
-  for (const path of [['record', 'parts', 3000], ['record', 'none'], ['none'], ['record', 'parts', 'x']]) assert.equal(json.at(path), null);
+  for (const path of [['record', 'parts', 3000], ['record', 'none'], ['none'], ['record', 'parts', 'x']])
+    assert.equal(json.at(path), null);
 });
 
 test('search ignores case and takes signs literally', () => {

@@ -33,8 +33,13 @@ const middle = (list) => [...list].sort((a, b) => a - b)[list.length >> 1];
 const round = (value) => Number(value.toPrecision(3));
 
 async function measured(path) {
-  const server = await chromium.launchServer({executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: [
-    '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking', '--disable-component-update', '--disable-sync']});
+  const server = await chromium.launchServer({
+    executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
+    args: [
+      '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
+      '--disable-component-update', '--disable-sync'
+    ]
+  });
   const browser = await chromium.connect(server.wsEndpoint());
   const page = await browser.newPage({viewport: {width: 1600, height: 1000}});
   page.setDefaultTimeout(300000);
@@ -45,7 +50,9 @@ async function measured(path) {
   const sampler = setInterval(() => { peak = Math.max(peak, memoryOf(server.process().pid)); }, 100);
   // From the moment when the page has the file.
   await page.evaluate(() => {
-    window.addEventListener('change', (event) => { if (event.target.id === 'choose') window.startedAt = performance.now(); }, true);
+    window.addEventListener('change', (event) => {
+      if (event.target.id === 'choose') window.startedAt = performance.now();
+    }, true);
     new MutationObserver(() => {
       if (document.querySelector('[data-drawn]')) window.drawnAt ??= performance.now();
       const verdict = document.querySelector('#verdict')?.textContent;
@@ -54,7 +61,8 @@ async function measured(path) {
   });
   await page.setInputFiles('#choose', path);
   await page.waitForFunction(() => window.drawnAt);
-  const times = await page.evaluate(() => ({toVerdict: window.checkedAt - window.startedAt, toPicture: window.drawnAt - window.startedAt}));
+  const times = await page.evaluate(
+    () => ({toVerdict: window.checkedAt - window.startedAt, toPicture: window.drawnAt - window.startedAt}));
   const peakPicture = peak;
   const since = async (act) => {
     const start = performance.now();
@@ -91,8 +99,20 @@ async function measured(path) {
   await browser.close();
   await server.close();
   const sorted = [...frameTimes].sort((a, b) => a - b);
-  return {...times, toRecord, toFields, idle, peakPicture, peakRecord, peak, scrolledTo: rows, frames: sorted.length, frameMedian: middle(sorted),
-          frame95: sorted[Math.floor(sorted.length * 0.95)], frameMost: sorted.at(-1)};
+  return {
+    ...times,
+    toRecord,
+    toFields,
+    idle,
+    peakPicture,
+    peakRecord,
+    peak,
+    scrolledTo: rows,
+    frames: sorted.length,
+    frameMedian: middle(sorted),
+    frame95: sorted[Math.floor(sorted.length * 0.95)],
+    frameMost: sorted.at(-1)
+  };
 }
 
 function nativeOf(path, ...command) {
@@ -100,7 +120,8 @@ function nativeOf(path, ...command) {
   let memory = 0;
   for (let i = 0; i < 5; ++i) {
     const start = performance.now();
-    const {stderr} = spawnSync('/usr/bin/time', ['-f', '%M', native, ...command, path], {encoding: 'utf8', maxBuffer: 2 ** 30});
+    const {stderr} =
+      spawnSync('/usr/bin/time', ['-f', '%M', native, ...command, path], {encoding: 'utf8', maxBuffer: 2 ** 30});
     times.push(performance.now() - start);
     memory = Math.max(memory, Number(stderr.trim().split('\n').at(-1)) * 1024);
   }
@@ -110,12 +131,14 @@ function nativeOf(path, ...command) {
 for (const size of [1, 50]) {
   const path = bigSheet(size);
   console.log(`${statSync(path).size} bytes`);
-  for (const command of [['check'], ['draw', '-o', '/dev/null'], ['json', '-o', '/dev/null']]) console.log(`  torvio ${command[0]}`, JSON.stringify(nativeOf(path, ...command)));
+  for (const command of [['check'], ['draw', '-o', '/dev/null'], ['json', '-o', '/dev/null']])
+    console.log(`  torvio ${command[0]}`, JSON.stringify(nativeOf(path, ...command)));
   const runs = [];
   for (let i = 0; i < (size > 10 ? 2 : 5); ++i) runs.push(await measured(path));
   for (const name of Object.keys(runs[0])) {
     const value = middle(runs.map((run) => run[name]));
     const isMemory = name.startsWith('peak') || name === 'idle';
-    console.log(`  ${name}: ${isMemory ? `${round(value / 1e6)} MB` : round(value)}${/^to|frame[M9]/.test(name) ? ' ms' : ''}`);
+    console.log(`  ${name}: ${isMemory ? `${round(value / 1e6)} MB` : round(value)}${
+      / ^to | frame[M9] /.test(name) ? ' ms' : ''}`);
   }
 }

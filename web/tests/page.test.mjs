@@ -86,10 +86,14 @@ describe('files', () => {
     await page.selectOption('#sort', 'size');
     await page.click('#sort-direction');
     const largest = Math.max(...files.map((path) => statSync(path).size));
-    await page.waitForFunction((wanted) => {
-      const id = document.querySelector('.file')?.dataset.id;
-      return id !== undefined && document.querySelector('.file .file-facts').textContent.includes(wanted);
-    }, largest < 1000 ? `${largest} bytes` : largest < 10000 ? `${(largest / 1000).toFixed(1)} kB` : `${Math.round(largest / 1000)} kB`);
+    await page.waitForFunction(
+      (wanted) => {
+        const id = document.querySelector('.file')?.dataset.id;
+        return id !== undefined && document.querySelector('.file .file-facts').textContent.includes(wanted);
+      },
+      largest < 1000 ? `${largest} bytes`
+        : largest < 10000 ? `${(largest / 1000).toFixed(1)} kB`
+                          : `${Math.round(largest / 1000)} kB`);
     // Only the rows in view are there.
     assert.ok(await page.locator('.file').count() < 40);
   });
@@ -105,7 +109,9 @@ describe('files', () => {
   withPage('500 files at once', async (page) => {
     const bytes = sample('nest_180.sheet').subarray(0, 60000);
     const small = sample('tab.mac');
-    await drop(page, Array.from({length: 500}, (_, i) => ({name: `file${i}.${i % 5 ? 'mac' : 'sheet'}`, bytes: i % 5 ? small : bytes})));
+    await drop(page,
+      Array.from(
+        {length: 500}, (_, i) => ({name: `file${i}.${i % 5 ? 'mac' : 'sheet'}`, bytes: i % 5 ? small : bytes})));
     const options = await page.locator('#filter-verdict option').allTextContents();
     assert.deepEqual(options, ['All verdicts', 'damaged (100)', 'sound (400)']);
     await page.fill('#filter', 'file49');
@@ -128,7 +134,9 @@ describe('files', () => {
 
   withPage('files that are cut at any place get the verdict of the library', async (page) => {
     const bytes = sample('punch.mch');
-    const files = Array.from({length: 40}, (_, i) => ({name: `cut${String(i).padStart(2, '0')}.mch`, bytes: bytes.subarray(0, Math.floor(bytes.length * i / 40))}));
+    const files = Array.from({length: 40},
+      (_, i) =>
+        ({name: `cut${String(i).padStart(2, '0')}.mch`, bytes: bytes.subarray(0, Math.floor(bytes.length * i / 40))}));
     await drop(page, files);
     for (const {name, bytes: some} of files.filter((_, i) => i % 8 === 0)) {
       await open(page, name);
@@ -137,7 +145,8 @@ describe('files', () => {
   });
 
   withPage('what is no file of the suite is foreign', async (page) => {
-    await drop(page, [{name: 'notes.txt', bytes: Buffer.from('Nests of 2009')}, {name: 'empty.sheet', bytes: Buffer.alloc(0)}]);
+    await drop(
+      page, [{name: 'notes.txt', bytes: Buffer.from('Nests of 2009')}, {name: 'empty.sheet', bytes: Buffer.alloc(0)}]);
     await open(page, 'notes.txt');
     assert.equal(await textOf(page, '#verdict'), 'foreign');
     assert.equal(await page.locator('#tab-record').isVisible(), false);
@@ -147,10 +156,13 @@ describe('files', () => {
 });
 
 describe('texts of files', () => {
-  const attacks = ['<img src=x onerror=alert(1)>', '</script><script>alert(2)</script>', '"onload="alert(3)', '&lt;svg onload=alert(4)&gt;',
-                   'javascript:alert(5)', ']]><x>'];
+  const attacks = [
+    '<img src=x onerror=alert(1)>', '</script><script>alert(2)</script>', '"onload="alert(3)',
+    '&lt;svg onload=alert(4)&gt;', 'javascript:alert(5)', ']]><x>'
+  ];
   withPage('markup and script stay text in every view', async (page) => {
-    const files = attacks.map((text, i) => ({name: `attack${i}<img src=x onerror=alert(9)>.sheet`, bytes: sheetWithTexts(text)}));
+    const files =
+      attacks.map((text, i) => ({name: `attack${i}<img src=x onerror=alert(9)>.sheet`, bytes: sheetWithTexts(text)}));
     await drop(page, files);
     for (const [i, {name}] of files.entries()) {
       await open(page, name);
@@ -184,12 +196,18 @@ describe('picture', () => {
     await page.waitForSelector('.part-list button');
     // The labels in the picture are what the file says: each is in the middle of its part.
     const svg = torvio.draw(sample('nest_180.sheet'), {name: 'nest.sheet'});
-    const labels = [...svg.matchAll(/<g transform="translate\(([\d.]+) ([\d.]+)\)[^>]*>(?:<rect[^>]*>\s*)?<text [^>]*text-anchor="middle"[^>]*font-weight="bold">(\d+)(?:  [^<]*)?<\/text>/g)];
+    const labels = [
+      ...svg.matchAll(
+        /<g transform="translate\(([\d.]+) ([\d.]+)\)[^>]*>(?:<rect[^>]*>\s*)?<text [^>]*text-anchor="middle"[^>]*font-weight="bold">(\d+)(?:  [^<]*)?<\/text>/g)
+    ];
     assert.ok(labels.length >= 50, `${labels.length} labels`);
     for (const [, x, y, number] of labels) {
       const at = await page.evaluate(([left, up]) => {
         const box = document.querySelector('.paper').getBoundingClientRect();
-        return [box.left + left * box.width / document.querySelector('.paper').offsetWidth, box.top + up * box.height / document.querySelector('.paper').offsetHeight];
+        return [
+          box.left + left * box.width / document.querySelector('.paper').offsetWidth,
+          box.top + up * box.height / document.querySelector('.paper').offsetHeight
+        ];
       }, [Number(x), Number(y)]);
       await page.mouse.move(...at);
       assert.match(await page.locator('.hover-hint').innerText(), new RegExp(`^${number} `));
@@ -201,7 +219,8 @@ describe('picture', () => {
     const part = record.partList.parts[Number(labels.at(-1)[3]) - 1];
     assert.equal(await page.locator('.shape-list tbody tr').count(), part.shapes.shapes.length);
     const cells = await page.locator('.shape-list tbody tr').nth(1).locator('td').allInnerTexts();
-    assert.deepEqual(cells.slice(1, 4), [part.shapes.shapes[1].type, part.shapes.shapes[1].x, part.shapes.shapes[1].y].map(String));
+    assert.deepEqual(
+      cells.slice(1, 4), [part.shapes.shapes[1].type, part.shapes.shapes[1].x, part.shapes.shapes[1].y].map(String));
   });
 
   withPage('wheel, keys and drag move the picture', async (page) => {
@@ -238,10 +257,13 @@ describe('record and bytes', () => {
     await page.click('#panel-record .detail button');
     await page.waitForSelector('.bytes .picked');
     assert.equal(await textOf(page, '#panel-bytes .detail .path'), 'partList.parts[6].partName');
-    const line = JSON.parse(torvio.map(sample('nest_180.sheet'), {name: 'nest.sheet', find: 'partList.parts[6].partName'}).trim());
-    assert.match(await textOf(page, '#panel-bytes .detail'), new RegExp(`${line.size} bytes at ${line.offset.toLocaleString('en')} `));
+    const line =
+      JSON.parse(torvio.map(sample('nest_180.sheet'), {name: 'nest.sheet', find: 'partList.parts[6].partName'}).trim());
+    assert.match(await textOf(page, '#panel-bytes .detail'),
+      new RegExp(`${line.size} bytes at ${line.offset.toLocaleString('en')} `));
     await page.click('#panel-bytes .detail button');
-    await page.waitForFunction(() => document.querySelector('#panel-record .detail .path')?.textContent === 'partList.parts[6].partName');
+    await page.waitForFunction(
+      () => document.querySelector('#panel-record .detail .path')?.textContent === 'partList.parts[6].partName');
   });
 
   withPage('bytes and fields light up together', async (page) => {
@@ -261,7 +283,8 @@ describe('record and bytes', () => {
     // All bytes of the file are there, in order.
     const bytes = sample('tab.mac');
     const shown = (await page.locator('.bytes .hex').allInnerTexts()).join(' ').split(/\s+/).filter(Boolean);
-    assert.deepEqual(shown.slice(0, 320), [...bytes.subarray(0, 320)].map((byte) => byte.toString(16).padStart(2, '0')));
+    assert.deepEqual(
+      shown.slice(0, 320), [...bytes.subarray(0, 320)].map((byte) => byte.toString(16).padStart(2, '0')));
   });
 });
 
@@ -352,7 +375,9 @@ describe('time', () => {
     await page.fill('#panel-bytes input', String(bytes.length - 100));
     await page.keyboard.press('Enter');
     const last = 16 * Math.floor((bytes.length - 100) / 16);
-    await page.waitForFunction((wanted) => [...document.querySelectorAll('.bytes .row')].some((row) => row.textContent.startsWith(wanted)), last.toString(16).padStart(8, '0'));
+    await page.waitForFunction(
+      (wanted) => [...document.querySelectorAll('.bytes .row')].some((row) => row.textContent.startsWith(wanted)),
+      last.toString(16).padStart(8, '0'));
     await page.waitForSelector('.fields .row.picked');
     assert.ok(await page.locator('.bytes .row').count() < 80);
   });
@@ -380,11 +405,14 @@ describe('everybody', () => {
 
   withPage('has names, roles and messages for screen readers', async (page) => {
     await drop(page, guideFiles());
-    for (const role of ['banner', 'navigation', 'main', 'tablist', 'listbox']) assert.ok(await page.getByRole(role).count() > 0, role);
+    for (const role of ['banner', 'navigation', 'main', 'tablist', 'listbox'])
+      assert.ok(await page.getByRole(role).count() > 0, role);
     assert.match(await textOf(page, '#live'), /files? checked|^$/);
-    const nameless = await page.evaluate(() => [...document.querySelectorAll('button, input, select, [role="listbox"], [role="tree"]')]
-      .filter((one) => one.checkVisibility() && !(one.getAttribute('aria-label') || one.textContent.trim() || one.labels?.length))
-      .map((one) => one.outerHTML));
+    const nameless =
+      await page.evaluate(() => [...document.querySelectorAll('button, input, select, [role="listbox"], [role="tree"]')]
+                                  .filter((one) => one.checkVisibility() &&
+                                      !(one.getAttribute('aria-label') || one.textContent.trim() || one.labels?.length))
+                                  .map((one) => one.outerHTML));
     assert.deepEqual(nameless, []);
     const picked = await page.locator('#file-list').getAttribute('aria-activedescendant');
     assert.equal(await page.locator(`#${picked}`).getAttribute('aria-selected'), 'true');
@@ -429,7 +457,8 @@ describe('unbundled', () => {
 });
 
 test('the page is one file of at most 3 MB with a strict policy', () => {
-  const path = join(process.env.TORVIO_PAGE ?? join(top, 'build/web'), 'torvio.html'), html = readFileSync(path, 'utf8');
+  const path = join(process.env.TORVIO_PAGE ?? join(top, 'build/web'), 'torvio.html'),
+        html = readFileSync(path, 'utf8');
   assert.ok(statSync(path).size <= 3e6);
   const [, policy] = /http-equiv="Content-Security-Policy" content="([^"]*)"/.exec(html);
   assert.match(policy, /default-src 'none'/);

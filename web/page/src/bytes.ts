@@ -33,25 +33,35 @@ export class BytesView implements View {
   private fieldList!: VirtualList;
   private ready!: Promise<void>;
   private isOpen = true;
-  private readonly bytePane = h('div', {class: 'pane bytes', tabindex: 0, role: 'region', 'aria-label': 'Bytes. Up and down move by rows, left and right select the field before and after.'});
+  private readonly bytePane = h('div', {
+    class: 'pane bytes',
+    tabindex: 0,
+    role: 'region',
+    'aria-label': 'Bytes. Up and down move by rows, left and right select the field before and after.'
+  });
   private readonly fieldPane = h('div', {class: 'pane fields', tabindex: 0, role: 'listbox', 'aria-label': 'Fields'});
   private readonly fieldHead = h('div', {class: 'pane-head'});
   private readonly status = h('span', {class: 'soft', role: 'status'});
-  private readonly detail = h('div', {class: 'detail', 'aria-live': 'polite'}, h('span', {class: 'soft'}, 'Select a byte or a field.'));
+  private readonly detail =
+    h('div', {class: 'detail', 'aria-live': 'polite'}, h('span', {class: 'soft'}, 'Select a byte or a field.'));
 
   open(context: Context): HTMLElement {
     this.context = context;
     this.size = context.entry.file.size;
-    const goTo = h('input', {type: 'search', 'aria-label': 'Go to an offset or a field', placeholder: '0x1f4, 500 or shapes[3].x'});
+    const goTo = h(
+      'input', {type: 'search', 'aria-label': 'Go to an offset or a field', placeholder: '0x1f4, 500 or shapes[3].x'});
     const form = h('form', {class: 'bar', role: 'search', submit: (event: SubmitEvent) => {
       event.preventDefault();
       this.goTo(goTo.value.trim()).catch(this.failed);
     }}, goTo, h('button', {type: 'submit'}, 'Go'), this.status);
-    this.byteList = new VirtualList(this.bytePane, () => rowHeight, (row) => this.drawBytes(row), (first, last) => this.drawn(first, last));
+    this.byteList = new VirtualList(
+      this.bytePane, () => rowHeight, (row) => this.drawBytes(row), (first, last) => this.drawn(first, last));
     this.fieldList = new VirtualList(this.fieldPane, () => rowHeight, (row) => this.drawField(row));
-    const bytesHead = h('div', {class: 'pane-head'}, h('b', {}, 'Bytes'), h('span', {class: 'soft'}, bytesText(this.size)));
-    const panes = h('div', {class: 'panes'}, h('section', {class: 'byte-section', 'aria-label': 'Bytes'}, bytesHead, this.bytePane),
-                    h('section', {'aria-label': 'Fields'}, this.fieldHead, this.fieldPane));
+    const bytesHead =
+      h('div', {class: 'pane-head'}, h('b', {}, 'Bytes'), h('span', {class: 'soft'}, bytesText(this.size)));
+    const panes =
+      h('div', {class: 'panes'}, h('section', {class: 'byte-section', 'aria-label': 'Bytes'}, bytesHead, this.bytePane),
+        h('section', {'aria-label': 'Fields'}, this.fieldHead, this.fieldPane));
     for (const pane of [this.bytePane, this.fieldPane]) {
       pane.addEventListener('mouseover', (event) => this.point(this.fieldOf(event.target as Element)));
       pane.addEventListener('mouseleave', () => this.point(-1));
@@ -148,8 +158,10 @@ export class BytesView implements View {
     this.fieldHead.replaceChildren(h('b', {}, plural(count, 'field')),
       isAll ? '' : h('span', {class: 'soft'}, `of bytes ${hex(fields.from)} to ${hex(fields.to - 1)}`));
     if (!isAll) {
-      append(this.fieldHead, h('button', {type: 'button', disabled: index === 0, click: () => this.toWindow(index - 1)}, 'Earlier'),
-        h('button', {type: 'button', disabled: fields.to >= this.size, click: () => this.toWindow(index + 1)}, 'Later'));
+      append(this.fieldHead,
+        h('button', {type: 'button', disabled: index === 0, click: () => this.toWindow(index - 1)}, 'Earlier'),
+        h('button', {type: 'button', disabled: fields.to >= this.size, click: () => this.toWindow(index + 1)},
+          'Later'));
     }
     this.fieldList.setCount(count);
     this.fieldList.scrollTo(0);
@@ -204,7 +216,10 @@ export class BytesView implements View {
         letters += value >= 0x20 && value < 0x7f ? String.fromCharCode(value) : '·';
       }
       const isPicked = this.picked !== null && at < this.picked.offset + this.picked.size && end > this.picked.offset;
-      const look = (field < 0 ? 'none' : field % 2 ? 'odd' : 'even') + (isZero ? ' zero' : '') + (isPicked ? ' picked' : '');
+      const look = (field < 0      ? 'none'
+                       : field % 2 ? 'odd'
+                                   : 'even') +
+        (isZero ? ' zero' : '') + (isPicked ? ' picked' : '');
       const data = field < 0 ? {} : {'data-field': field};
       hexes.append(h('span', {class: look, ...data}, text));
       if (end < to) hexes.append(' ');
@@ -227,10 +242,18 @@ export class BytesView implements View {
     const dot = field.field.lastIndexOf('.') + 1;
     const look = field.fault !== undefined ? ' fault' : field.remark !== undefined ? ' remark' : '';
     return h('div', {
-      id: `field-${index}`, class: `row${look}${isPicked ? ' picked' : ''} ${index % 2 ? 'odd' : 'even'}`, role: 'option', 'data-field': index,
-      'aria-selected': String(isPicked), 'aria-posinset': index + 1, 'aria-setsize': this.fieldList.count, title: visible(field.field),
-    }, h('span', {class: 'at'}, hex(field.offset)), h('span', {class: 'size'}, field.size ? String(field.size) : ''),
-      h('span', {class: 'path'}, h('span', {}, visible(field.field.slice(0, dot))), h('b', {}, visible(field.field.slice(dot)))),
+      id: `field-${index}`,
+      class: `row${look}${isPicked ? ' picked' : ''} ${index % 2 ? 'odd' : 'even'}`,
+      role: 'option',
+      'data-field': index,
+      'aria-selected': String(isPicked),
+      'aria-posinset': index + 1,
+      'aria-setsize': this.fieldList.count,
+      title: visible(field.field),
+    },
+      h('span', {class: 'at'}, hex(field.offset)), h('span', {class: 'size'}, field.size ? String(field.size) : ''),
+      h('span', {class: 'path'}, h('span', {}, visible(field.field.slice(0, dot))),
+        h('b', {}, visible(field.field.slice(dot)))),
       h('span', {class: 'value'}, this.valueText(field)));
   }
 
@@ -260,7 +283,9 @@ export class BytesView implements View {
     this.fieldPane.setAttribute('aria-activedescendant', `field-${index}`);
     const field = this.field(index);
     this.detail.replaceChildren(h('code', {class: 'path'}, visible(field.field) || '(file)'),
-      h('span', {class: 'soft'}, sizeOf > 0 ? `${field.type ?? ''}, ${plural(sizeOf, 'byte')} at ${number(offset)} (0x${hex(offset)})` : `at 0x${hex(offset)}`),
+      h('span', {class: 'soft'},
+        sizeOf > 0 ? `${field.type ?? ''}, ${plural(sizeOf, 'byte')} at ${number(offset)} (0x${hex(offset)})`
+                   : `at 0x${hex(offset)}`),
       h('span', {class: 'value'}, this.valueText(field)),
       field.note && field.value !== null ? h('span', {class: 'soft'}, visible(field.note)) : '',
       h('button', {type: 'button', click: () => this.context.showRecord(field.field)}, 'Show in the record'));
@@ -269,7 +294,9 @@ export class BytesView implements View {
   private async goTo(text: string): Promise<void> {
     if (text === '') return;
     const isOffset = /^(0x[0-9a-f]+|\d+)$/i.test(text);
-    const place = isOffset ? {offset: Number(text), size: 1} : await this.context.engine.ask('locate', {...this.context.source, path: text, isExact: false});
+    const place = isOffset
+      ? {offset: Number(text), size: 1}
+      : await this.context.engine.ask('locate', {...this.context.source, path: text, isExact: false});
     if (place === null || place.offset >= this.size) {
       this.status.textContent = isOffset ? 'The file ends before that' : `No field is called ${visible(text)}`;
       announce(this.status.textContent);
@@ -286,14 +313,27 @@ export class BytesView implements View {
     const count = this.current.sizes.length;
     const top = this.byteList.first * this.perRow;
     const to = (field: number): void => { if (count > 0) this.pick(Math.max(0, Math.min(count - 1, field))); };
-    const next = (by: number): void => to(this.pickedField < 0 ? Math.max(this.fieldAt(top), 0) : this.pickedField + by);
+    const next = (by: number): void =>
+      to(this.pickedField < 0 ? Math.max(this.fieldAt(top), 0) : this.pickedField + by);
     const rows = (by: number): void => list.scrollTo((list.first + by) * rowHeight);
-    const keys: Record<string, () => void> = isFields
-      ? {ArrowDown: () => next(1), ArrowUp: () => next(-1), PageDown: () => next(list.visible), PageUp: () => next(-list.visible),
-         Home: () => to(0), End: () => to(count - 1)}
-      : {ArrowRight: () => next(1), ArrowLeft: () => next(-1), ArrowDown: () => rows(1), ArrowUp: () => rows(-1),
-         PageDown: () => rows(list.visible), PageUp: () => rows(-list.visible), Home: () => list.scrollTo(0),
-         End: () => list.scrollTo(list.count * rowHeight)};
+    const keys: Record<string, () => void> = isFields ? {
+      ArrowDown: () => next(1),
+      ArrowUp: () => next(-1),
+      PageDown: () => next(list.visible),
+      PageUp: () => next(-list.visible),
+      Home: () => to(0),
+      End: () => to(count - 1)
+    }
+                                                      : {
+                                                          ArrowRight: () => next(1),
+                                                          ArrowLeft: () => next(-1),
+                                                          ArrowDown: () => rows(1),
+                                                          ArrowUp: () => rows(-1),
+                                                          PageDown: () => rows(list.visible),
+                                                          PageUp: () => rows(-list.visible),
+                                                          Home: () => list.scrollTo(0),
+                                                          End: () => list.scrollTo(list.count * rowHeight)
+                                                        };
     const act = keys[event.key];
     if (!act) return;
     event.preventDefault();

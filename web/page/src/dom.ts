@@ -24,7 +24,8 @@ export function byId<Type extends HTMLElement = HTMLElement>(id: string): Type {
 }
 
 export const number = (value: number): string => value.toLocaleString('en');
-export const plural = (count: number, one: string, many = `${one}s`): string => `${number(count)} ${count === 1 ? one : many}`;
+export const plural = (count: number, one: string, many = `${one}s`): string =>
+  `${number(count)} ${count === 1 ? one : many}`;
 export const hex = (value: number, digits = 8): string => value.toString(16).padStart(digits, '0');
 
 export function bytesText(size: number): string {

@@ -35,7 +35,8 @@ export class Engine {
       worker.onerror = (event) => {
         event.preventDefault();
         reject(new Error(event.message || 'the worker does not start'));
-        if (this.worker === worker) this.fail(new Error(`the worker failed: ${event.message || 'for an unknown reason'}`));
+        if (this.worker === worker)
+          this.fail(new Error(`the worker failed: ${event.message || 'for an unknown reason'}`));
       };
       worker.onmessage = ({data}: MessageEvent<Reply>) => {
         if (this.worker !== worker) return;

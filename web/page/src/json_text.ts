@@ -45,8 +45,16 @@ export class JsonText {
       const count = Math.min(size, from + parent.count - first);
       const start = marks.positions[first / groupSize] as number;
       const after = marks.positions[(first + count) / groupSize];
-      groups.push({key: `${first} to ${first + count - 1}`, start, end: after ?? parent.end, kind: 'group', count, first,
-                   array: parent.array, preview: ''});
+      groups.push({
+        key: `${first} to ${first + count - 1}`,
+        start,
+        end: after ?? parent.end,
+        kind: 'group',
+        count,
+        first,
+        array: parent.array,
+        preview: ''
+      });
     }
     return groups;
   }

@@ -20,16 +20,27 @@ let checker: Engine;
 let viewer: Engine;
 let nextId = 1;
 
-const severity = ['unreadable', 'stopped', 'damaged', 'refused version', 'foreign', 'sound with losses', 'sound', 'waiting'];
+const severity =
+  ['unreadable', 'stopped', 'damaged', 'refused version', 'foreign', 'sound with losses', 'sound', 'waiting'];
 const verdictOf = ({state, check}: Entry): string => (state === 'checked' ? check.verdict : state);
 const lookOf = (verdict: string): string => ({
-  'sound': 'good', 'sound with losses': 'warn', 'damaged': 'bad', 'refused version': 'bad', 'unreadable': 'bad', 'stopped': 'bad',
-})[verdict] ?? 'plain';
+  'sound': 'good',
+  'sound with losses': 'warn',
+  'damaged': 'bad',
+  'refused version': 'bad',
+  'unreadable': 'bad',
+  'stopped': 'bad',
+})[verdict] ??
+  'plain';
 const marks: Record<string, string> = {good: '✓', warn: '!', bad: '✕', plain: '·'};
 
 const encoding = (): string => byId<HTMLSelectElement>('encoding').value || 'cp1252';
 const sourceOf = (entry: Entry): Source => ({
-  key: entry.id, file: entry.file, name: entry.path, encoding: encoding(), ...(entry.kindChosen ? {kind: entry.kindChosen} : {}),
+  key: entry.id,
+  file: entry.file,
+  name: entry.path,
+  encoding: encoding(),
+  ...(entry.kindChosen ? {kind: entry.kindChosen} : {}),
 });
 
 // ---- workers ----
@@ -42,8 +53,11 @@ async function moduleBytes(): Promise<ArrayBuffer> {
 
 // The only script that this page starts, whatever else asks for one.
 function workerMaker(): () => Worker {
-  const url = BUNDLED ? URL.createObjectURL(new Blob([byId('worker').textContent ?? ''], {type: 'text/javascript'})) : 'worker.js';
-  const types = (window as {trustedTypes?: {createPolicy(name: string, rules: object): {createScriptURL(url: string): string}}}).trustedTypes;
+  const url = BUNDLED ? URL.createObjectURL(new Blob([byId('worker').textContent ?? ''], {type: 'text/javascript'}))
+                      : 'worker.js';
+  const types = (window as {
+    trustedTypes?: {createPolicy(name: string, rules: object): {createScriptURL(url: string): string}}
+  }).trustedTypes;
   const policy = types?.createPolicy('torvio-worker', {
     createScriptURL: (wanted: string) => {
       if (wanted !== url) throw new TypeError('not the worker of this page');
@@ -76,12 +90,20 @@ function drawEntry(index: number): HTMLElement {
   const {kind, version} = entry.check;
   const folder = entry.path.slice(0, entry.path.length - baseName(entry.path).length);
   return h('div', {
-    id: `file-${entry.id}`, class: `file${entry === opened ? ' picked' : ''}`, role: 'option', 'aria-selected': String(entry === opened),
-    'aria-posinset': index + 1, 'aria-setsize': shown.length, 'data-id': entry.id, title: visible(entry.path),
-  }, h('span', {class: `mark ${look}`, 'aria-hidden': 'true'}, verdict === 'waiting' ? '…' : marks[look] as string),
-    h('span', {class: 'file-name'}, h('span', {class: 'soft'}, visible(folder)), h('b', {}, visible(baseName(entry.path)))),
-    h('span', {class: 'file-facts soft'}, [verdict, kind ? `${kind} ${version ?? ''}` : '', bytesText(entry.file.size)]
-      .filter(Boolean).join(' · ')));
+    id: `file-${entry.id}`,
+    class: `file${entry === opened ? ' picked' : ''}`,
+    role: 'option',
+    'aria-selected': String(entry === opened),
+    'aria-posinset': index + 1,
+    'aria-setsize': shown.length,
+    'data-id': entry.id,
+    title: visible(entry.path),
+  },
+    h('span', {class: `mark ${look}`, 'aria-hidden': 'true'}, verdict === 'waiting' ? '…' : marks[look] as string),
+    h('span', {class: 'file-name'}, h('span', {class: 'soft'}, visible(folder)),
+      h('b', {}, visible(baseName(entry.path)))),
+    h('span', {class: 'file-facts soft'},
+      [verdict, kind ? `${kind} ${version ?? ''}` : '', bytesText(entry.file.size)].filter(Boolean).join(' · ')));
 }
 
 let isRefreshing = false;
@@ -91,7 +113,8 @@ function refresh(): void {
   requestAnimationFrame(() => {
     isRefreshing = false;
     const text = byId<HTMLInputElement>('filter').value.toLowerCase();
-    const verdict = byId<HTMLSelectElement>('filter-verdict').value, kind = byId<HTMLSelectElement>('filter-kind').value;
+    const verdict = byId<HTMLSelectElement>('filter-verdict').value,
+          kind = byId<HTMLSelectElement>('filter-kind').value;
     shown = entries.filter((entry) => (text === '' || entry.path.toLowerCase().includes(text)) &&
       (verdict === '' || verdictOf(entry) === verdict) && (kind === '' || (entry.check.kind ?? 'none') === kind));
     const by = byId<HTMLSelectElement>('sort').value;
@@ -109,13 +132,19 @@ function refresh(): void {
     shown.sort((a, b) => sign * (order(a, b) || names.compare(a.path, b.path)) || a.id - b.id);
     const waiting = entries.filter(({state}) => state === 'waiting').length;
     document.body.dataset.checked = String(entries.length - waiting);
-    byId('count').textContent = entries.length === 0 ? '' : (shown.length === entries.length ? plural(entries.length, 'file') :
-      `${number(shown.length)} of ${plural(entries.length, 'file')}`) + (waiting > 0 ? `, ${number(waiting)} to check` : '');
+    byId('count').textContent = entries.length === 0
+      ? ''
+      : (shown.length === entries.length ? plural(entries.length, 'file')
+                                         : `${number(shown.length)} of ${plural(entries.length, 'file')}`) +
+        (waiting > 0 ? `, ${number(waiting)} to check` : '');
     byId('progress').hidden = waiting === 0;
-    byId<HTMLProgressElement>('progress').value = entries.length === 0 ? 0 : (entries.length - waiting) / entries.length;
-    options(byId('filter-verdict'), 'All verdicts', severity.map((one) => [one, entries.filter((entry) => verdictOf(entry) === one).length]));
+    byId<HTMLProgressElement>('progress').value =
+      entries.length === 0 ? 0 : (entries.length - waiting) / entries.length;
+    options(byId('filter-verdict'), 'All verdicts',
+      severity.map((one) => [one, entries.filter((entry) => verdictOf(entry) === one).length]));
     const kinds = new Map<string, number>();
-    for (const entry of entries) kinds.set(entry.check.kind ?? 'none', (kinds.get(entry.check.kind ?? 'none') ?? 0) + 1);
+    for (const entry of entries)
+      kinds.set(entry.check.kind ?? 'none', (kinds.get(entry.check.kind ?? 'none') ?? 0) + 1);
     options(byId('filter-kind'), 'All kinds', [...kinds].sort());
     fileList.setCount(shown.length);
     const index = opened ? shown.indexOf(opened) : -1;
@@ -135,7 +164,9 @@ function refreshSoon(): void {
 
 function options(select: HTMLElement, all: string, counts: [string, number][]): void {
   const list = select as HTMLSelectElement, value = list.value;
-  const wanted = [['', all], ...counts.filter(([, count]) => count > 0).map(([name, count]) => [name, `${name} (${number(count)})`])];
+  const wanted = [
+    ['', all], ...counts.filter(([, count]) => count > 0).map(([name, count]) => [name, `${name} (${number(count)})`])
+  ];
   if (JSON.stringify(wanted) === list.dataset.made) return;
   list.dataset.made = JSON.stringify(wanted);
   list.replaceChildren(...wanted.map(([name, text]) => h('option', {value: name as string}, text as string)));
@@ -152,12 +183,16 @@ function addFiles(files: {file: File, path: string}[]): void {
   entries.push(...added);
   refresh();
   if (files.length === 1 || opened === null) open(added[0] as Entry);
-  Promise.all(added.map(check)).then(() => {
-    const counts = severity.map((verdict) => [verdict, added.filter((entry) => verdictOf(entry) === verdict).length] as const)
-      .filter(([, count]) => count > 0).map(([verdict, count]) => `${number(count)} ${verdict}`);
-    announce(`${plural(added.length, 'file')} checked: ${counts.join(', ')}`);
-    refresh();
-  }).catch(() => undefined);
+  Promise.all(added.map(check))
+    .then(() => {
+      const counts =
+        severity.map((verdict) => [verdict, added.filter((entry) => verdictOf(entry) === verdict).length] as const)
+          .filter(([, count]) => count > 0)
+          .map(([verdict, count]) => `${number(count)} ${verdict}`);
+      announce(`${plural(added.length, 'file')} checked: ${counts.join(', ')}`);
+      refresh();
+    })
+    .catch(() => undefined);
 }
 
 async function check(entry: Entry): Promise<void> {
@@ -172,8 +207,13 @@ async function check(entry: Entry): Promise<void> {
   if (entry === opened) showHeader(entry);
 }
 
-interface FileEntry { isFile: boolean; isDirectory: boolean; fullPath: string; file(done: (file: File) => void, failed: (error: Error) => void): void;
-  createReader(): {readEntries(done: (entries: FileEntry[]) => void, failed: (error: Error) => void): void} }
+interface FileEntry {
+  isFile: boolean;
+  isDirectory: boolean;
+  fullPath: string;
+  file(done: (file: File) => void, failed: (error: Error) => void): void;
+  createReader(): {readEntries(done: (entries: FileEntry[]) => void, failed: (error: Error) => void): void}
+}
 
 async function filesIn(item: FileEntry): Promise<{file: File, path: string}[]> {
   if (item.isFile) {
@@ -182,7 +222,8 @@ async function filesIn(item: FileEntry): Promise<{file: File, path: string}[]> {
   }
   const reader = item.createReader(), files: {file: File, path: string}[] = [];
   for (;;) {
-    const some = await new Promise<FileEntry[]>((resolve, reject) => reader.readEntries(resolve, reject)).catch(() => []);
+    const some =
+      await new Promise<FileEntry[]>((resolve, reject) => reader.readEntries(resolve, reject)).catch(() => []);
     if (some.length === 0) return files;
     for (const one of some) files.push(...await filesIn(one));
   }
@@ -214,13 +255,23 @@ let made = new Map<ViewName, View>();
 let current: ViewName = 'picture';
 let comparable = 0; // files when the comparison was opened
 
-const isDrawable = (entry: Entry): boolean => viewer.supported.kinds.find(({name}) => name === entry.check.kind)?.drawable ?? false;
+const isDrawable = (entry: Entry): boolean =>
+  viewer.supported.kinds.find(({name}) => name === entry.check.kind)?.drawable ?? false;
 
 function contextOf(entry: Entry): Context {
   return {
-    engine: viewer, entry, source: sourceOf(entry), entries: () => entries, sourceOf, isDrawable: () => isDrawable(entry),
-    showBytes: (offset, size) => { (show('bytes') as BytesView).reveal(offset, size).catch(() => undefined); },
-    showRecord: (path) => { (show('record') as RecordView).reveal(path).catch(() => undefined); },
+    engine: viewer,
+    entry,
+    source: sourceOf(entry),
+    entries: () => entries,
+    sourceOf,
+    isDrawable: () => isDrawable(entry),
+    showBytes: (offset, size) => {
+      (show('bytes') as BytesView).reveal(offset, size).catch(() => undefined);
+    },
+    showRecord: (path) => {
+      (show('record') as RecordView).reveal(path).catch(() => undefined);
+    },
   };
 }
 
@@ -248,17 +299,24 @@ function showHeader(entry: Entry): void {
   byId('file-name').textContent = visible(baseName(entry.path));
   document.title = `${visible(baseName(entry.path))} – torvio`;
   const badges = byId('badges');
-  badges.replaceChildren(h('span', {class: `badge ${look}`, id: 'verdict'}, verdict === 'waiting' ? 'checking…' : verdict));
+  badges.replaceChildren(
+    h('span', {class: `badge ${look}`, id: 'verdict'}, verdict === 'waiting' ? 'checking…' : verdict));
   if (check.kind) append(badges, h('span', {class: 'badge'}, `${check.kind}, version ${check.version ?? '?'}`));
   append(badges, h('span', {class: 'badge'}, bytesText(entry.file.size)));
-  if (check.warnings?.length) append(badges, h('span', {class: 'badge warn'}, plural(check.warnings.length, 'warning')));
-  byId('fault').textContent = check.fault ? `Breaks in ${visible(check.fault.field)}: ${visible(check.fault.reason)}` : visible(check.error ?? '');
+  if (check.warnings?.length)
+    append(badges, h('span', {class: 'badge warn'}, plural(check.warnings.length, 'warning')));
+  byId('fault').textContent = check.fault ? `Breaks in ${visible(check.fault.field)}: ${visible(check.fault.reason)}`
+                                          : visible(check.error ?? '');
   byId<HTMLSelectElement>('kind').value = entry.kindChosen;
   if (entry.state === 'waiting') return;
   const hasRecord = Boolean(check.kind) && entry.state === 'checked';
   const usable: Record<ViewName, boolean> = {
-    picture: hasRecord && isDrawable(entry), summary: true, record: hasRecord, bytes: entry.file.size > 0 && verdict !== 'unreadable',
-    compare: hasRecord, save: hasRecord,
+    picture: hasRecord && isDrawable(entry),
+    summary: true,
+    record: hasRecord,
+    bytes: entry.file.size > 0 && verdict !== 'unreadable',
+    compare: hasRecord,
+    save: hasRecord,
   };
   for (const [name, isUsable] of Object.entries(usable)) byId(`tab-${name}`).hidden = !isUsable;
   byId('panels').hidden = false;
@@ -286,10 +344,17 @@ function show(name: ViewName): View {
 
 function makeTabs(): void {
   const names = Object.keys(views) as ViewName[];
-  append(byId('tabs'), ...names.map((name) => h('button', {
-    type: 'button', role: 'tab', id: `tab-${name}`, 'aria-controls': `panel-${name}`, 'aria-selected': 'false', tabindex: -1,
-    click: () => show(name),
-  }, views[name].label)));
+  append(byId('tabs'),
+    ...names.map((name) => h('button', {
+      type: 'button',
+      role: 'tab',
+      id: `tab-${name}`,
+      'aria-controls': `panel-${name}`,
+      'aria-selected': 'false',
+      tabindex: -1,
+      click: () => show(name),
+    },
+                   views[name].label)));
   append(byId('panels'), ...names.map((name) => h('div', {
     id: `panel-${name}`, role: 'tabpanel', 'aria-labelledby': `tab-${name}`, hidden: true,
   })));
@@ -347,7 +412,12 @@ function listen(): void {
   listPane.addEventListener('keydown', (event) => {
     const index = opened ? shown.indexOf(opened) : -1;
     const to: Record<string, number> = {
-      ArrowDown: index + 1, ArrowUp: index - 1, Home: 0, End: shown.length - 1, PageDown: index + fileList.visible, PageUp: index - fileList.visible,
+      ArrowDown: index + 1,
+      ArrowUp: index - 1,
+      Home: 0,
+      End: shown.length - 1,
+      PageDown: index + fileList.visible,
+      PageUp: index - fileList.visible,
     };
     if (event.key === 'Enter' && opened) {
       document.body.classList.add('viewing');

@@ -39,7 +39,8 @@ export class PictureView implements View {
     if (!this.isOpen) return;
     const url = URL.createObjectURL(drawn.svg);
     this.urls.push(url);
-    const image = h('img', {class: 'drawing', src: url, alt: `Picture. ${drawn.title}. ${drawn.description}`, draggable: 'false'});
+    const image =
+      h('img', {class: 'drawing', src: url, alt: `Picture. ${drawn.title}. ${drawn.description}`, draggable: 'false'});
     const overlay = document.createElementNS(svgSpace, 'svg');
     overlay.setAttribute('viewBox', `0 0 ${drawn.width} ${drawn.height}`);
     overlay.setAttribute('class', 'overlay');
@@ -48,8 +49,12 @@ export class PictureView implements View {
     paper.append(overlay);
     const hint = h('p', {class: 'hover-hint'});
     const lens = h('div', {
-      class: 'lens', tabindex: 0, role: 'application', 'aria-label': 'Picture. Plus and minus zoom, arrow keys move, 0 shows all.',
-    }, paper);
+      class: 'lens',
+      tabindex: 0,
+      role: 'application',
+      'aria-label': 'Picture. Plus and minus zoom, arrow keys move, 0 shows all.',
+    },
+      paper);
     const move = new Lens(lens, paper, drawn);
     const button = (label: string, text: string, act: () => void) =>
       h('button', {type: 'button', 'aria-label': label, title: label, click: act}, text);
@@ -125,14 +130,25 @@ export class PictureView implements View {
     context.engine.ask('info', context.source).then((info: Info) => {
       parts = (info.parts as Part[] | undefined) ?? [];
       heading.textContent = plural(parts.length, 'part');
-      append(list, ...parts.slice(0, mostListed).map((part, i) => h('li', {}, h('button', {
-        type: 'button', 'data-part': i, 'aria-pressed': 'false', click: () => pick(i),
-        mouseenter: () => mark(-1, i), mouseleave: () => mark(-1, picked), focus: () => mark(-1, i),
-      }, h('span', {class: `swatch colour-${i % 8}`}, String(i + 1)), h('span', {class: 'part-name'}, visible(part.name)),
-         h('span', {class: 'soft'}, `${number(part.width)} × ${number(part.height)}`),
-         h('span', {class: 'soft'}, `×${number(part.quantity)}`)))));
+      append(list,
+        ...parts.slice(0, mostListed)
+          .map((part, i) => h('li', {},
+                 h('button', {
+                   type: 'button',
+                   'data-part': i,
+                   'aria-pressed': 'false',
+                   click: () => pick(i),
+                   mouseenter: () => mark(-1, i),
+                   mouseleave: () => mark(-1, picked),
+                   focus: () => mark(-1, i),
+                 },
+                   h('span', {class: `swatch colour-${i % 8}`}, String(i + 1)),
+                   h('span', {class: 'part-name'}, visible(part.name)),
+                   h('span', {class: 'soft'}, `${number(part.width)} × ${number(part.height)}`),
+                   h('span', {class: 'soft'}, `×${number(part.quantity)}`)))));
       if (parts.length > mostListed) {
-        list.after(h('p', {class: 'soft'}, `and ${plural(parts.length - mostListed, 'more part')}; the picture and the summary have them`));
+        list.after(h('p', {class: 'soft'},
+          `and ${plural(parts.length - mostListed, 'more part')}; the picture and the summary have them`));
       }
     }, () => undefined);
   }
@@ -145,22 +161,33 @@ export class PictureView implements View {
       return;
     }
     const {name, total, shapes} = answer;
-    const texts = shapes.map(({text}) => (typeof text === 'string' ? text : ((text as {text?: string} | null)?.text ?? '')));
+    const texts =
+      shapes.map(({text}) => (typeof text === 'string' ? text : ((text as {text?: string} | null)?.text ?? '')));
     const hasTexts = texts.some((text) => text !== '');
     const rows = shapes.map(({type, x, y, values}, i) => {
       const used = [...(values ?? [])];
       while (used.length > 0 && used[used.length - 1] === 0) used.pop();
-      return h('tr', {}, h('td', {}, String(i)), h('td', {}, String(type)), h('td', {}, String(x)), h('td', {}, String(y)),
+      return h('tr', {}, h('td', {}, String(i)), h('td', {}, String(type)), h('td', {}, String(x)),
+        h('td', {}, String(y)),
         h('td', {}, used.map((value) => (typeof value === 'object' ? JSON.stringify(value) : String(value))).join(' ')),
         hasTexts && h('td', {}, visible(texts[i] as string)));
     });
     const path = `partList.parts[${part}]`;
-    into.replaceChildren(
-      h('h3', {}, `${part + 1}  ${visible(name)}: ${plural(total, 'shape')}`),
-      h('p', {class: 'actions'}, h('button', {type: 'button', click: () => context.showRecord(path)}, 'Show in the record')),
-      total > 0 && h('div', {class: 'scroll'}, h('table', {}, h('thead', {}, h('tr', {},
-        ...['', 'type', 'x', 'y', 'values', ...(hasTexts ? ['text'] : [])].map((head) => h('th', {scope: 'col'}, head)))), h('tbody', {}, ...rows))) || '',
-      total > shapes.length ? h('p', {class: 'soft'}, `The first ${number(shapes.length)} are listed; the record has all.`) : '');
+    into.replaceChildren(h('h3', {}, `${part + 1}  ${visible(name)}: ${plural(total, 'shape')}`),
+      h('p', {class: 'actions'},
+        h('button', {type: 'button', click: () => context.showRecord(path)}, 'Show in the record')),
+      total > 0 &&
+          h('div', {class: 'scroll'},
+            h('table', {},
+              h('thead', {},
+                h('tr', {},
+                  ...['', 'type', 'x', 'y', 'values', ...(hasTexts ? ['text'] : [])].map(
+                    (head) => h('th', {scope: 'col'}, head)))),
+              h('tbody', {}, ...rows))) ||
+        '',
+      total > shapes.length
+        ? h('p', {class: 'soft'}, `The first ${number(shapes.length)} are listed; the record has all.`)
+        : '');
     announce(`Part ${part + 1}, ${visible(name)}, ${plural(total, 'shape')}`);
   }
 }
@@ -185,7 +212,8 @@ class Lens {
     lens.addEventListener('wheel', (event) => {
       event.preventDefault();
       const box = lens.getBoundingClientRect();
-      this.zoom(Math.exp(-event.deltaY * (event.deltaMode === 1 ? 0.05 : 0.0015)), event.clientX - box.left, event.clientY - box.top);
+      this.zoom(Math.exp(-event.deltaY * (event.deltaMode === 1 ? 0.05 : 0.0015)), event.clientX - box.left,
+        event.clientY - box.top);
     }, {passive: false});
     lens.addEventListener('pointerdown', (event) => {
       this.pointers.set(event.pointerId, event);

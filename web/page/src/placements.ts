@@ -7,10 +7,10 @@ export interface Placements {
 
 // A placement is the only path with this opacity and four corners; placements come in the order of the parts.
 const outline =
-    /<path d="M([\d.-]+) ([\d.-]+)L([\d.-]+) ([\d.-]+)L([\d.-]+) ([\d.-]+)L([\d.-]+) ([\d.-]+)Z" fill="(#[0-9a-f]{6})" fill-opacity="0\.9"/g;
+  /<path d="M([\d.-]+) ([\d.-]+)L([\d.-]+) ([\d.-]+)L([\d.-]+) ([\d.-]+)L([\d.-]+) ([\d.-]+)Z" fill="(#[0-9a-f]{6})" fill-opacity="0\.9"/g;
 
-// `colours` are those of the picture in the order in which parts take turns with them, `sizes` the widths and heights of
-// the parts. A placement is of the next part that has its colour and its shape.
+// `colours` are those of the picture in the order in which parts take turns with them, `sizes` the widths and heights
+// of the parts. A placement is of the next part that has its colour and its shape.
 export function placementsOf(svg: string, colours: string[], sizes: [number, number][]): Placements {
   const corners: number[] = [];
   const parts: number[] = [];

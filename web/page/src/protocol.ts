@@ -86,7 +86,8 @@ export interface Operations {
   // Of the field or record of that path; otherwise, unless it must be exact, of the first that has the name.
   locate: {in: Source & {path: string, isExact: boolean}, out: {offset: number, size: number} | null};
   json: {in: Source & {pretty: boolean}, out: Blob};
-  convert: {in: Source & {version: number, allowLoss: boolean}, out: {blob: Blob | null, report: Report | null, error: string}};
+  convert:
+    {in : Source&{version: number, allowLoss: boolean}, out: {blob: Blob|null, report: Report|null, error: string}};
   recover: {in: Source, out: {blob: Blob | null, report: Report | null, error: string}};
   diff: {
     in: Source & {other: Source, part: string, tolerance: number, common: boolean, most: number},

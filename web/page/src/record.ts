@@ -35,12 +35,19 @@ export class RecordView implements View {
   open(context: Context): HTMLElement {
     this.context = context;
     this.list = new VirtualList(this.pane, () => 24, (index) => this.draw(index));
-    const search = h('input', {type: 'search', 'aria-label': 'Search names and values', placeholder: 'Search names and values'});
-    const form = h('form', {class: 'bar', role: 'search', submit: (event: SubmitEvent) => {
-      event.preventDefault();
-      this.search(search.value, 1).catch(this.failed);
-    }}, search, h('button', {type: 'submit'}, 'Next'),
-      h('button', {type: 'button', click: () => this.search(search.value, -1).catch(this.failed)}, 'Previous'), this.status);
+    const search =
+      h('input', {type: 'search', 'aria-label': 'Search names and values', placeholder: 'Search names and values'});
+    const form = h('form', {
+      class: 'bar',
+      role: 'search',
+      submit: (event: SubmitEvent) => {
+        event.preventDefault();
+        this.search(search.value, 1).catch(this.failed);
+      }
+    },
+      search, h('button', {type: 'submit'}, 'Next'),
+      h('button', {type: 'button', click: () => this.search(search.value, -1).catch(this.failed)}, 'Previous'),
+      this.status);
     search.addEventListener('keydown', (event) => {
       if (event.key !== 'Enter' || !event.shiftKey) return;
       event.preventDefault();
@@ -94,20 +101,31 @@ export class RecordView implements View {
       await this.load(record);
     }
     this.status.textContent = `${bytesText(size)} as JSON`;
-    if (record?.node.kind !== 'object') this.status.textContent = 'The file has no record: its kind is unknown or its version refused';
+    if (record?.node.kind !== 'object')
+      this.status.textContent = 'The file has no record: its kind is unknown or its version refused';
     this.flatten();
   }
 
   private hasChildren({node}: Row): boolean {
-    return node.kind === 'object' ? node.end - node.start > 2 : node.kind === 'group' || (node.kind === 'array' && node.count > 0);
+    return node.kind === 'object' ? node.end - node.start > 2
+                                  : node.kind === 'group' || (node.kind === 'array' && node.count > 0);
   }
 
   private async load(row: Row): Promise<Row[]> {
     if (row.children) return row.children;
     const nodes = await this.context.engine.ask('children', {...this.context.source, node: row.node});
     row.children = nodes.map((node, i) => ({
-      node, level: row.level + 1, parent: row, position: i + 1, siblings: nodes.length, children: null, isOpen: false,
-      path: node.kind === 'group' ? row.path : typeof node.key === 'number' ? `${row.path}[${node.key}]` : row.path ? `${row.path}.${node.key}` : node.key,
+      node,
+      level: row.level + 1,
+      parent: row,
+      position: i + 1,
+      siblings: nodes.length,
+      children: null,
+      isOpen: false,
+      path: node.kind === 'group'      ? row.path
+        : typeof node.key === 'number' ? `${row.path}[${node.key}]`
+        : row.path ? `${row.path}.${node.key}`
+                   : node.key,
     }));
     return row.children;
   }
@@ -116,7 +134,8 @@ export class RecordView implements View {
     const children = await this.load(row);
     for (const child of children) {
       if (child.node.key === key) return child;
-      if (child.node.kind === 'group' && typeof key === 'number' && key >= child.node.first && key < child.node.first + child.node.count)
+      if (child.node.kind === 'group' && typeof key === 'number' && key >= child.node.first &&
+        key < child.node.first + child.node.count)
         return this.childOf(child, key);
     }
     return null;
@@ -162,7 +181,8 @@ export class RecordView implements View {
       h('button', {type: 'button', click: () => this.showBytes(path)}, 'Show the bytes'));
     if (node.kind === 'value' && node.preview.endsWith('…')) {
       this.context.engine.ask('text', {...this.context.source, node}).then((complete) => {
-        if (this.picked === row) (this.detail.querySelector('.value') as Element).textContent = visible(complete.slice(0, 5000));
+        if (this.picked === row)
+          (this.detail.querySelector('.value') as Element).textContent = visible(complete.slice(0, 5000));
       }, () => undefined);
     }
   }
@@ -212,7 +232,9 @@ export class RecordView implements View {
   private countText(row: Row): string {
     const {node} = row;
     if (node.kind === 'object') return '';
-    return node.kind === 'group' ? plural(node.count, 'element') : node.count === 0 ? 'empty list' : plural(node.count, 'element');
+    return node.kind === 'group' ? plural(node.count, 'element')
+      : node.count === 0         ? 'empty list'
+                                 : plural(node.count, 'element');
   }
 
   private draw(index: number): HTMLElement {
@@ -220,19 +242,29 @@ export class RecordView implements View {
     const {node, level} = row;
     const isParent = this.hasChildren(row);
     const line = h('div', {
-      id: `record-${index}`, class: `tree-row${row === this.picked ? ' picked' : ''}`, role: 'treeitem', 'data-index': index,
-      'aria-level': level, 'aria-posinset': row.position, 'aria-setsize': row.siblings,
-      'aria-selected': String(row === this.picked), 'aria-expanded': isParent ? String(row.isOpen) : null,
+      id: `record-${index}`,
+      class: `tree-row${row === this.picked ? ' picked' : ''}`,
+      role: 'treeitem',
+      'data-index': index,
+      'aria-level': level,
+      'aria-posinset': row.position,
+      'aria-setsize': row.siblings,
+      'aria-selected': String(row === this.picked),
+      'aria-expanded': isParent ? String(row.isOpen) : null,
     });
     line.style.paddingInlineStart = `${Math.min(level - 1, 12) * 18 + 8}px`;
     append(line, h('span', {class: 'twist', 'aria-hidden': 'true'}, isParent ? (row.isOpen ? '▾' : '▸') : ''),
-      h('span', {class: 'key'}, typeof node.key === 'number' ? `[${node.key}]` : node.kind === 'group' ? `[${node.key}]` : visible(node.key)));
+      h('span', {class: 'key'},
+        typeof node.key === 'number' ? `[${node.key}]`
+          : node.kind === 'group' ? `[${node.key}]`
+                                  : visible(node.key)));
     if (node.kind === 'value') {
       const type = node.preview.startsWith('"') ? 'string' : 'number';
       append(line, h('span', {class: `value ${type}`}, this.valueText(node)));
     } else {
       append(line, h('span', {class: 'soft count'}, this.countText(row)));
-      if (isParent && !row.isOpen && node.kind !== 'group') append(line, h('span', {class: 'soft preview'}, visible(node.preview)));
+      if (isParent && !row.isOpen && node.kind !== 'group')
+        append(line, h('span', {class: 'soft preview'}, visible(node.preview)));
     }
     return line;
   }
@@ -242,19 +274,29 @@ export class RecordView implements View {
     const row = this.picked, index = row ? this.rows.indexOf(row) : -1;
     const to = (next: number): void => this.pick(this.rows[Math.max(0, Math.min(this.rows.length - 1, next))] as Row);
     const keys: Record<string, () => void> = {
-      ArrowDown: () => to(index + 1), ArrowUp: () => to(index - 1), Home: () => to(0), End: () => to(this.rows.length - 1),
-      PageDown: () => to(index + this.list.visible), PageUp: () => to(index - this.list.visible),
+      ArrowDown: () => to(index + 1),
+      ArrowUp: () => to(index - 1),
+      Home: () => to(0),
+      End: () => to(this.rows.length - 1),
+      PageDown: () => to(index + this.list.visible),
+      PageUp: () => to(index - this.list.visible),
       ArrowRight: () => {
         if (!row || !this.hasChildren(row)) return;
-        if (row.isOpen) to(index + 1);
-        else this.toggle(row).then(() => this.pick(row), this.failed);
+        if (row.isOpen)
+          to(index + 1);
+        else
+          this.toggle(row).then(() => this.pick(row), this.failed);
       },
       ArrowLeft: () => {
         if (!row) return;
-        if (row.isOpen) this.toggle(row).then(() => this.pick(row), this.failed);
-        else if (row.parent && row.parent !== this.root) this.pick(row.parent);
+        if (row.isOpen)
+          this.toggle(row).then(() => this.pick(row), this.failed);
+        else if (row.parent && row.parent !== this.root)
+          this.pick(row.parent);
       },
-      Enter: () => { if (row && this.hasChildren(row)) this.toggle(row).then(() => this.pick(row), this.failed); },
+      Enter: () => {
+        if (row && this.hasChildren(row)) this.toggle(row).then(() => this.pick(row), this.failed);
+      },
     };
     keys[' '] = keys.Enter as () => void;
     const act = keys[event.key];

@@ -11,15 +11,18 @@ const label = (name: string): string => {
   const words = name.replace(/([a-z])([A-Z0-9])/g, '$1 $2').toLowerCase().replace(/\bnc\b/, 'NC');
   return words.charAt(0).toUpperCase() + words.slice(1);
 };
-const valueText = (value: unknown): string =>
-  typeof value === 'number' ? String(value) : typeof value === 'string' ? visible(value) : value === null ? '–' : JSON.stringify(value);
+const valueText = (value: unknown): string => {
+  if (typeof value === 'string') return visible(value);
+  return value === null ? '–' : JSON.stringify(value);
+};
 
 export class SummaryView implements View {
   open(context: Context): HTMLElement {
     const facts = h('div', {}, h('p', {class: 'wait', role: 'status'}, 'Reading…'));
-    context.engine.ask('info', context.source).then((info) => facts.replaceChildren(...this.facts(info)), (error: Error) => {
-      if (!(error instanceof Cancelled)) facts.replaceChildren(h('p', {class: 'note'}, visible(error.message)));
-    });
+    context.engine.ask('info', context.source)
+      .then((info) => facts.replaceChildren(...this.facts(info)), (error: Error) => {
+        if (!(error instanceof Cancelled)) facts.replaceChildren(h('p', {class: 'note'}, visible(error.message)));
+      });
     return h('div', {class: 'summary'}, this.verdict(context), facts);
   }
   close(): void {}
@@ -34,23 +37,30 @@ export class SummaryView implements View {
       'unreadable': 'The file could not be read.',
     };
     const where = (fault: {offset: number, field: string, reason: string}, title: string) =>
-      h('div', {class: 'fault'}, h('h3', {}, title), h('p', {}, `${visible(fault.reason)}, in `, h('code', {}, visible(fault.field)),
-        ` at byte ${number(fault.offset)} (0x${hex(fault.offset)})`),
+      h('div', {class: 'fault'}, h('h3', {}, title),
+        h('p', {}, `${visible(fault.reason)}, in `, h('code', {}, visible(fault.field)),
+          ` at byte ${number(fault.offset)} (0x${hex(fault.offset)})`),
         h('p', {class: 'actions'},
           h('button', {type: 'button', click: () => showBytes(fault.offset, 1)}, 'Show the bytes')));
     const warnings = check.warnings ?? [];
     const section = h('section', {class: 'verdict-section'}, h('h3', {}, 'Verdict'),
       h('p', {}, says[check.verdict] ?? visible(check.error ?? '')),
       check.error ? h('p', {class: 'note'}, visible(check.error)) : '');
-    append(section, h('p', {class: 'soft'},
-      [check.status === undefined ? '' : `A load returns ${check.status}.`,
-       check.walked === undefined ? '' : `Read: ${number(check.walked)} of ${plural(file.size, 'byte')} (${bytesText(file.size)}).`].join(' ')));
+    append(section, h('p', {class: 'soft'}, [
+      check.status === undefined ? '' : `A load returns ${check.status}.`,
+      check.walked === undefined
+        ? ''
+        : `Read: ${number(check.walked)} of ${plural(file.size, 'byte')} (${bytesText(file.size)}).`
+    ].join(' ')));
     if (check.fault) section.append(where(check.fault, 'Where it breaks'));
     if (check.tolerated) section.append(where(check.tolerated, 'What a load tolerates'));
     if (warnings.length > 0) {
-      append(section, h('h3', {}, plural(warnings.length, 'warning')), h('ul', {class: 'warnings'},
-        ...warnings.slice(0, rowsAtFirst).map(({code, field, text}) => h('li', {}, h('b', {}, visible(code)), ' ', visible(text), ' ',
-          field ? h('button', {type: 'button', class: 'link', click: () => showRecord(field)}, visible(field)) : ''))));
+      append(section, h('h3', {}, plural(warnings.length, 'warning')),
+        h('ul', {class: 'warnings'},
+          ...warnings.slice(0, rowsAtFirst)
+            .map(({code, field, text}) => h('li', {}, h('b', {}, visible(code)), ' ', visible(text), ' ',
+                   field ? h('button', {type: 'button', class: 'link', click: () => showRecord(field)}, visible(field))
+                         : ''))));
     }
     return section;
   }
@@ -73,21 +83,32 @@ export class SummaryView implements View {
 
   private table(title: string, rows: Record<string, unknown>[]): Node[] {
     const columns = Object.keys(rows[0] as object);
-    const isNumber = columns.map((column) => rows.every((row) => typeof row[column] === 'number' || row[column] === null));
+    const isNumber =
+      columns.map((column) => rows.every((row) => typeof row[column] === 'number' || row[column] === null));
     const body = h('tbody', {});
     let shown = 0;
     const more = h('button', {type: 'button', click: () => add(rowsAtATime)});
     const add = (count: number): void => {
-      append(body, ...rows.slice(shown, shown + count).map((row, i) => h('tr', {}, h('td', {class: 'soft number'}, String(shown + i + 1)),
-        ...columns.map((column, c) => h('td', isNumber[c] ? {class: 'number'} : {}, valueText(row[column]))))));
+      append(body,
+        ...rows.slice(shown, shown + count)
+          .map(
+            (row, i) => h('tr', {}, h('td', {class: 'soft number'}, String(shown + i + 1)),
+              ...columns.map((column, c) => h('td', isNumber[c] ? {class: 'number'} : {}, valueText(row[column]))))));
       shown = Math.min(rows.length, shown + count);
       more.textContent = `Show ${plural(Math.min(rowsAtATime, rows.length - shown), 'more row')}`;
       more.hidden = shown === rows.length;
     };
     add(rowsAtFirst);
-    return [h('h3', {}, `${title} (${number(rows.length)})`),
-      h('div', {class: 'scroll', tabindex: 0, role: 'region', 'aria-label': title}, h('table', {}, h('thead', {}, h('tr', {}, h('th', {scope: 'col'}, '#'),
-        ...columns.map((column, c) => h('th', {scope: 'col', ...(isNumber[c] ? {class: 'number'} : {})}, label(column))))), body)),
-      h('p', {class: 'actions'}, more)];
+    return [
+      h('h3', {}, `${title} (${number(rows.length)})`),
+      h('div', {class: 'scroll', tabindex: 0, role: 'region', 'aria-label': title},
+        h('table', {},
+          h('thead', {},
+            h('tr', {}, h('th', {scope: 'col'}, '#'),
+              ...columns.map(
+                (column, c) => h('th', {scope: 'col', ...(isNumber[c] ? {class: 'number'} : {})}, label(column))))),
+          body)),
+      h('p', {class: 'actions'}, more)
+    ];
   }
 }

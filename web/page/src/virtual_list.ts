@@ -13,7 +13,8 @@ export class VirtualList {
   private expected = -1; // the scroll position that was set here
 
   constructor(readonly pane: HTMLElement, private readonly rowHeight: () => number,
-              private readonly draw: (index: number) => HTMLElement, private readonly whenDrawn = (_first: number, _last: number): void => {}) {
+    private readonly draw: (index: number) => HTMLElement,
+    private readonly whenDrawn = (_first: number, _last: number): void => {}) {
     this.spacer.className = 'spacer';
     this.rows.className = 'rows';
     for (const element of [this.spacer, this.rows]) element.setAttribute('role', 'presentation');

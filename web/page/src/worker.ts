@@ -39,7 +39,8 @@ function linesOf(text: string, from: number, to: number): Fields {
     let at = start + offsetAt, value = 0;
     const digits = (): void => {
       value = 0;
-      for (let c = text.charCodeAt(at); c >= 0x30 && c <= 0x39; c = text.charCodeAt(++at)) value = 10 * value + c - 0x30;
+      for (let c = text.charCodeAt(at); c >= 0x30 && c <= 0x39; c = text.charCodeAt(++at))
+        value = 10 * value + c - 0x30;
     };
     digits();
     offsets.push(value);
@@ -71,8 +72,8 @@ function attempt(make: () => {bytes: Uint8Array, report: unknown}) {
   }
 }
 
-const unescaped = (text: string): string =>
-  text.replace(/&(lt|gt|quot|#39|amp);/g, (_, name: string) => ({lt: '<', gt: '>', quot: '"', '#39': '\'', amp: '&'})[name] ?? '');
+const unescaped = (text: string): string => text.replace(
+  /&(lt|gt|quot|#39|amp);/g, (_, name: string) => ({lt: '<', gt: '>', quot: '"', '#39': '\'', amp: '&'})[name] ?? '');
 
 type Handlers = {[Name in keyof Operations]: (source: Operations[Name]['in']) => Promise<Operations[Name]['out']>};
 
