@@ -45,8 +45,8 @@ export class CompareView implements View {
     const tolerance = h('input', {id: 'compare-tolerance', type: 'number', min: 0, step: 'any', value: 0});
     const common = h('input', {id: 'compare-common', type: 'checkbox'});
     const result = h('div', {class: 'compare-result', role: 'status'});
-    const field = (label: string, input: HTMLElement, hint = ''): HTMLElement => h('div', {class: 'field'}, h('label', {for: input.id
-    }, label), input, hint ? h('span', {class: 'soft'}, hint) : '');
+    const field = (label: string, input: HTMLElement, hint = ''): HTMLElement =>
+      h('div', {class: 'field'}, h('label', {for: input.id}, label), input, hint ? h('span', {class: 'soft'}, hint) : '');
     const run = (): void => {
       const entry = others.find(({id}) => id === Number(other.value)) as Entry;
       result.replaceChildren(h('p', {class: 'wait'}, 'Comparing…'));

@@ -62,7 +62,8 @@ export class SaveView implements View {
       const done = h('div', {});
       append(panel,
         card('File without the damage',
-          'Keeps everything before the fault. What follows gets the values of a new record: check the report before you use the file.',
+          'Keeps everything before the fault. What follows gets the values of a new record: check the report before ' +
+            'you use the file.',
           h('p', {class: 'actions'},
             h('button', {
               type: 'button',
