@@ -27,9 +27,11 @@ def expect(what, found, wanted):
 
 
 expect("CHANGELOG.md", re.search(r"(?m)^## (\S+)", text("CHANGELOG.md"))[1], version)
-expect("package.json", json.loads(text("bindings/node/package.json"))["version"], version)
-lock = json.loads(text("bindings/node/package-lock.json"))
-expect("package-lock.json", [lock["version"], lock["packages"][""]["version"]], [version] * 2)
+PACKAGES = ("bindings/node", "web/package")
+for folder in PACKAGES:
+    expect(f"{folder}/package.json", json.loads(text(f"{folder}/package.json"))["version"], version)
+    lock = json.loads(text(f"{folder}/package-lock.json"))
+    expect(f"{folder}/package-lock.json", [lock["version"], lock["packages"][""]["version"]], [version] * 2)
 expect("examples/CMakeLists.txt", re.search(r"find_package\(OldTorvIO (\S+)", text("examples/CMakeLists.txt"))[1],
        f"{major}.{minor}")
 # Programs load the libraries by the names of this ABI.
@@ -38,8 +40,8 @@ for name in ("bindings/node/raw.js", "bindings/csharp/OldTorvIO.Bindings.dll.con
     expect(name, {one or other for one, other in found}, {abi})
 
 # No other file states it, but for the examples in a comment of torvio.h.
-CHECKED = {"CMakeLists.txt", "CHANGELOG.md", "bindings/node/package.json", "bindings/node/package-lock.json",
-           "torvio/include/torvio.h"}
+CHECKED = {"CMakeLists.txt", "CHANGELOG.md", "torvio/include/torvio.h",
+           *(f"{folder}/{name}.json" for folder in PACKAGES for name in ("package", "package-lock"))}
 listed = subprocess.run(["git", "-C", top, "grep", "-lF", version, "--", ".", ":!fuzz/corpus"], capture_output=True, text=True)
 if listed.returncode == 0:
     expect("other files that state the version", sorted(set(listed.stdout.split()) - CHECKED), [])
