@@ -88,7 +88,7 @@ export class Torvio {
   /** Without a source: the file torvio.wasm beside this one. */
   static load(source?: Source | Promise<Source>): Promise<Torvio>;
 
-  /** Of the library, such as "0.1.0". */
+  /** That of the library. */
   readonly version: string;
   supported(): Supported;
 
