@@ -16,9 +16,11 @@
 #include "src/records/small_layouts.h"
 #include "src/records/tool_layout.h"
 #include "tests/support/files.h"
+#include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "torvio/explain/file_map.h"
 #include "torvio/explain/kind_names.h"
+#include "torvio/explain/map_fields.h"
 
 namespace {
 
@@ -324,6 +326,52 @@ TEST(Map, FileOfUnknownKindHasItsVersionAndAFaultThatSaysWhy) {
             "version = 180; at 00000000 in version: the contents fit no kind of this version; choose the kind");
   const Bytes part = Bytes().i16(180);
   EXPECT_EQ(mapFile(part.span(), std::optional(FileKind::part), [](const MapLine&) {}).fault->offset, 2U);
+}
+
+TEST(Map, RefusedVersionIsAFaultOfTheVersion) {
+  const Bytes file = Bytes().i16(7).zeros(9);
+  const FileReport part = mapFile(file.span(), FileKind::part, [](const MapLine&) {});
+  EXPECT_EQ(part.status, -1);
+  EXPECT_EQ(part.walked, 2U);
+  EXPECT_EQ(describe(*part.fault), "at 00000000 in version: 7 is not a version of a part file");
+  const FileReport group = mapFile(file.span(), FileKind::groupPart, [](const MapLine&) {});
+  EXPECT_EQ(group.status, 1) << "the load does not distinguish it from damage";
+  EXPECT_EQ(group.fault->reason, "7 is not a version of a group-part file");
+}
+
+TEST(Map, StatusOfAFileOfUnknownKindSaysWhetherAnyKindHasItsVersion) {
+  const auto mapped = [](const Bytes& bytes) { return mapFile(bytes.span(), std::nullopt, [](const MapLine&) {}); };
+  EXPECT_EQ(mapped(Bytes().i16(7).zeros(9)).status, -1);
+  EXPECT_EQ(mapped(Bytes().i16(180).zeros(9)).status, 1);
+  EXPECT_EQ(mapped(Bytes().i16(180).zeros(9)).walked, 2U);
+  const FileReport cut = mapped(Bytes().u8(180));
+  EXPECT_EQ(cut.status, 1);
+  EXPECT_EQ(cut.walked, 0U);
+}
+
+TEST(Map, FieldsOfABlockHaveTheirOffsetsAndNames) {
+  std::vector<std::pair<std::string, std::uint64_t>> found;
+  const auto note = [&](const MapField& field) { found.emplace_back(std::string(field.path), field.offset); };
+  const StoredForm forms[] = {{StoredForm::Kind::number, "f32", 4, nullptr},
+                              {StoredForm::Kind::number, "u8", 1, nullptr},
+                              {StoredForm::Kind::number, "f64", 8, nullptr}};
+  eachField(MapLine{100, 13, "a.origin.x, y, z", "", forms, 9}, note);
+  EXPECT_EQ(found, (std::vector<std::pair<std::string, std::uint64_t>>{
+                       {"a.origin.x", 100}, {"a.origin.y", 104}, {"a.origin.z", 105}}));
+}
+
+TEST(Map, ReservedBytesAreOneFieldOfThatType) {
+  std::size_t count = 0;
+  for (const auto& kind : kinds())
+    (void)mapFile(kind.file(kind.versions.back()).span(), kind.kind, [&](const MapLine& line) {
+      if (!line.path.ends_with("reserved")) return;
+      ++count;
+      ASSERT_EQ(line.forms.size(), 1U);
+      EXPECT_EQ(line.forms[0].kind, StoredForm::Kind::reserved);
+      EXPECT_STREQ(line.forms[0].type, "reserved");
+      EXPECT_EQ(line.forms[0].size, 0U) << "all bytes of the line";
+    });
+  EXPECT_GT(count, 0U);
 }
 
 TEST(Map, KindsAreFoundByTheirNames) {

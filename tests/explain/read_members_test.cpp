@@ -76,6 +76,27 @@ TEST(ReadMembers, AreThoseOfTheFieldsBeforeAnyCut) {
     }
 }
 
+TEST(ReadMembers, NothingInsideOfAnElementIsOne) {
+  std::size_t count = 0;
+  for (const Kind& kind : kinds()) {
+    const Bytes file = kind.file(kind.versions.back());
+    const Members all = membersOf(file, kind.kind);
+    const ReadMembers read(file.span(), kind.kind);
+    (void)explain::mapFile(file.span(), kind.kind, [&](const explain::MapLine& line) {
+      explain::eachField(line, [&](const explain::MapField& field) {
+        // "shapes[3].x" without the position.
+        std::string path(field.path);
+        for (std::size_t open = 0; (open = path.find('[')) != std::string::npos;)
+          path.erase(open, path.find(']', open) + 1 - open);
+        if (path == field.path || all.names.count(path) > 0) return;
+        ++count;
+        EXPECT_FALSE(read.has(path)) << kind.name << ' ' << field.path;
+      });
+    });
+  }
+  EXPECT_GT(count, 0U);
+}
+
 TEST(ReadMembers, OfARefusedVersionAreOnlyTheVersion) {
   const ReadMembers read(Bytes().i16(499).zeros(1000).span(), FileKind::sheet);
   EXPECT_TRUE(read.has("version"));

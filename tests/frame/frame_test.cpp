@@ -434,4 +434,11 @@ TEST(Versions, ListsContainExactlyTheirNumbers) {
 
 TEST(EndProcess, Aborts) { EXPECT_EXIT(oldtorvio::EndProcess(), endedByTheLibrary(), ""); }
 
+TEST(FileKinds, OnlySpecialToolsHaveAnExtensionOfTheirOwn) {
+  for (const FileKindInfo& info : kFileKinds) {
+    const bool isTool = info.kind == FileKind::specialTool;
+    EXPECT_EQ(info.extension, isTool ? ".spt" : "") << info.name;
+  }
+}
+
 }  // namespace
