@@ -9,7 +9,10 @@ native=$(cd "$1" && pwd) wasm=$(cd "$2" && pwd)
 
 echo "The tests of the core"
 rm -rf "$wasm/scratch"
-node --no-warnings "$top/tests/wasm/run_tests.mjs" "$wasm/torvio_wasm_tests.wasm" "$wasm/scratch" --gtest_brief=1
+# One reads a pipe, the other looks at the file of a process that has ended.
+left_out=LoadOldPart.ReadsFromAPipeAsFromAFile:SheetEditsDeathTest.SheetThatEndsInItsOnlyBlockEndsTheProcess
+node --no-warnings "$top/tests/wasm/run_tests.mjs" "$wasm/torvio_wasm_tests.wasm" "$wasm/scratch" --gtest_brief=1 \
+  --gtest_filter="-$left_out"
 
 echo "The package"
 rm -rf "$wasm/package" "$wasm/installed" "$wasm/samples"
