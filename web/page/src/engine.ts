@@ -66,6 +66,13 @@ export class Engine {
     if (performance.now() - this.startedAt > 300) this.restart();
   }
 
+  // Drops the requests of one operation that were not begun.
+  drop(operation: Operation): void {
+    for (let i = this.waiting.length; i-- > 0;) {
+      if (this.waiting[i]?.operation === operation) this.waiting.splice(i, 1)[0]?.reject(new Cancelled());
+    }
+  }
+
   private next(): void {
     if (!this.isReady || this.running !== null) return;
     const request = this.waiting.shift();
