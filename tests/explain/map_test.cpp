@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <memory>
 
 #include "OldTorvIO.h"
@@ -29,6 +31,24 @@ TEST(Map, NamesComeFromTheTextOfTheFields) {
   const auto names = fieldNames("r.width, as<std::int16_t>(r.kind), block(p.x, p.y), r.list.count, plain, t.row[i]");
   EXPECT_EQ(names, (std::vector<std::string>{"width", "kind", "x, y", "list.count", "plain", "row[i]"}));
   EXPECT_EQ(fieldNames("(r.a, r.b),plain"), (std::vector<std::string>{"a, b", "plain"}));
+}
+
+// Whatever the standard library calls them: quiet, signalling, with any payload.
+TEST(Map, NaNsHaveTheSameNamesOnEveryHost) {
+  const auto printed = [](auto value) {
+    std::string to;
+    printValue(to, value);
+    return to;
+  };
+  for (const std::uint32_t bits : {0x7FC00000U, 0x7F954DDCU, 0x7FFFFFFFU}) {
+    EXPECT_EQ(printed(std::bit_cast<float>(bits)), "nan");
+    EXPECT_EQ(printed(std::bit_cast<float>(bits | 0x80000000U)), "-nan");
+    const std::uint64_t wide = std::uint64_t{0x7FF0000000000000} | bits;
+    EXPECT_EQ(printed(std::bit_cast<double>(wide)), "nan");
+    EXPECT_EQ(printed(std::bit_cast<double>(wide | std::uint64_t{1} << 63U)), "-nan");
+  }
+  EXPECT_EQ(printed(0.1F), "0.1");
+  EXPECT_EQ(printed(-0.25), "-0.25");
 }
 
 TEST(Map, TextsAreQuotedEscapedAndTellWhatStandsBehindThem) {

@@ -15,7 +15,7 @@ const wasm = await Torvio.load();
 
 const statusDamaged = 1, statusNoMemory = 5, statusInternalError = 6;
 const textOf = (json) => JSON.stringify(typeof json === 'string' ? JSON.parse(json) : json);
-const counts = {files: 0, damaged: 0, calls: 0, results: 0, errors: 0, noMemory: 0, different: 0};
+const counts = {files: 0, damaged: 0, calls: 0, results: 0, errors: 0, lastDigit: 0, noMemory: 0, different: 0};
 
 // What a call came to, in a form that both sides share.
 function outcome(call, ErrorClass, prefix) {
@@ -38,6 +38,14 @@ function isSame(a, b) {
   return names.length === Object.keys(b).length && names.every((name) => name in b && isSame(a[name], b[name]));
 }
 
+// Angles are those of the C library's atan2, whose last digit is not the same in all of them.
+function isSameButForLastDigit(a, b) {
+  if (typeof a === 'number' && typeof b === 'number') return Math.abs(a - b) <= 4e-16 * Math.abs(b);
+  if (typeof a !== 'object' || typeof b !== 'object' || a === null || b === null) return a === b;
+  const names = Object.keys(a);
+  return String(names) === String(Object.keys(b)) && names.every((name) => isSameButForLastDigit(a[name], b[name]));
+}
+
 function compare(what, ofWasm, ofNative, prefix = '') {
   ++counts.calls;
   const a = outcome(ofWasm, TorvioError, ''), b = outcome(ofNative, NativeError, prefix);
@@ -48,10 +56,18 @@ function compare(what, ofWasm, ofNative, prefix = '') {
   }
   if (a?.status === undefined) ++counts.results; else ++counts.errors;
   if (isSame(a, b) && a?.status !== statusInternalError) return a;
+  if (what().endsWith(': info') && typeof a === 'string' && typeof b === 'string' &&
+      isSameButForLastDigit(JSON.parse(a), JSON.parse(b))) {
+    ++counts.lastDigit;
+    return a;
+  }
   ++counts.different;
   // From shortly before the first difference.
-  const [one, other] = [a, b].map((made) => (made instanceof Uint8Array ? Buffer.from(made).toString('latin1')
-                                                                      : typeof made === 'string' ? made : JSON.stringify(made)));
+  const readable = (made) => {
+    if (made instanceof Uint8Array) return Buffer.from(made).toString('latin1');
+    return typeof made === 'string' ? made : JSON.stringify(made);
+  };
+  const one = readable(a), other = readable(b);
   let at = 0;
   while (at < one.length && one[at] === other[at]) ++at;
   const brief = (text) => JSON.stringify(text.slice(Math.max(0, at - 200), at + 100));
@@ -130,8 +146,8 @@ for (const file of files) {
   compareFile(file, data, {name: `${path.basename(file)}.sht`}, [180]);
   if (kind !== undefined) compareFile(file, data, {kind, encoding: 'cp437'}, [180, 62]);
 }
-const whole = {...counts};
-console.log(`files: ${JSON.stringify(whole)}`);
+const undamaged = {...counts};
+console.log(`files: ${JSON.stringify(undamaged)}`);
 
 // ---- Damaged copies ----
 
@@ -174,6 +190,6 @@ for (const end = Date.now() + 1000 * Number(seconds); Date.now() < end;) {
     if (counts.different > 20) break;
   }
 }
-const damagedCounts = Object.fromEntries(Object.entries(counts).map(([name, value]) => [name, value - whole[name]]));
+const damagedCounts = Object.fromEntries(Object.entries(counts).map(([name, value]) => [name, value - undamaged[name]]));
 console.log(`damaged copies: ${JSON.stringify(damagedCounts)}`);
-process.exitCode = counts.different === 0 && whole.results > 0 ? 0 : 1;
+process.exitCode = counts.different === 0 && undamaged.results > 0 ? 0 : 1;

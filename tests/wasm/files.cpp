@@ -58,7 +58,8 @@ bool __create_directory(const path& p, error_code* error) {
 }
 
 bool __create_directories(const path& p, error_code* error) {
-  if (p.has_parent_path() && !is_directory(__status(p.parent_path(), error))) (void)__create_directories(p.parent_path(), error);
+  if (p.has_parent_path() && !is_directory(__status(p.parent_path(), error)))
+    (void)__create_directories(p.parent_path(), error);
   return __create_directory(p, error);
 }
 

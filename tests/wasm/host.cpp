@@ -1,16 +1,17 @@
 // tests/support/host.h on a system of files only: no threads, no processes, no environment but the program's own.
 #include "tests/support/host.h"
 
+#include <cxxabi.h>
 #include <sys/stat.h>
 
 #include <cstdlib>
 
 // The C++ runtime lacks these; an exception ends the program.
-extern "C" [[noreturn]] void* __cxa_allocate_exception(std::size_t) {
+void* __cxxabiv1::__cxa_allocate_exception(std::size_t) throw() {
   (void)std::fputs("an exception was thrown\n", stderr);
   std::abort();
 }
-extern "C" [[noreturn]] void __cxa_throw(void*, void*, void (*)(void*)) { std::abort(); }
+void __cxxabiv1::__cxa_throw(void*, std::type_info*, void* (*)(void*)) { std::abort(); }
 // There is no shell.
 extern "C" int system(const char*) { return -1; }
 

@@ -61,7 +61,7 @@ export interface Info {
   [member: string]: unknown;
 }
 
-/** A new file, and what became of the old one: docs/convert.md and docs/recover.md describe the reports. */
+/** A new file, and what became of the old one: docs/convert.md describes the reports. */
 export interface NewFile {
   bytes: Uint8Array;
   report: Record<string, unknown>;

@@ -238,8 +238,8 @@ export class Torvio {
     return new Torvio(await moduleOf(await source));
   }
 
-  // parameters(frame) returns those of the function before its result, finish(frame) is called if there is a result. The
-  // instance is used again only if nothing went wrong: a trap leaves its memory as the failed function had it.
+  // parameters(frame) returns those of the function before its result, finish(frame) is called if there is a result.
+  // The instance is used again only if nothing went wrong: a trap leaves its memory as the failed function had it.
   #call(name, parameters, {asText = true, withReport = false, finish = () => {}} = {}) {
     const instance = this.#idle ?? makeInstance(this.#module);
     this.#idle = null;
