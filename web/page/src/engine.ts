@@ -1,7 +1,7 @@
 // A worker, the requests that wait for it, and the clock that stops it: a file must never make the page wait for ever.
 import type {Operation, Operations, Reply, Supported} from './protocol.js';
 
-// The answer is no longer wanted.
+// The result is no longer wanted.
 export class Cancelled extends Error {}
 // The worker was stopped because it took too long.
 export class TimedOut extends Error {}
