@@ -94,7 +94,7 @@ async function measured(path) {
   const until = Date.now() + 6000;
   while (Date.now() < until) await page.mouse.wheel(0, 240);
   const frameTimes = await frames;
-  const rows = await page.evaluate(() => parseInt(document.querySelector('.bytes .row').textContent, 16));
+  const rows = await page.evaluate(() => parseInt(document.querySelector('.bytes .row .at').textContent, 16));
   clearInterval(sampler);
   await browser.close();
   await server.close();

@@ -23,7 +23,7 @@ export class BytesView implements View {
   private bytes: Uint8Array | null = null;
   private size = 0;
   private perRow = 16;
-  private readonly windows = new Map<number, Fields | null>(); // null: asked for
+  private readonly windows = new Map<number, Promise<Fields>>();
   private current: Fields | null = null;
   private wanted = -1;
   private timer = 0;
@@ -126,31 +126,28 @@ export class BytesView implements View {
     this.timer = window.setTimeout(() => this.load(index).catch(this.failed), this.windows.size === 0 ? 0 : 150);
   }
 
+  private windowOf(index: number): Promise<Fields> {
+    const known = this.windows.get(index);
+    if (known) return known;
+    const from = index * windowSize, to = Math.min(this.size, from + windowSize);
+    // A window that was not begun is of bytes that are no longer in view.
+    this.context.engine.drop('fields');
+    const asked = this.context.engine.ask('fields', {...this.context.source, from, to: Math.max(to, from + 1)});
+    this.windows.set(index, asked);
+    asked.catch(() => this.windows.delete(index));
+    const [oldest] = this.windows.keys();
+    if (this.windows.size > mostWindows && oldest !== undefined) this.windows.delete(oldest);
+    if (this.size > 0) {
+      this.status.textContent = `Reading the fields of bytes ${number(from)} to ${number(to - 1)}…`;
+    }
+    return asked;
+  }
+
   private async load(index: number): Promise<void> {
     this.wanted = index;
-    let fields = this.windows.get(index);
-    if (!fields) {
-      const from = index * windowSize, to = Math.min(this.size, from + windowSize);
-      if (this.size > 0) this.status.textContent = `Reading the fields of bytes ${number(from)} to ${number(to - 1)}…`;
-      this.windows.set(index, null);
-      try {
-        fields = await this.context.engine.ask('fields', {...this.context.source, from, to: Math.max(to, from + 1)});
-      } catch (error) {
-        this.windows.delete(index);
-        throw error;
-      }
-      this.windows.set(index, fields);
-      if (this.windows.size > mostWindows) {
-        for (const old of this.windows.keys()) {
-          if (old !== index) {
-            this.windows.delete(old);
-            break;
-          }
-        }
-      }
-      this.status.textContent = '';
-    }
+    const fields = await this.windowOf(index);
     if (this.wanted !== index || !this.isOpen) return;
+    this.status.textContent = '';
     if (this.current === fields) return;
     this.current = fields;
     this.pickedField = -1;

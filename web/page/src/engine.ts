@@ -1,7 +1,7 @@
 // A worker, the requests that wait for it, and the clock that stops it: a file must never make the page wait for ever.
 import type {Operation, Operations, Reply, Supported} from './protocol.js';
 
-// The answer is no longer wanted.
+// The result is no longer wanted.
 export class Cancelled extends Error {}
 // The worker was stopped because it took too long.
 export class TimedOut extends Error {}
@@ -64,6 +64,13 @@ export class Engine {
     if (this.running === null) return;
     this.running.reject(new Cancelled());
     if (performance.now() - this.startedAt > 300) this.restart();
+  }
+
+  // Drops the requests of one operation that were not begun.
+  drop(operation: Operation): void {
+    for (let i = this.waiting.length; i-- > 0;) {
+      if (this.waiting[i]?.operation === operation) this.waiting.splice(i, 1)[0]?.reject(new Cancelled());
+    }
   }
 
   private next(): void {

@@ -155,12 +155,12 @@ export class PictureView implements View {
 
   private async listShapes(context: Context, part: number, into: HTMLElement): Promise<void> {
     into.replaceChildren(h('p', {class: 'wait', role: 'status'}, 'Reading the record…'));
-    const answer: PartShapes | null = await context.engine.ask('part', {...context.source, part, most: mostShapes});
-    if (answer === null) {
+    const found: PartShapes | null = await context.engine.ask('part', {...context.source, part, most: mostShapes});
+    if (found === null) {
       into.replaceChildren(h('p', {class: 'note'}, 'The record does not have this part.'));
       return;
     }
-    const {name, total, shapes} = answer;
+    const {name, total, shapes} = found;
     const texts =
       shapes.map(({text}) => (typeof text === 'string' ? text : ((text as {text?: string} | null)?.text ?? '')));
     const hasTexts = texts.some((text) => text !== '');
