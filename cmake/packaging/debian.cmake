@@ -28,6 +28,8 @@ string(REGEX REPLACE "^.*\n(Permission is hereby)" "\\1" licence "${licence}")
 string(STRIP "${licence}" licence)
 string(REPLACE "\n\n" "\n.\n" licence "${licence}")
 string(REPLACE "\n" "\n " licence "${licence}")
+# The address by which Debian names the format.
+string(CONCAT copyright_format "https://www.debian" ".org/doc/packaging-manuals/copyright-format/1.0/")
 configure_file(${packaging}/copyright.in ${debian_folder}/copyright @ONLY)
 configure_file(${packaging}/changelog.in ${debian_folder}/changelog.Debian @ONLY)
 configure_file(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${debian_folder}/changelog COPYONLY)

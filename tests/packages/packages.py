@@ -216,8 +216,8 @@ class Checks:
             require(field(package, "Version") == f"{self.version}-1", f"{package} has another version")
             depends = {one.split()[0] for one in field(package, "Depends").split(", ")}
             wanted = {"libc6", "libgcc-s1", "libstdc++6"}
-            if package == "torvio":
-                wanted.add("libsqlite3-0")
+            if package in ("torvio", "python3-oldtorvio"):
+                wanted.add("libsqlite3-0")  # for catalogues
             if package == "python3-oldtorvio":
                 wanted.add("python3")
             if package != "liboldtorvio-dev":
