@@ -30,7 +30,7 @@ PatternItem itemOf(std::int16_t tool) {
   return item;
 }
 
-void useTool(ProcessSlot& slot, std::int16_t first, std::int16_t second, bool isSecond) {
+void useTool(ProcessSlot& slot, std::uint16_t first, std::uint16_t second, bool isSecond) {
   slot.toolUse = 1;
   slot.toolActive = 1;
   slot.toolChoice = isSecond ? 1 : 0;
