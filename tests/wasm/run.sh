@@ -34,7 +34,7 @@ test -s "$wasm/installed/sheet_180.bin.svg"
 # The first program of docs/web.md.
 sed -n '/^```js$/,/^```$/{/^```/d;p}' "$top/docs/web.md" | sed '/index\.js/,$d' > "$wasm/installed/documented.mjs"
 cp "$wasm/samples/sheet_180.bin" "$wasm/installed/nest.sht"
-(cd "$wasm/installed" && node documented.mjs | sed -n '1{/^sound, sheet of version 180$/!q1}; 2{/^<svg/!q1}')
+(cd "$wasm/installed" && node documented.mjs | sed -n '1{/^sound, sheet of version 180$/!q1}; 2{/^<?xml /!q1}')
 (cd "$top/web/package" && npm ci --ignore-scripts --silent --no-audit --no-fund)
 cp "$top/tests/wasm/types.ts" "$wasm/installed/types.mts"
 (cd "$wasm/installed" && node "$top/web/package/node_modules/typescript/bin/tsc" --noEmit --strict --target es2022 \
