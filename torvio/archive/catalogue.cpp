@@ -19,8 +19,6 @@
 #include "torvio/values/text_encoding.h"
 #endif
 
-#include "torvio/archive/host_files.h"
-
 namespace oldtorvio::archive {
 namespace {
 

@@ -49,10 +49,10 @@ class FileNames::Folder {
     std::error_code error;
     for (std::size_t count = 0; count < kSortedNames; ++count) {
       const auto entry = entries_->next(error);
+      if (error) error_ = "cannot be read to its end: " + inWords(error);
       if (!entry) break;
       if (entry->type == FolderEntries::Type::file) files_.push_back(entry->name);
       if (entry->type == FolderEntries::Type::folder) folders_.push_back(entry->name);
-      if (error) error_ = "cannot be read to its end: " + inWords(error);
     }
     // The next name is taken from the back.
     std::sort(files_.begin(), files_.end(), std::greater<>());

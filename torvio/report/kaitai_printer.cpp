@@ -1,7 +1,6 @@
 #include "torvio/report/kaitai_printer.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cctype>
 
 namespace oldtorvio::report {
@@ -266,7 +265,7 @@ bool KaitaiPrinter::isSize(std::string_view name) {
 std::int64_t KaitaiPrinter::valueFor(std::size_t field, std::int64_t before, std::size_t storedSize) {
   const std::int64_t value = storedSize == 1 ? next8_++ : storedSize == 2 ? next16_++ : next32_;
   if (storedSize > 2) next32_ += 2;
-  assert(next8_ <= 100 && next16_ <= 30'000);  // more small sizes than values for them
+  if (next8_ > 100 || next16_ > 30'000) problems_.emplace_back("there are more small sizes than values for them");
   std::string expression = token(field);
   // A variable that is read again under a condition keeps its value otherwise.
   if (const auto earlier = called_.find(before); earlier != called_.end()) {
