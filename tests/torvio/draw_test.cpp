@@ -122,6 +122,20 @@ TEST(SheetPictures, PartsAreWhereTheirPlacementsSay) {
   expectCorners(parts[2], {{90, 40}, {70, 40}, {70, 30}, {90, 30}});
 }
 
+TEST(SheetPictures, OutlinesHaveTheNumberOfTheirPartAsClass) {
+  const auto sheet = plate(100, 50);
+  place(*sheet, 20, 10, 5, 7);
+  Pattern& grid = place(*sheet, 8, 6, 40, 2);
+  grid.gridCount1 = 2;
+  grid.gridStep1 = std::bit_cast<std::uint32_t>(10.0F);
+  static const std::regex kOutline("<path d=\"[^\"]+\" fill=\"#[0-9a-f]+\" fill-opacity[^>]* class=\"part([0-9]+)\"/>");
+  const std::string svg = drawn(*sheet);
+  std::vector<std::string> numbers;
+  for (std::sregex_iterator part(svg.begin(), svg.end(), kOutline), end; part != end; ++part)
+    numbers.push_back((*part)[1]);
+  EXPECT_EQ(numbers, (std::vector<std::string>{"1", "2", "2"}));
+}
+
 TEST(SheetPictures, AGridRepeatsAPlacementByItsSteps) {
   const auto sheet = plate(100, 50);
   Pattern& grid = place(*sheet, 8, 6, 1, 2);

@@ -255,7 +255,8 @@ class SheetPicture {
     const double width = static_cast<double>(part.width) * view_.scale;
     const double height = static_cast<double>(part.height) * view_.scale, shorter = std::min(width, height);
     svg.path(outline.close().data()).set("fill", partColour(one.part)).set("fill-opacity", 0.9).set("stroke", kInk);
-    svg.set("stroke-width", std::clamp(shorter / 30, 0.25, 1.1)).set("stroke-linejoin", "round").close();
+    svg.set("stroke-width", std::clamp(shorter / 30, 0.25, 1.1)).set("stroke-linejoin", "round");
+    svg.set("class", "part" + std::to_string(one.part + 1)).close();
     // The corner of the part's own origin.
     const double size = std::min(9.0, shorter / 3);
     if (size >= 1.5) {

@@ -224,7 +224,8 @@ TORVIO_API torvio_status torvio_format(const char* name, const char* language, t
 /* ---- Pictures --------------------------------------------------------------------------------- */
 
 /* A sheet, part, group part or machine to scale, as one SVG document without scripts and references, of bounded size.
- * Of a damaged file it shows what was read, and returns TORVIO_DAMAGED. Returns TORVIO_REFUSED for files of other kinds
+ * The outline of each placement of a sheet has the class "part" with the number of its part, from 1: "part3". Of a
+ * damaged file it shows what was read, and returns TORVIO_DAMAGED. Returns TORVIO_REFUSED for files of other kinds
  * and of unknown kind or version. flags: 0. */
 TORVIO_API torvio_status torvio_draw(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                      torvio_error** error) TORVIO_NOEXCEPT;

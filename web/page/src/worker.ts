@@ -4,8 +4,6 @@ import {JsonText} from './json_text.js';
 import {placementsOf} from './placements.js';
 import type {Ask, Check, Fields, Info, Operations, PartShapes, Report, Source} from './protocol.js';
 
-const colours = ['#f5d7a1', '#a8c8e4', '#d5e6bd', '#e3ada0', '#dcd5ec', '#98cbbf', '#f4eba9', '#c6b498'];
-
 let torvio: Torvio;
 let kept: {key: number, bytes: Uint8Array} | null = null;
 let record: {key: string, json: JsonText} | null = null;
@@ -89,16 +87,13 @@ const handlers: Handlers = {
     const bytes = await bytesOf(source);
     const svg = torvio.draw(bytes, options(source));
     const size = /<svg [^>]*? width="([\d.]+)" height="([\d.]+)"/.exec(svg);
-    const parts = svg.includes('fill-opacity="0.9"')
-      ? (torvio.info(bytes, options(source)) as {parts?: {width: number, height: number}[]}).parts ?? []
-      : [];
     return {
       svg: new Blob([svg], svgType),
       width: Number(size?.[1] ?? 1400),
       height: Number(size?.[2] ?? 1000),
       title: unescaped(/<title>([^<]*)<\/title>/.exec(svg)?.[1] ?? ''),
       description: unescaped(/<desc>([^<]*)<\/desc>/.exec(svg)?.[1] ?? ''),
-      placements: placementsOf(svg, colours, parts.map(({width, height}) => [width, height])),
+      placements: placementsOf(svg),
     };
   },
   async root(source) {
