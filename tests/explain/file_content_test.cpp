@@ -155,6 +155,7 @@ TEST(FileContent, FailedReadIsAnErrorAndNotTheEndOfTheFile) {
 }
 
 TEST(FileContent, EveryFunctionOpensAFileOnceAndClosesIt) {
+  if (!kIsPosix) GTEST_SKIP() << "files are opened by another function, which is not watched";
   const TempFolder folder;
   const std::string path = folder.write("f", specialToolFile(60, {3}));
   const auto opens = [](const auto& look) {

@@ -160,6 +160,15 @@ TEST_F(Check, ListNamesAFileInEachLine) {
   EXPECT_EQ(check("--files-from none").errors, "torvio: none: cannot be opened: No such file or directory\n");
 }
 
+TEST_F(Check, LinesOfAListEndAsThoseOfTheSystem) {
+  folder_.write("a.spt", sound_);
+  std::ofstream(folder_.path("list"), std::ios::binary) << "a.spt\r\n\r\n";
+  if (kIsPosix)
+    EXPECT_EQ(check("--files-from list").code, 3) << "a name may end with a carriage return";
+  else
+    EXPECT_EQ(checkedBy("--files-from list"), std::vector<std::string>{"a.spt"});
+}
+
 TEST_F(Check, ListThatCannotBeReadIsAnError) {
   if (!kIsPosix) GTEST_SKIP() << "a folder can be opened here";
   const Outcome run = check("--files-from .");

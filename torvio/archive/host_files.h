@@ -20,6 +20,13 @@ bool isSameFile(const std::string& one, const std::string& other);
 // The name after the last folder.
 std::string lastName(const std::string& path);
 
+// Whether lines of text files end with "\r\n". No file name contains one of them then.
+#if defined(_WIN32)
+inline constexpr bool kLinesEndWithCrLf = true;
+#else
+inline constexpr bool kLinesEndWithCrLf = false;
+#endif
+
 struct FileMeasures {
   std::uint64_t size = 0;
   std::int64_t modified = 0;  // in nanoseconds since 1970

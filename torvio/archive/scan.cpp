@@ -129,6 +129,7 @@ std::optional<std::string> FileNames::nextRoot() {
       // What was read of a name is not one.
       if (hasFailed_) return std::nullopt;
     }
+    if (kLinesEndWithCrLf && separator_ == '\n' && name.ends_with('\r')) name.pop_back();
     if (name.empty()) continue;
     if (isTooLong) nameError_ = "is not a file name: longer than " + std::to_string(kLongestName) + " bytes";
     if (name.find('\0') != std::string::npos) nameError_ = "is not a file name: it contains a NUL";

@@ -32,7 +32,7 @@ class FileNames {
 
   explicit FileNames(std::vector<std::string> paths);
   // And after them the names in `list`, each followed by the separator. It is read as names are asked for, and stays
-  // open.
+  // open. A line may end as lines of this system do.
   FileNames(std::vector<std::string> paths, std::FILE* list, char separator);
   FileNames(const FileNames&) = delete;
   FileNames& operator=(const FileNames&) = delete;
