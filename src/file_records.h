@@ -5,6 +5,7 @@
 //   Record             the record that a load fills
 //   walk(io, record)   the file after its version word, or all of it if startsWithTable(version); returns the status
 //                      of the load
+//   read(stream, version, record)  the same by the reader, which is compiled once for this and the load
 //   load(path, record), save(path, record, version)
 #pragma once
 #include <memory>
@@ -19,6 +20,7 @@
 #include "src/part/old_part_layout.h"
 #include "src/part/part_io.h"
 #include "src/part/part_layout.h"
+#include "src/sheet/sheet_io.h"
 #include "src/sheet/sheet_layout.h"
 #include "src/tooling/inventory_io.h"
 #include "src/tooling/inventory_layout.h"
@@ -49,6 +51,10 @@ struct FileRecord<frame::FileKind::part> {
     return statusOf(io.version() >= frame::kFirstMainVersion ? io.walk(part, PartForm{})
                                                              : codec::walkOldestPart(io, part));
   }
+  static std::int64_t read(codec::InStream& stream, int version, Record& part) {
+    return version >= frame::kFirstMainVersion ? ReadPartBody(stream, version, false, part)
+                                               : ReadOldestPart(stream, version, part);
+  }
 };
 
 template <>
@@ -61,6 +67,9 @@ struct FileRecord<frame::FileKind::groupPart> {
     codec::GroupPartFile<std::vector<TorvPart>> file{list.parts};
     return statusOf(io.walk(file));
   }
+  static std::int64_t read(codec::InStream& stream, int version, Record& list) {
+    return ReadGroupPart(stream, version, list);
+  }
 };
 
 template <>
@@ -70,6 +79,9 @@ struct FileRecord<frame::FileKind::specialTool> {
   static std::int64_t load(const char* path, Record& tool) { return LoadOldSpecialTool(path, &tool); }
   static std::int64_t save(const char* path, Record& tool, int version) { return SaveSpecialTool(path, tool, version); }
   static std::int64_t walk(auto& io, Record& tool) { return statusOf(io.walk(tool)); }
+  static std::int64_t read(codec::InStream& stream, int version, Record& tool) {
+    return ReadSpecialTool(stream, version, tool);
+  }
 };
 
 template <>
@@ -81,6 +93,9 @@ struct FileRecord<frame::FileKind::machine> {
     return SaveMachine(path, machine, version);
   }
   static std::int64_t walk(auto& io, Record& machine) { return statusOf(io.walk(machine, MachineForm<ShapeList>{})); }
+  static std::int64_t read(codec::InStream& stream, int version, Record& machine) {
+    return ReadOldMachine(stream, version, nullptr, machine);
+  }
 };
 
 template <>
@@ -99,6 +114,11 @@ struct FileRecord<frame::FileKind::material> {
     }
     return statusOf(frame::isParamTableVersion(io.version()) || io.walk(material));
   }
+  static std::int64_t read(codec::InStream& stream, int version, Record& material) {
+    const int status = ReadParamTable(stream, material.params);
+    return status != 0 || frame::isParamTableVersion(version) ? status
+                                                              : ReadOldMaterialBody(stream, version, material);
+  }
 };
 
 template <>
@@ -110,6 +130,9 @@ struct FileRecord<frame::FileKind::toolInventory> {
     return SaveToolInventory(path, inventory, version);
   }
   static std::int64_t walk(auto& io, Record& inventory) { return statusOf(io.walk(inventory)); }
+  static std::int64_t read(codec::InStream& stream, int version, Record& inventory) {
+    return ReadToolInventory(stream, version, inventory);
+  }
 };
 
 template <>
@@ -119,6 +142,9 @@ struct FileRecord<frame::FileKind::macro> {
   static std::int64_t load(const char* path, Record& macro) { return LoadOldMacro(path, &macro); }
   static std::int64_t save(const char* path, Record& macro, int version) { return SaveMacro(path, macro, version); }
   static std::int64_t walk(auto& io, Record& macro) { return statusOf(io.walk(macro)); }
+  static std::int64_t read(codec::InStream& stream, int version, Record& macro) {
+    return ReadMacro(stream, version, macro);
+  }
 };
 
 template <>
@@ -130,6 +156,9 @@ struct FileRecord<frame::FileKind::sheet> {
     return SaveOldSheet(path, &sheet, static_cast<std::uint16_t>(version));
   }
   static std::int64_t walk(auto& io, Record& sheet) { return statusOf(io.walk(sheet)); }
+  static std::int64_t read(codec::InStream& stream, int version, Record& sheet) {
+    return ReadOldSheet(stream, version, sheet);
+  }
 };
 
 // Calls use(FileRecord<kind>()).

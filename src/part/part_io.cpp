@@ -66,6 +66,11 @@ bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart
   return writeRecord(stream, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file});
 }
 
+int ReadGroupPart(InStream& stream, int version, SheetPartList& list) {
+  codec::GroupPartFile<std::vector<TorvPart>> file{list.parts};
+  return resultOf(readRecord(stream, version, file));
+}
+
 std::int64_t SavePart(const char* path, const TorvPart& part, int version) {
   return frame::saveFile(
       path, version, frame::isPartVersion,

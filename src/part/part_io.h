@@ -30,6 +30,9 @@ int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, b
 int ReadOldestPart(InStream& stream, int version, TorvPart& part);
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part);
 
+// A group part file after its version word.
+int ReadGroupPart(InStream& stream, int version, SheetPartList& list);
+
 // Saves any part as a part file, as SaveTorvPart saves the part builder.
 std::int64_t SavePart(const char* path, const TorvPart& part, int version);
 // Saves the parts as a group part file. -2 unless the list has at least one part and nameBlockSize is 1 to 256; -1 for

@@ -45,10 +45,8 @@ extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
 extern "C" int64_t LoadGroupPart(const char* path, SheetPartList* list) noexcept {
   if (list == nullptr) return kNotOpened;
   const auto keepNothing = [](int) {};
-  return loadFile(FileKind::groupPart, path, keepNothing, [&](InStream& stream, int version) -> std::int64_t {
-    GroupPartFile<std::vector<TorvPart>> file{list->parts};
-    return resultOf(readRecord(stream, version, file));
-  });
+  return loadFile(FileKind::groupPart, path, keepNothing,
+                  [&](InStream& stream, int version) { return ReadGroupPart(stream, version, *list); });
 }
 
 extern "C" SheetPartList* CreateOldPartlistInfo() noexcept { return new (std::nothrow) SheetPartList; }

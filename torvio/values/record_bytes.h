@@ -68,8 +68,7 @@ LoadedRecord<kKind> loadRecord(std::span<const std::byte> bytes, std::string_vie
   }
   const bool isTable = startsWithTable(kKind, version);
   codec::InStream body(isTable ? bytes : bytes.subspan(sizeof version));
-  codec::Reader io(body, version);
-  loaded.status = FileRecord<kKind>::walk(io, *loaded.record);
+  loaded.status = FileRecord<kKind>::read(body, version, *loaded.record);
   loaded.walked = body.position() + (isTable ? 0 : sizeof version);
   if constexpr (kKind == frame::FileKind::material) {
     // A file that is a table only takes its name from there.

@@ -54,6 +54,11 @@ class Reader : public Reading<Reader> {
  public:
   explicit Reader(InStream& in, int version = kUnversioned) : Reading(version), in_(in) {}
 
+  void forgiven() {
+    Reading::forgiven();
+    in_.noteForgiven();
+  }
+
   // A run of fields is checked once against what is there; only one that does not fit goes field by
   // field, so that exactly the complete fields are set.
   template <class Names, class... T>

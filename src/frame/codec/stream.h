@@ -46,6 +46,10 @@ class InStream {
   bool skip(std::uint64_t size);
   void toEnd();
 
+  // Whether a reader failed on the way where the format tolerates it.
+  bool wasForgiven() const { return wasForgiven_; }
+  void noteForgiven() { wasForgiven_ = true; }
+
   static constexpr std::size_t kLargestRun = 40960;
 
  private:
@@ -58,6 +62,7 @@ class InStream {
   std::uint64_t base_ = 0;   // position of begin_ in the file
   std::uint64_t after_ = 0;  // bytes of the file after the window
   bool sizeKnown_ = true;
+  bool wasForgiven_ = false;
   std::FILE* file_ = nullptr;
   std::unique_ptr<std::byte[]> window_;
   std::size_t capacity_ = 0;
