@@ -7,6 +7,10 @@
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <span>
+#include <string>
+#include <tuple>
+#include <vector>
 
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
@@ -347,6 +351,41 @@ TEST(Map, StatusOfAFileOfUnknownKindSaysWhetherAnyKindHasItsVersion) {
   const FileReport cut = mapped(Bytes().u8(180));
   EXPECT_EQ(cut.status, 1);
   EXPECT_EQ(cut.walked, 0U);
+}
+
+// Whole lines: what a walk reports of some bytes is what it reports of them in a walk over all.
+using WholeLine = std::tuple<std::uint64_t, std::uint64_t, std::string, std::string, std::size_t, const StoredForm*>;
+std::vector<WholeLine> linesOf(std::span<const std::byte> file, FileKind kind, OffsetRange wanted, FileReport& report) {
+  std::vector<WholeLine> lines;
+  report = mapFile(
+      file, kind,
+      [&](const MapLine& l) { lines.emplace_back(l.offset, l.size, l.path, l.value, l.nameAt, l.forms.data()); },
+      wanted);
+  return lines;
+}
+
+TEST(Map, WantedBytesChooseLinesAndChangeNothingElse) {
+  for (const auto& kind : kinds()) {
+    const Bytes whole = kind.file(kind.versions.back());
+    for (const std::size_t cut : {whole.span().size(), whole.span().size() / 2}) {
+      const std::span<const std::byte> file = whole.span().first(cut);
+      FileReport all, some;
+      const std::vector<WholeLine> lines = linesOf(file, kind.kind, {}, all);
+      for (const OffsetRange wanted : {OffsetRange{0, 0}, OffsetRange{1, 2}, OffsetRange{cut / 3, cut / 3 + 40},
+                                       OffsetRange{cut - 1}, OffsetRange{cut + 5}, OffsetRange{0, cut}}) {
+        std::vector<WholeLine> expected;
+        for (const WholeLine& line : lines)
+          if (std::get<1>(line) == 0 || wanted.overlaps(std::get<0>(line), std::get<1>(line))) expected.push_back(line);
+        EXPECT_EQ(linesOf(file, kind.kind, wanted, some), expected) << kind.name << " from " << wanted.first;
+        EXPECT_EQ(some.status, all.status);
+        EXPECT_EQ(some.walked, all.walked);
+        ASSERT_EQ(some.fault.has_value(), all.fault.has_value());
+        if (!all.fault) continue;
+        EXPECT_EQ(some.fault->path, all.fault->path);
+        EXPECT_EQ(some.fault->offset, all.fault->offset);
+      }
+    }
+  }
 }
 
 TEST(Map, FieldsOfABlockHaveTheirOffsetsAndNames) {

@@ -147,7 +147,7 @@ class MapCommand : public Command {
       report::appendJsonLine(json, line, filter_, file.bytes(), forJson);
       output.write(json);
     };
-    const explain::FileReport report = explain::mapFile(file.bytes(), kind, sink);
+    const explain::FileReport report = explain::mapFile(file.bytes(), kind, sink, filter_.wanted());
     if (!found) printError(onOneLine(file_) + ": no field " + (filter_.path ? "matches" : "is at these bytes"));
     if (!report.fault) return kSound;
     if (json_) {

@@ -15,11 +15,16 @@ using namespace codec;
 using namespace frame;
 
 // The file after its version word, or all of it if it starts with a table.
-template <class Io>
-std::int64_t walkBody(FileKind kind, Io& io) {
+std::int64_t walkBody(FileKind kind, Mapper& io) {
   return withFileRecord(kind, [&](auto file) {
     const auto record = std::make_unique<typename decltype(file)::Record>();
     return file.walk(io, *record);
+  });
+}
+std::int64_t readBody(FileKind kind, InStream& stream, int version) {
+  return withFileRecord(kind, [&](auto file) {
+    const auto record = std::make_unique<typename decltype(file)::Record>();
+    return file.read(stream, version, *record);
   });
 }
 
@@ -54,14 +59,14 @@ std::string describe(const Fault& fault) {
   return "at " + hexOffset(fault.offset) + " in " + fault.path + ": " + fault.reason;
 }
 
-FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSink& sink) {
+FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSink& sink, OffsetRange wanted) {
   FileReport report;
   InStream stream(bytes);
   report.size = bytes.size();
   report.version = versionOf(bytes);
 
   if (!report.version || !startsWithTable(kind, *report.version)) {
-    Mapper head(stream, kUnversioned, sink);
+    Mapper head(stream, kUnversioned, sink, wanted);
     std::int16_t version = 0;
     if (!head.fields(FIELDS(version))) {
       report.status = kDamaged;
@@ -76,7 +81,7 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
       return report;
     }
   }
-  Mapper body(stream, *report.version, sink);
+  Mapper body(stream, *report.version, sink, wanted);
   report.status = walkBody(kind, body);
   report.walked = body.walked();
   report.tolerated = body.tolerated();
@@ -87,13 +92,14 @@ FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const MapSin
   return report;
 }
 
-FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const MapSink& sink) {
-  if (kind) return mapFile(bytes, *kind, sink);
+FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const MapSink& sink,
+                   OffsetRange wanted) {
+  if (kind) return mapFile(bytes, *kind, sink, wanted);
   FileReport report;
   report.size = bytes.size();
   report.status = kDamaged;
   InStream stream(bytes);
-  Mapper head(stream, kUnversioned, sink);
+  Mapper head(stream, kUnversioned, sink, wanted);
   std::int16_t version = 0;
   if (!head.fields(FIELDS(version))) {
     report.fault = head.fault();
@@ -115,8 +121,7 @@ FileReport checkFile(std::span<const std::byte> bytes, FileKind kind) {
   if (version && infoOf(kind).accepts(*version)) {
     InStream stream(bytes);
     if (!startsWithTable(kind, *version)) (void)stream.skip(sizeof(std::int16_t));
-    Reader io(stream, *version);
-    if (walkBody(kind, io) == kDone && !io.forgave())
+    if (readBody(kind, stream, *version) == kDone && !stream.wasForgiven())
       return {kDone, version, stream.position(), bytes.size(), std::nullopt, std::nullopt};
   }
   return mapFile(bytes, kind, nullptr);

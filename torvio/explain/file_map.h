@@ -9,6 +9,7 @@
 
 #include "src/frame/file_kinds.h"
 #include "torvio/explain/map.h"
+#include "torvio/explain/offset_range.h"
 
 namespace oldtorvio::explain {
 
@@ -35,10 +36,13 @@ std::string hexOffset(std::uint64_t offset);
 // "at 00000012 in tool.dimension1: needs 4 bytes, the file has 2".
 std::string describe(const Fault& fault);
 
-// Walks the bytes of a file as one of that kind and reports every field to the sink, the version word first.
-FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const explain::MapSink& sink);
+// Walks the bytes of a file as one of that kind and reports every field to the sink, the version word first; or only
+// the fields that share a byte with the wanted ones, and all remarks, which is much faster.
+FileReport mapFile(std::span<const std::byte> bytes, FileKind kind, const explain::MapSink& sink,
+                   OffsetRange wanted = {});
 // Of a file of unknown kind only the version word is known: the fault says why.
-FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const explain::MapSink& sink);
+FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kind, const explain::MapSink& sink,
+                   OffsetRange wanted = {});
 // The same report without the fields, much faster for a sound file.
 FileReport checkFile(std::span<const std::byte> bytes, FileKind kind);
 

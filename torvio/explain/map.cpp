@@ -59,6 +59,15 @@ void printRuns(std::string& to, const std::uint8_t* bytes, std::size_t width) {
   }
 }
 
+void printStored(std::string& to, const StoredForm& form, const std::byte* from, std::size_t size) {
+  if (form.kind == StoredForm::Kind::text)
+    printText(to, reinterpret_cast<const char*>(from), size);
+  else if (form.kind == StoredForm::Kind::bytes)
+    printBytes(to, reinterpret_cast<const std::uint8_t*>(from), size);
+  else
+    form.print(to, from);
+}
+
 }  // namespace
 
 std::vector<std::string> fieldNames(std::string_view stringised) {
@@ -113,34 +122,48 @@ void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width) {
 bool Mapper::text(std::string& to, std::uint64_t size) {
   const std::uint64_t at = in_.position();
   if (!in_.append(to, size)) {
-    endsHere("text", size);
+    endsHere({"text"}, size);
     return false;
   }
   if (!isReported(at)) return true;
   std::string value;
   printText(value, to.data(), to.size());
-  report(size, "text", std::move(value), kText);
+  report(size, {"text"}, std::move(value), kText);
   return true;
 }
 
 bool Mapper::drop(std::size_t size) {
   const std::uint64_t at = in_.position();
   if (!in_.skip(size)) {
-    endsHere("reserved", size);
+    endsHere({"reserved"}, size);
     return false;
   }
   static constexpr StoredForm kReserved;
-  if (isReported(at)) report(size, "reserved", "(dropped)", {&kReserved, 1});
+  if (isReported(at)) report(size, {"reserved"}, "(dropped)", {&kReserved, 1});
   return true;
 }
 
-const std::byte* Mapper::take(const std::string& name, std::size_t size) {
-  const std::byte* from = in_.run(size);
-  if (from == nullptr) endsHere(name, size);
+const std::byte* Mapper::field(const Name& name, std::size_t size, std::span<const StoredForm> forms) {
+  const std::uint64_t at = in_.position();
+  const std::byte* const from = in_.run(size);
+  if (from == nullptr) {
+    endsHere(name, size);
+    return nullptr;
+  }
+  in_.consume(size);
+  if (!isReported(at)) return from;
+  std::string value;
+  const std::byte* next = from;
+  for (const StoredForm& form : forms) {
+    if (!value.empty()) value += ' ';
+    printStored(value, form, next, form.size > 0 ? form.size : size);
+    next += form.size;
+  }
+  report(size, name, std::move(value), forms);
   return from;
 }
 
-void Mapper::endsHere(const std::string& name, std::uint64_t size) {
+void Mapper::endsHere(const Name& name, std::uint64_t size) {
   fault_ = Fault{in_.position(), pathOf(name),
                  "needs " + plural(size, "byte") + ", the file has " + std::to_string(in_.left())};
   in_.toEnd();
@@ -150,21 +173,15 @@ void Mapper::endsHere(const std::string& name, std::uint64_t size) {
 bool Mapper::isReported(std::uint64_t offset) {
   lastOffset_ = offset;
   if (in_.position() > offset) walked_ = in_.position();
-  return sink_ != nullptr;
+  return sink_ != nullptr && wanted_.overlaps(offset, in_.position() - offset);
 }
 
-bool Mapper::advance(std::size_t size) {
-  const std::uint64_t at = in_.position();
-  in_.consume(size);
-  return isReported(at);
-}
-
-void Mapper::report(std::uint64_t size, const std::string& name, std::string value, std::span<const StoredForm> forms) {
-  sink_({lastOffset_, size, pathOf(name), std::move(value), forms, path_.size()});
+void Mapper::report(std::uint64_t size, const Name& name, std::string value, std::span<const StoredForm> forms) {
+  sink_({lastOffset_, size, pathOf(name), std::move(value), forms, path().size()});
 }
 
 void Mapper::refusedHere() {
-  fault_ = Fault{in_.position(), pathOf(std::string(kRest)), "is not read in a file of this version"};
+  fault_ = Fault{in_.position(), pathOf({kRest.data()}), "is not read in a file of this version"};
 }
 
 void Mapper::forgiven() {
@@ -176,29 +193,42 @@ void Mapper::forgiven() {
 
 void Mapper::remark(std::string text) {
   if (sink_ == nullptr) return;
-  sink_({in_.position(), 0, path_.substr(0, path_.size() - (path_.empty() ? 0 : 1)), std::move(text)});
-}
-
-void Mapper::enterPath(const std::string& name, std::int64_t index) {
-  const std::size_t before = path_.size();
-  path_ = pathOf(name);
-  if (index >= 0) path_.append("[").append(std::to_string(index)).append("]");
-  path_ += '.';
-  outer_.push_back({before, row_});
+  const std::string_view around = path();
+  sink_({in_.position(), 0, std::string(around.substr(0, around.size() - (around.empty() ? 0 : 1))), std::move(text)});
 }
 
 void Mapper::leave() {
-  path_.resize(outer_.back().pathLength);
-  row_ = outer_.back().row;
-  outer_.pop_back();
+  row_ = around_.back().row;
+  around_.pop_back();
+  if (named_ <= around_.size()) return;
+  named_ = around_.size();
+  path_.resize(around_.empty() ? 0 : around_.back().pathSize);
+}
+
+const std::string& Mapper::path() {
+  for (; named_ < around_.size(); ++named_) {
+    Around& next = around_[named_];
+    appendName(path_, next.name, next.row);
+    path_ += '.';
+    next.pathSize = path_.size();
+  }
+  return path_;
+}
+
+std::string Mapper::pathOf(const Name& name) {
+  std::string path = this->path();
+  appendName(path, name, row_);
+  return path;
 }
 
 // "itself" is an element without fields of its own, "[i]" the present row.
-std::string Mapper::pathOf(const std::string& name) const {
-  if (name == "itself") return path_.substr(0, path_.size() - 1);
-  std::string path = path_ + name;
-  if (const auto at = path.find("[i]"); at != std::string::npos) path.replace(at + 1, 1, std::to_string(row_));
-  return path;
+void Mapper::appendName(std::string& path, const Name& name, std::int64_t row) {
+  const std::string& text = names_.of(name.names)[name.at];
+  if (text == "itself") return path.pop_back();
+  const std::size_t from = path.size();
+  path += text;
+  if (const auto at = path.find("[i]", from); at != std::string::npos) path.replace(at + 1, 1, std::to_string(row));
+  if (name.index >= 0) path.append("[").append(std::to_string(name.index)).append("]");
 }
 
 }  // namespace oldtorvio::explain

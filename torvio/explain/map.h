@@ -9,10 +9,12 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "src/frame/codec/reading.h"
 #include "src/frame/codec/stream.h"
+#include "torvio/explain/offset_range.h"
 
 namespace oldtorvio::explain {
 
@@ -52,12 +54,19 @@ inline constexpr std::string_view kRest = "rest";
 // The names in the text of an FIELDS(...): "r.list.count, as<std::int16_t>(r.kind)" has "list.count" and
 // "kind".
 std::vector<std::string> fieldNames(std::string_view stringised);
-// The same, taken apart once for each FIELDS(...): each has a type of its own.
-template <class Names>
-const std::vector<std::string>& namesOf(const Names& names) {
-  static const std::vector<std::string> taken = fieldNames(names());
-  return taken;
-}
+// The same for one walk, which takes each text apart when it first needs a name of it.
+class FieldNames {
+ public:
+  const std::vector<std::string>& of(const char* text) {
+    std::vector<std::string>& names = known_[text];
+    if (names.empty()) names = fieldNames(text);
+    return names;
+  }
+
+ private:
+  // By their addresses: each FIELDS(...) has one text.
+  std::unordered_map<const void*, std::vector<std::string>> known_;
+};
 
 void printValue(std::string& to, std::int64_t value);
 void printValue(std::string& to, float value);
@@ -67,9 +76,10 @@ void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width);
 
 class Mapper : public codec::Reading<Mapper> {
  public:
-  // Without a sink the walk only finds the fault, which is faster.
-  Mapper(codec::InStream& in, int version, MapSink sink)
-      : Reading(version), in_(in), sink_(std::move(sink)), walked_(in.position()) {}
+  // Without a sink the walk only finds the fault, which is faster. The same holds outside the wanted bytes: only fields
+  // that share a byte with them are reported, and all remarks.
+  Mapper(codec::InStream& in, int version, MapSink sink, OffsetRange wanted = {})
+      : Reading(version), in_(in), sink_(std::move(sink)), wanted_(wanted), walked_(in.position()) {}
 
   const std::optional<Fault>& fault() const { return fault_; }
   // The first that the format tolerates.
@@ -79,38 +89,27 @@ class Mapper : public codec::Reading<Mapper> {
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
-    const std::vector<std::string>& names = namesOf(f.names);
     std::size_t i = 0;
-    return std::apply([&](auto&... m) { return (item(names[i++], m) && ...); }, f.members);
+    return std::apply([&](auto&... m) { return (item({f.names(), i++}, m) && ...); }, f.members);
   }
   template <class Names, class M>
   [[nodiscard]] bool fieldOf(const Names& names, std::size_t i, M& member) {
-    return item(namesOf(names)[i], member);
+    return item({names(), i}, member);
   }
   template <class Names, std::size_t N, class T>
   [[nodiscard]] bool numbers(const Names& names, T (&members)[N], std::size_t count) {
-    return numberRow(namesOf(names).front(), members, count);
+    return numberRow({names()}, members, count);
   }
   template <class Names, class M>
   [[nodiscard]] bool indexed(const Names& names, std::size_t i, M& member) {
-    return item(namesOf(names).front() + '[' + std::to_string(i) + ']', member);
+    return item({names(), 0, static_cast<std::int64_t>(i)}, member);
   }
   template <class Names, class M>
-  [[nodiscard]] bool sizedField(const Names& names, M& field, std::size_t size) {
-    const std::string& name = namesOf(names).front();
-    const std::byte* from = take(name, size);
-    if (from == nullptr) return false;
-    std::memcpy(std::data(field), from, size);
-    if (!advance(size)) return true;
-    std::string value;
-    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(field[0])>, char>) {
-      printText(value, std::data(field), size);
-      report(size, name, std::move(value), kText);
-    } else {
-      printBytes(value, std::data(field), size);
-      report(size, name, std::move(value), kBytes);
-    }
-    return true;
+  [[nodiscard]] bool sizedField(const Names& names, M& member, std::size_t size) {
+    constexpr bool kIsText = std::is_same_v<std::remove_cvref_t<decltype(member[0])>, char>;
+    const std::byte* const from = field({names()}, size, kIsText ? kText : kBytes);
+    if (from != nullptr) std::memcpy(std::data(member), from, size);
+    return from != nullptr;
   }
   bool text(std::string& to, std::uint64_t size);
   bool drop(std::size_t size);
@@ -120,13 +119,13 @@ class Mapper : public codec::Reading<Mapper> {
 
   template <class Names>
   void enter(const Names& names, std::int64_t index = -1, std::size_t list = 0) {
-    enterPath(namesOf(names)[list], index);
+    around_.push_back({{names(), list, index}, row_, 0});
   }
   void leave();
   void atRow(std::int64_t row) { row_ = row; }
   template <class Names>
   void refused(const Names& names, std::int64_t value) {
-    fault_ = Fault{lastOffset_, pathOf(namesOf(names).front()), "the value " + std::to_string(value) + " is refused"};
+    fault_ = Fault{lastOffset_, pathOf({names()}), "the value " + std::to_string(value) + " is refused"};
   }
   void refusedHere();
   void forgiven();
@@ -134,26 +133,30 @@ class Mapper : public codec::Reading<Mapper> {
   void remark(std::string text);
 
  private:
+  // A field or a list, one of those in the text of a FIELDS(...); or an entry of it.
+  struct Name {
+    const char* names;
+    std::size_t at = 0;
+    std::int64_t index = -1;
+  };
+
   template <class M>
-  bool item(const std::string& name, M& member) {
+  bool item(const Name& name, M& member) {
     using Item = codec::wire::ItemOf<M>;
     if constexpr (Item::kIsRow) {
       return numberRow(name, member, std::extent_v<M>);
     } else {
-      const std::byte* from = take(name, Item::kWidth);
-      if (from == nullptr) return false;
-      Item::load(member, from);
-      if (!advance(Item::kWidth)) return true;
-      std::string value;
-      print(value, member);
-      report(Item::kWidth, name, std::move(value), Forms<std::remove_cvref_t<M>>::kAll);
-      return true;
+      const std::byte* const from = field(name, Item::kWidth, Forms<std::remove_cvref_t<M>>::kAll);
+      if (from != nullptr) Item::load(member, from);
+      return from != nullptr;
     }
   }
   template <class T>
-  bool numberRow(const std::string& name, T* members, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-      if (!item(name + '[' + std::to_string(i) + ']', members[i])) return false;
+  bool numberRow(Name name, T* members, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      name.index = static_cast<std::int64_t>(i);
+      if (!item(name, members[i])) return false;
+    }
     return true;
   }
 
@@ -163,27 +166,6 @@ class Mapper : public codec::Reading<Mapper> {
       printValue(to, value);
     else
       printValue(to, static_cast<std::int64_t>(value));
-  }
-  template <std::size_t N>
-  static void print(std::string& to, const char (&text)[N]) {
-    printText(to, text, N);
-  }
-  template <std::size_t N>
-  static void print(std::string& to, const std::uint8_t (&bytes)[N]) {
-    printBytes(to, bytes, N);
-  }
-  template <class Stored, class T>
-  static void print(std::string& to, const codec::As<Stored, T>& as) {
-    print(to, as.member);
-  }
-  template <class T>
-  static void print(std::string& to, const codec::NonZero<T>& number) {
-    print(to, number.stored);
-  }
-  template <class... T>
-  static void print(std::string& to, const codec::Block<T...>& block) {
-    std::apply([&](auto&... m) { ((print(to, m), to += ' '), ...); }, block.members);
-    to.pop_back();
   }
 
   // The stored forms of what an item consists of.
@@ -202,25 +184,31 @@ class Mapper : public codec::Reading<Mapper> {
     return {StoredForm::Kind::number, type, sizeof(Stored), print};
   }
 
-  // The next bytes, not yet reported; or null, with the fault noted and the stream at its end.
-  const std::byte* take(const std::string& name, std::size_t size);
-  void endsHere(const std::string& name, std::uint64_t size);
+  // Reads the next bytes, a field of these forms, and reports them. Null if the file ends before.
+  const std::byte* field(const Name& name, std::size_t size, std::span<const StoredForm> forms);
+  void endsHere(const Name& name, std::uint64_t size);
   // The field from there to the stream's position was read. Whether it is to be reported.
   bool isReported(std::uint64_t offset);
-  // The same for the next bytes, after they were taken.
-  bool advance(std::size_t size);
-  void report(std::uint64_t size, const std::string& name, std::string value, std::span<const StoredForm> forms);
-  void enterPath(const std::string& name, std::int64_t index);
-  std::string pathOf(const std::string& name) const;
+  void report(std::uint64_t size, const Name& name, std::string value, std::span<const StoredForm> forms);
+  // What the walk is inside of, with a "." at the end unless that is the file.
+  const std::string& path();
+  std::string pathOf(const Name& name);
+  void appendName(std::string& path, const Name& name, std::int64_t row);
 
   codec::InStream& in_;
   MapSink sink_;
-  std::string path_;  // ends with "." unless empty
-  struct Outer {
-    std::size_t pathLength;
-    std::int64_t row;
+  OffsetRange wanted_;
+  struct Around {
+    Name name;
+    std::int64_t row;      // of what is around it
+    std::size_t pathSize;  // with its own name, once that is part of path_
   };
-  std::vector<Outer> outer_;  // what a record is inside of
+  // The records and lists that the walk is inside of. Most walks need few paths, so each is made when it is needed:
+  // path_ has the names of the first named_ of them.
+  std::vector<Around> around_;
+  std::string path_;
+  FieldNames names_;
+  std::size_t named_ = 0;
   std::int64_t row_ = 0;
   std::uint64_t lastOffset_ = 0;
   std::uint64_t walked_ = 0;

@@ -1,27 +1,11 @@
 #include "torvio/explain/map_filter.h"
 
-#include <charconv>
-
 #include "torvio/explain/map_fields.h"
 
 namespace oldtorvio::explain {
 namespace {
 
 constexpr std::string_view kAnyNumber = "**";
-constexpr std::string_view kRange = "..";
-
-// All of the text as a number, decimal or after "0x" hexadecimal.
-std::optional<std::uint64_t> numberIn(std::string_view text) {
-  int base = 10;
-  if (text.starts_with("0x") || text.starts_with("0X")) {
-    text.remove_prefix(2);
-    base = 16;
-  }
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  const bool isNumber = error == std::errc() && end == text.data() + text.size();
-  return isNumber ? std::optional(value) : std::nullopt;
-}
 
 // Whether the name is one that the pattern describes: * is any part of it, ? one character.
 bool isLike(std::string_view name, std::string_view pattern) {
@@ -102,7 +86,7 @@ bool PathPattern::matchesOne(const Step& step, std::string_view component) {
   const std::string_view name = takeUpTo(indices, '[');
   if (!isLike(name, step.name)) return false;
   for (const Indices& wanted : step.indices) {
-    const auto index = numberIn(takeUpTo(indices, ']'));
+    const auto index = OffsetRange::numberIn(takeUpTo(indices, ']'));
     if (!index || *index < wanted.first || *index > wanted.last) return false;
     if (!indices.empty()) indices.remove_prefix(1);
   }
@@ -132,25 +116,6 @@ bool PathPattern::matches(std::string_view path) const {
     }
     reached.swap(next);
   }
-}
-
-std::optional<OffsetRange> OffsetRange::parsed(std::string_view text) {
-  OffsetRange range;
-  const std::size_t dots = text.find(kRange);
-  const std::string_view first = text.substr(0, dots);
-  const std::string_view last = dots == std::string_view::npos ? first : text.substr(dots + kRange.size());
-  if (first.empty() && last.empty()) return std::nullopt;
-  if (!first.empty()) {
-    const auto number = numberIn(first);
-    if (!number) return std::nullopt;
-    range.first = *number;
-  }
-  if (!last.empty()) {
-    const auto number = numberIn(last);
-    if (!number || *number < range.first) return std::nullopt;
-    range.last = *number;
-  }
-  return range;
 }
 
 bool MapFilter::accepts(const MapLine& line) const {

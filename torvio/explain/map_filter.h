@@ -1,13 +1,13 @@
 // Chooses lines of a map, by path or by offset.
 #pragma once
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "torvio/explain/map.h"
+#include "torvio/explain/offset_range.h"
 
 namespace oldtorvio::explain {
 
@@ -41,24 +41,13 @@ class PathPattern {
   std::vector<Step> steps_;
 };
 
-// Bytes of a file, the first and the last included.
-struct OffsetRange {
-  std::uint64_t first = 0;
-  std::uint64_t last = std::numeric_limits<std::uint64_t>::max();
-
-  // "18", "0x12", "0x12..0x40", "18..", "..64". Nothing for any other text, and if the last is below the first.
-  static std::optional<OffsetRange> parsed(std::string_view text);
-
-  bool overlaps(std::uint64_t offset, std::uint64_t size) const {
-    return offset <= last && (size == 0 ? offset : offset + size - 1) >= first;
-  }
-};
-
 struct MapFilter {
   std::optional<PathPattern> path;
   std::optional<OffsetRange> range;
 
   bool isEmpty() const { return !path && !range; }
+  // What a walk has to report for this filter, and more where it has a path.
+  OffsetRange wanted() const { return range.value_or(OffsetRange()); }
   bool accepts(std::uint64_t offset, std::uint64_t size, std::string_view fieldPath) const {
     return (!range || range->overlaps(offset, size)) && (!path || path->matches(fieldPath));
   }

@@ -28,21 +28,12 @@ class NameReader : public codec::Reading<NameReader> {
 
   template <class Names, class... T>
   [[nodiscard]] bool fields(const codec::Fields<Names, T...>& f) {
-    if (elements_ > 0) return std::apply([&](auto&... m) { return (item(m) && ...); }, f.members);
-    const std::vector<std::string>& names = namesOf(f.names);
     std::size_t i = 0;
-    const auto readOne = [&](auto& member) {
-      if (!item(member)) return false;
-      note(names[i++]);
-      return true;
-    };
-    return std::apply([&](auto&... m) { return (readOne(m) && ...); }, f.members);
+    return std::apply([&](auto&... m) { return (fieldOf(f.names, i++, m) && ...); }, f.members);
   }
   template <class Names, class M>
   [[nodiscard]] bool fieldOf(const Names& names, std::size_t i, M& member) {
-    if (!item(member)) return false;
-    noteOf(names, i);
-    return true;
+    return item(member) && note(names(), i);
   }
   template <class Names, class M>
   [[nodiscard]] bool indexed(const Names& names, std::size_t, M& member) {
@@ -59,8 +50,7 @@ class NameReader : public codec::Reading<NameReader> {
     const std::byte* from = take(size);
     if (from == nullptr) return false;
     std::memcpy(std::data(field), from, size);
-    noteOf(names, 0);
-    return true;
+    return note(names(), 0);
   }
   bool text(std::string& to, std::uint64_t size) { return in_.append(to, size) ? true : fallShort(); }
   bool drop(std::size_t size) { return in_.skip(size) ? true : fallShort(); }
@@ -72,17 +62,7 @@ class NameReader : public codec::Reading<NameReader> {
 
   template <class Names>
   void enter(const Names& names, std::int64_t index = -1, std::size_t list = 0) {
-    const std::string& name = namesOf(names)[list];
-    // A list of which nothing but elements is stored is read if it has one, and so is an array: "slots[i]".
-    const bool isElement = index >= 0 || name.ends_with(']');
-    if (elements_ == 0 && isElement && index <= 0) note(name);
-    if (elements_ > 0 || isElement) {
-      ++elements_;
-      return;
-    }
-    lengths_.push_back(path_.size());
-    path_ += name;
-    path_ += '.';
+    enterList(names(), list, index);
   }
   void leave() {
     if (elements_ > 0) {
@@ -119,12 +99,30 @@ class NameReader : public codec::Reading<NameReader> {
     return fellShort();
   }
 
-  template <class Names>
-  void noteOf(const Names& names, std::size_t i) {
-    if (elements_ == 0) note(namesOf(names)[i]);
+  void enterList(const char* names, std::size_t list, std::int64_t index) {
+    if (elements_ > 0) {
+      ++elements_;
+      return;
+    }
+    const std::string& name = fieldNames_.of(names)[list];
+    // A list of which nothing but elements is stored is read if it has one, and so is an array: "slots[i]".
+    if (index >= 0 || name.ends_with(']')) {
+      if (index <= 0) noteAll(name);
+      ++elements_;
+      return;
+    }
+    lengths_.push_back(path_.size());
+    path_ += name;
+    path_ += '.';
+  }
+
+  // Always true, as a field that has been read.
+  bool note(const char* names, std::size_t i) {
+    if (elements_ == 0) noteAll(fieldNames_.of(names)[i]);
+    return true;
   }
   // A block has several names: "sizeX, sizeY".
-  void note(std::string_view names) {
+  void noteAll(std::string_view names) {
     while (!names.empty()) {
       const std::size_t end = std::min(names.find(','), names.size());
       noteOne(names.substr(0, std::min(names.find('['), end)));
@@ -144,6 +142,7 @@ class NameReader : public codec::Reading<NameReader> {
 
   codec::InStream& in_;
   MemberNames& names_;
+  FieldNames fieldNames_;
   std::string path_;  // ends with "." unless empty
   std::vector<std::size_t> lengths_;
   std::size_t elements_ = 0;  // that the walk is inside of, or records inside of one

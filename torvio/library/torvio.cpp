@@ -151,12 +151,15 @@ void map(Answer& answer, const Input& input, const explain::MapFilter& filter, b
     report = std::move(page.report);
   } else {
     std::string text;
-    report = explain::mapFile(bytes, kind, [&](const explain::MapLine& line) {
-      if (!filter.isEmpty() && !filter.accepts(line)) return;
-      text.clear();
-      report::appendJsonLine(text, line, filter, bytes, input.encoding());
-      answer.append(text);
-    });
+    report = explain::mapFile(
+        bytes, kind,
+        [&](const explain::MapLine& line) {
+          if (!filter.isEmpty() && !filter.accepts(line)) return;
+          text.clear();
+          report::appendJsonLine(text, line, filter, bytes, input.encoding());
+          answer.append(text);
+        },
+        filter.wanted());
     if (report.fault) {
       text.clear();
       report::appendJsonFault(text, *report.fault);
