@@ -12,8 +12,6 @@ rm -rf "$wasm/scratch"
 # They read a pipe, look at the file of a process that has ended, and change the working folder.
 left_out=LoadOldPart.ReadsFromAPipeAsFromAFile:SheetEditsDeathTest.SheetThatEndsInItsOnlyBlockEndsTheProcess
 left_out+=:SpecialToolFolder.IsNeverLookedUpInTheWorkingDirectory
-# Node 20.20 sometimes aborts in this one, without a message.
-left_out+=:Groups.CountOfMembersIsCutTo16Bits
 node --no-warnings "$top/tests/wasm/run_tests.mjs" "$wasm/torvio_wasm_tests.wasm" "$wasm/scratch" --gtest_brief=1 \
   --gtest_filter="-$left_out"
 
