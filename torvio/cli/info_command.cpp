@@ -41,7 +41,7 @@ class InfoCommand : public Command {
         "Examples:\n"
         "  torvio info nest.sheet\n"
         "      Show the size of a nest, its machine, parts and tools.\n"
-        "  torvio info --json *.sheet | jq -r '[.name, .width, .height] | @tsv'\n"
+        "  torvio info --json *.sheet | jq -r '[.label, .width, .height] | @tsv'\n"
         "      Make a table of many nests.\n\n" +
         wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
     return command;
