@@ -243,6 +243,43 @@ describe('picture', () => {
     await page.keyboard.press('ArrowLeft');
     assert.notEqual(await place(), all);
   });
+
+  withPage('two fingers zoom the picture where they are, and a tap picks a part', async (page, {context}) => {
+    await drop(page, [{name: 'nest.sheet', bytes: sample('nest_180.sheet')}]);
+    await picture(page);
+    const box = await page.locator('.lens').boundingBox();
+    const x = box.x + box.width / 2, y = box.y + box.height / 2;
+    const touches = await context.newCDPSession(page);
+    const touch = (type, ...points) =>
+      touches.send('Input.dispatchTouchEvent', {type, touchPoints: points.map(([at, to], id) => ({x: at, y: to, id}))});
+    // Where the picture is, in its own coordinates, under the middle of the lens; and its scale.
+    const lens = () => page.evaluate(([atX, atY]) => {
+      const paper = document.querySelector('.paper').getBoundingClientRect();
+      const scale = paper.width / document.querySelector('.paper').offsetWidth;
+      return {scale, x: (atX - paper.x) / scale, y: (atY - paper.y) / scale};
+    }, [x, y]);
+    const before = await lens();
+    await touch('touchStart', [x - 50, y], [x + 50, y]);
+    for (let apart = 60; apart <= 150; apart += 10) await touch('touchMove', [x - apart, y], [x + apart, y]);
+    await touch('touchEnd');
+    const after = await lens();
+    assert.ok(Math.abs(after.scale / before.scale - 3) < 0.05, `from ${before.scale} to ${after.scale}`);
+    assert.ok(Math.hypot(after.x - before.x, after.y - before.y) < 8, JSON.stringify([before, after]));
+    assert.equal(await page.locator('.shape-list table').count(), 0, 'a pinch picks nothing');
+    await page.locator('.lens').focus();
+    await page.keyboard.press('0');
+    // The middle of the first placement of the first part.
+    const svg = torvio.draw(sample('nest_180.sheet'), {name: 'nest.sheet'});
+    const outline = /<path d="M([\d.]+) ([\d.]+)L[\d.]+ [\d.]+L([\d.]+) ([\d.]+)[^>]* class="part1"/;
+    const corners = outline.exec(svg).slice(1).map(Number);
+    const whole = await lens();
+    const at = [x + ((corners[0] + corners[2]) / 2 - whole.x) * whole.scale,
+                y + ((corners[1] + corners[3]) / 2 - whole.y) * whole.scale];
+    await touch('touchStart', at);
+    await touch('touchEnd');
+    await page.waitForSelector('.shape-list table');
+    assert.match(await textOf(page, '.shape-list h3'), /^1 {1,2}BRACKET 01/);
+  }, {hasTouch: true});
 });
 
 describe('record and bytes', () => {
