@@ -10,9 +10,10 @@ using codec::Reader;
 using codec::readRecord;
 using codec::resultOf;
 using codec::Writer;
-using codec::writeRecord;
 
-DEFINE_RECORD_CODEC(SheetPartList, SheetPartList)
+int ReadSheetPartList(InStream& stream, int version, SheetPartList& list) {
+  return resultOf(readRecord(stream, version, list));
+}
 DEFINE_UNVERSIONED_CODEC(SheetSetupList, SheetSetupList)
 DEFINE_LIST_CODEC(SheetTextEntries, std::vector<SheetTextEntry>, codec::kReplaced)
 int ReadNamedWorkLists(InStream& stream, int version, std::vector<NamedWorkList>& list) {
@@ -36,6 +37,5 @@ bool WriteShapeWorkBlocks(OutStream& stream, int version, const std::vector<Shap
 int ReadOldSheet(InStream& stream, int version, OldSheet& sheet) {
   return resultOf(readRecord(stream, version, sheet));
 }
-bool WriteOldSheet(OutStream& stream, int version, OldSheet& sheet) { return writeRecord(stream, version, sheet); }
 
 }  // namespace oldtorvio

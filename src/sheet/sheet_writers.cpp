@@ -1,0 +1,16 @@
+// The writers of the largest records of sheet_io.h, which take a compiler as long as all of sheet_io.cpp.
+#include "src/frame/codec/writer.h"
+#include "src/sheet/sheet_io.h"
+#include "src/sheet/sheet_layout.h"
+
+namespace oldtorvio {
+
+bool WriteSheetPartList(OutStream& stream, int version, const SheetPartList& list) {
+  return codec::writeRecord(stream, version, list);
+}
+
+bool WriteOldSheet(OutStream& stream, int version, OldSheet& sheet) {
+  return codec::writeRecord(stream, version, sheet);
+}
+
+}  // namespace oldtorvio
