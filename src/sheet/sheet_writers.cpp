@@ -1,4 +1,4 @@
-// The writers of the largest records of sheet_io.h, which take a compiler as long as all of sheet_io.cpp.
+// The writers of the largest records of sheet_io.h: compiled apart, because they take a compiler long.
 #include "src/frame/codec/writer.h"
 #include "src/sheet/sheet_io.h"
 #include "src/sheet/sheet_layout.h"
