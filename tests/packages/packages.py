@@ -233,10 +233,20 @@ class Checks:
     def lintian(self):
         if not shutil.which("lintian"):
             raise Skipped("lintian is not installed")
-        command = ["lintian", "--display-info", "--pedantic", "--suppress-tags", "unused-override",
-                   *sorted(self.made.glob("*.deb"))]
-        done = subprocess.run([str(one) for one in command], capture_output=True, text=True)
+        packages = [str(one) for one in sorted(self.made.glob("*.deb"))]
+        command = ["lintian", "--display-info", "--pedantic", "--suppress-tags", "unused-override", *packages]
+        done = subprocess.run(command, capture_output=True, text=True)
         require(done.returncode == 0 and not done.stdout, f"lintian remarks:\n{done.stdout}{done.stderr}")
+        # Overridden, because machine code can look like a misspelt word.
+        tag = "spelling-error-in-binary"
+        found = run(["lintian", "--no-override", "--display-info", "--tags", tag, *packages])
+        words = set(re.findall(rf"{tag} (\S+) ", found))
+        sources = [file for folder in ("include", "src", "torvio", "bindings/python")
+                   for file in sorted((self.source / folder).rglob("*")) if file.suffix in (".h", ".cpp", ".css", ".js", ".in")]
+        require(len(sources) > 100, "where are the sources?")
+        for file in sources:
+            wrong = words.intersection(re.findall(r"\w+", file.read_text(encoding="utf-8")))
+            require(not wrong, f"{file} has misspelt words: {sorted(wrong)}")
 
     def used(self, prefix, libraries, environment, samples):
         """Each part of an installation below `prefix`, by a user whose environment is `environment`."""
