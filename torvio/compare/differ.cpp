@@ -210,8 +210,13 @@ Alignment Differ::aligned(ListPair lists) {
     return keys;
   };
   std::vector<Key> a = keysOf(lists.a, lists.countOfA), b = keysOf(lists.b, lists.countOfB);
-  // Of several ways to pair them the one that is taken must not depend on which of the two is A.
-  const bool isMirrored = b < a;
+  // Of several ways to pair them the one that is taken must not depend on which of the two is A, nor on the host.
+  const auto [differentA, differentB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+  const auto i = static_cast<std::size_t>(differentA - a.begin());
+  const bool isMirrored =
+      differentA == a.end() || differentB == b.end()
+          ? b.size() < a.size()
+          : orderOf(lists.element, at(lists.b, i, lists.element), at(lists.a, i, lists.element)) < 0;
   if (isMirrored) {
     std::swap(a, b);
     std::swap(lists.a, lists.b);

@@ -209,6 +209,39 @@ bool haveSameElements(const MemberNode& node, const void* a, const void* b, std:
   return true;
 }
 
+template <class T>
+int orderOfNumbers(const void* a, const void* b) {
+  T ofA{}, ofB{};
+  std::memcpy(&ofA, a, sizeof ofA);
+  std::memcpy(&ofB, b, sizeof ofB);
+  return (ofB < ofA ? 1 : 0) - (ofA < ofB ? 1 : 0);
+}
+int orderOfNumbers(Form form, const void* a, const void* b) {
+  switch (form) {
+    case Form::int8:
+      return orderOfNumbers<std::int8_t>(a, b);
+    case Form::uint8:
+      return orderOfNumbers<std::uint8_t>(a, b);
+    case Form::int16:
+      return orderOfNumbers<std::int16_t>(a, b);
+    case Form::uint16:
+      return orderOfNumbers<std::uint16_t>(a, b);
+    case Form::int32:
+      return orderOfNumbers<std::int32_t>(a, b);
+    case Form::float64:
+      return orderOfNumbers<std::uint64_t>(a, b);
+    // By its bits, which all differ.
+    default:
+      return orderOfNumbers<std::uint32_t>(a, b);
+  }
+}
+int orderOfElements(const MemberNode& node, const void* a, const void* b, std::size_t count) {
+  int order = 0;
+  for (std::size_t i = 0; i < count && order == 0; ++i)
+    order = orderOf(node, at(a, i * node.type->size), at(b, i * node.type->size));
+  return order;
+}
+
 // Longer arrays of numbers are one value of a sketch.
 constexpr std::size_t kLongestSketched = 32;
 
@@ -268,6 +301,42 @@ bool areSame(const MemberNode& node, const void* a, const void* b, double tolera
   }
 }
 
+int orderOf(const MemberNode& node, const void* a, const void* b) {
+  const Type& type = *node.type;
+  int order = 0;
+  switch (type.form) {
+    case Form::text:
+    case Form::fixedText:
+    case Form::bytes:
+      return bytesOf(type, a).compare(bytesOf(type, b));
+    case Form::array:
+      for (std::size_t i = 0; i < type.count && order == 0; ++i)
+        if (node.hasEntry(i))
+          order = orderOf(*node.element, at(a, i * type.element->size), at(b, i * type.element->size));
+      return order;
+    case Form::list: {
+      const std::size_t ofA = node.lengthOf(a), ofB = node.lengthOf(b);
+      order = orderOfElements(*node.element, type.data(a), type.data(b), std::min(ofA, ofB));
+      return order != 0 ? order : (ofB < ofA ? 1 : 0) - (ofA < ofB ? 1 : 0);
+    }
+    case Form::lazyArray:
+      for (std::size_t i = 0; i < type.count && order == 0; ++i) {
+        const void *const ofA = type.lazyAt(a, i), *const ofB = type.lazyAt(b, i);
+        if (ofA != ofB) order = orderOf(*node.element, ofA, ofB);
+      }
+      return order;
+    case Form::pair:
+    case Form::record:
+      for (const MemberNode& member : node.members) {
+        if (member.notStoredIn == Side::none) order = orderOf(member, at(a, member.offset), at(b, member.offset));
+        if (order != 0) break;
+      }
+      return order;
+    default:
+      return orderOfNumbers(type.form, a, b);
+  }
+}
+
 std::uint64_t hashOf(const MemberNode& node, const void* value, double tolerance) {
   return hashed(kSeed, node, value, tolerance);
 }
@@ -298,7 +367,8 @@ void appendSketch(Sketch& to, const MemberNode& node, const void* value, double 
       if (node.hasEntry(i)) appendSketch(to, *node.element, at(value, i * type.element->size), tolerance);
   } else {
     const std::uint64_t hash = hashOf(node, value, tolerance);
-    to.push_back(static_cast<std::uint32_t>(hash ^ (hash >> 32U)));
+    // Where the low half depends on both halves of the last word: a short value is in the upper one on some hosts.
+    to.push_back(static_cast<std::uint32_t>(hash));
   }
 }
 
