@@ -236,8 +236,7 @@ class Pipeline {
     changed_.wait(lock, [&] { return place || error_ || (isAtEnd_ && taken_ == named_); });
     if (error_) std::rethrow_exception(error_);
     if (!place) return std::nullopt;
-    std::optional<FileResult> result = std::move(place);
-    place.reset();
+    std::optional<FileResult> result = std::exchange(place, std::nullopt);
     ++taken_;
     weight_ -= weightOf(*result);
     hasRoom_.notify_all();
