@@ -228,9 +228,9 @@ int orderOfNumbers(Form form, const void* a, const void* b) {
       return orderOfNumbers<std::uint16_t>(a, b);
     case Form::int32:
       return orderOfNumbers<std::int32_t>(a, b);
+    // Reals by their bits, which differ for all that are not the same.
     case Form::float64:
       return orderOfNumbers<std::uint64_t>(a, b);
-    // By its bits, which all differ.
     default:
       return orderOfNumbers<std::uint32_t>(a, b);
   }

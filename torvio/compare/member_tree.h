@@ -66,8 +66,8 @@ MemberNode memberTree(const values::Type& type, const DiffOptions& options, cons
 
 // Whether numbers, texts and all else that identifies the elements of a list are the same.
 bool areSame(const MemberNode& node, const void* a, const void* b, double tolerance);
-// Below, equal to or above 0 as a is before, the same as or after b, by their values in the order of the members: on
-// every host the same, which their bytes in memory and their hashes are not.
+// Negative, 0 or positive: a is before, the same as or after b, by their values, member by member. Unlike hashes and
+// bytes in memory, this is the same on every host.
 int orderOf(const MemberNode& node, const void* a, const void* b);
 // Alike for all that areSame() finds the same. With a tolerance two that are may have different ones nevertheless.
 std::uint64_t hashOf(const MemberNode& node, const void* value, double tolerance);
