@@ -47,13 +47,9 @@ struct FileRecord<frame::FileKind::part> {
   using Record = TorvPart;
   static std::int64_t load(const char* path, Record& part) { return LoadOldPart(path, &part); }
   static std::int64_t save(const char* path, Record& part, int version) { return SavePart(path, part, version); }
-  static std::int64_t walk(auto& io, Record& part) {
-    return statusOf(io.version() >= frame::kFirstMainVersion ? io.walk(part, PartForm{})
-                                                             : codec::walkOldestPart(io, part));
-  }
+  static std::int64_t walk(auto& io, Record& part) { return statusOf(codec::walkPartFile(io, part)); }
   static std::int64_t read(codec::InStream& stream, int version, Record& part) {
-    return version >= frame::kFirstMainVersion ? ReadPartBody(stream, version, false, part)
-                                               : ReadOldestPart(stream, version, part);
+    return ReadPartFile(stream, version, part);
   }
 };
 
@@ -116,8 +112,7 @@ struct FileRecord<frame::FileKind::material> {
   }
   static std::int64_t read(codec::InStream& stream, int version, Record& material) {
     const int status = ReadParamTable(stream, material.params);
-    return status != 0 || frame::isParamTableVersion(version) ? status
-                                                              : ReadOldMaterialBody(stream, version, material);
+    return status != 0 || frame::isParamTableVersion(version) ? status : ReadOldMaterialBody(stream, version, material);
   }
 };
 

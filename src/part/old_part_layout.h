@@ -8,6 +8,7 @@
 #include "src/frame/codec/describe.h"
 #include "src/frame/versions.h"
 #include "src/part/old_part_rules.h"
+#include "src/part/part_layout.h"
 #include "src/records/small_layouts.h"
 
 namespace oldtorvio::codec {
@@ -253,6 +254,12 @@ bool walkOldestPart(Io& io, TorvPart& part) {
   Version5Part version5{part};
   Version3Part version3{part};
   return io.version() == frame::kVersion5 ? io.walk(version5) : io.walk(version3);
+}
+
+// A part file of any version, after its version word.
+template <class Io>
+bool walkPartFile(Io& io, TorvPart& part) {
+  return io.version() >= frame::kFirstMainVersion ? io.walk(part, PartForm{}) : walkOldestPart(io, part);
 }
 
 }  // namespace oldtorvio::codec

@@ -52,7 +52,7 @@ struct OldSetupRecord {
 
   bool hasKnownType() const { return type() >= 1 && type() <= 17; }
   bool carriesText() const;  // for a known type
-  int bytesAfter() const;   // discarded bytes between this record and the next
+  int bytesAfter() const;    // discarded bytes between this record and the next
 };
 
 // The entry for a record without text. The caller stores type 10 as the list's current entry and appends the others.

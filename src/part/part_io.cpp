@@ -62,6 +62,10 @@ int ReadOldestPart(InStream& stream, int version, TorvPart& part) {
   Reader io(stream, version);
   return resultOf(codec::walkOldestPart(io, part));
 }
+int ReadPartFile(InStream& stream, int version, TorvPart& part) {
+  Reader io(stream, version);
+  return resultOf(codec::walkPartFile(io, part));
+}
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part) {
   return writeRecord(stream, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file});
 }
@@ -72,20 +76,17 @@ int ReadGroupPart(InStream& stream, int version, SheetPartList& list) {
 }
 
 std::int64_t SavePart(const char* path, const TorvPart& part, int version) {
-  return frame::saveFile(
-      path, version, frame::isPartVersion,
-      [&](OutStream& stream) { return WritePartBody(stream, version, false, part); });
+  return frame::saveFile(path, version, frame::isPartVersion,
+                         [&](OutStream& stream) { return WritePartBody(stream, version, false, part); });
 }
 
 std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version, std::int32_t nameBlockSize) {
-  return frame::saveFile(
-      path, version, frame::isGroupPartVersion,
-      [&](OutStream& stream) {
-        if (list.parts.empty()) return false;
-        const codec::GroupPartFile<const std::vector<TorvPart>> file{
-            list.parts, static_cast<std::int32_t>(list.parts.size() - 1), nameBlockSize};
-        return writeRecord(stream, version, file);
-      });
+  return frame::saveFile(path, version, frame::isGroupPartVersion, [&](OutStream& stream) {
+    if (list.parts.empty()) return false;
+    const codec::GroupPartFile<const std::vector<TorvPart>> file{
+        list.parts, static_cast<std::int32_t>(list.parts.size() - 1), nameBlockSize};
+    return writeRecord(stream, version, file);
+  });
 }
 
 }  // namespace oldtorvio

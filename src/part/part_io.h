@@ -28,6 +28,8 @@ bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingS
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly = false);
 // The body of versions 2, 3 (which always return 1) and 5. There is no writer for them.
 int ReadOldestPart(InStream& stream, int version, TorvPart& part);
+// A part file of any version, after its version word.
+int ReadPartFile(InStream& stream, int version, TorvPart& part);
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part);
 
 // A group part file after its version word.

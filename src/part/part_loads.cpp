@@ -6,7 +6,6 @@
 #include "src/frame/entry.h"
 #include "src/frame/text/text.h"
 #include "src/part/part_io.h"
-#include "src/part/part_layout.h"
 
 namespace oldtorvio {
 namespace {
@@ -37,8 +36,7 @@ extern "C" int64_t LoadOldPart(const char* path, TorvPart* part) noexcept {
       FileKind::part, path, [&](int version) { part->version = version; },
       [&](InStream& stream, int version) -> std::int64_t {
         prepareForLoad(*part, path);
-        return version >= kFirstMainVersion ? ReadPartBody(stream, version, false, *part)
-                                            : ReadOldestPart(stream, version, *part);
+        return ReadPartFile(stream, version, *part);
       });
 }
 
