@@ -5,7 +5,6 @@
 
 namespace oldtorvio {
 
-
 DEFINE_RECORD_CODEC(InventoryEntry, InventoryEntry)
 DEFINE_RECORD_CODEC(ToolInventory, OldToolInventory)
 

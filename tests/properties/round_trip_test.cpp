@@ -204,7 +204,8 @@ TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
   }
   Shape least;
   least.valueCount = least.extraCount = 0;
-  EXPECT_EQ(written([&](auto& s) { return codec::writeRecord(s, 52, least); }).size(), codec::Layout<Shape>::kMinStoredSize);
+  EXPECT_EQ(written([&](auto& s) { return codec::writeRecord(s, 52, least); }).size(),
+            codec::Layout<Shape>::kMinStoredSize);
   // A step table may end before its count.
   EXPECT_EQ(codec::Layout<StepTable>::kMinStoredSize, 20U);
 }

@@ -175,8 +175,9 @@ class RandomRecords {
     if (upTo(14) == 0 && name.size() + 1 < width) fillBytes(field + name.size() + 1, width - name.size() - 1);
   }
   std::string words(int length) {
-    static constexpr const char* kWords[] = {"BRACKET", "PLATE-2", "cover left", "C:\\PARTS\\", "1.4301", "St37-2",
-                                             "Geh\xE4use", "O'NEIL & CO", "t=2.0", "A-4711/3", "FRAME", "job 12"};
+    static constexpr const char* kWords[] = {"BRACKET", "PLATE-2",  "cover left", "C:\\PARTS\\",
+                                             "1.4301",  "St37-2",   "Geh\xE4use", "O'NEIL & CO",
+                                             "t=2.0",   "A-4711/3", "FRAME",      "job 12"};
     std::string text;
     while (std::ssize(text) < length) text.append(text.empty() ? "" : " ").append(kWords[upTo(11)]);
     text.resize(static_cast<std::size_t>(length));

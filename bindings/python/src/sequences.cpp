@@ -454,7 +454,7 @@ PyTypeObject* add(py::module_& module, const char* name, const char* about, PyMe
   }};
   if (isList) slots[13] = {Py_sq_inplace_concat, slot(extendInPlace)};
   PyType_Spec description{name, sizeof(View), 0, kClassFlags | Py_TPFLAGS_DISALLOW_INSTANTIATION | Py_TPFLAGS_SEQUENCE,
-                   slots.data()};
+                          slots.data()};
   return addClass(module, description, nullptr);
 }
 

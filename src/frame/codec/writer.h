@@ -6,8 +6,8 @@
 #include <string>
 
 #include "src/frame/codec/describe.h"
-#include "src/frame/end_process.h"
 #include "src/frame/codec/stream.h"
+#include "src/frame/end_process.h"
 
 namespace oldtorvio::codec {
 
