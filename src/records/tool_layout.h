@@ -25,6 +25,7 @@ namespace codec {
 template <>
 struct Layout<OldTool> {
   static constexpr std::size_t kMinStoredSize = 76;
+  static constexpr bool kFastPath = true;
   static bool describe(auto& io, auto& tool, bool pathIsStored) {
     return io.afterRead(tool, "name becomes empty", [](auto& t) { t.name.clear(); })
         && io.fields(FIELDS(tool.orientation, tool.shapeCode))
