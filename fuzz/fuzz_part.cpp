@@ -27,7 +27,7 @@ int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const 
 
 int loadOldest(fuzzing::Bytes body, int version, const fuzzing::RecordPair<TorvPart>& pair) {
   return fuzzing::loadPair(
-      body, pair, [&](auto& in, TorvPart& to) { return ReadOldestPart(in, version, to); },
+      body, pair, [&](auto& in, TorvPart& to) { return ReadPartFile(in, version, to); },
       [&](TorvPart& to) { return fuzzing::walkOldestPart(body, version, to); });
 }
 

@@ -58,10 +58,6 @@ int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, b
   const PartForm form{embedded ? PartForm::sheet : PartForm::file, 0, stopEarly};
   return resultOf(readRecord(stream, version, part, form));
 }
-int ReadOldestPart(InStream& stream, int version, TorvPart& part) {
-  Reader io(stream, version);
-  return resultOf(codec::walkOldestPart(io, part));
-}
 int ReadPartFile(InStream& stream, int version, TorvPart& part) {
   Reader io(stream, version);
   return resultOf(codec::walkPartFile(io, part));
