@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Lines and branches of src/, include/ and torvio/explain/ that the tests reach, from the counters of a clang build.
 
-usage: report.py TOP PROFILES BINARY [BINARY ...]
+usage: report.py TOP BUILD BINARY [BINARY ...]
 
+The counts are in BUILD/profiles, the names of binaries are relative to BUILD.
 A line of a template is reached if any instantiation in any program reaches it. Branches are the conditions
 of the source with both outcomes; edges that the compiler adds for exceptions are not included.
 tests/coverage/exceptions.txt lists what need not be reached, with reasons. An entry that was reached is
@@ -21,26 +22,31 @@ def tool(name):
     return os.environ.get(name.upper().replace("-", "_"), name)
 
 
-def exported(binary, others, profile, top, form):
+def exported(binary, others, profile, build, form):
     command = [tool("llvm-cov"), "export", binary, "-instr-profile", profile, "-format", form]
     for other in others:
         command += ["-object", other]
     if form == "text":
         command += ["-skip-functions", "-skip-expansions"]
-    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    return subprocess.run(command, check=True, capture_output=True, text=True, cwd=build).stdout
 
 
 def is_library(name):
     return name.startswith(("src/", "include/", "torvio/explain/"))
 
 
-def lines_of(lcov, top):
+def source_name(name, build, top):
+    """The objects name their sources relative to the folder of the build, so that ccache can share them."""
+    return os.path.relpath(os.path.join(build, name), top)
+
+
+def lines_of(lcov, build, top):
     """{(file, line): count}"""
     counts = defaultdict(int)
     name = ""
     for row in lcov.splitlines():
         if row.startswith("SF:"):
-            name = os.path.relpath(row[3:], top)
+            name = source_name(row[3:], build, top)
         elif row.startswith("DA:"):
             line, count = row[3:].split(",")[:2]
             if is_library(name):
@@ -48,11 +54,11 @@ def lines_of(lcov, top):
     return counts
 
 
-def branches_of(text, top):
+def branches_of(text, build, top):
     """{(file, line, column, end line, end column): [times true, times false]}"""
     counts = defaultdict(lambda: [0, 0])
     for one in json.loads(text)["data"][0]["files"]:
-        name = os.path.relpath(one["filename"], top)
+        name = source_name(one["filename"], build, top)
         if not is_library(name):
             continue
         for line, column, end_line, end_column, when_true, when_false, *_ in one.get("branches", []):
@@ -77,13 +83,14 @@ def exceptions(path):
 
 
 def main():
-    top, profiles, *binaries = sys.argv[1:]
-    top = os.path.abspath(top)
+    top, build, *binaries = sys.argv[1:]
+    top, build = os.path.abspath(top), os.path.abspath(build)
+    profiles = os.path.join(build, "profiles")
     merged = os.path.join(profiles, "all.profdata")
     subprocess.run([tool("llvm-profdata"), "merge", "-sparse", "-o", merged, *glob.glob(profiles + "/*.profraw")],
                    check=True)
-    lines = lines_of(exported(binaries[0], binaries[1:], merged, top, "lcov"), top)
-    branches = branches_of(exported(binaries[0], binaries[1:], merged, top, "text"), top)
+    lines = lines_of(exported(binaries[0], binaries[1:], merged, build, "lcov"), build, top)
+    branches = branches_of(exported(binaries[0], binaries[1:], merged, build, "text"), build, top)
     excepted = exceptions(os.path.join(top, "tests/coverage/exceptions.txt"))
     unused = set(excepted)
     sources = {}
