@@ -184,6 +184,17 @@ TEST(Verbs, OptionalTailEndsItsRecordWithSuccessWhereverItIsCut) {
   EXPECT_EQ(outer.after, 5);
 }
 
+TEST(Verbs, StreamKnowsWhetherAShortReadWasForgiven) {
+  const Bytes all = Bytes().i32(1).i32(2).i32(3).i32(4);
+  for (std::size_t cut = 0; cut <= all.size(); ++cut) {
+    const Bytes file = Bytes(all).cut(cut);
+    codec::InStream stream(file.span());
+    Tailed t;
+    (void)codec::readRecord(stream, kVersion, t);
+    EXPECT_EQ(stream.wasForgiven(), cut >= 4 && cut < 12) << cut;
+  }
+}
+
 TEST(Verbs, OptionalTailForgivesNoRefusal) {
   Refusing r;
   std::int32_t after = 0;

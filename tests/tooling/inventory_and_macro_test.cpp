@@ -196,7 +196,7 @@ TEST(Inventory, CutAtAnyByteFailsAndKeepsWhatArrived) {
     }
     const std::size_t fileCountEnd = at += 4;
     ASSERT_EQ(bytes.size(), fileCountEnd + 2 * 256);
-    const auto behind = [](const std::vector<std::size_t>& ends, std::size_t cut) {
+    const auto endedBefore = [](const std::vector<std::size_t>& ends, std::size_t cut) {
       std::size_t n = 0;
       for (const std::size_t end : ends) n += end <= cut ? 1 : 0;
       return n;
@@ -205,10 +205,10 @@ TEST(Inventory, CutAtAnyByteFailsAndKeepsWhatArrived) {
       SCOPED_TRACE(testing::Message() << version << " cut at " << cut);
       OldToolInventory inventory = usedInventory();
       ASSERT_EQ(readInventory(bytes.cut(cut), version, inventory), 1);
-      ASSERT_EQ(inventory.tools.size(), cut < pairsEnd ? 5 : behind(toolEnds, cut));
+      ASSERT_EQ(inventory.tools.size(), cut < pairsEnd ? 5 : endedBefore(toolEnds, cut));
       bool tail = false;
       for (const std::size_t one : entryTails) tail = tail || one == cut;
-      ASSERT_EQ(inventory.entries.size(), cut < entryCountEnd ? 6 : behind(entryEnds, cut) + (tail ? 1 : 0));
+      ASSERT_EQ(inventory.entries.size(), cut < entryCountEnd ? 6 : endedBefore(entryEnds, cut) + (tail ? 1 : 0));
       ASSERT_EQ(inventory.specialToolFiles.size(), cut < fileCountEnd ? 7 : (cut - fileCountEnd) / 256);
       for (std::size_t i = 0; i < 20; ++i) {
         ASSERT_EQ(inventory.pairFirst[i], cut >= 4 + 8 * i + 4 ? made.pairFirst[i] : 0xAAAAAAAAU) << i;
@@ -468,6 +468,8 @@ TEST(Inventory, QueryOfAMissingToolOrFileNameEndsTheProcess) {
   }
   tools.push_back(someTool(1));
   tools.back().specialToolIndex = 99;
+  // The memory after the last tool is that of one with a name, from a larger inventory.
+  (void)counted(folder, inventoryOf(150, std::vector<OldTool>(8, someTool(1)), {}));
   const auto size = static_cast<std::int32_t>(counted(folder, inventoryOf(150, tools, {"a.spt", "b.spt"})));
   ASSERT_EQ(size, 6);
   for (std::int32_t i = 0; i < 5; ++i) EXPECT_DEATH(Info{i}, "invalid vector<T> subscript") << i;
