@@ -1,8 +1,8 @@
 // What the fuzz targets share: a failed expectation ends the process, which the fuzzer reports.
 //
 // Each load is made twice, by the reader and by the walker of the benchmarks, which takes one field after the
-// other: both must come to the same status, the same place in the file and the same record, whether the
-// load succeeds or fails, and also where it goes over a record in use.
+// other: both must have the same status, end at the same place in the file and fill the same record, whether
+// the load succeeds or fails, and also if the record already holds data.
 #pragma once
 #include <algorithm>
 #include <cstddef>

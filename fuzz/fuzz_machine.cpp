@@ -1,5 +1,5 @@
-// Machine files: any bytes load, fail or are refused without harm, also over a record in use, and what loads
-// can be saved and asked.
+// Machine files: any bytes load, fail or are refused without harm, also into a record that already holds data, and what loads
+// can be saved and queried.
 #include <bit>
 
 #include "OldTorvIO.h"
@@ -63,7 +63,7 @@ void askByPath(int version, int status, const OldMachine& m, std::size_t which) 
       break;
     case 1:
       fuzzing::expect(LoadOldMachineInformation(path, &information) == quiet);
-      // The current machine is in use from the inputs before and may keep the stations of one of them.
+      // The current machine has data from the inputs before and may keep the stations of one of them.
       if (quiet != 0 || status != 0 || m.stationsA.stations.empty()) break;
       fuzzing::expect(information.infoVersion == version && information.infoKind == m.machineKind);
       fuzzing::expect(information.infoStationCount == static_cast<std::int32_t>(m.stationsA.stations.size()));
@@ -111,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
 
-  // The same bytes in a sheet, whose shapes take trailer values, over the record in use.
+  // The same bytes in a sheet, whose shapes take trailer values, into the record that already holds data.
   ShapeList shapes;
   shapes.shapes.resize(3);
   (void)load(body, version, pair, &shapes);

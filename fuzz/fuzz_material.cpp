@@ -1,4 +1,4 @@
-// Material files in both forms: any bytes load, fail or are refused without harm, also over a record in use, and
+// Material files in both forms: any bytes load, fail or are refused without harm, also into a record that already holds data, and
 // what loads can be saved.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"

@@ -1,5 +1,5 @@
-// Part files: any bytes load, fail or are refused without harm, also over a record in use, and what loads can be
-// saved and asked.
+// Part files: any bytes load, fail or are refused without harm, also into a record that already holds data, and what loads can be
+// saved and queried.
 #include <cstring>
 
 #include "OldTorvIO.h"
@@ -13,7 +13,7 @@ using namespace oldtorvio;
 namespace {
 
 bool fitsWriter(const TorvPart& part) {
-  // What a load keeps unchanged but a save must refuse or repairs on the way.
+  // False for what a load keeps, but a save refuses or corrects.
   for (const Pattern& p : part.patterns)
     if (p.bindFirst.size() != p.bindFifth.size()) return false;
   return true;
@@ -96,7 +96,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int result = loadOldest(body, version, pair);
     fuzzing::expect(result == 1 || version == frame::kVersion5);
     loadByPath(file, result, pair, turn);
-    // The second time over the record in use.
+    // The second time the record already holds data.
     fuzzing::expect(loadOldest(body, version, pair) == result);
     for (const Shape& shape : part.shapes.shapes) fuzzing::expect(shape.valueCount == 9);
     return 0;

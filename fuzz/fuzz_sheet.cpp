@@ -1,4 +1,4 @@
-// Sheet files: any bytes load, fail or are refused without harm, what loads can be saved, asked and edited.
+// Sheet files: any bytes load, fail or are refused without harm, what loads can be saved, queried and edited.
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -56,7 +56,7 @@ void save(const fuzzing::RecordPair<OldSheet>& pair, int version) {
   (void)fuzzing::stored([&](auto& out) { return write(out, pair.walked); });
 }
 
-// ---- questions -------------------------------------------------------------------------------------
+// ---- queries ---------------------------------------------------------------------------------------
 
 void queryByKey(const OldSheet& sheet) {
   // For each part two texts, three numbers and the separators, and for each pattern an id.
@@ -104,7 +104,7 @@ void queryByPath(int version, int status, const OldSheet& sheet, std::size_t whi
     fuzzing::expect(GetSheetDriverFlags(path, flags.data()) == status);
     fuzzing::expect(std::equal(flags.begin(), flags.end(), sheet.paramTable.intParams));
   }
-  // The others have nothing to tell of a body that cannot be read.
+  // The others return nothing of a body that cannot be read.
   if (status != 0) return;
   switch (which) {
     case 1:
@@ -133,7 +133,7 @@ void queryByPath(int version, int status, const OldSheet& sheet, std::size_t whi
 
 // ---- edits -----------------------------------------------------------------------------------------
 
-// One of them, on the file that the questions were asked about.
+// One of them, on the file that was queried.
 void edit(int version, const OldSheet& sheet, std::size_t which) {
   const char* const path = fuzzing::ScratchFile::path();
   const std::string newText = "changed by an edit";

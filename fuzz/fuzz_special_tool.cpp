@@ -1,5 +1,5 @@
-// Special tool files: any bytes load or fail without harm, also over a record in use, and what loads can be
-// saved and asked.
+// Special tool files: any bytes load or fail without harm, also into a record that already holds data, and what loads can be
+// saved and queried.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/versions.h"
@@ -15,7 +15,7 @@ int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSpecialT
       [&](OldSpecialTool& to) { return fuzzing::walkSpecialTool(body, version, to); });
 }
 
-// The current special tool is in use from the inputs before, so only what every load sets can be foretold.
+// The current special tool has data from the inputs before, so only what every load sets is known.
 void askByPath(std::int64_t status, const OldSpecialTool& loaded) {
   std::uint32_t count = 0;
   float f[21];

@@ -1,5 +1,5 @@
-// Tool inventories and macros: any bytes load or fail without harm, also over a record in use, and what loads can
-// be saved and asked.
+// Tool inventories and macros: any bytes load or fail without harm, also into a record that already holds data, and what loads can
+// be saved and queried.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/text/text.h"
@@ -23,7 +23,7 @@ int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMacro>& 
       [&](OldMacro& to) { return fuzzing::walkMacro(body, version, to); });
 }
 
-// A special tool whose file is not in the inventory's list ends the process when it is asked for.
+// A special tool whose file is not in the inventory's list ends the process when it is queried.
 bool canBeAskedFor(const OldTool& tool, const OldToolInventory& inventory) {
   return tool.shapeCode != kSpecialTool ||
          (tool.specialToolIndex >= 1 &&

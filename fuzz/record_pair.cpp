@@ -17,7 +17,7 @@ using namespace oldtorvio;
 namespace fuzzing {
 namespace {
 
-// walk(walker) gives a status.
+// walk(walker) returns a status.
 template <class Walk>
 Walked walked(Bytes body, int version, Walk&& walk) {
   bench::MemoryReader walker(body, version);

@@ -1,5 +1,5 @@
-// The other side of each comparison: what the walker of the benchmarks makes of the same bytes, and whether
-// two records hold the same. Compiled apart, without the fuzzer's marks: only what the reader does is news.
+// The other side of each comparison: what the walker of the benchmarks reads from the same bytes, and whether two
+// records are equal. It is compiled without the fuzzer's instrumentation, so that only the reader counts as coverage.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@ using Bytes = std::span<const std::byte>;
 // A number that follows from the bytes: what is chosen by it is chosen again when a find is repeated.
 std::size_t turnOf(Bytes file);
 
-// Whether two records of a file kind, or two of the records that kinds share, hold the same in every member.
+// Whether two records of a file kind, or two of the records that kinds share, are equal in every member.
 template <class Record>
 bool equalContents(const Record& one, const Record& other);
 

@@ -63,7 +63,7 @@ Bytes shortTable(int version) {
   return file.text(21, "STEEL");
 }
 
-TEST(KindsMap, ShortParameterTablesAreToldAsTheyAreLoaded) {
+TEST(KindsMap, ShortParameterTablesAreMappedAsTheyAreLoaded) {
   for (const int version : {501, 502}) {
     const Bytes file = shortTable(version);
     const auto material = std::make_unique<OldMaterial>();
@@ -72,7 +72,7 @@ TEST(KindsMap, ShortParameterTablesAreToldAsTheyAreLoaded) {
   }
 }
 
-TEST(KindsMap, NameOfOneByteIsToldAsTolerated) {
+TEST(KindsMap, NameOfOneByteIsReportedAsTolerated) {
   const TempFolder folder;
   const Bytes file = shortTable(501);
   const Mapped one = mapped(folder.write("one", file.cut(file.size() - 20)), FileKind::material);
@@ -90,7 +90,7 @@ TEST(KindsMap, NameOfOneByteIsToldAsTolerated) {
 // Stored at every version, read from 152 on.
 constexpr std::size_t kWordsOfEveryMachine = 9 * 4 + 1;
 
-TEST(KindsMap, MaterialsAndMachinesAreToldAsTheyAreLoaded) {
+TEST(KindsMap, MaterialsAndMachinesAreMappedAsTheyAreLoaded) {
   for (const int version : {61, 112, 152, 180}) {
     RandomRecords random(static_cast<std::uint32_t>(version), 1);
     const TempFolder folder;
@@ -113,7 +113,7 @@ TEST(KindsMap, MaterialsAndMachinesAreToldAsTheyAreLoaded) {
   }
 }
 
-TEST(KindsMap, PartsWithBindingsAreToldAsTheyAreLoaded) {
+TEST(KindsMap, PartsWithBindingsAreMappedAsTheyAreLoaded) {
   const TempFolder folder;
   const auto part = std::make_unique<TorvPart>();
   for (const int version : {110, 160, 180}) {
@@ -138,7 +138,7 @@ TEST(KindsMap, PartsWithBindingsAreToldAsTheyAreLoaded) {
   }
 }
 
-TEST(KindsMap, WhatNobodyReadsOfTheOldestPartsIsTheFault) {
+TEST(KindsMap, UnreadRestOfTheOldestPartsIsTheFault) {
   const TempFolder folder;
   const std::string path = folder.write("old", Bytes().i16(3).zeros(4000));
   const Mapped map = mapped(path, FileKind::part);

@@ -57,7 +57,7 @@ TEST(Map, NaNsHaveTheSameNamesOnEveryHost) {
   EXPECT_EQ(printed(-0.25), "-0.25");
 }
 
-TEST(Map, TextsAreQuotedEscapedAndTellWhatStandsBehindThem) {
+TEST(Map, TextsAreQuotedAndEscapedAndBytesAfterTheirEndAreCounted) {
   const auto printed = [](std::string_view field) {
     std::string to;
     printText(to, field.data(), field.size());
@@ -110,7 +110,7 @@ std::vector<std::string> linesOf(const Bytes& bytes, std::optional<Fault>* fault
   return lines;
 }
 
-TEST(Map, TellsEveryKindOfField) {
+TEST(Map, EveryKindOfFieldHasALine) {
   const Bytes bytes = written([](OutStream& s) { return writeRecord(s, 180, Sample()); });
   EXPECT_EQ(linesOf(bytes),
             (std::vector<std::string>{"0+2 small = -2", "2+12 real, wide = 0.5 0.25", "14+3 raw = 01 ab 00",
@@ -158,7 +158,7 @@ TEST(Map, NamesTheRowTheListAndTheRecordThatItIsIn) {
   EXPECT_EQ(trailers, (std::vector<std::string>{"shapes[0].trailerValue", "shapes[1].trailerValue"}));
 }
 
-TEST(Map, TellsWhereAndWhyAFileBreaks) {
+TEST(Map, FaultSaysWhereAndWhyAFileBreaks) {
   const Bytes bytes = written([](OutStream& s) { return writeRecord(s, 180, Sample()); });
   const struct {
     std::size_t cut;

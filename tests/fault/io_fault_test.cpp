@@ -158,7 +158,7 @@ TEST(IoFaults, AFileThatCannotBeOpenedIsReportedAndChangesNothing) {
           const auto judge = [&](const Outcome& seen) {
             EXPECT_EQ(seen.status, call.notOpened[n]);
             // A table is opened again once its path and version are set. The other two set a count of 0.
-            if (call.form != "a table alone" && call.name != "OpenSpecialToolFile" &&
+            if (call.form != "only a table" && call.name != "OpenSpecialToolFile" &&
                 call.name != "LoadOldToolInventoryForCount")
               expectSame(seen.output, seen.before, "changed");
           };
@@ -297,8 +297,8 @@ void expectFirstBytes(const Outcome& seen, const Outcome& good, std::size_t byte
   expectSame(seen.output, good.output.substr(0, head.size() + bytes), "not what had been written");
 }
 
-void expectWritesToBeTold(const Bench& bench, const std::vector<int>& errors, const std::vector<bool>& kinds,
-                          const std::function<std::vector<std::size_t>(std::size_t)>& placesInWrite) {
+void expectFailedWritesToBeReported(const Bench& bench, const std::vector<int>& errors, const std::vector<bool>& kinds,
+                                    const std::function<std::vector<std::size_t>(std::size_t)>& placesInWrite) {
   for (const ExportCall& call : exportCalls()) {
     if (!writes(call)) continue;
     const Outcome good = bench.undisturbed(call);
@@ -320,8 +320,8 @@ void expectWritesToBeTold(const Bench& bench, const std::vector<int>& errors, co
 }
 
 TEST(IoFaults, AWriteThatFailsIsReportedAndLeavesWhatHadBeenWritten) {
-  expectWritesToBeTold(Bench(), {ENOSPC, EIO, EFBIG}, {false, true},
-                       [](std::size_t size) { return placesIn(size, 3); });
+  expectFailedWritesToBeReported(Bench(), {ENOSPC, EIO, EFBIG}, {false, true},
+                                 [](std::size_t size) { return placesIn(size, 3); });
 }
 
 TEST(IoFaults, AWriteThatFailsInALargeFileLeavesWhatHadBeenWritten) {
@@ -331,8 +331,9 @@ TEST(IoFaults, AWriteThatFailsInALargeFileLeavesWhatHadBeenWritten) {
       EXPECT_GT(bench.undisturbed(call).written.size(), 2U) << call.title();
     }
   if (isLong())
-    return expectWritesToBeTold(bench, {ENOSPC}, {false, true}, [](std::size_t size) { return placesIn(size, 9); });
-  expectWritesToBeTold(bench, {ENOSPC}, {false}, [](std::size_t size) { return std::vector{size / 2}; });
+    return expectFailedWritesToBeReported(bench, {ENOSPC}, {false, true},
+                                          [](std::size_t size) { return placesIn(size, 9); });
+  expectFailedWritesToBeReported(bench, {ENOSPC}, {false}, [](std::size_t size) { return std::vector{size / 2}; });
 }
 
 TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
@@ -650,7 +651,7 @@ class FileSizeLimit {
   rlimit old_{};
 };
 
-void expectFullDiskToBeTold(const Bench& bench, std::size_t limit, const IoFault* fault) {
+void expectFullDiskToBeReported(const Bench& bench, std::size_t limit, const IoFault* fault) {
   std::optional<FileSizeLimit> full;
   expectOf(
       bench,
@@ -668,7 +669,7 @@ void expectFullDiskToBeTold(const Bench& bench, std::size_t limit, const IoFault
 
 TEST(OddFiles, AFullDiskIsReportedAndLeavesWhatWasStored) {
   const Bench bench(15000);
-  for (const std::size_t limit : {1U, 100001U, 1U << 20U, 1500000U}) expectFullDiskToBeTold(bench, limit, nullptr);
+  for (const std::size_t limit : {1U, 100001U, 1U << 20U, 1500000U}) expectFullDiskToBeReported(bench, limit, nullptr);
 }
 
 // The host keeps the last bytes until the file is closed.
@@ -677,8 +678,8 @@ TEST(OddFiles, AFullDiskIsReportedEvenIfTheHostBuffersWrites) {
   const IoFault buffered{IoCall::buffer, 0, true, EINVAL, 0};
   const IoFault bufferedAlone{IoCall::buffer, kNever, false, EINVAL, 0};
   for (const std::size_t limit : {0U, 1U, 100U, 4096U, 5000U}) {
-    expectFullDiskToBeTold(bench, limit, &buffered);
-    expectFullDiskToBeTold(bench, limit, &bufferedAlone);
+    expectFullDiskToBeReported(bench, limit, &buffered);
+    expectFullDiskToBeReported(bench, limit, &bufferedAlone);
   }
 }
 

@@ -684,7 +684,7 @@ TEST(MachineBody, TriadsAreBoundedAndANegativeCountIsKept) {
     x->textWidth = 256;
     Bytes again;
     EXPECT_TRUE(write(*x, 101, &again));
-    // Behind the triads: the nine words and the byte that the writer stores at every version.
+    // After the triads: the nine words and the byte that the writer stores at every version.
     const std::size_t size = bytes.size() - made.at(57);
     EXPECT_EQ(Bytes::of(again.span().subspan(again.size() - 37 - size, size)), from(bytes, made.at(57)));
   }

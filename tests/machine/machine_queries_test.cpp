@@ -1,4 +1,4 @@
-// The questions about machine files.
+// The queries of machine files.
 #include <gtest/gtest.h>
 
 #include <algorithm>

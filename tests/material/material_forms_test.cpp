@@ -266,7 +266,7 @@ TEST(MaterialTables, HeadContinuesWhereARefusedSecondOptionStopped) {
     program(b, 1);
     b.i32(-1).i32(1).i32(0).i32(0).i32(1);   // no shapes, no quads, one step table
     b.u32(0).zeros(8).u32(0).u32(0).i8(21);  // its head
-    const std::size_t behindCount = b.size();
+    const std::size_t sizeBefore = b.size();
     b.u32(0xA1).u32(0xA2).u32(0xA3).zeros(40);
     MaterialHeadRecord got;
     std::size_t used = 0;
@@ -274,7 +274,7 @@ TEST(MaterialTables, HeadContinuesWhereARefusedSecondOptionStopped) {
                   b, [&](InStream& s) { return ReadMaterialHeadRecord(s, v, got); }, &used),
               0)
         << v;
-    EXPECT_EQ(used, behindCount + (v >= 92 ? 12 : 0)) << v;
+    EXPECT_EQ(used, sizeBefore + (v >= 92 ? 12 : 0)) << v;
     EXPECT_EQ(got.headTail1, v >= 92 ? 0xA1U : 0U);
     EXPECT_EQ(got.headTail3, v >= 92 ? 0xA3U : 0U);
     EXPECT_TRUE(got.optionB.programGroups.empty());

@@ -127,7 +127,7 @@ struct Five {
     const auto arrives = [&](const std::string& what, std::function<bool(const TorvPart&)> there) {
       if (arrivals != nullptr) arrivals->push_back({b.size(), what, std::move(there)});
     };
-    const auto count = [&](int told, std::size_t size) { b.i16(told == -1 ? static_cast<int>(size) : told); };
+    const auto count = [&](int stored, std::size_t size) { b.i16(stored == -1 ? static_cast<int>(size) : stored); };
     b.i16(5);
     arrives("version", [](const TorvPart& p) { return p.version == 5; });
     b.text(21, "A FIVE'S NAME");
@@ -267,8 +267,8 @@ void expectFullFive(const TorvPart& part) {
 
 TEST(PartsOfVersion5, LoadsEveryFieldWithTheSignOfItsShortsAndIgnoresWhatFollows) {
   std::vector<Arrival> all;
-  for (const std::size_t behind : {0U, 40U}) {
-    const Loaded five(fullFive().bytes(&all).fill(behind, 0xEE));
+  for (const std::size_t surplus : {0U, 40U}) {
+    const Loaded five(fullFive().bytes(&all).fill(surplus, 0xEE));
     EXPECT_EQ(five.status, 0);
     expectArrivals(*five.part, all, std::numeric_limits<std::size_t>::max());
     expectFullFive(*five.part);
@@ -386,8 +386,8 @@ struct Old {
   std::vector<Shape> shapes;
   int shapeCount = -1;
   int setupCount = 0;
-  Bytes setup;                      // records of the setup section
-  Bytes behind = Bytes().zeros(4);  // items or fixes
+  Bytes setup;                    // records of the setup section
+  Bytes last = Bytes().zeros(4);  // items or fixes
   static constexpr std::size_t kHeadSize = 80;
 
   Bytes bytes() const {
@@ -397,7 +397,7 @@ struct Old {
     b.u8(others).u8(others).u8(others).fill(59, reserved);
     b.i16(shapeCount == -1 ? static_cast<int>(shapes.size()) : shapeCount).i16(otherCount1).i16(otherCount2);
     for (const Shape& s : shapes) b.add(stored(s));
-    return b.i16(setupCount).add(setup).add(behind);
+    return b.i16(setupCount).add(setup).add(last);
   }
   static Bytes stored(const Shape& s) {
     Bytes b;
@@ -419,8 +419,8 @@ struct Record {
     Bytes s;
     s.u16(static_cast<std::uint16_t>(type)).raw({0xD1, 0xD2}).i16(texts).fill(6, 0xD3);
     s.f32(r0).f32(r1).f32(r2).f32(r3).u8(static_cast<std::uint8_t>(b));
-    static constexpr std::size_t kBehind[18] = {0, 16, 16, 16, 24, 16, 16, 8, 0, 0, 8, 8, 8, 12, 12, 0, 0, 0};
-    return s.fill(type < 18 ? kBehind[type] : 0, 0xD4);
+    static constexpr std::size_t kBytesAfter[18] = {0, 16, 16, 16, 24, 16, 16, 8, 0, 0, 8, 8, 8, 12, 12, 0, 0, 0};
+    return s.fill(type < 18 ? kBytesAfter[type] : 0, 0xD4);
   }
   SetupEntry entry() const {
     SetupEntry e;
@@ -469,8 +469,8 @@ TEST(PartsOfVersions2And3, LoadNeverSucceedsButFillsTheRecordAsFarAsItReads) {
         old.setupCount = 1;
         old.setup = Record{}.bytes();
         // Items: two, and one number.
-        if (items == 1) old.behind = Bytes().i16(2).i16(5).i16(6).i16(7).i16(8).i16(1).i16(9);
-        old.behind.fill(400, 0);
+        if (items == 1) old.last = Bytes().i16(2).i16(5).i16(6).i16(7).i16(8).i16(1).i16(9);
+        old.last.fill(400, 0);
         const Loaded loaded(old.bytes());
         const TorvPart& part = *loaded.part;
         EXPECT_EQ(loaded.status, 1);
@@ -762,13 +762,13 @@ TEST(PartsOfVersions2And3, TextsOfARecordAreReadEvenBeyondTheCountOfTheSection) 
 }
 
 TEST(PartsOfVersions2And3, RecordWhoseTextsOrBytesAreCutMakesNoEntry) {
-  const auto entriesOfCut = [](const Record& last, const Bytes& behind, std::size_t missing) {
+  const auto entriesOfCut = [](const Record& record, const Bytes& texts, std::size_t missing) {
     Old old;
     old.setupCount = 40;
-    old.setup = Record{2}.bytes().add(last.bytes()).add(behind);
+    old.setup = Record{2}.bytes().add(record.bytes()).add(texts);
     const Bytes all = old.bytes();
     const std::string text(reinterpret_cast<const char*>(all.span().data()), all.size());
-    const Bytes section = last.bytes().add(behind);
+    const Bytes section = record.bytes().add(texts);
     const std::string wanted(reinterpret_cast<const char*>(section.span().data()), section.size());
     const std::size_t at = text.find(wanted);
     EXPECT_NE(at, std::string::npos);
@@ -799,7 +799,7 @@ TEST(PartsOfVersions2And3, LoadContinuesAfterASetupSectionThatFailed) {
     old.shapes = {plainShape(3), plainShape(1)};
     old.setupCount = 20;
     old.setup.add(Record{3}.bytes()).add(Record{type}.bytes());
-    old.behind = Bytes().i16(1).i16(1).i16(-25).fill(40, 0xFF);
+    old.last = Bytes().i16(1).i16(1).i16(-25).fill(40, 0xFF);
     const Loaded loaded(old.bytes());
     EXPECT_EQ(loaded.status, 1);
     EXPECT_EQ(loaded.part->setupList.entries.size(), 1U) << type;
@@ -819,12 +819,12 @@ TEST(PartsOfVersions2And3, FixedShapesAreReplacedUpToAnIndexOutsideTheList) {
         old.hasItems = hasItems;
         old.shapes = {plainShape(3), plainShape(1), plainShape(6)};
         const Bytes fixes = Bytes().i16(3).i16(2).i16(9).i16(outside).i16(8).i16(0).i16(7);
-        old.behind = (hasItems == 1 ? Bytes().i16(1).i16(4).i16(4).i16(0) : Bytes()).add(fixes);
+        old.last = (hasItems == 1 ? Bytes().i16(1).i16(4).i16(4).i16(0) : Bytes()).add(fixes);
         const Loaded loaded(old.bytes());
         EXPECT_EQ(loaded.status, 1);
         const auto& shapes = loaded.part->shapes.shapes;
         ASSERT_EQ(shapes.size(), 3U);
-        // Behind items the fixes are never reached.
+        // After items the fixes are never reached.
         const bool reached = hasFixes == 1 && hasItems == 0;
         EXPECT_EQ(shapes[2].values[8], reached ? 9.0F : 0.0F);
         EXPECT_EQ(int(shapes[2].type), reached ? 0 : 6);

@@ -152,7 +152,7 @@ void expectRefused(const char* path, std::int64_t status) {
   EXPECT_EQ(room.taken(), "seed");
 }
 
-// ---- questions about part files ------------------------------------------------------------------
+// ---- queries of part files -----------------------------------------------------------------------
 
 TEST(PartQueries, EveryVersionSupportsEveryQuery) {
   const TempFolder folder;

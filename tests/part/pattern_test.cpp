@@ -69,8 +69,8 @@ TEST(Pattern, Versions151To155FillTheThirdColumnFromLateWord3) {
         EXPECT_EQ(p.bindThird[0], version >= 151 && version <= 155 ? 7U : 99U);
       } else {
         ASSERT_EQ(p.bindThird.size(), 2U);
-        const std::uint32_t told = version >= 156 ? 71U : version >= 151 ? 7U : 0U;
-        EXPECT_EQ(p.bindThird[1], told) << version;
+        const std::uint32_t stored = version >= 156 ? 71U : version >= 151 ? 7U : 0U;
+        EXPECT_EQ(p.bindThird[1], stored) << version;
         EXPECT_EQ(p.bindFourth, (std::vector<std::uint32_t>{0, 0}));
       }
     }

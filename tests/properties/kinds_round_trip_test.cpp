@@ -122,10 +122,10 @@ void expectPerfectMirror(int rounds) {
       const Bytes bytes = TempFolder::read(first);
       ASSERT_EQ(bytes.span()[0], static_cast<std::byte>(version));
       ASSERT_TRUE(TempFolder::read(second) == bytes) << version;
-      // What follows counts on the record being stored alike without a file.
+      // What follows relies on the record being stored alike without a file.
       if (round == 0) {
-        const Bytes behindTheWord = Kind::stored(*made, version);
-        ASSERT_TRUE(Bytes::of(bytes.span().last(behindTheWord.size())) == behindTheWord) << version;
+        const Bytes afterTheWord = Kind::stored(*made, version);
+        ASSERT_TRUE(Bytes::of(bytes.span().last(afterTheWord.size())) == afterTheWord) << version;
       }
     }
 }
@@ -163,14 +163,14 @@ TEST(KindsRoundTrip, MachineFilesBelowVersion152ChangeOnlyInTheirLateWords) {
 TEST(KindsRoundTrip, TablesOfTheOldestLayoutsKeepTheirContentInALaterOne) {
   const struct {
     int version;
-    std::size_t behindTheWord;
+    std::size_t afterTheWord;
   } forms[] = {{500, 16 * 4 - 9 * 2 + 21}, {501, 35 * 10 + 21}, {502, 60 * 10 + 21}};
   const TempFolder folder;
   for (const auto& form : forms)
     for (std::uint32_t seed = 0; seed < (isLong() ? 1000U : 5U); ++seed) {
       RandomRecords random(seed);
       Bytes file = Bytes().i16(form.version);
-      for (std::size_t i = 0; i < form.behindTheWord; ++i) file.u8(static_cast<std::uint8_t>(random.upTo(127)));
+      for (std::size_t i = 0; i < form.afterTheWord; ++i) file.u8(static_cast<std::uint8_t>(random.upTo(127)));
       const auto first = std::make_unique<OldMaterial>(), second = std::make_unique<OldMaterial>();
       ASSERT_EQ(LoadOldMaterial(folder.write("old", file).c_str(), first.get()), 0);
       ASSERT_EQ(LoadOldMaterial(folder.write("short", file.cut(file.size() - 20)).c_str(), second.get()), 0)
@@ -504,7 +504,7 @@ TEST(KindsRoundTrip, AllVersionWordsReturnWhatTheListsSay) {
   const char* const p = path.c_str();
   std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
   for (unsigned word = 0; word < 65536; ++word) {
-    // Behind an accepted word nothing is left to read.
+    // After an accepted word nothing is left to read.
     file.seekp(0).put(static_cast<char>(word & 0xFFU)).put(static_cast<char>(word >> 8U)).flush();
     const auto asSigned = static_cast<std::int16_t>(word);
     ASSERT_EQ(LoadOldMaterial(p, material.get()), isMaterial[word] ? 1 : -1) << word;

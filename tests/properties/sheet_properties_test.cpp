@@ -39,7 +39,7 @@ bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 constexpr int kFirst = kFirstVersion, kLast = kLastVersion;  // that can be saved
 
-// The versions that all but the loads, saves and the two questions at the end of the header ask for, and
+// The versions that all but the loads, saves and the two queries at the end of the header accept, and
 // three that only the edits take.
 const std::vector<int>& knownVersions() { return inventoryVersions(); }
 bool isListed(int version) {
@@ -456,7 +456,7 @@ TEST(SheetVersionWords, AllReturnWhatTheListsSayInEveryFunction) {
   std::int32_t length[2] = {}, flags[601] = {};
   std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
   for (unsigned stored = 0; stored < 65536; ++stored) {
-    // Behind an accepted word nothing is left to read.
+    // After an accepted word nothing is left to read.
     file.seekp(0).put(static_cast<char>(stored & 0xFFU)).put(static_cast<char>(stored >> 8U)).flush();
     const int version = static_cast<std::int16_t>(stored);
     const bool isKnown = contains(knownVersions(), version);
@@ -880,7 +880,7 @@ TEST(SheetEdits, WithoutAMatchTheFileIsNotEvenWrittenAgain) {
   for (const int version : knownVersions()) {
     const Sheet made = sheetToEdit(static_cast<std::uint32_t>(version), version);
     // What a save would drop, so that a file that was written again can be recognised.
-    const Bytes file = readableSheetFile(*made, version).text(9, "behind it");
+    const Bytes file = readableSheetFile(*made, version).text(9, "after end");
     const std::string path = folder.write("sheet", file);
     // Below 62 no file holds a path, so that every one but the empty is new.
     ASSERT_EQ(ReplaceSheetMachineNcPath(path.c_str(), version < 62 ? "" : "jobs\\PLATE.NC"), 0);
@@ -897,7 +897,7 @@ TEST(SheetEdits, WithoutAMatchTheFileIsNotEvenWrittenAgain) {
   }
 }
 
-// ---- questions -----------------------------------------------------------------------------------
+// ---- queries -------------------------------------------------------------------------------------
 
 // Tool numbers of stations that are there. Below 61 a file has only the first list.
 void useTheStations(OldSheet& sheet, int version) {

@@ -112,7 +112,7 @@ static_assert(readsTexts<decltype(ReplaceSheetMachineNcPath), 0, 1>);
 static_assert(readsTexts<decltype(ReplaceSheetSknPatListWithPartPatList), 0, 1>);
 static_assert(readsTexts<decltype(UpdateSheetPartWONumber), 0, 1, 2, 3>);
 
-// A question about a loaded sheet does not change it.
+// A query of a loaded sheet does not change it.
 static_assert(takes<decltype(GetOldSheetInfoByName), 0, const OldSheet*>);
 static_assert(readsTexts<decltype(GetOldSheetInfoByName), 1>);
 static_assert(takes<decltype(GetOldSheetInfoPartGroupIDs), 0, const OldSheet*>);

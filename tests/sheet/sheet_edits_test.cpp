@@ -1,4 +1,4 @@
-// The three edits of sheet files, byte by byte, and the five small questions about them.
+// The three edits of sheet files, byte by byte, and five of the queries of them.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -65,7 +65,7 @@ std::size_t placeOf(const std::string& in, const std::string& what) {
   return at == std::string::npos ? 0 : at;
 }
 
-// ---- a sheet with a value of its own wherever the edits and questions look -------------------------
+// ---- a sheet with a value of its own wherever the edits and queries look ---------------------------
 
 constexpr std::uint32_t kFirstOfNineWords = 0x5EED1234;
 const std::string kNcPath = "C:\\NC\\Out\\Plant";
@@ -114,13 +114,13 @@ const std::vector<PartForm>& someParts() {
                                             {"six", "C:\\BRACKET\\LID.TPT", "WO-A"}};
   return all;
 }
-char behindNumber(std::size_t i) { return static_cast<char>('a' + static_cast<int>(i)); }
+char byteAfterNumber(std::size_t i) { return static_cast<char>('a' + static_cast<int>(i)); }
 
 TorvPart somePart(const PartForm& form, std::size_t i) {
   TorvPart part;
   setText(part.partName, form.name, 0);
   setText(part.partFullDosName, form.dosName, 0);
-  setText(part.woNumber, form.number, behindNumber(i));
+  setText(part.woNumber, form.number, byteAfterNumber(i));
   part.shapes.shapes = {someShape(1, static_cast<float>(i) + 10.0F)};
   part.patterns.resize(i % 3);
   return part;
@@ -667,8 +667,8 @@ TEST(SheetEdits, NewWorkOrderNumberReplacesTheOldOneInEachPartOfThatBaseName) {
         auto expected = untouched;
         if (version >= 162) {
           for (std::size_t i : row.hit)
-            expected.replace(placeOf(untouched, storedText(someParts()[i].number, behindNumber(i))), fresh.size() + 1,
-                             fresh + std::string(1, '\0'));
+            expected.replace(placeOf(untouched, storedText(someParts()[i].number, byteAfterNumber(i))),
+                             fresh.size() + 1, fresh + std::string(1, '\0'));
         } else {  // every number that was loaded is empty
           const std::string name = row.name;
           rewritten = (row.old == nullptr || *row.old == '\0') &&
@@ -755,7 +755,7 @@ TEST(SheetEdits, WorkOrderNumberThatDoesNotFitEndsTheProcessBeforeTheFileIsOpene
   for (std::size_t length : {256U, 1000U}) {
     const std::string number(length, 'N');
     EXPECT_DEATH(UpdateSheetPartWONumber(path.c_str(), "A", nullptr, number.c_str()), "") << length;
-    // Nobody asks for its length where no part takes it.
+    // Where no part takes it, its length is never checked.
     EXPECT_EQ(UpdateSheetPartWONumber(path.c_str(), "B", nullptr, number.c_str()), 0);
     EXPECT_EQ(UpdateSheetPartWONumber(path.c_str(), "A", "OTHER", number.c_str()), 0);
     EXPECT_TRUE(sameBytes(contentOf(path), file));
@@ -778,7 +778,7 @@ TEST(SheetEdits, OnlyTheOldWorkOrderNumberMayBeNull) {
   EXPECT_TRUE(sameBytes(contentOf(path), file));
 }
 
-// ---- questions -----------------------------------------------------------------------------------------
+// ---- queries -------------------------------------------------------------------------------------------
 
 // All outputs of the five, each with a value that no sheet of these tests holds.
 struct Answers {

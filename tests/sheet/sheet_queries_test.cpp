@@ -1,4 +1,5 @@
-// Sheet handles, the facts of a sheet file and the keyed questions, each against a plain second telling of its rules.
+// Sheet handles, the facts of a sheet file and the values by key, each compared with a second, plain implementation of
+// its rules.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -751,7 +752,7 @@ TEST(SheetInfo, IgnoredToolNumberOnePastTheLastStationIsHarmless) {
 
 // ---- the tool list, implemented a second time ------------------------------------------------------------------
 
-struct Told {
+struct ToolList {
   std::string text = ",";
   bool second = false, special = false, dropped = false, slots = false, items = false;
 };
@@ -772,12 +773,12 @@ bool anyCounts(const ProfileList& list) {
   return false;
 }
 
-Told tellTools(const OldSheet& sheet) {
-  Told told;
+ToolList expectedTools(const OldSheet& sheet) {
+  ToolList list;
   const OldMachine& machine = sheet.machine;
-  told.second = machine.stationWord != 0 && !machine.stationsB.stations.empty();
-  const ToolStationList& list = told.second ? machine.stationsB : machine.stationsA;
-  const int size = static_cast<int>(list.stations.size());
+  list.second = machine.stationWord != 0 && !machine.stationsB.stations.empty();
+  const ToolStationList& stations = list.second ? machine.stationsB : machine.stationsA;
+  const int size = static_cast<int>(stations.stations.size());
   std::vector<int> used;
   const auto note = [&](int n) {
     if (n < 1 || n > size + 1 || std::find(used.begin(), used.end(), n) != used.end()) return false;
@@ -787,8 +788,8 @@ Told tellTools(const OldSheet& sheet) {
   const auto tryslot = [&](const ProcessSlot& one) {
     if (one.toolUse != 1 || one.toolActive == 0) return;
     const int n = static_cast<std::int16_t>(one.toolChoice != 0 ? one.secondToolNumber : one.firstToolNumber);
-    if (n < 1 || n > size + 1 || list.stations.at(static_cast<std::size_t>(n - 1)).toolCount == 0) return;
-    if (note(n)) told.slots = true;
+    if (n < 1 || n > size + 1 || stations.stations.at(static_cast<std::size_t>(n - 1)).toolCount == 0) return;
+    if (note(n)) list.slots = true;
   };
   bool counts = false;
   for (const TorvPart& part : sheet.partList.parts) {
@@ -799,20 +800,20 @@ Told tellTools(const OldSheet& sheet) {
     for (int i = 0; i < std::min<int>(part.processSlotCount, 250); ++i) tryslot(part.processSlots[i]);
   }
   for (std::size_t i = 28; i < sheet.patternItems.size(); ++i) {
-    if (note(sheet.patternItems[i].toolNumber)) told.items = true;
+    if (note(sheet.patternItems[i].toolNumber)) list.items = true;
   }
   for (int i = 0; i < sheet.processSlotCount; ++i) tryslot(sheet.processSlots[i]);
   counts = counts || anyCounts(sheet.profiles);
   if (machine.machineKind == 4) {
     for (int i = 0; i < size; ++i) {
-      if ((list.stations[static_cast<std::size_t>(i)].byteA & 2U) == 0) continue;
-      if (counts) told.special = note(i + 1);
+      if ((stations.stations[static_cast<std::size_t>(i)].byteA & 2U) == 0) continue;
+      if (counts) list.special = note(i + 1);
       break;
     }
   }
   std::string last;
   for (int n : used) {
-    const OldTool& t = list.tools.at(static_cast<std::size_t>(n - 1));
+    const OldTool& t = stations.tools.at(static_cast<std::size_t>(n - 1));
     if (t.shapeCode == 0) continue;
     std::string text;
     if (t.shapeCode == 108) {
@@ -823,13 +824,13 @@ Told tellTools(const OldSheet& sheet) {
                    static_cast<double>(t.orientation));
     }
     if (text == last) {
-      told.dropped = true;
+      list.dropped = true;
     } else {
-      told.text += text + ",";
+      list.text += text + ",";
     }
     last = text;
   }
-  return told;
+  return list;
 }
 
 class Dice {
@@ -883,7 +884,7 @@ class Dice {
 TEST(SheetInfo, ToolsOfRandomSheetsFollowASecondImplementationOfTheRules) {
   const TempFolder folder;
   Dice dice(20240611);
-  int told = 0, second = 0, special = 0, dropped = 0, slots = 0, items = 0;
+  int listed = 0, second = 0, special = 0, dropped = 0, slots = 0, items = 0;
   for (int round = 0; round < 2500; ++round) {
     SheetPtr sheet = makeSheet(0);
     OldMachine& machine = sheet->machine;
@@ -918,16 +919,16 @@ TEST(SheetInfo, ToolsOfRandomSheetsFollowASecondImplementationOfTheRules) {
     const std::string path = save(folder, *sheet);
     OldSheet* loaded = nullptr;
     ASSERT_EQ(GetOldSheetHandle(path.c_str(), &loaded), 0);
-    const Told one = tellTools(*loaded);
+    const ToolList one = expectedTools(*loaded);
     FreeSheetHandle(loaded);
     Info info;
     ASSERT_EQ(info.ask(path), 0);
     ASSERT_STREQ(info.tools.c_str(), one.text.c_str()) << "round " << round;
     ASSERT_EQ(info.toolsLength, static_cast<std::int32_t>(one.text.size()));
     if (!sheet->shapes.shapes.empty()) {
-      ASSERT_EQ(one.text, tellTools(*sheet).text) << "lost on the way: round " << round;
+      ASSERT_EQ(one.text, expectedTools(*sheet).text) << "changed by the save: round " << round;
     }
-    told += one.text.size() > 1 ? 1 : 0;
+    listed += one.text.size() > 1 ? 1 : 0;
     second += one.second ? 1 : 0;
     special += one.special ? 1 : 0;
     dropped += one.dropped ? 1 : 0;
@@ -935,11 +936,11 @@ TEST(SheetInfo, ToolsOfRandomSheetsFollowASecondImplementationOfTheRules) {
     items += one.items ? 1 : 0;
   }
   // The sheets do reach each of the rules.
-  EXPECT_GT(told, 1000);
+  EXPECT_GT(listed, 1000);
   for (int count : {second, special, dropped, slots, items}) EXPECT_GT(count, 20);
 }
 
-// ---- questions by a key ------------------------------------------------------------------------------
+// ---- values by key -----------------------------------------------------------------------------------
 
 const std::vector<std::string> kKeys(std::begin(testing_support::kSheetKeys), std::end(testing_support::kSheetKeys));
 

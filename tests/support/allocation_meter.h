@@ -15,7 +15,7 @@ class AllocationMeter {
   std::size_t count() const;    // allocations
 };
 
-// While it lives, the n-th allocation (from 0) of this thread fails, and with `forGood` all behind it.
+// While it lives, the n-th allocation (from 0) of this thread fails, and with `forGood` all after it.
 class FailingAllocation {
  public:
   explicit FailingAllocation(std::size_t n, bool forGood);

@@ -80,7 +80,7 @@ Bytes bigSheet(std::size_t many) {
 
 // ---- what is called, and what it changes ---------------------------------------------------------
 
-// Everything that a question may fill, and marks where it does not.
+// Every output that a query may set, with marks that show which it did not.
 struct Outputs {
   double d[2];
   float f[24];
@@ -102,7 +102,7 @@ std::string bytesOf(const Bytes& bytes) {
   return std::string(reinterpret_cast<const char*>(bytes.span().data()), bytes.size());
 }
 
-// The content of a file, told apart from no file.
+// The content of a file, which differs from that of no file even if it is empty.
 std::string contentOf(const std::string& path) {
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(path, ignored)) return "no file";
@@ -117,7 +117,7 @@ void removeFile(const std::string& path) {
 using Begin = std::function<void()>;
 const Begin kNothing = [] {};
 
-// ask(outputs) gives the status; begin sets what exists once in the process.
+// ask(outputs) returns the status; begin sets what exists once in the process.
 template <class Ask>
 PreparedCall asking(Ask ask, const Begin& begin = kNothing) {
   const auto out = std::make_shared<Outputs>();
@@ -130,7 +130,7 @@ PreparedCall asking(Ask ask, const Begin& begin = kNothing) {
           }};
 }
 
-// write(stream, record) tells the record; renew(record) empties what a load adds to.
+// write(stream, record) stores the record for comparison; renew(record) empties what a load appends to.
 template <class Record, class Load, class Write, class Renew>
 PreparedCall loading(const Load& load, const std::string& path, Write write, Renew renew) {
   const auto record = std::make_shared<Record>();
@@ -155,7 +155,7 @@ PreparedCall askingLoadedSheet(const Exports& e, const Samples& s, Ask ask) {
   return asking([=](Outputs& o) { return ask(*shared, o); });
 }
 
-// create() gives what destroy() takes; asked for where it is made, or where it is destroyed.
+// create() returns what destroy() frees; for calls of either.
 template <class Create, class Destroy>
 auto slotFor(Create, Destroy destroy) {
   using Made = decltype(std::declval<Create>()());
@@ -192,7 +192,7 @@ PreparedCall destroying(Create create, Destroy destroy) {
 
 constexpr std::uint32_t kValues[9] = {1, 2, 3, 4, 5, 6, 7, 8, 0x3F800000};
 
-// A part with a shape in the builder, and told by what it saves.
+// A part with a shape in the builder; it is compared by what it saves.
 void beginPart(const Exports& e, const Samples& s) {
   e.InitTorvPart(1.5F, 2.5F, 0.25F, 4, "a", "b", "c", "d", "e", "f");
   for (std::size_t i = 0; i <= s.many(); ++i) (void)e.AddPatIntoGroupPat(1, 1, 2, 3, 0, kValues);
@@ -200,9 +200,9 @@ void beginPart(const Exports& e, const Samples& s) {
 std::string builtPart(const Exports& e, const Samples& s) {
   const std::string path = s.path("built");
   const std::int64_t status = e.SaveTorvPart(path.c_str(), 180);
-  std::string told = std::to_string(status) + contentOf(path);
+  std::string saved = std::to_string(status) + contentOf(path);
   removeFile(path);
-  return told;
+  return saved;
 }
 template <class Add>
 PreparedCall adding(const Exports& e, const Samples& s, Add add) {
@@ -276,7 +276,7 @@ std::vector<ExportCall> makeCalls() {
   const auto loads = [&](const char* name, const char* form, const char* input, auto prepare) {
     add({name, form, Files::loaded, input, 0, {1}, {-2}, false, prepare});
   };
-  // A question that answers 1 where memory ends, and one that answers 0 behind the version word.
+  // A query that returns 1 if memory runs out, and one that returns 0 after the version word.
   const auto asks = [&](const char* name, const char* form, const char* input, auto prepare) {
     add({name, form, Files::loaded, input, 0, {1}, {-2}, true, prepare});
   };
@@ -419,7 +419,7 @@ std::vector<ExportCall> makeCalls() {
   };
   loads("LoadOldMaterial", "", "material",
         [=](E e, S s) { return loading<OldMaterial>(e.LoadOldMaterial, s.path("material"), writeMaterial); });
-  add({"LoadOldMaterial", "a table alone", Files::loaded, "table", 0, {1}, {-2, -2}, false, [=](E e, S s) {
+  add({"LoadOldMaterial", "only a table", Files::loaded, "table", 0, {1}, {-2, -2}, false, [=](E e, S s) {
          return loading<OldMaterial>(e.LoadOldMaterial, s.path("table"), writeMaterial);
        }});
   loads("LoadOldMachine", "", "machine", [](E e, S s) {
@@ -508,7 +508,7 @@ std::vector<ExportCall> makeCalls() {
                         [=, &e] { e.FreeSheetHandle(std::exchange(*slot, nullptr)); }};
   });
   for (const char* key : kSheetKeys) {
-    // The answers that are too long for a text without memory of its own.
+    // Values that are too long for a text without memory of its own.
     const std::string_view name = key;
     const bool isLong = name.starts_with("part_details") || name.starts_with("partfull");
     add({"GetOldSheetInfoByName", key, Files::none, "", 0, {}, {}, true, [key](E e, S s) {
@@ -542,7 +542,7 @@ std::vector<ExportCall> makeCalls() {
   asksQuietly("GetOldSkeletonUtil", "sheet", [](E e, S s) {
     return asking([&e, path = s.path("sheet")](Outputs& o) { return e.GetOldSkeletonUtil(path.c_str(), &o.f[0]); });
   });
-  // A file that breaks off still gives the flags that it had, so that it is no matter of all or nothing.
+  // Of a file that ends early it still returns the flags that were read: not all or nothing.
   add({"GetSheetDriverFlags", "", Files::loaded, "sheet", 0, {1}, {-2}, false, [](E e, S s) {
          return asking(
              [&e, path = s.path("sheet")](Outputs& o) { return e.GetSheetDriverFlags(path.c_str(), o.flags); });
@@ -595,7 +595,7 @@ Samples::Samples(std::size_t many, int version) : many_(many) {
   add("named.spt", specialToolFile(162, {1, 2}));
   add("machine", many == 0 ? machineFile(version) : bigMachine(many));
   add("other machine", machineFile(54));
-  // Of version 60 there are tables alone.
+  // At version 60 there are only tables.
   add("material", many == 0 ? materialFile(version == 60 ? 61 : version) : bigMaterial(many));
   add("table", materialFile(60));
   add("inventory", many == 0 ? inventoryFile(version) : bigInventory(many));

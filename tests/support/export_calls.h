@@ -1,4 +1,4 @@
-// A call of every export on content that makes it work, told in one table: for what has to hold for all of them.
+// One table with a call of every export on content with which it succeeds: for what is true of all exports.
 #pragma once
 #include <cstdint>
 #include <cstdlib>
@@ -15,19 +15,18 @@ namespace testing_support {
 // A folder with a file of each kind, found by their names, and special tools.
 class Samples {
  public:
-  // many: so many elements more in the chief list of each file, which are then of the newest version. Group parts
-  // and sheets are never older than 152: below, there are none of the former, and no save that a load takes of the
-  // latter.
+  // With `many`, the main list of each file has so many elements more, and all files are of the newest version. Group
+  // parts and sheets are never older than 152: before, there were no group parts, and no saved sheet could be loaded.
   explicit Samples(std::size_t many = 0, int version = 180);
 
   std::string path(const std::string& name) const {
     const auto moved = moved_.find(name);
     return moved != moved_.end() ? moved->second : folder_.path(name);
   }
-  // Has the file of that name looked for at another path from now on.
+  // From now on the file of that name is at another path.
   void move(const std::string& name, const std::string& path) { moved_[name] = path; }
   const Bytes& content(const std::string& name) const { return contents_.at(name); }
-  // The file with another content, in place or in its place, and as it was at first.
+  // Give the file other content, in place or as a new file, and its first content again.
   void change(const std::string& name, const Bytes& content) const { writeFile(path(name), content); }
   void replace(const std::string& name, const Bytes& content) const;
   void restore(const std::string& name) const { replace(name, content(name)); }
@@ -44,9 +43,9 @@ class Samples {
 };
 
 struct PreparedCall {
-  std::function<std::int64_t()> call;   // its status; 1 and 0 for a pointer that is not null or is
-  std::function<std::string()> answer;  // all that it may change, byte by byte
-  std::function<void()> renew;          // what a second call needs in front of it
+  std::function<std::int64_t()> call;   // its status; for a pointer 1, or 0 if it is null
+  std::function<std::string()> answer;  // everything that it may change, byte by byte
+  std::function<void()> renew;          // what a second call needs before it
 };
 
 struct ExportCall {
@@ -62,14 +61,14 @@ struct ExportCall {
   Files files = Files::none;
   std::string input;
   std::int64_t whenDone = 0;
-  // What it answers where memory runs out, in the order in which it comes there; empty if it takes none.
+  // What it returns if memory runs out, in the order of its allocations; empty if it makes none.
   std::vector<std::int64_t> withoutMemory;
-  // What it answers where the first, second, ... file that it opens cannot be opened.
+  // What it returns if the first, second, ... file that it opens cannot be opened.
   std::vector<std::int64_t> notOpened;
-  // Where it fails, nothing has changed.
+  // A failure changes nothing.
   bool allOrNothing = false;
   std::function<PreparedCall(const Exports&, const Samples&)> prepare;
-  // It works on what exists once in the process, and what that took once is kept.
+  // It works on data that exist once in the process and keep their memory.
   bool keepsRoom = false;
 
   std::string title() const { return form.empty() ? name : name + ", " + form; }

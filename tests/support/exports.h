@@ -1,4 +1,4 @@
-// The library's functions as a host holds them: by the names of the list of exports and no other.
+// The library's functions as a host finds them: by the names in the list of exports and no others.
 #pragma once
 #include <cstddef>
 #include <string>

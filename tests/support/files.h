@@ -88,7 +88,7 @@ class WinIni {
  public:
 #if defined(_WIN32)
   explicit WinIni(const std::string& content) : path_(systemFolder() + "\\win.ini"), before_(TempFolder::read(path_)) {
-    // The process of a death test changes the file that the one that waits for it goes on with.
+    // The child process of a death test changes a file that its parent uses afterwards.
     if (outermost_ == nullptr) {
       outermost_ = this;
       std::signal(SIGABRT, [](int) { outermost_->putBack(); });

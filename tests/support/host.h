@@ -18,7 +18,7 @@ bool runOnStackOf(std::size_t bytes, void (*work)(void*), void* data);
 // Whether this build counts what is reached, for which its library holds memory of its own.
 bool isCounted();
 
-// What stands between a folder and a file, and whether names that differ by case are two files.
+// The separator of folders, and whether names that differ by case are two files.
 #if defined(_WIN32)
 inline constexpr const char* kSeparator = "\\";
 inline constexpr bool kNamesDifferByCase = false;

@@ -1,5 +1,5 @@
-// Counts what the library asks of the host's files and lets one of these calls fail. The linker leads the test
-// program's calls here; without a watch they go straight on.
+// Counts the calls by which the library uses files, and makes one of them fail. The linker redirects the test program's
+// calls here; without a watch they are passed on unchanged.
 #pragma once
 #include <array>
 #include <cerrno>
@@ -27,9 +27,9 @@ inline constexpr std::size_t kNever = static_cast<std::size_t>(-1);
 struct IoFault {
   IoCall call = IoCall::open;
   std::size_t n = 0;      // the n-th call, from 0
-  bool forGood = false;   // and all behind it
-  int error = EIO;        // what errno tells
-  std::size_t bytes = 0;  // so many are still read or written; behind the n-th call none
+  bool forGood = false;   // and all after it
+  int error = EIO;        // what errno says
+  std::size_t bytes = 0;  // so many are still read or written, none by later calls
 };
 
 // Watches this thread's calls while it lives; one at a time.

@@ -44,7 +44,7 @@ std::int64_t loadAnew(const char* path) {
 
 const std::vector<Kind>& kinds();
 
-// Whether a field of that path, as maps tell it, counts what follows.
+// Whether the field of that path, as in maps, counts what follows.
 bool isCount(const std::string& path);
 
 }  // namespace testing_support

@@ -184,7 +184,7 @@ class Reader : public Reading<Reader> {
   InStream& in_;
 };
 
-// What the record readers answer with.
+// What the record readers return.
 inline int resultOf(bool walked) { return walked ? 0 : 1; }
 
 template <class R, class... A>
