@@ -1,5 +1,5 @@
-// Group part files: any bytes load or fail without harm, also after the parts of a list that already holds some, and each part
-// that loads can be saved.
+// Group part files: any bytes load or fail without harm, also after the parts of a list that already has some, and each
+// part that loads can be saved.
 #include <cstring>
 
 #include "OldTorvIO.h"

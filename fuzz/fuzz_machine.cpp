@@ -1,5 +1,5 @@
-// Machine files: any bytes load, fail or are refused without harm, also into a record that already holds data, and what loads
-// can be saved and queried.
+// Machine files: any bytes load, fail or are refused without harm, also into a record that already holds data,
+// and what loads can be saved and queried.
 #include <bit>
 
 #include "OldTorvIO.h"

@@ -1,5 +1,5 @@
-// Material files in both forms: any bytes load, fail or are refused without harm, also into a record that already holds data, and
-// what loads can be saved.
+// Material files in both forms: any bytes load, fail or are refused without harm, also into a record that already
+// holds data, and what loads can be saved.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/text/text.h"

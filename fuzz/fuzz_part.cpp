@@ -1,5 +1,5 @@
-// Part files: any bytes load, fail or are refused without harm, also into a record that already holds data, and what loads can be
-// saved and queried.
+// Part files: any bytes load, fail or are refused without harm, also into a record that already holds data, and
+// what loads can be saved and queried.
 #include <cstring>
 
 #include "OldTorvIO.h"

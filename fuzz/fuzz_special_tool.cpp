@@ -1,5 +1,5 @@
-// Special tool files: any bytes load or fail without harm, also into a record that already holds data, and what loads can be
-// saved and queried.
+// Special tool files: any bytes load or fail without harm, also into a record that already holds data, and
+// what loads can be saved and queried.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/versions.h"

@@ -1,5 +1,5 @@
-// Tool inventories and macros: any bytes load or fail without harm, also into a record that already holds data, and what loads can
-// be saved and queried.
+// Tool inventories and macros: any bytes load or fail without harm, also into a record that already holds data,
+// and what loads can be saved and queried.
 #include "OldTorvIO.h"
 #include "fuzz/fuzz_checks.h"
 #include "src/frame/text/text.h"

@@ -26,8 +26,8 @@ bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingS
 
 // The body after the version word. stopEarly ends the read with 0 after the descriptions.
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly = false);
-// A part file of any version, after its version word. Versions 2 and 3 always return 1. No writer has their form or
-// that of version 5.
+// A part file of any version, after its version word. Versions 2 and 3 always return 1. There is no writer
+// for these two and version 5.
 int ReadPartFile(InStream& stream, int version, TorvPart& part);
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part);
 

@@ -16,7 +16,7 @@ namespace testing_support {
 class Samples {
  public:
   // With `many`, the main list of each file has so many elements more, and all files are of the newest version. Group
-  // parts and sheets are never older than 152: before, there were no group parts, and no saved sheet could be loaded.
+  // parts and sheets are never older than 152: below, there are no group parts, and no load reads a saved sheet.
   explicit Samples(std::size_t many = 0, int version = 180);
 
   std::string path(const std::string& name) const {

@@ -29,7 +29,7 @@ struct IoFault {
   std::size_t n = 0;      // the n-th call, from 0
   bool forGood = false;   // and all after it
   int error = EIO;        // what errno says
-  std::size_t bytes = 0;  // so many are still read or written, none by later calls
+  std::size_t bytes = 0;  // read or written all the same, none by later calls
 };
 
 // Watches this thread's calls while it lives; one at a time.

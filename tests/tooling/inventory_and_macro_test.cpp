@@ -468,7 +468,7 @@ TEST(Inventory, QueryOfAMissingToolOrFileNameEndsTheProcess) {
   }
   tools.push_back(someTool(1));
   tools.back().specialToolIndex = 99;
-  // The memory after the last tool is that of one with a name, from a larger inventory.
+  // A larger inventory leaves a tool with a name in the memory after the last one.
   (void)counted(folder, inventoryOf(150, std::vector<OldTool>(8, someTool(1)), {}));
   const auto size = static_cast<std::int32_t>(counted(folder, inventoryOf(150, tools, {"a.spt", "b.spt"})));
   ASSERT_EQ(size, 6);

@@ -367,7 +367,7 @@ void appendSketch(Sketch& to, const MemberNode& node, const void* value, double 
       if (node.hasEntry(i)) appendSketch(to, *node.element, at(value, i * type.element->size), tolerance);
   } else {
     const std::uint64_t hash = hashOf(node, value, tolerance);
-    // Where the low half depends on both halves of the last word: a short value is in the upper one on some hosts.
+    // mixed() has folded the high half into the low one. To do it again would undo it.
     to.push_back(static_cast<std::uint32_t>(hash));
   }
 }
