@@ -177,7 +177,7 @@ def stored_forms(headers):
             found = re.match(r"<!-- format (\S+) -->", line)
             table = found[1] if found else None if line == "<!-- end -->" else table
             cells = [cell.strip() for cell in line.strip("|").split(" | ")] if line.startswith("| ") else []
-            if table not in TABLES or len(cells) != 4 or not cells[0].isdigit() or cells[1] == "(load)":
+            if table not in TABLES or len(cells) != 4 or not cells[0].isdigit() or cells[1].startswith("("):
                 continue
             row = Row(table, page.name, anchor, cells[2], cells[3].strip(" |"))
             for path in names_in(cells[1]):

@@ -28,12 +28,13 @@ struct Layout<OldMachine> {
   static bool describe(auto& io, auto& m, const auto& form) {
     std::int32_t textWidth = kTextWidth;
     return io.fields(FIELDS(textWidth))
-        && io.afterRead(m, "", [&](auto& r) { r.textWidth = textWidth; })
+        && io.keep(m, [&](auto& r) { r.textWidth = textWidth; })
         && io.sized(FIELDS(m.machineText1), m.textWidth != 0 ? m.textWidth : io.either(0, form.widthOfNone))
         && io.fields(FIELDS(m.machineKind))
         && io.padded(500, [&] { return describeHead(io, m, form, textWidth); })
         && describeTable(io, m, io.either(textWidth, kTextWidth))
-        && describeGrids(io, m, m.gridMode < 0)
+        && io.when(atLeast(FIELDS(m.gridMode), 0), [&] { return describeGrids(io, m); })
+        && io.afterRead(m, "a negative gridMode becomes 0", [](auto& r) { r.gridMode = std::max(r.gridMode, 0); })
         && io.fields(FIELDS(m.stepListPresent))
         && io.when(notEquals(FIELDS(m.stepListPresent), 0), [&] { return io.list(FIELDS(m.stepTables), kCountFirst); })
         && describeWords(io, m)
@@ -62,7 +63,7 @@ struct Layout<OldMachine> {
         && io.fields(FIELDS(m.secondTextPresent))
         && io.when(equals(FIELDS(m.secondTextPresent), 1), [&] {
              return io.fields(FIELDS(textWidth))
-                 && io.afterRead(m, "", [&](auto& r) { r.secondTextWidth = textWidth; })
+                 && io.keep(m, [&](auto& r) { r.secondTextWidth = textWidth; })
                  && io.sized(FIELDS(m.secondText), m.secondTextWidth);
            })
         // Four bytes are written, of which a reader takes the first as the value and the second as the mark that
@@ -94,39 +95,35 @@ struct Layout<OldMachine> {
         && io.fields(FIELDS(m.gridMode));
   }
 
-  // A negative mode leaves all of this out.
-  static bool describeGrids(auto& io, auto& m, bool areLeftOut) {
+  static bool describeGrids(auto& io, auto& m) {
     std::int32_t segmentCount = io.countOf(m.segments);
-    return io.afterRead(m, "a negative gridMode becomes 0", [](auto& r) { r.gridMode = std::max(r.gridMode, 0); })
-        && io.when(custom(FIELDS(m.gridMode), "stored as 0 or above", !areLeftOut), [&] {
-             return io.when(equals(FIELDS(m.gridMode), 2), [&] { return io.record(FIELDS(m.gridB)); })
-                 && io.when(oneOf(FIELDS(m.gridMode), 1, 2), [&] { return io.record(FIELDS(m.gridA)); })
-                 && io.fields(FIELDS(m.gridWord1, m.gridAngle, m.gridWord3))
-                 && io.optionalTail(FIELDS(segmentCount))
-                 && io.when(notEquals(FIELDS(segmentCount), 0), [&] {
-                      return io.clear(FIELDS(m.segments))
-                          && io.fields(FIELDS(m.segmentBox))
-                          && io.list(FIELDS(m.segments), counted(segmentCount));
-                    })
-                 && io.fields(FIELDS(m.gridFlag1, m.gridFlag2))
-                 && describeClampInfoAgain(io, m)
-                 && io.fields(FIELDS(m.hasExtension))
-                 && io.when(notEquals(FIELDS(m.hasExtension), 0), [&] { return io.record(FIELDS(m.extension)); })
-                 && io.fields(FIELDS(m.machineWord91, m.machineWord92, m.programMode))
-                 && io.when(equals(FIELDS(m.programMode), 1), [&] { return io.record(FIELDS(m.programA)); })
-                 && io.when(equals(FIELDS(m.programMode), 2), [&] { return io.record(FIELDS(m.programB)); })
-                 && io.fields(FIELDS(m.machineWord93, m.machineWord94, m.machineWord95, m.machineWord96,
-                                     m.machineWord97, m.machineWord98, m.machineWord99, m.machineWord100,
-                                     m.machineWord101, m.machineWord102, m.machineWord103, m.machineWord104,
-                                     m.machineWord105, m.machineWord106, m.machineWord107));
-           });
+    return io.when(equals(FIELDS(m.gridMode), 2), [&] { return io.record(FIELDS(m.gridB)); })
+        && io.when(oneOf(FIELDS(m.gridMode), 1, 2), [&] { return io.record(FIELDS(m.gridA)); })
+        && io.fields(FIELDS(m.gridWord1, m.gridAngle, m.gridWord3))
+        && io.optionalTail(FIELDS(segmentCount))
+        && io.when(notEquals(FIELDS(segmentCount), 0), [&] {
+             return io.clear(FIELDS(m.segments))
+                 && io.fields(FIELDS(m.segmentBox))
+                 && io.list(FIELDS(m.segments), counted(segmentCount));
+           })
+        && io.fields(FIELDS(m.gridFlag1, m.gridFlag2))
+        && describeClampInfoAgain(io, m)
+        && io.fields(FIELDS(m.hasExtension))
+        && io.when(notEquals(FIELDS(m.hasExtension), 0), [&] { return io.record(FIELDS(m.extension)); })
+        && io.fields(FIELDS(m.machineWord91, m.machineWord92, m.programMode))
+        && io.when(equals(FIELDS(m.programMode), 1), [&] { return io.record(FIELDS(m.programA)); })
+        && io.when(equals(FIELDS(m.programMode), 2), [&] { return io.record(FIELDS(m.programB)); })
+        && io.fields(FIELDS(m.machineWord93, m.machineWord94, m.machineWord95, m.machineWord96, m.machineWord97,
+                            m.machineWord98, m.machineWord99, m.machineWord100, m.machineWord101, m.machineWord102,
+                            m.machineWord103, m.machineWord104, m.machineWord105, m.machineWord106,
+                            m.machineWord107));
   }
 
   // Stored a second time, which is what counts. One that cannot be read leaves the first.
   static bool describeClampInfoAgain(auto& io, auto& m) {
     ClampInfo clampInfo = io.either(ClampInfo(), ClampInfo(m.clampInfo));
     return io.record(FIELDS(clampInfo))
-        && io.afterRead(m, "", [&](auto& r) { r.clampInfo = clampInfo; });
+        && io.afterRead(m, "this clampInfo replaces the first", [&](auto& r) { r.clampInfo = clampInfo; });
   }
 
   static bool describeWords(auto& io, auto& m) {
@@ -166,11 +163,9 @@ struct Layout<OldMachine> {
     return io.record(FIELDS(m.material))
         && io.fields(FIELDS(m.machineWord80, m.machineWord81, m.machineWord82))
         && io.when(custom("read, or written with the shapes of a sheet", io.either(true, form.writeShapeFlag)), [&] {
-             return io.when(equals(FIELDS(m.shapesPresent), 1), [&] {
-               return io.when(custom("in a machine file", form.shapes == nullptr),
-                              [&] { return io.require(equals(FIELDS(m.shapesPresent), 0)); })
-                   && describeTrailer(io, form.shapes);
-             });
+             return io.when(custom("in a machine file", form.shapes == nullptr),
+                            [&] { return io.require(notEquals(FIELDS(m.shapesPresent), 1)); })
+                 && io.when(equals(FIELDS(m.shapesPresent), 1), [&] { return describeTrailer(io, form.shapes); });
            });
   }
 

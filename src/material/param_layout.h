@@ -40,9 +40,9 @@ struct Layout<ParamTable> {
   static constexpr std::size_t kShortName = 21;
 
   static bool describeForm(auto& io, auto& t, ParamForm form) {
-    return io.require(custom(FIELDS(t.version), "52, 60 to 499, or in a file 500 to 502", form != ParamForm::none))
-        && io.when(custom(FIELDS(t.version), "60 to 499", form == ParamForm::main), [&] { return describeMain(io, t); })
-        && io.when(custom(FIELDS(t.version), "52", form == ParamForm::version52), [&] {
+    return io.require(decided(inRanges(FIELDS(t.version), Range{52, 52}, Range{60, 502}), form != ParamForm::none))
+        && io.when(decided(within(FIELDS(t.version), 60, 499), form == ParamForm::main), [&] { return describeMain(io, t); })
+        && io.when(equals(FIELDS(t.version), 52), [&] {
              return io.slice(FIELDS(t.intParams), 55, 89)
                  && io.slice(FIELDS(t.intParams), 101, 125)
                  && io.slice(FIELDS(t.realParams), 55, 89)
@@ -98,7 +98,7 @@ struct Layout<ParamTable> {
         && io.when(hasLateNumbers(t), [&] { return io.slice(FIELDS(t.textParams), 551, 600); })
         && describeLongName(io, t);
   }
-  static auto hasLateNumbers(auto& t) { return custom(FIELDS(t.version), "80 or above", t.version >= 80); }
+  static auto hasLateNumbers(auto& t) { return atLeast(FIELDS(t.version), 80); }
 
   // Read byte by byte: a file that ends after the first one has a name of one byte.
   static bool describeShortName(auto& io, auto& t) {

@@ -19,7 +19,7 @@ inline bool describeOldGeometry(auto& io, auto& s) {
              if (!keepsFirstFlag(r.type)) r.flags &= ~1U;
            })
       && io.fields(FIELDS(s.x, s.y))
-      && io.leading(oldValueCount(s.type), FIELDS(s.values));
+      && io.leading(computed("as many as the type has", oldValueCount(s.type)), FIELDS(s.values));
 }
 
 inline bool describeOldItem(auto& io, auto& i) {
@@ -76,7 +76,7 @@ struct Layout<Version5Part> {
                  && io.rows(itemCount, [&](std::size_t n) {
                       PatternItem item;
                       return io.element(FIELDS(t.items), n, [&] { return describeOldItem(io, item); })
-                          && io.afterRead(item, "", [&](auto& r) { t.items.push_back(r); });
+                          && io.keep(item, [&](auto& r) { t.items.push_back(r); });
                     });
            })
         // A part is placed once, at its own origin, and has no tools that a number could refer to.
@@ -108,7 +108,7 @@ struct Layout<Version5Part> {
     return io.element(FIELDS(p.marks), i, [&] {
              return io.fields(FIELDS(as<std::int16_t>(m.markWord1), m.markShort, m.markWord2, m.markWord3));
            })
-        && io.afterRead(m, "", [&](auto& r) { p.marks.push_back(r); });
+        && io.keep(m, [&](auto& r) { p.marks.push_back(r); });
   }
 };
 
@@ -151,7 +151,7 @@ struct Layout<Version3Part> {
              std::int16_t auxWord = 0, flags = 0;
              return io.element(FIELDS(p.shapes.shapes), i, [&] {
                       return io.fields(FIELDS(block(s.type, unused1, auxWord, unused2, flags)))
-                          && io.afterRead(s, "", [&](auto& r) {
+                          && io.keep(s, [&](auto& r) {
                                r.auxWord = auxWord;
                                r.flags = static_cast<std::uint32_t>(flags);
                              })
@@ -191,13 +191,16 @@ struct Layout<Version3Part> {
              return io.fields(FIELDS(record.bytes))
                  && io.require(custom("records of an unknown type are not read", record.hasKnownType()))
                  && io.when(custom("the type has more bytes", record.bytesAfter() > 0),
-                            [&] { return io.reserved(static_cast<std::size_t>(record.bytesAfter())); })
+                            [&] {
+                              return io.reserved(computed("as many bytes as the type has",
+                                                          static_cast<std::size_t>(record.bytesAfter())));
+                            })
                  && io.when(custom("the type has a text", record.carriesText()), [&] {
-                      return io.rows(record.textCount(), [&](std::size_t) {
+                      return io.rows(computed("text of the record", record.textCount()), [&](std::size_t) {
                         std::uint8_t unused[2] = {};
                         char textPiece[OldSetupRecord::kTextSize] = {};
                         return io.fields(FIELDS(unused, textPiece))
-                            && io.afterRead(text, "", [&](auto& all) {
+                            && io.keep(text, [&](auto& all) {
                                  all.append(textPiece, std::find(std::begin(textPiece), std::end(textPiece), '\0'));
                                });
                       });

@@ -29,30 +29,9 @@ bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList&
 }
 
 DEFINE_RECORD_CODEC(PlacedShapeList, PlacedShapeList)
-bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups) {
-  Reader io(stream, version);
-  return io.list(FIELDS(groups), codec::kAppended);
-}
-bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups) {
-  Writer io(stream, version);
-  return io.list(FIELDS(groups), codec::kAppended);
-}
-bool ReadContourGroups(InStream& stream, int version, std::vector<ContourGroup>& groups) {
-  Reader io(stream, version);
-  return io.clear(FIELDS(groups)) && io.list(FIELDS(groups), codec::kAppended);
-}
-bool WriteContourGroups(OutStream& stream, int version, const std::vector<ContourGroup>& groups) {
-  Writer io(stream, version);
-  return io.list(FIELDS(groups), codec::kAppended);
-}
-bool ReadBindingSets(InStream& stream, int version, std::vector<BindingSet>& sets) {
-  Reader io(stream, version);
-  return io.list(FIELDS(sets), codec::kReplaced);
-}
-bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingSet>& sets) {
-  Writer io(stream, version);
-  return io.list(FIELDS(sets), codec::kReplaced);
-}
+DEFINE_CHECKED_LIST_CODEC(NestShapeGroups, std::vector<ShapeGroup>, codec::kAppended)
+DEFINE_CHECKED_LIST_CODEC(ContourGroups, std::vector<ContourGroup>, codec::kClearedFirst)
+DEFINE_CHECKED_LIST_CODEC(BindingSets, std::vector<BindingSet>, codec::kReplaced)
 
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly) {
   const PartForm form{embedded ? PartForm::sheet : PartForm::file, 0, stopEarly};

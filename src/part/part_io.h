@@ -17,12 +17,9 @@ bool WriteEmbeddedPatternList(OutStream& stream, int version, const PatternList&
 
 DECLARE_RECORD_CODEC(PlacedShapeList, PlacedShapeList);
 // Readers and writers of these three return true for success.
-bool ReadNestShapeGroups(InStream& stream, int version, std::vector<ShapeGroup>& groups);
-bool WriteNestShapeGroups(OutStream& stream, int version, const std::vector<ShapeGroup>& groups);
-bool ReadContourGroups(InStream& stream, int version, std::vector<ContourGroup>& groups);
-bool WriteContourGroups(OutStream& stream, int version, const std::vector<ContourGroup>& groups);
-bool ReadBindingSets(InStream& stream, int version, std::vector<BindingSet>& sets);
-bool WriteBindingSets(OutStream& stream, int version, const std::vector<BindingSet>& sets);
+DECLARE_CHECKED_CODEC(NestShapeGroups, std::vector<ShapeGroup>);
+DECLARE_CHECKED_CODEC(ContourGroups, std::vector<ContourGroup>);
+DECLARE_CHECKED_CODEC(BindingSets, std::vector<BindingSet>);
 
 // The body after the version word. stopEarly ends the read with 0 after the descriptions.
 int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, bool stopEarly = false);

@@ -14,8 +14,10 @@
 namespace oldtorvio {
 
 // Kinds in this band make a pattern a group.
+inline constexpr std::int32_t kFirstGroupKind = 32000;
+inline constexpr codec::GrownLimit kLastGroupKind{32006, 110, 32004};
 inline bool isGroupKind(std::int32_t kind, int version) {
-  return kind >= 32000 && kind <= (version < 110 ? 32004 : 32006);
+  return kind >= kFirstGroupKind && kind <= kLastGroupKind.at(version);
 }
 
 // Where a part is embedded, which decides what is stored besides its body.
@@ -128,7 +130,7 @@ struct Layout<Pattern> {
 
  private:
   static auto groupKind(const auto& io, auto& p) {
-    return custom(FIELDS(p.groupKind), "32000 to 32006 (32004 below version 110)", isGroupKind(p.groupKind, io.version()));
+    return within(FIELDS(p.groupKind), kFirstGroupKind, kLastGroupKind, io.version());
   }
   // In a part file a pattern is placed once, at the part's own origin.
   static void resetHead(Pattern& p) {
@@ -198,11 +200,9 @@ struct Layout<TorvPart> {
   // In a sheet the names are blocks of their own; the record gets their texts after the body.
   static bool describePlacedPart(auto& io, auto& p, const PartForm& form) {
     char partName[256] = {}, partFullDosName[256] = {};
-    std::memcpy(partName, p.partName, sizeof partName);
-    std::memcpy(partFullDosName, p.partFullDosName, sizeof partFullDosName);
-    return io.onlyRead([&](auto& reader) {
-             return reader.afterRead(partName, "", [](auto& n) { std::memset(n, 0, sizeof n); })
-                 && reader.afterRead(partFullDosName, "", [](auto& n) { std::memset(n, 0, sizeof n); });
+    return io.beforeWrite(p, "the name blocks are those of partName and partFullDosName", [&](auto& r) {
+             std::memcpy(partName, r.partName, sizeof partName);
+             std::memcpy(partFullDosName, r.partFullDosName, sizeof partFullDosName);
            })
         && io.sized(FIELDS(partName), form.nameBlockSize)
         && io.sized(FIELDS(partFullDosName), form.nameBlockSize)
@@ -222,14 +222,14 @@ struct Layout<TorvPart> {
         && io.fields(FIELDS(p.noteText))
         && io.since(80, FIELDS(p.headFlag), otherwise(0))
         && io.since(80, [&] { return io.fields(FIELDS(p.hasOptions)) && io.reserved(499); })
-        && io.clear(FIELDS(p.patterns))
         && io.when(chosen(!embedded), [&] {
-             return io.record(FIELDS(p.toolStations))
+             return io.clear(FIELDS(p.patterns))
+                 && io.record(FIELDS(p.toolStations))
                  && io.list(FIELDS(p.patterns), kSingle, embedded)
                  && io.afterRead(p, "the pattern gets as many items as there are shapes",
                                  [](auto& r) { r.patterns.back().items.resize(r.shapes.shapes.size()); });
            })
-        && io.when(chosen(embedded), [&] { return io.list(FIELDS(p.patterns), kAppended, embedded); })
+        && io.when(chosen(embedded), [&] { return io.list(FIELDS(p.patterns), kClearedFirst, embedded); })
         && io.fields(FIELDS(p.processSlotCount))
         && io.require(within(FIELDS(p.processSlotCount), 0, 250))
         && io.rows(p.processSlotCount, [&](std::size_t i) { return io.record(FIELDS(p.processSlots[i])); })
@@ -246,7 +246,7 @@ struct Layout<TorvPart> {
   static bool describeLatePart(auto& io, auto& p, bool embedded) {
     return io.clear(FIELDS(p.workList))
         && io.since(71, FIELDS(p.workKind), otherwise(2))
-        && io.since(71, [&] { return io.list(FIELDS(p.workList), kAppended); })
+        && io.since(71, [&] { return io.list(FIELDS(p.workList), kReplaced); })
         && io.since(80, [&] {
              return describeShapeTrailer(io, p.shapes)
                  && io.when(notEquals(FIELDS(p.hasOptions), 0), FIELDS(p.optionWord, p.optionReal, p.optionCount,
@@ -260,7 +260,7 @@ struct Layout<TorvPart> {
         && io.since(140, FIELDS(p.lateBlock1, p.lateBlock2))
         && io.since(151, [&] { return io.list(FIELDS(p.nestShapeGroups), kAppended); })
         && io.since(152, FIELDS(p.lateWords))
-        && io.since(154, [&] { return io.clear(FIELDS(p.contourGroups)) && io.list(FIELDS(p.contourGroups), kAppended); })
+        && io.since(154, [&] { return io.list(FIELDS(p.contourGroups), kClearedFirst); })
         && io.since(161, [&] { return io.list(FIELDS(p.bindingSets), kReplaced); })
         && io.since(162, [&] { return io.when(chosen(embedded), FIELDS(p.woNumber)); })
         && io.since(180, FIELDS(p.finalTextA, p.finalTextB, p.finalTextC, p.finalTextD, p.finalWord1, p.finalWord2));

@@ -13,14 +13,12 @@ using codec::OutStream;
 DECLARE_RECORD_CODEC(SheetPartList, SheetPartList);
 DECLARE_UNVERSIONED_CODEC(SheetSetupList, SheetSetupList);
 DECLARE_RECORD_CODEC(SheetTextEntries, std::vector<SheetTextEntry>);
-int ReadNamedWorkLists(InStream& stream, int version, std::vector<NamedWorkList>& list);
-bool WriteNamedWorkLists(OutStream& stream, int version, const std::vector<NamedWorkList>& list);
+DECLARE_RECORD_CODEC(NamedWorkLists, std::vector<NamedWorkList>);
 DECLARE_UNVERSIONED_CODEC(MachineExtensionEntries, std::vector<MachineExtensionEntry>);
 // Success and failure are inverted for these blocks. The reader drops a block that it can read completely and returns
 // false; it keeps one that it cannot read, and goes on. The writer begins with the second block and returns false after
 // the first that it could store completely. If there is none, as in a list of one, it ends the process.
-bool ReadShapeWorkBlocks(InStream& stream, int version, std::vector<ShapeWorkBlock>& blocks);
-bool WriteShapeWorkBlocks(OutStream& stream, int version, const std::vector<ShapeWorkBlock>& blocks);
+DECLARE_CHECKED_CODEC(ShapeWorkBlocks, std::vector<ShapeWorkBlock>);
 
 // The body after the version word. The writer changes the choices of the machine's material as WriteOldMaterialBody
 // does.

@@ -143,9 +143,7 @@ struct Layout<OldSheet> {
         && describeMachine(io, s)
         && io.since(60, [&] {
              return io.list(FIELDS(s.textEntries), kReplaced)
-                 // Emptied before the count is read; a failure inside is ignored.
-                 && io.clear(FIELDS(s.namedWorkLists))
-                 && io.continueOnFailure([&] { return io.list(FIELDS(s.namedWorkLists), kAppended); });
+                 && io.continueOnFailure([&] { return io.list(FIELDS(s.namedWorkLists), kClearedFirst); });
            })
         && io.since(90, FIELDS(s.trailingWords))
         && io.since(102, FIELDS(s.utilization))
@@ -188,14 +186,13 @@ struct Layout<OldSheet> {
   // its contents in the layout of the file's version.
   static bool hasNoVersion(const ParamTable& table) { return table.version == 0; }
   static bool describeParams(auto& io, auto& s) {
-    return io.differs([&] { return io.record(FIELDS(s.paramTable)); },
-                      [&] {
-                        const auto versioned =
-                            hasNoVersion(s.paramTable) ? withVersion(s.paramTable, io.version()) : nullptr;
-                        auto& paramTable = versioned ? *versioned : s.paramTable;
-                        return io.record(FIELDS(paramTable));
-                      });
+    std::unique_ptr<ParamTable> versioned;
+    return io.beforeWrite(s.paramTable, "a paramTable of version 0 is stored in the version of the file", [&](auto& table) {
+             if (hasNoVersion(table)) versioned = withVersion(table, io.version());
+           })
+        && describeParamTable(io, versioned ? *versioned : s.paramTable);
   }
+  static bool describeParamTable(auto& io, auto& paramTable) { return io.record(FIELDS(paramTable)); }
   static std::unique_ptr<ParamTable> withVersion(const ParamTable& table, int version) {
     auto versioned = std::make_unique<ParamTable>(table);
     versioned->version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
@@ -208,11 +205,8 @@ struct Layout<OldSheet> {
   static bool describeMachine(auto& io, auto& s) {
     constexpr std::size_t kPathWidth = 256;
     char machinePath[kPathWidth] = {};
-    return io.differs([] { return true; },
-                      [&] {
-                        std::memcpy(machinePath, s.machine.path, kPathWidth);
-                        return true;
-                      })
+    return io.beforeWrite(s.machine, "machinePath is the path of the machine",
+                          [&](auto& m) { std::memcpy(machinePath, m.path, kPathWidth); })
         && io.since(61, [&] { return io.sized(FIELDS(machinePath), s.textWidth); })
         && io.record(FIELDS(s.machine), MachineForm<std::remove_reference_t<decltype(s.shapes)>>{
                                        &s.shapes, false, hasNoVersion(s.paramTable) ? 256 : 0})

@@ -42,14 +42,14 @@ std::string FormatPrinter::valueText(std::int64_t value) const {
   return called == called_.end() ? std::to_string(value) : called->second;
 }
 
-// A size that is computed from earlier values is 0 here.
-bool FormatPrinter::reserved(std::size_t size) {
-  remark("reserved", sizeText(static_cast<std::int64_t>(size)) + " bytes", "dropped");
+bool FormatPrinter::reserved(const std::string& size) {
+  remark("reserved", size, "dropped");
   return true;
 }
 
 void FormatPrinter::remark(const std::string& names, const std::string& stored, const std::string& condition) {
-  rows_.push_back({{path_ + names}, stored, conditions_, condition});
+  const bool isField = !names.starts_with('(');
+  rows_.push_back({{isField ? path_ + names : names}, stored, conditions_, condition});
 }
 
 // Of a block each name has the path.

@@ -74,7 +74,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   template <class Names, codec::Test kTest, std::size_t kCount, class X>
   [[nodiscard]] bool when(const codec::Condition<Names, kTest, kCount>& condition, const X& x) {
     const std::string name = fieldNames(condition.names()).front();
-    return inside({0, "if " + name + " is " + comparison(kTest, condition.comparedWith, condition.text)}, x);
+    return inside({0, "if " + name + " is " + comparison(kTest, condition.comparedWith)}, x);
   }
   template <class X>
   [[nodiscard]] bool when(const codec::PlaceCondition& condition, const X& x) {
@@ -87,12 +87,20 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
     begin(x.names);
     if constexpr (std::is_array_v<std::remove_reference_t<std::tuple_element_t<0, decltype(x.members)>>>) {
       using Array = std::remove_cvref_t<decltype(x.only())>;
-      add(0, sizeText(count) + " × " + numberType<std::remove_extent_t<Array>>(),
+      add(0, valueText(count) + " × " + numberType<std::remove_extent_t<Array>>(),
           "the first of " + std::to_string(std::extent_v<Array>));
       return true;
     } else {
-      return inside({0, "the first " + sizeText(count) + " of these"}, x);
+      return inside({0, "the first " + valueText(count) + " of these"}, x);
     }
+  }
+  template <class T, class X>
+  [[nodiscard]] bool leading(const codec::Computed<T>& count, const X& x) {
+    begin(x.names);
+    using Array = std::remove_cvref_t<decltype(x.only())>;
+    add(0, numberType<std::remove_extent_t<Array>>() + ", " + count.text,
+        "the first of " + std::to_string(std::extent_v<Array>));
+    return true;
   }
   template <class Stored = void, class X>
   [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
@@ -107,7 +115,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   [[nodiscard]] bool sized(const X& x, std::int64_t size) {
     using Byte = std::remove_cvref_t<decltype(x.only()[0])>;
     begin(x.names);
-    add(0, (std::is_same_v<Byte, char> ? "text " : "raw ") + sizeText(size));
+    add(0, (std::is_same_v<Byte, char> ? "text " : "raw ") + valueText(size));
     return true;
   }
   template <class X>
@@ -128,7 +136,13 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
     add(0, "text " + std::to_string(Width));
     return true;
   }
-  [[nodiscard]] bool reserved(std::size_t size);
+  [[nodiscard]] bool reserved(std::size_t size) {
+    return reserved(valueText(static_cast<std::int64_t>(size)) + " bytes");
+  }
+  template <class T>
+  [[nodiscard]] bool reserved(const codec::Computed<T>& size) {
+    return reserved(size.text);
+  }
   template <class Fn>
   [[nodiscard]] bool padded(std::size_t size, const Fn& chain) {
     const bool ok = chain();
@@ -139,10 +153,11 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
 
   template <class Names, codec::Test kTest, std::size_t kCount>
   [[nodiscard]] bool require(const codec::Condition<Names, kTest, kCount>& condition) {
-    const std::string text = kTest == codec::Test::atMost ? "refused above " + valueText(condition.comparedWith[0])
-                             : kTest == codec::Test::within
-                                 ? "refused outside " + rangeText(condition.comparedWith)
-                                 : "refused unless " + comparison(kTest, condition.comparedWith, condition.text);
+    const std::string text = kTest == codec::Test::atMost   ? "refused above " + valueText(condition.comparedWith[0])
+                             : kTest == codec::Test::within ? "refused outside " + rangeText(condition.comparedWith)
+                             : kTest == codec::Test::notEquals
+                                 ? "refused if " + valueText(condition.comparedWith[0])
+                                 : "refused unless " + comparison(kTest, condition.comparedWith);
     addRule(path_ + fieldNames(condition.names()).front(), text);
     return true;
   }
@@ -152,7 +167,17 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   }
   template <class R, class Fn>
   [[nodiscard]] bool afterRead(const R&, const char* what, const Fn&) {
-    if (*what != '\0') remark("(load)", "", what);
+    remark("(load)", "", what);
+    return true;
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool keep(const R&, const Fn&) {
+    return true;
+  }
+  template <class X>
+  [[nodiscard]] bool clear(const X& x) {
+    begin(x.names);
+    remark("(load)", "", name(0) + " is emptied");
     return true;
   }
   template <class X>
@@ -165,7 +190,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   }
   template <class X>
   [[nodiscard]] bool continueOnFailure(const X& x) {
-    return inside({0, "a fault changes nothing"}, x);
+    return inside({0, "a fault is ignored, what was read is kept"}, x);
   }
   template <class Read, class Written>
   [[nodiscard]] bool differs(const Read& read, const Written& written) {
@@ -219,7 +244,11 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   }
   template <class Fn>
   [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
-    return inside({0, count > 0 ? "for each of " + valueText(count) : "for each"}, [&] { return row(std::size_t{0}); });
+    return eachRow("for each of " + valueText(count), row);
+  }
+  template <class T, class Fn>
+  [[nodiscard]] bool rows(const codec::Computed<T>& count, const Fn& row) {
+    return eachRow(std::string("for each ") + count.text, row);
   }
   template <class X, class R, class M>
   [[nodiscard]] bool trailer(const X& x, M R::*) {
@@ -253,6 +282,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   }
   std::string name(std::size_t i) const { return pathOf(names_[i]); }
   std::string pathOf(std::string names) const;
+  bool reserved(const std::string& size);
   // A row, or one more name in the row before, if that is of the same FIELDS(...) and type.
   void add(std::size_t i, const std::string& stored, const std::string& condition = {});
   void addRule(const std::string& name, const std::string& text);
@@ -262,30 +292,40 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   std::string rangeText(const std::array<std::int64_t, kCount>& range) const {
     return valueText(range.front()) + " to " + valueText(range.back());
   }
-  std::string sizeText(std::int64_t size) const { return size > 0 ? valueText(size) : "so many"; }
 
-  // What a comparison compares with: "2", "not 0", "above 0", "1 or 2".
+  // What a comparison compares with: "2", "not 0", "above 0", "1 or 2", "52 or 60 to 502".
   template <std::size_t kCount>
-  std::string comparison(codec::Test test, const std::array<std::int64_t, kCount>& values, const char* text) const {
-    std::string all = test == codec::Test::notEquals ? "not " : test == codec::Test::above ? "above " : "";
-    if (test == codec::Test::atMost) all = "at most ";
-    if (test == codec::Test::custom) all = text;
-    for (std::size_t i = 0; i < kCount; ++i)
-      all.append(i == 0 ? "" : test == codec::Test::within ? " to " : " or ").append(valueText(values[i]));
-    return all;
+  std::string comparison(codec::Test test, const std::array<std::int64_t, kCount>& values) const {
+    using codec::Test;
+    if constexpr (kCount == 4)
+      if (test == Test::withinGrown)
+        return valueText(values[0]) + " to " + valueText(values[1]) + " (" + valueText(values[3]) + " below version " +
+               std::to_string(values[2]) + ")";
+    std::string all = test == Test::notEquals ? "not "
+                      : test == Test::above   ? "above "
+                      : test == Test::atMost  ? "at most "
+                                              : "";
+    const bool hasRanges = test == Test::within || test == Test::inRanges;
+    for (std::size_t i = 0; i < kCount; ++i) {
+      const bool endsRange = hasRanges && i % 2 == 1;
+      if (endsRange && values[i] == values[i - 1]) continue;
+      all.append(i == 0 ? "" : endsRange ? " to " : " or ").append(valueText(values[i]));
+    }
+    return test == Test::atLeast ? all + " or above" : all;
   }
   template <class Rule>
   std::string ruleText(Rule rule) const {
     using codec::Clear, codec::CountFrom, codec::Failing;
     if constexpr (Rule::kCount == CountFrom::one) return "one, without a count";
     if constexpr (Rule::kCount == CountFrom::caller)
-      return sizeText(rule.count) + " times" + (Rule::kClear == Clear::unlessZero ? ", 0 keeps the list" : "") +
+      return valueText(rule.count) + " times" + (Rule::kClear == Clear::unlessZero ? ", 0 keeps the list" : "") +
              (Rule::kFailing == Failing::kept ? ", elements that are cut off are kept" : "");
     if constexpr (Rule::kFailing == Failing::inverted) return "list, a complete element ends it and is dropped";
     if constexpr (Rule::kFailing == Failing::reused) return "list, all elements are read into one object";
-    return Rule::kClear == Clear::unlessZero ? "count-first list"
-           : Rule::kClear == Clear::never    ? "list, added to what there is"
-                                             : "list";
+    return Rule::kClear == Clear::unlessZero    ? "count-first list"
+           : Rule::kClear == Clear::never       ? "list, added to what there is"
+           : Rule::kClear == Clear::beforeCount ? "list, emptied before its count"
+                                                : "list";
   }
 
   template <class X>
@@ -297,6 +337,18 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
     else
       ok = x();
     conditions_.pop_back();
+    return ok;
+  }
+  // Of several rows each says which ones repeat together.
+  template <class Fn>
+  bool eachRow(const std::string& text, const Fn& row) {
+    const std::size_t from = rows_.size(), depth = conditions_.size();
+    const bool ok = inside({0, text}, [&] { return row(std::size_t{0}); });
+    if (rows_.size() - from > 1) {
+      const std::string together = ": rows " + std::to_string(from + 1) + (rows_.size() - from > 2 ? " to " : " and ") +
+                                   std::to_string(rows_.size());
+      for (std::size_t i = from; i < rows_.size(); ++i) rows_[i].conditions[depth].text += together;
+    }
     return ok;
   }
   template <class Fn>

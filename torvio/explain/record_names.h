@@ -74,6 +74,10 @@ inline constexpr std::string_view kTableOf<AngleRule> = "angle rule";
 template <>
 inline constexpr std::string_view kTableOf<SizeRule> = "size rule";
 template <>
+inline std::string_view tableFor<SizeRule>(const SizeRuleForm& form) {
+  return form == SizeRuleForm::a ? "size rule a" : "size rule b";
+}
+template <>
 inline constexpr std::string_view kTableOf<ClampInfo> = "clamp info";
 template <>
 inline constexpr std::string_view kTableOf<MachineGrid> = "machine grid";

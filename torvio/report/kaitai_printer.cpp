@@ -77,29 +77,6 @@ std::string inParentheses(const std::string& expression) {
   return isSimple || (expression.starts_with('(') && expression.ends_with(')')) ? expression : "(" + expression + ")";
 }
 
-// Takes a text apart from its beginning.
-class Words {
- public:
-  explicit Words(std::string_view text) : rest_(text) {}
-
-  bool isAtEnd() const { return rest_.empty(); }
-  bool skip(std::string_view word) {
-    if (!rest_.starts_with(word)) return false;
-    rest_.remove_prefix(word.size());
-    return true;
-  }
-  // Its digits; none if there is no number.
-  std::string number() {
-    const std::size_t end = std::min(rest_.find_first_not_of("0123456789"), rest_.size());
-    std::string digits(rest_.substr(0, end));
-    rest_.remove_prefix(end);
-    return digits;
-  }
-
- private:
-  std::string_view rest_;
-};
-
 // Calls use(number) for each "{number}".
 template <class Use>
 void eachToken(const std::string& expression, const Use& use) {
@@ -296,7 +273,7 @@ std::string KaitaiPrinter::expressionOf(std::int64_t value) const {
 }
 
 std::string KaitaiPrinter::comparison(const std::string& name, std::int64_t value, codec::Test test,
-                                      const std::vector<std::string>& values, const char* text) {
+                                      const std::vector<std::string>& values) {
   std::string left;
   if (const auto field = find(node_, name))
     left = token(*field);
@@ -311,6 +288,8 @@ std::string KaitaiPrinter::comparison(const std::string& name, std::int64_t valu
       return left + " != " + values[0];
     case codec::Test::above:
       return left + " > " + values[0];
+    case codec::Test::atLeast:
+      return left + " >= " + values[0];
     case codec::Test::atMost:
       return left + " <= " + values[0];
     case codec::Test::within:
@@ -320,50 +299,19 @@ std::string KaitaiPrinter::comparison(const std::string& name, std::int64_t valu
       for (const std::string& one : values) all.push_back(left + " == " + one);
       return joined(all, " or ");
     }
-    case codec::Test::custom:
-      break;
-  }
-  const std::string expression = textComparison(left, text);
-  if (expression.empty())
-    problems_.push_back("the condition \"" + std::string(text) + "\" on " + name + " is no comparison");
-  return expression;
-}
-
-std::string KaitaiPrinter::textComparison(const std::string& left, const std::string& text) {
-  // "1 to 3 (5 below version 110)".
-  Words band(text);
-  const std::string first = band.number();
-  if (band.skip(" to ")) {
-    const std::string last = band.number();
-    const bool isOld = band.skip(" (");
-    const std::string oldLast = band.number();
-    const bool hasVersion = isOld && band.skip(" below version ");
-    const std::string version = band.number();
-    if (hasVersion && band.skip(")") && band.isAtEnd())
-      return left + " >= " + first + " and " + left + " <= (" + kVersion + " < " + version + " ? " + oldLast + " : " +
-             last + ")";
-  }
-  // "1, 3 to 5, or 7 or above", each perhaps with words before it.
-  std::vector<std::string> all;
-  for (std::size_t from = 0; from < text.size();) {
-    const std::size_t end = std::min(text.find(", ", from), text.size());
-    Words one(std::string_view(text).substr(from, end - from));
-    while (one.skip("or ") || one.skip("in a file ") || one.skip("stored as ")) continue;
-    const std::string value = one.number();
-    if (value.empty()) return {};
-    if (one.isAtEnd()) {
-      all.push_back(left + " == " + value);
-    } else if (one.skip(" to ")) {
-      const std::string last = one.number();
-      if (last.empty()) return {};
-      all.push_back("(" + left + " >= " + value + " and " + left + " <= " + last + ")");
-    } else if (one.skip(" or above")) {
-      all.push_back(left + " >= " + value);
+    case codec::Test::inRanges: {
+      std::vector<std::string> all;
+      for (std::size_t i = 0; i + 1 < values.size(); i += 2)
+        all.push_back(values[i] == values[i + 1]
+                          ? left + " == " + values[i]
+                          : "(" + left + " >= " + values[i] + " and " + left + " <= " + values[i + 1] + ")");
+      return joined(all, " or ");
     }
-    if (!one.isAtEnd()) return {};
-    from = end + 2;
+    case codec::Test::withinGrown:
+      return left + " >= " + values[0] + " and " + left + " <= (" + kVersion + " < " + values[2] + " ? " + values[3] +
+             " : " + values[1] + ")";
   }
-  return joined(all, " or ");
+  return {};  // not reached
 }
 
 std::optional<std::size_t> KaitaiPrinter::findInside(std::size_t node, const std::string& path) const {

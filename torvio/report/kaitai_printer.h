@@ -147,13 +147,15 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
     if (!condition.holds) notes_.insert(std::string("Refused by a load: ") + condition.text + ".");
     return true;
   }
-  // Without a text it only moves values between variables, which sizes need.
   template <class R, class Fn>
-  [[nodiscard]] bool afterRead(R& record, const char* what, const Fn& fn) {
-    if (*what == '\0')
-      fn(record);
-    else
-      addDoc(std::string("After a load: ") + what + ".");
+  [[nodiscard]] bool afterRead(R&, const char* what, const Fn&) {
+    addDoc(std::string("After a load: ") + what + ".");
+    return true;
+  }
+  // Sizes need the values that it moves.
+  template <class R, class Fn>
+  [[nodiscard]] bool keep(R& record, const Fn& fn) {
+    fn(record);
     return true;
   }
   template <class X>
@@ -432,12 +434,10 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
   std::string comparison(const codec::Condition<Names, kTest, kCount>& condition) {
     std::vector<std::string> values;
     for (const std::int64_t value : condition.comparedWith) values.push_back(expressionOf(value));
-    return comparison(fieldNames(condition.names()).front(), condition.value, kTest, values, condition.text);
+    return comparison(fieldNames(condition.names()).front(), condition.value, kTest, values);
   }
   std::string comparison(const std::string& name, std::int64_t value, codec::Test test,
-                         const std::vector<std::string>& values, const char* text);
-  // "60 to 499", "52", "80 or above" as expressions; empty for a text that is none of these.
-  static std::string textComparison(const std::string& left, const std::string& text);
+                         const std::vector<std::string>& values);
   // The field of that name that was described last, in this type or those that it may use.
   std::optional<std::size_t> find(std::size_t node, const std::string& path) const;
   std::optional<std::size_t> findInside(std::size_t node, const std::string& path) const;

@@ -27,15 +27,20 @@
 //   textItem<256>(FIELDS(s))        a string stored as a fixed text
 //   reserved(499)                   fill bytes: dropped by readers, zeros from a writer
 //   padded(500, chain)              the chain, then fill bytes until both take 500
+// leading, reserved and rows also take a computed("as many as the type has", n), for a number that no field holds.
 // Single fields may be stored in another form: as<T>(a), block(a, b), nonZero(a), see item.h.
 //
 // Rules
 //   require(condition)              refused unless the condition holds; readers and writers alike
 //   afterRead(record, "what", [](auto& r) {...})    readers only, when all before it succeeded
+//   keep(record, [](auto& r) {...}) the same where a local becomes the member that it is named after: no table says so
 //   beforeWrite(record, "what", [](auto& r) {...})  writers only, when all before it succeeded
 //   optionalTail(FIELDS(a))         a short read inside ends the record with success; a refusal does not
 //   endOnFailure(chain)             any failure inside ends the record with success
 //   continueOnFailure(chain)        a failure inside is ignored, by a writer too: the walk goes on after it
+//
+// padded, slice, endOnFailure and lengthText(n) have one user each. They are verbs because readers, writers and tables
+// each do something of their own there.
 //
 // Where readers and writers differ
 //   differs(chain, chain)           what a reader walks, what a writer walks
@@ -90,21 +95,34 @@ inline constexpr bool kIsFields<Fields<Names, T...>> = true;
 
 // ---- Conditions: comparisons of a field that has been read. They are data, so that tables can print them.
 //
-//   equals(FIELDS(a), 2), notEquals(FIELDS(a), 0), above(FIELDS(a), 0), atMost(FIELDS(a), 25),
-//   within(FIELDS(a), 1, 256), oneOf(FIELDS(a), 1, 2)
+//   equals(FIELDS(a), 2), notEquals(FIELDS(a), 0), above(FIELDS(a), 0), atLeast(FIELDS(a), 80),
+//   atMost(FIELDS(a), 25), within(FIELDS(a), 1, 256), oneOf(FIELDS(a), 1, 2)
+//   within(FIELDS(a), 1, GrownLimit{6, 110, 4}, version)    the highest is 6, below version 110 it is 4
+//   inRanges(FIELDS(a), Range{52, 52}, Range{60, 502})
+//   decided(condition, holds)                the comparison is printed, but a writer has a rule of its own
 //   custom("in a sheet", holds)              no comparison: what it depends on is no field
 //   chosen(holds)                            decided by the place of the record: each place has a table of its own
-//   custom(FIELDS(a), "a group kind", holds)  a comparison that is none of the above
 
-enum class Test : std::uint8_t { equals, notEquals, above, atMost, within, oneOf, custom };
+enum class Test : std::uint8_t { equals, notEquals, above, atLeast, atMost, within, withinGrown, oneOf, inRanges };
 
 template <class Names, Test kTest, std::size_t kCount>
 struct Condition {
   [[no_unique_address]] Names names;
   bool holds;
-  std::int64_t value;                             // of the field
-  std::array<std::int64_t, kCount> comparedWith;  // none of a custom condition, whose text says it
-  const char* text = nullptr;
+  std::int64_t value;  // of the field
+  // In the order of the arguments: of withinGrown lowest, now, since, before; of ranges lowest and highest of each.
+  std::array<std::int64_t, kCount> comparedWith;
+};
+
+struct Range {
+  std::int64_t lowest, highest;
+};
+// A highest value that was another one below a version.
+struct GrownLimit {
+  std::int64_t now;
+  int since;
+  std::int64_t before;
+  constexpr std::int64_t at(int version) const { return version < since ? before : now; }
 };
 
 // A condition that depends on no field.
@@ -137,6 +155,10 @@ constexpr auto above(const X& x, std::int64_t value) {
   return conditionOf<Test::above>(x, valueOf(x) > value, value);
 }
 template <class X>
+constexpr auto atLeast(const X& x, std::int64_t lowest) {
+  return conditionOf<Test::atLeast>(x, valueOf(x) >= lowest, lowest);
+}
+template <class X>
 constexpr auto atMost(const X& x, std::int64_t highest) {
   return conditionOf<Test::atMost>(x, valueOf(x) <= highest, highest);
 }
@@ -144,18 +166,45 @@ template <class X>
 constexpr auto within(const X& x, std::int64_t lowest, std::int64_t highest) {
   return conditionOf<Test::within>(x, lowest <= valueOf(x) && valueOf(x) <= highest, lowest, highest);
 }
+template <class X>
+constexpr auto within(const X& x, std::int64_t lowest, const GrownLimit& highest, int version) {
+  return conditionOf<Test::withinGrown>(x, lowest <= valueOf(x) && valueOf(x) <= highest.at(version), lowest,
+                                        highest.now, highest.since, highest.before);
+}
 template <class X, class... V>
 constexpr auto oneOf(const X& x, V... values) {
   return conditionOf<Test::oneOf>(x, ((valueOf(x) == values) || ...), values...);
 }
-template <class X>
-constexpr auto custom(const X& x, const char* text, bool holds) {
-  auto condition = conditionOf<Test::custom>(x, holds);
-  condition.text = text;
+template <class X, class... R>
+constexpr auto inRanges(const X& x, R... ranges) {
+  const std::int64_t value = valueOf(x);
+  using Names = std::remove_cvref_t<decltype(x.names)>;
+  Condition<Names, Test::inRanges, 2 * sizeof...(R)> condition{x.names, false, value, {}};
+  condition.holds = ((ranges.lowest <= value && value <= ranges.highest) || ...);
+  std::size_t i = 0;
+  ((condition.comparedWith[i++] = ranges.lowest, condition.comparedWith[i++] = ranges.highest), ...);
+  return condition;
+}
+template <class Names, Test kTest, std::size_t kCount>
+constexpr auto decided(Condition<Names, kTest, kCount> condition, bool holds) {
+  condition.holds = holds;
   return condition;
 }
 constexpr PlaceCondition custom(const char* text, bool holds) { return {text, holds}; }
 constexpr PlaceCondition chosen(bool holds) { return {nullptr, holds}; }
+
+// ---- Numbers that no field holds: how many rows, entries or fill bytes there are.
+
+template <class T>
+struct Computed {
+  const char* text;
+  T number;
+  constexpr operator T() const { return number; }
+};
+template <class T>
+constexpr Computed<T> computed(const char* text, T number) {
+  return {text, number};
+}
 
 // ---- Defaults: what a reader sets fields to that the version does not store. One for each field, or one for all.
 // A text takes otherwise("") or another text; the bytes after the NUL stay. All numbers of an array take the same.
@@ -204,6 +253,7 @@ struct ListRule {
 inline constexpr ListRule<CountFrom::file, Clear::unlessZero, Failing::dropped> kCountFirst;
 inline constexpr ListRule<CountFrom::file, Clear::ifPositive, Failing::dropped> kPositiveCountFirst;
 inline constexpr ListRule<CountFrom::file, Clear::always, Failing::dropped> kReplaced;
+inline constexpr ListRule<CountFrom::file, Clear::beforeCount, Failing::dropped> kClearedFirst;
 inline constexpr ListRule<CountFrom::file, Clear::never, Failing::dropped> kAppended;
 inline constexpr ListRule<CountFrom::file, Clear::always, Failing::reused> kReusedElement;
 inline constexpr ListRule<CountFrom::file, Clear::beforeCount, Failing::inverted> kInvertedSuccess;
@@ -327,6 +377,10 @@ class RecordWalker : public Gates<Self> {
   }
   template <class R, class Fn>
   [[nodiscard]] bool afterRead(const R&, const char*, const Fn&) {
+    return true;
+  }
+  template <class R, class Fn>
+  [[nodiscard]] bool keep(const R&, const Fn&) {
     return true;
   }
   template <class X>

@@ -128,6 +128,11 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
     fn(record);
     return true;
   }
+  template <class R, class Fn>
+  [[nodiscard]] bool keep(R& record, const Fn& fn) {
+    fn(record);
+    return true;
+  }
   template <class X>
   [[nodiscard]] bool optionalTail(const X& x) {
     if (this->nested(x)) return true;

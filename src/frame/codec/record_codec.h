@@ -39,6 +39,17 @@
   bool Write##Name(::oldtorvio::codec::OutStream& stream, int version, const List& list) {                     \
     return ::oldtorvio::codec::Writer(stream, version).list(FIELDS(list), rule);                               \
   }
+// The same with a reader that returns whether it could read the list.
+#define DECLARE_CHECKED_CODEC(Name, List)                                         \
+  bool Read##Name(::oldtorvio::codec::InStream& stream, int version, List& list); \
+  bool Write##Name(::oldtorvio::codec::OutStream& stream, int version, const List& list)
+#define DEFINE_CHECKED_LIST_CODEC(Name, List, rule)                                        \
+  bool Read##Name(::oldtorvio::codec::InStream& stream, int version, List& list) {         \
+    return ::oldtorvio::codec::Reader(stream, version).list(FIELDS(list), rule);           \
+  }                                                                                        \
+  bool Write##Name(::oldtorvio::codec::OutStream& stream, int version, const List& list) { \
+    return ::oldtorvio::codec::Writer(stream, version).list(FIELDS(list), rule);           \
+  }
 #define DEFINE_UNVERSIONED_LIST_CODEC(Name, List, rule)                                               \
   int Read##Name(::oldtorvio::codec::InStream& stream, List& list) {                                  \
     return ::oldtorvio::codec::resultOf(::oldtorvio::codec::Reader(stream).list(FIELDS(list), rule)); \
