@@ -160,7 +160,7 @@ CompleteSave saveCompletely(typename FileRecord<kKind>::Record& record, int vers
   if (report.endsExactly() && !report.tolerated) return complete;
   const auto& fault = report.fault ? report.fault : report.tolerated;
   return {{},
-          "a file of version " + std::to_string(version) + " made of it would not load" +
+          "a file of version " + std::to_string(version) + " made from it would not load" +
               (fault ? ": it breaks in " + fault->path + ": " + fault->reason
                      : ", since it would have " + report.unread())};
 }
