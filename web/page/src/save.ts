@@ -1,4 +1,4 @@
-// What can be made of a file: JSON, its picture, another version, a file without the damage.
+// What can be made from a file: JSON, its picture, another version, a file without the damage.
 import {append, bytesText, h, number, plural, save, visible} from './dom.js';
 import {Cancelled} from './engine.js';
 import type {Report} from './protocol.js';
@@ -134,7 +134,7 @@ export class SaveView implements View {
     const nodes: Node[] = [];
     if (report === null) return error ? [h('p', {class: 'note', role: 'alert'}, visible(error))] : nodes;
     const {losses = [], leftOut = [], fixed = [], shorter = [], defaults = [], notes = [], fault} = report;
-    // That something is lost is said by the list itself.
+    // If something is lost, the list itself says so.
     if (error && losses.length + leftOut.length === 0)
       nodes.push(h('p', {class: 'note', role: 'alert'}, visible(error)));
     const isClean = losses.length + leftOut.length + shorter.length + defaults.length === 0;

@@ -1,4 +1,4 @@
-// The verdict with its reasons, and what a person wants to know of a file at a glance.
+// The verdict with its reasons, and what a file contains at a glance.
 import {append, bytesText, h, hex, number, plural, visible} from './dom.js';
 import {Cancelled} from './engine.js';
 import type {Info} from './protocol.js';
