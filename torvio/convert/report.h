@@ -53,7 +53,7 @@ struct Report {
 
   std::vector<LeftOut> leftOut;
   std::vector<Loss> losses;
-  std::vector<std::string> notes;  // remarks that are no losses
+  std::vector<std::string> notes;  // remarks on what is not a loss
 
   // Whether the new file has everything that the old one has.
   bool isComplete() const { return !fault && shorter.empty() && defaults.empty() && leftOut.empty() && losses.empty(); }
