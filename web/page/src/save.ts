@@ -12,7 +12,7 @@ export class SaveView implements View {
     const {check} = entry;
     const panel = h('div', {class: 'save'});
     if (!check.kind)
-      return append(panel, h('p', {class: 'note'}, 'Nothing can be made of a file of unknown kind.')), panel;
+      return append(panel, h('p', {class: 'note'}, 'Nothing can be made from a file of unknown kind.')), panel;
     const busy = async (into: HTMLElement, work: () => Promise<void>): Promise<void> => {
       into.replaceChildren(h('p', {class: 'wait', role: 'status'}, 'Working…'));
       try {
@@ -32,7 +32,7 @@ export class SaveView implements View {
       jsonDone.replaceChildren(h('p', {role: 'status'}, `Saved, ${bytesText(blob.size)}`));
     });
     append(panel,
-      card('JSON', 'The complete record. torvio from-json makes the file of it again.',
+      card('JSON', 'The complete record. torvio from-json makes a file from it again.',
         h('p', {class: 'actions'}, h('button', {type: 'button', click: () => json(false)}, 'Download JSON'),
           entry.file.size <= mostPretty
             ? h('button', {type: 'button', click: () => json(true)}, 'Download JSON, indented')

@@ -78,7 +78,7 @@ export class SummaryView implements View {
       }
     }
     const nothing = list.childElementCount === 0 && tables.length === 0;
-    return [nothing ? h('p', {class: 'soft'}, 'Nothing else can be said of this file.') : list, ...tables];
+    return [nothing ? h('p', {class: 'soft'}, 'Nothing else is known about this file.') : list, ...tables];
   }
 
   private table(title: string, rows: Record<string, unknown>[]): Node[] {
