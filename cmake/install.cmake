@@ -1,6 +1,6 @@
 # Installation, and how other projects find the library: the CMake package and oldtorvio.pc.
 
-# Installs the targets, a shared library first, and the list of its exports. What a program needs to run is `component`.
+# Installs the targets, a shared library first, and the list of its exports. `component` has what programs need to run.
 function(oldtorvio_install_library component target)
   install(TARGETS ${target} ${ARGN} EXPORT OldTorvIO
     RUNTIME COMPONENT ${component}

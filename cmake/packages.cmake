@@ -15,7 +15,7 @@ if(NOT package_time)
     OUTPUT_VARIABLE package_time OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
 endif()
 if(NOT package_time MATCHES "^[0-9]+$")
-  message(FATAL_ERROR "OldTorvIO: packages need a time: this is no git checkout, and SOURCE_DATE_EPOCH is not set.")
+  message(FATAL_ERROR "OldTorvIO: packages need a time: this is not a git checkout, and SOURCE_DATE_EPOCH is not set.")
 endif()
 
 set(packaging ${PROJECT_SOURCE_DIR}/cmake/packaging)

@@ -21,7 +21,7 @@ if [[ " ${options[*]} " != *" --allow-loss "* && $report -nt $file ]]; then exit
 mkdir -p "$(dirname "$new")" "$(dirname "$report")"
 code=0
 torvio convert "$file" "$new" --version "$version" --json "${options[@]}" >"$report.new" 2>/dev/null || code=$?
-# Why a file is refused is in its report.
+# The report says why a file is refused.
 if [ "$code" -gt 1 ]; then
   rm -f "$report.new"
   echo "convert_file.sh: $file: torvio convert ended with $code" >&2

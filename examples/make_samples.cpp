@@ -110,7 +110,7 @@ void addStation(ToolStationList& list, float left, float orientation, const OldT
   list.tools.push_back(tool);
 }
 
-// Stored by a material file and by a machine.
+// Material files and machines both store this.
 void fillMaterial(OldMaterial& material) {
   material.name = "STEEL";
   MaterialEntry& entry = material.entryList.emplace_back();

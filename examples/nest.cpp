@@ -81,7 +81,7 @@ void placeBlocks(std::vector<TorvPart>& parts, std::initializer_list<int> number
   }
 }
 
-// Places the single copy of a part, turned against the clock about its origin.
+// Places the single copy of a part, turned counterclockwise about its origin.
 void placeTurned(TorvPart& part, float x, float y, float degrees) {
   Pattern& single = part.patterns[1];
   const float radians = degrees * 0.017453292F;

@@ -135,7 +135,7 @@ static const char* order(const Nest* nest, int part) {
   return part <= kParts / 2 ? "WO-7001" : "WO-7002";
 }
 
-/* The lists end without their last bar. */
+/* The lists end without the "|" after their last element. */
 static void lose_the_bar(void) {
   if (wanted[0] != '\0') wanted[strlen(wanted) - 1] = '\0';
 }

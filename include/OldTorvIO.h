@@ -22,20 +22,20 @@
  *               read, loaded again and destroyed.
  *   Outputs     If a function fails, its outputs are unchanged unless its description says otherwise. Text
  *               outputs have no size argument unless one is named: the caller provides enough room.
- *   Null        Loads return -2 for a null path or record. Other pointers must be valid unless the
- *               description of the function says what null does.
+ *   Null        A null path returns -2, and so does a null record of a load or save. Other pointers must be valid
+ *               unless the description of the function says what null does.
  *   Process end Some misuse ends the process (abort), as each function says: a text that does not fit where
  *               it is copied, an index outside a list. The contents of a file can do so only in these
  *               functions: GetOldToolInventoryInformation, LoadOldStationToolFromMachine, GetOldSheetInfo,
  *               and SaveOldSheet with the edits of sheet files, which call it.
- *   Threads     Functions that work on a record of the caller may run at the same time on different records.
- *               The part builder, the current special tool, the current tool inventory, the current machine
- *               and the current sheet exist once per process: use each from one thread at a time.
+ *   Threads     Functions may run at the same time unless they use the same record, or one writes a file that another
+ *               uses. Queries of a loaded sheet may use the same sheet. The part builder and the current special tool,
+ *               tool inventory, machine and sheet exist once per process: use each from one thread at a time.
  *   Memory      A load allocates for bytes that it has read, never for what a count in the file claims.
  *               Out of memory is status 1 in a load or query, -2 in a save, null from a Create function, -1
  *               from the adding calls of the part builder (0 from AddPatIntoGroupPat). Functions that return
  *               0 for a body that cannot be read also return 0 if memory runs out after the version word:
- *               GetOldSheetInfo and the sheet queries with the same results, LoadOldSheetInformation,
+ *               GetOldSheetInfo and the sheet queries with the same statuses, LoadOldSheetInformation,
  *               LoadOldMachineInformation, GetOldVLMQMachineName, LoadOldToolInventoryForCount and the edits
  *               of sheet files (but ReplaceSheetSknPatListWithPartPatList returns -2 if there is no memory
  *               for the part).
@@ -113,17 +113,17 @@ typedef int16_t VersionWord; /* the first two bytes of every file, little-endian
  * are read, into width, height, setupList, shapes and one pattern.
  *
  * `part->version` becomes the version word as soon as it has been read, even if it is then refused. For an accepted
- * version, `partFullDosName` becomes the path (its first 259 characters) and the five option fields are reset. The
- * pattern list and the work list are emptied when the load reaches them (at versions 2, 3 and 5 right at the start).
+ * version, `partFullDosName` becomes the path (its first 259 characters) and the five option fields get their defaults.
+ * The pattern list and the work list are emptied when the load reaches them (at versions 2, 3 and 5 at the start).
  * `nestShapeGroups` is never emptied: a load appends to it. Every other list with a stored count of 0 keeps the
  * elements that the record already holds. With status -2 the record is unchanged. */
 OLDTORVIO_API Status LoadOldPart(const char* path, TorvPart* part) OLDTORVIO_NOEXCEPT;
 
 /* Starts a new part in the part builder and discards everything added before.
  *
- * width, height and thickness are in the suite's length unit; partKind keeps its sign. A null text selects the default
- * of its field ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty for the custom texts). A text has at most 255
- * characters, assemblyName and materialName at most 20; a longer one ends the process, texts are never truncated. */
+ * width, height and thickness are in the suite's length unit, which no file names; partKind keeps its sign. A null text
+ * selects the default of its field ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty for the custom texts). A text has
+ * at most 255 characters, assemblyName and materialName at most 20; a longer one ends the process. */
 OLDTORVIO_API void InitTorvPart(float width, float height, float thickness, int16_t partKind, const char* partName,
                                 const char* assemblyName, const char* materialName, const char* customText1,
                                 const char* customText2, const char* customText3) OLDTORVIO_NOEXCEPT;
@@ -198,15 +198,15 @@ OLDTORVIO_API Status GetOldPartInfo_v1(const char* path, const char* key, char* 
  *   shape code 0        nothing
  *   any other           "%d %6.3f %6.3f %6.3f %6.3f": code, three dimensions, orientation
  * With status 0, *length is the length of the text without its NUL; the text is copied only if that is below `size`.
- * -2 for a null path. */
+ * With a size of 0, `text` may be null. -2 for a null path, otherwise the status of the load. */
 OLDTORVIO_API Status GetOldPartTool(const char* path, char* text, int32_t size, uint32_t* length) OLDTORVIO_NOEXCEPT;
 
 /* Appends ",", the full path and "," to `text` for each special tool of the part. `text` must contain a NUL-terminated
- * text, which is kept, and have room after it for 258 characters for each special tool. -2 for a null path. */
+ * text, which is kept, and have room after it for 258 characters for each special tool. Status as in GetOldPartTool. */
 OLDTORVIO_API Status GetOldSptFromPart(const char* path, char* text) OLDTORVIO_NOEXCEPT;
 
 /* The full paths of the special tools of all parts of a group part file, each followed by ",". text, size and length
- * as in GetOldPartTool. -2 for a null path. */
+ * as in GetOldPartTool. -2 for a null path, otherwise the status of LoadGroupPart. */
 OLDTORVIO_API Status GetOldSptFromGroupPart(const char* path, char* text, int32_t size,
                                             uint32_t* length) OLDTORVIO_NOEXCEPT;
 
@@ -231,10 +231,10 @@ OLDTORVIO_API Status LoadOldSpecialTool(const char* path, OldSpecialTool* tool) 
 
 /* Loads a special tool file into the process-wide current special tool and returns its values.
  *
- * *shapeCount becomes 0 first. If the file cannot be opened, has no complete version word or is of a version that is
- * not accepted, nothing else changes. Otherwise, whether or not the rest could be read, the outputs depend on the
- * current special tool: if it has shapes, *shapeCount becomes their number and all outputs are set; if not, they are
- * unchanged. So for a file that stores no shapes, or ends before them, the shapes are those of the previous file.
+ * The status is that of LoadOldSpecialTool. *shapeCount becomes 0 first. If the file cannot be opened, or its version
+ * word is incomplete or refused, nothing else changes. Otherwise, even after a fault, the outputs depend on the current
+ * special tool: if it has shapes, *shapeCount becomes their number and all outputs are set; if not, they are unchanged.
+ * So for a file that stores no shapes, or ends before them, the shapes are those of the previous file.
  *
  * The part builder takes the folder of special tools from the key ZRK_DEFAULT_SPECIAL_TOOL_PATH of "win.ini", in the
  * section [Kestrada64bit] or else [Kestrada]; the default is "C:\KESTRADA\SPECTOOL\". POSIX hosts look for "win.ini"
@@ -265,9 +265,9 @@ OLDTORVIO_API void GetShapeAt(int32_t index, int32_t* type, float* x, float* y, 
  * 1. */
 OLDTORVIO_API Status LoadOldToolInventory(const char* path, OldToolInventory* inventory) OLDTORVIO_NOEXCEPT;
 
-/* Loads a tool inventory into the process-wide current inventory; *count becomes its number of tools. With *count 0:
- * -2 if the file cannot be opened, 1 if it has no complete version word, -1 for a version that LoadOldToolInventory
- * does not accept. A fault after the version word returns 0 with a count of 0: a damaged file looks like an empty
+/* Loads a tool inventory into the process-wide current inventory; *count becomes its number of tools. -2 if the file
+ * cannot be opened, 1 if it has no complete version word, -1 for a version that LoadOldToolInventory does not accept:
+ * *count is then 0. A fault after the version word returns 0 with a count of 0: a damaged file looks like an empty
  * one. */
 OLDTORVIO_API Status32 LoadOldToolInventoryForCount(const char* path, uint32_t* count) OLDTORVIO_NOEXCEPT;
 
@@ -336,10 +336,10 @@ typedef struct MachineInformation {
 /* Loads a machine file into the process-wide current machine and fills `information` from it. -2 if the file cannot be
  * opened, 1 if it has no complete version word, -1 for a version that LoadOldToolInventory does not accept. A fault
  * after the version word returns 0 and leaves `information` unchanged. What a file does not store keeps the value of
- * the previous machine. */
+ * the previous machine. infoText1 is its secondText, infoText2 its machineText2; stations are those of stationsA. */
 OLDTORVIO_API Status32 LoadOldMachineInformation(const char* path, MachineInformation* information) OLDTORVIO_NOEXCEPT;
 
-/* One station of the current machine and its tool, index from 0. An index outside its stations ends the process, and
+/* One of stationsA of the current machine and its tool, index from 0. An index outside stationsA ends the process, and
  * so does a station whose tool is missing. A load that fails inside a tool leaves such a station at the end of the
  * list. That load returns no station count; but if the next file stores no stations, the list stays, and the
  * infoStationCount of that load includes the station.
@@ -357,8 +357,8 @@ OLDTORVIO_API void LoadOldStationToolFromMachine(int32_t index, int32_t* station
                                                  float* offsets, char* specialToolPath, float* pairValue0,
                                                  float* pairValue1, int32_t* wordF) OLDTORVIO_NOEXCEPT;
 
-/* Loads a machine file into the current machine and returns its name, kind and three other texts. Statuses as in
- * LoadOldMachineInformation. Each text needs room for 257 bytes. After a fault the outputs are unchanged. */
+/* Loads a machine file into the current machine and returns its displayName, machineKind, machineText2, secondText and
+ * lateText1; each text needs room for 257 bytes. Statuses and faults as in LoadOldMachineInformation. */
 OLDTORVIO_API Status GetOldVLMQMachineName(const char* path, char* displayName, uint32_t* kind, char* text2,
                                            char* secondText, char* lateText) OLDTORVIO_NOEXCEPT;
 
@@ -436,8 +436,8 @@ OLDTORVIO_API Status GetOldSheetHandle(const char* path, OldSheet** sheet) OLDTO
  *   "partname_and_count_and_wonumber"        the same with the name of the part
  *   "part_details_01"                        for each part "%s|%f|%f|%d|%s|;|": path, width, height, quantity, work
  *                                            order
- *   "preSkeletonDosName"                     skeletonDosName as a printf format without arguments: "%%" prints "%", a
- *                                            directive what it prints for 0 or an empty text; at most 260 characters
+ *   "preSkeletonDosName"                     skeletonDosName as a printf format without arguments: "%%" prints "%", any
+ *                                            other directive as for 0 or an empty text; at most 260 characters
  *   "totalSknPartCutArea"                    the sum of values[7] of the cut shapes of the skeleton, as "%f"; they
  *                                            have type 17 and a values[8] within 0.0001 of -0.17456
  *   "sheet_utilization"                      as "%f"
@@ -456,7 +456,7 @@ OLDTORVIO_API Status GetOldSheetInfoPartGroupIDs(const OldSheet* sheet, char* va
 
 /* The material and size of a sheet and the tools that its nest uses.
  *
- * materialName, materialFile  both the name of the parameter table and ".mat"; room for 261 bytes each
+ * materialName, materialFile  both the name of the parameter table followed by ".mat"; room for 261 bytes each
  * machinePath, other texts    the path of the machine, the fields of these names; room for 261 bytes each
  * width, height, thickness    of the plate, in the suite's length unit
  * lateValue                   the field of that name
@@ -492,8 +492,8 @@ OLDTORVIO_API Status GetOldVLMQMaterialName(const char* path, char* text3, char*
 OLDTORVIO_API Status GetOldSkeletonUtil(const char* path, float* utilization) OLDTORVIO_NOEXCEPT;
 
 /* All 601 driver flags, the integers of the parameter table, of a sheet of any version that LoadOldSheet accepts.
- * Returns the status of the load. With status 0 or 1 the flags are set; those that were not read are 0. With -1 or -2,
- * or without memory for the sheet, they are unchanged. */
+ * Returns the status of the load. With status 0 or 1 all are set; those that were not read are 0. With -1 or -2, or
+ * without memory for the sheet, they are unchanged. */
 OLDTORVIO_API Status GetSheetDriverFlags(const char* path, int32_t* flags) OLDTORVIO_NOEXCEPT;
 
 /* The number of work entries of a sheet of any version that LoadOldSheet accepts. Returns the status of the load;
@@ -518,15 +518,15 @@ OLDTORVIO_API Status GetSheetSequenceListSize(const char* path, uint32_t* count)
  * written. Otherwise a path of 256 characters or more ends the process. Files below version 62 do not store it. */
 OLDTORVIO_API Status ReplaceSheetMachineNcPath(const char* path, const char* ncPath) OLDTORVIO_NOEXCEPT;
 
-/* Empties the part list and replaces the skeleton by the shapes of a part file; the name of the skeleton and the
+/* Empties the part list and replaces the skeleton with the shapes of a part file; the name of the skeleton and the
  * utilization do not change. -2 also if the part cannot be loaded; the version of the sheet is checked first. Files
  * below version 100 do not store a skeleton. */
 OLDTORVIO_API Status ReplaceSheetSknPatListWithPartPatList(const char* path, const char* partPath) OLDTORVIO_NOEXCEPT;
 
-/* Sets the work order number of each part whose path has the base name partName (without drive, folder and extension,
- * case-sensitive) and whose number is oldNumber; a null oldNumber matches any number. A sheet without such a part is
- * not written. -2 also if any other pointer is null. If a number would be set, one of 256 characters or more ends the
- * process. Files below version 162 do not store it. */
+/* Sets the work order number to newNumber in each part whose path has the base name partName (without drive, folder and
+ * extension, case-sensitive) and whose number is oldNumber; a null oldNumber matches any number. A sheet without such a
+ * part is not written. -2 also if any other pointer is null. If a part matches, a newNumber of 256 characters or more
+ * ends the process. Files below version 162 do not store work order numbers. */
 OLDTORVIO_API Status UpdateSheetPartWONumber(const char* path, const char* partName, const char* oldNumber,
                                              const char* newNumber) OLDTORVIO_NOEXCEPT;
 

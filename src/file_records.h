@@ -36,7 +36,7 @@ inline std::int64_t statusOf(bool walked) { return walked ? frame::kDone : frame
 template <frame::FileKind kKind>
 struct FileRecord;
 
-// The version word of such a material is that of the table which is all of the file.
+// The version word of such a material file is that of the parameter table, which is all that it contains.
 constexpr bool startsWithTable(frame::FileKind kind, int version) {
   return kind == frame::FileKind::material && frame::isParamTableVersion(version);
 }

@@ -55,7 +55,7 @@ namespace OldTorvIO
 
         internal delegate int Reader(byte[] text);
 
-        // The buffer grows until the text fits, which it does at once unless the file changes.
+        // The buffer grows until the text fits: at the latest in the second call, unless the file changes.
         internal static byte[] TextOfAnyLength(Reader read)
         {
             for (int size = 4096;;)
@@ -98,7 +98,7 @@ namespace OldTorvIO
         internal uint[] Values { get { return values; } }
     }
 
-    /// <summary>The part builder, of which there is one in the process. The methods that add return the number of
+    /// <summary>The part builder, which exists once per process. The methods that add return the number of
     /// shapes in the part.</summary>
     public static class PartBuilder
     {
@@ -253,7 +253,7 @@ namespace OldTorvIO
         }
     }
 
-    /// <summary>The parts of group part files: shows whether they can be loaded.</summary>
+    /// <summary>The parts of group part files; only shows whether they can be loaded.</summary>
     public sealed class PartList : IDisposable
     {
         public PartList()
@@ -301,7 +301,7 @@ namespace OldTorvIO
     {
         static readonly object access = new object();
 
-        /// <summary>Of a file without shapes, the header says what is returned instead.</summary>
+        /// <summary>The header says what is returned for a file without shapes.</summary>
         public static SpecialTool Open(string path)
         {
             uint count = 0;
@@ -633,7 +633,7 @@ namespace OldTorvIO
             return count;
         }
 
-        /// <summary>Fails if LoadOldSheetInformation returns another status than 0.</summary>
+        /// <summary>Fails if LoadOldSheetInformation returns a status other than 0.</summary>
         public static void Verify(string path)
         {
             lock (access)
@@ -675,7 +675,7 @@ namespace OldTorvIO
         static readonly string[] lists = { "partfulldosname_and_count", "partfulldosname_and_count_and_wonumber",
                                            "partname_and_count_and_wonumber", "part_details_01" };
 
-        // Of all files that were loaded: no text about their patterns needs more room. Null if it is unknown.
+        // The bytes of all files that were loaded: no text about their patterns needs more. Null if unknown.
         long? bytes = 0;
 
         /// <summary>A new sheet.</summary>
@@ -711,7 +711,7 @@ namespace OldTorvIO
         void Loaded(string path, long sizeBefore, long status)
         {
             long size = Math.Max(sizeBefore, SizeOf(path));
-            // An empty file cannot be loaded: this one does not know its size.
+            // An empty file cannot be loaded: a loaded file of size 0 has an unknown size.
             bytes = size == 0 && status >= 0 ? null : bytes + size;
         }
 

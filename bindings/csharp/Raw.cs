@@ -95,7 +95,7 @@ namespace OldTorvIO.Raw
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldSpecialTool(byte[] path, IntPtr tool);
 
-        /// <summary>Makes a file the current special tool and returns its values.</summary>
+        /// <summary>Loads the current special tool and returns its values.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int OpenSpecialToolFile(byte[] path, ref uint shapeCount, ref float orientation,
             ref float specialValue, ref float dimension1, ref float dimension2, ref float dimension3,
@@ -115,7 +115,7 @@ namespace OldTorvIO.Raw
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldToolInventory(byte[] path, IntPtr inventory);
 
-        /// <summary>Makes a file the current tool inventory, and counts its tools.</summary>
+        /// <summary>Loads the current tool inventory and counts its tools.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int LoadOldToolInventoryForCount(byte[] path, ref uint count);
 
@@ -143,7 +143,7 @@ namespace OldTorvIO.Raw
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long LoadOldMachine(byte[] path, IntPtr machine);
 
-        /// <summary>Makes a file the current machine and returns facts of it.</summary>
+        /// <summary>Loads the current machine and returns facts about it.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int LoadOldMachineInformation(byte[] path, ref MachineInformation information);
 
@@ -155,7 +155,7 @@ namespace OldTorvIO.Raw
             ref int shapeCode, [In, Out] float[] dimensions, [In, Out] float[] offsets,
             [In, Out] byte[] specialToolPath, ref float pairValue0, ref float pairValue1, ref int wordF);
 
-        /// <summary>Makes a file the current machine and returns its name, kind and texts.</summary>
+        /// <summary>Loads the current machine and returns its name, kind and texts.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long GetOldVLMQMachineName(byte[] path, [In, Out] byte[] displayName, ref uint kind,
             [In, Out] byte[] text2, [In, Out] byte[] secondText, [In, Out] byte[] lateText);
@@ -237,7 +237,7 @@ namespace OldTorvIO.Raw
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long ReplaceSheetMachineNcPath(byte[] path, byte[] ncPath);
 
-        /// <summary>Edits a sheet file: no parts, the shapes of a part as skeleton.</summary>
+        /// <summary>Edits a sheet file: its parts and its skeleton.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern long ReplaceSheetSknPatListWithPartPatList(byte[] path, byte[] partPath);
 
@@ -310,7 +310,7 @@ namespace OldTorvIO.Raw
         public static extern int torvio_json([In] ref NativeInput input, uint flags, out BufferHandle result,
             out ErrorHandle error);
 
-        /// <summary>Makes a file of the JSON of its record.</summary>
+        /// <summary>Makes a file from the JSON of its record.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int torvio_from_json([In] ref NativeInput input, int version, uint flags,
             out BufferHandle result, out ErrorHandle error);
@@ -349,7 +349,7 @@ namespace OldTorvIO.Raw
         public static extern int torvio_convert([In] ref NativeInput input, int version, uint flags,
             out BufferHandle result, out BufferHandle report, out ErrorHandle error);
 
-        /// <summary>Makes a file of the sound beginning of a damaged one.</summary>
+        /// <summary>Makes a file from the sound beginning of a damaged one.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int torvio_recover([In] ref NativeInput input, uint flags, out BufferHandle result,
             out BufferHandle report, out ErrorHandle error);

@@ -7,7 +7,7 @@ using OldTorvIO.Raw;
 
 namespace OldTorvIO
 {
-    /// <summary>A function has returned another status than 0.</summary>
+    /// <summary>A function has returned a status other than 0.</summary>
     public class TorvioException : Exception
     {
         internal TorvioException(string function, string file, string message, long status)

@@ -25,7 +25,7 @@ namespace OldTorvIO
 
         public string Path { get; private set; }
         public byte[] Data { get; private set; }
-        /// <summary>What results call the file; null for its path.</summary>
+        /// <summary>The name of the file in results; null for its path.</summary>
         public string Name { get; set; }
         /// <summary>The kind of the file, such as "sheet"; null if it is to be detected.</summary>
         public string Kind { get; set; }
@@ -56,7 +56,7 @@ namespace OldTorvIO
                 TorvioFunctions.torvio_supported(out result, out error));
         }
 
-        /// <summary>Returns a verdict for every file, also for one that is damaged or cannot be read.</summary>
+        /// <summary>Returns a verdict for every file, even if it is damaged or cannot be read.</summary>
         public static string Check(TorvioFile file)
         {
             using (var input = new Input(file))
@@ -88,7 +88,7 @@ namespace OldTorvIO
             }
         }
 
-        /// <summary>The bytes of a file. version 0: the version that the JSON says.</summary>
+        /// <summary>The bytes of a file. version 0: the version in the JSON.</summary>
         public static byte[] FromJson(TorvioFile file, int version = 0)
         {
             using (var input = new Input(file))
@@ -270,7 +270,7 @@ namespace OldTorvIO
                     Native.path = Pinned(OldTorvIO.Native.Utf8(file.Path));
                     if (file.Data != null)
                     {
-                        // A file of no bytes has an address as well.
+                        // A file of no bytes needs an address, too.
                         Native.data = Pinned(file.Data.Length > 0 ? file.Data : new byte[1]);
                         Native.size = new UIntPtr((uint)file.Data.Length);
                     }

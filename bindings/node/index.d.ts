@@ -1,8 +1,8 @@
 // The older binary files of a sheet-metal fabrication suite. The headers OldTorvIO.h and torvio.h say what the
-// functions do, which versions they accept and what they return of damaged files.
+// functions do, which versions they accept and what they return for damaged files.
 import {RawOldTorvIO, RawTorvio} from './raw';
 
-/** A function has returned another status than 0. */
+/** A function has returned a status other than 0. */
 export class TorvioError extends Error {
   /** The name of the function in its header, which lists the statuses. */
   readonly function: string;
@@ -21,7 +21,7 @@ export class TorvioError extends Error {
 export interface TorvioInput {
   path?: string;
   data?: Uint8Array;
-  /** What results call the file. */
+  /** The name of the file in results. */
   name?: string;
   /** The kind of the file, such as "sheet"; by default it is detected. */
   kind?: string;
@@ -42,7 +42,7 @@ export interface NewFile {
 export const torvio: {
   version(): string;
   supported(): string;
-  /** Returns a verdict for every file, also for one that is damaged or cannot be read. */
+  /** Returns a verdict for every file, even if it is damaged or cannot be read. */
   check(input: Input): string;
   info(input: Input): string;
   json(input: Input, options?: {pretty?: boolean}): string;
@@ -70,7 +70,7 @@ export interface Encoding {
 /** Numbers are stored as 32-bit floats, the elements of an Int32Array or Uint32Array as they are; at most nine. */
 export type Values = ArrayLike<number>;
 
-/** The part builder, of which there is one in the process. */
+/** The part builder, which exists once per process. */
 export const PartBuilder: {
   start(part: {width: number, height: number, thickness: number, kind?: number, name?: string | null,
                assembly?: string | null, material?: string | null, customTexts?: (string | null)[]} & Encoding): void;
@@ -110,7 +110,7 @@ export interface SpecialTool {
 }
 
 export const SpecialToolFile: {
-  /** Of a file without shapes, the header says what is returned instead. */
+  /** The header says what is returned for a file without shapes. */
   open(path: Path): SpecialTool;
 };
 
@@ -193,7 +193,7 @@ export const SheetFile: {
   utilization(path: Path): number;
   driverFlags(path: Path): Int32Array;
   sequenceSize(path: Path): number;
-  /** Fails if LoadOldSheetInformation returns another status than 0. */
+  /** Fails if LoadOldSheetInformation returns a status other than 0. */
   verify(path: Path): void;
   /** The edits can ruin sheets below version 152: read the header first. */
   replaceNcPath(path: Path, ncPath: string, options?: Encoding): void;
@@ -216,7 +216,7 @@ export class Sheet {
   close(): void;
 }
 
-/** The parts of group part files: shows whether they can be loaded. Close it when it is not needed any more. */
+/** The parts of group part files; only shows whether they can be loaded. Close it when it is not needed any more. */
 export class PartList {
   constructor();
   load(path: Path): void;
@@ -228,7 +228,7 @@ export class PartList {
 export function encodeText(text: string, encoding?: string): Uint8Array;
 export function decodeText(bytes: Uint8Array, encoding?: string): string;
 
-/** The functions without any checks. Most arguments that a header forbids end the process. */
+/** The functions without any checks. Most arguments that the headers forbid end the process. */
 export const raw: {
   torvio: RawTorvio;
   oldTorvIO: RawOldTorvIO;

@@ -72,7 +72,7 @@ function nineValues(numbers) {
   return nine;
 }
 
-// A text whose length the function returns: the buffer grows until it fits, at the second time unless the file changes.
+// A text whose length the function returns: the buffer grows until it fits, in the second call unless the file changes.
 function textOfAnyLength(read) {
   for (let size = 4096;;) {
     const bytes = text(size);
@@ -352,7 +352,7 @@ const listKeys = new Set(['partfulldosname_and_count', 'partfulldosname_and_coun
                           'partname_and_count_and_wonumber', 'part_details_01']);
 
 class Sheet extends RecordHandle {
-  // Of all files that were loaded: no text about their patterns needs more room. NaN if it is unknown.
+  // The bytes of all files that were loaded: no text about their patterns needs more. NaN if unknown.
   #bytes = 0;
 
   constructor(address = oldTorvIO.CreateSheetInfo()) {
@@ -366,7 +366,7 @@ class Sheet extends RecordHandle {
     return opened;
   }
   #loaded(path, sizeBefore) {
-    // An empty file cannot be loaded: one of no bytes does not know its size.
+    // An empty file cannot be loaded: a loaded file of size 0 has an unknown size.
     this.#bytes += Math.max(sizeBefore, sizeOf(path)) || NaN;
   }
   load(path) {

@@ -67,7 +67,7 @@ export interface RawOldTorvIO {
   /** Loads a special tool file into a record.
    * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldSpecialTool(path: Uint8Array | null, tool: Pointer | null): number;
-  /** Makes a file the current special tool and returns its values. */
+  /** Loads the current special tool and returns its values. */
   OpenSpecialToolFile(path: Uint8Array | null, shapeCount: Uint32Array, orientation: Float32Array,
     specialValue: Float32Array, dimension1: Float32Array, dimension2: Float32Array, dimension3: Float32Array,
     firstValueCount: Int32Array, firstValue0: Float32Array, firstValue1: Float32Array, firstValue2: Float32Array,
@@ -81,7 +81,7 @@ export interface RawOldTorvIO {
   /** Loads a tool inventory into a record.
    * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldToolInventory(path: Uint8Array | null, inventory: Pointer | null): number;
-  /** Makes a file the current tool inventory, and counts its tools. */
+  /** Loads the current tool inventory and counts its tools. */
   LoadOldToolInventoryForCount(path: Uint8Array | null, count: Uint32Array): number;
   /** One tool of the current inventory. */
   GetOldToolInventoryInformation(index: number, name: Uint8Array, dimension1: Float32Array, dimension2: Float32Array,
@@ -99,7 +99,7 @@ export interface RawOldTorvIO {
   /** Loads a machine file into a record.
    * Only C++ programs can create its record: torvio_json reads such files in other languages. */
   LoadOldMachine(path: Uint8Array | null, machine: Pointer | null): number;
-  /** Makes a file the current machine and returns facts of it. */
+  /** Loads the current machine and returns facts about it. */
   LoadOldMachineInformation(path: Uint8Array | null, information: RawMachineInformation): number;
   /** One station of the current machine and its tool. */
   LoadOldStationToolFromMachine(index: number, stationNumber: Int32Array, stationType: Int32Array,
@@ -107,7 +107,7 @@ export interface RawOldTorvIO {
     values: Float32Array, limit0: Float32Array, limit1: Float32Array, limit2: Float32Array, limit3: Float32Array,
     shapeCode: Int32Array, dimensions: Float32Array, offsets: Float32Array, specialToolPath: Uint8Array,
     pairValue0: Float32Array, pairValue1: Float32Array, wordF: Int32Array): void;
-  /** Makes a file the current machine and returns its name, kind and texts. */
+  /** Loads the current machine and returns its name, kind and texts. */
   GetOldVLMQMachineName(path: Uint8Array | null, displayName: Uint8Array, kind: Uint32Array, text2: Uint8Array,
     secondText: Uint8Array, lateText: Uint8Array): number;
   /** Size, clamps, station limits and work area of a machine file. */
@@ -153,7 +153,7 @@ export interface RawOldTorvIO {
   GetSheetSequenceListSize(path: Uint8Array | null, count: Uint32Array): number;
   /** Edits a sheet file: the NC path of its machine. */
   ReplaceSheetMachineNcPath(path: Uint8Array | null, ncPath: Uint8Array | null): number;
-  /** Edits a sheet file: no parts, the shapes of a part as skeleton. */
+  /** Edits a sheet file: its parts and its skeleton. */
   ReplaceSheetSknPatListWithPartPatList(path: Uint8Array | null, partPath: Uint8Array | null): number;
   /** Edits a sheet file: the work order number of a part. */
   UpdateSheetPartWONumber(path: Uint8Array | null, partName: Uint8Array | null, oldNumber: Uint8Array | null,
@@ -169,7 +169,7 @@ export interface RawTorvio {
   torvio_info(input: RawInput, flags: number, result: [Pointer | null] | null, error: [Pointer | null] | null): number;
   /** The complete record of a file as JSON. */
   torvio_json(input: RawInput, flags: number, result: [Pointer | null] | null, error: [Pointer | null] | null): number;
-  /** Makes a file of the JSON of its record. */
+  /** Makes a file from the JSON of its record. */
   torvio_from_json(input: RawInput, version: number, flags: number, result: [Pointer | null] | null,
     error: [Pointer | null] | null): number;
   /** The JSON Schema of a kind of file. */
@@ -191,7 +191,7 @@ export interface RawTorvio {
   /** Saves a file in another version. */
   torvio_convert(input: RawInput, version: number, flags: number, result: [Pointer | null] | null,
     report: [Pointer | null] | null, error: [Pointer | null] | null): number;
-  /** Makes a file of the sound beginning of a damaged one. */
+  /** Makes a file from the sound beginning of a damaged one. */
   torvio_recover(input: RawInput, flags: number, result: [Pointer | null] | null, report: [Pointer | null] | null,
     error: [Pointer | null] | null): number;
   /** What the functions accept. */

@@ -53,7 +53,7 @@ function inputOf(input) {
   }
   if (inMemory && !(file.data instanceof Uint8Array)) throw new TypeError('data must be a Uint8Array');
   return {path: utf8(file.path, 'path'),
-          // A file of no bytes has an address as well.
+          // A file of no bytes needs an address, too.
           data: inMemory ? (file.data.length > 0 ? file.data : Buffer.alloc(1)) : null,
           size: inMemory ? file.data.length : 0, name: utf8(file.name, 'name'), kind: utf8(file.kind, 'kind'),
           encoding: utf8(file.encoding, 'encoding')};
@@ -63,7 +63,7 @@ function nameOf(input) {
   return typeof input === 'string' ? input : input.name || input.path || '';
 }
 
-// Calls a function with its result and error, and returns the result. accepted: statuses that are no failure.
+// Calls a function with its result and error, and returns the result. accepted: statuses that are not failures.
 function call(name, parameters, {asText = true, about = '', accepted = [constants.TORVIO_OK], report = null} = {}) {
   const result = [null], error = [null];
   const reportOut = report === null ? [] : [[null]];
@@ -98,7 +98,7 @@ module.exports = {
   version: () => torvio.torvio_version(),
   supported: () => call('supported', []),
 
-  // The verdict says what the file is: only that nothing could be found out is an error.
+  // The verdict says what the file is: it is an error only if there is none.
   check: (input) => ofFile('check', input, [0], {
     accepted: [constants.TORVIO_OK, constants.TORVIO_DAMAGED, constants.TORVIO_NOT_READ]}),
   info: (input) => ofFile('info', input, [0]),

@@ -46,7 +46,7 @@ type
     ItemWord3, ItemWord4: Single;
   end;
 
-  { The part builder, of which there is one in the process. The functions return the number of shapes. }
+  { The part builder, which exists once per process. The functions return the number of shapes. }
   TPartBuilder = class
   private
     class var FShapeCount: LongInt;
@@ -102,7 +102,7 @@ type
 
   TSpecialToolFile = class
   public
-    { Of a file without shapes, the header says what is returned instead. }
+    { The header says what is returned for a file without shapes. }
     class function Open(const APath: string): TSpecialTool;
   end;
 
@@ -195,15 +195,15 @@ type
     class function Utilization(const APath: string): Single;
     class function DriverFlags(const APath: string): TDriverFlags;
     class function SequenceSize(const APath: string): LongWord;
-    { Fails if LoadOldSheetInformation returns another status than 0. }
+    { Fails if LoadOldSheetInformation returns a status other than 0. }
     class procedure Verify(const APath: string);
     { The edits can ruin sheets below version 152: read the header first. }
     class procedure ReplaceNcPath(const APath, ANcPath: string; const AEncoding: string = DefaultEncoding);
     class procedure ReplaceSkeleton(const APath, APartPath: string);
-    { Changes parts of any number. }
+    { Changes parts with any number. }
     class procedure UpdateWorkOrder(const APath, APartName, ANewNumber: string;
       const AEncoding: string = DefaultEncoding);
-    { Changes parts of the number AOldNumber. }
+    { Changes parts with the number AOldNumber. }
     class procedure UpdateWorkOrderFrom(const APath, APartName, AOldNumber, ANewNumber: string;
       const AEncoding: string = DefaultEncoding);
   end;
@@ -212,7 +212,7 @@ type
   TSheet = class
   private
     FSheet: POldSheet;
-    { Of all files that were loaded: no text about their patterns needs more room. Negative if it is unknown. }
+    { The bytes of all files that were loaded: no text about their patterns needs more. Negative if unknown. }
     FBytes: Int64;
     procedure Loaded(const APath: string; ASizeBefore, AStatus: Int64);
   public
@@ -229,7 +229,7 @@ type
     property Handle: POldSheet read FSheet;
   end;
 
-  { The parts of group part files: shows whether they can be loaded. }
+  { The parts of group part files; only shows whether they can be loaded. }
   TPartList = class
   private
     FList: PSheetPartList;
@@ -470,7 +470,7 @@ begin
   Result := Decode(@Text[0], AEncoding);
 end;
 
-{ The buffer grows until the text fits, which it does at once unless the file changes. }
+{ The buffer grows until the text fits: at the latest in the second call, unless the file changes. }
 function RawTools(const APath: string; AOfGroupPart: Boolean): RawByteString;
 var
   Call: TForeignCall;
@@ -705,7 +705,7 @@ begin
   NamesLength := 4095;
   ToolsLength := 4095;
   repeat
-    { Both texts grow until they fit, which they do at the second time unless the file changes. }
+    { Both buffers grow until their texts fit: at the latest in the second call, unless the file changes. }
     Names := StringOfChar(#0, NamesLength + 1);
     ToolsText := StringOfChar(#0, ToolsLength + 1);
     FillChar(Texts, SizeOf(Texts), 0);
@@ -914,7 +914,7 @@ var
   Size: Int64;
 begin
   Size := Max(ASizeBefore, SizeOfFile(APath));
-  { An empty file cannot be loaded: this one does not know its size. }
+  { An empty file cannot be loaded: a loaded file of size 0 has an unknown size. }
   if ((Size = 0) and (AStatus >= 0)) or (FBytes < 0) then
     FBytes := -1
   else

@@ -100,7 +100,7 @@ function LoadGroupPart(APath: PAnsiChar; AList: PSheetPartList): Int64; cdecl; e
   other languages. }
 function LoadOldSpecialTool(APath: PAnsiChar; ATool: POldSpecialTool): Int64; cdecl; external OldTorvIOLibrary;
 
-{ Makes a file the current special tool and returns its values. }
+{ Loads the current special tool and returns its values. }
 function OpenSpecialToolFile(APath: PAnsiChar; var AShapeCount: LongWord; var AOrientation: Single;
   var ASpecialValue: Single; var ADimension1: Single; var ADimension2: Single; var ADimension3: Single;
   var AFirstValueCount: LongInt; var AFirstValue0: Single; var AFirstValue1: Single; var AFirstValue2: Single;
@@ -117,7 +117,7 @@ procedure GetShapeAt(AIndex: LongInt; var AType: LongInt; var AX: Single; var AY
   other languages. }
 function LoadOldToolInventory(APath: PAnsiChar; AInventory: POldToolInventory): Int64; cdecl; external OldTorvIOLibrary;
 
-{ Makes a file the current tool inventory, and counts its tools. }
+{ Loads the current tool inventory and counts its tools. }
 function LoadOldToolInventoryForCount(APath: PAnsiChar;
   var ACount: LongWord): LongInt; cdecl; external OldTorvIOLibrary;
 
@@ -141,7 +141,7 @@ function LoadOldMaterial(APath: PAnsiChar; AMaterial: POldMaterial): Int64; cdec
   languages. }
 function LoadOldMachine(APath: PAnsiChar; AMachine: POldMachine): Int64; cdecl; external OldTorvIOLibrary;
 
-{ Makes a file the current machine and returns facts of it. }
+{ Loads the current machine and returns facts about it. }
 function LoadOldMachineInformation(APath: PAnsiChar;
   var AInformation: TMachineInformation): LongInt; cdecl; external OldTorvIOLibrary;
 
@@ -152,7 +152,7 @@ procedure LoadOldStationToolFromMachine(AIndex: LongInt; var AStationNumber: Lon
   ADimensions: PSingle; AOffsets: PSingle; ASpecialToolPath: PAnsiChar; var APairValue0: Single;
   var APairValue1: Single; var AWordF: LongInt); cdecl; external OldTorvIOLibrary;
 
-{ Makes a file the current machine and returns its name, kind and texts. }
+{ Loads the current machine and returns its name, kind and texts. }
 function GetOldVLMQMachineName(APath: PAnsiChar; ADisplayName: PAnsiChar; var AKind: LongWord; AText2: PAnsiChar;
   ASecondText: PAnsiChar; ALateText: PAnsiChar): Int64; cdecl; external OldTorvIOLibrary;
 
@@ -219,7 +219,7 @@ function GetSheetSequenceListSize(APath: PAnsiChar; var ACount: LongWord): Int64
 { Edits a sheet file: the NC path of its machine. }
 function ReplaceSheetMachineNcPath(APath: PAnsiChar; ANcPath: PAnsiChar): Int64; cdecl; external OldTorvIOLibrary;
 
-{ Edits a sheet file: no parts, the shapes of a part as skeleton. }
+{ Edits a sheet file: its parts and its skeleton. }
 function ReplaceSheetSknPatListWithPartPatList(APath: PAnsiChar;
   APartPath: PAnsiChar): Int64; cdecl; external OldTorvIOLibrary;
 

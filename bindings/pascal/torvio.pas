@@ -31,7 +31,7 @@ type
   public
     class function Version: string;
     class function Supported: string;
-    { Returns a verdict for every file, also for one that is damaged or cannot be read. }
+    { Returns a verdict for every file, even if it is damaged or cannot be read. }
     class function Check(const AFile: TTorvioFile): string;
     class function Info(const AFile: TTorvioFile): string;
     class function Json(const AFile: TTorvioFile; APretty: Boolean = False): string;
@@ -108,7 +108,7 @@ begin
   AInput.Encoding := WithoutNul(AFile.Encoding);
   if AFile.InMemory then
   begin
-    { A file of no bytes has an address as well. }
+    { A file of no bytes needs an address, too. }
     AInput.Input.Data := PAnsiChar('');
     if Length(AFile.Data) > 0 then
       AInput.Input.Data := @AFile.Data[0];

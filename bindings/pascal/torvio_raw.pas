@@ -66,7 +66,7 @@ function torvio_info(AInput: PTorvioInput; AFlags: LongWord; AResult: PPTorvioBu
 function torvio_json(AInput: PTorvioInput; AFlags: LongWord; AResult: PPTorvioBuffer;
   AError: PPTorvioError): LongInt; cdecl; external torvioLibrary;
 
-{ Makes a file of the JSON of its record. }
+{ Makes a file from the JSON of its record. }
 function torvio_from_json(AInput: PTorvioInput; AVersion: LongInt; AFlags: LongWord; AResult: PPTorvioBuffer;
   AError: PPTorvioError): LongInt; cdecl; external torvioLibrary;
 
@@ -98,7 +98,7 @@ function torvio_diff(AA: PTorvioInput; AB: PTorvioInput; APart: PAnsiChar; ATole
 function torvio_convert(AInput: PTorvioInput; AVersion: LongInt; AFlags: LongWord; AResult: PPTorvioBuffer;
   AReport: PPTorvioBuffer; AError: PPTorvioError): LongInt; cdecl; external torvioLibrary;
 
-{ Makes a file of the sound beginning of a damaged one. }
+{ Makes a file from the sound beginning of a damaged one. }
 function torvio_recover(AInput: PTorvioInput; AFlags: LongWord; AResult: PPTorvioBuffer; AReport: PPTorvioBuffer;
   AError: PPTorvioError): LongInt; cdecl; external torvioLibrary;
 

@@ -12,7 +12,7 @@ uses
   SysUtils, Math;
 
 type
-  { A function has returned another status than 0. }
+  { A function has returned a status other than 0. }
   ETorvio = class(Exception)
   private
     FFunctionName: string;
@@ -58,7 +58,7 @@ function EncodeText(const AText: string; const AEncoding: string = DefaultEncodi
 { The bytes up to the first zero as a text. }
 function DecodeText(const ABytes: RawByteString; const AEncoding: string = DefaultEncoding): string;
 
-{ A string without zeros, which C would take for its end. }
+{ A string without zeros, which C would take as its end. }
 function WithoutNul(const AText: string): RawByteString;
 
 { A string and a file as bytes. }
@@ -103,7 +103,7 @@ end;
 
 procedure TForeignCall.Leave;
 begin
-  { What happened in the library must not be raised by the next computation. }
+  { An exception that occurred in the library must not be raised by the next computation. }
   ClearExceptions(False);
   SetExceptionMask(FMask);
 end;

@@ -1,8 +1,8 @@
 # The Debian packages, one for each component; OLDTORVIO_TOOLS and OLDTORVIO_PYTHON must be on. The rules for names and
 # contents are those of Debian's Policy Manual; lintian checks them.
 set(OLDTORVIO_MAINTAINER "OldTorvIO authors <authors@oldtorvio.invalid>" CACHE STRING
-  "Who answers for the Debian packages: name and address")
-set(OLDTORVIO_DEBIAN_REVISION 1 CACHE STRING "Counts the packages made of one version")
+  "Maintainer of the Debian packages: name and address")
+set(OLDTORVIO_DEBIAN_REVISION 1 CACHE STRING "Revision of the Debian packages of one version")
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
@@ -38,7 +38,7 @@ execute_process(COMMAND gzip -9nf changelog changelog.Debian WORKING_DIRECTORY $
 
 # debian_package(COMPONENT NAME [SECTION name] [DEPENDS packages] [CONTROL file ...] [CONTAINS package ...]
 #                SUMMARY text DESCRIPTION line ...)
-# CONTAINS lists the Debian packages whose code is compiled in. Remarks of lintian that stay, with the reasons, are in
+# CONTAINS lists the Debian packages whose code is compiled in. Accepted remarks of lintian, with the reasons, are in
 # lintian-overrides/ under the name without its version.
 function(debian_package component name)
   cmake_parse_arguments(PARSE_ARGV 2 with "" "SECTION;DEPENDS;SUMMARY" "CONTROL;CONTAINS;DESCRIPTION")
@@ -58,7 +58,7 @@ function(debian_package component name)
   package_licences(${component} ${CMAKE_INSTALL_DATAROOTDIR}/doc/${name} ${with_CONTAINS})
   string(REGEX REPLACE "[0-9.]+$" "" plain_name ${name})
   if(NOT EXISTS ${packaging}/lintian-overrides/${plain_name})
-    set(plain_name ${name})  # ends in a number that is no version
+    set(plain_name ${name})  # ends in a number that is not a version
   endif()
   configure_file(${packaging}/lintian-overrides/${plain_name} ${debian_folder}/overrides/${name} @ONLY)
   install(FILES ${debian_folder}/overrides/${name} COMPONENT ${component}
@@ -66,7 +66,7 @@ function(debian_package component name)
 endfunction()
 
 # debian_library(COMPONENT LIBRARY NAME FUNCTIONS ...): the package of the shared library lib${LIBRARY}.so, which
-# exports the functions in that list. By `symbols` and `shlibs` other packages find which version they need.
+# exports the functions in that list. From `symbols` and `shlibs`, other packages know which version they need.
 macro(debian_library component library name functions)
   set(folder ${debian_folder}/${name})
   list(TRANSFORM ${functions} REPLACE "(.+)" " \\1@Base ${PROJECT_VERSION}\n" OUTPUT_VARIABLE symbols)
@@ -89,7 +89,7 @@ string(REPLACE "\n" ";" torvio_exports "${torvio_exports}")
 debian_library(OldTorvIO_Companion torvio libtorvio${abi_version} torvio_exports CONTAINS nlohmann-json3-dev
   SUMMARY "verdicts, JSON and pictures of older sheet-metal files"
   DESCRIPTION "libtorvio has what the command torvio does as plain C functions: it judges a"
-  "file, returns its contents as JSON and makes a file of that, draws it,"
+  "file, returns its contents as JSON and makes a file from that, draws it,"
   "compares two files and converts between versions.")
 debian_package(OldTorvIO_Development liboldtorvio-dev SECTION libdevel
   DEPENDS "liboldtorvio${abi_version} (= ${debian_version}), libtorvio${abi_version} (= ${debian_version})"
@@ -101,7 +101,7 @@ debian_package(OldTorvIO_Tool torvio SECTION utils CONTAINS libcli11-dev nlohman
   DESCRIPTION "torvio says what a file is and whether it is sound, shows what is in it,"
   "draws it, compares two files, converts and recovers them, and turns files"
   "into JSON and back.")
-# The module is made for the version of Python that is found.
+# The module is built for the version of Python that is found.
 find_package(Python 3.10 COMPONENTS Interpreter REQUIRED)
 math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
 debian_package(OldTorvIO_Python python3-oldtorvio SECTION python

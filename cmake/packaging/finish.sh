@@ -1,5 +1,5 @@
 #!/bin/sh
-# finish.sh PACKAGE TIME: writes a package again so that the same files make the same bytes. CPack packs files in the
+# finish.sh PACKAGE TIME: rewrites a package so that the same files give the same bytes. CPack packs files in the
 # order in which the system lists them, with the times of the build.
 set -eu
 package=$1
@@ -21,7 +21,7 @@ case "$package" in
       # CPack adds scripts that call ldconfig, even if there is a trigger for it.
       rm DEBIAN/postinst DEBIAN/postrm
     fi
-    # CPack counts a library again for each link to it. Debian counts 1 KiB for everything that is no file.
+    # CPack counts a library again for each link to it. Debian counts 1 KiB for everything that is not a file.
     size=$(find usr -type f -printf '%s\n' -o -printf '1\n' |
       awk '{ sum += int(($1 + 1023) / 1024) } END { print sum }')
     sed -i "s/^Installed-Size: .*/Installed-Size: $size/" DEBIAN/control

@@ -6,7 +6,7 @@ foreach(file ${installed})
     continue()
   endif()
   if(file MATCHES "/bin/torvio$|\\.so(\\.[0-9]+)*$")
-    # The versions of the compilers.
+    # Removes the versions of the compilers.
     execute_process(COMMAND ${CPACK_OLDTORVIO_STRIP} --remove-section=.comment ${file} COMMAND_ERROR_IS_FATAL ANY)
   elseif(file MATCHES "\\.a$" AND NOT file MATCHES "\\.dll\\.a$")
     execute_process(COMMAND ${CPACK_OLDTORVIO_STRIP} --strip-debug --remove-section=.comment

@@ -21,8 +21,8 @@ struct MachineSetup {
 };
 
 // About 150 KiB without its lists: allocate it on the heap. Texts are raw bytes of the file: a text that fills its
-// field has no NUL. Fields without a comment on their meaning are only loaded and saved. "Since N" is the first version
-// that stores a field, "N below" the value that a load of an older file sets.
+// field has no NUL. Fields without a comment on their meaning are only loaded and saved. "since 61; 0 below": version
+// 61 is the first that stores the field, and a load of an older file sets it to 0.
 struct OldMachine {
   std::int16_t version = 0;  // version word of a machine file; a load of a sheet leaves it unchanged
   // Path of the file that LoadOldMachineInformation or GetOldVLMQMachineName loaded (its first 259 characters), set
@@ -153,7 +153,7 @@ struct OldMachine {
   // at every version
   std::uint32_t machineWord91 = 0, machineWord92 = 0;
   std::uint32_t machineWord93 = 0, machineWord94 = 0, machineWord95 = 0, machineWord96 = 0;
-  float machineWord97 = 40.0F;  // since 62 stored a second time, which a load keeps
+  float machineWord97 = 40.0F;  // since 62 stored twice; a load keeps the second
   std::uint32_t machineWord98 = 0, machineWord99 = 0, machineWord100 = 0, machineWord101 = 0, machineWord102 = 0;
   std::uint32_t machineWord103 = 0, machineWord104 = 0, machineWord105 = 0, machineWord106 = 0, machineWord107 = 0;
 

@@ -5,7 +5,7 @@
 
 namespace oldtorvio {
 
-// 14 bytes at every version.
+// Stored in 14 bytes at every version.
 struct MarkEntry {
   std::uint32_t markWord1 = 0;
   std::uint16_t markShort = 0;

@@ -17,8 +17,8 @@
 namespace oldtorvio {
 
 // About 6 KiB without its lists: allocate it on the heap if the stack is small. Texts are raw bytes of the file: a text
-// that fills its field has no NUL. "Since N" is the first version that stores a field, "N below" the value that a load
-// of an older file sets.
+// that fills its field has no NUL. "since 71; 2 below": version 71 is the first that stores the field, and a load of an
+// older file sets it to 2. "memory only": never stored.
 struct TorvPart {
   std::int32_t recordWord = 0;      // memory only
   char partName[256] = "NEW PART";  // stored in group part files and sheets
@@ -30,7 +30,7 @@ struct TorvPart {
   std::int32_t partKind = 1;
   std::int32_t partWord1 = 1;
   float thickness = 0.05F;
-  char descriptionA[256] = {};  // since 62, as the next five; a load of an older file
+  char descriptionA[256] = {};  // since 62, like the next five; a load of an older file
   char descriptionB[256] = {};  // empties the texts and sets lateIndex to -1
   char revision[21] = {};
   char materialType[256] = {};

@@ -7,8 +7,8 @@
 
 namespace oldtorvio {
 
-// A load reads all shapes of the list into one object: a field that the file does not store for a shape has the value
-// that it had in the shape before.
+// A load reads all shapes of the list into one object: a field that the file does not store for a shape keeps the value
+// of the previous shape.
 struct PlacedShapeList {
   std::uint8_t placedBlock[8] = {};
   ShapeList shapes;  // listKind and listTag are not stored here

@@ -9,7 +9,7 @@ struct PatternItem {
   std::uint32_t itemWord1 = 0;
   std::int32_t toolNumber = 0;    // 1-based station number; 0: no tool
   std::uint32_t memoryWord1 = 0;  // memory only
-  std::uint32_t itemWord2 = 0;    // since 62, as all fields to itemWord4; 0 below
+  std::uint32_t itemWord2 = 0;    // since 62, like all fields up to itemWord4; 0 below
   std::uint32_t itemPair1[2] = {};
   std::uint32_t itemPair2[2] = {};
   std::uint32_t itemShort1 = 0, itemShort2 = 0;

@@ -10,7 +10,7 @@ struct ProcessSlot {
   std::uint32_t slotWord1 = 0, slotWord2 = 0;
   std::uint8_t slotBlock[8] = {};
   std::uint32_t slotWord3 = 0, slotWord4 = 0;
-  float firstLength = 0.25F;      // since 80, as the next three and slotKind; a load of an older
+  float firstLength = 0.25F;      // since 80, like the next three and slotKind; a load of an older
   float firstAngle = 0.7853982F;  // file sets these five to their defaults. Angles are in radians.
   float secondLength = 0.25F;
   float secondAngle = 0.7853982F;

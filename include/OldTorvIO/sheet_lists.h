@@ -14,9 +14,9 @@ struct SheetSetupEntry {
   std::uint8_t entryBlocks[3][8] = {};
 };
 
-// A list without entries is stored as its count only. A load fails only if one of the three tail fields is missing. Of
-// an entry that cannot be read completely, the list keeps what was read; it keeps at most 1024 entries that took no
-// byte from the file.
+// A list without entries is stored as its count only. A load fails only if one of the three tail fields is missing. An
+// entry that cannot be read completely stays in the list with what was read; of the entries for which the file has no
+// bytes, at most 1024 stay.
 struct SheetSetupList {
   std::vector<SheetSetupEntry> entries;
   SetupEntry current;

@@ -7,7 +7,7 @@ namespace oldtorvio {
 
 // Shape codes: 0 no tool, 1 round, 3 rectangle, 9 right angle shear, 33 laser cutting tool, 103 square, 104 single D,
 // 105 double D, 106 obround, 107 triangle, 108 special tool (described by a file of its own), 109 and 110 rounded
-// corners, 112 GR.
+// corners, 112 GR. "Carried" fields are only loaded and saved.
 struct OldTool {
   float orientation = 0;
   std::int32_t shapeCode = 0;

@@ -1,4 +1,4 @@
-// The tool stations of a punch and the tool at each of them.
+// The tool stations of a punch and the tool at each of them. "Carried" fields are only loaded and saved.
 #pragma once
 #include <cstdint>
 #include <vector>

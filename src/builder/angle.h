@@ -4,9 +4,9 @@
 
 namespace oldtorvio {
 
-// Reduces an angle (radians) to 0 to half a turn or 0 to a quarter turn, as the symmetry allows, both ends included.
-// Each step is computed in double precision and rounded to single. An angle so large that a step does not change it
-// is returned as it is then, and so is a NaN.
+// Reduces an angle (radians) to the range from 0 to half a turn or to a quarter turn, by symmetry, both ends included.
+// Each step is computed in double precision and rounded to single. If a step does not change the angle because it is
+// too large, it is returned as it is, and so is a NaN.
 float reducedAngle(float angle, std::uint32_t symmetryFlags);
 
 }  // namespace oldtorvio

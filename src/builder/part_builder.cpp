@@ -1,4 +1,4 @@
-// The part builder: one part for the process, built by one call after another and then saved.
+// The part builder: one part per process, built call by call and then saved.
 //
 // Invariants: the first pattern has one item for each shape; stations and tools have the same length.
 // A call that adds something adds all of it or nothing.
@@ -32,7 +32,7 @@ constexpr std::uint32_t kGroupMember = 128;
 constexpr std::int8_t kGroupHead = 7;
 // The longest path that fits a 256-byte text with its NUL.
 constexpr std::size_t kLongestToolPath = 255;
-// A group's tool: checked before the file is looked for.
+// For the tool of a group: checked before its file is searched for.
 constexpr std::size_t kLongestGroupToolPath = 259;
 
 std::int32_t shapeCount() { return static_cast<std::int32_t>(partBuilder.shapes.shapes.size()); }

@@ -28,7 +28,7 @@ Result guarded([[maybe_unused]] Result outOfMemory, Fn&& body) noexcept {
 #endif
 }
 
-// Opens `path`, reads the version word and passes it to keep(version), also if it is then refused. If
+// Opens `path`, reads the version word and passes it to keep(version), even if it is then refused. If
 // accepts(version), returns the status of read(stream, version), which starts after the version word.
 template <class Keep, class Accepts, class Read>
 std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& read,

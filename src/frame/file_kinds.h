@@ -1,5 +1,5 @@
 // The kinds of files: their names, the versions that their loads accept, and what a load returns for any other.
-// What record a kind has and how it is walked: src/file_records.h.
+// For the record of each kind and the walk over it, see src/file_records.h.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -16,7 +16,7 @@ enum class FileKind : std::uint8_t { part, groupPart, specialTool, machine, mate
 struct FileKindInfo {
   FileKind kind;
   std::string_view name;       // as the tool prints and accepts it
-  std::string_view extension;  // of a kind that the name of a file decides
+  std::string_view extension;  // if it decides the kind; otherwise empty
   bool (*accepts)(int version);
   std::int64_t refusal;  // returned by a load of another version
 };

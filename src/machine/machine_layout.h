@@ -119,7 +119,7 @@ struct Layout<OldMachine> {
                             m.machineWord107));
   }
 
-  // Stored a second time, which is what counts. One that cannot be read leaves the first.
+  // Stored a second time; a load keeps the second. If the second cannot be read, the first stays.
   static bool describeClampInfoAgain(auto& io, auto& m) {
     ClampInfo clampInfo = io.either(ClampInfo(), ClampInfo(m.clampInfo));
     return io.record(FIELDS(clampInfo))
@@ -137,7 +137,7 @@ struct Layout<OldMachine> {
         && io.since(62, FIELDS(m.machineWord12, m.machineWord13, m.machineWord14, m.machineWord15, m.machineWord16,
                                m.machineWord17, m.machineWord18, m.machineWord19, m.machineWord20, m.machineWord21,
                                m.machineWord22, m.machineWord23, m.machineWord24, m.machineWord25))
-        // Stored a second time, which is what counts.
+        // Stored a second time; a load keeps the second.
         && io.since(62, FIELDS(m.machineWord97))
         && io.since(62, FIELDS(m.machineWord26, m.machineWord27, m.machineWord28, m.machineWord29, m.machineWord30,
                                m.machineWord31, m.machineWord32, m.machineWord33, m.machineWord34, m.machineWord35,
@@ -156,7 +156,7 @@ struct Layout<OldMachine> {
                                m.machineWord72, m.machineWord73, m.machineWord74, m.machineWord75, m.machineWord76,
                                m.machineWord77, m.machineWord78, m.wideValue1, m.wideValue2, m.machineWord79));
   }
-  // In double: the single nearest to 0.0001 is below it.
+  // Compared in double precision: the float nearest to 0.0001 is below it.
   static bool isBelowLimit(float value) { return std::fabs(static_cast<double>(value)) < 0.0001; }
 
   static bool describeMaterial(auto& io, auto& m, const auto& form) {
@@ -223,7 +223,7 @@ struct Layout<OldMachine> {
                           && io.when(above(FIELDS(lateLength), 0), [&] { return io.reserved(static_cast<std::size_t>(lateLength)); });
                     })
                  && io.since(141, FIELDS(m.lateByteB))
-                 // The writer has no gate here.
+                 // The writer stores these at every version.
                  && io.differs([&] { return io.since(151, [&] { return describeLateWords(io, m); }); },
                                [&] { return describeLateWords(io, m); })
                  && io.below(151, [&] {

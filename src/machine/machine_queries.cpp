@@ -15,7 +15,7 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Never reset: what a file does not store keeps the value of the machine before.
+// Never reset: what a file does not store keeps the value of the previous machine.
 OldMachine currentMachine;
 
 // Loads the current machine and, on success, calls setOutputs(version). A fault after the version word returns 0 too.

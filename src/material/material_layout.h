@@ -20,7 +20,7 @@ inline constexpr ChoiceLimit kChoiceLimits[] = {
     {&OldMaterial::choice1, 4}, {&OldMaterial::choice2, 8}, {&OldMaterial::choice3, 4}, {&OldMaterial::choice4, 6},
     {&OldMaterial::choice5, 8}, {&OldMaterial::choice6, 4}, {&OldMaterial::choice7, 6}, {&OldMaterial::choice8, 8},
 };
-// What a load makes of a value outside both banks. The gap between the banks is ignored.
+// What a value outside both banks becomes in a load. Values between the banks are kept.
 inline std::int32_t choiceAfterReading(std::int32_t value, std::int32_t limit) {
   if (value >= 0 && value < 1001 + limit) return value;
   return value < 1000 ? 1 : 1001;
@@ -43,7 +43,7 @@ struct Layout<SettingEntry> {
 template <>
 struct Layout<SettingGroup> {
   static bool describe(auto& io, auto& g) {
-    // A group that the file does not reach is left out, and so are all after it.
+    // A file may end before a group: that group and all after it are then left out.
     return io.optionalTail(FIELDS(g.groupWord)) && io.list(FIELDS(g.groupList), kReplaced);
   }
 };
@@ -202,7 +202,7 @@ struct Layout<OldMaterial> {
         && io.afterRead(s, "choices outside their two banks become 1 or 1001", [](auto& r) {
              for (const auto& [choice, limit] : kChoiceLimits) r.*choice = choiceAfterReading(r.*choice, limit);
            })
-        // Too late for what has just been stored: only the next file has it.
+        // Too late for what has just been stored: only the next save stores it.
         && io.beforeWrite(s, "choices above their high bank become 1000 and their last digit", [](auto& r) {
              for (const auto& [choice, limit] : kChoiceLimits) r.*choice = choiceAfterWriting(r.*choice, limit);
            })

@@ -120,7 +120,7 @@ struct Layout<ParamTable> {
 
 }  // namespace codec
 
-// The status of a table's load, by whatever reads.
+// The status of the load of a table, for any walker that reads.
 template <class Io>
 int readParamTable(Io& io, ParamTable& table) {
   if (io.walk(table)) return 0;

@@ -38,7 +38,7 @@ struct Layout<ShapeProgram> {
 template <>
 struct Layout<ShapeProgramEx> {
   static bool describe(auto& io, auto& p) {
-    // Where the program fails, for whatever reason, its owner goes on without the fields below.
+    // If the program fails, for whatever reason, the walk continues after this record without the fields below.
     return io.endOnFailure([&] { return Layout<ShapeProgram>::describe(io, p); })
         && io.fields(FIELDS(p.extFlag1, p.extValue1, p.extValue2, p.extFlag2, p.extValue3, p.extFlag3));
   }

@@ -112,8 +112,8 @@ struct Layout<Version5Part> {
   }
 };
 
-// Versions 2 and 3. A load never succeeds: after the shapes and the setup section there is always a place where
-// it ends.
+// Versions 2 and 3. A load never succeeds: somewhere after the shapes and the setup section it always stops and
+// returns 1.
 struct Version3Part {
   TorvPart& part;
 };
@@ -169,7 +169,7 @@ struct Layout<Version3Part> {
            });
   }
 
-  // A record that carries a text uses up the records after it.
+  // A record with a text reduces the number of records that follow by the number of its text pieces.
   static bool describeSetupSection(auto& io, SetupList& l) {
     std::int16_t recordCount = 0;
     std::int64_t asText = 0;
@@ -218,7 +218,7 @@ struct Layout<Version3Part> {
            });
   }
 
-  // Discarded: the pattern keeps the items that its shapes gave it.
+  // Discarded: the pattern keeps the items that were created with its shapes.
   static bool describeItems(auto& io) {
     std::int16_t itemCount = 0, numberCount = 0;
     return io.fields(FIELDS(itemCount))

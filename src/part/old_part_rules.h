@@ -9,7 +9,7 @@
 
 namespace oldtorvio {
 
-// The number of values of a shape of this type; 0 for an unknown type. Of type 9 the fifth is not stored.
+// The number of values of a shape of this type; 0 for an unknown type. The fifth value of type 9 is not stored.
 int oldValueCount(std::int8_t type);
 
 // Whether shapes of this type keep the flag of value 1.

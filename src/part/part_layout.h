@@ -1,4 +1,4 @@
-// Stored form of a part: patterns, the part extensions, the body in all its places, group files.
+// Stored form of a part: patterns, the part extensions, the body wherever it is embedded, group part files.
 #pragma once
 #include <algorithm>
 #include <cstring>

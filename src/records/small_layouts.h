@@ -44,7 +44,7 @@ struct Layout<StepTable> {
   }
 };
 
-// As parts of version 5 store it.
+// As stored by parts of version 5.
 inline bool describeShortSetupEntry(auto& io, auto& e) {
   return io.fields(FIELDS(e.setupShort1, e.setupShort2, e.setupByte1, e.setupShort3, e.setupByte2, e.setupShort4,
                           e.setupByte3, e.setupBlock, e.setupWord1, e.setupByte4, e.setupWord2, e.setupShort5,

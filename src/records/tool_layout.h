@@ -77,7 +77,7 @@ struct Layout<ToolStation> {
         && io.since(90, FIELDS(s.wordA, s.realA, s.realB, s.wordB, s.realD, s.byteF, s.byteG, s.byteH, s.stationText,
                                s.byteC, s.byteE))
         && io.since(100, [&] {
-             // More than two pair values run on into the words after them, of which the version stores some again.
+             // Pair values after the second are read into the words that follow, some of which are then stored again.
              return io.fields(FIELDS(s.wordD, pairCount))
                  && io.require(atMost(FIELDS(pairCount), 9))
                  && io.leading(pairCount, FIELDS(s.pairValues[0], s.pairValues[1], s.wordE, s.wordF, s.realF, s.wordG,

@@ -16,7 +16,7 @@ inline const ToolStationList& stationListOf(const OldMachine& machine) {
   return usesSecondStationList(machine) ? machine.stationsB : machine.stationsA;
 }
 
-// A tool number of a nest and where it comes from. It may be no number of a station.
+// A tool number of a nest and where it comes from. There may be no station with that number.
 struct ToolUse {
   static constexpr std::size_t kOfSheet = static_cast<std::size_t>(-1);
 
@@ -24,7 +24,7 @@ struct ToolUse {
   std::size_t part = kOfSheet;        // that the item or slot belongs to
   std::size_t pattern = 0;            // of an item of a part
   std::size_t position = 0;           // of the item or slot
-  const ProcessSlot* slot = nullptr;  // none for an item. A slot uses the tool only if its station has a tool count
+  const ProcessSlot* slot = nullptr;  // null for an item. A slot uses the tool only if its station has a tool count
 };
 
 // Calls see(use) for the tool number of each item and of each active slot of the parts and of the sheet, in this order.

@@ -12,7 +12,7 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// The result of the save is not reported, nor that of a body that cannot be read.
+// Neither a failed save nor a body that cannot be read is reported.
 template <class Change>
 std::int64_t edit(const char* path, Change&& change) noexcept {
   return withSheet(path, isListedSheetVersion, [&](OldSheet& sheet, int version) {

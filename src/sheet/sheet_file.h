@@ -10,7 +10,7 @@ namespace oldtorvio {
 
 // Loads the sheet onto the heap and, if its body could be read, calls use(sheet, version). A body that cannot be read
 // returns 0 as well. A version that accepts(version) refuses returns -1; one that it accepts but that no sheet has (1
-// and 6) returns 0 without a read of the body.
+// and 6) returns 0 without reading the body.
 template <class Accepts, class Use>
 std::int64_t withSheet(const char* path, Accepts&& accepts, Use&& use) noexcept {
   std::unique_ptr<OldSheet> loaded;

@@ -161,7 +161,7 @@ struct Layout<OldSheet> {
   }
 
  private:
-  // The file's count decides, not the shapes that the record already holds.
+  // The stored count decides, not the shapes that the record already holds.
   static bool describeOwnShapes(auto& io, auto& s) {
     std::int32_t shapeCount = io.countOf(s.shapes.shapes);
     return io.fields(FIELDS(s.shapes.listTag, s.shapes.listKind, shapeCount))

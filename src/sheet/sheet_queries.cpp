@@ -41,7 +41,7 @@ extern "C" int64_t GetSheetDriverFlags(const char* path, int32_t* flags) noexcep
   return guarded(kDamaged, [&]() -> std::int64_t {
     const auto sheet = std::make_unique<OldSheet>();
     const std::int64_t status = LoadOldSheet(path, sheet.get());
-    // With status 1 as well, as far as they were read.
+    // With status 1, too, as far as they were read.
     if (status == kDone || status == kDamaged) std::ranges::copy(sheet->paramTable.intParams, flags);
     return status;
   });

@@ -1,4 +1,4 @@
-// The writers of the largest records of sheet_io.h: compiled apart, because they take a compiler long.
+// The writers of the largest records of sheet_io.h, in a file of their own because they take long to compile.
 #include "src/frame/codec/writer.h"
 #include "src/sheet/sheet_io.h"
 #include "src/sheet/sheet_layout.h"

@@ -16,7 +16,7 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Never reset: what a file does not store keeps the value of the inventory before.
+// Never reset: what a file does not store keeps the value of the previous inventory.
 OldToolInventory currentToolInventory;
 
 template <class Read>

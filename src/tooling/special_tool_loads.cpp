@@ -10,7 +10,7 @@ namespace {
 using namespace codec;
 using namespace frame;
 
-// Never reset: what a file does not store keeps the value of the tool before.
+// Never reset: what a file does not store keeps the value of the previous tool.
 OldSpecialTool currentSpecialTool;
 
 // *wasRead becomes true once the version is accepted, whether or not the rest can be read.

@@ -50,9 +50,9 @@ constexpr std::string_view nameOfToolKind(std::int32_t shapeCode) {
   return {};
 }
 
-// The file of a special tool of an inventory; null if its index is that of no file.
+// The file of a special tool of an inventory; null if no file has its index.
 inline const std::array<char, 256>* specialToolFileOf(const OldToolInventory& inventory, const OldTool& tool) {
-  // Of an index below 1 this is more than any list has.
+  // For an index below 1 this is larger than any list.
   const std::uint64_t position = static_cast<std::uint64_t>(std::int64_t{tool.specialToolIndex}) - 1;
   return position < inventory.specialToolFiles.size() ? &inventory.specialToolFiles[static_cast<std::size_t>(position)]
                                                       : nullptr;

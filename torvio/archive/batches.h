@@ -1,4 +1,4 @@
-// The files of an archive in portions, for processes that examine one after the other.
+// The files of an archive in batches, for processes that examine one batch after the other.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -11,7 +11,7 @@ namespace oldtorvio::archive {
 
 struct Batch {
   std::vector<FoundFile> files;   // to be examined
-  std::vector<FileResult> ready;  // what needs no reading: unchanged files, folders that cannot be read
+  std::vector<FileResult> ready;  // results without reading: unchanged files, folders that cannot be read
 };
 
 class Batches {
@@ -20,11 +20,11 @@ class Batches {
   // Opening a file takes as long as reading this many bytes, or longer.
   static constexpr std::uint64_t kLeastWeight = 16U << 10U;
 
-  // Of the options, `known` and `isExcluded` are used.
+  // Uses `known` and `isExcluded` of the options.
   Batches(std::shared_ptr<FileNames> names, ScanOptions options, std::uint64_t bytes)
       : names_(std::move(names)), options_(std::move(options)), bytes_(bytes) {}
 
-  // The next files, in the order of the names, until they have that many bytes; nothing after the last.
+  // The next files, in the order of their names, up to about that many bytes; nothing after the last.
   std::optional<Batch> next();
 
  private:

@@ -187,8 +187,8 @@ class Catalogue::Database {
  public:
   Database(const std::string& path, const std::string& settings, std::chrono::milliseconds longestWait)
       : path_(path), ownPath_(cataloguePath(path)) {
-    // Another process may create the catalogue, or end its own run, at the same time. SQLite does not wait for all of
-    // that itself, and what was read before may no longer hold.
+    // Another process may create the catalogue, or end its own run, at the same time. SQLite itself does not always
+    // wait for that, and what was read before may be out of date.
     const auto end = Clock::now() + longestWait;
     for (auto pause = kShortestPause;; pause = std::min(pause * 2, kLongestPause)) {
       try {
@@ -277,7 +277,7 @@ class Catalogue::Database {
       if (first.empty() || !isSeparator(first.back())) first += '/';
       std::string last = first;
       ++last.back();  // the first name that is not in the folder
-      // Names that are no texts are blobs, which have an order of their own.
+      // Names that are not texts are blobs, which are ordered separately.
       for (const bool areBlobs : {false, true}) {
         Use remove(*this, removeUnseen_);
         remove.bindName(first, areBlobs).bindName(last, areBlobs).bind(run_);
@@ -326,7 +326,7 @@ class Catalogue::Database {
     }
 
     Use& bind(std::int64_t value) { return checked(sqlite3_bind_int64(statement_, ++bound_, value)); }
-    // A value that is no number becomes NULL.
+    // A value that is not a number becomes NULL.
     Use& bind(double value) { return checked(sqlite3_bind_double(statement_, ++bound_, value)); }
     // The text must live until step().
     Use& bind(std::string_view text) {
@@ -340,7 +340,7 @@ class Catalogue::Database {
       return bindNull();
     }
     Use& bindNull() { return checked(sqlite3_bind_null(statement_, ++bound_)); }
-    // A name is a text if it is UTF-8, else a blob of its bytes, so that no two files have the same.
+    // A name is a text if it is UTF-8, otherwise a blob of its bytes, so that no two files have the same.
     Use& bindName(std::string_view name, bool isBlob) {
       return checked(
           isBlob ? sqlite3_bind_blob64(statement_, ++bound_, name.data(), name.size(), SQLITE_TRANSIENT)
@@ -374,7 +374,7 @@ class Catalogue::Database {
   };
 
   void open() {
-    // A path that begins with "file:" is no URI here.
+    // A path that begins with "file:" is not a URI here.
     constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     if (sqlite3_open_v2(ownPath_.c_str(), &database_, kFlags, nullptr) != SQLITE_OK) fail();
     // Short, because the constructor tries again.
@@ -401,7 +401,7 @@ class Catalogue::Database {
   }
 
   // Without its other files a database can be read and copied anywhere. It keeps them while another process uses it,
-  // which then does this at its own end. Two that end together are in each other's way: then both come back.
+  // which then removes them at its own end. Two that end at the same time block each other: both try again.
   void leaveOneFile() {
     std::minstd_rand random(std::random_device{}());
     for (int i = 0; i < 10; ++i) {
@@ -520,7 +520,7 @@ class Catalogue::Database {
       insert.bind(static_cast<std::int64_t>(report.size));
     else
       insert.bindNull();
-    // Without a time the file is read again: one whose size is not that of its contents, as in /proc, has neither.
+    // Without a time the file is read again, as one must be whose size is not that of its contents, such as in /proc.
     isRead&& result.size == report.size ? insert.bind(result.modified) : insert.bindNull();
     result.kind ? insert.bind(frame::infoOf(*result.kind).name) : insert.bindNull();
     report.version ? insert.bind(std::int64_t{*report.version}) : insert.bindNull();

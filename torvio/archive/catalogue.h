@@ -19,16 +19,16 @@ class CatalogueError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// A later run adds to the file of an earlier one. What add() was called for is written in transactions of many files;
-// a process that ends without finish() loses at most the last of them, never half a file.
+// A later run adds to the file of an earlier one. Results passed to add() are written in transactions of many files;
+// a process that ends without finish() loses at most the last transaction, never half of a result.
 class Catalogue {
  public:
   // Whether this build has SQLite. Without it the constructor throws.
   static bool isAvailable();
 
   // Opens the catalogue, or creates it if there is no file or an empty one. Any other file is refused and unchanged.
-  // `settings` describes how files are judged: files that were judged in another way are unknown. Here and later, a lock
-  // of another process that stays longer than `longestWait` is an error.
+  // `settings` describes how files are judged: files that were judged in another way are unknown. Here and later, a
+  // lock that another process holds longer than `longestWait` is an error.
   Catalogue(const std::string& path, const std::string& settings,
             std::chrono::milliseconds longestWait = std::chrono::seconds(10));
   Catalogue(const Catalogue&) = delete;
@@ -36,16 +36,16 @@ class Catalogue {
   // Writes what was added.
   ~Catalogue();
 
-  // What is known of a file of that path, if it has the same size and time. For any thread.
+  // What is known of the file of that path, if it has the same size and time. May be called from any thread.
   std::optional<FileResult> find(const FileResult& file) const;
-  // Whether the path is the catalogue itself or a file that SQLite keeps beside it. For any thread.
+  // Whether the path is the catalogue itself or a file that SQLite keeps beside it. May be called from any thread.
   bool isOwnFile(const std::string& path) const;
 
   // Replaces what is known of that path.
   void add(FileResult result);
 
   // Writes what was added, and removes the files in these folders that this run has not seen. Call it after a complete
-  // scan; the folders are those of which all was read.
+  // scan, with the folders that were read completely.
   void finish(const std::vector<std::string>& completeFolders);
 
  private:
@@ -53,13 +53,13 @@ class Catalogue {
   std::unique_ptr<Database> database_;
 };
 
-// The path as a catalogue has it: absolute, without "." and doubled separators.
+// The path as a catalogue stores it: absolute, without "." and doubled separators.
 std::string cataloguePath(const std::string& path);
 
-// What decides about a verdict and the rows of a file, apart from the file: the settings of a catalogue.
+// The settings of a catalogue: all that affects the verdict and the rows of a file, except the file itself.
 std::string catalogueSettings(std::string_view torvioVersion, const JudgeOptions& judge, std::string_view encoding);
 
-// The paths that are folders of which everything was read, for finish(). Of those in `unread`, not all was.
+// The paths that are folders and were read completely, for finish(). Those in `unread` were not.
 std::vector<std::string> completeFolders(const std::vector<std::string>& paths, const std::vector<std::string>& unread);
 
 }  // namespace oldtorvio::archive

@@ -1,4 +1,4 @@
-// One file, examined: what it is, and what is to be said of it.
+// One file, examined: what it is, and what is known about it.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -22,7 +22,7 @@ struct FileResult {
   std::optional<explain::FileKind> kind;  // none for a foreign file
   explain::FileReport report;             // unless it could not be read
   std::vector<Warning> warnings;
-  std::optional<Facts> facts;            // of a file that loads, if they were asked for
+  std::optional<Facts> facts;            // of a file that loads, if ExamineOptions::withFacts
   std::optional<std::int64_t> modified;  // in nanoseconds since 1970; none for a pipe or device
   std::optional<std::uint64_t> size;     // of a regular file, before it was read
   bool isKnown = false;                  // from an earlier run, and unchanged since
@@ -36,7 +36,7 @@ struct ExamineOptions {
 
 // Sets verdict, kind, report, warnings and facts of a file with these bytes; result.path is its name.
 void examineContents(FileResult& result, std::span<const std::byte> bytes, const ExamineOptions& options);
-// The bytes of a file of that name, wherever they come from.
+// Examines the bytes of a file of that name, wherever they come from.
 FileResult examineBytes(std::string name, std::span<const std::byte> bytes, const ExamineOptions& options);
 
 }  // namespace oldtorvio::archive

@@ -141,7 +141,7 @@ class Extract {
     if (tool.shapeCode == kSpecialTool) facts.specialTool = text(tool.specialToolPath);
     return facts;
   }
-  // `holdsTool` says which stations hold one: those of a machine count theirs.
+  // `holdsTool` says which stations hold a tool: in a machine, stations count their tools.
   void addTools(Facts& facts, std::string_view list, const ToolStationList& stations, auto holdsTool) const {
     std::int64_t tools = 0;
     for (std::size_t i = 0; i < std::min(stations.stations.size(), stations.tools.size()); ++i) {

@@ -26,20 +26,20 @@ struct ToolFacts {
   std::string specialTool;  // path of the file of a special tool
 };
 
-// As far as the kind of the file has them.
+// Members that the kind of the file does not have are empty.
 struct Facts {
   std::optional<std::string> name, assembly, material, materialGroup, materialType, machine, workOrder;
   std::optional<double> width, height, thickness;
   std::optional<std::int64_t> partCount, placementCount, shapeCount, stationCount, toolCount;
   std::vector<PartFacts> parts;
-  std::vector<ToolFacts> tools;  // of a sheet those that GetOldSheetInfo returns, each once
+  std::vector<ToolFacts> tools;  // for a sheet, those that GetOldSheetInfo returns, each once
 };
 
-// The positions of the stations that a nest uses in their list, in order of first use, by the rules of GetOldSheetInfo: by
-// its items and slots, and last the special station. A number after the last station is not included.
+// The stations that a nest uses, as positions in their list and in order of first use, by the rules of GetOldSheetInfo:
+// those of its items and slots, and last the special station. A number after the last station is not included.
 std::vector<std::size_t> usedTools(const OldSheet& sheet);
 
-// Of a record that a load filled with success. Defined for the records of all kinds of files.
+// The facts of a successfully loaded record. Defined for the records of all kinds of files.
 template <class Record>
 Facts factsOf(const Record& record, const values::TextEncoding& encoding);
 

@@ -1,4 +1,4 @@
-// What torvio asks of the operating system about files and folders, by names in UTF-8 on every host.
+// What torvio asks the operating system about files and folders, by names in UTF-8 on every host.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -15,12 +15,12 @@ std::FILE* openFile(const std::string& name, const char* mode);
 
 bool existsFile(const std::string& name);
 bool isFolder(const std::string& name);
-// Whether two names are one file or folder.
+// Whether two names refer to the same file or folder.
 bool isSameFile(const std::string& one, const std::string& other);
 // The name after the last folder.
 std::string lastName(const std::string& path);
 
-// Whether lines of text files end with "\r\n". No file name contains one of them then.
+// Whether lines of text files end with "\r\n". If so, no file name contains either character.
 #if defined(_WIN32)
 inline constexpr bool kLinesEndWithCrLf = true;
 #else
@@ -31,10 +31,10 @@ struct FileMeasures {
   std::uint64_t size = 0;
   std::int64_t modified = 0;  // in nanoseconds since 1970
 };
-// Of a regular file; nothing of anything else.
+// Size and time of a regular file; nothing for anything else.
 std::optional<FileMeasures> measuresOf(const std::string& name);
 
-// What is in a folder, in the order of the system.
+// The entries of a folder, in the order of the system.
 class FolderEntries {
  public:
   enum class Type { file, folder, other };  // a link to a folder, a pipe and a device are other

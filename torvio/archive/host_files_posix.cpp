@@ -52,7 +52,7 @@ FolderEntries::Type typeOf(const fs::directory_entry& entry) {
   if (type == fs::file_type::directory) return FolderEntries::Type::folder;
   if (type == fs::file_type::symlink) {
     type = entry.status(error).type();
-    // The target does not exist, or the link leads to itself: not a file that was passed over.
+    // The target does not exist, or the link leads to itself: reported, not skipped.
     if (type == fs::file_type::not_found || type == fs::file_type::none) type = fs::file_type::regular;
   }
   return type == fs::file_type::regular ? FolderEntries::Type::file : FolderEntries::Type::other;

@@ -11,7 +11,7 @@ namespace {
 
 using explain::narrowName, explain::systemName, explain::wideName;
 
-// As one of the errors that have the same words on all hosts.
+// As one of the errors that have the same text on all hosts.
 std::error_code lastError() {
   const std::error_code error(static_cast<int>(::GetLastError()), std::system_category());
   const std::error_condition condition = error.default_error_condition();
@@ -115,7 +115,7 @@ FolderEntries::Type typeOf(const WIN32_FIND_DATAW& found) {
 }  // namespace
 
 FolderEntries::FolderEntries(const std::string& folder, std::error_code& error) : search_(std::make_unique<Search>()) {
-  // Two characters more may make the name a long one.
+  // With these two characters the name may be a long one, see systemName().
   search_->handle =
       ::FindFirstFileW(systemName(folder + (folder.ends_with('/') ? "*" : "/*")).c_str(), &search_->found);
   if (search_->handle != INVALID_HANDLE_VALUE) return;

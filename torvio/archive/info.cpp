@@ -257,7 +257,7 @@ class InfoBuilder {
     text("dimensions", "dimensions", draw::dimensionText(tool));
     number("orientation", "orientation", tool.orientation);
     const std::uint32_t flags = tool.symmetryFlags;
-    // No file says it of the other tools.
+    // No file stores it for other tools.
     if (flags == 0 && tool.shapeCode != kSpecialTool) return;
     text("symmetry", "symmetry", (flags & 1U) != 0 ? "half turn" : (flags & 2U) != 0 ? "quarter turn" : "none");
   }

@@ -1,4 +1,4 @@
-// What a person wants to know of a file at a glance.
+// What a file contains at a glance.
 #pragma once
 #include <cstddef>
 #include <optional>
@@ -43,13 +43,13 @@ struct Info {
   std::vector<InfoTable> tables;
 };
 
-// Of a damaged file only what was read before the fault; of any other that cannot be loaded nothing but the verdict.
+// For a damaged file, only what was read before the fault; for any other that cannot be loaded, only the verdict.
 Info infoOf(std::string_view path, std::span<const std::byte> bytes, const JudgeOptions& options,
             const values::TextEncoding& encoding);
 Info unreadableInfo(std::string_view reason);
 
-// A block of aligned lines, of each table at most so many rows. `name` is UTF-8. No text of the file breaks a line or
-// has an effect on a terminal.
+// A block of aligned lines with at most `mostRows` rows of each table. `name` is UTF-8. No text of the file breaks a
+// line or affects a terminal.
 std::string infoText(std::string_view name, const Info& info, std::size_t mostRows);
 // One line with one JSON object, with all rows.
 std::string infoJson(std::string_view name, const Info& info);

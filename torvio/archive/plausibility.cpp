@@ -20,9 +20,9 @@ namespace {
 using namespace codec;
 using frame::FileKind;
 
-// ---- What single fields say. Zeros say nothing: files of every kind, and those of none, are full of them. Whole
-// numbers say little, since flags, colours and codes are stored as such; those too large for a count speak against a
-// kind, because texts and floats read in the wrong place look like that.
+// ---- The evidence of single fields. Zeros say nothing: all files are full of them, whatever they are. Integers say
+// little, since flags, colours and codes are integers, too; those too large for a count are evidence against a kind,
+// because texts and floats read in the wrong place look like that.
 
 constexpr Evidence kPlausibleFloat = 1.5F, kOddFloat = -3;
 constexpr Evidence kUsualNumber = 0.25F, kLargeNumber = -1;
@@ -66,8 +66,8 @@ Evidence ofText(const char* text, std::size_t size, bool isFixed) {
   return isClean ? characters + 2 : std::max(characters - 4, -1.0F);
 }
 
-// Reads like the reader and weighs what it reads. Contents are weighed apart from structure (counts, widths, refused
-// values): fields may hold anything, so that odd contents alone never exclude a kind.
+// Reads like the reader and weighs what it reads. Contents are weighed separately from structure (counts, widths,
+// refused values): fields may contain anything, so that odd contents by themselves never exclude a kind.
 class Weigher : public Reading<Weigher> {
  public:
   Weigher(std::span<const std::byte> bytes, std::size_t start, std::size_t most, int version)
@@ -77,7 +77,7 @@ class Weigher : public Reading<Weigher> {
         end_(begin_ + bytes.size()),
         limit_(begin_ + std::min(most, bytes.size())) {}
 
-  // After the walk.
+  // Call it after the walk.
   Plausibility result(bool isComplete) {
     if (!stopped_) structure_ += ofEnd(isComplete || hasEnded_);
     // From some place on the bytes may be damaged.
@@ -129,7 +129,7 @@ class Weigher : public Reading<Weigher> {
     content(areZeros(from, size) ? 1.0F : -1.0F);
     return true;
   }
-  // As far as this walk goes, so that lists reserve no more than it can fill.
+  // Up to the end of this walk, so that lists reserve no more than it can fill.
   std::uint64_t left() const { return static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(limit_ - at_, 0)); }
   bool has(std::size_t size) const { return leftOfFile() >= size; }
   std::uint64_t position() const { return static_cast<std::uint64_t>(at_ - begin_); }
@@ -180,7 +180,7 @@ class Weigher : public Reading<Weigher> {
  private:
   static constexpr Evidence kAccepted = 3, kRefused = -8;
 
-  // The numbers of an array and the elements of a list are alike, so that many count as a few.
+  // The numbers of an array are alike, and so are the elements of a list: many of them count only as a few.
   class Alike {
    public:
     Alike(Weigher& weigher, Evidence most) : weigher_(weigher), outer_(weigher.alike_), most_(most) {
@@ -190,7 +190,7 @@ class Weigher : public Reading<Weigher> {
     Alike(const Alike&) = delete;
     Alike& operator=(const Alike&) = delete;
 
-    // How much of it counts; what speaks against a structure always does in full.
+    // How much of the evidence counts; evidence against a structure always counts in full.
     Evidence ofContent(Evidence evidence) {
       evidence = std::clamp(evidence, -1.5F * most_ - content_, most_ - content_);
       content_ += evidence;
@@ -253,8 +253,8 @@ class Weigher : public Reading<Weigher> {
     std::apply([&](auto&... m) { (weigh(m), ...); }, block.members);
   }
 
-  // A count that fits is unlikely in other data, where it is a text, a float or a part of them. One that does not fit
-  // is what a cut leaves, unless it is absurd.
+  // A count that fits is unlikely in other data, where it is a text, a float or a part of one. A count that does not
+  // fit is what a truncated file has, unless the count is absurd.
   void weighCount(std::int64_t count, std::size_t least) {
     constexpr std::int64_t kAbsurd = 1'000'000;
     if (count == 0) return;
@@ -293,7 +293,7 @@ class Weigher : public Reading<Weigher> {
       return Layout<Record>::kMinStoredSize;
   }
 
-  // Where a walk ends by itself. Only a file of that kind is likely to end there too.
+  // The evidence of where a walk ends by itself. Only a file of that kind is likely to end there, too.
   Evidence ofEnd(bool isComplete) const {
     if (!isComplete) return -3;
     if (at_ == end_) return std::min(std::log2(static_cast<Evidence>(position())), 10.0F);
@@ -324,7 +324,7 @@ class Weigher : public Reading<Weigher> {
     peak_ = std::max(peak_, total());
   }
   void structure(Evidence evidence) {
-    // Nothing is walked any more.
+    // The walk is over.
     if (stopped_) return;
     structure_ += alike_ != nullptr ? alike_->ofStructure(evidence) : evidence;
     peak_ = std::max(peak_, total());
@@ -332,7 +332,7 @@ class Weigher : public Reading<Weigher> {
   }
   Evidence total() const { return std::max(content_, kAnyContent) + structure_; }
 
-  // What odd contents weigh at most.
+  // The most that odd contents can weigh.
   static constexpr Evidence kAnyContent = -4;
   static constexpr Evidence kHopeless = -30;
 
@@ -344,12 +344,12 @@ class Weigher : public Reading<Weigher> {
   Alike* alike_ = nullptr;
   bool stopped_ = false;  // at the limit, or hopeless
   bool isHopeless_ = false;
-  bool hasEnded_ = false;  // at a place after which a load reads nothing
+  bool hasEnded_ = false;  // at a point after which a load reads nothing
 };
 
 // ---- Kinds.
 
-// Those with small records first. The others take longer to make than the beginning of a file takes to walk.
+// Those with small records first. The large records take longer to create than the beginning of a file takes to walk.
 constexpr std::array kByRecordSize{FileKind::macro, FileKind::groupPart, FileKind::specialTool, FileKind::toolInventory,
                                    FileKind::part,  FileKind::material,  FileKind::machine,     FileKind::sheet};
 static_assert(kByRecordSize.size() == frame::kFileKinds.size());
@@ -357,8 +357,8 @@ constexpr bool isLarge(FileKind kind) {
   return kind == FileKind::material || kind == FileKind::machine || kind == FileKind::sheet;
 }
 
-// The records that walks over a beginning fill. A sheet contains a machine and that a material, so that one record does
-// for all three. A walk may then find what the one before has left, but always the same for the same bytes.
+// The records that walks over a beginning fill. A sheet contains a machine, and a machine a material, so that one sheet
+// serves for all three. A walk may find what an earlier one left, but always the same for the same bytes.
 class Records {
  public:
   template <class File, class Use>
@@ -400,10 +400,10 @@ struct Candidate {
   Evidence evidence() const { return plausibility.evidence; }
 };
 
-// More evidence by this decides; with so much a kind is certain.
+// A lead of this size decides; with this much evidence a kind is certain.
 constexpr Evidence kLead = 12, kCertain = 26;
 
-// The kinds that a beginning may be of: all that come close to the best.
+// The kinds that fit a beginning: all that come close to the best.
 class Candidates {
  public:
   Candidates(std::span<const std::byte> bytes, int version) {
@@ -464,7 +464,7 @@ std::optional<FileKind> likeliestKind(std::span<const std::byte> bytes) {
   Candidates candidates(bytes, *version);
   const std::span<Candidate> close = candidates.close();
   if (close.empty()) return std::nullopt;
-  // All of the file, where its beginning leaves a choice or a doubt.
+  // Judges by the complete file where its beginning leaves a choice or a doubt.
   if (close.size() > 1 || close[0].evidence() < 2 * kMinEvidence)
     for (Candidate& c : close)
       if (c.plausibility.isPartial) c.plausibility = plausibilityOf(bytes, c.kind, *version, kWholeFile);

@@ -9,12 +9,12 @@
 
 namespace oldtorvio::archive {
 
-// Evidence for a kind in bits: 10 more make it about a thousand times as likely. Below kMinEvidence a file may as well be
+// Evidence for a kind in bits: 10 more make it about a thousand times as likely. Below kMinEvidence a file may be
 // anything.
 using Evidence = float;
 inline constexpr Evidence kMinEvidence = 10;
 
-// The first bytes that a kind is judged by, and all bytes.
+// How many bytes a kind is judged by first, and all bytes.
 inline constexpr std::size_t kBeginning = 2048;
 inline constexpr std::size_t kWholeFile = SIZE_MAX;
 
@@ -24,12 +24,12 @@ struct Plausibility {
   bool endsExactly = false;  // it succeeded and ended at the end of the file
 };
 
-// Walks at most the first `most` bytes as a file of that kind, whose version is accepted, and weighs every field: texts,
-// numbers, counts against what is left of the file, widths and reserved bytes, and where the walk ends.
+// Walks at most the first `most` bytes as a file of that kind, which must accept the version, and weighs every field:
+// texts, numbers, counts against what is left of the file, widths and reserved bytes, and where the walk ends.
 Plausibility plausibilityOf(std::span<const std::byte> bytes, frame::FileKind kind, int version,
                             std::size_t most = kBeginning);
 
-// The version word; none of less than two bytes.
+// The version word; none for fewer than two bytes.
 std::optional<int> versionOf(std::span<const std::byte> bytes);
 
 // The kind that fits best, or none if no kind accepts the version or none fits well enough.

@@ -113,7 +113,7 @@ class Unpacker {
     for (std::size_t i = bytes.size(); i > 0; --i) word = word << 8U | static_cast<unsigned char>(bytes[i - 1]);
     return word;
   }
-  // A word below the limit.
+  // A number below the limit.
   std::uint64_t getChoice(std::uint64_t limit) {
     const std::uint64_t word = getWord();
     if (word < limit) return word;
@@ -142,7 +142,7 @@ class Unpacker {
   }
   template <class T>
   void get(std::vector<T>& list) {
-    // Every element takes bytes, so that a false count ends at the end of the bytes.
+    // Every element consumes bytes, so that a false count fails at their end.
     for (std::uint64_t count = getWord(); count > 0 && !hasFailed_; --count) get(list.emplace_back());
   }
   template <class Record>

@@ -13,8 +13,8 @@ namespace oldtorvio::archive {
 // Everything but isKnown, the same bytes on every host.
 std::string packedResults(std::span<const FileResult> results);
 
-// Nothing unless the bytes are those of packedResults(), complete and with nothing after them. Memory is bounded by
-// their number.
+// Nothing unless the bytes come from packedResults(), complete and with nothing after them. The number of bytes bounds
+// the memory.
 std::optional<std::vector<FileResult>> unpackedResults(std::string_view bytes);
 
 }  // namespace oldtorvio::archive

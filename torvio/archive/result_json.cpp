@@ -44,7 +44,7 @@ std::string resultJson(const FileResult& result) {
   const std::string path = values::fileNameAsUtf8(result.path);
   values::appendJsonString(text, path);
   if (path != result.path) {
-    // The name is no UTF-8: its bytes in hexadecimal digits.
+    // The name is not UTF-8: its bytes in hexadecimal digits.
     constexpr std::string_view kHex = "0123456789abcdef";
     text += ",\"pathBytes\":\"";
     for (const char c : result.path)

@@ -1,4 +1,4 @@
-// What was found out about a file, in words and as JSON.
+// The result for a file, in words and as JSON.
 #pragma once
 #include <string>
 

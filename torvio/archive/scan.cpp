@@ -27,7 +27,7 @@ bool endsWithSeparator(const std::string& path) {
 
 // ---- which files -------------------------------------------------------------------------------------
 
-// One folder of the walk. It is closed as soon as its names are read, so that a deep tree does not take all the files
+// One folder of the walk. It is closed as soon as its names are read, so that a deep tree does not use up all the files
 // that a process may open.
 class FileNames::Folder {
  public:
@@ -39,10 +39,10 @@ class FileNames::Folder {
 
   const std::string& error() const { return error_; }
 
-  // The next file; else the next folder.
+  // The next file, and the next folder; nothing after the last one that was read.
   std::optional<std::string> nextFile() { return take(files_); }
   std::optional<std::string> nextFolder() { return take(folders_); }
-  // Reads more names, after the others were taken. False at the end.
+  // Reads more names; call it after all others were taken. False at the end.
   bool readMore() {
     files_.clear();
     folders_.clear();
@@ -126,7 +126,7 @@ std::optional<std::string> FileNames::nextRoot() {
     if (isEnd) {
       hasFailed_ = std::ferror(list_) != 0;
       list_ = nullptr;
-      // What was read of a name is not one.
+      // A name that was read in part is dropped.
       if (hasFailed_) return std::nullopt;
     }
     if (kLinesEndWithCrLf && separator_ == '\n' && name.ends_with('\r')) name.pop_back();
@@ -150,7 +150,7 @@ void setSizeAndTime(FileResult& result) {
   result.modified = measures->modified;
 }
 
-// A few large files at a time would take all memory.
+// Several large files at a time could use up all memory.
 constexpr std::uint64_t kLargeFile = 64U << 20U;
 std::mutex largeFiles;
 
@@ -207,7 +207,7 @@ std::size_t weightOf(const FileResult& result) {
   return weight;
 }
 
-// The results wait here until those before them are taken. Shared with its threads, which may outlive it.
+// Results wait here until those before them are taken. Its threads share it, and may outlive the scan.
 class Pipeline {
  public:
   Pipeline(std::shared_ptr<FileNames> names, const ScanOptions& options)
@@ -251,7 +251,7 @@ class Pipeline {
     const std::lock_guard lock(mutex_);
     --running_;
   }
-  // Whether all threads have ended, or do so soon.
+  // Asks the threads to end. Returns whether all of them have ended within a second.
   bool stop() {
     std::unique_lock lock(mutex_);
     isStopped_ = true;
@@ -269,7 +269,7 @@ class Pipeline {
   };
 
   std::optional<Numbered> nextName() {
-    // One thread at a time asks for a name; the others may go on with their files.
+    // One thread at a time takes a name; the others may continue with their files.
     const std::lock_guard turn(namesMutex_);
     std::uint64_t number = 0;
     {
@@ -321,7 +321,7 @@ class Pipeline {
   std::condition_variable changed_, hasRoom_;
   std::vector<std::optional<FileResult>> waiting_;  // by number, from taken_ to named_
   std::uint64_t named_ = 0, taken_ = 0;
-  std::size_t weight_ = 0;  // roughly the bytes that wait
+  std::size_t weight_ = 0;  // roughly the bytes of the waiting results
   unsigned running_ = 0;
   bool isAtEnd_ = false, isStopped_ = false;
   std::exception_ptr error_;
@@ -343,7 +343,7 @@ void scan(const std::shared_ptr<FileNames>& names, const ScanOptions& options,
 
   const auto pipeline = std::make_shared<Pipeline>(names, options);
   std::vector<std::thread> threads;
-  // Joins the threads, but none that waits for a pipe after an error.
+  // Joins the threads, or detaches them if one still waits for a pipe after an error.
   struct Ending {
     Pipeline& pipeline;
     std::vector<std::thread>& threads;

@@ -18,21 +18,21 @@ namespace oldtorvio::archive {
 struct FoundFile {
   std::string path;
   bool isNamed = true;  // by the caller, not found in a folder
-  std::string error;    // of a folder that cannot be read, or of a name that is none
+  std::string error;    // why a folder cannot be read, or a name is not a file name
   bool isFolder = false;
 };
 
-// Walks files and folders. In a folder, its files are first and then its folders, each sorted by the bytes of their
+// Walks files and folders. In a folder, its files come first and then its folders, each sorted by the bytes of their
 // names; a folder of more than kSortedNames is sorted piece by piece, so that memory is bounded. Links to folders,
-// pipes, sockets and devices are passed over unless they are named. Links to files are files.
+// pipes, sockets and devices are skipped unless they are named. Links to files are treated as files.
 class FileNames {
  public:
   static constexpr std::size_t kSortedNames = 50'000;
   static constexpr std::size_t kLongestName = 65'536;
 
   explicit FileNames(std::vector<std::string> paths);
-  // And after them the names in `list`, each followed by the separator. It is read as names are asked for, and stays
-  // open. A line may end as lines of this system do.
+  // These paths and then the names in `list`, each followed by the separator. The list is read as names are needed, and
+  // stays open. A line may end as lines of this system do.
   FileNames(std::vector<std::string> paths, std::FILE* list, char separator);
   FileNames(const FileNames&) = delete;
   FileNames& operator=(const FileNames&) = delete;
@@ -61,16 +61,16 @@ class FileNames {
 
 struct ScanOptions : ExamineOptions {
   unsigned jobs = 1;
-  // Called from several threads with path, time and size of a regular file: what an earlier run found. Such a file is
-  // not read.
+  // Called from several threads with path, time and size of a regular file; returns what an earlier run found, if
+  // anything. The file is then not read.
   std::function<std::optional<FileResult>(const FileResult&)> known;
-  // Called from several threads: whether to pass over a file that was found in a folder.
+  // Called from several threads: whether to skip a file that was found in a folder.
   std::function<bool(const std::string&)> isExcluded;
 };
 
-// What there is before a file is read: name, size and time, or why it is none. The verdict is not yet one.
+// What is known before a file is read: name, size and time, or why it cannot be one. The verdict is not yet set.
 FileResult measure(const FoundFile& file);
-// Of a file that need not be read, because an earlier run knows it or because it is none.
+// The result for a file that need not be read, because an earlier run examined it or because it cannot be one.
 std::optional<FileResult> withoutReading(const FileResult& measured, const ScanOptions& options);
 
 FileResult examine(const FoundFile& file, const ScanOptions& options);

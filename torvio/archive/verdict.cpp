@@ -16,7 +16,7 @@ bool hasExtension(std::string_view path, std::string_view extension) {
   return frame::equalNoCase(path.substr(path.size() - extension.size()), extension);
 }
 
-// The kind that the extension names. Those of the caller are first.
+// The kind that the extension names. Extensions of the caller are tried first.
 std::optional<FileKind> kindOfExtension(std::string_view path, const JudgeOptions& options) {
   for (const ExtensionHint& hint : options.extensions)
     if (hasExtension(path,

@@ -1,4 +1,4 @@
-// What a file is: its kind, whether it is sound, and what is to be said of it.
+// What a file is: its kind, whether it is sound, and the report of its walk.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +25,7 @@ inline constexpr int kVerdicts = 6;
 // "sound", "sound with losses", "damaged", "refused version", "foreign", "unreadable".
 std::string_view nameOf(Verdict verdict);
 
-// An extension that names a kind: ".nst" for sheets. Compared without regard to case.
+// An extension that names a kind: ".nst" for sheets. Case is ignored.
 struct ExtensionHint {
   std::string extension;
   explain::FileKind kind;
@@ -33,7 +33,7 @@ struct ExtensionHint {
 
 struct JudgeOptions {
   std::optional<explain::FileKind> kind;  // of every file, whatever it contains
-  std::vector<ExtensionHint> extensions;  // beside ".spt"
+  std::vector<ExtensionHint> extensions;  // besides ".spt"
 };
 
 struct Judgement {

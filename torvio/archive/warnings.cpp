@@ -22,7 +22,7 @@ namespace {
 using values::MemberInfo;
 using values::Members;
 
-// Where a walk over a record is. Kept on the stack; a text is made of it only for a warning.
+// Where a walk over a record is. Kept on the stack; it becomes a text only for a warning.
 struct Place {
   static constexpr std::size_t kNoIndex = static_cast<std::size_t>(-1);
 
@@ -131,7 +131,7 @@ class Walk {
   template <class T>
   void see(const T& value, const Place& place) {
     if constexpr (!mayWarn<T>()) {
-      // Nothing to look at.
+      // Nothing to check.
     } else if constexpr (values::Number<T>) {
       if (!std::isfinite(value))
         to_.note("not-finite", place, [&] { return "The value " + inWords(static_cast<double>(value)); });

@@ -1,4 +1,4 @@
-// What is wrong with a file although its structure is sound: values that harm those who use it.
+// What is wrong with a file although its structure is sound: values that harm programs that use it.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -16,9 +16,9 @@ namespace oldtorvio::archive {
 //   tool-past-stations   a tool number of a sheet without a station, which GetOldSheetInfo ignores
 //   save-ends-process    a sheet with blocks for which SaveOldSheet and the edits end the calling process
 //   edit-ruins-sheet     a sheet whose file an edit leaves unreadable or incomplete
-//   saved-below-152      a sheet whose file has the bytes that a save or an edit below version 152 stores too many
+//   saved-below-152      a sheet whose file has the surplus bytes of a save or an edit below version 152
 //   index-ends-process   a tool of an inventory for which GetOldToolInventoryInformation ends the calling process
-//   not-finite           a real number that is infinite or no number
+//   not-finite           a real number that is infinite or not a number
 //   absurd-size          a size below 0 or above a million
 //   text-fills-field     a text without a NUL
 struct Warning {
@@ -29,11 +29,11 @@ struct Warning {
   friend bool operator==(const Warning&, const Warning&) = default;
 };
 
-// Each code is reported once for each field, whatever the indexes of its lists, and this many are the most. The last
-// one then says how many are left out.
+// Each code is reported once for each field, whatever the indexes of its lists, and there are at most this many
+// warnings. The last one then says how many are left out.
 inline constexpr std::size_t kMostWarnings = 20;
 
-// Of a record that a load filled with success. Defined for the records of all kinds of files.
+// The warnings about a successfully loaded record. Defined for the records of all kinds of files.
 template <class Record>
 std::vector<Warning> warningsOf(const Record& record);
 

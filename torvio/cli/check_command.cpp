@@ -85,7 +85,7 @@ class Totals {
  public:
   void add(const FileResult& result) {
     const auto verdict = static_cast<std::size_t>(result.verdict);
-    // Any word may be a refused version: they share a line.
+    // A refused version may be any number: these files share a line.
     const bool hasVersion = result.kind && result.verdict != Verdict::refusedVersion && result.report.version;
     const int kind = result.kind ? static_cast<int>(*result.kind) : kNoKind;
     ++counts_[{kind, hasVersion ? *result.report.version : kNoVersion}][verdict];
@@ -184,7 +184,7 @@ ExitCode codeOf(const FileResult& result) {
 
 // ---- the number of files, for the time left -------------------------------------------------------------
 
-// Counts the files in a thread of its own, while they are read.
+// Counts the files in a separate thread, while they are read.
 class Counter {
  public:
   Counter(const std::vector<std::string>& paths, Progress& progress)
@@ -216,16 +216,16 @@ class CheckCommand : public Command {
     CLI::App* command = tool.add_subcommand("check", "Judge files and folders: a line for each file");
     addFiles(*command, "PATH", paths_, "Files, and folders with all that is in them");
     addFile(*command, "--files-from", list_,
-            "Also check the files that FILE lists, one a line; - is the standard input")
+            "Also check the files that FILE lists, one per line; - is standard input")
         ->type_name("FILE");
-    command->add_flag("--null", isNullSeparated_, "With --files-from: names end with NUL, not with a line")
+    command->add_flag("--null", isNullSeparated_, "With --files-from: names end with a NUL, not a newline")
         ->needs("--files-from");
     addJudging(*command, judge_);
     command->add_option("--only", only_, "Print only files with this verdict; may be repeated")
         ->type_name("VERDICT")
         ->allow_extra_args(false)
         ->check(oneOf(verdictArguments(), "verdict", "Verdicts"));
-    command->add_flag("--json", isJson_, "Print a JSON object for each file, one a line");
+    command->add_flag("--json", isJson_, "Print a JSON object for each file, one per line");
     CLI::Option* const summary = command->add_flag("--summary", isSummaryWanted_, "Print totals at the end");
     command->add_flag("--no-summary", isSummaryUnwanted_, "Print no totals")->excludes(summary);
     addFile(*command, "-o,--catalogue", catalogue_,
@@ -282,11 +282,11 @@ class CheckCommand : public Command {
 
   static std::string help() {
     return "A line has the verdict, kind, version, the status that a load returns, the bytes\n"
-           "that it reads, where a damaged file breaks, and warnings of what a sound\n"
-           "structure does not show.\n"
+           "that it reads, where a damaged file breaks, and warnings about values in a\n"
+           "sound structure.\n"
            "\n"
-           "In a folder, links to folders, pipes and devices are passed over; links to\n"
-           "files are not. A PATH may be a pipe. A file of more than " +
+           "In a folder, links to folders, pipes and devices are skipped; links to files\n"
+           "are not. A PATH may be a pipe. A file of more than " +
            std::to_string(explain::FileContent::kLargestMiB) +
            " MiB is not read.\n"
            "Arguments after \"--\" are paths, even if they begin with \"-\".\n"

@@ -10,7 +10,7 @@
 namespace torvio {
 namespace {
 
-// Marks of values in the descriptions of validators, which CLI11 appends to the name of a value after ":".
+// Markers in the descriptions of validators, which CLI11 appends to the name of a value after ":".
 constexpr const char* kFileMark = "FILE";
 std::string listMark(const std::vector<std::string>& values) {
   std::string text = "{";

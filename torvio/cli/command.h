@@ -15,8 +15,8 @@
 
 namespace torvio {
 
-// With several files, the highest code is returned. A file that could not be read has a higher one than a damaged file,
-// since it may be damaged as well.
+// With several files, the highest code is returned. A file that could not be read has a higher code than a damaged one,
+// since it may be damaged, too.
 enum ExitCode : int {
   kSound = 0,
   kDamaged = 1,  // or refused: of unknown kind or version
@@ -63,7 +63,7 @@ CLI::Option* addOutput(CLI::App& command, std::string& output);
 
 // Refuses any other value, and lists those that are accepted: "unknown kind "x"", then "Kinds: part, ...".
 CLI::Validator oneOf(const std::vector<std::string>& names, const std::string& one, const std::string& all);
-// Refuses what is no whole number of that range.
+// Refuses everything but integers of that range.
 CLI::Validator inRange(std::int64_t least, std::int64_t most);
 // "Kinds: part, group-part, ...", wrapped to the width of the help.
 std::string wrapped(const std::string& caption, const std::vector<std::string>& names);
@@ -75,27 +75,27 @@ using oldtorvio::explain::kindNames;
 
 // ---- what a value may be, for help and completion -------------------------------------------------------
 
-// Its name in help: "KIND", "FILE".
+// The name of the value in help: "KIND", "FILE".
 std::string valueName(const CLI::Option& option);
-// The accepted values; those that end in "=." go on. Empty if there is no list of them.
+// The accepted values; more characters follow those that end in "=.". Empty if there is no list of them.
 std::vector<std::string> acceptedValues(const CLI::Option& option);
 // Whether the value is the name of a file.
 bool takesFile(const CLI::Option& option);
 
 // ---- what commands share when they run --------------------------------------------------------------------
 
-// Calls write() with the place that --output names, standard output for "" and "-", and completes the file. Returns the
-// code of write(). If a file cannot be written, prints why. Throws OutputError for standard output.
+// Calls write() with the file that --output names, or standard output for "" and "-", and completes the file. Returns
+// the code of write(). If a file cannot be written, prints why. Throws OutputError for standard output.
 ExitCode writeOutput(const std::string& output, const std::function<ExitCode(OutputText&)>& write);
 // Whether an output of that name is an HTML page.
 bool isPageName(const std::string& output);
-// Whether the output is one of the files that are read. Then prints that it is, as an error of that command.
+// Whether the output is one of the files that are read. If so, prints that as an error of that command.
 bool isInputToo(const std::string& command, const std::string& output, const std::vector<std::string>& inputs);
 // Prints an error of the command line, found when a command runs.
 ExitCode usageError(const std::string& command, const std::string& error);
 
-// Ends of help texts: the exit codes; those of a command that reads no file; the kinds, what may be read, and the exit
-// codes. "Exit code:" and "Examples:" begin lists, and blank lines separate paragraphs: see help_text.h.
+// The ends of help texts: the exit codes; those of a command that reads no file; the kinds, what may be read, and the
+// exit codes. "Exit code:" and "Examples:" begin lists, and blank lines separate paragraphs: see help_text.h.
 extern const char* const kExitCodes;
 extern const char* const kExitCodesWithoutFiles;
 std::string fileHelp();

@@ -104,7 +104,7 @@ ExitCode CommandLine::run(int argc, char** argv) {
     print(app_.help());
     return kSound;
   } catch (const CLI::CallForVersion& version) {
-    // "torvio konvert a b --version 180" asks for something else.
+    // "torvio konvert a b --version 180" does not ask for the version of torvio.
     if (!app_.remaining(true).empty()) return wrongArguments("");
     print(version.what() + std::string("\n"));
     return kSound;

@@ -25,7 +25,7 @@ using compare::Difference;
 using compare::Side;
 using Change = Difference::Change;
 
-// Of this command. Output that is lost ends with kNotReadOrWritten as elsewhere.
+// The exit codes of this command. Lost output ends with kNotReadOrWritten, as elsewhere.
 constexpr auto kSame = kSound;
 constexpr auto kDifferent = static_cast<ExitCode>(1);
 constexpr auto kTrouble = static_cast<ExitCode>(2);
@@ -78,7 +78,7 @@ class TextPrinter {
   TextPrinter(const std::string& notStoredInA, const std::string& notStoredInB, bool isColoured)
       : notStoredInA_(notStoredInA), notStoredInB_(notStoredInB), colours_(coloursOf(isColoured)) {}
 
-  // The places of what is compared, which every path begins with.
+  // The paths of what is compared, with which every path begins.
   void setPlaces(std::string a, std::string b) {
     placeInA_ = std::move(a);
     placeInB_ = std::move(b);
@@ -187,7 +187,7 @@ class DiffCommand : public Command {
         ->type_name("N")
         ->take_last()
         ->check(inRange(std::int64_t{0}, std::int64_t{1'000'000'000}));
-    command->add_flag("--json", isJson_, "Print a JSON object for each difference, one a line");
+    command->add_flag("--json", isJson_, "Print a JSON object for each difference, one per line");
     command->add_flag("-q,--quiet", isQuiet_, "Print nothing: only the exit code matters");
     command->footer(help());
     return command;
@@ -230,9 +230,9 @@ class DiffCommand : public Command {
   }
 
   static std::string help() {
-    return "What is compared are the records that the files hold, so that bytes which no\n"
-           "load reads do not count. Elements of lists are matched first: parts and other\n"
-           "records with a name by that, the rest by what they hold.\n"
+    return "The records in the files are compared, so that bytes which no load reads do not\n"
+           "count. Elements of lists are matched first: parts and other records with a name\n"
+           "by name, the rest by content.\n"
            "\n"
            "  ~ width             12.5 -> 13     changed\n"
            "  - marks[3]          {...}          only in A\n"
@@ -252,7 +252,7 @@ class DiffCommand : public Command {
            "An object of --json has change (changed, onlyInA, onlyInB, moved), fieldInA and\n"
            "fieldInB, a and b with the complete values, name of the innermost element that\n"
            "has one, and notStoredIn (a or b). The last line has a member summary instead,\n"
-           "with same, differences, printed and notStored, and what is said of each file.\n"
+           "with same, differences, printed and notStored, and facts about each file.\n"
            "\n"
            "Examples:\n"
            "  torvio diff nest.sheet nest_old.sheet\n"

@@ -1,4 +1,4 @@
-// Words about files that several commands print.
+// Texts about files that several commands print.
 #pragma once
 
 namespace torvio {

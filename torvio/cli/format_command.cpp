@@ -18,8 +18,8 @@ std::vector<std::string> recordNames() {
   return names;
 }
 
-// Prints the stored form of a kind of file, or of a record that files embed, as a Markdown table or, of a kind of file,
-// as a description that Kaitai Struct makes readers of.
+// Prints the stored form of a kind of file or of an embedded record as a Markdown table, or that of a kind as a
+// description from which Kaitai Struct makes readers.
 class FormatCommand : public Command {
  public:
   CLI::App* addTo(CLI::App& tool) override {
@@ -33,7 +33,7 @@ class FormatCommand : public Command {
                           ->type_name("LANGUAGE")
                           ->take_last()
                           ->check(oneOf({kMarkdown, kKaitai}, "language", "Languages"));
-    command->add_flag("--json", isJson_, "Print a JSON object for each row, one a line")->excludes(as);
+    command->add_flag("--json", isJson_, "Print a JSON object for each row, one per line")->excludes(as);
     addOutput(*command, output_);
     command->footer(wrapped("Kinds", kindNames()) + "\n\n" + wrapped("Records", recordNames()) +
                     "\n\nAn object of --json has fields (a list of names), storedAs (how each of them is\n"

@@ -40,7 +40,7 @@ class Input {
 #if defined(_WIN32)
     (void)::_setmode(::_fileno(file_), _O_BINARY);
 #endif
-    // The reader has a buffer of its own.
+    // The reader has its own buffer.
     (void)std::setvbuf(file_, nullptr, _IONBF, 0);
   }
 
@@ -58,11 +58,11 @@ class Input {
   std::FILE* file_ = nullptr;
 };
 
-// Makes a file of the JSON of its record.
+// Makes a file from the JSON of its record.
 class FromJsonCommand : public Command {
  public:
   CLI::App* addTo(CLI::App& tool) override {
-    CLI::App* command = tool.add_subcommand("from-json", "Make a file of the JSON of its record");
+    CLI::App* command = tool.add_subcommand("from-json", "Make a file from the JSON of its record");
     addFile(*command, "IN", input_, "The JSON text; without it standard input");
     addFile(*command, "-o,--output", output_, "The file to make")->type_name("OUT")->take_last()->required();
     command->add_option("--version", version_, "Save in this version instead of the one of the JSON")
@@ -75,7 +75,7 @@ class FromJsonCommand : public Command {
         "\"torvio schema\" describes the JSON.\n\n"
         "Examples:\n"
         "  torvio from-json nest.json -o nest.sheet\n"
-        "      Make a file of JSON that was edited.\n"
+        "      Make a file from JSON that was edited.\n"
         "  torvio json old.sheet | torvio from-json --version 180 -o new.sheet\n"
         "      Save a file in another version.\n\n"
         "Exit code:\n"

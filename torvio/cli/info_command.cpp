@@ -33,7 +33,7 @@ class InfoCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("info", "Print what files contain at a glance: names, sizes, parts, tools");
     addFiles(*command, "FILE", files_, "The files")->required();
-    command->add_flag("--json", isJson_, "Print a JSON object for each file, one a line");
+    command->add_flag("--json", isJson_, "Print a JSON object for each file, one per line");
     command->add_flag("--all", isAll_, "Print all rows of long tables, as --json does");
     addJudging(*command, judge_);
     addEncoding(*command, encoding_);

@@ -18,7 +18,7 @@ namespace {
 
 using namespace oldtorvio;
 
-// Prints the record of a file as JSON; of a damaged file what was read and the fault.
+// Prints the record of a file as JSON; for a damaged file, what was read and the fault.
 class JsonCommand : public Command {
  public:
   CLI::App* addTo(CLI::App& tool) override {
@@ -29,8 +29,8 @@ class JsonCommand : public Command {
     command->add_flag("--pretty", isPretty_, "Print every member on a line of its own");
     addOutput(*command, output_);
     command->footer(
-        "Of a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
-        "makes a file of the JSON of a sound one, \"torvio schema\" describes it.\n\n"
+        "For a damaged file the JSON has what was read, and the fault. \"torvio from-json\"\n"
+        "makes a file from the JSON of a sound one, \"torvio schema\" describes it.\n\n"
         "Examples:\n"
         "  torvio json --pretty nest.sheet -o nest.json\n"
         "      Write everything that a file holds, for an editor or a script.\n"

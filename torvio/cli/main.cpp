@@ -29,7 +29,7 @@ int runTorvio(int argc, char** argv) {
 }
 
 #if defined(_WIN32)
-// The console shows UTF-8 and understands escape sequences until the end.
+// The console shows UTF-8 and understands escape sequences until the program ends.
 class ConsoleSettings {
  public:
   ConsoleSettings() {
@@ -55,7 +55,7 @@ class ConsoleSettings {
 }  // namespace
 
 #if defined(_WIN32)
-// The command line in UTF-16 has all names of files; in the code page of the system some would lack characters.
+// The command line in UTF-16 can express all file names; the code page of the system lacks some characters.
 int wmain(int argc, wchar_t** argv) {
   const ConsoleSettings console;
   std::vector<std::string> arguments;

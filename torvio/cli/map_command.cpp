@@ -73,7 +73,7 @@ class MapCommand : public Command {
           filter_.range = explain::OffsetRange::parsed(text);
           return filter_.range ? std::string() : inQuotes(text) + " is no offset and no range of offsets";
         });
-    CLI::Option* json = command->add_flag("--json", json_, "Print a JSON object for each field, one a line");
+    CLI::Option* json = command->add_flag("--json", json_, "Print a JSON object for each field, one per line");
     CLI::Option* html = command->add_flag("--html", html_, "Print an HTML page with bytes and fields side by side");
     addOutput(*command, output_);
     html->excludes(json)->excludes("--find")->excludes("--offset");
@@ -99,23 +99,23 @@ class MapCommand : public Command {
 
  private:
   static std::string help() {
-    return "FIELD is one or more names with dots between, wherever they are in a path. A\n"
-           "record or list selects everything in it. An index selects entries of a list,\n"
-           "no index all of them.\n"
+    return "FIELD is one or more names separated by dots, anywhere in a path. A record or\n"
+           "list selects everything in it. An index selects entries of a list; without one,\n"
+           "all are selected.\n"
            "  width             every width\n"
            "  shapes.x          the x of all shapes\n"
            "  shapes[3]         all of shape 3; also shapes[2..5], shapes[*]\n"
            "  parts[0].**.*Count  below part 0, at any depth, names that end in Count\n\n"
            "A alone is the field that contains this byte, A..B the fields that overlap these\n"
-           "bytes, both included. With --find and --offset, a field has to be in both.\n\n"
+           "bytes, both included. With --find and --offset, a field has to match both.\n\n"
            "JSON: {\"offset\":2,\"size\":4,\"field\":\"width\",\"type\":\"f32\",\"value\":12.5}. Texts are\n"
            "strings up to their first NUL, raw bytes strings of hexadecimal digits, reserved\n"
            "bytes null; \"note\" says what the value leaves out. Fields that are stored as one\n"
            "item have one object each. A damaged file ends with\n"
            "{\"offset\":40,\"field\":\"height\",\"fault\":\"needs 4 bytes, the file has 2\"}.\n\n"
            "Texts are printed byte by byte unless --encoding, --json or --html is given. An\n"
-           "OUT that ends in \".html\" implies --html if nothing else is asked for. --html\n"
-           "takes files of up to " +
+           "OUT that ends in \".html\" implies --html without --json, --find and --offset.\n"
+           "--html takes files of up to " +
            std::to_string(report::MapPage::kLargestMiB) + " MiB and " +
            std::to_string(report::MapPage::kMostFields / 1'000'000) +
            " million fields.\n\n"
@@ -131,7 +131,7 @@ class MapCommand : public Command {
            wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp();
   }
 
-  // An output that is called a page is one, unless options say what else it is.
+  // An output with the name of a page is one, unless options say otherwise.
   bool isPage() const { return isPageName(output_) && !json_ && filter_.isEmpty(); }
 
   ExitCode printMap(OutputText& output, const explain::FileContent& file, std::optional<frame::FileKind> kind) const {

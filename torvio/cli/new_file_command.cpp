@@ -67,8 +67,8 @@ ExitCode NewFileCommand::failed(const std::string& file, const std::string& why,
 }
 
 std::string newFileHelp() {
-  return "OUT is replaced once the new file is complete, has been read again and is what\n"
-         "was to be written. A link, a folder or IN itself is not replaced.\n\n" +
+  return "OUT is replaced once the new file is complete and has been read back without a\n"
+         "difference. A link, a folder or IN itself is not replaced.\n\n" +
          wrapped("Kinds", kindNames()) + "\n" + wrapped("Encodings", values::TextEncoding::names());
 }
 

@@ -1,4 +1,4 @@
-// What the commands that make a new file of an old one share.
+// What the commands that make a new file from an old one share.
 #pragma once
 #include <cstddef>
 #include <optional>
@@ -21,14 +21,14 @@ class NewFileCommand : public Command {
     std::vector<std::byte> bytes;  // of the new file; none after an error, or if there is nothing to write
     oldtorvio::convert::Report report;
     std::string error;
-    std::string summary;  // of the text: "sheet of version 180 to version 152"
+    std::string summary;  // in the printed report: "sheet of version 180 to version 152"
   };
   virtual std::string name() const = 0;  // of the command
   virtual Made make(std::span<const std::byte> bytes, oldtorvio::frame::FileKind kind) const = 0;
 
   // Adds the arguments and options that both have.
   void addShared(CLI::App& command);
-  // Of the texts in the report.
+  // The encoding of the texts in the report.
   const std::string& encoding() const { return encoding_; }
 
  private:
@@ -42,7 +42,7 @@ class NewFileCommand : public Command {
   bool isDryRun_ = false, isJson_ = false;
 };
 
-// Ends of their help.
+// The end of their help texts.
 std::string newFileHelp();
 
 }  // namespace torvio

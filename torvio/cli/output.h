@@ -13,7 +13,7 @@ namespace torvio {
 class OutputError : public std::exception {
  public:
   explicit OutputError(int error);
-  // For another reason.
+  // An error with a text instead of a number of the system.
   explicit OutputError(std::string text) : error_(0), text_(std::move(text)) {}
   const char* what() const noexcept override { return text_.c_str(); }
   // Whether the reader of a pipe has closed it, as `head` does: no message is printed then.

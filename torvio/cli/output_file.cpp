@@ -71,7 +71,7 @@ class OutputFile::Place {
 
 #else
 
-// The folder is opened once: whatever its path leads to later, both names are in this one.
+// The folder is opened once: both names are in it, even if its path leads elsewhere later.
 class OutputFile::Place {
  public:
   explicit Place(const std::string& path) {
@@ -102,7 +102,7 @@ class OutputFile::Place {
     const bool isReplacing = ::fstatat(folder_, name_.c_str(), &before, AT_SYMLINK_NOFOLLOW) == 0;
     const int file = ::openat(folder_, temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForAll);
     if (file < 0) return nullptr;
-    // Who may use the file that is replaced may use the new one.
+    // The new file has the permissions of the one that it replaces.
     if (isReplacing && S_ISREG(before.st_mode)) (void)::fchmod(file, before.st_mode & kPermissions);
     return ::fdopen(file, "w+b");
   }
@@ -126,7 +126,7 @@ OutputFile::OutputFile(const std::string& path) : place_(std::make_unique<Place>
     fail("cannot be created", errno);
     return;
   }
-  // Those who write have buffers of their own.
+  // The writers have their own buffers.
   (void)std::setvbuf(file_, nullptr, _IONBF, 0);
 }
 
@@ -149,7 +149,7 @@ bool OutputFile::write(std::span<const std::byte> bytes) {
     got = std::fread(read.get(), 1, kStep, file_);
     const auto expected = bytes.subspan(from, std::min(kStep, bytes.size() - from));
     if (got == expected.size() && std::equal(expected.begin(), expected.end(), read.get())) continue;
-    error_ = "cannot be written: what was written is not what is read";
+    error_ = "cannot be written: what is read back is not what was written";
     return false;
   }
   return true;

@@ -12,7 +12,7 @@
 
 namespace torvio {
 
-// A file that appears under its name once it is complete: until then it is a file beside it, in the same folder. A file
+// A file that appears under its name once it is complete: until then it has another name in the same folder. A file
 // of that name is replaced, but not a folder, device or link, and a link that appears in the meantime is not followed.
 class OutputFile {
  public:

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kNone = Alignment::kNone;
 
-// Pairs two sequences of keys in order. Works on ranges, whose ends are cut off as far as they are the same.
+// Pairs two sequences of keys in order. Works on ranges; equal keys at their beginnings and ends are paired first.
 class InOrder {
  public:
   InOrder(const std::vector<Key>& a, const std::vector<Key>& b)
@@ -26,11 +26,11 @@ class InOrder {
   struct Range {
     std::size_t beginA, endA, beginB, endB;
   };
-  // How many elements may be without a partner in a range for the exact search, which takes time and memory with the
-  // square of it.
+  // How many elements of a range may be without a partner in the exact search, whose time and memory grow with the
+  // square of that number.
   static constexpr std::ptrdiff_t kMostEdits = 500;
   static constexpr int kDepth = 8;
-  // Steps of all exact searches together: time follows the size of the lists.
+  // Steps of all exact searches together, so that the time is proportional to the size of the lists.
   static constexpr std::uint64_t kFewSteps = 10'000, kStepsOfEach = 200;
 
   void pairRange(Range range, int depth) {
@@ -40,7 +40,7 @@ class InOrder {
       pairs_.emplace_back(--range.endA, --range.endB);
     if (range.beginA == range.endA || range.beginB == range.endB) return;
     if (search(range)) return;
-    // Keys that are once in both divide the range; between them others may be.
+    // Keys that occur once in both lists divide the range; other keys may be between them.
     const std::vector<std::pair<std::size_t, std::size_t>> fixed =
         depth > 0 ? anchors(range) : std::vector<std::pair<std::size_t, std::size_t>>();
     if (fixed.empty()) return pairSamePlaces(range);
@@ -64,8 +64,8 @@ class InOrder {
       if (a_[range.beginA + k] == b_[range.beginB + k]) pairs_.emplace_back(range.beginA + k, range.beginB + k);
   }
 
-  // The greedy search for the shortest edit script: `reached` has for each diagonal how far in A it comes with so many
-  // edits. False if that are too many.
+  // The greedy search for the shortest edit script: for each diagonal, `reached` says how far it comes in A with the
+  // current number of edits. False if there are too many.
   bool search(const Range& range) {
     const auto n = static_cast<std::ptrdiff_t>(range.endA - range.beginA),
                m = static_cast<std::ptrdiff_t>(range.endB - range.beginB);
@@ -92,7 +92,7 @@ class InOrder {
         }
       }
       if (stepsLeft_ == 0) return false;
-      // Of the diagonals that this round can have reached.
+      // Only the diagonals that this round can have reached.
       trace.emplace_back(reached.begin() + (most + 1 - edits), reached.begin() + (most + 2 + edits));
     }
     return false;
@@ -118,7 +118,7 @@ class InOrder {
       diagonal = before;
     }
   }
-  // Diagonals that the row does not have were never reached from.
+  // The search never came from diagonals that are not in the row.
   static std::ptrdiff_t valueAt(const std::vector<std::ptrdiff_t>& row, std::ptrdiff_t diagonal, std::ptrdiff_t edits) {
     const std::ptrdiff_t i = diagonal + edits - 1;
     return i < 0 || i >= std::ssize(row) ? 0 : row[static_cast<std::size_t>(i)];
@@ -129,7 +129,7 @@ class InOrder {
                           range.beginB + static_cast<std::size_t>(x - diagonal));
   }
 
-  // Keys that are once in A and once in B, the longest sequence of them that is in the same order in both.
+  // The longest sequence, in the same order in both, of keys that occur once in A and once in B.
   std::vector<std::pair<std::size_t, std::size_t>> anchors(const Range& range) const {
     struct Seen {
       std::size_t inA = kNone, inB = kNone;
@@ -175,7 +175,7 @@ class InOrder {
   std::uint64_t stepsLeft_;
 };
 
-// The elements of a gap whose keys are in the other list as well: no others can have partners.
+// The elements of a gap whose keys are in the other list, too: no others can have partners.
 std::vector<std::size_t> withCommonKeys(const std::vector<std::size_t>& elements, std::span<const Key> keys,
                                         const std::vector<std::size_t>& others, std::span<const Key> otherKeys) {
   std::unordered_map<Key, bool> there;

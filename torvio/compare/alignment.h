@@ -7,7 +7,7 @@
 
 namespace oldtorvio::compare {
 
-// Of an element; kNoKey has no equal.
+// The key of an element; kNoKey matches no key.
 using Key = std::uint64_t;
 inline constexpr Key kNoKey = 0;
 
@@ -19,7 +19,7 @@ class Alignment {
 
   std::size_t partnerOfA(std::size_t i) const { return toB_[i]; }
   std::size_t partnerOfB(std::size_t j) const { return toA_[j]; }
-  // Whether it has a partner at another place among those that both have.
+  // Whether element i of A has its partner at another place among the elements that both have.
   bool isMoved(std::size_t i) const { return !moved_.empty() && moved_[i]; }
 
   void pair(std::size_t i, std::size_t j) {
@@ -27,20 +27,20 @@ class Alignment {
     toA_[j] = i;
   }
 
-  // Pairs elements with equal keys so that no two pairs cross. As many as can be, unless the lists differ in very much.
+  // Pairs elements with equal keys so that no two pairs cross: as many as possible, unless the lists differ very much.
   void pairInOrder(std::span<const Key> a, std::span<const Key> b);
-  // Pairs those that are left, wherever they are: the first of a key with the first, the second with the second. Those
-  // of a key that very many have stay without a partner.
+  // Pairs the remaining elements, wherever they are: the first with a key with the first, the second with the second.
+  // Elements whose key is very frequent stay without a partner.
   void pairMoved(std::span<const Key> a, std::span<const Key> b);
 
   // Elements without a partner between two pairs in order.
   struct Gap {
     std::vector<std::size_t> a, b;
   };
-  // Only gaps of both.
+  // Only gaps with elements of both lists.
   std::vector<Gap> gaps() const;
 
-  // The same of the two lists in the other order.
+  // The same alignment with A and B exchanged.
   Alignment mirrored() const;
 
  private:

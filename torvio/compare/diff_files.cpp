@@ -1,4 +1,4 @@
-// Files: which of their records are compared, and what of them.
+// Files: which of their records are compared, and which members of these.
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -22,7 +22,7 @@ using values::Type;
 
 constexpr std::string_view kParts = "parts", kPatterns = "patterns", kVersion = "version";
 
-// What a part has besides itself where it is placed on a sheet. A load of a part file resets most of it.
+// The members that place a part on a sheet. A load of a part file resets most of them.
 constexpr std::array kPlacement{std::string_view("headWord"),    std::string_view("gridCount1"),
                                 std::string_view("gridCount2"),  std::string_view("gridStep1"),
                                 std::string_view("gridStep2"),   std::string_view("originX"),
@@ -48,7 +48,7 @@ struct Loaded {
 
 Loaded loaded(std::span<const std::byte> bytes, FileKind kind) {
   return withFileRecord(kind, [&](auto file) {
-    // Without its path: files that hold the same are the same wherever they are.
+    // Without its path: files with the same contents are the same wherever they are.
     auto one = values::loadRecord<decltype(file)::kKind>(bytes);
     Loaded all;
     all.status = one.status;
@@ -68,7 +68,7 @@ struct Value {
   bool isInElement = false;
 };
 
-// The first member of that type that is in no list.
+// The first member of that type that is not in a list.
 std::optional<Value> memberOfType(const Value& record, const Type& type) {
   if (record.type == &type) return record;
   for (const values::TypeMember& member : record.type->members) {
@@ -184,7 +184,7 @@ class FileDiffer {
     return true;
   }
 
-  // By its name, or by its position.
+  // Finds a part by its name, or by its position.
   std::optional<std::size_t> partCalled(const std::vector<TorvPart>& parts, const std::string& name) const {
     if (const auto bytes = encoding_.bytesOf(name))
       for (std::size_t i = 0; i < parts.size(); ++i)
@@ -195,7 +195,7 @@ class FileDiffer {
     if (error != std::errc() || stop != end || position >= parts.size()) return std::nullopt;
     return position;
   }
-  // By the name of its file, or because there is no other.
+  // Finds a part by the name of its file, or because there is no other.
   std::optional<std::size_t> partLike(const std::vector<TorvPart>& parts, const std::string& path) const {
     const std::string stem = encoding_.bytesOf(stemOf(path)).value_or(stemOf(path));
     for (std::size_t i = 0; i < parts.size() && !stem.empty(); ++i)
@@ -233,7 +233,7 @@ class FileDiffer {
       const int version = loaded_[side].version.value_or(0), other = loaded_[1 - side].version.value_or(0);
       if (!haveOneForm() || !haveOneVersion) stored_[side].emplace(kindAt(side), version);
       if (!haveOneForm()) {
-        // What the kind of file would store with the version of the other.
+        // What this kind of file would store in the version of the other file.
         const bool hasOther = frame::infoOf(kindAt(side)).accepts(other);
         storedAsOther_[side].emplace(kindAt(side), hasOther ? other : frame::VersionSet::kHighest);
       }
@@ -250,7 +250,7 @@ class FileDiffer {
       const std::array isStored{isStoredIn(stored_, 0, path, entry), isStoredIn(stored_, 1, path, entry)};
       if (isStored[0] != isStored[1]) {
         const std::size_t lacking = isStored[0] ? 1 : 0;
-        // A kind of file that never stores it says nothing about it.
+        // A kind of file that never stores the member has no value to compare.
         if (options_.commonOnly || (!haveOneForm() && !isStoredIn(storedAsOther_, lacking, path, entry)))
           treatment.isLeftOut = true;
         treatment.notStoredIn = kSides[lacking];
@@ -272,7 +272,7 @@ class FileDiffer {
     return path == kVersion || (kindAt(0) == FileKind::specialTool && path == "tool.fileVersion");
   }
 
-  // A part or list of parts on a sheet against one elsewhere.
+  // Whether a part or list of parts on a sheet is compared with one elsewhere.
   bool isOneOnSheet() const {
     const auto isOnSheet = [&](std::size_t side) {
       return kindAt(side) == FileKind::sheet && values_[side].member.starts_with("partList");

@@ -1,4 +1,4 @@
-// Differences of files as JSON, one object a line.
+// Differences of files as JSON, one object per line.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -10,7 +10,7 @@ namespace oldtorvio::compare {
 
 std::string differenceJson(const Difference& difference);
 
-// A file that was compared, beside what diffFiles says of it.
+// A file that was compared, besides what diffFiles says about it.
 struct JudgedFile {
   const std::string& name;
   frame::FileKind kind;

@@ -23,7 +23,7 @@ void appendName(std::string& path, std::string_view name) {
 }
 void appendIndex(std::string& path, std::size_t i) { path.append("[").append(std::to_string(i)) += ']'; }
 
-// Cuts a path back to what it was.
+// Restores a path at the end of its scope.
 class PathEnd {
  public:
   explicit PathEnd(std::string& path) : path_(path), size_(path.size()) {}
@@ -40,7 +40,7 @@ bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 
 
 constexpr std::string_view kCut = "...";
 
-// The beginning of a text, in so many bytes and the mark that it is cut.
+// The beginning of a text, with at most that many bytes, and the mark of a cut.
 std::string beginning(const std::string& text, std::size_t size) {
   if (text.size() <= size) return text;
   while (size > 0 && isContinuation(text[size])) --size;
@@ -140,7 +140,7 @@ void Differ::compareList(const MemberNode& node, const void* a, const void* b) {
   if (!options_.byPosition)
     while (before + after < shorter && areEqual(countOfA - 1 - after, countOfB - 1 - after)) ++after;
 
-  // Of those that are the same, members without identity may differ.
+  // In elements that are the same, members that do not belong to their identity may differ.
   const auto compareEqual = [&](std::size_t from, std::size_t end, std::size_t fromInB) {
     if (element.isComplete) return;
     for (std::size_t i = from; i < end; ++i)
@@ -210,7 +210,7 @@ Alignment Differ::aligned(ListPair lists) {
     return keys;
   };
   std::vector<Key> a = keysOf(lists.a, lists.countOfA), b = keysOf(lists.b, lists.countOfB);
-  // Of several ways to pair them the one that is taken must not depend on which of the two is A, nor on the host.
+  // If there are several ways to pair them, the choice must depend neither on which of the two is A nor on the host.
   const auto [differentA, differentB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
   const auto i = static_cast<std::size_t>(differentA - a.begin());
   const bool isMirrored =
@@ -234,7 +234,7 @@ Alignment Differ::aligned(ListPair lists) {
   return isMirrored ? alignment.mirrored() : alignment;
 }
 
-// Elements that were changed: those that are most alike, or else those at the same place.
+// Pairs elements that were changed: those that are most alike, or else those at the same position.
 void Differ::pairGaps(Alignment& alignment, const ListPair& lists, const std::vector<Key>& namesOfA,
                       const std::vector<Key>& namesOfB) {
   constexpr std::uint64_t kMostOfOneGap = 65536;
@@ -257,7 +257,7 @@ void Differ::pairGaps(Alignment& alignment, const ListPair& lists, const std::ve
 // The pairs, in order, with the largest sum of similarities.
 void Differ::pairSimilar(Alignment& alignment, const ListPair& lists, const Alignment::Gap& gap,
                          const std::vector<Key>& namesOfA, const std::vector<Key>& namesOfB) const {
-  // A pair without anything in common is still better than none, if no names say that they are two.
+  // A pair without anything in common is still better than none, unless names say that the two are different.
   constexpr double kOfAnyPair = 0.05, kLeastOfRenamed = 0.5;
   const MemberNode& element = lists.element;
   const std::size_t n = gap.a.size(), m = gap.b.size();
@@ -318,7 +318,7 @@ void Differ::report(Change change, const MemberNode& node, const void* a, const 
 
 std::string Differ::textOf(const MemberNode& node, const void* value) {
   std::string text;
-  // Of a text or block all is needed to find where it differs.
+  // A text or block is needed completely to find where it differs.
   json_.append(text, *node.type, value, node.isLeaf() ? 0 : options_.longestValue);
   return text;
 }
@@ -328,7 +328,7 @@ void Differ::shorten(std::string& a, std::string& b) const {
   const std::size_t longest = options_.longestValue;
   if (a.size() <= longest && b.size() <= longest) return;
   const auto same = static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
-  // With some of what is before that.
+  // Keeps some of what comes before that.
   std::size_t from = 0;
   if (same < std::max(a.size(), b.size()) && same > longest / 2) {
     from = same - longest / 4;

@@ -15,10 +15,10 @@ namespace oldtorvio::compare {
 
 class Differ {
  public:
-  // Paths begin with those of the values.
+  // All paths begin with those of the two values.
   Differ(const DiffOptions& options, const DifferenceSink& sink, std::string pathInA = {}, std::string pathInB = {});
 
-  // Returns whether they are the same, as far as the sink wanted to know.
+  // Returns whether they are the same; only what was compared counts if the sink ended the comparison.
   bool compare(const MemberNode& node, const void* a, const void* b);
 
  private:
@@ -48,7 +48,7 @@ class Differ {
   bool isOwnName_ = false;
   values::JsonValues json_;
   bool areSame_ = true, isStopped_ = false;
-  // How many pairs of elements may still be compared for their similarity.
+  // How many pairs of elements may still be compared for similarity.
   std::uint64_t similaritiesLeft_ = 2'000'000;
 };
 

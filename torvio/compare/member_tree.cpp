@@ -98,7 +98,7 @@ class TreeMaker {
                                                                    : path + '.' + std::string(member.name);
       Treatment treatment = treatmentOf_ ? treatmentOf_(memberPath, isInElement, std::nullopt) : Treatment();
       if (treatment.isLeftOut) continue;
-      // What one side does not store is one value, whatever is in it.
+      // A member that one side does not store is one value, whatever is in it.
       if (isInNotStored_) treatment.notStoredIn = Side::none;
       const bool outer = std::exchange(isInNotStored_, isInNotStored_ || treatment.notStoredIn != Side::none);
       MemberNode one = made(*member.type, memberPath, isInElement);
@@ -152,7 +152,7 @@ std::uint64_t mixedBytes(std::uint64_t hash, std::string_view bytes) {
   if (!bytes.empty()) std::memcpy(&word, bytes.data(), bytes.size());
   return mixed(hash, word);
 }
-// Numbers that differ by less than the tolerance mostly have the same.
+// Numbers that differ by less than the tolerance mostly have the same word.
 std::uint64_t floatWord(Form form, const void* value, double tolerance) {
   const double number = floatAt(form, value);
   if (!std::isfinite(number))
@@ -183,7 +183,7 @@ std::uint64_t hashed(std::uint64_t hash, const MemberNode& node, const void* val
     case Form::lazyArray:
       for (std::size_t i = 0; i < type.count; ++i) {
         const void* one = type.lazyAt(value, i);
-        // An element in memory may be as new as one without.
+        // An allocated element may still have its default value.
         if (one == type.unwritten || areSame(*node.element, one, type.unwritten, 0)) continue;
         hash = hashed(mixed(hash, i), *node.element, one, tolerance);
       }
@@ -228,7 +228,7 @@ int orderOfNumbers(Form form, const void* a, const void* b) {
       return orderOfNumbers<std::uint16_t>(a, b);
     case Form::int32:
       return orderOfNumbers<std::int32_t>(a, b);
-    // Reals by their bits, which differ for all that are not the same.
+    // Real numbers are ordered by their bits, which differ unless the numbers are the same.
     case Form::float64:
       return orderOfNumbers<std::uint64_t>(a, b);
     default:
@@ -242,7 +242,7 @@ int orderOfElements(const MemberNode& node, const void* a, const void* b, std::s
   return order;
 }
 
-// Longer arrays of numbers are one value of a sketch.
+// Longer arrays of numbers are one value in a sketch.
 constexpr std::size_t kLongestSketched = 32;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What of a record is compared, and how: a tree over its Type with what belongs to one comparison only.
+// Which members of a record are compared, and how: a tree over its Type with the settings of one comparison.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,7 @@ namespace oldtorvio::compare {
 // of an array.
 struct Treatment {
   bool isLeftOut = false;
-  bool isFirstOnly = false;  // of a list: its first element is all that is compared
+  bool isFirstOnly = false;  // for a list: only its first element is compared
   Side notStoredIn = Side::none;
 };
 using TreatmentOf =
@@ -46,10 +46,10 @@ struct MemberNode {
   struct Run {
     std::size_t offset = 0, size = 0;
   };
-  bool isBytes = false;  // all of it
+  bool isBytes = false;  // the complete value can be compared as bytes
   std::vector<Run> runs;
   std::vector<std::size_t> rest;
-  // Members that name it, the first that is not empty.
+  // Members that can name it; the first that is not empty does.
   std::vector<std::size_t> names;
 
   // Whether nothing in the value has a path of its own.
@@ -64,22 +64,22 @@ struct MemberNode {
 // Without a treatment all members are compared, but those that no file stores only if `storedOnly` is false.
 MemberNode memberTree(const values::Type& type, const DiffOptions& options, const TreatmentOf& treatmentOf = {});
 
-// Whether numbers, texts and all else that identifies the elements of a list are the same.
+// Whether all that identifies the elements of a list is the same: numbers, texts and the rest.
 bool areSame(const MemberNode& node, const void* a, const void* b, double tolerance);
 // Negative, 0 or positive: a is before, the same as or after b, by their values, member by member. Unlike hashes and
 // bytes in memory, this is the same on every host.
 int orderOf(const MemberNode& node, const void* a, const void* b);
-// Alike for all that areSame() finds the same. With a tolerance two that are may have different ones nevertheless.
+// Equal for values that areSame() finds the same; with a tolerance, such values may still have different hashes.
 std::uint64_t hashOf(const MemberNode& node, const void* value, double tolerance);
-// The name of a record, empty without one.
+// The name of a record; empty if it has none.
 std::string_view nameOf(const MemberNode& node, const void* record);
-// What nameOf() reads it from.
+// The member from which nameOf() reads it.
 const MemberNode* nameMember(const MemberNode& node, const void* record);
 
-// A number for each value in it, so that similar records have many in common. Those of one node are equally many.
+// A number for each value in a record, so that similar records share many. All sketches of a node have the same length.
 using Sketch = std::vector<std::uint32_t>;
 void appendSketch(Sketch& to, const MemberNode& node, const void* value, double tolerance);
-// 0 for nothing in common to 1, where values that both have and a new record as well do not count.
+// From 0 for nothing in common to 1. Values that both records share with a new record do not count.
 double similarity(const std::uint32_t* a, const std::uint32_t* b, const Sketch& fresh);
 
 }  // namespace oldtorvio::compare

@@ -32,8 +32,8 @@ inline constexpr bool kIsWrapped<codec::As<Stored, T>> = true;
 template <class T>
 inline constexpr bool kIsWrapped<codec::NonZero<T>> = true;
 
-// Walks a layout without a file: what the version stores, under all conditions on values. The members are found by
-// their addresses in the record at hand, and those of a record that only layouts know by their names.
+// Walks a layout without a file: what the version stores, under all conditions on values. Members are found by their
+// addresses in the current record, or by name in records that only layouts know.
 class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<Walker> {
  public:
   Walker(int version, StoredMembers::Paths& paths) : RecordWalker(version), paths_(paths) {}
@@ -68,7 +68,7 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
     return !condition.holds || nested(x);
   }
 
-  // Of several numbers so many; of an array as many as its owner counts.
+  // Several numbers: that many of them. An array: as many as its owner counts.
   template <class X>
   [[nodiscard]] bool leading(std::int64_t count, const X& x) {
     const std::vector<std::string> names = explain::fieldNames(x.names());
@@ -115,7 +115,7 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
   }
   template <class X, class... A>
   [[nodiscard]] bool record(const X& x, const A&... more) {
-    // What follows may depend on sizes in it, but not on whether all of it is stored.
+    // What follows may depend on sizes in the record, but not on whether all of it is stored.
     walkInner<std::remove_cvref_t<decltype(x.only())>>(addMember(explain::fieldNames(x.names()).front(), x.only()),
                                                        more...);
     return true;
@@ -130,13 +130,13 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
   template <class X, class Fn>
   [[nodiscard]] bool element(const X& x, std::size_t, const Fn& chain) {
     const Member list = addMember(explain::fieldNames(x.names()).front(), x.only());
-    // Its fields are read into a record beside the list.
+    // The fields of the element are read into a separate record.
     const Place outer = std::exchange(place_, {nullptr, nullptr, false, list.path + '.'});
     (void)chain();
     place_ = outer;
     return true;
   }
-  // Of a new record a count that files store is 0: its rows are then any of the array.
+  // In a new record a stored count is 0: a row then stands for any entry of the arrays.
   template <class Fn>
   [[nodiscard]] bool rows(std::int64_t count, const Fn& row) {
     for (std::int64_t i = 0; i < count; ++i)
@@ -160,7 +160,7 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
   }
 
  private:
-  // The record at hand.
+  // The current record.
   struct Place {
     const std::byte* record = nullptr;
     const Type* type = nullptr;
@@ -169,7 +169,7 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
   };
   struct Member {
     std::string path;
-    const Type* type = nullptr;  // null if it is in no record of a known type
+    const Type* type = nullptr;  // null if it is not in a record of a known type
   };
 
   // Notes that a member is stored.
@@ -194,7 +194,7 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
       return addNamed(name);
     }
   }
-  // A variable of the layout itself, which mostly has the name of what becomes of it.
+  // A variable of the layout itself, which mostly has the name of the member that it becomes.
   Member addNamed(const std::string& name) {
     std::string path = place_.prefix + name.substr(0, name.find('['));
     paths_.try_emplace(path, std::nullopt);
@@ -263,12 +263,12 @@ StoredMembers::StoredMembers(frame::FileKind kind, int version) {
     if constexpr (decltype(file)::kKind == frame::FileKind::part) record->shapes.shapes.resize(1);
     Walker walker(version, paths_);
     walker.inRecord(*record, &values::typeOfRecord(kind), [&] { (void)file.walk(walker, *record); });
-    // What a layout keeps in a variable under another name until the record has been read.
+    // The layout keeps this in a variable of another name until the record has been read.
     if (has("machinePath")) paths_["machine.path"];
     if (has("patterns.bindings")) nameBindings("patterns.");
     if (has("partList.parts.patterns.bindings")) nameBindings("partList.parts.patterns.");
     if (has("parts.patterns.bindings")) nameBindings("parts.patterns.");
-    // The word that every file begins with.
+    // The version word, with which every file begins.
     if constexpr (requires { record->version; }) paths_["version"];
     if constexpr (decltype(file)::kKind == frame::FileKind::specialTool) paths_["tool.fileVersion"];
   });

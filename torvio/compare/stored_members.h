@@ -18,7 +18,7 @@ class StoredMembers {
   using Entries = std::optional<std::set<std::size_t>>;
   using Paths = std::map<std::string, Entries, std::less<>>;
 
-  // Stored whatever the values of other fields are.
+  // All members that the version stores, including those that depend on the values of other fields.
   StoredMembers(frame::FileKind kind, int version);
 
   // A member by its path without positions: "partList.parts.patterns.items.toolNumber".

@@ -13,12 +13,12 @@ namespace {
 
 using frame::FileKind;
 
-// Loads take every width up to this one; saves store this one.
+// Loads accept every width up to this one; saves store this one.
 constexpr std::int32_t kTextWidth = 256;
 
 bool isTable52(int version) { return version < 60; }
 
-// Of a version that a save stores in the layout of that version.
+// Gives the table a version that a save stores in the layout of that version, and a valid nameLength.
 void makeStorable(ParamTable& table, int version) {
   if (table.version == 0 || paramFormToWrite(table.version) == ParamForm::none || table.version >= 500)
     table.version = static_cast<std::uint16_t>(isTable52(version) ? 52 : std::min(version, 499));
@@ -160,7 +160,7 @@ CompleteSave saveCompletely(typename FileRecord<kKind>::Record& record, int vers
   if (report.endsExactly() && !report.tolerated) return complete;
   const auto& fault = report.fault ? report.fault : report.tolerated;
   return {{},
-          "a file of version " + std::to_string(version) + " made of it would not load" +
+          "a file of version " + std::to_string(version) + " made from it would not load" +
               (fault ? ": it breaks in " + fault->path + ": " + fault->reason
                      : ", since it would have " + report.unread())};
 }

@@ -33,10 +33,10 @@ void makeStorable(OldSheet& sheet, int version);
 
 struct CompleteSave {
   std::vector<std::byte> bytes;
-  std::string error;  // why there are none
+  std::string error;  // why there are no bytes
 };
 
-// Saves the record, which may change as in a save. Every byte of the file is read by a load.
+// Saves the record, which may change as in a save. A load reads every byte of the file.
 template <frame::FileKind kKind>
 CompleteSave saveCompletely(typename FileRecord<kKind>::Record& record, int version);
 

@@ -14,7 +14,7 @@ namespace {
 
 using frame::FileKind;
 
-// Why a file of this report cannot be converted at all; empty if it can.
+// Why a file with this report cannot be converted at all; empty if it can.
 std::string obstacle(const explain::FileReport& report, FileKind kind) {
   if (!report.version) return "has no version word";
   if (!frame::infoOf(kind).accepts(*report.version))
@@ -34,8 +34,8 @@ std::string obstacle(const explain::FileReport& report, FileKind kind) {
   return "";
 }
 
-// Members of a record or list that the file does not have are no loss. A new record has them, but some of its defaults cannot be
-// stored.
+// Members of a record or list that the file does not have are not a loss. A new record has them, but some of its
+// defaults cannot be stored.
 void noteOtherDefaults(const values::Type& type, const ReadFields& read, Report& report) {
   std::erase_if(report.losses, [&](const Loss& loss) {
     if (!read.lackOwnerOf(type, loss.path)) return false;
@@ -53,7 +53,7 @@ void convertAs(std::span<const std::byte> bytes, int version, const ConvertOptio
   to.error = std::move(saved.error);
   if (!to.error.empty()) return;
   if constexpr (kKind == FileKind::sheet) {
-    // Of a damaged block the record has what was read, and the comparison finds it.
+    // For a damaged block, the record has what was read, and the comparison finds it.
     if (!loaded.record->blocks.empty()) dropped.forgetBlocks();
     if (auto kept = dropped.block().empty() ? std::nullopt
                                             : withBlock(saved.bytes, dropped.block(), *loaded.version, version)) {
@@ -62,7 +62,7 @@ void convertAs(std::span<const std::byte> bytes, int version, const ConvertOptio
     }
   }
   const auto reloaded = values::loadRecord<kKind>(saved.bytes);
-  // The version is no loss.
+  // The version is not a loss.
   values::beginLoad(*reloaded.record, *loaded.version, {});
   to.report.losses = lossesOf<kKind>(*loaded.record, *reloaded.record, options.encoding);
   noteOtherDefaults(values::typeOfRecord(kKind), read, to.report);

@@ -21,7 +21,7 @@ struct Converted {
   std::string error;  // why there is no new file, as a text to print after the name of the file
 };
 
-// The new file loads completely, and what it holds differs from the file in what the report says, and in nothing else.
+// The new file loads completely, and its contents differ from the file only in what the report says.
 Converted convert(std::span<const std::byte> bytes, explain::FileKind kind, int version,
                   const ConvertOptions& options = {});
 

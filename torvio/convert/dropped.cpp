@@ -19,7 +19,7 @@ void Dropped::see(const explain::MapLine& line) {
     reserved_->size += line.size;
     ++reservedPlaces_;
   } else if (line.path == "spareWord") {
-    // Of a sheet. A save stores this value.
+    // In a sheet. A save stores -1.
     if (line.value != "-1") spareWord_ = {line.offset, line.size, "spareWord, which a load does not keep"};
   } else if (line.path == "blocks.count") {
     hasOneBlock_ = line.value == "1";
@@ -41,7 +41,7 @@ void Dropped::addTo(std::vector<LeftOut>& leftOut) const {
   }
   if (spareWord_) leftOut.push_back(*spareWord_);
   if (blocks_) {
-    // A load goes on after the first one, whatever the count is.
+    // A load continues after the first block, whatever the count is.
     const std::string others = hasOneBlock_ ? "" : "; what is after it is read at the wrong place";
     leftOut.push_back({blocks_->offset, blocks_->size, "a block, which a load reads but does not keep" + others});
   }

@@ -18,7 +18,7 @@ class Dropped {
 
   // The only block of a sheet, or nothing if there is none or more than one.
   std::span<const std::byte> block() const;
-  // The blocks are no longer left out.
+  // Call it if the blocks are not left out.
   void forgetBlocks() { blocks_.reset(); }
 
   // One entry for all reserved bytes that are not zero, since a file may have thousands, and one for the blocks.
@@ -31,9 +31,9 @@ class Dropped {
   bool hasOneBlock_ = false;
 };
 
-// The file of a sheet with that block, which a file of version `from` has, and nothing if version `to` cannot store all
-// of it. A load reads a complete block and drops it, and a save has none: so the block is kept if it is put where it
-// was.
+// The file of a sheet with that block from a file of version `from`; nothing if version `to` cannot store all of it. A
+// load reads a complete block and drops it, and a save stores none: so the block is kept only if it is put back where
+// it was.
 std::optional<std::vector<std::byte>> withBlock(std::span<const std::byte> sheet, std::span<const std::byte> block,
                                                 int from, int to);
 

@@ -1,4 +1,4 @@
-// The differences of two records, one for each member.
+// The differences between two records, one for each member.
 #pragma once
 #include <functional>
 #include <string>

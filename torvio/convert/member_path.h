@@ -23,7 +23,7 @@ struct Place {
   const values::Type* type = nullptr;
   const void* value = nullptr;
   const void* fresh =
-      nullptr;  // the same of a new record; null if there is none, as for an element of a list of numbers
+      nullptr;  // the same in a new record; null if it has none, as for an element of a list of numbers
 };
 std::optional<Place> placeAt(const values::Type& type, const void* record, std::string_view path);
 

@@ -9,7 +9,7 @@ namespace oldtorvio::convert {
 
 std::string memberPathOf(std::string_view fieldPath) {
   if (fieldPath == "machinePath") return "machine.path";
-  // Those of a list of shapes are stored apart from it; a machine stores those of its sheet.
+  // The trailer values of a list of shapes are stored after it, or in a machine for those of its sheet.
   if (fieldPath.ends_with("].trailerValue")) {
     if (fieldPath.starts_with("machine.")) fieldPath.remove_prefix(std::string_view("machine.").size());
     const std::size_t bracket = fieldPath.rfind('[');
@@ -23,7 +23,7 @@ void ReadFields::see(const explain::MapLine& line) {
   explain::eachField(line, [this](const explain::MapField& field) {
     ++count_;
     std::string pattern = withoutIndexes(memberPathOf(field.path));
-    // One row of five columns.
+    // One row of the five columns.
     constexpr std::string_view kRow = ".bindings[].";
     if (const std::size_t row = pattern.find(kRow); row != std::string::npos)
       for (const char* column : {"bindFirst", "bindSecond", "bindThird", "bindFourth", "bindFifth"})
@@ -33,7 +33,7 @@ void ReadFields::see(const explain::MapLine& line) {
 }
 
 void ReadFields::add(std::string pattern) {
-  // Most fields are of a member that is known.
+  // The members of most fields are already known.
   while (!pattern.empty() && patterns_.insert(pattern).second) {
     const std::size_t dot = pattern.rfind('.');
     pattern.resize(dot == std::string::npos ? 0 : dot);

@@ -10,14 +10,14 @@
 
 namespace oldtorvio::convert {
 
-// The path of the member that a field of a map becomes, where it is another than that of the field.
+// The path of the member that a field of a map becomes; it may differ from that of the field.
 std::string memberPathOf(std::string_view fieldPath);
 
 class ReadFields {
  public:
   void see(const explain::MapLine& line);
 
-  // Whether a field of that path without indexes was read, or one inside.
+  // Whether a field with that path (without indexes) was read, or one inside it.
   bool has(std::string_view pattern) const { return patterns_.find(pattern) != patterns_.end(); }
   // Whether nothing was read of an embedded record or a list that holds the member at that path.
   bool lackOwnerOf(const values::Type& root, std::string_view path) const;

@@ -77,7 +77,7 @@ std::int64_t integerAt(const Type& type, const void* at) {
       return as(std::int32_t{});
   }
 }
-// Small enough for every form.
+// The value must be small enough for every form.
 void setInteger(const Type& type, void* at, std::size_t value) {
   const auto small = static_cast<std::uint8_t>(value);
   std::memset(at, 0, type.size);
@@ -88,10 +88,10 @@ void setInteger(const Type& type, void* at, std::size_t value) {
 struct Broken {
   std::string list;  // "partList.parts", "processSlots"
   std::size_t index = 0;
-  std::string inside;          // of the element: "shapes.shapes[3].x"
+  std::string inside;          // the path in the element: "shapes.shapes[3].x"
   const Rows* rows = nullptr;  // null for a list
-  std::string owner;           // of rows: the path of their record
-  // Of a list that is a row: its rows, and how many of them there are with it.
+  std::string owner;           // for rows: the path of their record
+  // For a list that is a row: its rows, and how many of them there are up to it.
   const Rows* listRows = nullptr;
   std::size_t rowCount = 0;
 };
@@ -106,7 +106,7 @@ std::optional<Broken> brokenOn(const Type& root, const std::string& path) {
                                    [&](const Rows& one) { return one.record == type->name && one.array == step.name; });
     const bool isTool = type->name == "ToolStationList" && step.name == "tools";
     type = member->type;
-    // The tools of stations are read in turns with these, and have no count of their own.
+    // Stations and their tools are read alternately, and the tools have no count of their own.
     if (!step.indexes.empty() && isTool)
       return Broken{path.substr(0, ownerEnd) + (ownerEnd > 0 ? ".stations" : "stations"),
                     step.indexes.front(),
@@ -138,7 +138,7 @@ std::string pathIn(const std::string& owner, std::string_view member) {
   return (owner.empty() ? "" : owner + ".").append(member);
 }
 
-// How the paths of the fields of the broken element begin. Those of a row are in several arrays.
+// The beginnings of the paths of all fields of the broken element. The fields of a row are in several arrays.
 std::vector<std::string> elementPaths(const Broken& broken) {
   const std::string index = '[' + std::to_string(broken.index) + ']';
   if (broken.rows == nullptr) return {broken.list + index};
@@ -157,7 +157,7 @@ class SoundPart {
   SoundPart(std::span<const std::byte> bytes, FileKind kind) : bytes_(bytes), dropped_(bytes) {
     const explain::FileReport report = explain::checkFile(bytes, kind);
     fault_ = firstFault(report);
-    // Shapes are complete without the values that are stored apart from them.
+    // Shapes are complete without the trailer values, which are stored separately.
     if (fault_ && !fault_->path.ends_with("].trailerValue"))
       broken_ = brokenOn(values::typeOfRecord(kind), fault_->path);
     const std::string list = broken_ ? broken_->list + '[' : "";
@@ -184,14 +184,14 @@ class SoundPart {
   const std::optional<Broken>& broken() const { return broken_; }
   // Whether the field at the fault was read before: a machine stores some twice.
   bool isRepeated() const { return isRepeated_; }
-  // What the file says of the list that is broken.
+  // The count that the file has for the broken list.
   std::optional<std::uint64_t> storedCount() const { return storedCount_; }
   // Where its first incomplete element begins.
   std::uint64_t end() const { return elementAt_.value_or(bytes_.size()); }
   const ReadFields& read() const { return read_; }
-  // What a load drops of that which is kept.
+  // What a load drops from the part that is kept.
   Dropped& dropped() { return dropped_; }
-  // Whether there is anything beside the version.
+  // Whether there is anything besides the version.
   bool hasBody() const { return read_.count() > 1; }
   std::string_view machinePath() const {
     const auto from =
@@ -201,17 +201,17 @@ class SoundPart {
   }
 
  private:
-  // A list has its count directly before it, or a width between them.
+  // The count of a list comes directly before it, or before a width that precedes it.
   void seeCount(const explain::MapLine& line) {
     const std::string_view path = line.path;
     if (!path.ends_with(".count") && !path.ends_with("Count")) return;
-    // Beside the list or a record that holds it; the last one is taken.
+    // Next to the list or to a record that contains it; the last one counts.
     const std::string_view owner = path.substr(0, path.rfind('.') + 1);
     const bool isOfList = path.starts_with(broken_->list) && path.substr(broken_->list.size()) == ".count";
     if (!isOfList && (!broken_->list.starts_with(owner) || path.starts_with("unused"))) return;
     std::int64_t count = 0;
     (void)std::from_chars(line.value.data(), line.value.data() + line.value.size(), count);
-    // Of a group part file the count is that of the parts after the first.
+    // In a group part file the count is that of the parts after the first.
     if (path == "extraPartCount") ++count;
     storedCount_ = static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0));
   }
@@ -228,7 +228,7 @@ class SoundPart {
 
 // ---- what a record keeps ---------------------------------------------------------------------------------
 
-// A station whose tool is missing.
+// Drops a station whose tool is missing.
 void dropIncomplete(ToolStationList& list) { list.stations.resize(std::min(list.stations.size(), list.tools.size())); }
 void dropIncomplete(OldMachine& machine) {
   for (ToolStationList* list : {&machine.stationsA, &machine.stationsB, &machine.stationsC}) dropIncomplete(*list);
@@ -243,7 +243,7 @@ void settle(OldSheet& sheet, const SoundPart& sound) {
   if (sound.broken() && sound.broken()->list == "setupList.entries")
     sheet.setupList.entries.resize(std::min(sheet.setupList.entries.size(), sound.broken()->index));
   sheet.blocks.clear();
-  // A load reads it before the machine, and sets it after the machine was read.
+  // A load reads the path before the machine, and sets it after the machine was read.
   if (sheet.machine.path[0] == '\0') frame::setPath(sheet.machine.path, sound.machinePath());
 }
 void settle(auto&, const SoundPart&) {}
@@ -265,7 +265,7 @@ std::uint64_t lengthOf(const Type& type, const void* record, const Broken& broke
   return list && list->type->form == Form::list ? list->type->length(list->value) : 0;
 }
 
-// Whether the path is of what the list lost, or the rows and those beside them.
+// Whether the path is of something that the list lost, or the rows and those beside them.
 bool isOfBroken(std::string_view path, const Broken& broken) {
   const auto isIn = [path](const std::string& list) { return path.starts_with(list + '['); };
   if (broken.rows == nullptr) return isIn(broken.list);
@@ -277,7 +277,7 @@ bool isOfBroken(std::string_view path, const Broken& broken) {
 
 // ---- what is reported ------------------------------------------------------------------------------------
 
-// The members of the new file that were not read. Records and lists of which nothing was read have one name.
+// The members of the new file that were not read. A record or list of which nothing was read is named only once.
 class Defaults {
  public:
   Defaults(const Type& type, const ReadFields& read) : type_(type), read_(read) {}
@@ -296,7 +296,7 @@ class Defaults {
   std::vector<std::string> finished() { return std::move(names_); }
 
  private:
-  // Fields of a file that are no member count elements or fill space.
+  // Fields of a file that are not members count elements or fill space.
   bool isMember(const std::string& pattern) const {
     const Type* type = &type_;
     for (const PathStep& step : stepsOf(pattern)) {
@@ -320,7 +320,7 @@ std::string partialMember(const SoundPart& sound) {
   if (!sound.fault() || sound.broken() || sound.isRepeated()) return "";
   const std::string path = memberPathOf(sound.fault()->path);
   if (sound.read().has(withoutIndexes(path))) return path + " and the elements after it";
-  // A text after its length.
+  // A text that comes after its length.
   constexpr std::string_view kText = ".text";
   if (!path.ends_with(kText)) return "";
   const std::string member = path.substr(0, path.size() - kText.size());

@@ -17,9 +17,9 @@ struct Recovered {
   std::string error;     // why there is no new file, as a text to print after the name of the file
 };
 
-// Keeps every field before the first fault. Of a list that is broken there it keeps the complete elements, of everything
-// after it the defaults of a new record. The new file has the version of the file, or of those that files are saved in
-// the one that comes nearest.
+// Keeps every field before the first fault. A list that is broken there keeps its complete elements; everything after
+// it has the defaults of a new record. The new file has the version of the old one, or the nearest in which files of
+// its kind are saved.
 Recovered recover(std::span<const std::byte> bytes, explain::FileKind kind,
                   const std::string& encoding = std::string(values::kDefaultEncoding));
 

@@ -108,7 +108,7 @@ class Json {
     if (!isFirst_) text_ += ',';
     isFirst_ = false;
   }
-  // An array with an object for each element, whose members put() writes.
+  // Writes an array with an object for each element, whose members put() writes.
   template <class T, class Put>
   void list(std::string_view name, const std::vector<T>& elements, const Put& put) {
     key(name);

@@ -1,4 +1,4 @@
-// What a new file lacks of the one that it was made of, grouped so that a person can read it.
+// What a new file lacks of the one from which it was made, grouped so that a person can read it.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -21,7 +21,7 @@ struct Loss {
   Effect effect = Effect::lost;
   std::string member;  // "partList.parts[].shapes.shapes[].lateWord1"
   std::uint64_t count = 0;
-  std::string path;           // of the first: "partList.parts[0].shapes.shapes[3].lateWord1"
+  std::string path;           // the first of them: "partList.parts[0].shapes.shapes[3].lateWord1"
   std::string before, after;  // its values as JSON, long ones shortened; empty where there is none
 };
 
@@ -46,14 +46,14 @@ struct Report {
   std::uint64_t size = 0;   // bytes of the file
   std::uint64_t newSize = 0;
 
-  // Of a damaged file: where it breaks. What is before that is kept.
+  // Where a damaged file breaks. What comes before that is kept.
   std::optional<explain::Fault> fault;
   std::vector<ShorterList> shorter;
   std::vector<std::string> defaults;  // members that were not read, in the order of the file
 
   std::vector<LeftOut> leftOut;
   std::vector<Loss> losses;
-  std::vector<std::string> notes;  // what is to be said although nothing is lost
+  std::vector<std::string> notes;  // remarks on what is not a loss
 
   // Whether the new file has everything that the old one has.
   bool isComplete() const { return !fault && shorter.empty() && defaults.empty() && leftOut.empty() && losses.empty(); }
@@ -63,7 +63,7 @@ struct Report {
 std::string textOf(const Report& report);
 
 // An object on one line with a newline. `error` says why there is no new file, and is empty if there is one; `isWritten`
-// whether it was written to a file.
+// says whether it was written to a file.
 std::string jsonOf(const Report& report, std::string_view fileUtf8, std::string_view error,
                    std::optional<bool> isWritten = std::nullopt);
 

@@ -36,7 +36,7 @@ std::optional<Surplus> surplusOf(std::span<const std::byte> bytes, FileKind kind
   if (!report.version || report.endsExactly()) return std::nullopt;
   const std::optional<Surplus> surplus = surplusOfSave(bytes, kind, *report.version);
   if (!surplus) return std::nullopt;
-  // A tolerated fault at the end: a file that is cut there, whose last bytes are no surplus.
+  // A tolerated fault at the end: the file is truncated there, and its last bytes are not a surplus.
   const explain::FileReport rest = explain::checkFile(without(bytes, *surplus), kind);
   return rest.endsExactly() && !rest.tolerated ? surplus : std::nullopt;
 }

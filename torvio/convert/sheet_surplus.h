@@ -14,10 +14,10 @@ struct Surplus {
   std::size_t offset = 0, size = 0;
 };
 
-// Where a save of that version has put them; nothing if it stores none.
+// Where a save in that version has put them; nothing if it stores none.
 std::optional<Surplus> surplusOfSave(std::span<const std::byte> bytes, explain::FileKind kind, int version);
 
-// Where they are in the file of a machine or sheet, if the file has them: without them it ends exactly.
+// Where they are in the file of a machine or sheet, if it has them: without them its last field ends the file.
 std::optional<Surplus> surplusOf(std::span<const std::byte> bytes, explain::FileKind kind,
                                  const explain::FileReport& report);
 

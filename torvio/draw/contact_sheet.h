@@ -1,4 +1,4 @@
-// A page of pictures: HTML in one file, without scripts and references, written piece by piece.
+// A page of pictures: HTML in one file, without scripts or references, written piece by piece.
 #pragma once
 #include <cstddef>
 #include <string>

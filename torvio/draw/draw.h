@@ -11,7 +11,7 @@
 
 namespace oldtorvio::draw {
 
-// Caps on what one picture shows. What is beyond them is counted in its notes.
+// Limits on what one picture shows. What exceeds them is counted in its notes.
 inline constexpr std::uint64_t kMostPlacements = 10000;  // rectangles of a sheet
 inline constexpr std::uint64_t kMostMarks = 2000;        // shapes of one part on a sheet
 inline constexpr std::uint64_t kMostMarksOfPart = 20000;
@@ -23,8 +23,8 @@ bool canDraw(frame::FileKind kind);
 // "sheets, parts, group parts and machines".
 extern const char* const kDrawableKinds;
 
-// Each is one complete SVG 1.1 document, or for a page an element: without scripts and references, of bounded size
-// whatever the record contains.
+// Each returns a complete SVG 1.1 document, or for a page an element: without scripts or references, and of bounded
+// size whatever the record contains.
 std::string drawSheet(const OldSheet& sheet, const FileNote& file, const PictureOptions& options);
 std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOptions& options);
 std::string drawGroupPart(const SheetPartList& list, const FileNote& file, const PictureOptions& options);

@@ -1,4 +1,4 @@
-// Files in memory, of whatever kind, as pictures of a page.
+// Files in memory, of any kind, as pictures on a page.
 #pragma once
 #include <cstddef>
 #include <optional>
@@ -13,12 +13,12 @@ namespace oldtorvio::draw {
 
 struct DrawnCard {
   Card card;          // without a picture if the file cannot be drawn
-  std::string error;  // what is to be said about the file; empty if all of it is drawn
+  std::string error;  // why not all of the file is drawn; empty if it is
   std::optional<explain::Fault> fault;
 };
 
-// Judges the bytes and draws what it can. `path` is only a hint of the kind. The picture has the number of the file on
-// its page in its names.
+// Judges the bytes and draws what it can. `path` is only a hint of the kind. The identifiers in the picture contain the
+// number of the file on its page.
 DrawnCard drawCard(const std::string& path, const std::string& name, std::span<const std::byte> bytes,
                    const archive::JudgeOptions& judge, const values::TextEncoding& encoding, std::size_t number,
                    bool isInline);

@@ -56,7 +56,7 @@ std::string drawMachine(const OldMachine& machine, const FileNote& file, const P
   if (file.read.has("ncPath")) picture.fact("NC path", picture.decoded(machine.ncPath));
   picture.head();
 
-  // What the machine queries return for these two kinds.
+  // The machine queries return zeros for these two kinds.
   constexpr std::int32_t kWithoutLimits = 1, kWithoutArea = 2;
   std::optional<Box> world, size, area;
   if (file.read.has("sizeX") && isLength(machine.sizeX) && isLength(machine.sizeY))

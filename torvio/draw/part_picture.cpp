@@ -51,7 +51,7 @@ void addOutline(Svg& svg, const Box& box) {
   svg.rect(box).set("fill", kPart).set("stroke", kInk).set("stroke-width", 1.5).close();
 }
 
-// A tenth of the part around it is shown.
+// A margin of a tenth of the part is shown around it.
 void addMarks(Picture& picture, const TorvPart& part, const Box& box, double scale, std::uint64_t cap, double stroke,
               Legend& legend) {
   const double width = static_cast<double>(part.width), height = static_cast<double>(part.height);
@@ -93,7 +93,7 @@ class Shelves {
  public:
   static constexpr double kGap = 34, kText = 40, kNarrowest = 84, kWidestText = 150;
 
-  // `textWidths` are those of their names.
+  // `textWidths` are the widths of the names of the parts.
   Shelves(const std::vector<const TorvPart*>& parts, const std::vector<double>& textWidths, double scale) {
     double x = 0, y = 0, tallest = 0;
     for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -112,7 +112,7 @@ class Shelves {
       rows_.push_back(y);
     }
     height_ = y + tallest + kText;
-    // All of a row stand on one line.
+    // All parts of a row are aligned at the bottom.
     for (std::size_t i = 0; i < boxes_.size();) {
       std::size_t end = i;
       double most = 0;

@@ -115,7 +115,7 @@ void Picture::dimensions(const Box& drawn, double width, double height) {
   for (const double end : {drawn.y, drawn.bottom()}) ruled({x - kTick, end}, {x + kTick, end});
   const std::string across = sizeText(width), up = sizeText(height);
   const Point middle{drawn.x + drawn.width / 2, drawn.y + drawn.height / 2};
-  // The line is open where its number is; a number that does not fit is outside of it.
+  // The line has a gap for its number; a number that does not fit is placed outside.
   const double gapAcross = textWidth(across, kSize) / 2 + 6, gapUp = textWidth(up, kSize) / 2 + 6;
   if (drawn.width > 2 * gapAcross) {
     ruled({drawn.x, y}, {middle.x - gapAcross, y});

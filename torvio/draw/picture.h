@@ -1,4 +1,4 @@
-// What all pictures have: a head with the facts, a drawing to scale, tables, a key and notes.
+// What all pictures have in common: a head with the facts, a drawing to scale, tables, a key and notes.
 #pragma once
 #include <cstdint>
 #include <map>
@@ -36,7 +36,7 @@ struct PictureOptions {
 
 inline constexpr const char *kInk = "#1f2933", *kMuted = "#5b6875", *kRule = "#c5cdd5", *kPaper = "#fcfbf8",
                             *kPlate = "#e8ebee", *kPart = "#dbe5ee", *kHole = "#ffffff", *kAccent = "#a3420b";
-// Light enough for dark text; neighbours also differ in grey.
+// Colours light enough for dark text; neighbours also differ in grey.
 const char* partColour(std::size_t index);
 
 inline constexpr double kPictureWidth = 1400, kMargin = 50, kContentWidth = kPictureWidth - 2 * kMargin;
@@ -52,7 +52,7 @@ struct View {
 // Keeps texts from overlapping.
 class LabelSpace {
  public:
-  // False, without a claim, if one of the boxes meets one claimed before.
+  // Returns false and claims nothing if one of the boxes overlaps one claimed before.
   bool claim(const std::vector<Box>& boxes);
 
  private:
@@ -79,28 +79,28 @@ class Picture {
   }
   std::string id(std::string_view name) const { return options_.idPrefix + std::string(name); }
 
-  // Before the head.
+  // Call these two before head().
   void title(std::string_view utf8) { title_ = utf8; }
   void fact(std::string_view name, std::string_view value);  // an empty value is left out
-  // The title, the facts and, for a damaged file, why it is not complete. The drawing comes below.
+  // Draws the title, the facts and, for a damaged file, why it is not complete. The drawing comes below.
   void head();
 
   Svg& svg() { return svg_; }
   double y() const { return y_; }
   void moveTo(double y) { y_ = y; }
 
-  // A view of the world in an area at the current place, as large as fits, centred. Moves below it.
+  // A view of the world in an area at the current position, centred and as large as fits. Moves below it.
   View fit(const Box& world, double left, double top, double right, double bottom, double mostHeight);
-  // The size of a rectangle, above and to the left of it.
+  // Draws the size of a rectangle above and to the left of it.
   void dimensions(const Box& drawn, double width, double height);
-  // A bar of a round length. Moves below it.
+  // Draws a bar of a round length. Moves below it.
   void scaleBar(const View& view);
-  // The directions of x and y at the corner of a rectangle.
+  // Draws the directions of x and y at the corner of a rectangle.
   void axes(Point corner);
   void clamps(const View& view, const float (&positions)[8], std::int32_t count, const Box& plate, std::string_view of);
 
   void heading(std::string_view utf8);
-  // What a mark means: `mark` draws it into a box.
+  // Adds the meaning of a mark to the key: `mark` draws it into a box.
   template <class Mark>
   void key(std::string_view utf8, Mark&& mark) {
     Svg icon;
@@ -112,7 +112,7 @@ class Picture {
   // "3 parts, drawn: ...": nothing for 0.
   void leaveOut(std::uint64_t count, std::string_view one, std::string_view many, std::string_view why);
 
-  // The key and the notes, and the complete picture.
+  // Draws the key and the notes, and returns the complete picture.
   std::string take();
 
  private:

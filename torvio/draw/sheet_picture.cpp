@@ -23,19 +23,19 @@ namespace {
 struct Placed {
   std::size_t part = 0, pattern = 0;
   double x = 0, y = 0, angle = 0;
-  std::uint64_t copies = 1;  // that it stands for
+  std::uint64_t copies = 1;  // how many it represents
   std::array<Point, 4> corners;
   Box bounds;  // y up
   bool hasMarks = false;
 };
 
 struct Grid {
-  std::uint64_t drawn = 1, copies = 1;  // copies per drawn one
+  std::uint64_t drawn = 1, copies = 1;  // rectangles, and copies for each of them
   double step = 0;
 };
 
 Grid gridOf(std::uint32_t count, std::uint32_t stepBits) {
-  // The step of a single copy is never used. A step that is no length leaves all copies at one place.
+  // The step of a single copy is never used. A step that is not a length leaves all copies in one place.
   const float step = std::bit_cast<float>(stepBits);
   const bool isStep = std::isnormal(step);  // small integers are subnormal as floats
   if (count <= 1 || !isStep) return {std::min<std::uint64_t>(count, 1), count, 0};
@@ -108,7 +108,7 @@ class SheetPicture {
     first.copies = across.copies * up.copies;
     setCorners(first);
 
-    // Only copies near the plate, so that what is far away does not use up the room for the others.
+    // Only copies near the plate, so that distant ones do not use up the limit.
     const Box limits = reach();
     const Range columns = rangeOf(across, first.bounds.x, first.bounds.right(), limits.x, limits.right());
     const Range rows = rangeOf(up, first.bounds.y, first.bounds.bottom(), limits.y, limits.bottom());
@@ -139,7 +139,7 @@ class SheetPicture {
     const double toLeast = (least - low) / grid.step, toMost = (most - high) / grid.step;
     const double from = std::ceil(std::max(std::min(toLeast, toMost), 0.0));
     const double to = std::floor(std::min(std::max(toLeast, toMost), static_cast<double>(grid.drawn - 1)));
-    // A part that is larger than the limits lies between them nowhere.
+    // A part that is larger than the limits never fits between them.
     if (!(from <= to) || high - low > most - least) return {};
     return {static_cast<std::uint64_t>(from), static_cast<std::uint64_t>(to - from) + 1};
   }
@@ -222,9 +222,9 @@ class SheetPicture {
     drawShapes(sheet_.shapes, false);
     drawShapes(sheet_.skeletonShapes, true);
     picture_.axes({plate.x, plate.bottom()});
-    // As the queries of the library do: their number is that of the sheet, their positions are those of its machine.
+    // As in the queries of the library, the number is that of the sheet and the positions are those of its machine.
     if (hasPlate() && read_.has("clampInfo") && read_.has("machine.clampInfo")) {
-      // A file stores as many positions as the machine has clamps; the others of the record are those of a new machine.
+      // A file stores as many positions as the machine has clamps; the rest of the record has those of a new machine.
       const std::int32_t count = std::clamp(sheet_.clampInfo.clampCount, 0, 8);
       const std::int32_t placed = std::clamp(sheet_.machine.clampInfo.clampCount, 0, count);
       picture_.clamps(view_, sheet_.machine.clampInfo.clampPositions, placed, plate, "the plate");
@@ -257,7 +257,7 @@ class SheetPicture {
     svg.path(outline.close().data()).set("fill", partColour(one.part)).set("fill-opacity", 0.9).set("stroke", kInk);
     svg.set("stroke-width", std::clamp(shorter / 30, 0.25, 1.1)).set("stroke-linejoin", "round");
     svg.set("class", "part" + std::to_string(one.part + 1)).close();
-    // The corner of the part's own origin.
+    // The corner at the part's own origin.
     const double size = std::min(9.0, shorter / 3);
     if (size >= 1.5) {
       const double cosine = std::cos(one.angle), sine = std::sin(one.angle);
@@ -270,7 +270,7 @@ class SheetPicture {
     one.hasMarks = useMarks(one, marks);
   }
 
-  // The tool work of a placement: written once for each part and list of tools, then referred to.
+  // The tool work of a placement: written once for each part and list of tools, and then only referenced.
   struct Symbol {
     std::vector<std::int32_t> tools;
     std::string id;
@@ -331,14 +331,14 @@ class SheetPicture {
     return &symbol;
   }
 
-  // What a label says, how large, and along which side of its part.
+  // The text of a label, its size, and the side of its part along which it is placed.
   struct Label {
     std::string text;
     double size = 0;
     bool isAcross = true;
   };
 
-  // Number and name where they fit, otherwise the number, which the list explains.
+  // The number and the name of the part if they fit, otherwise the number, which the list explains.
   std::optional<Label> labelOf(const Placed& one) const {
     const TorvPart& part = parts()[one.part];
     const double width = static_cast<double>(part.width) * view_.scale;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD", kEllipsis = "\xE2\x80\xA6";
 
-// Takes one character off the text, which must be UTF-8; a byte that is none is U+FFFD.
+// Removes the first character of the text and returns it; a byte that is not UTF-8 is U+FFFD.
 char32_t takeCharacter(std::string_view& utf8) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
   const unsigned lead = byte(0);
@@ -32,7 +32,7 @@ bool isAllowed(char32_t c) {
   return c != 0x61C && c != 0xFEFF && !(c >= 0xD800 && c < 0xE000) && (c & 0xFFFEU) != 0xFFFEU && c < 0x110000;
 }
 
-// In thousandths of the font size; the wider of Helvetica and DejaVu Sans.
+// The width of a character in thousandths of the font size; the wider of Helvetica and DejaVu Sans.
 int advance(char32_t c) {
   constexpr std::string_view kNarrow = "ijl.,:;'|!` ", kSlim = "fIrt()[]/\\-\"", kWide = "mwMWOQGDHNU@%+=<>~^";
   if (c >= 0x1100) return c == U'\u2026' ? 1000 : c == U'\uFFFD' ? 1030 : c < 0x2E80 ? 840 : 1050;

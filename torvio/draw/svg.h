@@ -19,10 +19,10 @@ struct Box {
   double bottom() const { return y + height; }
 };
 
-// At most two digits after the point, never an exponent; what is no number, and what is beyond a million, becomes the
+// At most two digits after the point, never an exponent; values that are not numbers or exceed a million become the
 // nearest coordinate that every viewer accepts.
 void appendCoordinate(std::string& to, double value);
-// For people: six significant digits, or nine of a long number: "10.5", "1e+30"; "?" for what is no finite number.
+// For people: six significant digits, or nine of a long number: "10.5", "1e+30"; "?" for any value that is not finite.
 std::string sizeText(double value);
 // "1,234,567".
 std::string countText(std::uint64_t count);
@@ -34,18 +34,18 @@ std::string countText(std::uint64_t count, std::string_view one, std::string_vie
 void appendEscaped(std::string& to, std::string_view utf8);
 std::string escaped(std::string_view utf8);
 
-// How wide a text is at most in the usual sans-serif fonts. No font is read: the widest of them counts.
+// The largest width of a text in the usual sans-serif fonts, from built-in tables: no font is read.
 double textWidth(std::string_view utf8, double fontSize, bool isBold = false);
-// The text, shortened with an ellipsis where it is wider; empty if not even one character fits.
+// The text, shortened with an ellipsis if it is wider; empty if not even one character fits.
 std::string shortened(std::string_view utf8, double width, double fontSize, bool isBold = false);
-// The text in lines that are at most so wide.
+// The text in lines of at most that width.
 std::vector<std::string> inLines(std::string_view utf8, double width, double fontSize);
 
-// Writes elements. Every element that was opened is closed, at the latest by take().
+// Writes elements. Every element that was opened is closed, by take() at the latest.
 class Svg {
  public:
   Svg& open(const char* element);
-  // Of the element opened last, before it has content.
+  // Sets an attribute of the element opened last, before it has content.
   Svg& set(std::string_view attribute, double value);
   Svg& set(std::string_view attribute, std::string_view utf8);
   Svg& content(std::string_view utf8);
@@ -61,7 +61,7 @@ class Svg {
     const char* fill = "#1f2933";
     const char* anchor = "start";
     bool isBold = false;
-    double turn = 0;  // in degrees, about the place of the text
+    double turn = 0;  // in degrees, about the position of the text
   };
   // A complete element. `at` is the base line.
   Svg& text(Point at, std::string_view utf8, const TextStyle& style);

@@ -149,7 +149,7 @@ ShapePlaces::Place ShapePlaces::placeOf(const Shape& shape) {
 
 WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
                   const Box& limits, Point origin, double scale, std::uint64_t cap, double cross) {
-  constexpr double kSmallest = 0.6, kLargest = 3000;  // of what is drawn
+  constexpr double kSmallest = 0.6, kLargest = 3000;  // limits of what is drawn
   WorkMarks marks;
   ShapePlaces places;
   for (std::size_t i = 0; i < shapes.shapes.size(); ++i) {

@@ -11,7 +11,7 @@
 
 namespace oldtorvio::draw {
 
-// In a radian.
+// Degrees in a radian.
 inline constexpr double kDegrees = 57.29577951308232;
 
 // "ROUND", "SPECIAL TOOL", ...; empty for 0 and for codes without a name.
@@ -20,8 +20,8 @@ std::string_view toolKind(std::int32_t shapeCode);
 struct Extent {
   double width = 0, height = 0;
 };
-// Of the tool as it is turned at orientation 0. Nothing for a tool without an outline: a special tool, whose outline is
-// in a file of its own, a shear, a laser, an unknown code, or dimensions that are not positive numbers.
+// The size of the tool at orientation 0. Nothing for a tool without an outline: a special tool, whose outline is in a
+// file of its own, a shear, a laser, an unknown code, or dimensions that are not positive numbers.
 std::optional<Extent> outlineOf(const OldTool& tool);
 
 // Appends the outline, centred and turned by its orientation and by `turned` in radians. False if there is none.
@@ -31,22 +31,22 @@ inline constexpr const char* kDimensionsAssumed =
     "dimension1 is the diameter or width, dimension2 the height or the distance to a flat, dimension3 the radius of "
     "rounded corners; a triangle has two sides at a right angle";
 
-// "0.5", "2 x 0.25", "2 x 0 x 0.1": the dimensions of a tool up to the last that is not 0. The third of a special tool is
-// left out where it is the code of its symmetry.
+// "0.5", "2 x 0.25", "2 x 0 x 0.1": the dimensions of a tool up to the last that is not 0. The third dimension of a
+// special tool is left out if it is the code of its symmetry.
 std::string dimensionText(const OldTool& tool);
 
-// Whether a station of a part or macro holds a tool: one whose shape code is 0 is none.
+// Whether a station of a part or macro holds a tool: shape code 0 means that there is none.
 inline bool holdsTool(const ToolStation&, const OldTool& tool) { return tool.shapeCode != 0; }
-// A station of a machine counts its tools as well, and its query returns none where the count is below 1.
+// A station of a machine also counts its tools, and its query returns none if the count is below 1.
 inline bool machineHoldsTool(const ToolStation& station, const OldTool& tool) {
   return station.toolCount >= 1 && tool.shapeCode != 0;
 }
 
-// The tool of a station number, which is 1-based; none if the list has no such station.
+// The tool of a station number, which is 1-based; null if the list has no such station.
 const OldTool* toolAt(const ToolStationList& list, std::int64_t number);
 
-// Places the shapes of a list, in their order. A member of a group is stored in the frame of its head: relative to the
-// place of the head, and turned by its angle.
+// Places the shapes of a list, in order. A member of a group is stored in the coordinates of its head: relative to the
+// placing point of the head, and turned by its angle.
 class ShapePlaces {
  public:
   struct Place {
@@ -68,12 +68,12 @@ inline constexpr const char* kGroupsAssumed =
 struct WorkMarks {
   Path outlines, crosses;
   std::uint64_t drawn = 0;
-  std::uint64_t outside = 0;  // of `limits`, or without a place
-  std::uint64_t left = 0;     // beyond the cap
+  std::uint64_t outside = 0;  // marks outside `limits`, or without a place
+  std::uint64_t left = 0;     // marks beyond the cap
   bool hasGroups = false;
 };
-// `limits` are in length units with y up; the marks are scaled and turned upside down, relative to `origin`. `cross` is the
-// reach of a cross.
+// `limits` are in length units with y up; the marks are scaled and turned upside down, relative to `origin`. `cross` is
+// half the size of a cross.
 WorkMarks marksOf(const ShapeList& shapes, const PatternItemList* items, const ToolStationList* tools,
                   const Box& limits, Point origin, double scale, std::uint64_t cap, double cross = 1.6);
 

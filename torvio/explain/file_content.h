@@ -16,7 +16,7 @@ class FileContent {
 
   // Opens the file, reads it to its end and closes it.
   explicit FileContent(const std::string& path, std::uint64_t largestMiB = kLargestMiB);
-  // Reads a file that is open, from where it is to its end. It stays open.
+  // Reads an open file from its current position to its end. It stays open.
   explicit FileContent(std::FILE* file, std::uint64_t largestMiB = kLargestMiB) { readAll(file, largestMiB); }
 
   // Why the file could not be read, as a text to print after its name: "cannot be opened: No such file or directory",

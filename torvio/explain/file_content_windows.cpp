@@ -9,7 +9,7 @@
 
 namespace oldtorvio::explain {
 
-// Not as the library opens files, whose names have the code page of the system and are not long.
+// Unlike the library, which takes only short names in the code page of the system.
 FileContent::FileContent(const std::string& path, std::uint64_t largestMiB) {
   const std::wstring name = systemName(path);
   const DWORD attributes = ::GetFileAttributesW(name.c_str());

@@ -116,7 +116,7 @@ FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kin
 }
 
 FileReport checkFile(std::span<const std::byte> bytes, FileKind kind) {
-  // Sound files take the fast way; only a damaged one is walked by name.
+  // Sound files take the fast path; only the others are walked with names.
   const auto version = versionOf(bytes);
   if (version && infoOf(kind).accepts(*version)) {
     InStream stream(bytes);

@@ -1,4 +1,4 @@
-// Names of files as Windows has them. torvio has every name as UTF-8, on all hosts.
+// Names of files for Windows. torvio keeps every name as UTF-8, on all hosts.
 #pragma once
 #if defined(_WIN32)
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace oldtorvio::explain {
 
-// The name in UTF-16; empty if it is not UTF-8. Half of a surrogate pair, which Windows allows in names, has the three
-// bytes that UTF-8 would use for its code.
+// The name in UTF-16; empty if it is not UTF-8. Half of a surrogate pair, which Windows allows in names, is encoded as
+// the three bytes that UTF-8 would use for its code.
 std::wstring wideName(std::string_view name);
 // The name in UTF-8: the inverse.
 std::string narrowName(std::wstring_view name);

@@ -42,7 +42,7 @@ std::string FormatPrinter::valueText(std::int64_t value) const {
   return called == called_.end() ? std::to_string(value) : called->second;
 }
 
-bool FormatPrinter::reserved(const std::string& size) {
+bool FormatPrinter::addReserved(const std::string& size) {
   remark("reserved", size, "dropped");
   return true;
 }
@@ -52,7 +52,7 @@ void FormatPrinter::remark(const std::string& names, const std::string& stored, 
   rows_.push_back({{isField ? path_ + names : names}, stored, conditions_, condition});
 }
 
-// Of a block each name has the path.
+// In a block, every name gets the path.
 std::string FormatPrinter::pathOf(std::string names) const {
   for (std::size_t at = 0; (at = names.find(", ", at)) != std::string::npos; at += path_.size() + 2)
     names.insert(at + 2, path_);
@@ -69,7 +69,7 @@ void FormatPrinter::add(std::size_t i, const std::string& stored, const std::str
     rows_.push_back({{name(i)}, stored, conditions_, condition});
 }
 
-// At the row of the field if that was just printed under the same conditions, or on its own.
+// In the row of the field if that was just printed under the same conditions, otherwise in a row of its own.
 void FormatPrinter::addRule(const std::string& name, const std::string& text) {
   for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
     if (std::find(row->names.begin(), row->names.end(), name) == row->names.end()) continue;
@@ -81,7 +81,7 @@ void FormatPrinter::addRule(const std::string& name, const std::string& text) {
   rows_.push_back({{name}, "", conditions_, text});
 }
 
-// Defaults are singles and small whole numbers: six digits are enough.
+// Defaults are 32-bit floats and small integers: six digits are enough.
 std::string FormatPrinter::defaultText(double value) {
   char digits[32];
   return {digits, std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::general, 6).ptr};

@@ -37,7 +37,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   std::int32_t numberCalled(const std::string& name);
   void call(std::int64_t value, const std::string& name) { called_[value] = name; }
 
-  // A row that no verb makes.
+  // A row that does not come from a verb.
   void remark(const std::string& names, const std::string& stored, const std::string& condition);
 
   // ---- the verbs ----
@@ -137,11 +137,11 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
     return true;
   }
   [[nodiscard]] bool reserved(std::size_t size) {
-    return reserved(valueText(static_cast<std::int64_t>(size)) + " bytes");
+    return addReserved(valueText(static_cast<std::int64_t>(size)) + " bytes");
   }
   template <class T>
   [[nodiscard]] bool reserved(const codec::Computed<T>& size) {
-    return reserved(size.text);
+    return addReserved(size.text);
   }
   template <class Fn>
   [[nodiscard]] bool padded(std::size_t size, const Fn& chain) {
@@ -262,19 +262,19 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   static constexpr const char* kWriter = "writer";
 
   struct Condition {
-    int since = 0;     // a version, or
-    std::string text;  // anything else; neither says nothing
+    int since = 0;     // a version; 0 for none
+    std::string text;  // any other condition; empty for none
   };
   struct TableRow {
     std::vector<std::string> names;
     std::string stored;
-    std::vector<Condition> conditions;  // when it began
+    std::vector<Condition> conditions;  // those at its first name
     std::string condition;
   };
 
   explicit FormatPrinter(Place place) : place_(place) {}
 
-  // Names of the FIELDS(...) at hand.
+  // Sets the names of the current FIELDS(...).
   template <class Names>
   void begin(const Names& names) {
     names_ = fieldNames(names());
@@ -282,8 +282,8 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   }
   std::string name(std::size_t i) const { return pathOf(names_[i]); }
   std::string pathOf(std::string names) const;
-  bool reserved(const std::string& size);
-  // A row, or one more name in the row before, if that is of the same FIELDS(...) and type.
+  bool addReserved(const std::string& size);
+  // Adds a row, or one more name to the previous row if that has the same FIELDS(...) and type.
   void add(std::size_t i, const std::string& stored, const std::string& condition = {});
   void addRule(const std::string& name, const std::string& text);
   static std::string conditionText(const std::vector<Condition>& conditions);
@@ -425,7 +425,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   std::vector<Condition> conditions_;
   std::string path_;  // ends with "." unless empty
   std::vector<std::string> names_;
-  std::vector<std::string> defaults_;  // of the fields at hand below their version, one for each or one for all
+  std::vector<std::string> defaults_;  // of the current fields below their version, one for each or one for all
   std::size_t runFrom_ = 0;
   std::map<std::int64_t, std::string> called_;
   std::int32_t nextCalled_ = 30000, nextShort_ = 101;

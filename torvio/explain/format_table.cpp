@@ -22,7 +22,7 @@ void walkFresh(FormatPrinter& printer, const A&... more) {
 template <class OldPart>
 void walkOldPart(FormatPrinter& printer) {
   const auto part = std::make_unique<TorvPart>();
-  // A list for an index that a file gives; the index of its last shape is printed by name.
+  // A list for an index that is stored in the file; the index of its last shape is printed by name.
   constexpr std::size_t kShapes = 3001;
   part->shapes.shapes.resize(kShapes);
   printer.call(kShapes - 1, "the last of shapes");
@@ -95,7 +95,7 @@ std::string commandName(std::string_view name) {
   return all;
 }
 
-// Widths and counts that a walk begins with, where it does not read them.
+// Sets the widths and counts that a walk uses but does not read.
 void nameSizes(FormatPrinter&, auto&) {}
 void nameSizes(FormatPrinter& printer, OldMachine& machine) {
   machine.textWidth = printer.numberCalled("textWidth");
@@ -150,7 +150,7 @@ std::vector<FormatRow> formatRows(FileKind kind) {
       (void)file.walk(printer, *record);
     });
   };
-  // A part file is a place of its own for the pattern in it.
+  // For the pattern in it, a part file is a place like any other.
   return FormatPrinter::rows(walk, kind == FileKind::part ? FormatPrinter::Place::given : FormatPrinter::Place::open);
 }
 

@@ -8,17 +8,17 @@
 
 namespace oldtorvio::explain {
 
-// Fields that are stored alike, one after the other.
+// Consecutive fields that are stored alike.
 struct FormatRow {
   std::vector<std::string> fields;
   std::string storedAs;   // empty: a rule for fields of earlier rows
   std::string condition;  // and rules for the values, separated by "; "; empty without any
 };
 
-// A file of that kind from its first byte. Of part files the layout from version 52 on.
+// A file of that kind from its first byte. For part files, the layout from version 52 on.
 std::vector<FormatRow> formatRows(FileKind kind);
-// What files embed, and the layouts of the oldest parts, by name: "clamp-info", "part-3". Empty for a
-// name that is none of recordNames().
+// What files embed, and the layouts of the oldest parts, by name: "clamp-info", "part-2-3". Empty for a
+// name that is not one of recordNames().
 std::vector<FormatRow> recordRows(std::string_view name);
 
 // The same in Markdown, with numbered rows.

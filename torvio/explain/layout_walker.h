@@ -1,5 +1,5 @@
-// What walkers that look at layouts without a file have in common: a layout as a reader sees it, of which no value and
-// no count is known.
+// What walkers over layouts without a file have in common: they see a layout as a reader does, but know no value and no
+// count.
 #pragma once
 #include <cstddef>
 #include <cstdint>

@@ -27,7 +27,7 @@ void printShortest(std::string& to, T value) {
   to.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
 }
 
-// Standard libraries differ in the names of NaNs: "-nan" is also "-nan(snan)" or "-nan(ind)".
+// Standard libraries print NaNs differently: "-nan" is also "-nan(snan)" or "-nan(ind)".
 template <class T>
 void printReal(std::string& to, T value) {
   if (std::isnan(value))
@@ -221,7 +221,7 @@ std::string Mapper::pathOf(const Name& name) {
   return path;
 }
 
-// "itself" is an element without fields of its own, "[i]" the present row.
+// "itself" is an element without fields of its own, "[i]" the current row.
 void Mapper::appendName(std::string& path, const Name& name, std::int64_t row) {
   const std::string& text = names_.of(name.names)[name.at];
   if (text == "itself") return path.pop_back();

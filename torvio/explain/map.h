@@ -24,8 +24,8 @@ struct StoredForm {
 
   Kind kind = Kind::reserved;
   const char* type = "reserved";  // "i16", "u32", "f64", "text", "bytes"
-  std::uint32_t size = 0;         // 0 for all bytes of the line
-  // Prints a number that is stored there, as the map does; null for all others.
+  std::uint32_t size = 0;         // 0: all bytes of the line
+  // Prints a number from its stored bytes, as the map does; null for everything else.
   void (*print)(std::string& to, const std::byte* from) = nullptr;
 };
 
@@ -33,8 +33,8 @@ struct MapLine {
   std::uint64_t offset = 0;
   std::uint64_t size = 0;  // 0 for a remark
   std::string path;        // shapes.shapes[3].x
-  std::string value;       // a remark has its text here
-  // One, or those of a block, whose path ends with as many names: "origin.x, y". None for a remark.
+  std::string value;       // the text of a remark
+  // One, or several for a block, whose path ends with as many names: "origin.x, y". None for a remark.
   std::span<const StoredForm> forms = {};
   std::size_t nameAt = 0;  // where the names begin in the path
 };
@@ -48,13 +48,13 @@ struct Fault {
   std::string reason;
 };
 
-// The path of the fault where a load of this version reads nothing more in any file.
+// The path of the fault at the point where no load of a file of this version reads on.
 inline constexpr std::string_view kRest = "rest";
 
-// The names in the text of an FIELDS(...): "r.list.count, as<std::int16_t>(r.kind)" has "list.count" and
-// "kind".
+// The names in the text of a FIELDS(...): those in "r.list.count, as<std::int16_t>(r.kind)" are "list.count"
+// and "kind".
 std::vector<std::string> fieldNames(std::string_view stringised);
-// The same for one walk, which takes each text apart when it first needs a name of it.
+// The same for one walk, which parses each text when it first needs a name in it.
 class FieldNames {
  public:
   const std::vector<std::string>& of(const char* text) {
@@ -64,7 +64,7 @@ class FieldNames {
   }
 
  private:
-  // By their addresses: each FIELDS(...) has one text.
+  // By the addresses of the texts: each FIELDS(...) has one.
   std::unordered_map<const void*, std::vector<std::string>> known_;
 };
 
@@ -76,13 +76,13 @@ void printBytes(std::string& to, const std::uint8_t* bytes, std::size_t width);
 
 class Mapper : public codec::Reading<Mapper> {
  public:
-  // Without a sink the walk only finds the fault, which is faster. The same holds outside the wanted bytes: only fields
-  // that share a byte with them are reported, and all remarks.
+  // Without a sink the walk only finds the fault, which is faster. So it does outside the wanted bytes: only the fields
+  // that overlap them are reported, and all remarks.
   Mapper(codec::InStream& in, int version, MapSink sink, OffsetRange wanted = {})
       : Reading(version), in_(in), sink_(std::move(sink)), wanted_(wanted), walked_(in.position()) {}
 
   const std::optional<Fault>& fault() const { return fault_; }
-  // The first that the format tolerates.
+  // The first fault that the format tolerates.
   const std::optional<Fault>& tolerated() const { return tolerated_; }
   // The end of the last field. The stream is at its end after a walk that stops.
   std::uint64_t walked() const { return walked_; }
@@ -129,11 +129,11 @@ class Mapper : public codec::Reading<Mapper> {
   }
   void refusedHere();
   void forgiven();
-  // A line of its own that belongs to no byte.
+  // Reports a separate line that belongs to no byte.
   void remark(std::string text);
 
  private:
-  // A field or a list, one of those in the text of a FIELDS(...); or an entry of it.
+  // A field or a list in the text of a FIELDS(...), or an entry of it.
   struct Name {
     const char* names;
     std::size_t at = 0;
@@ -168,7 +168,7 @@ class Mapper : public codec::Reading<Mapper> {
       printValue(to, static_cast<std::int64_t>(value));
   }
 
-  // The stored forms of what an item consists of.
+  // The stored forms of the parts of an item.
   static inline constexpr std::array kText{StoredForm{StoredForm::Kind::text, "text", 0, nullptr}};
   static inline constexpr std::array kBytes{StoredForm{StoredForm::Kind::bytes, "bytes", 0, nullptr}};
   template <class M>
@@ -184,13 +184,13 @@ class Mapper : public codec::Reading<Mapper> {
     return {StoredForm::Kind::number, type, sizeof(Stored), print};
   }
 
-  // Reads the next bytes, a field of these forms, and reports them. Null if the file ends before.
+  // Reads the next bytes, a field of these forms, and reports them. Null if the file has fewer.
   const std::byte* field(const Name& name, std::size_t size, std::span<const StoredForm> forms);
   void endsHere(const Name& name, std::uint64_t size);
-  // The field from there to the stream's position was read. Whether it is to be reported.
+  // Called when the field from that offset to the stream's position was read. Returns whether to report it.
   bool isReported(std::uint64_t offset);
   void report(std::uint64_t size, const Name& name, std::string value, std::span<const StoredForm> forms);
-  // What the walk is inside of, with a "." at the end unless that is the file.
+  // The path of what the walk is inside, with a "." at the end; empty for the file.
   const std::string& path();
   std::string pathOf(const Name& name);
   void appendName(std::string& path, const Name& name, std::int64_t row);
@@ -200,10 +200,10 @@ class Mapper : public codec::Reading<Mapper> {
   OffsetRange wanted_;
   struct Around {
     Name name;
-    std::int64_t row;      // of what is around it
+    std::int64_t row;      // of the enclosing record or list
     std::size_t pathSize;  // with its own name, once that is part of path_
   };
-  // The records and lists that the walk is inside of. Most walks need few paths, so each is made when it is needed:
+  // The records and lists that the walk is inside. Most walks need few paths, so each is made when it is needed:
   // path_ has the names of the first named_ of them.
   std::vector<Around> around_;
   std::string path_;

@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kAnyNumber = "**";
 
-// Whether the name is one that the pattern describes: * is any part of it, ? one character.
+// Whether the name matches the pattern: * is any part of it, ? one character.
 bool isLike(std::string_view name, std::string_view pattern) {
   std::size_t n = 0, p = 0, star = std::string_view::npos, afterStar = 0;
   while (n < name.size()) {
@@ -35,7 +35,7 @@ std::string_view takeUpTo(std::string_view& rest, char separator) {
   return first;
 }
 
-// The dot in "[2..5]" separates nothing.
+// The dots in "[2..5]" do not separate names.
 std::vector<std::string_view> componentsOf(std::string_view pattern) {
   std::vector<std::string_view> all;
   bool inIndex = false;

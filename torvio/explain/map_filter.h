@@ -11,8 +11,8 @@
 
 namespace oldtorvio::explain {
 
-// A pattern for paths: names between dots, which match names that follow each other anywhere in a path. A record or list
-// that matches selects everything in it.
+// A pattern for paths: names separated by dots, which match consecutive names anywhere in a path. A record or list that
+// matches selects everything in it.
 //
 //   x                   every x, and everything in a record that is called x
 //   shapes.x            the x of every element of every shapes
@@ -21,7 +21,7 @@ namespace oldtorvio::explain {
 //   parts[0].**.x       ** is any number of names
 class PathPattern {
  public:
-  // Nothing if the text is no pattern; then `error` says why.
+  // Nothing if the text is not a pattern; then `error` says why.
   static std::optional<PathPattern> parsed(std::string_view text, std::string& error);
 
   bool matches(std::string_view path) const;
@@ -46,12 +46,12 @@ struct MapFilter {
   std::optional<OffsetRange> range;
 
   bool isEmpty() const { return !path && !range; }
-  // What a walk has to report for this filter, and more where it has a path.
+  // What a walk has to report for this filter. A filter with a path accepts only some of that.
   OffsetRange wanted() const { return range.value_or(OffsetRange()); }
   bool accepts(std::uint64_t offset, std::uint64_t size, std::string_view fieldPath) const {
     return (!range || range->overlaps(offset, size)) && (!path || path->matches(fieldPath));
   }
-  // A line of a block is chosen by any of its fields.
+  // A line of a block is accepted if any of its fields is.
   bool accepts(const MapLine& line) const;
 };
 

@@ -19,7 +19,7 @@ namespace {
 
 using MemberNames = std::set<std::string, std::less<>>;
 
-// Reads like the reader and notes the members that it reads, but nothing of the elements of lists.
+// Reads like the reader and notes the members that it reads, but not those of list elements.
 class NameReader : public codec::Reading<NameReader> {
  public:
   NameReader(codec::InStream& in, int version, MemberNames& names) : Reading(version), in_(in), names_(names) {}
@@ -105,7 +105,7 @@ class NameReader : public codec::Reading<NameReader> {
       return;
     }
     const std::string& name = fieldNames_.of(names)[list];
-    // A list of which nothing but elements is stored is read if it has one, and so is an array: "slots[i]".
+    // A list or array of which only elements are stored is read if it has one: "slots[i]".
     if (index >= 0 || name.ends_with(']')) {
       if (index <= 0) noteAll(name);
       ++elements_;
@@ -116,7 +116,7 @@ class NameReader : public codec::Reading<NameReader> {
     path_ += '.';
   }
 
-  // Always true, as a field that has been read.
+  // Always true, so that a field that has been read can end with it.
   bool note(const char* names, std::size_t i) {
     if (elements_ == 0) noteAll(fieldNames_.of(names)[i]);
     return true;
@@ -130,7 +130,7 @@ class NameReader : public codec::Reading<NameReader> {
       names.remove_prefix(std::min(names.find_first_not_of(", "), names.size()));
     }
   }
-  // With the records that it belongs to.
+  // Notes a member and the records that it belongs to.
   void noteOne(std::string_view name) {
     const std::string path = path_ + std::string(name);
     for (std::size_t end = path.find('.');; end = path.find('.', end + 1)) {
@@ -145,7 +145,7 @@ class NameReader : public codec::Reading<NameReader> {
   FieldNames fieldNames_;
   std::string path_;  // ends with "." unless empty
   std::vector<std::size_t> lengths_;
-  std::size_t elements_ = 0;  // that the walk is inside of, or records inside of one
+  std::size_t elements_ = 0;  // how many elements, and records in elements, the walk is inside
 };
 
 }  // namespace

@@ -1,6 +1,6 @@
 /* torvio: what is in the older binary files of a sheet-metal fabrication suite.
  *
- * This header is the manual of the library libtorvio, and all that a program needs of it. It compiles as C (C99 and
+ * This header is the manual of the library libtorvio and the only one that a program needs. It compiles as C (C99 and
  * later) and as C++. The library does what the command line torvio does, for programs in any language that can call C
  * functions:
  *
@@ -17,34 +17,34 @@
  *
  *   Files       A file is read from a path or from memory, see torvio_input. It is opened and read once, so it may be
  *               a pipe, and nothing writes to it. A file at a path is refused if it has more than 1024 MiB.
- *   Texts       NUL-terminated UTF-8, on every system: paths and names as well. Texts in files are bytes of a code
+ *   Texts       NUL-terminated UTF-8 on every system, including paths and names. Texts in files are bytes of a code
  *               page, which input->encoding names; in results they are UTF-8.
- *   Results     A function with `result` sets *result to a new torvio_buffer, or to NULL if there is no result, and
- *               does not use what it held before. Results are UTF-8 (JSON, SVG, HTML, Markdown) unless the function
+ *   Results     A function with `result` sets *result to a new torvio_buffer, or to NULL if there is no result; what
+ *               *result held before is ignored. Results are UTF-8 (JSON, SVG, HTML, Markdown) unless the function
  *               says that they are bytes of a file. JSON is one object on one line that ends with a newline, unless
- *               the function says otherwise. What a file says is escaped wherever it might have an effect: no text of
- *               a file ends a line, leaves a JSON string, or is markup or script in SVG and HTML.
+ *               the function says otherwise. Contents of a file are escaped wherever they might have an effect: no text
+ *               of a file can end a line, break out of a JSON string, or act as markup or script in SVG and HTML.
  *   Errors      A function with `error` returns a torvio_status. If that is not TORVIO_OK it also sets *error to a new
- *               torvio_error, else to NULL. `error` may be NULL if only the status is wanted. *error is also NULL if
- *               there is no memory for it.
+ *               torvio_error, otherwise to NULL. `error` may be NULL if only the status is wanted. *error is also NULL
+ *               if there is no memory for it.
  *   Ownership   The library never keeps a pointer that it was given. What it returns belongs to the caller, who frees
  *               it with torvio_free; results and errors are independent of each other. torvio_version() is the
  *               exception: it is never freed.
- *   Failures    Wrong arguments, unreadable files and lack of memory have no effect but the status and the error. No
- *               function ends the process, prints or throws an exception. The locale of the process is not changed
- *               and has no effect but on the language of the system's words in an error, such as "No such file".
+ *   Failures    Wrong arguments, unreadable files and lack of memory affect only the status and the error. No function
+ *               ends the process, prints or throws an exception. The locale of the process is not changed; it only
+ *               affects the language of messages of the system in an error, such as "No such file".
  *   Threads     There is no state between calls: all functions may run at the same time in any number of threads, also
  *               on the same input. A result or error may be freed in another thread.
- *   Memory      A damaged or hostile file never makes the library read or write outside its memory, or take memory
+ *   Memory      A damaged or hostile file never makes the library read or write outside its memory, or allocate memory
  *               just because a count in the file claims many elements. Expect the file, its record (a few times the
  *               size of the file) and the result in memory at the same time.
  *   Flags       `flags` is 0 or a sum of the constants that the function names. Any other value is TORVIO_BAD_ARGUMENT.
  *   Stack       A call needs no more than 128 KiB of stack.
  *
- * Binary interface: the calling convention is that of C on the platform (cdecl on 32-bit Windows). torvio_input has
- * its members for good; what a later version needs besides becomes a flag or a function. torvio_buffer and torvio_error
- * are made by the library only and may get more members at their end: do not copy them by value. All integers have a
- * fixed width but size_t, which has that of a pointer.
+ * Binary interface: the calling convention is that of C on the platform (cdecl on 32-bit Windows). torvio_input never
+ * gets more members; later versions add flags or functions instead. torvio_buffer and torvio_error are created only by
+ * the library and may get more members at their end: do not copy them by value. All integers have a fixed width except
+ * size_t, which is as wide as a pointer.
  */
 #ifndef TORVIO_H
 #define TORVIO_H
@@ -76,21 +76,21 @@ extern "C" {
 typedef int32_t torvio_status;
 
 enum {
-  /* Done: there is a result. Of a file, that it is sound, perhaps with bytes that a load does not read. */
+  /* Done: there is a result. A file that was read is sound, perhaps with bytes that a load does not read. */
   TORVIO_OK = 0,
   /* There is a result, but of a file that is damaged, of a refused version, or of no known kind: it shows what was
    * read. The error says what is wrong, and if the file is damaged, where. */
   TORVIO_DAMAGED = 1,
-  /* A required pointer is NULL, or an argument has a value that it must not have. No result. */
+  /* A required pointer is NULL, or an argument has an invalid value. No result. */
   TORVIO_BAD_ARGUMENT = 2,
   /* The file at input->path could not be opened or read to its end, or is too large. No result unless the function
    * says so. */
   TORVIO_NOT_READ = 3,
-  /* What is asked for cannot be made of this input, for example a picture of a macro. No result. */
+  /* The requested result cannot be made from this input, for example a picture of a macro. No result. */
   TORVIO_REFUSED = 4,
   /* Memory ran out. No result. */
   TORVIO_NO_MEMORY = 5,
-  /* The library failed for a reason that it does not expect: a defect. No result. */
+  /* The library failed unexpectedly, because of a defect in it. No result. */
   TORVIO_INTERNAL_ERROR = 6
 };
 
@@ -103,7 +103,7 @@ typedef struct torvio_buffer {
 /* Why a function did not return TORVIO_OK. */
 typedef struct torvio_error {
   const char* message;  /* one line, as the command line prints it after the name of the file; without file names */
-  const char* field;    /* the field of the file that is damaged, as in "partList.parts[3].x"; empty if there is none */
+  const char* field;    /* the damaged field of the file, such as "partList.parts[3].x"; empty if there is none */
   uint64_t offset;      /* where that field begins, in bytes from the start of the file, or TORVIO_NO_OFFSET */
   torvio_status status; /* the value that the function returned */
 } torvio_error;
@@ -115,15 +115,15 @@ TORVIO_API void torvio_free(const void* result_or_error) TORVIO_NOEXCEPT;
 
 /* ---- Input ------------------------------------------------------------------------------------ */
 
-/* One file, by its path or in memory. Set all members that you do not use to zero. It is a struct because most functions
- * take a file and some take several; it consists of pointers and a size only, so that every language lays it out in the
- * same way. Nothing in it is changed or kept. */
+/* One file, by its path or in memory. Set unused members to zero. It is a struct because most functions take a file and
+ * some take several; it consists only of pointers and a size, so that every language lays it out in the same way. A
+ * function neither changes nor keeps anything in it. */
 typedef struct torvio_input {
   const char* path; /* the file to read; NULL for one in memory */
   const void* data; /* if path is NULL: the bytes of the file. Not NULL, even for a file of no bytes */
   size_t size;      /* if path is NULL: how many bytes there are at data */
-  /* What results call the file; its extension is a hint of the kind (".spt" is always a special tool). NULL stands for
-   * the path, or for an empty name if the file is in memory. */
+  /* The name of the file in results; its extension is a hint of the kind (".spt" is always a special tool). NULL: the
+   * path, or an empty name if the file is in memory. */
   const char* name;
   /* The kind of the file, such as "sheet"; torvio_supported lists all. NULL: the kind is detected from the extension or
    * the contents, which may fail for a damaged file. */
@@ -143,53 +143,53 @@ typedef struct torvio_input {
  *   verdict    "sound", "sound with losses" (bytes that a load does not read), "damaged", "refused version",
  *              "foreign" (no file of the suite) or "unreadable"
  *   kind       missing if foreign or unreadable, as are status and walked
- *   version    the first two bytes of the file; missing if it has not that many
+ *   version    the first two bytes of the file; missing if it has fewer
  *   size       in bytes
  *   status     what the load of OldTorvIO returns: 0, 1, -1
  *   walked     bytes from the start to the end of the last field that was read
- *   fault      of a damaged file or a refused version: where and why; "tolerated" instead of it if the load goes on
- *   warnings   what a sound structure does not show, such as numbers that harm those who use them: objects with "code",
- *              "field" and "text"; docs/catalogue.md lists the codes. Missing if there are none
- *   error      of an unreadable file: why; nothing but path and verdict is there besides
+ *   fault      of a damaged file or a refused version: where and why; called "tolerated" if the load continues
+ *   warnings   problems of values in a sound structure, such as numbers that harm programs that use them: objects with
+ *              "code", "field" and "text"; docs/catalogue.md lists the codes. Missing if there are none
+ *   error      of an unreadable file: why; the other members are then only path and verdict
  *
- * Returns TORVIO_OK for a file that loads, TORVIO_DAMAGED for any other that was read, and TORVIO_NOT_READ with a
- * result of the verdict "unreadable" for a file that was not. flags: 0. input->encoding has no effect. */
+ * Returns TORVIO_OK for a file that loads, TORVIO_DAMAGED for any other file that was read, and TORVIO_NOT_READ, with
+ * a result whose verdict is "unreadable", for a file that was not. flags: 0. input->encoding has no effect. */
 TORVIO_API torvio_status torvio_check(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                       torvio_error** error) TORVIO_NOEXCEPT;
 
-/* What a person wants to know of a file at a glance: names, sizes, parts, tools. The result is the object of
- * `torvio info --json`: "path", "kind", "version", "verdict", "remark", then members that depend on the kind. Lengths
- * are in the unit of the file. Returns what torvio_check returns, also with a result for a file that was not read. Of a
- * damaged file it has what was read before the fault. flags: 0. */
+/* What a file contains at a glance: names, sizes, parts, tools. The result is the object of `torvio info --json`:
+ * "path", "kind", "version", "verdict", "remark", then members that depend on the kind. Lengths are in the unit of the
+ * file. Returns the statuses of torvio_check; there is a result even for a file that was not read. For a damaged file
+ * it has what was read before the fault. flags: 0. */
 TORVIO_API torvio_status torvio_info(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                      torvio_error** error) TORVIO_NOEXCEPT;
 
 /* ---- Complete contents ------------------------------------------------------------------------ */
 
 /* The complete record of a file: torvio_from_json saves it as a file that loads into the same record. The result is the
- * text of `torvio json`; docs/json.md describes it, and torvio_schema returns its schema. Of a damaged file it has the
- * record as far as it was read, and the fault; of a file of unknown kind or refused version the record is null. Both
+ * text of `torvio json`; docs/json.md describes it, and torvio_schema returns its schema. For a damaged file it has the
+ * record as far as it was read, and the fault; for a file of unknown kind or refused version the record is null. Both
  * return TORVIO_DAMAGED. flags: 0 or TORVIO_PRETTY. */
 TORVIO_API torvio_status torvio_json(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                      torvio_error** error) TORVIO_NOEXCEPT;
 
 #define TORVIO_PRETTY UINT32_C(1) /* every member on a line of its own */
 
-/* Makes a file of the JSON of its record. The input is the JSON text, of at most 8192 MiB; its kind and encoding have no
- * effect, because the text says both. The result is the bytes of the file, saved in `version`, or with 0 in the version
- * that the text says. Below version 152, saves of sheets and machines store bytes that no load expects (docs/quirks.md);
+/* Makes a file from the JSON of its record. The input is the JSON text, of at most 8192 MiB; its kind and encoding have
+ * no effect, because the text says both. The result is the bytes of the file, saved in `version`; 0 is the version in
+ * the text. Below version 152, saves of sheets and machines store bytes that no load expects (docs/quirks.md);
  * torvio_convert makes a file without them. Returns TORVIO_REFUSED if the text is not the JSON of a record, or if its
- * record cannot be saved in that version: the message says which member or line of the text it is about. flags: 0. */
+ * record cannot be saved in that version: the message names the member or line of the text if it can. flags: 0. */
 TORVIO_API torvio_status torvio_from_json(const torvio_input* input, int32_t version, uint32_t flags,
                                           torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
 
-/* The JSON Schema (draft 2020-12) of what torvio_json returns for files of that kind, over several lines. `kind` must
+/* The JSON Schema (draft 2020-12) of what torvio_json returns for files of that kind, on several lines. `kind` must
  * not be NULL. */
 TORVIO_API torvio_status torvio_schema(const char* kind, torvio_buffer** result, torvio_error** error) TORVIO_NOEXCEPT;
 
 /* ---- Bytes and their meaning ------------------------------------------------------------------- */
 
-/* Every field of a file with its offset, as `torvio map --json` prints it: one object a line,
+/* Every field of a file with its offset, as `torvio map --json` prints it: one object per line,
  *
  *   {"offset":2,"size":4,"field":"width","type":"f32","value":12.5}
  *
@@ -199,10 +199,10 @@ TORVIO_API torvio_status torvio_schema(const char* kind, torvio_buffer** result,
  *
  * find      selects fields by their names, as --find of the command line: "width", "shapes[3].x", "**.*Count".
  *           NULL: all
- * range     selects fields by their bytes, the last included: "500", "0x1f4..0x200", "500..". NULL: all
+ * range     selects fields by their bytes, the last one included: "500", "0x1f4..0x200", "500..". NULL: all
  * flags     0 or TORVIO_PAGE
  *
- * If no field is selected, the result has no lines, except for the fault. A `find` or `range` that has another form is
+ * If no field is selected, the result has no lines, except for the fault. A `find` or `range` of any other form is
  * TORVIO_BAD_ARGUMENT.
  *
  * With TORVIO_PAGE, the result is an HTML page with bytes and fields side by side, as `torvio map --html` prints it.
@@ -215,22 +215,22 @@ TORVIO_API torvio_status torvio_map(const torvio_input* input, const char* find,
 /* The stored form of a kind of file, or of a record that files embed ("clamp-info"; torvio_supported lists both).
  *
  * name      the kind or record; must not be NULL
- * language  "markdown" or NULL: a table. "json": its rows, an object a line with the names of the "fields", how each is
- *           "storedAs", and on which "condition". "kaitai": a definition for Kaitai Struct (.ksy); of a record or of a kind that
- *           it cannot describe TORVIO_REFUSED */
+ * language  "markdown" or NULL: a table. "json": its rows, one object per line with the names of the "fields", how each
+ *           is "storedAs", and under which "condition". "kaitai": a definition for Kaitai Struct (.ksy); TORVIO_REFUSED
+ *           for a record and for a kind that Kaitai Struct cannot describe */
 TORVIO_API torvio_status torvio_format(const char* name, const char* language, torvio_buffer** result,
                                        torvio_error** error) TORVIO_NOEXCEPT;
 
 /* ---- Pictures --------------------------------------------------------------------------------- */
 
-/* A sheet, part, group part or machine to scale, as one SVG document without scripts and references, of bounded size.
- * The outline of each placement of a sheet has the class "part" with the number of its part, from 1: "part3". Of a
+/* A sheet, part, group part or machine to scale, as one SVG document of bounded size without scripts or references.
+ * The outline of each placement of a sheet has the class "part" with the number of its part, from 1: "part3". For a
  * damaged file it shows what was read, and returns TORVIO_DAMAGED. Returns TORVIO_REFUSED for files of other kinds
  * and of unknown kind or version. flags: 0. */
 TORVIO_API torvio_status torvio_draw(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                      torvio_error** error) TORVIO_NOEXCEPT;
 
-/* A contact sheet: the pictures of `count` files, at least one, on an HTML page without scripts and references. A file
+/* A contact sheet: the pictures of `count` files, at least one, on an HTML page without scripts or references. A file
  * that cannot be read or drawn has the reason in place of its picture. Files are read one after the other.
  *
  * inputs    an array of `count` inputs
@@ -244,19 +244,19 @@ TORVIO_API torvio_status torvio_draw_page(const torvio_input* inputs, size_t cou
 
 /* ---- Differences ------------------------------------------------------------------------------ */
 
-/* Where two files differ, member by member, as `torvio diff --json` prints it: a line with one object for each
- * difference, and a last one with the totals and what was compared; docs/diff.md describes both. Parts and other records
- * with a name are matched by that, elements of other lists by what they hold. What no load reads is not compared.
+/* Where two files differ, member by member, as `torvio diff --json` prints it: a line with an object for each
+ * difference, and a last line with the totals and what was compared; docs/diff.md describes both. Parts and other
+ * records with a name are matched by name, elements of other lists by content. What no load reads is not compared.
  *
- * a, b       the files. Of different kinds if one holds what the other is, such as a part of a sheet. Both must name the
- *            same encoding
- * part       of sheets and group part files, the part to compare: its name, or its position from 0. NULL: the complete
+ * a, b       the files. Their kinds may differ if one contains what the other is, such as a sheet and one of its parts.
+ *            Both must name the same encoding
+ * part       in sheets and group part files, the part to compare: its name, or its position from 0. NULL: the complete
  *            files, or the part that is in both
  * tolerance  real numbers that differ by no more than this are the same; 0 compares every bit
  * flags      0 or TORVIO_COMMON
  * same       set to 1 if there is no difference, to 0 if there is one. Unchanged without a result; may be NULL
  *
- * Differences are no failure: the status is TORVIO_OK. Of damaged files what was read is compared; the status is then
+ * Differences are not errors: the status is TORVIO_OK. What was read of a damaged file is compared; the status is then
  * TORVIO_DAMAGED, and the message of the error begins with "a: " or "b: ". TORVIO_REFUSED if the files have nothing in
  * common to compare, or one is of unknown kind or refused version. */
 TORVIO_API torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const char* part, double tolerance,
@@ -270,8 +270,8 @@ TORVIO_API torvio_status torvio_diff(const torvio_input* a, const torvio_input* 
 
 /* Saves a file in another version, as `torvio convert` does, without writing it anywhere.
  *
- * version   of the new file. In the version of the file itself it becomes a clean copy: all that a load reads, and no
- *           other bytes
+ * version   of the new file. If it is the version of the input, the new file is a clean copy: all that a load reads,
+ *           and no other bytes
  * flags     0 or TORVIO_ALLOW_LOSS
  * result    the bytes of the new file
  * report    what the new version cannot store or stores with another value, as the JSON object of
@@ -285,15 +285,15 @@ TORVIO_API torvio_status torvio_convert(const torvio_input* input, int32_t versi
 
 #define TORVIO_ALLOW_LOSS UINT32_C(8) /* makes the file even if something is lost or changed */
 
-/* Makes a file that loads of the sound beginning of a damaged one, as `torvio recover` does, without writing it
+/* Makes a loadable file from the sound beginning of a damaged one, as `torvio recover` does, without writing it
  * anywhere. Everything before the first fault is kept; what follows has the defaults of a new record.
  *
  * flags     0
- * result    the bytes of the new file. Of a sound file they are its own
+ * result    the bytes of the new file. For a sound file they are its own
  * report    where the file breaks, which bytes are left out, which list is shorter and which members have defaults, as
  *           the JSON object of `torvio recover --json` without "written". Check it before the file is used. May be NULL
  *
- * Returns TORVIO_OK for a damaged file as well. TORVIO_REFUSED if nothing can be kept or the kind is unknown: there is no
+ * Returns TORVIO_OK for a damaged file, too. TORVIO_REFUSED if nothing can be kept or the kind is unknown: there is no
  * result then, but a report unless the kind is unknown. */
 TORVIO_API torvio_status torvio_recover(const torvio_input* input, uint32_t flags, torvio_buffer** result,
                                         torvio_buffer** report, torvio_error** error) TORVIO_NOEXCEPT;

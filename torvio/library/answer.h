@@ -15,7 +15,7 @@
 
 namespace oldtorvio::library {
 
-// What an error says.
+// The contents of an error.
 struct Problem {
   torvio_status status = TORVIO_OK;
   std::string message;
@@ -36,12 +36,12 @@ inline Problem damaged(const explain::Fault& fault) {
   return {TORVIO_DAMAGED, explain::describe(fault), fault.path, fault.offset};
 }
 
-// A result while it grows. It is one block, which begins with its torvio_buffer, so that a large result is not copied in
-// the end.
+// A result while it grows. It is one block, which begins with its torvio_buffer, so that a large result is not copied
+// at the end.
 class Answer {
  public:
   void append(std::string_view bytes);
-  // The function returns this status, with its result.
+  // The function returns this status together with its result.
   void note(Problem problem) { problem_ = std::move(problem); }
 
   const Problem& problem() const { return problem_; }

@@ -24,7 +24,7 @@ std::string listed(const std::vector<std::string>& names) {
 
 }  // namespace
 
-// The language and code page of the system's words are those of the locale of the process.
+// The locale of the process determines the language and code page of the system's messages.
 std::string systemError(int error) { return values::fileNameAsUtf8(std::generic_category().message(error)); }
 
 OpenFile::OpenFile(const char* path) {
@@ -49,7 +49,7 @@ OpenFile::OpenFile(const char* path) {
   } else if (!file_) {
     error_ = "cannot be opened: " + systemError(error);
   } else {
-    // Those who read have buffers of their own.
+    // The readers have their own buffers.
     (void)std::setvbuf(file_.get(), nullptr, _IONBF, 0);
   }
 }

@@ -14,7 +14,7 @@
 
 namespace oldtorvio::library {
 
-// What the system says of an error, as UTF-8.
+// The message of the system for an error, as UTF-8.
 std::string systemError(int error);
 
 // A file that is opened to be read, by a path in UTF-8.
@@ -34,7 +34,7 @@ class OpenFile {
   std::string error_;
 };
 
-// The caller's torvio_input, checked. Fails if it is none.
+// The caller's torvio_input, checked. Fails if it is not valid.
 class Input {
  public:
   explicit Input(const torvio_input* input);
@@ -53,7 +53,7 @@ class Input {
   values::TextEncoding encoding_;
 };
 
-// Its bytes, or why there are none.
+// The bytes of an input, or why there are none.
 class InputBytes {
  public:
   explicit InputBytes(const Input& input);

@@ -280,7 +280,7 @@ bool diff(Answer& answer, const Input& inputA, const Input& inputB, const char* 
 
 // ---- new files of old ones ----
 
-// Answers with a new file that make(bytes, kind) makes of the input, and with its report, also if there is no file.
+// Answers with the new file that make(bytes, kind) makes from the input, and with its report, even without a file.
 template <class Make>
 torvio_status newFile(const torvio_input* file, std::uint32_t flags, std::uint32_t known, torvio_buffer** result,
                       torvio_buffer** report, torvio_error** error, const Make& make) noexcept {

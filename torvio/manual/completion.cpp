@@ -66,7 +66,7 @@ std::string zshAction(const CLI::Option& option) {
   if (takesFile(option)) return "_files";
   const std::vector<std::string> values = acceptedValues(option);
   if (values.empty()) return " ";
-  // Values that go on are completed without a blank.
+  // No blank is added after a value that is not complete yet.
   if (values.front().ends_with('.')) return "{compadd -S \"\" -- " + joined(values, " ") + "}";
   return "(" + joined(values, " ") + ")";
 }

@@ -1,4 +1,4 @@
-// Completion of command lines of torvio, made of the options of its commands.
+// Completion of command lines of torvio, made from the options of its commands.
 #pragma once
 #include <string>
 

@@ -13,7 +13,7 @@ namespace {
 
 // ---- roff ---------------------------------------------------------------------------------------------
 
-// Without a change of font. A hyphen of the keyboard is "\-": it is copied as one.
+// Without a change of font. An ASCII hyphen is "\-", so that it is copied as one.
 std::string escaped(std::string_view text) {
   std::string roff;
   for (const char c : text) {
@@ -100,7 +100,7 @@ std::string partsIn(const std::vector<HelpPart>& parts, const std::vector<std::s
   return roff;
 }
 
-// The sections of that title, or all others.
+// The sections with that title, or all others.
 std::string sectionsOf(const CLI::App& app, const std::string& title) {
   std::string roff;
   for (const HelpSection& part : helpSections(app.get_footer()))

@@ -1,4 +1,4 @@
-// Manual pages of torvio in roff, made of the options and help texts of its commands.
+// Manual pages of torvio in roff, made from the options and help texts of its commands.
 #pragma once
 #include <string>
 

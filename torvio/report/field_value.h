@@ -1,4 +1,4 @@
-// Values of fields for people and programs: texts decoded, and nothing in them that could have an effect.
+// Values of fields for people and programs: decoded texts in which nothing can have an effect.
 #pragma once
 #include <cstddef>
 #include <span>
@@ -14,11 +14,11 @@ namespace oldtorvio::report {
 std::string inert(std::string_view utf8);
 
 // Appends the value as JSON: a number; a text up to its first NUL; bytes as hexadecimal digits; null for reserved bytes.
-// Numbers that JSON lacks are "NaN", "Infinity" and "-Infinity". `file` is all of the file.
+// Numbers that JSON lacks are "NaN", "Infinity" and "-Infinity". `file` is the complete file.
 void appendJsonValue(std::string& to, const explain::MapField& field, std::span<const std::byte> file,
                      const values::TextEncoding& encoding);
 
-// Appends the value as the map prints it, but texts decoded: `"Träger" (no NUL)`.
+// Appends the value as the map prints it, but with decoded texts: `"Träger" (no NUL)`.
 void appendDecodedValue(std::string& to, const explain::MapField& field, std::span<const std::byte> file,
                         const values::TextEncoding& encoding);
 

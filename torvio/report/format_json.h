@@ -7,7 +7,7 @@
 
 namespace oldtorvio::report {
 
-// An object on a line for each row: {"fields":["width","height"],"storedAs":"f32","condition":"since 60"}
+// One object per line for each row: {"fields":["width","height"],"storedAs":"f32","condition":"since 60"}
 std::string formatJson(const std::vector<explain::FormatRow>& rows);
 
 }  // namespace oldtorvio::report

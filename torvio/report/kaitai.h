@@ -9,10 +9,10 @@ namespace oldtorvio::report {
 
 struct KaitaiDescription {
   std::string text;                   // a .ksy file
-  std::vector<std::string> problems;  // what the language cannot say; if there is any, do not use the text
+  std::vector<std::string> problems;  // what the language cannot express; if there is any, do not use the text
 };
 
-// Files of that kind from version 52 on, as a reader takes them.
+// Files of that kind from version 52 on, as a load reads them.
 KaitaiDescription kaitaiDescription(frame::FileKind kind);
 
 }  // namespace oldtorvio::report

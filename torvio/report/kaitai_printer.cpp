@@ -27,7 +27,7 @@ std::string withoutIndex(std::string name) {
   if (const auto at = name.find("[i]"); at != std::string::npos) name.erase(at, 3);
   return name;
 }
-// As other languages write the name, which must differ for different fields.
+// The name without underscores, as some languages write it; it must be unique in that form, too.
 std::string plain(std::string_view id) {
   std::string all;
   std::copy_if(id.begin(), id.end(), std::back_inserter(all), [](char c) { return c != '_'; });
@@ -147,7 +147,7 @@ void KaitaiPrinter::addDoc(const std::string& text) {
   if (std::find(docs.begin(), docs.end(), text) == docs.end()) docs.push_back(text);
 }
 
-// At the field, if nothing in the rule is read after it.
+// Adds the rule to its field, if everything in the rule is read before or with that field.
 void KaitaiPrinter::addRule(const std::string& name, std::int64_t value, const std::string& rule) {
   std::optional<std::size_t> found = find(node_, name);
   if (!found)
@@ -193,12 +193,12 @@ void KaitaiPrinter::leave() {
 }
 
 void KaitaiPrinter::setElement(std::size_t field, const std::string& name, const std::string& count) {
-  // In turns with another list, the row has the index.
+  // In a list whose elements alternate with those of another, the row has the index.
   attributes_[field].origin = name + (count.empty() ? "[i]" : "[]");
   attributes_[field].repeat = count;
 }
 
-// After the first field of a row.
+// Call it after the first field of a row.
 void KaitaiPrinter::nameRows(std::size_t rows) {
   const Node& row = nodes_[attributes_[rows].child];
   if (row.attributes.empty()) {
@@ -244,7 +244,7 @@ std::int64_t KaitaiPrinter::valueFor(std::size_t field, std::int64_t before, std
   if (storedSize > 2) next32_ += 2;
   if (next8_ > 100 || next16_ > 30'000) problems_.emplace_back("there are more small sizes than values for them");
   std::string expression = token(field);
-  // A variable that is read again under a condition keeps its value otherwise.
+  // A variable that is read again under a condition keeps its value if the condition does not hold.
   if (const auto earlier = called_.find(before); earlier != called_.end()) {
     const std::size_t shared = attributes_[fieldOf_.at(before)].reachedBy.size();
     std::string under;
@@ -255,12 +255,12 @@ std::int64_t KaitaiPrinter::valueFor(std::size_t field, std::int64_t before, std
   called_[value] = expression;
   fieldOf_[value] = field;
   if (storedSize == 1) {
-    // Doubled in one byte, it wraps.
+    // Doubled in one byte, the value wraps.
     const auto doubled = static_cast<std::int8_t>(static_cast<std::uint8_t>(2 * value));
     called_[doubled] = "(((" + expression + " * 2 + 128) & 255) - 128)";
     fieldOf_[doubled] = field;
   } else if (storedSize > 2) {
-    // One and the elements besides it.
+    // The count of a list that has one more element.
     called_[value + 1] = "(1 + (" + expression + " > 0 ? " + expression + " : 0))";
     fieldOf_[value + 1] = field;
   }
@@ -338,7 +338,7 @@ std::optional<std::size_t> KaitaiPrinter::find(std::size_t node, const std::stri
 
 // ---- printing ----
 
-// From a type to a field: in itself or its parts, in the types that it is a part of, or from the root.
+// The path from a type to a field: in the type or its parts, in the types that contain it, or from the root.
 std::string KaitaiPrinter::pathTo(std::size_t attribute, std::size_t node) const {
   std::vector<std::size_t> way{attribute};  // from the root
   for (std::size_t at = attributes_[attribute].node; at != 0; at = nodes_[at].outer)
@@ -392,7 +392,7 @@ std::string KaitaiPrinter::rendered(const std::string& expression, std::size_t n
   return text;
 }
 
-// Of several lower limits on the version only the highest.
+// Of several lower limits on the version, only the highest is used.
 std::string KaitaiPrinter::conditionsOf(const Attribute& field) const {
   const std::string since = std::string(kVersion) + " >= ";
   const auto limitOf = [&](const std::string& one) {

@@ -1,6 +1,6 @@
 // The walker that describes a stored form in the language of Kaitai Struct (.ksy). Like FormatPrinter it walks a record
-// once, whatever the conditions. Sizes and counts get values of their own, by which they are recognised where they are
-// used; conditions, list rules and places are data.
+// once, whatever the conditions. Sizes and counts get unique values, by which they are recognised where they are used;
+// conditions, list rules and places are data.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -35,9 +35,9 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
   // "meta" and what follows. `id` is the name of the type, `doc` begins its description.
   std::string ksy(const std::string& id, const std::string& title, const std::string& doc) const;
 
-  // An expression for fields of the root, such as "starts_with_table", and the definition of its instance.
+  // Adds the definition of an instance of the root, which expressions can use, such as "starts_with_table".
   void addInstance(const std::string& definition) { instances_.push_back(definition); }
-  // Fields that the next walk() describes are there only under this condition.
+  // The fields that the next walk() describes exist only under this condition.
   void bodyCondition(const std::string& condition) { bodyCondition_ = condition; }
   // The version word, the first field of the file.
   void versionWord(const std::string& valid, const std::string& condition = {});
@@ -256,14 +256,14 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
     std::size_t firstIndex = 0;
     bool toEnd = false;
     bool isParameter = false;
-    std::string argument;                 // of a parameter, in the type outside
+    std::string argument;                 // of a parameter, in the enclosing type
     std::vector<std::string> conditions;  // in its type
-    std::vector<std::string> reachedBy;   // all conditions, also those of the types around
+    std::vector<std::string> reachedBy;   // all conditions, including those of enclosing types
     std::vector<std::string> valid;
     std::size_t child = 0;  // a type, or 0
   };
   struct Node {
-    // A record can be used in other types; an inner type is a part of the one around, and may use its fields.
+    // A record can be used in other types; an inner type is a part of the enclosing one, and may use its fields.
     enum Kind : std::uint8_t { record, inner } kind = record;
     std::string name;
     std::size_t outer = 0;      // itself for the root
@@ -271,7 +271,7 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
     std::size_t conditionsFrom = 0;
     std::vector<std::size_t> attributes;
     std::vector<std::string> docs;
-    // What values stood for before they became parameters.
+    // What the values represented before they became parameters.
     std::vector<std::tuple<std::int64_t, std::string, std::size_t>> outside;
     std::set<std::string> ids;  // without underscores and capitals, as other languages write them
   };
@@ -379,7 +379,7 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
     leave();
     return ok;
   }
-  // One element in a row, or with a count all of them.
+  // One element in a row, or, with a count, all elements.
   template <std::size_t Which, class X, class... A>
   bool element(const X& x, const std::vector<std::string>& names, const std::string& count, const A&... more) {
     using Element = typename std::remove_cvref_t<std::tuple_element_t<Which, decltype(x.members)>>::value_type;
@@ -404,12 +404,12 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
     return true;
   }
   void setElement(std::size_t field, const std::string& name, const std::string& count);
-  // Begins a type, of a new field. The name of an inner type is that of its field.
+  // Begins the type of a new field. The name of an inner type is that of its field.
   std::size_t enter(const std::string& name, const std::string& type, Node::Kind kind);
   void leave();
   void nameRows(std::size_t rows);
 
-  // What the description of a record takes besides it: sizes become parameters of the type.
+  // The further arguments of the description of a record: sizes become parameters of the type.
   template <class P>
   void addParameter(const P& value) {
     if constexpr (std::is_same_v<P, PartForm>)
@@ -421,7 +421,7 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
 
   // ---- sizes and expressions ----
 
-  // A field that is a size or count by its name gets a value that stands for it.
+  // A field that is a size or count by its name gets a value that represents it.
   template <class T>
   void nameSize(std::size_t field, const std::string& name, T& member, std::size_t storedSize) {
     if (isSize(name)) member = static_cast<T>(valueFor(field, static_cast<std::int64_t>(member), storedSize));
@@ -461,7 +461,7 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
   std::set<std::string> notes_;
   mutable std::vector<std::string> problems_;
   std::map<const void*, std::string> lists_;     // counts of lists, by where these are
-  std::map<std::int64_t, std::string> called_;   // what values stand for
+  std::map<std::int64_t, std::string> called_;   // what values represent
   std::map<std::int64_t, std::size_t> fieldOf_;  // the field of a value
   std::int64_t next32_ = 1'000'000, next16_ = 20'000, next8_ = 65;
 };

@@ -1,4 +1,4 @@
-// A map as JSON, one object a line.
+// A map as JSON, one object per line.
 #pragma once
 #include <cstddef>
 #include <span>
@@ -11,8 +11,8 @@
 
 namespace oldtorvio::report {
 
-// {"offset":2,"size":4,"field":"width","type":"f32","value":12.5}, and "note" where noteOf() says something. With its
-// newline, as all of these.
+// {"offset":2,"size":4,"field":"width","type":"f32","value":12.5}, and "note" if noteOf() is not empty. All of these
+// functions append a newline, too.
 void appendJsonField(std::string& to, const explain::MapField& field, std::span<const std::byte> file,
                      const values::TextEncoding& encoding);
 // {"offset":40,"size":0,"field":"machine","remark":"..."}

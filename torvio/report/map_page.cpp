@@ -10,7 +10,7 @@ namespace oldtorvio::report {
 namespace {
 
 constexpr std::uint64_t kPerChunk = 128;
-// Beginnings of rows that have a number, and those that were seen once.
+// Limits on the beginnings of rows that have a number, and on those that were seen once.
 constexpr std::size_t kMostBeginnings = 10'000, kMostSeen = 50'000;
 constexpr std::string_view kRemark = "!", kFault = "!!";  // instead of a type
 
@@ -50,7 +50,7 @@ void appendScriptText(std::string& to, std::string_view text) {
   }
 }
 
-// Pages show the start of long values: all of their bytes are on the left.
+// Pages show only the start of long values: all of their bytes are on the left.
 void shorten(std::string& value, std::uint64_t size) {
   constexpr std::size_t kLongest = 600;
   if (value.size() <= kLongest) return;
@@ -114,7 +114,7 @@ void MapPage::add(const explain::MapLine& line) {
   });
 }
 
-// One line of a chunk, see decodeChunk() of map_page.js. Most lines begin like others of the same field in other
+// One line of a chunk, see decodeChunk() of map_page.js. Most lines begin like those of the same field in other
 // elements of a list: these beginnings are stored once.
 void MapPage::addRow(std::uint64_t offset, std::uint64_t size, std::string_view path, std::string_view type,
                      std::string_view value) {
@@ -145,7 +145,7 @@ void MapPage::addRow(std::uint64_t offset, std::uint64_t size, std::string_view 
   ++rows_;
 }
 
-// A number from the second time on: those that come once need none.
+// A beginning gets a number when it is seen for the second time.
 void MapPage::remember(const std::string& beginning) {
   if (numbers_.size() == kMostBeginnings) return;
   if (seen_.erase(beginning) > 0) {

@@ -18,11 +18,11 @@ namespace oldtorvio::report {
 
 class MapPage {
  public:
-  // Beyond these a browser would be slow: the bytes of the file, and its fields.
+  // Limits on the bytes and fields of a file, beyond which a browser would be slow.
   static constexpr std::uint64_t kLargestMiB = 16;
   static constexpr std::uint64_t kMostFields = 3'000'000;
 
-  // The bytes must stay there. `fileName` may have any bytes.
+  // The bytes must outlive this object. `fileName` may have any bytes.
   MapPage(std::string_view fileName, std::span<const std::byte> bytes, const values::TextEncoding& encoding);
 
   // Each line of the map, in order.
@@ -41,7 +41,7 @@ class MapPage {
   std::span<const std::byte> bytes_;
   values::TextEncoding encoding_;
   std::string chunks_;    // as JSON
-  std::string lastPath_;  // of the same chunk
+  std::string lastPath_;  // in the current chunk
   std::uint64_t end_ = 0;
   std::string beginnings_;  // as JSON
   std::unordered_map<std::string, std::size_t> numbers_;
@@ -51,7 +51,7 @@ class MapPage {
 
 struct MapPageText {
   std::string html;     // empty if the file is too large
-  std::string refusal;  // then why, as a text to print after its name
+  std::string refusal;  // why it is too large, as a text to print after its name
   explain::FileReport report;
 };
 // The page of a file in memory.

@@ -1,5 +1,5 @@
 "use strict";
-// Fields are in chunks of lines; only the lines in view are elements of the page, so that it stays quick with a million
+// Fields are in chunks of lines; only the lines in view are elements of the page, so that it stays fast with a million
 // fields. Everything from the file is set as text.
 (() => {
   const data = JSON.parse(document.getElementById("data").textContent);
@@ -111,7 +111,7 @@
       if ((last + 1) * rowHeight > top + view) wanted = (last + 1) * rowHeight - view;
       if (index * rowHeight < wanted) wanted = index * rowHeight;
       if (wanted !== top) {
-        // From far away into the middle.
+        // From far away, scrolls the line to a third of the view.
         if (Math.abs(wanted - top) > view) wanted = Math.max(0, index * rowHeight - view / 3);
         this.pane.scrollTop = wanted / this.scale;
       }
@@ -257,7 +257,7 @@
 
   // ---- keyboard ----
 
-  // By how much a key moves, in lines; "start" and "end" for the ends.
+  // How many lines a key moves; "start" and "end" for the ends.
   const move = (event, list) => {
     switch (event.key) {
       case "ArrowUp": return -1;

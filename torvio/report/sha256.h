@@ -1,4 +1,4 @@
-// SHA-256 and Base64, which a Content-Security-Policy names scripts by.
+// SHA-256 and Base64, by which a Content-Security-Policy identifies scripts.
 #pragma once
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-// The loads and saves of record_bytes.h, compiled once for all who link the companion: they take a compiler long.
+// The loads and saves of record_bytes.h, compiled once for all that link the companion: they take long to compile.
 #pragma once
 #include "torvio/values/record_bytes.h"
 

@@ -1,5 +1,5 @@
-// Whether two records hold the same, and where they differ first: every member, stored or not, every array to its
-// end. Floats are compared by their bits: a NaN equals itself, and 0 differs from -0.
+// Whether two records have equal contents, and where they differ first: every member, stored or not, every array to
+// its end. Floats are compared by their bits: a NaN equals itself, and 0 differs from -0.
 #pragma once
 #include <algorithm>
 #include <cstddef>
@@ -27,7 +27,7 @@ struct ArePlain {
   }
 };
 
-// Whether all that a T holds are numbers in the T itself.
+// Whether a T consists only of numbers, all stored in the T itself.
 template <class T>
 constexpr bool isPlain() {
   if constexpr (Number<T>)
@@ -65,7 +65,7 @@ void addRuns(std::vector<Run>& runs, const std::byte* begin, const T& value) {
   }
 }
 
-// They are the same for every T: the first that is compared serves to find them.
+// The runs are the same for every T: they are found in the first one that is compared.
 template <class T>
 const std::vector<Run>& runsOf(const T& value) {
   static const std::vector<Run> runs = [&] {
@@ -102,7 +102,7 @@ bool haveEqualElements(const std::vector<T>& a, const std::vector<T>& b) {
   return true;
 }
 
-// Compares what is in no run: texts, lists and lazy arrays.
+// Compares what is not in a run: texts, lists and lazy arrays.
 template <class T>
 bool equalBeyondRuns(const T& a, const T& b) {
   if constexpr (isPlain<T>()) {
@@ -117,7 +117,7 @@ bool equalBeyondRuns(const T& a, const T& b) {
     return true;
   } else if constexpr (Lazy<T>) {
     for (std::size_t i = 0; i < T::size(); ++i) {
-      // Elements without memory are one and the same.
+      // All unallocated elements are one object.
       const auto &ofA = a[i], &ofB = b[i];
       if (&ofA != &ofB && !equalContents(ofA, ofB)) return false;
     }
@@ -131,7 +131,7 @@ bool equalBeyondRuns(const T& a, const T& b) {
   }
 }
 
-// For records and everything that they hold.
+// For records and everything in them.
 template <class T>
 bool equalContents(const T& a, const T& b) {
   return haveEqualRuns(a, b, runsOf(a)) && equalBeyondRuns(a, b);
@@ -139,7 +139,7 @@ bool equalContents(const T& a, const T& b) {
 
 // ---- where ------------------------------------------------------------------------------------------
 
-// Paths grow from their ends: a difference that is found puts the names of its owners before it.
+// Paths grow from their ends: once a difference is found, each owner puts its name before the path.
 inline bool prependName(std::string_view member, std::string& path) {
   if (!path.empty() && path.front() != '[') path.insert(0, 1, '.');
   path.insert(0, member);
@@ -158,7 +158,7 @@ inline bool findInNumbers(const void* a, const void* b, std::size_t count, std::
   return false;
 }
 
-// Lists of different lengths differ as such, and so do texts.
+// Lists of different lengths differ as a whole, and so do texts.
 template <class T>
 bool findDifference(const T& a, const T& b, std::string& path) {
   if constexpr (Number<T> || FixedText<T>) {

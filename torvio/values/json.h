@@ -10,24 +10,24 @@
 
 namespace oldtorvio::values {
 
-// Raise it with every change after which a reader of today would misread the text.
+// Raise it with every change after which an existing reader would misread the text.
 inline constexpr int kJsonFormat = 1;
 
 namespace json_names {
 
-// Of the document, in the order in which they are written.
+// Members of the document, in the order in which they are written.
 inline constexpr std::string_view kFormat = "format", kKind = "kind", kVersion = "version", kEncoding = "encoding",
                                   kRecord = "record", kTolerated = "tolerated", kUnread = "unread", kFault = "fault";
 // May be in a document that a person or an editor has made.
 inline constexpr std::string_view kSchema = "$schema";
-// Of a fault.
+// Members of a fault.
 inline constexpr std::string_view kOffset = "offset", kField = "field", kReason = "reason";
-// Of a fixed text with bytes after its NUL, and of a float that is no JSON number.
+// Members of a fixed text with bytes after its NUL, and of a float that is not a JSON number.
 inline constexpr std::string_view kText = "text", kAfter = "after", kBits = "bits";
 
 }  // namespace json_names
 
-// What a document says of the file beside its record.
+// What a document says about the file besides its record.
 struct JsonHead {
   std::optional<frame::FileKind> kind;
   std::optional<int> version;

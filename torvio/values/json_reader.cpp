@@ -19,7 +19,7 @@
 namespace oldtorvio::values {
 namespace {
 
-// None if it is out of range.
+// Nothing if the number is out of range.
 std::optional<float> nearestSingle(const std::string& digits) {
   float single = 0;
 #if defined(__cpp_lib_to_chars)
@@ -35,7 +35,7 @@ std::optional<float> nearestSingle(const std::string& digits) {
 
 // ---- the text ----------------------------------------------------------------------------------------
 
-// Longer than any member that is no text of its own, and than white space will be.
+// Longer than any member except strings, and than any run of white space should be.
 constexpr std::uint64_t kLongestShort = 4U << 20U;
 // A text of a file takes up to six characters for each byte.
 constexpr std::uint64_t kLongestText = (std::uint64_t{1} << 30U) * 6;
@@ -52,7 +52,7 @@ class Characters {
     if (++at_ == end_) refill();
   }
 
-  // What comes next begins here, and may take so many characters.
+  // What comes next begins here, and may have at most this many characters.
   void allow(std::uint64_t most) { limit_ = position() + most; }
   const char* error() const { return error_; }
 
@@ -98,7 +98,7 @@ class CharacterIterator {
     return *this;
   }
   void operator++(int) { characters_->advance(); }
-  // Only the end is ever compared with.
+  // Iterators are only compared with the end.
   friend bool operator==(const CharacterIterator& a, const CharacterIterator&) { return a.characters_->isAtEnd(); }
   friend bool operator!=(const CharacterIterator& a, const CharacterIterator& b) { return !(a == b); }
 
@@ -108,7 +108,7 @@ class CharacterIterator {
 
 constexpr std::size_t kMostQuoted = 60;
 
-// A text of the document on one line, as far as it helps to recognise it.
+// The beginning of a text of the document, on one line and long enough to recognise it.
 std::string nameInQuotes(std::string_view text) {
   std::string quote;
   appendJsonString(quote, fileNameAsUtf8(text.substr(0, kMostQuoted)) + (text.size() > kMostQuoted ? "..." : ""));
@@ -165,7 +165,7 @@ class RecordBuilder {
   }
   bool boolean(bool) { return scalar("true or false"); }
   bool number_integer(std::int64_t value) {
-    // The parser passes only what begins with "-" here, so that this is the zero with a sign.
+    // The parser only passes numbers that begin with "-" here, so that a zero is a negative one.
     return value == 0 ? number(0, true) : number(value, false);
   }
   bool number_unsigned(std::uint64_t value) {
@@ -183,9 +183,9 @@ class RecordBuilder {
       return fail("must be " + wanted(slot) + ", not " + token.substr(0, kMostQuoted));
     if (slot.type->form == Form::float64) return storeReal(slot, 0, value);
     if (slot.type->form != Form::float32) return failAs(slot, "a number");
-    // Not by way of the double, which would be rounded twice.
+    // Not from the double: the number would be rounded twice.
     std::string digits = token;
-    // The parser writes its numbers in the way of the locale.
+    // The parser writes numbers with the decimal point of the locale.
     for (char& c : digits)
       if (std::string_view("0123456789+-eE").find(c) == std::string_view::npos) c = '.';
     if (const auto single = nearestSingle(digits)) return storeReal(slot, *single, 0);
@@ -276,12 +276,12 @@ class RecordBuilder {
   bool parse_error(std::size_t, const std::string&, const nlohmann::json::exception& error) {
     if (characters_.error() != nullptr) return false;
     if (dynamic_cast<const nlohmann::json::out_of_range*>(&error) != nullptr) {
-      // A number beyond every double, which has not taken its place yet.
+      // A number beyond the range of doubles, which has not been counted as an element yet.
       if (!frames_.empty() && frames_.back().place == Place::elements) ++frames_.back().index;
       return fail("is out of range");
     }
     // "[...] parse error at line 1, column 5: syntax error while parsing value - invalid literal; last read: '...'".
-    // What was read may be long and hold anything.
+    // What was read may be long and contain anything.
     const std::string_view text = error.what();
     const auto between = [&](std::string_view before, std::string_view after) {
       const std::size_t from = text.find(before);
@@ -309,11 +309,11 @@ class RecordBuilder {
     Place place;
     const Type* type;
     void* at;
-    std::size_t index = 0;     // of the next element, or after the present member
-    std::size_t seenFrom = 0;  // of a record: where its members in seen_ begin
-    std::uint64_t seen = 0;    // of anything else with keys: those that were there, as bits
+    std::size_t index = 0;     // of the next element, or after the current member
+    std::size_t seenFrom = 0;  // for a record: where its members in seen_ begin
+    std::uint64_t seen = 0;    // for anything else with keys: those that were read, as bits
   };
-  // Where the next value goes. Without a type, to the document itself.
+  // Where the next value goes. Without a type, it goes to the document itself.
   struct Slot {
     const Type* type = nullptr;
     void* at = nullptr;
@@ -326,7 +326,7 @@ class RecordBuilder {
     error_ = path.empty() ? what : path + ": " + what;
     return false;
   }
-  // About the innermost object or array itself.
+  // Reports an error about the innermost object or array itself.
   bool failIn(const std::string& what) {
     const std::string path = pathOf(frames_.size() - 1);
     const bool isMember = what.find(": ") != std::string::npos;
@@ -342,7 +342,7 @@ class RecordBuilder {
     for (std::size_t i = 0; i < depth; ++i) {
       const Frame& frame = frames_[i];
       if (frame.place == Place::head) {
-        // Members are named from the record on.
+        // Paths of members begin in the record.
         if (currentHead_ && (depth == 1 || *currentHead_ != Key::record)) add(headNames()[headIndex(*currentHead_)]);
       } else if (frame.place == Place::record) {
         if (frame.index > 0) add(frame.type->members[frame.index - 1].name);
@@ -439,7 +439,7 @@ class RecordBuilder {
     switch (type.form) {
       case Form::list:
         slot = {type.element, type.append(frame.at)};
-        // Each element brings its own limit.
+        // Each element sets its own limit.
         if (type.element->form != Form::text) characters_.allow(kLongestShort);
         return true;
       case Form::pair:
@@ -461,7 +461,7 @@ class RecordBuilder {
   bool recordKey(const std::string& name) {
     Frame& frame = frames_.back();
     const std::vector<TypeMember>& members = frame.type->members;
-    // Nearly always they come in their order, with some that are not stored left out.
+    // Members nearly always come in order, without some that are not stored.
     std::size_t i = frame.index;
     while (i < members.size() && members[i].name != name && !members[i].isStored) ++i;
     if (i >= members.size() || members[i].name != name) {
@@ -736,9 +736,9 @@ class RecordBuilder {
   bool isStarted_ = false;
   std::vector<Frame> frames_;
   std::vector<char> seen_;      // of the members of all records that are open
-  std::string_view smallName_;  // the present key of an object that is no record
-  std::size_t smallIndex_ = 0;  // its position among those that are known
-  std::string text_;            // of the present text object
+  std::string_view smallName_;  // the current key of an object that is not a record
+  std::size_t smallIndex_ = 0;  // its position among the known keys
+  std::string text_;            // of the current text object
   std::vector<std::uint8_t> after_;
 
   JsonHead head_;

@@ -32,18 +32,18 @@ struct JsonRecord {
 // Fills the buffer with the next bytes of the text and returns how many there were; 0 at its end.
 using JsonSource = std::function<std::size_t(char* to, std::size_t size)>;
 
-// A text of more than that is refused.
+// A longer text is refused.
 inline constexpr std::uint64_t kLargestJsonMiB = 8192;
 
-// Reads a document straight into a new record: apart from it, memory is taken for one member at a time only. Throws
-// std::bad_alloc and what the source throws.
+// Reads a document straight into a new record: besides the record, memory is needed for only one member at a time.
+// Throws std::bad_alloc and whatever the source throws.
 JsonRecord readJson(const JsonSource& source);
 JsonRecord readJson(std::string_view text);
 
 // Saves the record as its kind does; returns the status of the save. The caller flushes the stream. Throws
 // std::bad_alloc.
 std::int64_t storeRecord(codec::OutStream& to, const JsonRecord& record, int version);
-// Why such a save returned that status, which is not 0, in words.
+// Why such a save returned that status, which must not be 0, in words.
 std::string refusalOf(const JsonRecord& record, std::int64_t status, int version);
 
 }  // namespace oldtorvio::values

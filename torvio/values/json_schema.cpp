@@ -19,7 +19,7 @@ std::string inQuotes(std::string_view text) {
   return json;
 }
 
-// "a": 1, "b": 2 in braces, on one line.
+// {"a": 1, "b": 2}, on one line.
 std::string object(const std::vector<std::pair<std::string_view, std::string>>& members) {
   std::string text;
   for (const auto& [name, value] : members) text += (text.empty() ? "" : ", ") + inQuotes(name) + ": " + value;
@@ -113,7 +113,7 @@ class Definitions {
     }
   }
 
-  // One line or block for each, as members of an object.
+  // One line or block for each definition, as members of an object.
   std::string text() const {
     std::string all;
     for (const auto& [name, schema] : definitions_)
@@ -178,7 +178,7 @@ std::string jsonSchema(frame::FileKind kind) {
       {kSchema, object({{"type", typeNamed("string")}})},
       {kFormat, object({{"const", std::to_string(kJsonFormat)}})},
       {kKind, object({{"const", inQuotes(name)}})},
-      // Null if the file has no two bytes.
+      // Null if the file has fewer than two bytes.
       {kVersion, object({{"anyOf", array({integer<std::int16_t>(), object({{"type", typeNamed("null")}})})}})},
       {kEncoding, object({{"enum", array(encodings)}})},
       // Null if the version is refused.

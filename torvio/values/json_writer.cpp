@@ -65,7 +65,7 @@ class JsonWriter {
     isFirst_ = true;
     isStopped_ = false;
   }
-  // Nothing more is wanted: the rest of the value is left out, and what is not flushed is lost.
+  // Ends the output: the rest of the value is left out, and what is not flushed is lost.
   void stop() { isStopped_ = true; }
 
   // ---- structure
@@ -140,7 +140,7 @@ class JsonWriter {
     (void)error;
     used_ = static_cast<std::size_t>(end - buffer_.get());
   }
-  // UTF-8, not of the file.
+  // UTF-8 that does not come from the file.
   void plainText(std::string_view utf8) {
     std::string json;
     appendJsonString(json, fileNameAsUtf8(utf8));
@@ -212,7 +212,7 @@ class JsonWriter {
         put(kHexDigits[static_cast<std::size_t>((bits >> shift) & 0xFU)]);
       return put("\"}");
     }
-    // As "-0" it would be an integer, which has no such zero.
+    // "-0" would be an integer, which has no negative zero.
     if (value == 0) return put("-0.0");
     integer(value);
   }
@@ -246,7 +246,7 @@ class JsonWriter {
     put(name);
     put(isPretty_ ? "\": " : "\":");
   }
-  // Zeros at the end are left out.
+  // Omits zeros at the end.
   void hexText(std::span<const std::uint8_t> block) {
     while (!block.empty() && block.back() == 0) block = block.first(block.size() - 1);
     put('"');
@@ -275,7 +275,7 @@ class JsonWriter {
     }
     close(']', areInline);
   }
-  // Up to the last element that is not as in a new record.
+  // Up to the last element that differs from that of a new record.
   void lazyArray(const Type& type, const void* at) {
     std::size_t count = type.count;
     while (count > 0) {

@@ -11,11 +11,11 @@
 
 namespace oldtorvio::values {
 
-// Takes the text piece by piece. Whatever it throws ends the writing.
+// Takes the text piece by piece. An exception that it throws ends the writing.
 using JsonSink = std::function<void(std::string_view)>;
 
 // Writes a document. Without a record, or if the head has no kind, its record is null. `encoding` of the head is one
-// of TextEncoding::names(). What is said of the file besides comes from `report`, if there is one.
+// of TextEncoding::names(). What the document says about the file besides comes from `report`, if there is one.
 void writeJson(const JsonSink& sink, const JsonHead& head, const void* record, const explain::FileReport* report,
                bool isPretty = false);
 
@@ -29,13 +29,13 @@ std::string jsonOf(const typename FileRecord<kKind>::Record& record, int version
   return text;
 }
 
-// The document of the bytes of a file: its record, or what of it was read before a fault, and what `report` says, which
-// is that of checkFile for these bytes and this kind. The record is null without a kind, and if the kind refuses the
+// The document of the bytes of a file: its record, or what was read of it before a fault, and what `report` says, which
+// must come from checkFile for these bytes and this kind. The record is null without a kind, or if the kind refuses the
 // version.
 void writeFileAsJson(const JsonSink& sink, std::span<const std::byte> bytes, std::optional<frame::FileKind> kind,
                      const explain::FileReport& report, const std::string& encoding, bool isPretty = false);
 
-// Writes single values as they are written in a document, on one line.
+// Writes single values in the form that they have in a document, on one line.
 class JsonValues {
  public:
   explicit JsonValues(std::string_view encoding);
@@ -43,8 +43,8 @@ class JsonValues {
   JsonValues& operator=(const JsonValues&) = delete;
   ~JsonValues();
 
-  // Appends the value. Of one that is much longer than `atLeast` bytes, which 0 does not limit, only a beginning of
-  // that size is written.
+  // Appends the value. If `atLeast` is not 0 and the value is much longer, only a beginning of at least that many bytes
+  // is written.
   void append(std::string& to, const Type& type, const void* value, std::size_t atLeast = 0);
 
  private:

@@ -1,4 +1,4 @@
-// Members of a machine and of its tables.
+// Members of a machine and its tables.
 #pragma once
 #include "OldTorvIO/machine.h"
 #include "OldTorvIO/machine_parts.h"

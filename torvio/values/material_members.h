@@ -1,4 +1,4 @@
-// Members of a material, of its tables and of the shape programs that machines have as well.
+// Members of a material, its tables and the shape programs, which machines have, too.
 #pragma once
 #include "OldTorvIO/material.h"
 #include "OldTorvIO/material_parts.h"

@@ -7,7 +7,7 @@
 //
 //   Members<MarkEntry>::of(mark, [](const MemberInfo& info, auto& member) { ... });
 //
-// visits them. What deals in values goes over this list: comparison, random records for tests.
+// visits them. Everything that works on values uses this list: comparison, random records for tests.
 #pragma once
 #include <algorithm>
 #include <array>
@@ -48,7 +48,7 @@ template <class T>
 inline constexpr bool kIsStdArray = false;
 template <class T, std::size_t N>
 inline constexpr bool kIsStdArray<std::array<T, N>> = true;
-// Plain arrays and those of the standard library, all elements of which are in the record itself.
+// Plain arrays and std::array, whose elements are all in the record itself.
 template <class T>
 concept Array = std::is_array_v<T> || kIsStdArray<std::remove_cv_t<T>>;
 
@@ -76,7 +76,7 @@ template <class T>
 inline constexpr bool kIsLazyArray = false;
 template <class T, std::size_t N>
 inline constexpr bool kIsLazyArray<LazyArray<T, N>> = true;
-// Read it through a const reference: anything else takes memory for its elements.
+// Read it through a const reference: any other access allocates memory for its elements.
 template <class T>
 concept Lazy = kIsLazyArray<std::remove_cv_t<T>>;
 
@@ -88,7 +88,7 @@ struct MembersOf {
   static constexpr void of(auto& record, auto&& see) {
     Members<Record>::apply(record, [&](auto&... members) {
       std::size_t at = 0;
-      // No fold over an operator: compilers limit how deep these nest.
+      // Not a fold over an operator: compilers limit how deep these nest.
       const int done[] = {(see(Members<Record>::kInfos[at++], members), 0)...};
       (void)done;
     });
@@ -107,7 +107,7 @@ struct MembersOf {
 
 // ---- what the lists are made of ----------------------------------------------------------------------
 
-// The names of a list as it was written. One with an object before it ("record.name") is the last part of that.
+// The names of a list as it was written. For a name with an object before it ("record.name"), only the last part.
 template <std::size_t N>
 consteval std::array<MemberInfo, N> infosIn(std::string_view list) {
   constexpr std::string_view kUnstored = "UNSTORED(";
@@ -142,7 +142,7 @@ consteval std::array<MemberInfo, N + M> joined(const std::array<MemberInfo, N>& 
 #define UNSTORED(name) name
 
 // apply(record, fn) calls fn with all members. They are bound by their position, so that none can be left out;
-// ByName has them by their names, and a test compares the two.
+// ByName binds them by name, and a test compares the two.
 #define MEMBERS(RECORD, ...)                                                                          \
   template <>                                                                                         \
   struct Members<RECORD> : MembersOf<RECORD> {                                                        \
@@ -157,7 +157,7 @@ consteval std::array<MemberInfo, N + M> joined(const std::array<MemberInfo, N>& 
     };                                                                                                \
   }
 
-// A record with a base record, whose members are first. Its own are written as members of `record`; they cannot
+// A record with a base record, whose members come first. Its own are written as members of `record`; they cannot
 // be bound by position, so that only the tests find one that is left out.
 #define MEMBERS_BEYOND(BASE, RECORD, ...)                                                                              \
   template <>                                                                                                          \

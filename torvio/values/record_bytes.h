@@ -21,11 +21,11 @@ template <frame::FileKind kKind>
 struct LoadedRecord {
   std::unique_ptr<typename FileRecord<kKind>::Record> record;
   std::int64_t status = frame::kDamaged;  // of the load
-  std::optional<int> version;             // none when there are no two bytes
+  std::optional<int> version;             // none for fewer than two bytes
   std::uint64_t walked = 0;               // bytes up to the end of the last field
 };
 
-// What a load sets before it reads the body. A record keeps its version, and some the path that they come from.
+// What a load sets before it reads the body. Records keep the version of their file, some of them its path, too.
 inline void beginLoad(TorvPart& part, int version, std::string_view path) {
   part.version = version;
   frame::setPath(part.partFullDosName, path);
@@ -52,7 +52,7 @@ inline void beginLoad(OldSheet& sheet, int version, std::string_view) {
   sheet.version = static_cast<std::uint16_t>(version);
 }
 
-// A fresh record filled from the bytes of a file. After a failure it holds what was read before it.
+// A new record filled from the bytes of a file. After a failure it has what was read before.
 template <frame::FileKind kKind>
 LoadedRecord<kKind> loadRecord(std::span<const std::byte> bytes, std::string_view path = {}) {
   LoadedRecord<kKind> loaded;
@@ -71,7 +71,7 @@ LoadedRecord<kKind> loadRecord(std::span<const std::byte> bytes, std::string_vie
   loaded.status = FileRecord<kKind>::read(body, version, *loaded.record);
   loaded.walked = body.position() + (isTable ? 0 : sizeof version);
   if constexpr (kKind == frame::FileKind::material) {
-    // A file that is a table only takes its name from there.
+    // A file that is only a table takes its name from the table.
     const std::string_view name = fixedText(loaded.record->params.name);
     const bool fits = !name.empty() && name.size() < sizeof loaded.record->params.name;
     if (isTable && loaded.status == frame::kDone && fits) loaded.record->name = name;
@@ -108,7 +108,7 @@ inline bool storeBody(codec::OutStream& to, const OldMacro& macro, int version) 
 }
 inline bool storeBody(codec::OutStream& to, OldSheet& sheet, int version) { return WriteOldSheet(to, version, sheet); }
 
-// Whether a save ends in a failure or ends the process, see SaveOldSheet.
+// Whether a save fails or ends the process, see SaveOldSheet.
 inline bool mayEndProcess(const auto&, int) { return false; }
 inline bool mayEndProcess(const OldSheet& sheet, int version) { return version >= 152 && !sheet.blocks.empty(); }
 
@@ -132,7 +132,7 @@ std::int64_t storeRecord(codec::OutStream& to, typename FileRecord<kKind>::Recor
 
 struct SavedRecord {
   std::int64_t status = frame::kNotSaved;  // of the save
-  std::vector<std::byte> bytes;            // of the file; after a failure those before it
+  std::vector<std::byte> bytes;            // of the file; after a failure those stored before it
 };
 
 template <frame::FileKind kKind>

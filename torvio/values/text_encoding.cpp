@@ -11,7 +11,7 @@ struct Table {
   std::array<char16_t, 128> upper;  // the characters of the bytes from 0x80 on
 };
 
-// A byte without a character has the control character of its number (C1), so that no two bytes have the same.
+// A byte without a character gets the control character of its number (C1), so that all bytes differ.
 // clang-format off
 constexpr Table kTables[] = {
     {"cp1252",

@@ -1,4 +1,4 @@
-// Texts of files as UTF-8 and back. Files hold bytes of a Windows or DOS code page, and do not say which.
+// Texts of files as UTF-8 and back. Files contain bytes of a Windows or DOS code page, and do not say of which.
 #pragma once
 #include <cstddef>
 #include <optional>
@@ -10,7 +10,7 @@ namespace oldtorvio::values {
 
 inline constexpr std::string_view kDefaultEncoding = "cp1252";
 
-// A code page. Each byte has one character and each character at most one byte, so that texts survive both ways.
+// A code page. Each byte has one character and each character at most one byte, so that texts convert back unchanged.
 class TextEncoding {
  public:
   TextEncoding();  // kDefaultEncoding
@@ -39,18 +39,18 @@ Utf8Character firstCharacter(std::string_view text);
 // Whether a character may change what a terminal or page does with the text around it: controls, separators of lines,
 // and what changes the direction of text.
 bool isActive(char32_t code);
-// Four digits, of a character below U+10000.
+// Appends four digits, for a character below U+10000.
 void appendCodeInHex(std::string& to, char32_t code);
 
-// Appends the text in quotation marks with its active characters escaped. What is no UTF-8 stays as it is: decode texts
-// of files with TextEncoding and names of files with fileNameAsUtf8 first.
+// Appends the text in quotation marks with its active characters escaped. Bytes that are not UTF-8 stay unchanged:
+// decode texts of files with TextEncoding, and names of files with fileNameAsUtf8, before.
 void appendJsonString(std::string& to, std::string_view utf8);
 
-// The name of a file, which may hold any bytes, as UTF-8: bytes that are none become U+FFFD.
+// The name of a file, which may contain any bytes, as UTF-8: bytes that are not UTF-8 become U+FFFD.
 std::string fileNameAsUtf8(std::string_view name);
 
-// The text with its control characters escaped ("\n", "\x1b", "\u202e") and bytes that are not UTF-8 as well ("\xe4"),
-// so that it takes one line and does not affect the terminal. Backslashes are not escaped: Windows paths contain many.
+// The text with control characters ("\n", "\x1b", "\u202e") and bytes that are not UTF-8 ("\xe4") escaped, so that it
+// takes one line and does not affect the terminal. Backslashes are not escaped: Windows paths contain many.
 std::string onOneLine(std::string_view text);
 
 }  // namespace oldtorvio::values

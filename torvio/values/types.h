@@ -1,5 +1,5 @@
-// What records hold, described at run time. It is made of Members, so that JSON, which goes both ways and has schemas,
-// needs no code for each record.
+// The contents of records, described at run time. The descriptions are made from Members, so that reading and writing
+// JSON, and its schemas, need no code for each record.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -51,7 +51,7 @@ struct Type {
   std::vector<TypeMember> members;    // of a record; both of a pair
   std::shared_ptr<const void> fresh;  // a new record
 
-  // Values of this type. Arrays are never made by themselves.
+  // Creates a value of this type. Arrays are never created by themselves.
   std::shared_ptr<void> (*make)() = nullptr;
   void (*assign)(void* to, const void* from) = nullptr;
   void (*swap)(void* one, void* other) = nullptr;
@@ -63,7 +63,7 @@ struct Type {
   void (*clear)(void* list) = nullptr;
   void (*resize)(void* list, std::size_t length) = nullptr;
 
-  // Lazy arrays. The first allocates nothing; an element that was never written is at `unwritten`.
+  // Lazy arrays. lazyAt allocates nothing; an element that was never written is at `unwritten`.
   const void* (*lazyAt)(const void* array, std::size_t i) = nullptr;
   void* (*lazySet)(void* array, std::size_t i) = nullptr;
   const void* unwritten = nullptr;
@@ -71,7 +71,7 @@ struct Type {
 
 // The record of that kind of file.
 const Type& typeOfRecord(frame::FileKind kind);
-// A new one.
+// A new record of that kind.
 std::shared_ptr<void> newRecord(frame::FileKind kind);
 
 inline const void* memberIn(const void* record, const TypeMember& member) {
@@ -81,7 +81,7 @@ inline void* memberIn(void* record, const TypeMember& member) {
   return static_cast<std::byte*>(record) + member.offset;
 }
 
-// Whether both hold the same, as equalContents of equal.h.
+// Whether both have equal contents, as equalContents() of equal.h.
 bool holdTheSame(const Type& type, const void* one, const void* other);
 
 }  // namespace oldtorvio::values

@@ -5,7 +5,7 @@
     oldtorvio.save(nest, "nest.sheet", 180)
 
 Each record of a file is a class with the attributes of the C++ record. Numbers are int and float, texts are bytes;
-records, arrays and lists in a record are views of it, which convert nothing until it is asked for.
+records, arrays and lists in a record are views of it, which convert nothing until it is accessed.
 """
 from __future__ import annotations
 
@@ -33,7 +33,7 @@ def load(path: _paths.Path, kind: Optional[str] = None) -> Any:
 
 
 def loads(data: _paths.Data, kind: Optional[str] = None) -> Any:
-    """The same for the contents of a file in memory."""
+    """Loads the contents of a file in memory, as load() does a file."""
     return _record(_core._loads(bytes(data), kind, ""), None)
 
 
@@ -72,7 +72,7 @@ class Field(NamedTuple):
     form: Tuple[Any, ...]
     """("int32",), ("fixedText", 256), ("list", ("record", "Shape")), ..."""
     is_stored: bool
-    """By at least one version of one kind of file."""
+    """Whether at least one version of one kind of file stores it."""
 
 
 _fields: Dict[str, Tuple[Field, ...]] = {name: tuple(Field(*member) for member in members)

@@ -19,8 +19,8 @@ class PartBuilder:
     """A new part, shape by shape.
 
     width, height and thickness are in the suite's length unit. Texts are bytes, or str in the code page cp1252; None
-    is the default of the library ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty). assemblyName and materialName
-    have at most 20 bytes, the others 255.
+    selects the default of the library ("NEW PART", "NEW ASSEMBLY", "NEW MATERIAL", empty). assemblyName and
+    materialName have at most 20 bytes, the others 255.
     """
 
     def __init__(self, width: float, height: float, thickness: float, partKind: int = 0, *,
@@ -45,7 +45,7 @@ class PartBuilder:
         return self._added(self._builder.add_group(x, y, angle, _bytes(toolName)), toolName)
 
     def add_to_group(self, groupIndex: int, x: float, y: float, type: int, values: Sequence[float] = ()) -> int:
-        """Adds a member to the group whose head is that shape, counted from 1. Returns the number of shapes."""
+        """Adds a member to the group whose head is shape groupIndex, from 1. Returns the number of shapes."""
         return self._added(self._builder.add_to_group(groupIndex, x, y, type, list(values)), None)
 
     @staticmethod

@@ -1,4 +1,4 @@
-"""The workers of a Dask cluster as what examines the files of a scan."""
+"""The workers of a Dask cluster, which examine the files of a scan."""
 from __future__ import annotations
 
 import secrets
@@ -12,7 +12,7 @@ from ._workers import Died, File, Options, Outcome, Outcomes, examine
 
 
 class Cluster:
-    """The scheduler itself runs a task again elsewhere if its worker ends, some times."""
+    """If a worker ends, the scheduler itself runs its tasks again elsewhere, a limited number of times."""
 
     # A worker may have several tasks when it ends, and all of them are blamed.
     blames_exactly = False
@@ -23,7 +23,7 @@ class Cluster:
         if client.asynchronous:
             raise ValueError("the client is asynchronous: scan() needs one that is not")
         self._client = client
-        # Sent to each worker once for each task, so that a worker that joins later has it too.
+        # Sent with each task, so that a worker that joins later has them, too.
         self._options = options
         self._outcomes = outcomes
         self._run = secrets.token_hex(8)
@@ -62,5 +62,5 @@ class Cluster:
                 return Error("the scheduler was lost, or has cancelled a task of the scan")
             return error
         finally:
-            # The worker frees the results when the last reference goes.
+            # The worker frees the results when the last reference is gone.
             self._futures.pop(key, None)

@@ -1,8 +1,8 @@
 """What torvio does with files: the functions of torvio.h, with their JSON as Python objects.
 
 `file` is the path of a file, or its contents as bytes. `kind` ("sheet", ...) is detected if it is None. `encoding` is
-the code page of the texts in the file. Functions that return what was read of a damaged file do so only with
-damaged=True; without it they raise Error, whose `result` has the same.
+the code page of the texts in the file. Functions that can return what was read of a damaged file do so only with
+damaged=True; without it they raise Error, whose `result` is the same.
 """
 from __future__ import annotations
 
@@ -52,7 +52,7 @@ def check(file: File, kind: Optional[str] = None) -> Dict[str, Any]:
 
 
 def info(file: File, kind: Optional[str] = None, encoding: Optional[str] = None) -> Dict[str, Any]:
-    """What a person wants to know of a file, as `torvio info --json`. Returns for every file."""
+    """What a file contains at a glance, as `torvio info --json`. Returns for every file."""
     return _judged(_core._info(_source(file, kind, encoding)))
 
 
@@ -75,7 +75,7 @@ def to_json(file: Union[File, _core.Record], version: Optional[int] = None, *, k
 
 
 def from_json(document: Union[Dict[str, Any], str, bytes], version: int = 0) -> bytes:
-    """The bytes of the file of such a document, in its version or in another."""
+    """The bytes of a file made from such a document, in its version or in another."""
     if isinstance(document, dict):
         document = json.dumps(document)
     if isinstance(document, str):
@@ -114,7 +114,7 @@ def draw(file: File, *, kind: Optional[str] = None, encoding: Optional[str] = No
 
 def draw_page(files: Iterable[File], title: Optional[str] = None, *, encoding: Optional[str] = None,
               damaged: bool = False) -> str:
-    """The pictures of several files as an HTML page. With damaged=True a file that cannot be drawn has the reason in
+    """The pictures of several files on an HTML page. With damaged=True a file that cannot be drawn has the reason in
     place of its picture."""
     page: bytes = _answer(None, _core._draw_page([_source(file, None, encoding) for file in files], title), damaged)
     return page.decode()
@@ -137,7 +137,7 @@ def diff(a: File, b: File, *, part: Optional[str] = None, tolerance: float = 0, 
 
 
 class NewFile(NamedTuple):
-    """A file that convert() or recover() has made, and what is to be known of it."""
+    """A file that convert() or recover() has made, and the report about it."""
 
     data: bytes
     report: Dict[str, Any]
@@ -145,13 +145,13 @@ class NewFile(NamedTuple):
 
 def convert(file: File, version: int, *, allow_loss: bool = False, kind: Optional[str] = None,
             encoding: Optional[str] = None) -> NewFile:
-    """The file in another version. Raises Refused if something would be lost; allow_loss=True makes it all the
-    same."""
+    """The file in another version. Raises Refused if something would be lost; allow_loss=True makes it
+    nevertheless."""
     return _new_file(file, _core._convert(_source(file, kind, encoding), version, allow_loss))
 
 
 def recover(file: File, *, kind: Optional[str] = None, encoding: Optional[str] = None) -> NewFile:
-    """A file that loads, made of the sound beginning of a damaged one."""
+    """A loadable file, made from the sound beginning of a damaged one."""
     return _new_file(file, _core._recover(_source(file, kind, encoding)))
 
 

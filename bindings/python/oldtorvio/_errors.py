@@ -7,16 +7,16 @@ from typing import Any, Optional
 class Error(Exception):
     """A file that could not be loaded, or a record that could not be saved.
 
-    status   what the library returns: 1 damaged, -1 a version that is refused, -2 not opened or not saved. None if it
-             is none of these
+    status   what the library returns: 1 damaged, -1 a version that is refused, -2 not opened or not saved. None for
+             any other error
     offset   where in the file it is damaged, in bytes from its start, or None
     field    the field there, such as "partList.parts[3].x", or ""
     path     of the file, or None if it was in memory
     kind, version
              of the file, if they are known
-    record   of a damaged file: what was read before the damage, or None
-    result   of a function that returns something else: what it has of a damaged file, or None
-    report   of a refused conversion or recovery: why, as a dict, or None
+    record   for a damaged file: what was read before the damage, or None
+    result   for functions that do not return a record: their result for a damaged file, or None
+    report   for a refused conversion or recovery: why, as a dict, or None
     """
 
     def __init__(self, message: str, *, status: Optional[int] = None, offset: Optional[int] = None, field: str = "",
@@ -39,4 +39,4 @@ class NotRead(Error, OSError):
 
 
 class Refused(Error):
-    """Something that cannot be made of this file, such as a picture of a macro."""
+    """Something that cannot be made from this file, such as a picture of a macro."""

@@ -12,7 +12,7 @@ Data = Union[bytes, bytearray, memoryview]
 
 
 def encoded(path: Path) -> bytes:
-    """The path as the system takes it."""
+    """The path in the form that the system takes."""
     if isinstance(path, (bytes, bytearray, memoryview)):
         raise TypeError("a path is str or os.PathLike; bytes are the contents of a file, see loads()")
     name = os.fsencode(path)

@@ -1,4 +1,4 @@
-"""What examines the files of a scan: a function for any process, and processes of this machine that call it."""
+"""The examination of the files of a scan: a function for any process, and processes of this machine that call it."""
 from __future__ import annotations
 
 import os
@@ -31,7 +31,7 @@ class Options:
 
 
 def examine(options: Options, files: Sequence[File]) -> bytes:
-    """The results of these files. Doing it twice does no harm."""
+    """The results of these files. Examining files twice does no harm."""
     if options.version != _core.__version__:
         raise Error(f"a worker has oldtorvio {_core.__version__}, and the client {options.version}")
     result: bytes = _core._examine(options.core(), list(files))
@@ -39,41 +39,41 @@ def examine(options: Options, files: Sequence[File]) -> bytes:
 
 
 class Died:
-    """In place of results: the process ended before it had them."""
+    """Takes the place of results if the process ended before it had them."""
 
 
 Outcome = Union[bytes, Died, BaseException]
 Outcomes: TypeAlias = "queue.SimpleQueue[Tuple[Any, Outcome]]"
-"""Tasks that are done, with what became of them."""
+"""Tasks that are done, with their outcomes."""
 
 
 class Pool(Protocol):
     """What examines the files of tasks."""
 
     blames_exactly: bool
-    """Whether a task has really ended its worker, and not another one of the same worker."""
+    """Whether a lost task has itself ended its worker; otherwise it may have been another task of that worker."""
     deaths_before_split: int
     deaths_before_end: int
 
     def room(self) -> int:
-        """How many tasks there should be at a time."""
+        """How many tasks should be submitted at a time."""
 
     def submit(self, task: Any, files: Sequence[File]) -> None:
-        """Its outcome is put into a queue."""
+        """Starts a task. Its outcome is put into a queue."""
 
     def close(self) -> None:
         """Ends all work. Outcomes no longer matter."""
 
 
-# Without the working folder among the folders of modules: it may be one of the archive, with any files.
+# Without the working folder in sys.path: it may be a folder of the archive, with any files.
 _PROGRAM = f"import sys; sys.path[:1] = filter(None, sys.path[:1]); from {__name__} import serve; serve()"
 
 
 class Processes:
-    """Processes of this machine, each with one task at a time. One that ends is replaced, and others never notice.
+    """Processes of this machine, each with one task at a time. One that ends is replaced without an effect on others.
 
-    They are new interpreters, which have nothing of this one but its environment: no fork of a process with threads,
-    and nothing of the calling script is run again.
+    They are new interpreters, which inherit only the environment of this one: no process with threads is forked, and
+    nothing of the calling script is run again.
     """
 
     # The process that ended is the one that examined the task.
@@ -134,7 +134,7 @@ class Processes:
         package = str(pathlib.Path(__file__).parent.parent)
         environment["PYTHONPATH"] = os.pathsep.join(filter(None, [package, environment.get("PYTHONPATH")]))
         for _ in range(5):
-            # Ctrl-C of a terminal is for the client.
+            # Ctrl-C in a terminal is for the client, not for its processes.
             process = subprocess.Popen([sys.executable, "-c", _PROGRAM], stdin=subprocess.PIPE,
                                        stdout=subprocess.PIPE, env=environment, start_new_session=True)
             with self._lock:
@@ -146,7 +146,7 @@ class Processes:
                 return process
             code = process.wait()
             self._end(process)
-            # What ends it every time is no signal.
+            # Only a process that was ended by a signal is worth another try.
             if code >= 0 or self._is_closed:
                 break
         raise Error(f"no process of {sys.executable} can be started: exit code {code}")
@@ -184,7 +184,7 @@ def _write(pipe: IO[bytes], data: bytes) -> None:
 
 
 def _read(pipe: IO[bytes]) -> Optional[bytes]:
-    """Nothing if the other process has ended."""
+    """The next message; None if the other process has ended."""
     size = pipe.read(8)
     if len(size) < 8:
         return None

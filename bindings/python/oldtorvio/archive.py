@@ -22,7 +22,7 @@ from ._workers import Died, File, Options, Outcomes, Pool, Processes
 __all__ = ["Row", "Summary", "rows", "scan"]
 
 Row = Dict[str, Any]
-"""What is found out about a file: the object of `torvio check --json`, as a dict."""
+"""The result for a file: the object of `torvio check --json`, as a dict."""
 
 Paths = Union[_paths.Path, Iterable[_paths.Path]]
 
@@ -58,7 +58,7 @@ def scan(paths: Paths, client: Any = None, *, out: Optional[_paths.Path] = None,
     ext          kinds by extension, as in {".nst": "sheet"}
     encoding     the code page of texts in the catalogue
     processes    how many without a client, by default one for each processor
-    batch_bytes  a worker gets files of about so many bytes at a time; that much is done again if it ends
+    batch_bytes  a worker gets files of about this size at a time; that much is done again if it ends
     on_row       is called with the Row of each file
     progress     is called with the Summary after each batch; an exception in it ends the scan
 
@@ -77,7 +77,7 @@ def scan(paths: Paths, client: Any = None, *, out: Optional[_paths.Path] = None,
 def rows(paths: Paths, client: Any = None, *, out: Optional[_paths.Path] = None, kind: Optional[str] = None,
          ext: Optional[Mapping[str, str]] = None, encoding: str = "cp1252", processes: Optional[int] = None,
          batch_bytes: int = BATCH_BYTES) -> Iterator[Row]:
-    """The same as an iterator over the rows. What is not asked for is not examined, but for some batches in advance:
+    """The same as an iterator over the rows. Files are examined only as rows are read, with some batches in advance:
     the run of a catalogue is only complete if the iterator is read to its end."""
     for results in _scan(Summary(), paths, client, out, kind, ext, encoding, processes, batch_bytes, True):
         yield from results
@@ -85,7 +85,7 @@ def rows(paths: Paths, client: Any = None, *, out: Optional[_paths.Path] = None,
 
 @dataclasses.dataclass(eq=False)
 class _Task:
-    """Files for one worker, and what became of them."""
+    """Files for one worker, and their results."""
 
     files: List[File]
     ready: Any = None
@@ -95,9 +95,9 @@ class _Task:
     is_alone: bool = False
 
 
-# A task that ends its worker is split into so many: few steps lead to the file that does it.
+# A task that ends its worker is split into this many: a few steps lead to the file that does it.
 _PIECES = 8
-# Results that wait for those of an earlier task.
+# Limits on results that wait for those of an earlier task.
 _MOST_WAITING_BYTES = 64 << 20
 _MOST_WAITING_TASKS = 1000
 
@@ -157,7 +157,7 @@ def _roots(paths: Paths) -> List[bytes]:
 
 
 def _checked(out: Any, call: Callable[[], Any]) -> Any:
-    """A catalogue that cannot be opened, read or written is an Error."""
+    """Raises Error if a catalogue cannot be opened, read or written."""
     try:
         return call()
     except RuntimeError as error:

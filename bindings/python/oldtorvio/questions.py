@@ -1,8 +1,8 @@
 """The queries of the library that take the path of a file, under their names in OldTorvIO.h.
 
 Each loads the file, copies the results out and discards the rest. load() returns everything at once; these
-return single answers, in the same words as the C functions. Texts are bytes. All raise Error with the status
-of the library if it is not 0; what the library would end the process for is an Error as well.
+return single values, in the form of the C functions. Texts are bytes. All raise Error with the status of the
+library if it is not 0; what would make the library end the process is an Error, too.
 """
 from __future__ import annotations
 
@@ -11,7 +11,7 @@ from typing import Any, List, NamedTuple, Tuple
 from . import _core, _paths
 from ._errors import Error, NotRead
 
-_REASONS = {1: "the file is damaged, or the question is not known",
+_REASONS = {1: "the file is damaged, or the key is unknown",
             -1: "a version that this kind of file does not have", -2: "cannot be opened"}
 
 
@@ -90,7 +90,7 @@ class SpecialToolInfo(NamedTuple):
 
 
 def OpenSpecialToolFile(path: _paths.Path) -> SpecialToolInfo:
-    """A special tool and its shapes. Of a file without shapes, those of the special tool before it."""
+    """A special tool and its shapes. For a file without shapes, those of the previous special tool."""
     shapes, *rest = _asked(path, _core._OpenSpecialToolFile(_paths.encoded(path)))
     return SpecialToolInfo([SpecialToolShape(*shape) for shape in shapes], *rest)
 
@@ -117,7 +117,7 @@ class MachineInformation(NamedTuple):
 
 
 def LoadOldMachineInformation(path: _paths.Path) -> MachineInformation:
-    """Kind, size, texts and stations of a machine. Of a damaged file everything is 0."""
+    """Kind, size, texts and stations of a machine. For a damaged file everything is 0."""
     return MachineInformation(*_asked(path, _core._LoadOldMachineInformation(_paths.encoded(path))))
 
 

@@ -1,4 +1,4 @@
-// The Python classes: one for each record, made at import of what Type says of it, one for arrays and one for lists.
+// The Python classes: one for each record, made at import from its Type, one for arrays and one for lists.
 #pragma once
 #include <pybind11/pybind11.h>
 #include <structmember.h>
@@ -18,7 +18,7 @@ void addClasses(py::module_& module);
 // Array and List, see sequences.cpp.
 void addSequenceClasses(py::module_& module);
 PyTypeObject* sequenceClass(Form form);
-// What the classes of all views have. Their objects never get another class: it would find other members.
+// The flags of the classes of all views. Their objects never change their class: it would have other members.
 inline constexpr unsigned kClassFlags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_IMMUTABLETYPE;
 extern PyMemberDef weakReferences[];
 template <class Function>
@@ -37,12 +37,12 @@ bool isOfClass(PyObject* object, const Type& type);
 // The view of a record, array or list; throws TypeError for any other object.
 View* viewIn(PyObject* object, const char* wanted = "a record, array or list");
 View* recordIn(PyObject* object);
-// The name of its class without the module.
+// The name of the class of an object, without the module.
 std::string classNameOf(PyObject* object);
-// The kind of file that this record is the record of.
+// The kind of file whose record this is, if it is one.
 std::optional<frame::FileKind> kindOf(const Type& type);
 
-// Short texts for people: of a value, of what a view is ("4 Shape").
+// Short texts for people: of a value, or of a view ("4 Shape").
 std::string described(const Type& type, const void* at);
 
 }  // namespace oldtorvio::python

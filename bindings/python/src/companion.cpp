@@ -1,5 +1,5 @@
-// The functions of torvio.h. Each returns (status, result or None, message, field, offset or None), and what it has
-// besides after these.
+// The functions of torvio.h. Each returns (status, result or None, message, field, offset or None), followed by its
+// other outputs.
 #include <pybind11/stl.h>
 
 #include <cstring>

@@ -108,7 +108,7 @@ void storeBlock(const Type& type, void* address, PyObject* object, const Subject
   std::memset(static_cast<std::byte*>(address) + bytes.size(), 0, type.count - bytes.size());
 }
 
-// The elements of any iterable but a text, which may be longer than anybody wants.
+// The elements of any iterable except str and bytes, which are hardly ever meant as sequences.
 py::object elementsOf(PyObject* object, const Subject& subject) {
   if (PyUnicode_Check(object) || PyBytes_Check(object))
     raise(PyExc_TypeError, subject.text() + " needs a sequence, not " + classNameOf(object));
@@ -131,7 +131,7 @@ Subject elementOf(Subject subject, std::size_t i) {
   return subject;
 }
 
-// Of a plain type. A failure may leave a part of the value.
+// Stores a value of a plain type. A failure may leave a part of the value.
 void storePlain(const Type& type, void* address, PyObject* object, const Subject& subject) {
   if (type.form <= Form::uint32) return storeInteger(type.form, address, object, subject);
   if (values::isNumber(type.form)) return storeReal(type.form, address, object, subject);

@@ -13,7 +13,7 @@ struct Subject {
   std::string text() const;
 };
 
-// Of a type that is no view. Returns a new reference, or throws.
+// The Python value of a type that is not a view. Returns a new reference, or throws.
 PyObject* toPython(const Type& type, const void* at);
 
 // A Python object converted to a value of that type, before it takes its place: the conversion may run Python code.
@@ -22,20 +22,20 @@ class Converted {
   Converted(const Type& type, PyObject* object, const Subject& subject);
   Converted(Converted&&) = default;
 
-  // Runs no Python code and takes no memory, except for elements of lazy arrays.
+  // Runs no Python code and allocates no memory, except for elements of lazy arrays.
   void moveTo(void* at);
 
  private:
   void convertElements(PyObject* object, const Subject& subject);
 
   const Type* type_;
-  std::unique_ptr<std::byte[]> block_;  // of a value without memory of its own
+  std::unique_ptr<std::byte[]> block_;  // of a value that owns no memory
   std::byte number_[8] = {};
   std::shared_ptr<void> value_;      // of any other
   std::vector<Converted> elements_;  // of an array, element by element
 };
 
-// The bytes of a bytes-like object. What is called while they are in use must not run Python code.
+// The bytes of a bytes-like object. Code that runs while they are in use must not run Python code.
 class BytesLike {
  public:
   BytesLike(PyObject* object, const Subject& subject);
@@ -50,7 +50,7 @@ class BytesLike {
   Py_buffer buffer_{};
 };
 
-// Whether the value is in its own bytes completely: numbers, fixed texts, blocks, and arrays and pairs of these.
+// Whether a value consists only of its own bytes: numbers, fixed texts, blocks, and arrays and pairs of these.
 bool isPlain(const Type& type);
 
 }  // namespace oldtorvio::python

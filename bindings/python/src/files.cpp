@@ -1,4 +1,4 @@
-// Loads and saves. All of the work on files is done without the GIL.
+// Loads and saves. All work on files is done without the GIL.
 #include <pybind11/stl.h>
 
 #if defined(__linux__)
@@ -32,8 +32,8 @@ namespace {
 using frame::FileKind;
 using Bytes = std::span<const std::byte>;
 
-// The contents of a file. Those of a large file take huge pages on Linux: half of the time of the read goes to page
-// faults without them.
+// The contents of a file. Large files are read into huge pages on Linux: without them, half of the time of the read
+// goes to page faults.
 class Contents {
  public:
   explicit Contents(const std::string& path) {
@@ -52,7 +52,7 @@ class Contents {
       return S_ISREG(about.st_mode) && about.st_size >= static_cast<off_t>(2 * kHugePage) &&
              static_cast<std::uint64_t>(about.st_size) <= explain::FileContent::kLargestMiB << 20U;
     };
-    // Before it is opened: a pipe must be opened only once.
+    // Checked before the file is opened: a pipe must be opened only once.
     if (::stat(path.c_str(), &about) != 0 || !isLarge()) return false;
     struct Close {
       int file;
@@ -114,7 +114,7 @@ void loadAs(Loaded& loaded, Bytes bytes, FileKind kind, std::string_view path) {
 }
 
 void loadBytes(Loaded& loaded, Bytes bytes, std::optional<FileKind> kind, const std::string& path) {
-  // As archive::judge, which would walk the file once more: without contents it only knows the extension.
+  // Not archive::judge with the contents, which would walk the file once more: here it sees only the extension.
   if (!kind) kind = archive::judge(path, {}, {}).kind;
   if (!kind) kind = archive::likeliestKind(bytes);
   if (kind) return loadAs(loaded, bytes, *kind, path);
@@ -123,7 +123,7 @@ void loadBytes(Loaded& loaded, Bytes bytes, std::optional<FileKind> kind, const 
   loaded.reason = "not a file of a known kind";
 }
 
-// A load of the library reads a sound file piece by piece. Whether it was done.
+// A load of the library, which reads a sound file piece by piece. Returns whether it succeeded.
 bool loadSound(Loaded& loaded, FileKind kind, const std::string& path) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) return false;  // a pipe can be read only once
@@ -189,7 +189,7 @@ FileKind savedKindOf(const View* view) {
 // (bytes, status, reason)
 py::tuple dumps(const py::object& object, int version) {
   View* const view = recordIn(object.ptr());
-  // A save may use the record, but does not own it.
+  // The save uses the record without owning it.
   const values::JsonRecord record{savedKindOf(view), version, "", {std::shared_ptr<void>(), writable(view)}, ""};
   const Busy busy(view);
   codec::OutStream stream;

@@ -9,7 +9,7 @@
 namespace oldtorvio::python {
 
 void pack(std::string& to, const Type& type, const void* at);
-// Raises ValueError for bytes that pack() has not made of such a value.
+// Raises ValueError for bytes that pack() has not made from such a value.
 void unpack(std::string_view from, const Type& type, void* at);
 
 }  // namespace oldtorvio::python

@@ -1,5 +1,5 @@
-// The part builder as an object. The library has one for the process, so every object remembers what was added to it,
-// and adds that again when another one has used the library's in between.
+// The part builder as an object. The library has one per process, so every object remembers what was added to it, and
+// adds that again if another object has used the builder of the library in between.
 #include <pybind11/stl.h>
 
 #include <array>
@@ -27,13 +27,13 @@ using Values = std::vector<float>;
 
 const char* textOrNull(const Text& text) { return text ? text->c_str() : nullptr; }
 
-// What follows would end the process.
+// Raises an exception for texts that would end the process.
 void checkText(const char* name, const Text& text, std::size_t longest) {
   if (text && text->size() > longest)
     raise(PyExc_ValueError, std::string(name) + " has at most " + std::to_string(longest) + " bytes");
   if (text && text->find('\0') != std::string::npos) raise(PyExc_ValueError, std::string(name) + " contains a NUL");
 }
-// Of a file of a special tool: the folder is configured.
+// The same for the path of the file of a special tool, which begins with the configured folder.
 void checkTool(const std::string& name, std::size_t longest) {
   constexpr std::size_t kSeparatorAndExtension = 5;
   checkText("toolName", name, longest);
@@ -109,7 +109,7 @@ class PartBuilder {
     return bits;
   }
 
-  // Calls body while the library's builder has everything that was added to this one.
+  // Calls body while the builder of the library has everything that was added to this one.
   template <class Body>
   std::invoke_result_t<Body> alone(const Body& body) {
     const py::gil_scoped_release released;
@@ -132,7 +132,7 @@ class PartBuilder {
     });
   }
 
-  static inline const PartBuilder* current = nullptr;  // whose part the library has
+  static inline const PartBuilder* current = nullptr;  // the object whose part the library has
 
   std::vector<Step> steps_;
   std::int32_t shapeCount_ = 0;

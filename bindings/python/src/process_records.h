@@ -1,5 +1,5 @@
-// The library keeps the part builder and the records that some queries load once for the process: one thread at a time
-// may use them. Lock this without the GIL, which another thread may need to go on.
+// The library has the part builder and the records that some queries load once per process: one thread at a time may
+// use them. Lock this without the GIL, which another thread may need to continue.
 #pragma once
 #include <mutex>
 

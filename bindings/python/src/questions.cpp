@@ -1,5 +1,5 @@
-// The queries of OldTorvIO.h that take a path, and those of a loaded sheet. Each returns (status, outputs...); texts are
-// bytes. oldtorvio/questions.py names the outputs.
+// The queries of OldTorvIO.h that take a path, and those of a loaded sheet. Each returns (status, outputs...); texts
+// are bytes. oldtorvio/questions.py names the outputs.
 #include <pybind11/stl.h>
 
 #include <algorithm>
@@ -32,13 +32,13 @@ py::tuple tupleOf(const Numbers& numbers, std::size_t count) {
   return tuple;
 }
 
-// Without the GIL.
+// Calls a query without the GIL.
 template <class Ask>
 std::int64_t asked(const Ask& ask) {
   const py::gil_scoped_release released;
   return ask();
 }
-// One that uses a record of the process.
+// Calls a query that uses a record of the process.
 template <class Ask>
 std::int64_t askedAlone(const Ask& ask) {
   const py::gil_scoped_release released;

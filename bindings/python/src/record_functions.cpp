@@ -1,5 +1,5 @@
-// Functions of records that have no place among their attributes: fixed texts as they are stored, code pages, pickles,
-// and the table that type stubs are made of.
+// Functions for records that are not attributes: fixed texts as they are stored, code pages, pickles, and the table
+// from which type stubs are made.
 #include <algorithm>
 #include <cstring>
 #include <optional>

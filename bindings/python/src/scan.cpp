@@ -1,4 +1,4 @@
-// Archives: files in portions, their results as bytes for other processes, and the catalogue.
+// Archives: files in batches, their results as bytes for other processes, and the catalogue.
 #include <pybind11/stl.h>
 
 #include <cstdint>
@@ -94,7 +94,7 @@ py::bytes examined(const Options& options, const Names& names) {
   return packed;
 }
 
-// Of a file that could not be examined for a reason outside it.
+// The result for a file that could not be examined for a reason outside the file.
 py::bytes notExamined(const std::string& path, bool isNamed, const std::string& reason) {
   FileResult result = archive::measure({path, isNamed, {}, false});
   result.error = reason;
@@ -141,7 +141,7 @@ void addScan(py::module_& module) {
 
   py::class_<Catalogue>(module, "_Catalogue")
       .def(py::init<const std::string&, const Options&>(), py::call_guard<py::gil_scoped_release>())
-      // Takes the results away. Folders that could not be read have no row.
+      // Takes the results over. Folders that could not be read have no row.
       .def(
           "add",
           [](Catalogue& catalogue, Results& results) {

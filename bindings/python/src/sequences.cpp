@@ -1,4 +1,4 @@
-// Arrays, which have a fixed length, and lists. Both convert an element when it is asked for.
+// Arrays, which have a fixed length, and lists. Both convert an element when it is accessed.
 #include <algorithm>
 #include <array>
 
@@ -11,7 +11,7 @@ namespace {
 PyTypeObject* arrayClass = nullptr;
 PyTypeObject* listClass = nullptr;
 
-// A message names the elements; which member it is, the view does not know when it is an element itself.
+// A message names the elements of a member; a view that is an element itself does not know its member.
 Subject subjectOf(const View* view, std::size_t i) {
   const auto index = static_cast<Py_ssize_t>(i);
   if (view->parent != nullptr && view->parent->type->form == Form::record)
@@ -34,7 +34,7 @@ void* elementToWrite(const Type& type, void* at, std::size_t i) {
   return const_cast<void*>(elementAt(type, at, i));
 }
 
-// The element, which exists.
+// The element, which must exist.
 PyObject* get(View* view, std::size_t i) {
   const Type& element = *view->type->element;
   if (isView(element)) return viewOf(view, i, element).release().ptr();
@@ -70,7 +70,7 @@ std::vector<std::size_t> indicesOf(View* view, PyObject* slice) {
 
 // ---- changes -----------------------------------------------------------------------------------------
 
-// The element at that place becomes another. In a list, a view of the old one keeps the old one.
+// Replaces an element. In a list, a view of the old element keeps it.
 void set(View* view, std::size_t i, Converted& value) {
   void* const at = writable(view);
   if (view->type->form == Form::list && i >= view->type->length(at)) raise(PyExc_IndexError, "index out of range");
@@ -85,7 +85,7 @@ void set(View* view, std::size_t i, Converted& value) {
   value.moveTo(element);
 }
 
-// Sorted indices of elements, each once, which all exist.
+// Removes elements by their indices, which must exist and be sorted and unique.
 void removeElements(View* list, const std::vector<std::size_t>& indices) {
   if (indices.empty()) return;
   const Type& type = *list->type;
@@ -341,7 +341,7 @@ PyObject* extend(PyObject* self, PyObject* elements) {
     View* const list = asView(self);
     const Type& type = *list->type;
     if (Py_TYPE(elements) == listClass && asView(elements)->type == &type) {
-      // No view for each element, and the list may be the same.
+      // Creates no view for each element; the list may be the same.
       const std::shared_ptr<void> copies = type.make();
       type.assign(copies.get(), readable(asView(elements)));
       insertElements(list, SIZE_MAX, type.length(copies.get()),

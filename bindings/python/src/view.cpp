@@ -116,7 +116,7 @@ void endView(PyObject* self) {
   View* const view = asView(self);
   PyTypeObject* const pythonClass = Py_TYPE(self);
   View* const parent = view->parent;
-  // First of all: what follows may run Python code, which must not find this view any more.
+  // Done first: what follows may run Python code, which must not find this view any more.
   if (parent != nullptr) parent->children.erase(view->place);
   if (view->weakReferences != nullptr) PyObject_ClearWeakRefs(self);
   std::destroy_at(&view->children);

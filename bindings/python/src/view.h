@@ -2,12 +2,12 @@
 //
 // A View is a place: a member of the record of another view, an element of its array or list, or a record of its own.
 // It keeps its parent alive, and every access computes the address from the top, so that no address outlives a list
-// that grows. At most one view of a place exists. That lets a list say to the views of its elements what becomes of
-// them: they move with their element, and one whose element is removed or replaced takes the element along as a record
-// of its own.
+// that grows. At most one view of a place exists, so that a list can update the views of its elements: they move with
+// their element, and a view whose element is removed or replaced takes the element along and becomes the view of a
+// separate record.
 //
 // All functions need the GIL unless they say otherwise. No address of a value may be kept across a call that can run
-// Python code, which may change the record: convert first, ask for the address afterwards.
+// Python code, which may change the record: convert first, get the address afterwards.
 #pragma once
 #include <pybind11/pybind11.h>
 
@@ -30,15 +30,15 @@ using values::TypeMember;
 struct View {
   PyObject head;
   const Type* type;
-  View* parent;                                     // null if the value is its own
+  View* parent;                                     // null if the view owns its value
   std::size_t place;                                // offset of a member, index of an element
   std::unordered_map<std::size_t, View*> children;  // by place; a child removes itself when it ends
-  std::shared_ptr<void> storage;                    // of a value of its own
+  std::shared_ptr<void> storage;                    // of the value, if the view owns it
   PyObject* weakReferences;
-  bool isBusy;  // a value of its own that a thread reads without the GIL
+  bool isBusy;  // a thread reads the value, which the view owns, without the GIL
 };
 
-// The view of a new value of its own. Both throw py::error_already_set.
+// A view that owns a new value. Both functions throw py::error_already_set.
 py::object viewOf(const Type& type, std::shared_ptr<void> value);
 // The view of that place, which may exist already.
 py::object viewOf(View* parent, std::size_t place, const Type& type);
@@ -49,11 +49,11 @@ void endView(PyObject* self);
 bool isView(const Type& type);
 inline View* asView(PyObject* object) { return reinterpret_cast<View*>(object); }
 
-// Where the value is. The first is for reading only: it takes no memory for elements of lazy arrays. Both wait while
+// The address of the value. The first is for reading only: it allocates no elements of lazy arrays. Both wait while
 // another thread reads the record without the GIL, and throw py::error_already_set.
 const void* readable(View* view);
 void* writable(View* view);
-// Of two at once.
+// The addresses of two values at once.
 std::pair<const void*, const void*> bothReadable(View* one, View* other);
 
 // Keeps all Python threads from the record while a function uses it without the GIL.
@@ -72,13 +72,13 @@ class Busy {
 // fails, nothing has changed. Unreferenced views end with it, which may run Python code.
 class Detachment {
  public:
-  // The views of the elements of a list for whose place that returns true.
+  // Adds the views of the elements of a list for whose place isRemoved returns true.
   template <class IsRemoved>
   void addElements(View* list, const IsRemoved& isRemoved) {
     for (const auto& [place, child] : list->children)
       if (isRemoved(place)) add(child);
   }
-  // The views of elements of all lists in that value.
+  // Adds the views of the elements of all lists in that value.
   void addAllIn(View* view);
   void commit();
 
@@ -88,12 +88,12 @@ class Detachment {
   struct Pending {
     py::object view;
     std::shared_ptr<void> storage;
-    py::object parent;  // that the view had
+    py::object parent;  // the former parent of the view
   };
   std::vector<Pending> pending_;
 };
 
-// The views of the elements of a list get other places. It allocates first, as Detachment does.
+// Gives the views of the elements of a list other places. It allocates first, as Detachment does.
 class Move {
  public:
   // placeOf(place) is the new place of an element, or kGone.

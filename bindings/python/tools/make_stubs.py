@@ -72,7 +72,7 @@ def annotation(form):
 
 
 def comment(form):
-    """What the annotation does not say."""
+    """A remark on what the annotation does not say."""
     name = form[0]
     if name in ("fixedText", "bytes"):
         return f"  # {form[1]} bytes"
@@ -89,7 +89,7 @@ def stub():
         for member, form, _ in members:
             text += f"    {member}: {annotation(form)}{comment(form)}\n"
         text += "    def __init__(self, **members: Any) -> None: ...\n"
-    # What the modules of the package call.
+    # The functions that the modules of the package call.
     for name in sorted(vars(core)):
         if name.startswith("_") and not name.startswith("__") and callable(getattr(core, name)):
             text += f"\ndef {name}(*arguments: Any) -> Any: ..." if name.islower() or name[1:2].isupper() else ""

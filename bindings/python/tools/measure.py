@@ -1,8 +1,8 @@
 """Measures loads and attributes of the package on a sheet of 50 MB: measure.py BUILD NEST [RUNS]
 
-BUILD is the build folder with libOldTorvIO.so, NEST a sheet to make the large one of (example_nest makes
+BUILD is the build folder with libOldTorvIO.so, NEST a sheet from which to make the large one (example_nest makes
 nest_180.sheet). The package is in PYTHONPATH. Every time is processor time, the shortest of RUNS (default 9); the
-loads take turns, so that what else the machine does affects all of them alike. "C++" is LoadOldSheet of the shared
+loads take turns, so that other work of the machine affects all of them alike. "C++" is LoadOldSheet of the shared
 library into a new sheet.
 """
 import ctypes

@@ -5,7 +5,7 @@ usage: measure_scan.py BUILD_FOLDER NESTS_FOLDER [WORKERS ...] [--dask | --steps
 --dask leaves out what is not Dask. --steps measures the steps of a scan one by one instead, on 5,000 of the files.
 
 
-NESTS_FOLDER has the files *.nst that tests/torvio/check_speed.py makes. Each number of workers (1, 2 and 4 without any)
+NESTS_FOLDER has the files *.nst that tests/torvio/check_speed.py makes. Each number of workers (by default 1, 2 and 4)
 is measured with processes of this machine and, if distributed is installed, with workers of a Dask cluster on it, which
 has started before; and for comparison with as many threads of torvio check. All catalogues are new. The files are read
 once before, so that all runs find them in the file cache.

@@ -8,8 +8,8 @@
 //     }
 //   };
 //
-// `&&` is the stop rule: after a failure nothing more is evaluated. Fields read so far stay, the rest keep what
-// they held. Where a verb takes FIELDS(...) it also takes a lambda with a chain of its own.
+// `&&` is the stop rule: after a failure nothing more is evaluated. Fields read so far keep their new values, the rest
+// their old ones. Where a verb takes FIELDS(...) it also takes a lambda with a chain of its own.
 //
 // Fields
 //   fields(FIELDS(a, b))            stored in this order
@@ -25,7 +25,7 @@
 //                                   leaves s as it is
 //   lengthText(FIELDS(s), n)        the same, but a length below 1 empties s and one above n is refused
 //   textItem<256>(FIELDS(s))        a string stored as a fixed text
-//   reserved(499)                   fill bytes: dropped by readers, zeros from a writer
+//   reserved(499)                   fill bytes: dropped by readers, stored as zeros by writers
 //   padded(500, chain)              the chain, then fill bytes until both take 500
 // leading, reserved and rows also take a computed("as many as the type has", n), for a number that no field holds.
 // Single fields may be stored in another form: as<T>(a), block(a, b), nonZero(a), see item.h.
@@ -50,12 +50,12 @@
 // Records and lists. Further arguments go to the description of the element.
 //   record(FIELDS(r))               an embedded record
 //   list(FIELDS(v), rule)           elements by a rule, see "List rules" below
-//   list(FIELDS(v, w), rule)        elements of v and w in turns; v keeps one whose w failed
+//   list(FIELDS(v, w), rule)        elements of v and w alternately; v keeps one whose w failed
 //   list(FIELDS(view), rule)        rows of parallel columns
 //   clear(FIELDS(v))                a reader empties the list here
 //   rows(n, [&](auto i) {...})      n rows of arrays, in place
 //   element(FIELDS(v), i, chain)    readers only: the chain is described as entry i of v
-//   trailer(FIELDS(v), &R::member)  one number for each element that the list holds
+//   trailer(FIELDS(v), &R::member)  one number for each element of the list in memory
 #pragma once
 #include <array>
 #include <cstddef>
@@ -76,7 +76,7 @@ struct Fields {
   [[no_unique_address]] Names names;
   std::tuple<T...> members;
 
-  // The only member of a FIELDS(...) that names one.
+  // The member of a FIELDS(...) that names exactly one.
   auto& only() const {
     static_assert(sizeof...(T) == 1, "this verb takes one member");
     return std::get<0>(members);
@@ -100,8 +100,8 @@ inline constexpr bool kIsFields<Fields<Names, T...>> = true;
 //   within(FIELDS(a), 1, GrownLimit{6, 110, 4}, version)    the highest is 6, below version 110 it is 4
 //   inRanges(FIELDS(a), Range{52, 52}, Range{60, 502})
 //   decided(condition, holds)                the comparison is printed, but a writer has a rule of its own
-//   custom("in a sheet", holds)              no comparison: what it depends on is no field
-//   chosen(holds)                            decided by the place of the record: each place has a table of its own
+//   custom("in a sheet", holds)              not a comparison: it does not depend on a field
+//   chosen(holds)                            decided by where the record is embedded: each place has its own table
 
 enum class Test : std::uint8_t { equals, notEquals, above, atLeast, atMost, within, withinGrown, oneOf, inRanges };
 
@@ -206,8 +206,8 @@ constexpr Computed<T> computed(const char* text, T number) {
   return {text, number};
 }
 
-// ---- Defaults: what a reader sets fields to that the version does not store. One for each field, or one for all.
-// A text takes otherwise("") or another text; the bytes after the NUL stay. All numbers of an array take the same.
+// ---- Defaults: the values that a reader gives to fields that the version does not store. One for each field, or one
+// for all. A text takes otherwise("") or another text; bytes after the NUL stay. All numbers of an array get the same.
 
 template <class... T>
 struct Otherwise {
@@ -235,8 +235,8 @@ enum class Clear : std::uint8_t {
 };
 enum class Failing : std::uint8_t {
   dropped,   // it is not kept, and the walk fails
-  reused,    // the same, and all elements are read into one object: what one does not set it has from the last
-  kept,      // it is kept as far as it was read, and the walk goes on; of those without a byte at most 1024 are kept
+  reused,    // the same, and all elements are read into one object: a field that one does not set keeps its last value
+  kept,      // it is kept as far as it was read, and the walk goes on; at most 1024 that consumed no byte are kept
   inverted,  // it is kept, and the walk goes on; an element that can be read completely ends the list as a failure
              // and is dropped. A writer begins with the second element, fails after the first that it could store
              // completely, and ends the process when it has none left
@@ -247,7 +247,7 @@ struct ListRule {
   static constexpr CountFrom kCount = kFrom;
   static constexpr Clear kClear = kClearRule;
   static constexpr Failing kFailing = kFailingRule;
-  std::int64_t count = kFrom == CountFrom::one ? 1 : 0;  // of readers: writers store the elements that there are
+  std::int64_t count = kFrom == CountFrom::one ? 1 : 0;  // for readers: writers store all elements of the list
 };
 
 inline constexpr ListRule<CountFrom::file, Clear::unlessZero, Failing::dropped> kCountFirst;
@@ -334,8 +334,8 @@ class Gates {
   int version_;
 };
 
-// Where a layout distinguishes reading from writing: what it says for reading. A base of walkers that read, or that look
-// at a layout as a reader does.
+// The verbs with which a layout distinguishes reading from writing, as readers understand them. A base class of walkers
+// that read, or that see a layout as a reader does.
 template <class Self>
 class ReadingSide {
  public:

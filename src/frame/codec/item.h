@@ -1,6 +1,6 @@
 // The stored forms of single fields: little-endian whatever the host, floats as bits.
 //
-// Nothing in here knows about versions, names or records.
+// Nothing here knows about versions, names or records.
 #pragma once
 #include <array>
 #include <bit>
@@ -33,7 +33,7 @@ constexpr Block<T...> block(T&... members) {
   return {{members...}};
 }
 
-// A number of which a stored 0 leaves the member as it is.
+// A number that, if stored as 0, leaves the member unchanged.
 template <class T>
 struct NonZero {
   T& member;
@@ -80,8 +80,8 @@ Bits littleEndian(Bits bits) {
   }
 }
 
-// Item<T>: width in the file, and how one item moves. A text and a byte block are one item; a row
-// of numbers is one item a number.
+// Item<T>: its width in the file, and how to load and store it. A text or a byte block is one item; a row
+// of numbers is one item for each number.
 template <class T>
 struct Item;
 

@@ -5,10 +5,10 @@
 
 namespace oldtorvio::codec {
 
-// The quick way through one small element: its place in the file is a local, which stays in a
-// register, where a place in the stream would go through memory after every run of fields. It knows
-// success only. Anything else (the window ends, a value is refused) is left to the reader, which
-// starts the element again.
+// The fast path through one small element: its position is a local variable, which stays in a
+// register, while the position of the stream would go through memory after every run of fields. It
+// handles only success. Anything else (the window ends, a value is refused) is left to the reader,
+// which starts the element again.
 class FastReader : public Reading<FastReader> {
  public:
   FastReader(const std::byte* at, const std::byte* end, int version) : Reading(version), at_(at), end_(end) {}
@@ -43,7 +43,7 @@ class FastReader : public Reading<FastReader> {
   }
 
  private:
-  // Not as a short read: a tail must not forgive what the window, not the file, is short of.
+  // Not as a short read: an optional tail must not forgive that the window ends before the file.
   bool missed() { return refuseSilently(); }
 
   const std::byte* at_;
@@ -59,8 +59,8 @@ class Reader : public Reading<Reader> {
     in_.noteForgiven();
   }
 
-  // A run of fields is checked once against what is there; only one that does not fit goes field by
-  // field, so that exactly the complete fields are set.
+  // A run of fields is checked once against the bytes that are left; only one that does not fit is read
+  // field by field, so that exactly the complete fields are set.
   template <class Names, class... T>
   [[nodiscard]] bool fields(const Fields<Names, T...>& f) {
     constexpr std::size_t kTotal = (wire::ItemOf<T>::kWidth + ...);
@@ -91,7 +91,7 @@ class Reader : public Reading<Reader> {
   [[nodiscard]] bool indexed(const Names&, std::size_t, M& member) {
     return one(member);
   }
-  // As fields: checked once, and entry by entry only where not all of it is there.
+  // Like fields(): checked once, and read entry by entry only if some of it is missing.
   template <class Stored = void, class X>
   [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
     auto& all = x.only();
@@ -135,7 +135,7 @@ class Reader : public Reading<Reader> {
   }
 
  private:
-  // The list has room for what can be there.
+  // The list has room for every element that the file can hold.
   template <class V, class... A>
   [[gnu::flatten]] std::int64_t readRunFast(V& list, std::int64_t count, const A&... more) {
     const auto window = in_.window();
@@ -175,7 +175,7 @@ class Reader : public Reading<Reader> {
       return true;
     }
   }
-  // A read that cannot be met eats what is left, as a buffered file read does.
+  // A read that cannot be met consumes what is left, as a buffered file read does.
   bool endsHere() {
     in_.toEnd();
     return fellShort();

@@ -2,13 +2,13 @@
 //   fields(FIELDS)        reads fields, one by one as far as they are there
 //   fieldOf(names, i, m)  reads one field, which has the name at position i
 //   indexed(names, i, m)  reads one field, entry i of the array of that name
-//   numbers(names, row, n)  reads the first n numbers of an array; those that are there are kept
+//   numbers(names, row, n)  reads the first n numbers of an array; after a short read, keeps the complete ones
 //   sizedField(names, field, n)  reads the first n bytes of a fixed field, as one item
 //   text(string, n)       appends n bytes or nothing
 //   drop(n)               skips reserved bytes
 //   left()                bytes up to the end of the file
-//   has(n)                whether n more bytes are there
-//   position()            bytes since the beginning
+//   has(n)                whether n more bytes are left
+//   position()            bytes from the beginning of the file
 // and may hide the hooks at the end, to follow the walk.
 #pragma once
 #include <algorithm>
@@ -101,7 +101,7 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
     return chain() && self().drop(size - static_cast<std::size_t>(self().position() - from));
   }
 
-  // Each entry is stored as a Stored, or as what it is.
+  // Each entry is stored as a Stored, or by default in its own type.
   template <class Stored = void, class X>
   [[nodiscard]] bool slice(const X& x, std::size_t first, std::size_t last) {
     for (std::size_t i = first; i <= last; ++i) {
@@ -152,7 +152,7 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
     return true;
   }
 
-  // One record. Where an optional tail ended it, it is complete as well.
+  // One record. It is also complete if an optional tail ended it.
   template <class R, class... A>
   [[nodiscard]] bool walk(R& record, const A&... more) {
     if (Layout<R>::describe(self(), record, more...)) return true;
@@ -234,12 +234,12 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
   void enter(const Names&, std::int64_t /*index*/ = -1, std::size_t /*list*/ = 0) {}
   void leave() {}
   void atRow(std::int64_t) {}
-  // A walker may know a quicker way through elements: appends as many of `count` as it can that way.
+  // A walker may have a faster way through elements: appends as many of `count` as it can that way.
   template <class V, class... A>
   std::int64_t quickRun(V&, std::int64_t /*count*/, const A&...) {
     return 0;
   }
-  // The same for one element, which is at its defaults.
+  // The same for one element, which has its default values.
   template <class R, class... A>
   bool freshElement(R& element, const A&... more) {
     return walk(element, more...);
@@ -281,7 +281,7 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
   }
 
  private:
-  // Every element consumes bytes of the file but for these.
+  // How many elements may be kept that consume no bytes of the file.
   static constexpr int kMostEmptyElements = 1024;
 
   template <class X>
@@ -397,8 +397,8 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
     else
       return Layout<Element>::kMinStoredSize;
   }
-  // A count is what the file claims; what is left of the file bounds what it can hold, and one more that
-  // it holds in part: without a place of its own that one would double the list.
+  // A count is only a claim; the bytes that are left limit how many elements there can be. One more may be there
+  // in part: without room for it, it would double the list.
   std::size_t roomFor(std::int64_t count, std::size_t least) {
     const std::uint64_t most = self().left() / least + 1;
     return static_cast<std::size_t>(std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0)), most));
@@ -413,13 +413,13 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
   }
 
   // A list whose elements contain lists, while one of these is read. If a file claims more for an inner list and the
-  // elements after it than it contains, the memory of both would add up: so the outer list releases its own. The
+  // elements after it than it contains, the memory of both would add up: so the outer list releases its spare room. The
   // element that is being read is not part of its list until it is complete.
   struct Holders {
     Holders* around;
-    std::uint64_t claimed;  // bytes that the elements after the present one take at least
+    std::uint64_t claimed;  // the least number of bytes that the elements after the current one take
     void* list;
-    void (*release)(void* list);  // null once it was called, because each call may copy all elements
+    void (*release)(void* list);  // null after a call, because each call may copy all elements
   };
   template <class Element>
   static constexpr bool kHoldsLists = !std::is_trivially_copyable_v<Element> && !HasFastPath<Element>;
@@ -445,12 +445,12 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
     }
     return true;
   }
-  // Room that is mostly used is kept: it would be asked for again.
+  // Room that is mostly used is kept: it would be allocated again.
   template <class V>
   static void releaseRoom(V& list) {
     if (list.size() < list.capacity() / 2) list.shrink_to_fit();
   }
-  // Growing copies, and for a while there are both: so by doubling up to a quarter of what can be, then to all.
+  // Growing copies the list, and for a while both exist: it doubles up to a quarter of the final size, then takes all.
   static std::size_t grown(std::size_t size, std::size_t more) { return size < more / 3 ? 2 * size + 1 : size + more; }
 
   // Defaults: one for each field, or one for all.

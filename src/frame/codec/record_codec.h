@@ -1,5 +1,5 @@
 // Named readers and writers of single records: `int ReadShape(stream, version, shape)` and
-// `bool WriteShape(stream, version, shape)` for the outside of the codecs.
+// `bool WriteShape(stream, version, shape)` for code outside the codecs.
 //
 // A header declares them, with DECLARE_..., and one source file defines them, with DEFINE_... and the record's
 // Layout. A reader returns 0, or 1 on a short read or a refused value; what was read before that stays in the

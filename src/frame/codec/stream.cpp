@@ -28,7 +28,7 @@ InStream::InStream(std::FILE* file) : file_(file) {
   load();
 }
 
-// Fills the window after end_ as far as there is room and file.
+// Fills the window from end_ on, as far as it has room and the file has bytes.
 void InStream::load() {
   std::byte* const to = window_.get() + (end_ - begin_);
   const std::size_t room = capacity_ - static_cast<std::size_t>(end_ - begin_);
@@ -106,7 +106,7 @@ bool OutStream::handOver(std::size_t size) {
 bool OutStream::makeRoom(std::size_t size) {
   if (failed_) return false;
   if (file_ != nullptr && capacity_ >= kWindow) {
-    // Whole pages only: the system then never has to come back to a page that it has half written.
+    // Complete pages only: the system then never has to come back to a page that was half written.
     if (!handOver(used_ - used_ % kPage)) return false;
     if (size <= capacity_ - used_) return true;
   }

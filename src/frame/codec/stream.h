@@ -1,8 +1,8 @@
 // Byte streams: a bounded window over a file (or a block of memory) to read from, and a buffer to
 // write to that reaches the file in large blocks.
 //
-// Invariants: a read that cannot be met in full leaves the stream at the end of the file and the
-// target untouched. Nothing is allocated for a size that the file merely claims.
+// Invariants: a read that cannot be met in full leaves its target untouched, and the reader then moves
+// the stream to its end. Nothing is allocated for a size that the file merely claims.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -18,15 +18,15 @@ namespace oldtorvio::codec {
 class InStream {
  public:
   explicit InStream(std::span<const std::byte> memory);
-  // Reads from the file's present position (assumed to be its start) to its end. The file stays the
-  // caller's and must outlive the stream.
+  // Reads from the file's current position (assumed to be its start) to its end. The caller still owns
+  // the file, which must outlive the stream.
   explicit InStream(std::FILE* file);
 
   InStream(const InStream&) = delete;
   InStream& operator=(const InStream&) = delete;
 
-  // What is left up to the end: exact for memory and regular files, at least what the window holds
-  // for anything else.
+  // Bytes up to the end: exact for memory and regular files, for anything else those in the window,
+  // which may be fewer.
   std::uint64_t left() const { return static_cast<std::uint64_t>(end_ - at_) + after_; }
   std::uint64_t position() const { return base_ + static_cast<std::uint64_t>(at_ - begin_); }
 
@@ -38,7 +38,7 @@ class InStream {
     return refill(size);
   }
   void consume(std::size_t size) { at_ += size; }
-  // What can be had without moving the window.
+  // The bytes that can be read without moving the window.
   std::span<const std::byte> window() const { return {at_, end_}; }
 
   // Appends exactly `size` bytes to `text`, or nothing.
@@ -46,7 +46,7 @@ class InStream {
   bool skip(std::uint64_t size);
   void toEnd();
 
-  // Whether a reader failed on the way where the format tolerates it.
+  // Whether a reader failed where the format tolerates it.
   bool wasForgiven() const { return wasForgiven_; }
   void noteForgiven() { wasForgiven_ = true; }
 
@@ -71,7 +71,7 @@ class InStream {
 class OutStream {
  public:
   OutStream() = default;                // collects in memory: see bytes()
-  explicit OutStream(std::FILE* file);  // the file stays the caller's
+  explicit OutStream(std::FILE* file);  // the caller still owns the file
 
   OutStream(const OutStream&) = delete;
   OutStream& operator=(const OutStream&) = delete;
@@ -85,16 +85,16 @@ class OutStream {
     used_ += size;
     return at;
   }
-  // Room that is there already, and taking from it.
+  // Room that is already allocated, and taking from it.
   std::span<std::byte> free() { return {buffer_.get() + used_, capacity_ - used_}; }
   void take(std::size_t size) { used_ += size; }
-  // Hands what is collected to the file. False once anything could not be written.
+  // Writes what is collected to the file. False once anything could not be written.
   bool flush();
 
   std::span<const std::byte> bytes() const { return {buffer_.get(), used_}; }
   // Whether anything could not be written.
   bool failed() const { return failed_; }
-  // Bytes stored so far, also those that the file has already.
+  // Bytes stored so far, including those that were written to the file.
   std::uint64_t position() const { return handedOver_ + used_; }
 
  private:

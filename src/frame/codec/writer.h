@@ -1,4 +1,4 @@
-// The writer: walks a description over a record, which stays untouched, and stores it.
+// The writer: walks a description over a record and stores it. Only beforeWrite() changes the record.
 #pragma once
 #include <algorithm>
 #include <cstring>
@@ -11,8 +11,8 @@
 
 namespace oldtorvio::codec {
 
-// Room that is there already. Its place is a local of the walker, which stays in a register, where a
-// place in the stream would go through memory after every run of fields.
+// Room that is already allocated. Its position is a local variable of the walker, which stays in a register,
+// while the position of the stream would go through memory after every run of fields.
 class LocalRoom {
  public:
   explicit LocalRoom(std::span<std::byte> all) : at_(all.data()), end_(all.data() + all.size()) {}
@@ -81,7 +81,7 @@ class WriterInto : public RecordWalker<WriterInto<Room>> {
   [[nodiscard]] bool lengthText(const X& x, std::int32_t longest) {
     return x.only().size() <= static_cast<std::size_t>(longest) && lengthText(x);
   }
-  // The text up to its NUL; one that does not fit is never cut.
+  // The text up to its NUL; one that does not fit is refused, never truncated.
   template <std::size_t Width, class X>
   [[nodiscard]] bool textItem(const X& x) {
     const std::string& text = x.only();
@@ -231,13 +231,13 @@ class WriterInto : public RecordWalker<WriterInto<Room>> {
   template <class V, class... A>
   bool writeInverted(const V& list, const A&... more) {
     if (list.empty()) return true;
-    // It counts from one where the list counts from zero: the last turn has no element.
+    // It begins with the second element and has none left after the last.
     for (std::size_t i = 1;; ++i) {
       if (i == list.size()) EndProcess();
       if (walk(list[i], more...) || out_.failed()) return false;
     }
   }
-  // An element that may not fit the room at hand is stored again the slow way.
+  // An element that may not fit the allocated room is stored again the slow way.
   template <class R, class... A>
   bool writeElement(const R& element, const A&... more) {
     if constexpr (HasFastPath<R> && std::is_reference_v<Room>)

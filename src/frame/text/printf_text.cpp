@@ -1,4 +1,4 @@
-// Prints a text from a file as a printf format without arguments. The real printf has undefined behaviour then.
+// Prints a text from a file as a printf format without arguments, which would be undefined behaviour in printf itself.
 #include <algorithm>
 #include <cctype>
 

@@ -1,4 +1,4 @@
-// The bytes of a file beside its fields. The fields come in windows of the file: a file of 50 MB has millions of them.
+// The bytes of a file next to its fields. The fields come in windows of the file: a file of 50 MB has millions of them.
 import {announce, append, bytesText, h, hex, number, plural, visible} from './dom.js';
 import {Cancelled} from './engine.js';
 import type {Fields} from './protocol.js';
@@ -91,7 +91,7 @@ export class BytesView implements View {
     await this.load(Math.floor(Math.min(offset, this.size - 1) / windowSize));
     const field = this.fieldAt(offset);
     if (field < 0) {
-      // Where it would be: before the next one, or at the fault.
+      // Shows where the field would be: before the next one, or at the fault.
       const next = this.current?.offsets.findIndex((one) => one >= offset) ?? -1;
       this.fieldList.reveal(next < 0 ? this.fieldList.count - 1 : next);
       this.detail.replaceChildren(h('span', {}, `Byte ${number(offset)} (0x${hex(offset)}) is in no field`));
@@ -122,7 +122,7 @@ export class BytesView implements View {
     if (index === this.wanted || !this.isOpen) return;
     this.wanted = index;
     window.clearTimeout(this.timer);
-    // Not for what only passes by.
+    // Waits, so that windows that are only scrolled past are not loaded.
     this.timer = window.setTimeout(() => this.load(index).catch(this.failed), this.windows.size === 0 ? 0 : 150);
   }
 
@@ -130,7 +130,7 @@ export class BytesView implements View {
     const known = this.windows.get(index);
     if (known) return known;
     const from = index * windowSize, to = Math.min(this.size, from + windowSize);
-    // A window that was not begun is of bytes that are no longer in view.
+    // Requests that were not begun are for bytes that are no longer in view.
     this.context.engine.drop('fields');
     const asked = this.context.engine.ask('fields', {...this.context.source, from, to: Math.max(to, from + 1)});
     this.windows.set(index, asked);

@@ -35,7 +35,7 @@ export class CompareView implements View {
     const others = context.entries().filter((entry) => entry !== context.entry);
     if (others.length === 0)
       return h('div', {class: 'compare'}, h('p', {class: 'note'}, 'Add a second file to compare this one with.'));
-    // Files of the same name or kind are the likely ones.
+    // Files of the same name or kind are the most likely choices.
     const {check} = context.entry;
     const rank = (entry: Entry): number => (entry.check.kind === check.kind ? 0 : 1);
     others.sort((a, b) => rank(a) - rank(b) || a.path.localeCompare(b.path));

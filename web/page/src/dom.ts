@@ -1,4 +1,4 @@
-// Elements. What a file says only ever becomes text: nothing here takes markup.
+// Elements. Contents of a file only ever become text: nothing here takes markup.
 
 type Child = Node | string | null | undefined | false;
 type Attributes = Record<string, string | number | boolean | ((event: never) => void) | null | undefined>;

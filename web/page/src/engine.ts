@@ -58,7 +58,7 @@ export class Engine {
     });
   }
 
-  // Drops all requests. One that has been running for some time is not waited for.
+  // Drops all requests. If one has been running for some time, its worker is stopped.
   cancel(): void {
     for (const request of this.waiting.splice(0)) request.reject(new Cancelled());
     if (this.running === null) return;
@@ -66,7 +66,7 @@ export class Engine {
     if (performance.now() - this.startedAt > 300) this.restart();
   }
 
-  // Drops the requests of one operation that were not begun.
+  // Drops the requests for one operation that were not begun.
   drop(operation: Operation): void {
     for (let i = this.waiting.length; i-- > 0;) {
       if (this.waiting[i]?.operation === operation) this.waiting.splice(i, 1)[0]?.reject(new Cancelled());

@@ -1,12 +1,12 @@
 // A JSON text as a tree, without parsing all of it: the record of a file of 50 MB is a text of 180 MB, whose objects
-// would take several times as much. Nodes are places in the text, and only what is looked at is read.
+// would take several times as much. Nodes are places in the text, and only what is shown is read.
 
 export interface JsonNode {
   key: string | number;
   start: number;
   end: number;
   kind: 'object' | 'array' | 'group' | 'value';
-  count: number; // of elements of an array or group, otherwise 0
+  count: number; // how many elements an array or group has, otherwise 0
   first: number; // of a group: its first element
   array: number; // of an array or group: where the array begins
   preview: string;
@@ -14,7 +14,7 @@ export interface JsonNode {
 
 export const groupSize = 100; // elements in the smallest group, and between two marks of an array
 const previewSize = 120;
-const largeSize = 1 << 16; // the marks of smaller arrays are found again faster than they are stored
+const largeSize = 1 << 16; // for smaller arrays, finding marks again is faster than storing them
 const [quote, backslash, comma, openBrace, closeBrace, openBracket, closeBracket] =
     [...'"\\,{}[]'].map((c) => c.charCodeAt(0));
 
@@ -177,9 +177,9 @@ export class JsonText {
     return i + 1;
   }
 
-  // Where a text occurs in names and values, whatever its case: at most so many places.
+  // Where a text occurs in names and values, whatever its case: at most `most` places.
   find(query: string, most: number): number[] {
-    // As it is written in strings. The text has no escapes but those of JSON.stringify and \u007f to \u009f.
+    // As it is written in strings. The text has no escapes except those of JSON.stringify and \u007f to \u009f.
     const written = JSON.stringify(query).slice(1, -1);
     const pattern = new RegExp(written.replace(/[.*+?^${}()|[\]\\]/g, '\\$&'), 'gi');
     const places: number[] = [];

@@ -153,7 +153,7 @@ function refresh(): void {
   });
 }
 
-// Not for each of many files that are checked.
+// Updates once for many checked files, not for each of them.
 let soon = 0;
 function refreshSoon(): void {
   soon ||= window.setTimeout(() => {
@@ -253,7 +253,7 @@ const views = {
 type ViewName = keyof typeof views;
 let made = new Map<ViewName, View>();
 let current: ViewName = 'picture';
-let comparable = 0; // files when the comparison was opened
+let comparable = 0; // how many files there were when the comparison was opened
 
 const isDrawable = (entry: Entry): boolean =>
   viewer.supported.kinds.find(({name}) => name === entry.check.kind)?.drawable ?? false;
@@ -331,7 +331,7 @@ function show(name: ViewName): View {
     tab.tabIndex = isPicked ? 0 : -1;
     byId(`panel-${one}`).hidden = !isPicked;
   }
-  // Which files there are to compare with changes.
+  // The files to compare with may have changed.
   const isFresh = !made.has(name) || (name === 'compare' && comparable !== entries.length);
   const view = isFresh ? views[name].make() : made.get(name) as View;
   if (isFresh) {

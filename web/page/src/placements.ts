@@ -19,7 +19,7 @@ export function placementsOf(svg: string): Placements {
   return {corners: Float32Array.from(corners), parts: Int32Array.from(parts)};
 }
 
-// The placement at a point; of several the one drawn last. -1 if there is none.
+// The placement at a point; if there are several, the one drawn last. -1 if there is none.
 export function placementAt({corners, parts}: Placements, x: number, y: number): number {
   for (let i = parts.length - 1; i >= 0; --i) {
     let side = 0;

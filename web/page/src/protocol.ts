@@ -3,7 +3,7 @@ import type {JsonNode} from './json_text.js';
 import type {Placements} from './placements.js';
 
 export interface Source {
-  key: number; // of the file in the list: what is kept of the last file is of this one
+  key: number; // of the file in the list; the worker keeps the contents of the file with the last key
   file: File;
   name: string;
   kind?: string;
@@ -32,7 +32,7 @@ export interface Supported {
   encodings: string[];
 }
 
-export interface Fields { // those of some bytes of the file
+export interface Fields { // the fields in a range of bytes of the file
   from: number;
   to: number;
   text: string; // JSON lines
@@ -83,7 +83,7 @@ export interface Operations {
   text: {in: Source & {node: JsonNode}, out: string};
   part: {in: Source & {part: number, most: number}, out: PartShapes | null};
   fields: {in: Source & {from: number, to: number}, out: Fields};
-  // Of the field or record of that path; otherwise, unless it must be exact, of the first that has the name.
+  // Finds the field or record with that path; otherwise, unless it must be exact, the first with that name.
   locate: {in: Source & {path: string, isExact: boolean}, out: {offset: number, size: number} | null};
   json: {in: Source & {pretty: boolean}, out: Blob};
   convert:

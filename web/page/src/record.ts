@@ -93,7 +93,7 @@ export class RecordView implements View {
     const top = await this.load(this.root);
     const record = top.find((row) => row.node.key === 'record');
     if (record?.node.kind === 'object') {
-      // The tree is of the record; what is around it is in the header of the file.
+      // The tree shows only the record; the rest of the document is in the header of the page.
       this.root = record;
       record.path = '';
       record.level = 0;

@@ -1,4 +1,4 @@
-// What can be made of a file: JSON, its picture, another version, a file without the damage.
+// What can be made from a file: JSON, its picture, another version, a file without the damage.
 import {append, bytesText, h, number, plural, save, visible} from './dom.js';
 import {Cancelled} from './engine.js';
 import type {Report} from './protocol.js';
@@ -12,7 +12,7 @@ export class SaveView implements View {
     const {check} = entry;
     const panel = h('div', {class: 'save'});
     if (!check.kind)
-      return append(panel, h('p', {class: 'note'}, 'Nothing can be made of a file of unknown kind.')), panel;
+      return append(panel, h('p', {class: 'note'}, 'Nothing can be made from a file of unknown kind.')), panel;
     const busy = async (into: HTMLElement, work: () => Promise<void>): Promise<void> => {
       into.replaceChildren(h('p', {class: 'wait', role: 'status'}, 'Working…'));
       try {
@@ -32,7 +32,7 @@ export class SaveView implements View {
       jsonDone.replaceChildren(h('p', {role: 'status'}, `Saved, ${bytesText(blob.size)}`));
     });
     append(panel,
-      card('JSON', 'The complete record. torvio from-json makes the file of it again.',
+      card('JSON', 'The complete record. torvio from-json makes a file from it again.',
         h('p', {class: 'actions'}, h('button', {type: 'button', click: () => json(false)}, 'Download JSON'),
           entry.file.size <= mostPretty
             ? h('button', {type: 'button', click: () => json(true)}, 'Download JSON, indented')
@@ -134,7 +134,7 @@ export class SaveView implements View {
     const nodes: Node[] = [];
     if (report === null) return error ? [h('p', {class: 'note', role: 'alert'}, visible(error))] : nodes;
     const {losses = [], leftOut = [], fixed = [], shorter = [], defaults = [], notes = [], fault} = report;
-    // That something is lost is said by the list itself.
+    // If something is lost, the list itself says so.
     if (error && losses.length + leftOut.length === 0)
       nodes.push(h('p', {class: 'note', role: 'alert'}, visible(error)));
     const isClean = losses.length + leftOut.length + shorter.length + defaults.length === 0;

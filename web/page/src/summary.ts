@@ -1,4 +1,4 @@
-// The verdict with its reasons, and what a person wants to know of a file at a glance.
+// The verdict with its reasons, and what a file contains at a glance.
 import {append, bytesText, h, hex, number, plural, visible} from './dom.js';
 import {Cancelled} from './engine.js';
 import type {Info} from './protocol.js';
@@ -78,7 +78,7 @@ export class SummaryView implements View {
       }
     }
     const nothing = list.childElementCount === 0 && tables.length === 0;
-    return [nothing ? h('p', {class: 'soft'}, 'Nothing else can be said of this file.') : list, ...tables];
+    return [nothing ? h('p', {class: 'soft'}, 'Nothing else is known about this file.') : list, ...tables];
   }
 
   private table(title: string, rows: Record<string, unknown>[]): Node[] {

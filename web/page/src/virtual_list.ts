@@ -24,7 +24,7 @@ export class VirtualList {
       this.expected = -1;
       this.schedule();
     }, {passive: true});
-    // Where a pixel of the scroll bar is many of the list, the wheel must not move by them.
+    // Where a pixel of the scroll bar represents many of the list, the wheel must not move by scroll bar pixels.
     pane.addEventListener('wheel', (event) => {
       if (this.scale === 1 || event.ctrlKey) return;
       event.preventDefault();

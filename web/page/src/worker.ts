@@ -46,7 +46,7 @@ function linesOf(text: string, from: number, to: number): Fields {
       at += sizeName.length;
       digits();
     } else {
-      value = 0; // a fault
+      value = 0; // a fault has no size
     }
     sizes.push(value);
     start = text.indexOf('\n', at) + 1;
@@ -77,7 +77,7 @@ type Handlers = {[Name in keyof Operations]: (source: Operations[Name]['in']) =>
 
 const handlers: Handlers = {
   async check(source) {
-    // Not kept: the next one is another file.
+    // The bytes are not kept: the next check is of another file.
     const bytes = kept?.key === source.key ? kept.bytes : new Uint8Array(await source.file.arrayBuffer());
     const {name, kind} = source;
     return torvio.check(bytes, {name, ...(kind ? {kind} : {})}) as Check;
