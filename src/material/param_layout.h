@@ -103,8 +103,8 @@ struct Layout<ParamTable> {
   // Read byte by byte: a file that ends after the first one has a name of one byte.
   static bool describeShortName(auto& io, auto& t) {
     const bool isComplete = io.has(kShortName);
-    return io.when(custom("all of it is there", isComplete), [&] { return io.sized(FIELDS(t.name), kShortName); })
-        && io.when(custom("the file ends in it", !isComplete), [&] {
+    return io.when(custom("if the file has all of it", isComplete), [&] { return io.sized(FIELDS(t.name), kShortName); })
+        && io.when(custom("if the file ends in it", !isComplete), [&] {
              return io.fields(FIELDS(t.name[0]))
                  && io.optionalTail(FIELDS(t.name[1]))
                  && io.slice(FIELDS(t.name), 2, kShortName - 1);

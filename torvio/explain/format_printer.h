@@ -225,8 +225,8 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
   template <class X, class Rule, class... A>
   [[nodiscard]] bool list(const X& x, Rule rule, const A&... more) {
     if constexpr (std::tuple_size_v<decltype(x.members)> == 2) {
-      return elements<0>(x, "count-first list, in turns with the next") &&
-             elements<1>(x, "in turns with the one before", more...);
+      return elements<0>(x, "count-first list, alternating with the next") &&
+             elements<1>(x, "alternating with the one before", more...);
     } else if constexpr (requires { x.only().row(0); }) {
       using Row = typename std::remove_cvref_t<decltype(x.only())>::Row;
       begin(x.names);
@@ -323,7 +323,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
     if constexpr (Rule::kFailing == Failing::inverted) return "list, a complete element ends it and is dropped";
     if constexpr (Rule::kFailing == Failing::reused) return "list, all elements are read into one object";
     return Rule::kClear == Clear::unlessZero    ? "count-first list"
-           : Rule::kClear == Clear::never       ? "list, added to what there is"
+           : Rule::kClear == Clear::never       ? "list, appended"
            : Rule::kClear == Clear::beforeCount ? "list, emptied before its count"
                                                 : "list";
   }
