@@ -72,6 +72,7 @@ void FormatPrinter::add(std::size_t i, const std::string& stored, const std::str
 // In the row of the field if that was just printed under the same conditions, otherwise in a row of its own.
 void FormatPrinter::addRule(const std::string& name, const std::string& text) {
   for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
+    if (row->names.front().starts_with('(')) break;
     if (std::find(row->names.begin(), row->names.end(), name) == row->names.end()) continue;
     if (conditionText(row->conditions) != conditionText(conditions_)) break;
     row->condition.append(row->condition.empty() ? "" : "; ");
