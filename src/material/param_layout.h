@@ -120,12 +120,17 @@ struct Layout<ParamTable> {
 
 }  // namespace codec
 
-// The status of a table's load, by whatever reads.
+// The status of a table's load, by whatever has read it.
 template <class Io>
-int readParamTable(Io& io, ParamTable& table) {
-  if (io.walk(table)) return 0;
+int paramTableStatus(const Io& io, const ParamTable& table, bool isRead) {
+  if (isRead) return 0;
   const bool hasNoLayout = io.stop() == codec::Stop::refused && paramFormToRead(table.version) == ParamForm::none;
   return hasNoLayout ? -1 : 1;
+}
+template <class Io>
+int readParamTable(Io& io, ParamTable& table) {
+  const bool isRead = io.walk(table);
+  return paramTableStatus(io, table, isRead);
 }
 
 }  // namespace oldtorvio

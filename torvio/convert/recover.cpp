@@ -378,7 +378,7 @@ void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::st
     report.defaults.insert(report.defaults.begin(), partial);
 
   const auto reloaded = values::loadRecord<kKind>(saved.bytes);
-  values::beginLoad(*reloaded.record, *loaded.version, {});
+  FileRecord<kKind>::setVersion(*reloaded.record, *loaded.version);
   report.losses = lossesOf<kKind>(record, *reloaded.record, encoding, [&](std::string_view path) {
     return sound.read().has(withoutIndexes(path)) && !(broken && isOfBroken(path, *broken));
   });
