@@ -28,7 +28,7 @@ namespace {
 
 bool isDefault(const values::Type& type, const void* record, std::string_view path) {
   const std::optional<Place> place = placeAt(type, record, path);
-  return place && place->fresh != nullptr && values::holdTheSame(*place->type, place->value, place->fresh);
+  return place && place->fresh != nullptr && values::equalContents(*place->type, place->value, place->fresh);
 }
 
 }  // namespace
