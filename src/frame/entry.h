@@ -1,5 +1,5 @@
-// What the exported functions share: no exception leaves them, files are opened and closed in one place, and the
-// version word is read, stored and checked in that order.
+// What the exported functions share: no exception leaves them, files are opened and closed in one place, and so are
+// version words read, stored and checked. Loads and saves of a kind of file: src/frame/file_record.h.
 #pragma once
 #include <cstdint>
 #include <new>
@@ -28,8 +28,18 @@ Result guarded([[maybe_unused]] Result outOfMemory, Fn&& body) noexcept {
 #endif
 }
 
-// Opens `path`, reads the version word and passes it to keep(version), even if it is then refused. If
-// accepts(version), returns the status of read(stream, version), which starts after the version word.
+// Reads the version word and passes it to keep(version), even if it is then refused. If accepts(version), returns the
+// status of read(stream, version), which starts after the version word.
+template <class Keep, class Accepts, class Read>
+std::int64_t readFile(codec::InStream& stream, Keep&& keep, Accepts&& accepts, Read&& read, std::int64_t refusal) {
+  std::int16_t version = 0;
+  if (!codec::readUnversioned(stream, version)) return kDamaged;
+  keep(version);
+  if (!accepts(version)) return refusal;
+  return read(stream, version);
+}
+
+// Opens `path` and reads it as readFile does.
 template <class Keep, class Accepts, class Read>
 std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& read,
                       std::int64_t refusal = kWrongVersion) noexcept {
@@ -37,50 +47,37 @@ std::int64_t loadFile(const char* path, Keep&& keep, Accepts&& accepts, Read&& r
     const File file = File::openToRead(path);
     if (!file) return kNotOpened;
     codec::InStream stream(file.handle());
-    std::int16_t version = 0;
-    if (!codec::readUnversioned(stream, version)) return kDamaged;
-    keep(version);
-    if (!accepts(version)) return refusal;
-    return read(stream, version);
+    return readFile(stream, keep, accepts, read, refusal);
   });
 }
 
-// The same for a file of that kind.
-template <class Keep, class Read>
-std::int64_t loadFile(FileKind kind, const char* path, Keep&& keep, Read&& read) noexcept {
-  return loadFile(path, keep, infoOf(kind).accepts, read, infoOf(kind).refusal);
+// Checks the version, stores the version word and continues with store(stream), which returns whether all was stored.
+// The caller flushes the stream.
+template <class Store>
+std::int64_t storeFile(codec::OutStream& stream, FileKind kind, int version, Store&& store) {
+  const bool isSaved = infoOf(kind).saves(version);
+  // A save of a sheet stores the version word before it checks it.
+  if (!isSaved && kind != FileKind::sheet) return kWrongVersion;
+  const bool hasWordOfItsOwn = !startsWithTable(kind, version);
+  if (hasWordOfItsOwn && !codec::writeRecord(stream, version, static_cast<std::int16_t>(version))) return kNotSaved;
+  if (!isSaved) return kWrongVersion;
+  return store(stream) ? kDone : kNotSaved;
 }
 
-// Writes with write(stream), then flushes and closes the file. All three must succeed.
-template <class Write>
-std::int64_t storeInto(File& file, Write&& write) {
-  codec::OutStream stream(file.handle());
-  const bool stored = write(stream);
-  const bool flushed = stream.flush();
-  const bool closed = file.close();
-  return stored && flushed && closed ? kDone : kNotSaved;
-}
-
-// Creates `path` and writes it with write(stream). A failed write leaves the bytes that were stored before it.
-template <class Write>
-std::int64_t saveUnversioned(const char* path, Write&& write) noexcept {
-  return guarded(kNotSaved, [&]() -> std::int64_t {
-    File file = File::openToWrite(path);
-    return file ? storeInto(file, write) : kNotOpened;
-  });
-}
-
-// Creates `path`, checks the version, stores the version word and continues with write(stream). A refused version
-// leaves an empty file; a failed write leaves the bytes that were stored before it.
-template <class Accepts, class Write>
-std::int64_t saveFile(const char* path, int version, Accepts&& accepts, Write&& write) noexcept {
+// Creates `path` and stores as storeFile does; then the file must be flushed and closed without an error. A refused
+// version leaves an empty file, or its word for a sheet; a failed write leaves the bytes that were stored before it.
+template <class Store>
+std::int64_t saveFile(FileKind kind, const char* path, int version, Store&& store) noexcept {
   return guarded(kNotSaved, [&]() -> std::int64_t {
     File file = File::openToWrite(path);
     if (!file) return kNotOpened;
-    if (!accepts(version)) return kWrongVersion;
-    return storeInto(file, [&](codec::OutStream& stream) {
-      return codec::writeRecord(stream, version, static_cast<std::int16_t>(version)) && write(stream);
-    });
+    codec::OutStream stream(file.handle());
+    const std::int64_t status = storeFile(stream, kind, version, store);
+    // Errors from closing an empty file are ignored.
+    if (stream.position() == 0) return status;
+    const bool isFlushed = stream.flush();
+    const bool isClosed = file.close();
+    return isFlushed && isClosed ? status : kNotSaved;
   });
 }
 

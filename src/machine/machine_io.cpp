@@ -1,6 +1,6 @@
 #include "src/machine/machine_io.h"
 
-#include "src/frame/entry.h"
+#include "src/machine/machine_file_record.h"
 #include "src/machine/machine_layout.h"
 
 namespace oldtorvio {
@@ -28,8 +28,7 @@ bool WriteOldMachine(OutStream& stream, int version, const ShapeList* shapes, Ol
 }
 
 std::int64_t SaveMachine(const char* path, OldMachine& machine, int version) {
-  return frame::saveFile(path, version, frame::isMachineVersion,
-                         [&](OutStream& stream) { return WriteOldMachine(stream, version, nullptr, machine, false); });
+  return frame::saveRecord<frame::FileKind::machine>(path, machine, version);
 }
 
 }  // namespace oldtorvio

@@ -4,9 +4,8 @@
 #include <memory>
 
 #include "OldTorvIO.h"
-#include "src/frame/entry.h"
 #include "src/frame/text/text.h"
-#include "src/machine/machine_io.h"
+#include "src/machine/machine_file_record.h"
 #include "src/records/tool_layout.h"
 
 namespace oldtorvio {
@@ -24,7 +23,7 @@ std::int64_t loadCurrent(const char* path, SetOutputs&& setOutputs) noexcept {
   return loadFile(
       path,
       [&](int version) {
-        currentMachine.version = static_cast<std::int16_t>(version);
+        FileRecord<FileKind::machine>::setVersion(currentMachine, version);
         setPath(currentMachine.path, path);
       },
       isKnownSheetVersion,
@@ -60,10 +59,7 @@ constexpr int kWithoutWorkArea = 2;
 using namespace oldtorvio;
 
 extern "C" int64_t LoadOldMachine(const char* path, OldMachine* machine) noexcept {
-  if (machine == nullptr) return kNotOpened;
-  return loadFile(
-      FileKind::machine, path, [&](int version) { machine->version = static_cast<std::int16_t>(version); },
-      [&](InStream& stream, int version) { return ReadOldMachine(stream, version, nullptr, *machine); });
+  return loadRecord<FileKind::machine>(path, machine);
 }
 
 extern "C" int32_t LoadOldMachineInformation(const char* path, MachineInformation* information) noexcept {

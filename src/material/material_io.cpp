@@ -1,6 +1,6 @@
 #include "src/material/material_io.h"
 
-#include "src/frame/entry.h"
+#include "src/material/material_file_record.h"
 #include "src/material/material_layout.h"
 
 namespace oldtorvio {
@@ -33,13 +33,7 @@ bool WriteOldMaterialBody(OutStream& stream, int version, OldMaterial& material)
 }
 
 std::int64_t SaveMaterial(const char* path, OldMaterial& material, int version) {
-  if (frame::isParamTableVersion(version))
-    return frame::saveUnversioned(path, [&](OutStream& stream) { return WriteParamTable(stream, material.params); });
-  return frame::saveFile(
-      path, version, [](int v) { return frame::isMaterialVersion(v); },
-      [&](OutStream& stream) {
-        return WriteParamTable(stream, material.params) && WriteOldMaterialBody(stream, version, material);
-      });
+  return frame::saveRecord<frame::FileKind::material>(path, material, version);
 }
 
 }  // namespace oldtorvio

@@ -122,10 +122,15 @@ struct Layout<ParamTable> {
 
 // The status of the load of a table, for any walker that reads.
 template <class Io>
-int readParamTable(Io& io, ParamTable& table) {
-  if (io.walk(table)) return 0;
+int paramTableStatus(const Io& io, const ParamTable& table, bool isRead) {
+  if (isRead) return 0;
   const bool hasNoLayout = io.stop() == codec::Stop::refused && paramFormToRead(table.version) == ParamForm::none;
   return hasNoLayout ? -1 : 1;
+}
+template <class Io>
+int readParamTable(Io& io, ParamTable& table) {
+  const bool isRead = io.walk(table);
+  return paramTableStatus(io, table, isRead);
 }
 
 }  // namespace oldtorvio

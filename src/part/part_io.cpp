@@ -1,7 +1,7 @@
 #include "src/part/part_io.h"
 
-#include "src/frame/entry.h"
 #include "src/part/old_part_layout.h"
+#include "src/part/part_file_records.h"
 #include "src/part/part_layout.h"
 
 namespace oldtorvio {
@@ -50,18 +50,20 @@ int ReadGroupPart(InStream& stream, int version, SheetPartList& list) {
   return resultOf(readRecord(stream, version, file));
 }
 
+bool WriteGroupPart(OutStream& stream, int version, const SheetPartList& list, std::int32_t nameBlockSize) {
+  if (list.parts.empty()) return false;
+  const codec::GroupPartFile<const std::vector<TorvPart>> file{
+      list.parts, static_cast<std::int32_t>(list.parts.size() - 1), nameBlockSize};
+  return writeRecord(stream, version, file);
+}
+
 std::int64_t SavePart(const char* path, const TorvPart& part, int version) {
-  return frame::saveFile(path, version, frame::isPartVersion,
-                         [&](OutStream& stream) { return WritePartBody(stream, version, false, part); });
+  return frame::saveRecord<frame::FileKind::part>(path, part, version);
 }
 
 std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version, std::int32_t nameBlockSize) {
-  return frame::saveFile(path, version, frame::isGroupPartVersion, [&](OutStream& stream) {
-    if (list.parts.empty()) return false;
-    const codec::GroupPartFile<const std::vector<TorvPart>> file{
-        list.parts, static_cast<std::int32_t>(list.parts.size() - 1), nameBlockSize};
-    return writeRecord(stream, version, file);
-  });
+  return frame::saveFile(frame::FileKind::groupPart, path, version,
+                         [&](OutStream& stream) { return WriteGroupPart(stream, version, list, nameBlockSize); });
 }
 
 }  // namespace oldtorvio

@@ -28,13 +28,15 @@ int ReadPartBody(InStream& stream, int version, bool embedded, TorvPart& part, b
 int ReadPartFile(InStream& stream, int version, TorvPart& part);
 bool WritePartBody(OutStream& stream, int version, bool embedded, const TorvPart& part);
 
-// A group part file after its version word.
+// A group part file after its version word. The writer returns false unless the list has at least one part and
+// nameBlockSize is 1 to 256.
 int ReadGroupPart(InStream& stream, int version, SheetPartList& list);
+bool WriteGroupPart(OutStream& stream, int version, const SheetPartList& list, std::int32_t nameBlockSize = 256);
 
 // Saves any part as a part file, as SaveTorvPart saves the part builder.
 std::int64_t SavePart(const char* path, const TorvPart& part, int version);
-// Saves the parts as a group part file. -2 unless the list has at least one part and nameBlockSize is 1 to 256; -1 for
-// a version below 152. For samples and tests: no export writes group part files.
+// Saves the parts as a group part file. -2 if WriteGroupPart fails, -1 for a version below 152. For samples and tests:
+// no export writes group part files.
 std::int64_t SaveGroupPart(const char* path, const SheetPartList& list, int version, std::int32_t nameBlockSize = 256);
 
 }  // namespace oldtorvio

@@ -2,9 +2,8 @@
 #include <memory>
 
 #include "OldTorvIO.h"
-#include "src/frame/entry.h"
 #include "src/frame/text/text.h"
-#include "src/sheet/sheet_io.h"
+#include "src/sheet/sheet_file_record.h"
 
 namespace oldtorvio {
 namespace {
@@ -14,9 +13,6 @@ using namespace frame;
 
 // LoadOldSheetInformation loads it; no function reads it.
 OldSheet currentSheet;
-
-// A save of a sheet stores the version word before it checks it.
-constexpr auto kAnyVersion = [](int) { return true; };
 
 }  // namespace
 }  // namespace oldtorvio
@@ -32,25 +28,18 @@ extern "C" void DeleteSheetInfo(OldSheet* sheet) noexcept { delete sheet; }
 extern "C" void FreeSheetHandle(OldSheet* sheet) noexcept { DeleteSheetInfo(sheet); }
 
 extern "C" int64_t LoadOldSheet(const char* path, OldSheet* sheet) noexcept {
-  if (sheet == nullptr) return kNotOpened;
-  return loadFile(
-      FileKind::sheet, path, [&](int version) { sheet->version = static_cast<std::uint16_t>(version); },
-      [&](InStream& stream, int version) { return ReadOldSheet(stream, version, *sheet); });
+  return loadRecord<FileKind::sheet>(path, sheet);
 }
 
 extern "C" int64_t SaveOldSheet(const char* path, OldSheet* sheet, uint16_t version) noexcept {
-  if (sheet == nullptr) return kNotSaved;
-  const std::int64_t status = saveFile(path, version, kAnyVersion, [&](OutStream& stream) {
-    return !isSavedSheetVersion(version) || WriteOldSheet(stream, version, *sheet);
-  });
-  return status == kDone && !isSavedSheetVersion(version) ? kWrongVersion : status;
+  return sheet == nullptr ? kNotSaved : saveRecord<FileKind::sheet>(path, *sheet, version);
 }
 
 extern "C" int32_t LoadOldSheetInformation(const char* path) noexcept {
   return static_cast<std::int32_t>(loadFile(
       path,
       [&](int version) {
-        currentSheet.version = static_cast<std::uint16_t>(version);
+        FileRecord<FileKind::sheet>::setVersion(currentSheet, version);
         setPath(currentSheet.sheetPath, path);
       },
       isKnownSheetVersion,
@@ -65,7 +54,7 @@ extern "C" int64_t GetOldSheetHandle(const char* path, OldSheet** sheet) noexcep
   const auto keepNothing = [](int) {};
   return loadFile(path, keepNothing, isKnownSheetVersion, [&](InStream& stream, int version) -> std::int64_t {
     auto loaded = std::make_unique<OldSheet>();
-    loaded->version = static_cast<std::uint16_t>(version);
+    FileRecord<FileKind::sheet>::setVersion(*loaded, version);
     const int status = ReadOldSheet(stream, version, *loaded);
     if (status == 0) *sheet = loaded.release();
     return status;

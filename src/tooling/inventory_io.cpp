@@ -1,7 +1,7 @@
 #include "src/tooling/inventory_io.h"
 
-#include "src/frame/entry.h"
 #include "src/tooling/inventory_layout.h"
+#include "src/tooling/tooling_file_records.h"
 
 namespace oldtorvio {
 
@@ -9,8 +9,7 @@ DEFINE_RECORD_CODEC(InventoryEntry, InventoryEntry)
 DEFINE_RECORD_CODEC(ToolInventory, OldToolInventory)
 
 std::int64_t SaveToolInventory(const char* path, const OldToolInventory& inventory, int version) {
-  return frame::saveFile(path, version, frame::isToolInventoryVersion,
-                         [&](OutStream& stream) { return WriteToolInventory(stream, version, inventory); });
+  return frame::saveRecord<frame::FileKind::toolInventory>(path, inventory, version);
 }
 
 }  // namespace oldtorvio

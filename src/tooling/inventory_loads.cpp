@@ -4,11 +4,10 @@
 
 #include "OldTorvIO.h"
 #include "src/frame/end_process.h"
-#include "src/frame/entry.h"
 #include "src/frame/text/text.h"
 #include "src/records/tool_layout.h"
-#include "src/tooling/inventory_io.h"
 #include "src/tooling/tool_kinds.h"
+#include "src/tooling/tooling_file_records.h"
 
 namespace oldtorvio {
 namespace {
@@ -18,17 +17,6 @@ using namespace frame;
 
 // Never reset: what a file does not store keeps the value of the previous inventory.
 OldToolInventory currentToolInventory;
-
-template <class Read>
-std::int64_t load(const char* path, OldToolInventory& inventory, Read&& read) noexcept {
-  return loadFile(
-      FileKind::toolInventory, path,
-      [&](int version) {
-        inventory.version = static_cast<std::int16_t>(version);
-        setPath(inventory.path, path);
-      },
-      read);
-}
 
 // A code without a name leaves the buffer unchanged.
 void copyOutName(const OldTool& tool, char* name) {
@@ -53,19 +41,18 @@ void copyOutValues(std::int32_t count, const float (&values)[6], float* const (&
 using namespace oldtorvio;
 
 extern "C" int64_t LoadOldToolInventory(const char* path, OldToolInventory* inventory) noexcept {
-  if (inventory == nullptr) return kNotOpened;
-  return load(path, *inventory,
-              [&](InStream& stream, int version) { return ReadToolInventory(stream, version, *inventory); });
+  return loadRecord<FileKind::toolInventory>(path, inventory);
 }
 
 extern "C" int32_t LoadOldToolInventoryForCount(const char* path, uint32_t* count) noexcept {
   *count = 0;
-  return static_cast<std::int32_t>(load(path, currentToolInventory, [&](InStream& stream, int version) {
+  const auto read = [&](InStream& stream, int version) {
     const auto status =
         guarded(kDamaged, [&]() -> std::int64_t { return ReadToolInventory(stream, version, currentToolInventory); });
     if (status == kDone) *count = static_cast<std::uint32_t>(currentToolInventory.tools.size());
     return kDone;
-  }));
+  };
+  return static_cast<std::int32_t>(loadRecord<FileKind::toolInventory>(path, currentToolInventory, read));
 }
 
 extern "C" void GetOldToolInventoryInformation(int32_t index, char* name, float* dimension1, float* dimension2,

@@ -1,15 +1,14 @@
 #include "src/tooling/special_tool_io.h"
 
-#include "src/frame/entry.h"
 #include "src/tooling/special_tool_layout.h"
+#include "src/tooling/tooling_file_records.h"
 
 namespace oldtorvio {
 
 DEFINE_RECORD_CODEC(SpecialTool, OldSpecialTool)
 
 std::int64_t SaveSpecialTool(const char* path, const OldSpecialTool& tool, int version) {
-  return frame::saveFile(path, version, frame::isSpecialToolVersion,
-                         [&](OutStream& stream) { return WriteSpecialTool(stream, version, tool); });
+  return frame::saveRecord<frame::FileKind::specialTool>(path, tool, version);
 }
 
 std::string GetSpecialToolFolder() {

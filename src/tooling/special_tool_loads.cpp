@@ -1,8 +1,7 @@
 // Loads of special tool files, and the current special tool.
 #include "OldTorvIO.h"
 #include "OldTorvIO/special_tool.h"
-#include "src/frame/entry.h"
-#include "src/tooling/special_tool_io.h"
+#include "src/tooling/tooling_file_records.h"
 
 namespace oldtorvio {
 namespace {
@@ -13,23 +12,13 @@ using namespace frame;
 // Never reset: what a file does not store keeps the value of the previous tool.
 OldSpecialTool currentSpecialTool;
 
-// *wasRead becomes true once the version is accepted, whether or not the rest can be read.
-std::int64_t load(const char* path, OldSpecialTool& tool, bool* wasRead = nullptr) noexcept {
-  return loadFile(
-      FileKind::specialTool, path, [&](int version) { tool.tool.fileVersion = static_cast<std::int16_t>(version); },
-      [&](InStream& stream, int version) -> std::int64_t {
-        if (wasRead != nullptr) *wasRead = true;
-        return ReadSpecialTool(stream, version, tool);
-      });
-}
-
 }  // namespace
 }  // namespace oldtorvio
 
 using namespace oldtorvio;
 
 extern "C" int64_t LoadOldSpecialTool(const char* path, OldSpecialTool* tool) noexcept {
-  return tool == nullptr ? frame::kNotOpened : load(path, *tool);
+  return loadRecord<FileKind::specialTool>(path, tool);
 }
 
 extern "C" int32_t OpenSpecialToolFile(const char* path, uint32_t* shapeCount, float* orientation, float* specialValue,
@@ -41,10 +30,14 @@ extern "C" int32_t OpenSpecialToolFile(const char* path, uint32_t* shapeCount, f
                                        float* secondValue5, float* extraValue0, float* extraValue1,
                                        uint8_t* lateFlag) noexcept {
   *shapeCount = 0;
-  bool wasRead = false;
-  const auto status = static_cast<std::int32_t>(load(path, currentSpecialTool, &wasRead));
+  bool isAccepted = false;
+  const auto read = [&](InStream& stream, int version) -> std::int64_t {
+    isAccepted = true;
+    return ReadSpecialTool(stream, version, currentSpecialTool);
+  };
+  const auto status = static_cast<std::int32_t>(loadRecord<FileKind::specialTool>(path, currentSpecialTool, read));
   // The record decides, not the status: a read that failed after the shapes still returns them.
-  if (!wasRead || currentSpecialTool.shapes.shapes.empty()) return status;
+  if (!isAccepted || currentSpecialTool.shapes.shapes.empty()) return status;
 
   const OldTool& tool = currentSpecialTool.tool;
   *shapeCount = static_cast<std::uint32_t>(currentSpecialTool.shapes.shapes.size());

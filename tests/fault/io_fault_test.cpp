@@ -353,6 +353,20 @@ TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
   }
 }
 
+TEST(IoFaults, AFailedCloseMattersToARefusedSaveOnlyIfItHasStoredAVersionWord) {
+  const TempFolder folder;
+  const std::string path = folder.path("saved");
+  const auto sheet = std::make_unique<OldSheet>();
+  const auto statusOf = [](auto&& save) {
+    const IoWatch watch({IoCall::close, 0, false, EIO, 0});
+    const std::int64_t status = save();
+    EXPECT_TRUE(watch.happened());
+    return status;
+  };
+  EXPECT_EQ(statusOf([&] { return SaveTorvPart(path.c_str(), 63); }), -1);
+  EXPECT_EQ(statusOf([&] { return SaveOldSheet(path.c_str(), sheet.get(), 181); }), -2);
+}
+
 TEST(IoFaults, AFileThatGetsShorterWhileItIsReadEndsThere) {
   const Bench bench(2000);
   for (const ExportCall& call : exportCalls()) {

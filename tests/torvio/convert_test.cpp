@@ -66,7 +66,7 @@ void expectReportOfWhatDiffers(const Bytes& saved, int from, int to) {
 
   const auto before = values::loadRecord<kKind>(file.span());
   const auto after = values::loadRecord<kKind>(converted.bytes);
-  values::beginLoad(*after.record, from, {});
+  FileRecord<kKind>::setVersion(*after.record, from);
   const auto difference = differenceOf(kKind, before.record.get(), after.record.get());
   const convert::Report& report = converted.report;
   const bool isOtherDefault = std::any_of(report.notes.begin(), report.notes.end(), [](const std::string& note) {

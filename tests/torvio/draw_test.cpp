@@ -66,7 +66,7 @@ Pattern& place(OldSheet& sheet, float width, float height, float x, float y) {
   return pattern;
 }
 
-std::string drawn(const OldSheet& sheet) { return drawSheet(sheet, {"file.sheet", "sheet, version 180", "", {}}, {}); }
+std::string drawn(const OldSheet& sheet) { return drawRecord(sheet, {"file.sheet", "sheet, version 180", "", {}}, {}); }
 
 // The corners of the parts in length units, from the coordinates of the picture.
 std::vector<std::vector<Point>> partsOf(const std::string& svg, double plateWidth, double plateHeight) {
@@ -355,7 +355,7 @@ TEST(SheetPictures, TextsOfTheFileStayTexts) {
 
   PictureOptions cyrillic;
   cyrillic.encoding = *values::TextEncoding::named("cp1251");
-  EXPECT_TRUE(contains(drawSheet(*sheet, {"f", "sheet", "", {}}, cyrillic), "\xD0\xB4"));  // 0xE4 there
+  EXPECT_TRUE(contains(drawRecord(*sheet, {"f", "sheet", "", {}}, cyrillic), "\xD0\xB4"));  // 0xE4 there
 }
 
 TEST(SheetPictures, ToolWorkIsWrittenOnceForAllCopies) {
@@ -440,6 +440,15 @@ TEST(Pictures, EveryKindVersionAndCutIsWellFormed) {
   EXPECT_GT(pictures, 15);
 }
 
+TEST(Pictures, KindsInWordsAreThoseThatCanBeDrawn) {
+  for (const frame::FileKindInfo& info : frame::kFileKinds) {
+    std::string plural(info.name);
+    std::replace(plural.begin(), plural.end(), '-', ' ');
+    plural += 's';
+    EXPECT_EQ(contains(kDrawableKinds, plural), canDraw(info.kind)) << plural;
+  }
+}
+
 TEST(Pictures, RandomRecordsAreWellFormedAndBounded) {
   const FileNote file{"random", "random, version 180", "", {}};
   for (std::uint32_t seed = 1; seed <= 25; ++seed) {
@@ -453,8 +462,8 @@ TEST(Pictures, RandomRecordsAreWellFormedAndBounded) {
     random.machine(*machine, 180);
     SheetPartList list;
     for (int i = 0; i < 5; ++i) random.part(list.parts.emplace_back(), 180);
-    for (const std::string& svg : {drawSheet(*sheet, file, {}), drawPart(*part, file, {}),
-                                   drawGroupPart(list, file, {}), drawMachine(*machine, file, {})}) {
+    for (const std::string& svg : {drawRecord(*sheet, file, {}), drawRecord(*part, file, {}),
+                                   drawRecord(list, file, {}), drawRecord(*machine, file, {})}) {
       EXPECT_EQ(svgFault(svg), "") << seed;
       EXPECT_LT(svg.size(), 8U << 20U) << seed;
     }
@@ -503,7 +512,7 @@ TEST(Pictures, OfAPartSayThatItsPatternMovesNothing) {
   TorvPart part;
   part.shapes.shapes.resize(1);
   part.patterns.resize(1);
-  const auto says = [&] { return contains(drawPart(part, {"p", "part", "", {}}, {}), "do not move the shapes"); };
+  const auto says = [&] { return contains(drawRecord(part, {"p", "part", "", {}}, {}), "do not move the shapes"); };
   EXPECT_FALSE(says());
   part.patterns[0].originX = 2;
   EXPECT_TRUE(says());
@@ -525,7 +534,7 @@ TEST(Pictures, StationsOfAMachineWithoutAToolAreLeftOut) {
   machine.stationsA.stations[0].toolCount = 1;
   machine.stationsA.stations[1].toolCount = -1;
   machine.stationsB = machine.stationsA;
-  const std::string svg = drawMachine(machine, {"m", "machine", "", {}}, {});
+  const std::string svg = drawRecord(machine, {"m", "machine", "", {}}, {});
   EXPECT_EQ(countOf(svg, ">ROUND</text>"), 1U);
   EXPECT_TRUE(contains(svg, "2 stations: without a tool"));
   EXPECT_TRUE(contains(svg, "3 stations: of the second list"));
@@ -545,7 +554,7 @@ TEST(Pictures, PartsShowTheOutlinesOfTheirTools) {
   part.toolStations.tools[0].shapeCode = 3;
   part.toolStations.tools[0].dimension1 = part.toolStations.tools[0].dimension2 = 1;
   part.toolStations.tools[1].shapeCode = -7;
-  const std::string svg = drawPart(part, {"p", "part", "", {}}, {});
+  const std::string svg = drawRecord(part, {"p", "part", "", {}}, {});
   EXPECT_TRUE(contains(svg, ">RECTANGLE</text>"));
   EXPECT_TRUE(contains(svg, ">code -7</text>"));
   EXPECT_TRUE(contains(svg, "hole of the tool at a shape"));
@@ -559,7 +568,7 @@ TEST(Pictures, AGroupOfManyPartsIsCapped) {
   for (std::size_t i = 0; i < list.parts.size(); ++i) list.parts[i].width = static_cast<float>(i % 7 + 1);
   list.parts[3].width = 1e30F;
   list.parts[4].height = -1;
-  const std::string svg = drawGroupPart(list, {"g", "group-part", "", {}}, {});
+  const std::string svg = drawRecord(list, {"g", "group-part", "", {}}, {});
   EXPECT_EQ(countOf(svg, ">NEW PART</text>"), kMostParts);
   EXPECT_TRUE(contains(svg, "99 parts: beyond the first 200"));
   EXPECT_TRUE(contains(svg, "1 part: the size is not positive"));

@@ -38,4 +38,29 @@ TEST(RecordBytes, LoadFromMemoryFillsTheRecordLikeALoadFromAPath) {
   EXPECT_GT(compared, 200);
 }
 
+// Which members a load sets before it refuses a version is not the same for all kinds.
+TEST(RecordBytes, RefusedVersionsLeaveTheSameRecordFromMemoryAsFromAPath) {
+  const TempFolder folder;
+  int refused = 0;
+  for (const Kind& kind : kinds())
+    for (const int version : {-1, 0, 1, 4, 53, 63, 163, 181, 32767}) {
+      const Bytes bytes = Bytes().i16(version).zeros(100);
+      const std::string path = folder.write("file", bytes);
+      withFileRecord(kind.kind, [&](auto file) {
+        const auto loaded = std::make_unique<typename decltype(file)::Record>();
+        const auto status = file.load(path.c_str(), *loaded);
+        const auto ofBytes = values::loadRecord<decltype(file)::kKind>(bytes.span(), path);
+        SCOPED_TRACE(testing::Message() << kind.name << ' ' << version);
+        EXPECT_EQ(ofBytes.status, status);
+        EXPECT_EQ(ofBytes.version, version);
+        EXPECT_EQ(values::firstDifference(*loaded, *ofBytes.record), std::nullopt);
+        if (!frame::infoOf(kind.kind).accepts(version)) {
+          EXPECT_EQ(ofBytes.walked, 0U);
+          ++refused;
+        }
+      });
+    }
+  EXPECT_GT(refused, 40);
+}
+
 }  // namespace

@@ -352,7 +352,7 @@ class Weigher : public Reading<Weigher> {
 // Those with small records first. The large records take longer to create than the beginning of a file takes to walk.
 constexpr std::array kByRecordSize{FileKind::macro, FileKind::groupPart, FileKind::specialTool, FileKind::toolInventory,
                                    FileKind::part,  FileKind::material,  FileKind::machine,     FileKind::sheet};
-static_assert(kByRecordSize.size() == frame::kFileKinds.size());
+static_assert(kByRecordSize.size() == frame::kFileKindCount);
 constexpr bool isLarge(FileKind kind) {
   return kind == FileKind::material || kind == FileKind::machine || kind == FileKind::sheet;
 }
@@ -441,7 +441,7 @@ class Candidates {
     });
   }
 
-  std::array<Candidate, frame::kFileKinds.size()> all_;
+  std::array<Candidate, frame::kFileKindCount> all_;
   std::size_t count_ = 0;
 };
 

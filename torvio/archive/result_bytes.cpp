@@ -132,7 +132,7 @@ class Unpacker {
   }
   void get(double& value) { value = std::bit_cast<double>(getWord()); }
   void get(Verdict& value) { value = static_cast<Verdict>(getChoice(kVerdicts)); }
-  void get(explain::FileKind& value) { value = static_cast<explain::FileKind>(getChoice(frame::kFileKinds.size())); }
+  void get(explain::FileKind& value) { value = static_cast<explain::FileKind>(getChoice(frame::kFileKindCount)); }
   void get(std::string& text) { text = take(getWord()); }
   template <class T>
   void get(std::optional<T>& value) {

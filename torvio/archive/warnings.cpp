@@ -299,14 +299,10 @@ std::vector<Warning> warningsOf(const Record& record) {
   return to.finished();
 }
 
-template std::vector<Warning> warningsOf(const TorvPart&);
-template std::vector<Warning> warningsOf(const SheetPartList&);
-template std::vector<Warning> warningsOf(const OldSpecialTool&);
-template std::vector<Warning> warningsOf(const OldMachine&);
-template std::vector<Warning> warningsOf(const OldMaterial&);
-template std::vector<Warning> warningsOf(const OldToolInventory&);
-template std::vector<Warning> warningsOf(const OldMacro&);
-template std::vector<Warning> warningsOf(const OldSheet&);
+#define OLDTORVIO_WARNINGS_OF(KIND) \
+  template std::vector<Warning> warningsOf(const FileRecord<frame::FileKind::KIND>::Record&);
+OLDTORVIO_EACH_FILE_KIND(OLDTORVIO_WARNINGS_OF)
+#undef OLDTORVIO_WARNINGS_OF
 
 std::optional<Warning> traceOfSave(std::span<const std::byte> bytes, const explain::FileReport& report) {
   const auto surplus = convert::surplusOf(bytes, explain::FileKind::sheet, report);

@@ -5,12 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include "torvio/archive/drawn_card.h"
 #include "torvio/archive/verdict.h"
 #include "torvio/cli/commands.h"
 #include "torvio/cli/file_text.h"
 #include "torvio/cli/output.h"
 #include "torvio/cli/output_file.h"
-#include "torvio/draw/drawn_card.h"
 #include "torvio/explain/file_content.h"
 
 namespace torvio {
@@ -66,7 +66,7 @@ class DrawCommand : public Command {
 
   ExitCode writePage() const {
     return writeOutput(output_, [&](OutputText& output) {
-      const std::string title = files_.size() == 1 ? draw::nameOfFile(files_.front()) : "Contact sheet";
+      const std::string title = files_.size() == 1 ? archive::nameOfFile(files_.front()) : "Contact sheet";
       output.write(draw::pageHead(title, files_.size()));
       ExitCode worst = kSound;
       for (std::size_t i = 0; i < files_.size(); ++i) {
@@ -81,15 +81,15 @@ class DrawCommand : public Command {
   }
 
   Drawn drawFile(const std::string& path, std::size_t number, bool isInline) const try {
-    const std::string name = draw::nameOfFile(path);
+    const std::string name = archive::nameOfFile(path);
     const explain::FileContent file(path);
     if (!file.error().empty()) return {{name, file.error(), ""}, file.error(), kNotReadOrWritten};
-    draw::DrawnCard drawn =
-        draw::drawCard(path, name, file.bytes(), judge_, encodingNamed(encoding_), number, isInline);
+    archive::DrawnCard drawn =
+        archive::drawCard(path, name, file.bytes(), judge_, encodingNamed(encoding_), number, isInline);
     const ExitCode code = drawn.error.empty() ? kSound : kDamaged;
     return {std::move(drawn.card), std::move(drawn.error), code};
   } catch (const std::bad_alloc&) {
-    return {{draw::nameOfFile(path), kNoMemory, ""}, kNoMemory, kNotReadOrWritten};
+    return {{archive::nameOfFile(path), kNoMemory, ""}, kNoMemory, kNotReadOrWritten};
   }
 
   std::vector<std::string> files_;

@@ -11,8 +11,7 @@
 #include <span>
 #include <string>
 
-#include "OldTorvIO.h"
-#include "src/frame/file_kinds.h"
+#include "src/file_records.h"
 #include "torvio/values/json.h"
 
 namespace oldtorvio::compare {
@@ -53,18 +52,13 @@ struct Difference {
 // Takes the differences in the order of the members. Returns false to end the comparison.
 using DifferenceSink = std::function<bool(const Difference&)>;
 
-// These return whether both are the same.
-bool diffRecords(const TorvPart& a, const TorvPart& b, const DiffOptions& options, const DifferenceSink& sink);
-bool diffRecords(const SheetPartList& a, const SheetPartList& b, const DiffOptions& options,
+// Returns whether both are the same. They are of that kind of file.
+bool diffRecords(frame::FileKind kind, const void* a, const void* b, const DiffOptions& options,
                  const DifferenceSink& sink);
-bool diffRecords(const OldSpecialTool& a, const OldSpecialTool& b, const DiffOptions& options,
-                 const DifferenceSink& sink);
-bool diffRecords(const OldMachine& a, const OldMachine& b, const DiffOptions& options, const DifferenceSink& sink);
-bool diffRecords(const OldMaterial& a, const OldMaterial& b, const DiffOptions& options, const DifferenceSink& sink);
-bool diffRecords(const OldToolInventory& a, const OldToolInventory& b, const DiffOptions& options,
-                 const DifferenceSink& sink);
-bool diffRecords(const OldMacro& a, const OldMacro& b, const DiffOptions& options, const DifferenceSink& sink);
-bool diffRecords(const OldSheet& a, const OldSheet& b, const DiffOptions& options, const DifferenceSink& sink);
+template <class Record>
+bool diffRecords(const Record& a, const Record& b, const DiffOptions& options, const DifferenceSink& sink) {
+  return diffRecords(kindOfRecord<Record>(), &a, &b, options, sink);
+}
 
 // ---- files -------------------------------------------------------------------------------------------
 

@@ -1,7 +1,6 @@
 #include "torvio/compare/stored_members.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -13,6 +12,7 @@
 #include "src/file_records.h"
 #include "torvio/explain/layout_walker.h"
 #include "torvio/explain/map.h"
+#include "torvio/values/renamed_fields.h"
 #include "torvio/values/types.h"
 
 namespace oldtorvio::compare {
@@ -264,7 +264,7 @@ StoredMembers::StoredMembers(frame::FileKind kind, int version) {
     Walker walker(version, paths_);
     walker.inRecord(*record, &values::typeOfRecord(kind), [&] { (void)file.walk(walker, *record); });
     // The layout keeps this in a variable of another name until the record has been read.
-    if (has("machinePath")) paths_["machine.path"];
+    if (has(values::kMachinePath.field)) paths_[std::string(values::kMachinePath.member)];
     if (has("patterns.bindings")) nameBindings("patterns.");
     if (has("partList.parts.patterns.bindings")) nameBindings("partList.parts.patterns.");
     if (has("parts.patterns.bindings")) nameBindings("parts.patterns.");
@@ -276,13 +276,8 @@ StoredMembers::StoredMembers(frame::FileKind kind, int version) {
 
 // The columns of a pattern, which files store row by row.
 void StoredMembers::nameBindings(const std::string& pattern) {
-  constexpr std::array<std::pair<const char*, const char*>, 5> kColumns{{{"first", "bindFirst"},
-                                                                         {"second", "bindSecond"},
-                                                                         {"third", "bindThird"},
-                                                                         {"fourth", "bindFourth"},
-                                                                         {"fifth", "bindFifth"}}};
-  for (const auto& [row, column] : kColumns)
-    if (has(pattern + "bindings." + row)) paths_[pattern + column];
+  for (const auto& [field, member] : values::kBindColumns)
+    if (has(pattern + "bindings." + std::string(field))) paths_[pattern + std::string(member)];
 }
 
 bool StoredMembers::hasEntry(std::string_view path, std::size_t entry) const {

@@ -48,6 +48,27 @@ void makeStorable(OldMachine& machine, int version, bool isTrailerStored) {
   makeStorable(machine.material.rules);
 }
 
+// Give the record the values that its file needs to be loaded, and keep all others: widths of texts that a save stores
+// in 256 bytes, a version that a save stores parameter tables in, a pattern for a part that has none. Drop what no save
+// can store: damaged blocks of a sheet. Records of other kinds need nothing.
+void makeStorable(TorvPart& part, int) {
+  if (!part.patterns.empty()) return;
+  part.patterns.emplace_back().items.resize(part.shapes.shapes.size());
+}
+void makeStorable(OldMachine& machine, int version) { makeStorable(machine, version, false); }
+void makeStorable(OldMaterial& material, int version) {
+  if (startsWithTable(FileKind::material, version)) material.params.version = static_cast<std::uint16_t>(version);
+  makeStorable(material.params, version);
+  makeStorable(material.rules);
+}
+void makeStorable(OldSheet& sheet, int version) {
+  sheet.blocks.clear();
+  if (sheet.textWidth < 1 || sheet.textWidth > kTextWidth) sheet.textWidth = kTextWidth;
+  makeStorable(sheet.paramTable, version);
+  makeStorable(sheet.machine, version, true);
+}
+void makeStorable(const auto&, int) {}
+
 // ---- what a save of a sheet leaves out -----------------------------------------------------------------
 
 // The file of a sheet whose machine says that the trailer values of the shapes of the sheet are in it. A save does not
@@ -86,17 +107,10 @@ std::string refusal(std::int64_t status, int version) {
 }  // namespace
 
 bool isSaved(FileKind kind, int version) {
-  if (version > std::numeric_limits<std::int16_t>::max()) return false;
-  switch (kind) {
-    case FileKind::part:
-      return version >= frame::kFirstMainVersion && frame::isPartVersion(version);
-    case FileKind::material:
-      return version < 500 && frame::isMaterialVersion(version);
-    case FileKind::sheet:
-      return frame::isSavedSheetVersion(version);
-    default:
-      return frame::infoOf(kind).accepts(version);
-  }
+  if (version > std::numeric_limits<std::int16_t>::max() || !frame::infoOf(kind).saves(version)) return false;
+  if (!startsWithTable(kind, version)) return version >= frame::kFirstMainVersion;
+  const auto word = static_cast<std::uint16_t>(version);
+  return paramFormToWrite(word) == paramFormToRead(word);
 }
 
 std::string savedVersions(FileKind kind) {
@@ -116,32 +130,11 @@ std::string savedVersions(FileKind kind) {
 
 int nearestSaved(FileKind kind, int version) {
   if (isSaved(kind, version)) return version;
-  if (kind == FileKind::material && frame::isParamTableVersion(version)) return 60;
+  if (startsWithTable(kind, version)) return 60;
   int nearest = frame::VersionSet::kHighest;
   for (int other = frame::VersionSet::kHighest; other > version; --other)
     if (isSaved(kind, other)) nearest = other;
   return nearest;
-}
-
-void makeStorable(TorvPart& part, int) {
-  if (!part.patterns.empty()) return;
-  part.patterns.emplace_back().items.resize(part.shapes.shapes.size());
-}
-void makeStorable(SheetPartList&, int) {}
-void makeStorable(OldSpecialTool&, int) {}
-void makeStorable(OldMachine& machine, int version) { makeStorable(machine, version, false); }
-void makeStorable(OldMaterial& material, int version) {
-  if (startsWithTable(FileKind::material, version)) material.params.version = static_cast<std::uint16_t>(version);
-  makeStorable(material.params, version);
-  makeStorable(material.rules);
-}
-void makeStorable(OldToolInventory&, int) {}
-void makeStorable(OldMacro&, int) {}
-void makeStorable(OldSheet& sheet, int version) {
-  sheet.blocks.clear();
-  if (sheet.textWidth < 1 || sheet.textWidth > kTextWidth) sheet.textWidth = kTextWidth;
-  makeStorable(sheet.paramTable, version);
-  makeStorable(sheet.machine, version, true);
 }
 
 template <FileKind kKind>
@@ -165,13 +158,9 @@ CompleteSave saveCompletely(typename FileRecord<kKind>::Record& record, int vers
                      : ", since it would have " + report.unread())};
 }
 
-template CompleteSave saveCompletely<FileKind::part>(TorvPart&, int);
-template CompleteSave saveCompletely<FileKind::groupPart>(SheetPartList&, int);
-template CompleteSave saveCompletely<FileKind::specialTool>(OldSpecialTool&, int);
-template CompleteSave saveCompletely<FileKind::machine>(OldMachine&, int);
-template CompleteSave saveCompletely<FileKind::material>(OldMaterial&, int);
-template CompleteSave saveCompletely<FileKind::toolInventory>(OldToolInventory&, int);
-template CompleteSave saveCompletely<FileKind::macro>(OldMacro&, int);
-template CompleteSave saveCompletely<FileKind::sheet>(OldSheet&, int);
+#define OLDTORVIO_SAVE_COMPLETELY(KIND) \
+  template CompleteSave saveCompletely<FileKind::KIND>(FileRecord<FileKind::KIND>::Record&, int);
+OLDTORVIO_EACH_FILE_KIND(OLDTORVIO_SAVE_COMPLETELY)
+#undef OLDTORVIO_SAVE_COMPLETELY
 
 }  // namespace oldtorvio::convert

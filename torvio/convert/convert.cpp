@@ -63,7 +63,7 @@ void convertAs(std::span<const std::byte> bytes, int version, const ConvertOptio
   }
   const auto reloaded = values::loadRecord<kKind>(saved.bytes);
   // The version is not a loss.
-  values::beginLoad(*reloaded.record, *loaded.version, {});
+  FileRecord<kKind>::setVersion(*reloaded.record, *loaded.version);
   to.report.losses = lossesOf<kKind>(*loaded.record, *reloaded.record, options.encoding);
   noteOtherDefaults(values::typeOfRecord(kKind), read, to.report);
   to.report.newSize = saved.bytes.size();

@@ -28,7 +28,7 @@ namespace {
 
 bool isDefault(const values::Type& type, const void* record, std::string_view path) {
   const std::optional<Place> place = placeAt(type, record, path);
-  return place && place->fresh != nullptr && values::holdTheSame(*place->type, place->value, place->fresh);
+  return place && place->fresh != nullptr && values::equalContents(*place->type, place->value, place->fresh);
 }
 
 }  // namespace
@@ -66,14 +66,7 @@ std::vector<Loss> lossesOf(const typename FileRecord<kKind>::Record& before,
   template std::vector<Loss> lossesOf<frame::FileKind::KIND>(const FileRecord<frame::FileKind::KIND>::Record&, \
                                                              const FileRecord<frame::FileKind::KIND>::Record&, \
                                                              const std::string&, const PathFilter&);
-OLDTORVIO_LOSSES_OF(part)
-OLDTORVIO_LOSSES_OF(groupPart)
-OLDTORVIO_LOSSES_OF(specialTool)
-OLDTORVIO_LOSSES_OF(machine)
-OLDTORVIO_LOSSES_OF(material)
-OLDTORVIO_LOSSES_OF(toolInventory)
-OLDTORVIO_LOSSES_OF(macro)
-OLDTORVIO_LOSSES_OF(sheet)
+OLDTORVIO_EACH_FILE_KIND(OLDTORVIO_LOSSES_OF)
 #undef OLDTORVIO_LOSSES_OF
 
 }  // namespace oldtorvio::convert

@@ -4,11 +4,12 @@
 
 #include "torvio/convert/member_path.h"
 #include "torvio/convert/report.h"
+#include "torvio/values/renamed_fields.h"
 
 namespace oldtorvio::convert {
 
 std::string memberPathOf(std::string_view fieldPath) {
-  if (fieldPath == "machinePath") return "machine.path";
+  if (fieldPath == values::kMachinePath.field) return std::string(values::kMachinePath.member);
   // The trailer values of a list of shapes are stored after it, or in a machine for those of its sheet.
   if (fieldPath.ends_with("].trailerValue")) {
     if (fieldPath.starts_with("machine.")) fieldPath.remove_prefix(std::string_view("machine.").size());
@@ -26,8 +27,8 @@ void ReadFields::see(const explain::MapLine& line) {
     // One row of the five columns.
     constexpr std::string_view kRow = ".bindings[].";
     if (const std::size_t row = pattern.find(kRow); row != std::string::npos)
-      for (const char* column : {"bindFirst", "bindSecond", "bindThird", "bindFourth", "bindFifth"})
-        add(pattern.substr(0, row + 1) + column + "[]");
+      for (const auto& column : values::kBindColumns)
+        add(pattern.substr(0, row + 1).append(column.member).append("[]"));
     add(std::move(pattern));
   });
 }

@@ -15,6 +15,7 @@
 #include "torvio/convert/member_path.h"
 #include "torvio/convert/read_fields.h"
 #include "torvio/convert/sheet_surplus.h"
+#include "torvio/values/renamed_fields.h"
 
 namespace oldtorvio::convert {
 namespace {
@@ -167,7 +168,7 @@ class SoundPart {
       if (line.size == 0) return;
       read_.see(line);
       if (!elementAt_) dropped_.see(line);
-      if (line.path == "machinePath") machinePath_ = line;
+      if (line.path == values::kMachinePath.field) machinePath_ = line;
       if (fault_ && line.path == fault_->path) isRepeated_ = true;
       if (!broken_) return;
       isListSeen = isListSeen || line.path.starts_with(list);
@@ -378,7 +379,7 @@ void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::st
     report.defaults.insert(report.defaults.begin(), partial);
 
   const auto reloaded = values::loadRecord<kKind>(saved.bytes);
-  values::beginLoad(*reloaded.record, *loaded.version, {});
+  FileRecord<kKind>::setVersion(*reloaded.record, *loaded.version);
   report.losses = lossesOf<kKind>(record, *reloaded.record, encoding, [&](std::string_view path) {
     return sound.read().has(withoutIndexes(path)) && !(broken && isOfBroken(path, *broken));
   });

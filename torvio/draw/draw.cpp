@@ -9,10 +9,13 @@ namespace oldtorvio::draw {
 
 using frame::FileKind;
 
-const char* const kDrawableKinds = "sheets, parts, group parts and machines";
+template <class File>
+constexpr bool kIsDrawable = requires(const typename File::Record& record, FileNote file, PictureOptions options) {
+  drawRecord(record, file, options);
+};
 
 bool canDraw(FileKind kind) {
-  return kind == FileKind::sheet || kind == FileKind::part || kind == FileKind::groupPart || kind == FileKind::machine;
+  return withFileRecord(kind, [](auto one) { return kIsDrawable<decltype(one)>; });
 }
 
 DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_view name,
@@ -23,21 +26,13 @@ DrawnFile drawFile(std::span<const std::byte> bytes, FileKind kind, std::string_
   if (report.fault) file.fault = explain::describe(*report.fault);
   if (report.tolerated) file.tolerated = explain::describe(*report.tolerated);
   file.isUnreadVersion = report.endsInRest();
-  const auto picture = [&]() -> std::string {
-    switch (kind) {
-      case FileKind::sheet:
-        return drawSheet(*values::loadRecord<FileKind::sheet>(bytes).record, file, options);
-      case FileKind::part:
-        return drawPart(*values::loadRecord<FileKind::part>(bytes).record, file, options);
-      case FileKind::groupPart:
-        return drawGroupPart(*values::loadRecord<FileKind::groupPart>(bytes).record, file, options);
-      case FileKind::machine:
-        return drawMachine(*values::loadRecord<FileKind::machine>(bytes).record, file, options);
-      default:
-        return "";
-    }
-  };
-  return {picture(), file.kind, file.fault, file.isUnreadVersion};
+  std::string picture = withFileRecord(kind, [&](auto one) -> std::string {
+    if constexpr (kIsDrawable<decltype(one)>)
+      return drawRecord(*values::loadRecord<decltype(one)::kKind>(bytes).record, file, options);
+    else
+      return "";
+  });
+  return {std::move(picture), file.kind, file.fault, file.isUnreadVersion};
 }
 
 }  // namespace oldtorvio::draw

@@ -19,16 +19,17 @@ inline constexpr std::uint64_t kMostMarksOfSheet = 60000;  // over all placement
 inline constexpr std::uint64_t kMostListed = 60;           // parts in the table of a sheet
 inline constexpr std::uint64_t kMostParts = 200;           // of a group part
 
-bool canDraw(frame::FileKind kind);
-// "sheets, parts, group parts and machines".
-extern const char* const kDrawableKinds;
-
 // Each returns a complete SVG 1.1 document, or for a page an element: without scripts or references, and of bounded
 // size whatever the record contains.
-std::string drawSheet(const OldSheet& sheet, const FileNote& file, const PictureOptions& options);
-std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOptions& options);
-std::string drawGroupPart(const SheetPartList& list, const FileNote& file, const PictureOptions& options);
-std::string drawMachine(const OldMachine& machine, const FileNote& file, const PictureOptions& options);
+std::string drawRecord(const OldSheet& sheet, const FileNote& file, const PictureOptions& options);
+std::string drawRecord(const TorvPart& part, const FileNote& file, const PictureOptions& options);
+std::string drawRecord(const SheetPartList& list, const FileNote& file, const PictureOptions& options);
+std::string drawRecord(const OldMachine& machine, const FileNote& file, const PictureOptions& options);
+
+// Whether there is one for the record of that kind.
+bool canDraw(frame::FileKind kind);
+// Those kinds, in words.
+inline constexpr const char* kDrawableKinds = "sheets, parts, group parts and machines";
 
 struct DrawnFile {
   std::string svg;    // empty if the kind cannot be drawn

@@ -38,7 +38,7 @@ void icon(Svg& svg, const char* fill, const char* stroke, const char* dashes) {
 
 }  // namespace
 
-std::string drawMachine(const OldMachine& machine, const FileNote& file, const PictureOptions& options) {
+std::string drawRecord(const OldMachine& machine, const FileNote& file, const PictureOptions& options) {
   Picture picture(file, options);
   const std::string name = picture.decoded(machine.displayName), text = picture.decoded(machine.machineText1);
   picture.title(!name.empty() ? name : !text.empty() ? text : file.name);

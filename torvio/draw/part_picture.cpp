@@ -133,7 +133,7 @@ class Shelves {
 
 }  // namespace
 
-std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOptions& options) {
+std::string drawRecord(const TorvPart& part, const FileNote& file, const PictureOptions& options) {
   Picture picture(file, options);
   // Only the oldest part files store the name of the part.
   const std::string name = file.read.has("partName") ? picture.decoded(part.partName) : "";
@@ -174,7 +174,7 @@ std::string drawPart(const TorvPart& part, const FileNote& file, const PictureOp
   return picture.take();
 }
 
-std::string drawGroupPart(const SheetPartList& list, const FileNote& file, const PictureOptions& options) {
+std::string drawRecord(const SheetPartList& list, const FileNote& file, const PictureOptions& options) {
   Picture picture(file, options);
   picture.title(file.name);
   if (!list.parts.empty() || file.fault.empty()) picture.fact("Parts", countText(list.parts.size()));

@@ -531,7 +531,7 @@ class SheetPicture {
 
 }  // namespace
 
-std::string drawSheet(const OldSheet& sheet, const FileNote& file, const PictureOptions& options) {
+std::string drawRecord(const OldSheet& sheet, const FileNote& file, const PictureOptions& options) {
   return SheetPicture(sheet, file, options).drawn();
 }
 

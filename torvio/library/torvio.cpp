@@ -9,12 +9,12 @@
 #include <utility>
 #include <vector>
 
+#include "torvio/archive/drawn_card.h"
 #include "torvio/archive/info.h"
 #include "torvio/archive/result_json.h"
 #include "torvio/compare/diff_json.h"
 #include "torvio/convert/convert.h"
 #include "torvio/convert/recover.h"
-#include "torvio/draw/drawn_card.h"
 #include "torvio/explain/format_table.h"
 #include "torvio/explain/kind_names.h"
 #include "torvio/explain/map_filter.h"
@@ -145,7 +145,7 @@ void map(Answer& answer, const Input& input, const explain::MapFilter& filter, b
   const auto kind = archive::judge(input.name(), bytes, {input.kind(), {}}).kind;
   explain::FileReport report;
   if (isPage) {
-    report::MapPageText page = report::mapPage(draw::nameOfFile(input.name()), bytes, kind, input.encoding());
+    report::MapPageText page = report::mapPage(archive::nameOfFile(input.name()), bytes, kind, input.encoding());
     if (!page.refusal.empty()) fail(refused(page.refusal));
     answer.append(page.html);
     report = std::move(page.report);
@@ -191,31 +191,32 @@ void format(Answer& answer, const std::string& name, const std::string& language
 
 void drawPicture(Answer& answer, const Input& input) {
   const InputBytes file(input);
-  const draw::DrawnCard drawn = draw::drawCard(input.name(), draw::nameOfFile(input.name()), file.bytesOrFail(),
-                                               {input.kind(), {}}, input.encoding(), 0, false);
+  const archive::DrawnCard drawn =
+      archive::drawCard(input.name(), archive::nameOfFile(input.name()), file.bytesOrFail(), {input.kind(), {}},
+                        input.encoding(), 0, false);
   if (drawn.card.svg.empty()) fail(refused(drawn.error));
   answer.append(drawn.card.svg);
   if (drawn.fault) answer.note(damaged(*drawn.fault));
 }
 
-draw::DrawnCard cardOf(const Input& input, std::size_t number) {
+archive::DrawnCard cardOf(const Input& input, std::size_t number) {
   const InputBytes file(input);
-  const std::string name = draw::nameOfFile(input.name());
+  const std::string name = archive::nameOfFile(input.name());
   if (!file.error().empty()) return {{name, file.error(), ""}, file.error(), std::nullopt};
-  return draw::drawCard(input.name(), name, file.bytes(), {input.kind(), {}}, input.encoding(), number, true);
+  return archive::drawCard(input.name(), name, file.bytes(), {input.kind(), {}}, input.encoding(), number, true);
 }
 
 void drawPage(Answer& answer, const torvio_input* inputs, std::size_t count, const char* title) {
   std::vector<Input> files;
   for (std::size_t i = 0; i < count; ++i) files.emplace_back(inputs + i);
   std::string heading = title != nullptr ? values::fileNameAsUtf8(title) : "";
-  if (title == nullptr && count == 1) heading = draw::nameOfFile(files[0].name());
+  if (title == nullptr && count == 1) heading = archive::nameOfFile(files[0].name());
   if (heading.empty()) heading = "Contact sheet";
   answer.append(draw::pageHead(heading, count));
   bool isComplete = true;
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t number = i + 1;
-    const draw::DrawnCard drawn = cardOf(files[i], number);
+    const archive::DrawnCard drawn = cardOf(files[i], number);
     answer.append(draw::pageCard(drawn.card, number));
     if (drawn.error.empty() || !std::exchange(isComplete, false)) continue;
     Problem problem = drawn.fault ? damaged(*drawn.fault) : damaged(drawn.error);

@@ -8,18 +8,11 @@
   PREFIX template std::int64_t storeRecord<frame::FileKind::KIND>(codec::OutStream&,                                \
                                                                   FileRecord<frame::FileKind::KIND>::Record&, int); \
   PREFIX template SavedRecord saveRecord<frame::FileKind::KIND>(FileRecord<frame::FileKind::KIND>::Record&, int);
-#define OLDTORVIO_RECORDS_OF_ALL_KINDS(PREFIX)    \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, part)          \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, groupPart)     \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, specialTool)   \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, machine)       \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, material)      \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, toolInventory) \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, macro)         \
-  OLDTORVIO_RECORD_OF_KIND(PREFIX, sheet)
 
 namespace oldtorvio::values {
 
-OLDTORVIO_RECORDS_OF_ALL_KINDS(extern)
+#define OLDTORVIO_DECLARE_RECORD(KIND) OLDTORVIO_RECORD_OF_KIND(extern, KIND)
+OLDTORVIO_EACH_FILE_KIND(OLDTORVIO_DECLARE_RECORD)
+#undef OLDTORVIO_DECLARE_RECORD
 
 }  // namespace oldtorvio::values

@@ -280,7 +280,7 @@ class JsonWriter {
     std::size_t count = type.count;
     while (count > 0) {
       const void* last = type.lazyAt(at, count - 1);
-      if (last != type.unwritten && !holdTheSame(*type.element, last, type.unwritten)) break;
+      if (last != type.unwritten && !equalContents(*type.element, last, type.unwritten)) break;
       --count;
     }
     open('[');
@@ -294,7 +294,7 @@ class JsonWriter {
     open('{');
     for (const TypeMember& member : type.members) {
       const void* of = memberIn(at, member);
-      if (!member.isStored && holdTheSame(*member.type, of, memberIn(type.fresh.get(), member))) continue;
+      if (!member.isStored && equalContents(*member.type, of, memberIn(type.fresh.get(), member))) continue;
       key(member.name);
       value(*member.type, of);
     }

@@ -107,11 +107,11 @@ const Type& typeOf() {
   return type;
 }
 
-bool holdTheSameElements(const Type& type, const void* one, const void* other, std::size_t count) {
+bool haveEqualElements(const Type& type, const void* one, const void* other, std::size_t count) {
   if (isNumber(type.form)) return count == 0 || std::memcmp(one, other, count * type.size) == 0;
   for (std::size_t i = 0; i < count; ++i)
-    if (!holdTheSame(type, static_cast<const std::byte*>(one) + i * type.size,
-                     static_cast<const std::byte*>(other) + i * type.size))
+    if (!equalContents(type, static_cast<const std::byte*>(one) + i * type.size,
+                       static_cast<const std::byte*>(other) + i * type.size))
       return false;
   return true;
 }
@@ -127,25 +127,25 @@ std::shared_ptr<void> newRecord(frame::FileKind kind) {
       kind, [](auto file) -> std::shared_ptr<void> { return std::make_shared<typename decltype(file)::Record>(); });
 }
 
-bool holdTheSame(const Type& type, const void* one, const void* other) {
+bool equalContents(const Type& type, const void* one, const void* other) {
   switch (type.form) {
     case Form::text:
       return *static_cast<const std::string*>(one) == *static_cast<const std::string*>(other);
     case Form::array:
-      return holdTheSameElements(*type.element, one, other, type.count);
+      return haveEqualElements(*type.element, one, other, type.count);
     case Form::list:
       return type.length(one) == type.length(other) &&
-             holdTheSameElements(*type.element, type.data(one), type.data(other), type.length(one));
+             haveEqualElements(*type.element, type.data(one), type.data(other), type.length(one));
     case Form::lazyArray:
       for (std::size_t i = 0; i < type.count; ++i) {
         const void *const ofOne = type.lazyAt(one, i), *const ofOther = type.lazyAt(other, i);
-        if (ofOne != ofOther && !holdTheSame(*type.element, ofOne, ofOther)) return false;
+        if (ofOne != ofOther && !equalContents(*type.element, ofOne, ofOther)) return false;
       }
       return true;
     case Form::pair:
     case Form::record:
       for (const TypeMember& member : type.members)
-        if (!holdTheSame(*member.type, memberIn(one, member), memberIn(other, member))) return false;
+        if (!equalContents(*member.type, memberIn(one, member), memberIn(other, member))) return false;
       return true;
     default:
       return std::memcmp(one, other, type.size) == 0;

@@ -81,7 +81,7 @@ inline void* memberIn(void* record, const TypeMember& member) {
   return static_cast<std::byte*>(record) + member.offset;
 }
 
-// Whether both have equal contents, as equalContents() of equal.h.
-bool holdTheSame(const Type& type, const void* one, const void* other);
+// Whether both values of that type are equal, as equalContents in equal.h finds for records of one type.
+bool equalContents(const Type& type, const void* one, const void* other);
 
 }  // namespace oldtorvio::values

@@ -89,7 +89,7 @@ PyObject* compareRecords(PyObject* self, PyObject* other, int operation) {
   return guarded<PyObject*>(nullptr, [&] {
     if ((operation != Py_EQ && operation != Py_NE) || Py_TYPE(self) != Py_TYPE(other)) Py_RETURN_NOTIMPLEMENTED;
     const auto [one, two] = bothReadable(asView(self), asView(other));
-    return PyBool_FromLong(values::holdTheSame(*asView(self)->type, one, two) == (operation == Py_EQ) ? 1 : 0);
+    return PyBool_FromLong(values::equalContents(*asView(self)->type, one, two) == (operation == Py_EQ) ? 1 : 0);
   });
 }
 
@@ -104,7 +104,7 @@ PyObject* describeRecord(PyObject* self) {
     std::size_t written = 0, left = 0;
     for (const TypeMember& member : type.members) {
       const void* const at = values::memberIn(record, member);
-      if (values::holdTheSame(*member.type, at, values::memberIn(type.fresh.get(), member))) continue;
+      if (values::equalContents(*member.type, at, values::memberIn(type.fresh.get(), member))) continue;
       if (written == kMostMembers) {
         ++left;
         continue;

@@ -249,7 +249,7 @@ PyObject* compare(PyObject* self, PyObject* other, int operation) {
     const auto answer = [&](bool isEqual) { return PyBool_FromLong(isEqual == (operation == Py_EQ) ? 1 : 0); };
     if (Py_TYPE(other) == Py_TYPE(self) && asView(other)->type == view->type) {
       const auto [one, two] = bothReadable(view, asView(other));
-      return answer(values::holdTheSame(*view->type, one, two));
+      return answer(values::equalContents(*view->type, one, two));
     }
     if (PyObject_Size(other) != static_cast<Py_ssize_t>(lengthOf(view))) return answer(false);
     for (std::size_t i = 0; i < lengthOf(view); ++i) {

@@ -1,30 +1,29 @@
-#include "torvio/draw/drawn_card.h"
+#include "torvio/archive/drawn_card.h"
 
 #include <utility>
 
-namespace oldtorvio::draw {
+namespace oldtorvio::archive {
 
 DrawnCard drawCard(const std::string& path, const std::string& name, std::span<const std::byte> bytes,
-                   const archive::JudgeOptions& judge, const values::TextEncoding& encoding, std::size_t number,
-                   bool isInline) {
+                   const JudgeOptions& judge, const values::TextEncoding& encoding, std::size_t number, bool isInline) {
   DrawnCard drawn;
   drawn.card.name = name;
   const auto refuse = [&](const std::string& error) {
     drawn.card.note = drawn.error = error;
     return drawn;
   };
-  const archive::Judgement judgement = archive::judge(path, bytes, judge);
+  const Judgement judgement = archive::judge(path, bytes, judge);
   const auto kind = judgement.kind;
-  const bool isRefused = judgement.verdict == archive::Verdict::refusedVersion && !judgement.report.endsInRest();
+  const bool isRefused = judgement.verdict == Verdict::refusedVersion && !judgement.report.endsInRest();
   if (!kind || isRefused) return refuse("cannot be drawn: not a file of a known kind and version");
-  if (!canDraw(*kind))
+  if (!draw::canDraw(*kind))
     return refuse("cannot be drawn: a " + std::string(frame::infoOf(*kind).name) + " file has no picture, only " +
-                  kDrawableKinds + " have");
-  PictureOptions options;
+                  draw::kDrawableKinds + " have");
+  draw::PictureOptions options;
   options.encoding = encoding;
   options.idPrefix = "f" + std::to_string(number);
   options.isInline = isInline;
-  DrawnFile picture = drawFile(bytes, *kind, name, options);
+  draw::DrawnFile picture = draw::drawFile(bytes, *kind, name, options);
   drawn.card.svg = std::move(picture.svg);
   const std::string fault = picture.isUnreadVersion ? "not read further" : "damaged";
   drawn.card.note = picture.kind + (picture.fault.empty() ? "" : ", " + fault);
@@ -38,4 +37,4 @@ std::string nameOfFile(const std::string& path) {
   return values::fileNameAsUtf8(folder == std::string::npos ? path : path.substr(folder + 1));
 }
 
-}  // namespace oldtorvio::draw
+}  // namespace oldtorvio::archive
