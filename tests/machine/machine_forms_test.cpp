@@ -778,27 +778,22 @@ TEST(MachineBody, MachineWithoutUnitsLoadsAsItWasStored) {
   }
 }
 
-TEST(MachineBody, FilesLoadFromVersion52To180WithoutGaps) {
-  TempFolder folder;
+// Every version and every word: KindsRoundTrip.
+TEST(MachineFile, HasItsBodyAfterTheVersionWord) {
+  const TempFolder folder;
   auto x = fresh();
   EXPECT_EQ(LoadOldMachine(folder.path("none").c_str(), x.get()), -2);
   EXPECT_EQ(LoadOldMachine(folder.write("short", Bytes().u8(52)).c_str(), x.get()), 1);
   EXPECT_EQ(x->version, 0);
-  for (int version : {-1, 0, 51, 181, 500, 32767}) {
-    EXPECT_EQ(LoadOldMachine(folder.write("refused", Bytes().i16(version).zeros(99)).c_str(), x.get()), -1) << version;
-    EXPECT_EQ(x->version, version);
-  }
-  for (int version : allVersions()) {
-    Made made(version, Form());
-    const std::string path = folder.write("machine", Bytes().i16(version).add(made.m.bytes));
+  for (int version : {52, 180}) {
     x = fresh();
-    ASSERT_EQ(LoadOldMachine(path.c_str(), x.get()), 0) << version;
+    ASSERT_EQ(LoadOldMachine(folder.write("machine", Bytes().i16(version).add(Made(version, Form()).m.bytes)).c_str(),
+                             x.get()),
+              0);
     EXPECT_EQ(x->version, version);
     ShapeList shapes;
     Checker c;
     storedMachine(c, version, Form(), *x, shapes);
-    EXPECT_EQ(LoadOldMachine(folder.write("cut", Bytes().i16(version)).c_str(), x.get()), 1);
-    if (HasFailure()) return;
   }
   Form form;
   form.shapes = true;

@@ -347,16 +347,6 @@ TEST(LoadOldPart, VersionIsStoredWithItsSignAndARefusedOneChangesNothingElse) {
   }
 }
 
-TEST(LoadOldPart, NeighboursOfListedVersionsAreRefused) {
-  const TempFolder folder;
-  for (const int version : {4,   6,   51,  53,  55,  63,  70,  72,  79,  81,  93,  99,  103, 109, 113,
-                            119, 122, 131, 139, 142, 149, 163, 169, 171, 179, 181, 500, 501, 502}) {
-    const Bytes file = Bytes().i16(version).add(emptyBody(version));
-    const auto part = std::make_unique<TorvPart>();
-    EXPECT_EQ(LoadOldPart(folder.write("v", file).c_str(), part.get()), -1) << version;
-  }
-}
-
 TEST(LoadOldPart, FileWithoutACompleteVersionWordLeavesTheRecord) {
   const TempFolder folder;
   struct Attempt {
