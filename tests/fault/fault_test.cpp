@@ -1,4 +1,4 @@
-// Hostile counts, memory use, failing allocations, small stacks and threads.
+// Hostile counts, memory use, full disks, failing allocations and threads.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,6 @@
 #include <vector>
 
 #include "OldTorvIO.h"
-#include "src/frame/host/platform.h"
 #include "src/machine/machine_io.h"
 #include "src/material/material_io.h"
 #include "src/part/part_io.h"
@@ -24,9 +23,12 @@
 #include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/allocation_meter.h"
+#include "tests/support/export_calls.h"
 #include "tests/support/files.h"
+#include "tests/support/full_file.h"
 #include "tests/support/host.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/linked_exports.h"
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
 #include "tests/support/sanitizers.h"
@@ -378,21 +380,18 @@ TEST(HostileFiles, PeakMemoryIsBoundedByTheSizeOfTheFileForTheOtherKinds) {
 // bytes shows only in the stream.
 template <class Write>
 void expectFailuresWhereverTheFileIsFull(const std::string& what, const Write& write, std::size_t ignored = 0) {
-  constexpr std::size_t kAll = std::size_t{1} << 20U;
   const std::size_t size = written(write).size();
-  ASSERT_LT(size, kAll) << what;
+  ASSERT_LT(size, kRoom) << what;
   const std::size_t step = size / 3000 + 1;
   for (std::size_t left = 0; left < size; left += step) {
-    const frame::File file = frame::File::openToWrite("/dev/full");
-    OutStream stream(file.handle());
-    ASSERT_NE(stream.room(kAll - left), nullptr);
-    ASSERT_EQ(write(stream), left + ignored >= size) << what << ", full after " << left << " of " << size;
-    ASSERT_TRUE(stream.failed()) << what << ", full after " << left << " of " << size;
+    FullFile full(left);
+    ASSERT_EQ(write(full.stream()), left + ignored >= size) << what << ", full after " << left << " of " << size;
+    ASSERT_TRUE(full.stream().failed()) << what << ", full after " << left << " of " << size;
   }
 }
 
 TEST(FullDisk, FailsTheSaveOfARecordAtEveryByte) {
-  if (!frame::File::openToWrite("/dev/full")) GTEST_SKIP() << "no device that is always full";
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
   for (const int version : {54, 110, 152, 180}) {
     const auto check = [&](const std::string& what, const auto& write, std::size_t ignored = 0) {
       expectFailuresWhereverTheFileIsFull(what + " of version " + std::to_string(version), write, ignored);
@@ -426,11 +425,9 @@ TEST(FullDisk, FailsTheSaveOfARecordAtEveryByte) {
     sheet->blocks[1].blockShapes.shapes.resize(1);
     const std::size_t size = written([&](auto& to) { return WriteOldSheet(to, version, *sheet); }).size();
     for (std::size_t left = size < 400 ? 0 : size - 400; left < size; ++left) {
-      const frame::File file = frame::File::openToWrite("/dev/full");
-      OutStream stream(file.handle());
-      ASSERT_NE(stream.room((std::size_t{1} << 20U) - left), nullptr);
-      ASSERT_FALSE(WriteOldSheet(stream, version, *sheet) && stream.flush()) << left << " of " << size;
-      ASSERT_TRUE(stream.failed()) << left << " of " << size;
+      FullFile full(left);
+      ASSERT_FALSE(WriteOldSheet(full.stream(), version, *sheet) && full.stream().flush()) << left << " of " << size;
+      ASSERT_TRUE(full.stream().failed()) << left << " of " << size;
     }
   }
 }
@@ -470,43 +467,6 @@ void expectOnFailure(Result expected, Fn&& fn) {
     }
     EXPECT_GT(failures, 0U);
   }
-}
-
-TEST(OutOfMemory, LoadsAndQueriesReturnOne) {
-  const TempFolder folder;
-  const std::string part = folder.write("p", partFile(180, 32001)), group = folder.write("g", groupFile(180)),
-                    tool = folder.write("t.spt", specialToolFile(180, {1, 2}));
-  char text[4096] = "";
-  float number = 0;
-  std::uint32_t length = 0;
-  std::int32_t count = 0;
-  std::uint8_t late = 0;
-  const auto record = std::make_unique<TorvPart>();
-  expectOnFailure<std::int64_t>(1, [&] { return LoadOldPart(part.c_str(), record.get()); });
-  EXPECT_EQ(LoadOldPart(part.c_str(), record.get()), 0) << "the record is still good";
-  expectOnFailure<std::int64_t>(1, [&] {
-    SheetPartList list;
-    return LoadGroupPart(group.c_str(), &list);
-  });
-  expectOnFailure<std::int64_t>(1, [&] {
-    OldSpecialTool loaded;
-    return LoadOldSpecialTool(tool.c_str(), &loaded);
-  });
-  expectOnFailure<std::int64_t>(1, [&] { return GetOldPartInfo(part.c_str(), text, &number, &number, &number); });
-  expectOnFailure<std::int64_t>(1, [&] { return GetOldPartInfo_v1(part.c_str(), "angle", text); });
-  expectOnFailure<std::int64_t>(1, [&] { return GetOldPartTool(part.c_str(), text, 4096, &length); });
-  expectOnFailure<std::int64_t>(1, [&] { return GetOldSptFromPart(part.c_str(), text); });
-  expectOnFailure<std::int64_t>(1, [&] { return GetOldSptFromGroupPart(group.c_str(), text, 4096, &length); });
-  expectOnFailure<std::int32_t>(1, [&] {
-    return OpenSpecialToolFile(tool.c_str(), &length, &number, &number, &number, &number, &number, &count, &number,
-                               &number, &number, &number, &number, &number, &count, &number, &number, &number, &number,
-                               &number, &number, &number, &number, &late);
-  });
-  expectOnFailure<bool>(false, [] {
-    SheetPartList* const list = CreateOldPartlistInfo();
-    DeleteOldPartlistInfo(list);
-    return list != nullptr;
-  });
 }
 
 // As expectOnFailure, but each time with a new record, created while memory is available, which must load the file
@@ -551,22 +511,6 @@ TEST(OutOfMemory, LoadsOfTheOtherKindsReturnOneAndTheRecordLoadsAgain) {
   }
 }
 
-TEST(OutOfMemory, QueriesOfAMachineFileReturnOneAndLeaveTheirOutputs) {
-  const TempFolder folder;
-  const std::string path = folder.write("m", machineFile(180));
-  float out[12];
-  std::fill(std::begin(out), std::end(out), -7.0F);
-  expectOnFailure<std::int64_t>(1, [&] {
-    const std::int64_t status = GetMachineDatasForQD(path.c_str(), &out[0], &out[1], &out[2], &out[3], &out[4], &out[5],
-                                                     &out[6], &out[7], &out[8], &out[9], &out[10], &out[11]);
-    if (status != 0)
-      for (const float one : out) EXPECT_EQ(one, -7.0F);
-    else
-      std::fill(std::begin(out), std::end(out), -7.0F);
-    return status;
-  });
-}
-
 // Loads into a record of the process return 0 if memory runs out after the version word.
 // files: another file for each attempt, since a record keeps the memory of earlier loads.
 void expectZeroAfterTheVersionWordOnFailure(const std::function<Bytes(std::size_t attempt)>& files,
@@ -601,39 +545,10 @@ void expectZeroAfterTheVersionWordOnFailure(const std::function<Bytes(std::size_
   }
 }
 
-TEST(OutOfMemory, LoadsAndHandlesOfSheetsReturnOneAndTheRecordLoadsAgain) {
+// It is stored with a temporary table.
+TEST(OutOfMemory, SaveOfASheetThatWasNeverLoadedReturnsMinusTwo) {
   const TempFolder folder;
-  const std::string path = folder.write("s", sheetFile(180));
-  expectOneOnFailure<OldSheet>(path, LoadOldSheet);
-  OldSheet* handle = nullptr;
-  expectOnFailure<std::int64_t>(1, [&] {
-    const std::int64_t status = GetOldSheetHandle(path.c_str(), &handle);
-    EXPECT_EQ(handle != nullptr, status == 0);
-    FreeSheetHandle(std::exchange(handle, nullptr));
-    return status;
-  });
-  expectOnFailure<bool>(false, [] {
-    OldSheet* const sheet = CreateSheetInfo();
-    DeleteSheetInfo(sheet);
-    return sheet != nullptr;
-  });
-  std::vector<std::int32_t> flags(601);
-  expectOnFailure<std::int64_t>(1, [&] { return GetSheetDriverFlags(path.c_str(), flags.data()); });
-  std::uint32_t count = 77;
-  expectOnFailure<std::int64_t>(1, [&] {
-    const std::int64_t status = GetSheetSequenceListSize(path.c_str(), &count);
-    EXPECT_EQ(std::exchange(count, 77U), status == 0 ? 2U : 77U);
-    return status;
-  });
-}
-
-TEST(OutOfMemory, SavesOfSheetsReturnMinusTwo) {
-  const TempFolder folder;
-  const auto sheet = std::make_unique<OldSheet>();
-  fullSheet(*sheet, 180);
   const std::string path = folder.path("s");
-  expectOnFailure<std::int64_t>(-2, [&] { return SaveOldSheet(path.c_str(), sheet.get(), 180); });
-  // A sheet that was never loaded is stored with a temporary table.
   const auto fresh = std::make_unique<OldSheet>();
   expectOnFailure<std::int64_t>(-2, [&] { return SaveOldSheet(path.c_str(), fresh.get(), 180); });
 }
@@ -666,26 +581,6 @@ TEST(OutOfMemory, GroupIdsReturnOneAndLeaveTheValue) {
     value.assign(value.size(), '#');
     return status;
   });
-}
-
-// 1 for the sheet, whose version is read first, -2 for the part; the edit after that is not reported.
-TEST(OutOfMemory, ReplacingTheSkeletonReturnsOneThenMinusTwoThenZero) {
-  const TempFolder folder;
-  const std::string sheet = folder.write("s", sheetFile(180)), part = folder.write("p", partFile(180));
-  std::vector<std::int64_t> statuses;
-  for (std::size_t n = 0;; ++n) {
-    folder.write("s", sheetFile(180));
-    bool happened = false;
-    std::int64_t status = 0;
-    {
-      const FailingAllocation failing(n, false);
-      status = ReplaceSheetSknPatListWithPartPatList(sheet.c_str(), part.c_str());
-      happened = failing.happened();
-    }
-    if (statuses.empty() || statuses.back() != status) statuses.push_back(status);
-    if (!happened) break;
-  }
-  EXPECT_EQ(statuses, (std::vector<std::int64_t>{1, -2, 0}));
 }
 
 // Once the version is read these return 0, even if memory runs out, and their outputs are unchanged.
@@ -825,210 +720,56 @@ TEST(OutOfMemory, AddingCallsAddNothing) {
   }
 }
 
-// ---- stack and threads ---------------------------------------------------------------------------
+// ---- threads -----------------------------------------------------------------------------------------------
 
-// Functions that use a record of the process.
-void callCurrentMachineAndInventory(const std::string& machine, const std::string& inventory) {
-  MachineInformation information;
-  char text[4][257] = {};
-  float n[20] = {};
-  std::int32_t i[5] = {};
-  std::uint32_t count = 0;
-  EXPECT_EQ(LoadOldMachineInformation(machine.c_str(), &information), 0);
-  EXPECT_EQ(information.infoVersion, 180);
-  EXPECT_EQ(information.infoStationCount, 1);
-  LoadOldStationToolFromMachine(0, &i[0], &i[1], &n[0], &n[1], &n[2], &i[2], &n[3], &n[9], &n[10], &n[11], &n[12],
-                                &i[3], &n[13], &n[16], text[0], &n[19], &n[0], &i[4]);
-  EXPECT_EQ(i[3], 3);
-  EXPECT_EQ(GetOldVLMQMachineName(machine.c_str(), text[0], &count, text[1], text[2], text[3]), 0);
-  EXPECT_EQ(LoadOldToolInventoryForCount(inventory.c_str(), &count), 0);
-  EXPECT_EQ(count, 2U);
-  for (const std::int32_t index : {0, 1}) {
-    GetOldToolInventoryInformation(index, text[index], &n[0], &n[1], &n[2], &n[3], &i[0], &n[4], &n[5], &n[6], &n[7],
-                                   &n[8], &n[9], &i[1], &n[10], &n[11], &n[12], &n[13], &n[14], &n[15]);
-  }
-  EXPECT_STREQ(text[0], "ROUND");
-  EXPECT_STREQ(text[1], "STAR");
+void onEightThreads(const std::function<void(std::size_t thread)>& work) {
+  std::vector<std::thread> threads;
+  for (std::size_t t = 0; t < 8; ++t) threads.emplace_back(work, t);
+  for (std::thread& thread : threads) thread.join();
 }
 
-// Loads and queries the sheet, saves it under another name and edits that file.
-void callSheets(const std::string& folder, bool withCurrentSheet) {
-  const std::string path = folder + "/sheet";
-  OldSheet* const sheet = CreateSheetInfo();
-  ASSERT_NE(sheet, nullptr);
-  ASSERT_EQ(LoadOldSheet(path.c_str(), sheet), 0);
-  OldSheet* handle = nullptr;
-  ASSERT_EQ(GetOldSheetHandle(path.c_str(), &handle), 0);
-  std::string text(4096, '\0');
-  for (const char* key : kSheetKeys) EXPECT_EQ(GetOldSheetInfoByName(handle, key, text.data()), 0);
-  EXPECT_STREQ(text.c_str(), "2");
-  EXPECT_EQ(GetOldSheetInfoPartGroupIDs(handle, text.data()), 0);
-  FreeSheetHandle(handle);
-  std::vector<std::string> texts(9, std::string(600, '\0'));
-  std::vector<std::int32_t> flags(601);
-  float n[8] = {};
-  double late = 0;
-  std::uint32_t word = 0, count = 0;
-  std::int32_t partsLength = 0, toolsLength = 0;
-  EXPECT_EQ(GetOldSheetInfo(path.c_str(), texts[0].data(), texts[1].data(), texts[2].data(), texts[3].data(),
-                            texts[4].data(), texts[5].data(), texts[6].data(), texts[7].data(), texts[8].data(), &n[0],
-                            &n[1], &n[2], &late, text.data(), 4096, &partsLength, text.data(), 4096, &toolsLength),
-            0);
-  EXPECT_EQ(partsLength, 7);
-  EXPECT_GT(toolsLength, 1);
-  EXPECT_EQ(GetOldClampInfo(path.c_str(), &word, &n[0], &n[1], &n[2], n, &count, &n[0]), 0);
-  EXPECT_EQ(GetOldVLMQMaterialName(path.c_str(), texts[0].data(), texts[1].data()), 0);
-  EXPECT_EQ(GetOldSkeletonUtil(path.c_str(), n), 0);
-  EXPECT_EQ(GetSheetDriverFlags(path.c_str(), flags.data()), 0);
-  EXPECT_EQ(GetSheetSequenceListSize(path.c_str(), &count), 0);
-  EXPECT_EQ(count, 2U);
-  if (withCurrentSheet) {
-    EXPECT_EQ(LoadOldSheetInformation(path.c_str()), 0);
-  }
-
-  static std::atomic<int> copies{0};
-  const std::string copy = folder + "/copy" + std::to_string(++copies);
-  EXPECT_EQ(SaveOldSheet(copy.c_str(), sheet, 180), 0);
-  EXPECT_EQ(UpdateSheetPartWONumber(copy.c_str(), "PLATE", "W1", "W2"), 0);
-  EXPECT_EQ(ReplaceSheetMachineNcPath(copy.c_str(), "D:\\NC"), 0);
-  EXPECT_EQ(ReplaceSheetSknPatListWithPartPatList(copy.c_str(), (folder + "/p.part").c_str()), 0);
-  DeleteSheetInfo(sheet);
-  OldSheet* edited = nullptr;
-  ASSERT_EQ(GetOldSheetHandle(copy.c_str(), &edited), 0);
-  EXPECT_STREQ(edited->machine.ncPath, "D:\\NC");
-  EXPECT_TRUE(edited->partList.parts.empty());
-  DeleteSheetInfo(edited);
-}
-
-// Calls every export once, with files that let it succeed.
-void callEverything(const std::string& folder, bool withBuilder) {
-  const std::string part = folder + "/p.part", group = folder + "/g", tool = folder + "/named.spt";
-  char text[8192] = "";
-  float number = 0;
-  std::uint32_t length = 0;
-  std::int32_t count = 0;
-  std::uint8_t late = 0;
-  const std::uint32_t values[9] = {};
-  auto* const record = new TorvPart;
-  auto* const special = new OldSpecialTool;
-  SheetPartList* const list = CreateOldPartlistInfo();
-  EXPECT_EQ(LoadOldPart(part.c_str(), record), 0);
-  EXPECT_EQ(LoadGroupPart(group.c_str(), list), 0);
-  EXPECT_EQ(LoadOldSpecialTool(tool.c_str(), special), 0);
-  EXPECT_EQ(GetOldPartInfo(part.c_str(), text, &number, &number, &number), 0);
-  for (const char* key : {"angle", "Revision", "MatType", "Thickness"})
-    EXPECT_EQ(GetOldPartInfo_v1(part.c_str(), key, text), 0);
-  EXPECT_EQ(GetOldPartTool(part.c_str(), text, 8192, &length), 0);
-  text[0] = '\0';
-  EXPECT_EQ(GetOldSptFromPart(part.c_str(), text), 0);
-  EXPECT_EQ(GetOldSptFromGroupPart(group.c_str(), text, 8192, &length), 0);
-  const std::string machine = folder + "/machine", material = folder + "/material", inventory = folder + "/inventory",
-                    macro = folder + "/macro";
-  auto* const oldMachine = new OldMachine;
-  auto* const oldMaterial = new OldMaterial;
-  auto* const oldInventory = new OldToolInventory;
-  auto* const oldMacro = new OldMacro;
-  float n[20] = {};
-  EXPECT_EQ(LoadOldMachine(machine.c_str(), oldMachine), 0);
-  EXPECT_EQ(LoadOldMaterial(material.c_str(), oldMaterial), 0);
-  EXPECT_EQ(LoadOldMaterial((folder + "/table").c_str(), oldMaterial), 0);
-  EXPECT_EQ(LoadOldToolInventory(inventory.c_str(), oldInventory), 0);
-  EXPECT_EQ(LoadOldMacro(macro.c_str(), oldMacro), 0);
-  EXPECT_EQ(GetMachineDatasForQD(machine.c_str(), &n[0], &n[1], &n[2], &n[3], &n[4], &n[5], &n[6], &n[7], &n[8], &n[9],
-                                 &n[10], &n[11]),
-            0);
-  EXPECT_EQ(oldMachine->stationsA.stations.size(), 1U);
-  EXPECT_EQ(oldInventory->tools.size(), 2U);
-  EXPECT_EQ(oldMacro->shapes.shapes.size(), 2U);
-  EXPECT_EQ(oldMaterial->version, 60);
-  callSheets(folder, withBuilder);
-  delete oldMacro;
-  delete oldInventory;
-  delete oldMaterial;
-  delete oldMachine;
-  if (withBuilder) {
-    callCurrentMachineAndInventory(machine, inventory);
-    InitTorvPart(1, 2, 3, 4, "a", "b", "c", "d", "e", "f");
-    EXPECT_EQ(AddPatternToTorvPart(1, 2, 3, 4, values, 0, 0, 0, 0, 0, 0, "NAMED", 0, 0, 0, 0), 1);
-    EXPECT_EQ(AddGroupPatIntoTorvPart(1, 2, 3, "named"), 3);
-    EXPECT_EQ(AddPatIntoGroupPat(2, 1, 2, 3, 0, values), 4);
-    EXPECT_EQ(SaveTorvPart((folder + "/saved").c_str(), 180), 0);
-    EXPECT_EQ(OpenSpecialToolFile(tool.c_str(), &length, &number, &number, &number, &number, &number, &count, &number,
-                                  &number, &number, &number, &number, &number, &count, &number, &number, &number,
-                                  &number, &number, &number, &number, &number, &late),
-              0);
-    GetShapeAt(0, &count, &number, &number, &number, &number, &number, &number);
-  }
-  DeleteOldPartlistInfo(list);
-  delete special;
-  delete record;
-}
-
-class AllExports : public testing::Test {
- protected:
-  AllExports() {
-    folder_.write("p.part", partFile(180, 32001));
-    folder_.write("g", groupFile(180));
-    folder_.write("named.spt", specialToolFile(162, {1}));
-    folder_.write("machine", machineFile(180));
-    folder_.write("material", materialFile(180));
-    folder_.write("table", materialFile(60));
-    folder_.write("inventory", inventoryFile(180));
-    folder_.write("macro", macroFile(180));
-    folder_.write("sheet", sheetFile(180));
-  }
-  TempFolder folder_;
-  WinIni ini_{WinIni::folderSetting(folder_.path() + "/")};
-};
-
-TEST_F(AllExports, EveryExportWorksOnAStackOf64Kibibytes) {
-  if (kIsSanitized) GTEST_SKIP() << "sanitizers enlarge every stack frame";
-  std::string path = folder_.path();
-  ASSERT_TRUE(runOnStackOf(
-      64U * 1024U, [](void* folder) { callEverything(*static_cast<std::string*>(folder), true); }, &path));
-}
-
-TEST_F(AllExports, EightThreadsQueryOneSheet) {
+TEST(EightThreads, QueryOneSheet) {
   if (isCounted()) GTEST_SKIP() << "threads that count at once lose counts";
+  const TempFolder folder;
   OldSheet* sheet = nullptr;
-  ASSERT_EQ(GetOldSheetHandle(folder_.path("sheet").c_str(), &sheet), 0);
-  const std::vector<std::string> keys = {"part_details_01", "preSkeletonDosName", "sheet_utilization", "width"};
+  ASSERT_EQ(GetOldSheetHandle(folder.write("sheet", sheetFile(180)).c_str(), &sheet), 0);
   const auto query = [&] {
     std::string all;
     std::vector<char> value(1U << 16U);
-    for (const std::string& key : keys) {
-      EXPECT_EQ(GetOldSheetInfoByName(sheet, key.c_str(), value.data()), 0);
+    for (const char* key : {"part_details_01", "preSkeletonDosName", "sheet_utilization", "width"}) {
+      EXPECT_EQ(GetOldSheetInfoByName(sheet, key, value.data()), 0);
       all += value.data();
     }
     EXPECT_EQ(GetOldSheetInfoPartGroupIDs(sheet, value.data()), 0);
     return all + value.data();
   };
   const std::string expected = query();
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 8; ++t)
-    threads.emplace_back([&] {
-      for (int i = 0; i < 50; ++i) EXPECT_EQ(query(), expected);
-    });
-  for (std::thread& thread : threads) thread.join();
+  onEightThreads([&](std::size_t) {
+    for (int i = 0; i < 50; ++i) EXPECT_EQ(query(), expected);
+  });
   FreeSheetHandle(sheet);
 }
 
-TEST_F(AllExports, EightThreadsOnTheirOwnRecords) {
+// All exports but those that use what exists once in the process.
+TEST(EightThreads, CallTheExportsOnTheirOwnRecordsAndFiles) {
   if (isCounted()) GTEST_SKIP() << "threads that count at once lose counts";
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 8; ++t)
-    threads.emplace_back([&, t] {
-      const auto part = std::make_unique<TorvPart>();
-      RandomRecords(static_cast<std::uint32_t>(t)).part(*part, 180);
-      const std::string path = folder_.path("thread" + std::to_string(t));
-      for (int i = 0; i < 10; ++i) {
-        callEverything(folder_.path(), false);
-        EXPECT_EQ(SavePart(path.c_str(), *part, 180), 0);
-        EXPECT_EQ(LoadOldPart(path.c_str(), part.get()), 0);
-        part->nestShapeGroups.clear();
-      }
-    });
-  for (std::thread& thread : threads) thread.join();
+  const Samples samples[8];
+  const auto outputs = [&](std::size_t thread) {
+    const Exports exports = linkedExports();
+    std::map<std::string, std::string> all;
+    for (const ExportCall& call : exportCalls()) {
+      if (call.keepsRoom) continue;
+      const PreparedCall p = call.prepare(exports, samples[thread]);
+      EXPECT_EQ(p.call(), call.whenDone) << call.title();
+      all[call.title()] = p.answer();
+    }
+    return all;
+  };
+  const auto expected = outputs(0);
+  EXPECT_GT(expected.size(), 30U);
+  onEightThreads([&](std::size_t thread) {
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(outputs(thread), expected);
+  });
 }
 
 }  // namespace

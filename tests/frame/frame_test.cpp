@@ -14,6 +14,7 @@
 #include "src/part/part_layout.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
+#include "tests/support/full_file.h"
 #include "tests/support/host.h"
 
 namespace {
@@ -271,8 +272,8 @@ TEST(OutStream, PassesNothingOnWithoutContentOrFile) {
 }
 
 TEST(OutStream, TakesNothingMoreAfterAFailedWrite) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
-  File file = File::openToWrite("/dev/full");
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
+  const File file = openFullDevice();
   OutStream stream(file.handle());
   Writer io(stream, 180);
   const char text[4096] = {};
@@ -287,16 +288,13 @@ TEST(OutStream, TakesNothingMoreAfterAFailedWrite) {
 }
 
 TEST(OutStream, EachVerbFailsWhenTheFileTakesNoMore) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
   // With room for `left` bytes in front of the hand-over that fails.
   const auto fails = [](std::size_t left, const auto& verb) {
-    const File file = File::openToWrite("/dev/full");
-    OutStream stream(file.handle());
-    constexpr std::size_t kAll = std::size_t{1} << 20U;
-    EXPECT_NE(stream.room(kAll - left), nullptr);
-    EXPECT_EQ(stream.free().size(), left);
-    Writer io(stream, 180);
-    return !verb(io) && stream.failed();
+    FullFile full(left);
+    EXPECT_EQ(full.stream().free().size(), left);
+    Writer io(full.stream(), 180);
+    return !verb(io) && full.stream().failed();
   };
   const std::string note = "note";
   const std::int32_t numbers[3] = {1, 2, 3};
