@@ -404,15 +404,13 @@ TEST(FullDisk, FailsTheSaveOfARecordAtEveryByte) {
     check("a machine", [&](OutStream& to) { return WriteOldMachine(to, version, nullptr, *machine, false); });
     check("a sheet's machine",
           [&](OutStream& to) { return WriteOldMachine(to, version, &sheetShapes, *machine, true); });
-    const auto material = std::make_unique<OldMaterial>();
-    random.material(*material);
+    const auto material = random.newRecord<OldMaterial>(version);
     check("a material", [&](OutStream& to) { return WriteOldMaterialBody(to, version, *material); });
-    const OldToolInventory inventory = random.toolInventory();
-    check("an inventory", [&](OutStream& to) { return WriteToolInventory(to, version, inventory); });
-    const OldMacro macro = random.macro();
-    check("a macro", [&](OutStream& to) { return WriteMacro(to, version, macro); });
-    const auto part = std::make_unique<TorvPart>();
-    random.part(*part, version);
+    const auto inventory = random.newRecord<OldToolInventory>(version);
+    check("an inventory", [&](OutStream& to) { return WriteToolInventory(to, version, *inventory); });
+    const auto macro = random.newRecord<OldMacro>(version);
+    check("a macro", [&](OutStream& to) { return WriteMacro(to, version, *macro); });
+    const auto part = random.newRecord<TorvPart>(version);
     check("a part", [&](OutStream& to) { return WritePartBody(to, version, false, *part); });
     const auto sheet = std::make_unique<OldSheet>();
     fullSheet(*sheet, version);

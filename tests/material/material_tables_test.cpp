@@ -18,8 +18,7 @@ template <class Pick, class Write, class Read>
 void expectMirrored(const Pick& pick, const Write& write, const Read& read) {
   for (const int version : kVersions) {
     RandomRecords random(static_cast<std::uint32_t>(version));
-    const auto stored = std::make_unique<OldMaterial>();
-    random.material(*stored);
+    const auto stored = random.newRecord<OldMaterial>(version);
     bool ok = false;
     const Bytes bytes = written([&](OutStream& s) { return write(s, version, pick(*stored)); }, &ok);
     ASSERT_TRUE(ok) << version;

@@ -14,22 +14,10 @@ namespace {
 
 using namespace oldtorvio;
 
-void fillRecord(RandomRecords& random, TorvPart& part, int version) { random.part(part, version); }
-void fillRecord(RandomRecords& random, SheetPartList& list, int version) {
-  for (int n = 1 + random.upTo(1); n > 0; --n) random.part(list.parts.emplace_back(), version);
-}
-void fillRecord(RandomRecords& random, OldSpecialTool& tool, int) { tool = random.specialTool(); }
-void fillRecord(RandomRecords& random, OldMachine& machine, int version) { random.machine(machine, version); }
-void fillRecord(RandomRecords& random, OldMaterial& material, int version) {
-  random.material(material);
-  random.paramTable(material.params, frame::isParamTableVersion(version) ? version : 80);
-}
-void fillRecord(RandomRecords& random, OldToolInventory& inventory, int) { inventory = random.toolInventory(); }
-void fillRecord(RandomRecords& random, OldMacro& macro, int) { macro = random.macro(); }
 // A save stores words of the machine that a load of the versions 60 to 151 does not expect: it takes them for what
 // follows the machine, which therefore has to be zeros.
-void fillRecord(RandomRecords& random, OldSheet& sheet, int version) {
-  random.sheet(sheet, version);
+void makeReadable(auto&, int) {}
+void makeReadable(OldSheet& sheet, int version) {
   if (version < 60 || version >= 152) return;
   OldMachine& m = sheet.machine;
   m.machineWord124 = m.machineWord126 = m.machineWord128 = m.machineWord131 = m.machineWord132 = 0;
@@ -54,9 +42,10 @@ Bytes randomFileOf(int version, std::uint32_t seed) {
   }
   // Sheets of such a version are stored as the newest, and have the word of their own.
   const bool isLate = kKind == frame::FileKind::sheet && version >= 500;
-  const auto record = std::make_unique<typename FileRecord<kKind>::Record>();
-  fillRecord(random, *record, isLate ? 180 : version);
-  const auto saved = values::saveRecord<kKind>(*record, isLate ? 180 : version);
+  const int layout = isLate ? 180 : version;
+  const auto record = random.newRecord<typename FileRecord<kKind>::Record>(layout);
+  makeReadable(*record, layout);
+  const auto saved = values::saveRecord<kKind>(*record, layout);
   if (!isLate) return Bytes::of(saved.bytes);
   return Bytes().i16(version).add(Bytes::of(std::span(saved.bytes).subspan(2)));
 }
