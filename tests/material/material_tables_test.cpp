@@ -64,6 +64,18 @@ TEST(SaveMaterial, TableWithoutABodyReturnsMinusTwoForFaults) {
   EXPECT_EQ(SaveMaterial(folder.path("m").c_str(), *material, 52), -2);
 }
 
+TEST(SaveMaterial, TableOrBodyThatCannotBeStoredReturnsMinusTwo) {
+  const TempFolder folder;
+  const std::string path = folder.path("material");
+  const auto material = std::make_unique<OldMaterial>();
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), -2) << "a table without a name";
+  material->params.version = 52;
+  material->params.nameLength = 1;
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), 0);
+  material->name = std::string(10001, 'n');
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), -2) << "a name that no load takes";
+}
+
 TEST(MaterialTables, SettingListComesBackAsItWasStored) {
   expectMirrored([](OldMaterial& m) -> SettingList& { return m.settingLists[0]; }, WriteSettingList, ReadSettingList);
 }

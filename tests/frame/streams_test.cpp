@@ -1,4 +1,4 @@
-// Streams, texts, numbers and version lists.
+// The streams that readers and writers work on.
 #include <gtest/gtest.h>
 #if !defined(_WIN32)
 #include <unistd.h>
@@ -6,11 +6,12 @@
 
 #include <cstdio>
 #include <cstring>
-#include <limits>
-#include <set>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "src/frame/entry.h"
-#include "src/frame/text/text.h"
 #include "src/part/part_layout.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
@@ -21,7 +22,6 @@ namespace {
 
 using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
-using oldtorvio::fixedText;
 using namespace testing_support;
 
 TEST(InStream, FailedReadLeavesTheStreamAtTheEndAndTheFieldAsItWas) {
@@ -139,6 +139,7 @@ TEST(InStream, TextFromAPipeThatEndsEarlyIsNotAppended) {
   }
   std::fclose(file);
 }
+
 #endif
 
 TEST(InStream, LastRunOfALargeFileIsAvailableWhereverItBegins) {
@@ -206,38 +207,6 @@ TEST(OutStream, OnlyByteIsKeptWhenTheBufferGrows) {
   store(4096, 0xDD);
   ASSERT_TRUE(stream.flush());
   EXPECT_EQ(TempFolder::read(path) == expected, true);
-}
-
-TEST(Platform, FilesOfAFolderAreWalkedUntilOneIsEnough) {
-  const TempFolder folder;
-  for (const char* name : {"a", "b", "c.spt"}) (void)folder.write(name, Bytes().u8(1));
-  std::filesystem::create_directory(folder.path("inside"));
-  std::filesystem::create_directory(folder.path("d.spt"));
-  std::set<std::string> names;
-  walkFolder(folder.path(), [&](const std::string& name, const std::string&) { return names.insert(name).second; });
-  EXPECT_EQ(names, (std::set<std::string>{"a", "b", "c.spt"}));
-  int visits = 0;
-  walkFolder(folder.path(), [&](const std::string&, const std::string&) { return ++visits < 2; });
-  EXPECT_EQ(visits, 2);
-}
-
-TEST(Platform, AFinalSeparatorIsLeftOutOfTheFolderThatIsWalked) {
-  const TempFolder folder;
-  std::filesystem::create_directory(folder.path("d"));
-  folder.write("d/one", Bytes().i32(1));
-  const auto walked = [](const std::string& path) {
-    std::set<std::string> names;
-    walkFolder(path, [&](const std::string& name, const std::string&) { return names.insert(name).second; });
-    return names;
-  };
-  EXPECT_EQ(walked(folder.path("d") + '\\'), std::set<std::string>{"one"});
-  EXPECT_EQ(walked(folder.path("dx")), std::set<std::string>{}) << "only a separator is left out";
-
-  // The shortest name there is.
-  const auto before = std::filesystem::current_path();
-  std::filesystem::current_path(folder.path());
-  EXPECT_EQ(walked("d\\"), std::set<std::string>{"one"});
-  std::filesystem::current_path(before);
 }
 
 TEST(OutStream, PassesLargeContentToTheFileInOrder) {
@@ -318,124 +287,6 @@ TEST(OutStream, EachVerbFailsWhenTheFileTakesNoMore) {
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.trailer(FIELDS(shapes), &oldtorvio::Shape::trailerValue); }))
         << left;
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.list(FIELDS(bindings), kPositiveCountFirst); })) << left;
-  }
-}
-
-TEST(Text, FieldsKeepTheBytesAfterTheNul) {
-  char field[8] = {'1', '2', '3', '4', '5', '6', '7', '8'};
-  EXPECT_EQ(fixedText(field), "12345678");
-  setText(field, "ab");
-  EXPECT_EQ(fixedText(field), "ab");
-  EXPECT_EQ(field[3], '4');
-  setText(field, "");
-  EXPECT_EQ(fixedText(field), "");
-  EXPECT_EQ(field[1], 'b');
-  EXPECT_DEATH(setText(field, "12345678"), "");
-}
-
-TEST(Text, DriveIsALetterAndAColon) {
-  for (const char* drive : {"a:", "z:", "A:", "Z:", "m:"})
-    EXPECT_EQ(baseName(std::string(drive) + "x.y"), "x") << drive;
-  for (const char* none : {"@:", "[:", "`:", "{:", "1:", "::", "aa:"})
-    EXPECT_EQ(baseName(std::string(none) + "x.y"), std::string(none) + "x") << none;
-  EXPECT_EQ(baseName("c:"), "");
-  EXPECT_EQ(baseName(":"), ":");
-}
-
-TEST(Text, ComparisonFoldsLettersAToZOnly) {
-  EXPECT_TRUE(equalNoCase("aZ09_", "Az09_"));
-  EXPECT_FALSE(equalNoCase("a", "ab"));
-  EXPECT_FALSE(equalNoCase("[", "{"));
-  EXPECT_FALSE(equalNoCase("@", "`"));
-  EXPECT_FALSE(equalNoCase("\xC4", "\xE4"));
-  for (int a = 0; a < 256; ++a)
-    for (int b = 0; b < 256; ++b) {
-      const char x = static_cast<char>(a), y = static_cast<char>(b);
-      const auto lower = [](int c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
-      ASSERT_EQ(equalNoCase({&x, 1}, {&y, 1}), lower(a) == lower(b));
-    }
-}
-
-TEST(Text, BaseNameHasNeitherDriveNorFoldersNorExtension) {
-  const std::pair<const char*, const char*> cases[] = {{"C:\\A\\B.PRT", "B"},
-                                                       {"c:b.prt", "b"},
-                                                       {"z:/a/b.c.prt", "b.c"},
-                                                       {"Z:b", "b"},
-                                                       {"{:b.prt", "{:b"},
-                                                       {"@:b.prt", "@:b"},
-                                                       {"1:b.prt", "1:b"},
-                                                       {"C:", ""},
-                                                       {":b", ":b"},
-                                                       {"", ""},
-                                                       {"C", "C"},
-                                                       {"a\\", ""},
-                                                       {".prt", ""},
-                                                       {"C:.prt", ""},
-                                                       {"cc:b", "cc:b"}};
-  for (const auto& [path, name] : cases) EXPECT_EQ(baseName(path), name) << path;
-}
-
-TEST(Text, NumbersPrintAsInTheCLocale) {
-  const double values[] = {0,
-                           -0.0,
-                           1,
-                           -1,
-                           0.5,
-                           1e-5,
-                           123456,
-                           1234567,
-                           1e100,
-                           -1e-300,
-                           3.14159265358979,
-                           std::numeric_limits<double>::max(),
-                           std::numeric_limits<double>::denorm_min()};
-  for (const double value : values) {
-    char printed[400];
-    (void)std::snprintf(printed, sizeof printed, "%g", value);
-    EXPECT_EQ(general(value), printed);
-    (void)std::snprintf(printed, sizeof printed, "%6.3f", value);
-    std::string fixed;
-    appendFixed3(fixed, value);
-    EXPECT_EQ(fixed, printed);
-  }
-  std::string integer;
-  appendInteger(integer, std::numeric_limits<std::int64_t>::min());
-  EXPECT_EQ(integer, "-9223372036854775808");
-}
-
-TEST(Text, FormatEndsWhereItsViewEnds) {
-  constexpr std::string_view kText = "a%I64d";
-  const auto printed = [&](std::size_t size) { return printedWithoutValues(kText.substr(0, size), 260); };
-  EXPECT_EQ(printed(0), "");
-  EXPECT_EQ(printed(1), "a");
-  EXPECT_EQ(printed(2), "a");
-  EXPECT_EQ(printed(3), "a");
-  EXPECT_EQ(printed(4), "a6");
-  EXPECT_EQ(printed(5), "a");
-  EXPECT_EQ(printed(6), "a0");
-}
-
-TEST(Versions, ListsContainExactlyTheirNumbers) {
-  int parts = 0, specialTools = 0;
-  for (int v = -70000; v < 70000; ++v) {
-    parts += kPartVersions.has(v) ? 1 : 0;
-    specialTools += kSpecialToolVersions.has(v) ? 1 : 0;
-  }
-  EXPECT_EQ(parts, 39);
-  EXPECT_EQ(specialTools, 34);
-  EXPECT_TRUE(kPartVersions.has(100));
-  EXPECT_FALSE(kPartVersions.has(53));
-  EXPECT_FALSE(kPartVersions.has(6));
-  EXPECT_FALSE(kSpecialToolVersions.has(61));
-  EXPECT_FALSE(kSpecialToolVersions.has(80));
-}
-
-TEST(EndProcess, Aborts) { EXPECT_EXIT(oldtorvio::EndProcess(), endedByTheLibrary(), ""); }
-
-TEST(FileKinds, OnlySpecialToolsHaveAnExtensionOfTheirOwn) {
-  for (const FileKindInfo& info : kFileKinds) {
-    const bool isTool = info.kind == FileKind::specialTool;
-    EXPECT_EQ(info.extension, isTool ? ".spt" : "") << info.name;
   }
 }
 
