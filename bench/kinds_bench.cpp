@@ -29,7 +29,7 @@ void requireSame(Record& library, Record& fread, Write write) {
 
 bool freadMaterial(const std::string& path, OldMaterial& to) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
-  bench::FreadReader io(file, bench::kVersion);
+  testing_support::FreadReader io(file, bench::kVersion);
   std::int16_t version = 0;
   const bool ok = io.fields(FIELDS(version)) && io.record(FIELDS(to.params)) && io.walk(to);
   std::fclose(file);

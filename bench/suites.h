@@ -14,7 +14,7 @@
 
 #include "bench/floor.h"
 #include "bench/heap_meter.h"
-#include "tests/support/fread_walker.h"
+#include "tests/support/field_reader.h"
 
 namespace bench {
 
@@ -28,7 +28,7 @@ const Folder& folder();
 template <class Record, class... More>
 bool freadLoad(const std::string& path, Record& record, const More&... more) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
-  FreadReader io(file, kVersion);
+  testing_support::FreadReader io(file, kVersion);
   std::int16_t version = 0;
   const bool ok = io.fields(FIELDS(version)) && io.walk(record, more...);
   std::fclose(file);

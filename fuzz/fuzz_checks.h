@@ -1,8 +1,8 @@
 // What the fuzz targets share: a failed expectation ends the process, which the fuzzer reports.
 //
-// Each load is made twice, by the reader and by the walker of the benchmarks, which takes one field after the
-// other: both must have the same status, end at the same place in the file and fill the same record, whether
-// the load succeeds or fails, and also if the record already holds data.
+// Each load is made twice, by the reader and by a walker that takes one field after the other: both must have the same
+// status, end at the same place in the file and fill the same record, whether the load succeeds or fails, and also if
+// the record already holds data.
 #pragma once
 #include <algorithm>
 #include <cstddef>
@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "fuzz/record_pair.h"
+#include "src/file_records.h"
 #include "src/frame/codec/reader.h"
 #include "src/frame/codec/stream.h"
 #include "src/frame/codec/writer.h"
@@ -73,6 +74,15 @@ int loadPair(Bytes body, const RecordPair<Record>& pair, Read&& read, Walk&& wal
   expect(walked.status == status && walked.left == stream.left());
   expect(equalContents(pair.read, pair.walked));
   return status;
+}
+
+// Loads the bytes after the version word of a file.
+template <oldtorvio::frame::FileKind kKind, class Record>
+int loadFilePair(Bytes body, int version, const RecordPair<Record>& pair) {
+  return loadPair(
+      body, pair,
+      [&](auto& in, Record& to) { return static_cast<int>(oldtorvio::FileRecord<kKind>::read(in, version, to)); },
+      [&](Record& to) { return walkFile<kKind>(body, version, to); });
 }
 
 // The bytes as a file that only this process uses.

@@ -12,16 +12,8 @@ using namespace oldtorvio;
 
 namespace {
 
-using GroupPart = codec::GroupPartFile<std::vector<TorvPart>>;
-
 int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<SheetPartList>& pair) {
-  return fuzzing::loadPair(
-      body, pair,
-      [&](auto& in, SheetPartList& to) {
-        GroupPart file{to.parts};
-        return codec::resultOf(codec::readRecord(in, version, file));
-      },
-      [&](SheetPartList& to) { return fuzzing::walkGroupPart(body, version, to); });
+  return fuzzing::loadFilePair<frame::FileKind::groupPart>(body, version, pair);
 }
 
 void askByPath(std::int64_t status) {
@@ -62,11 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzzing::expect(codec::readRecord(again, version, extraPartCount) &&
                     codec::readRecord(again, version, nameBlockSize));
     fuzzing::expectSettled(
-        pair.read,
-        [&](auto& in, SheetPartList& to) {
-          GroupPart all{to.parts};
-          return codec::resultOf(codec::readRecord(in, version, all));
-        },
+        pair.read, [&](auto& in, SheetPartList& to) { return ReadGroupPart(in, version, to); },
         [&](auto& out, const SheetPartList& from) {
           const codec::GroupPartFile<const std::vector<TorvPart>> all{
               from.parts, static_cast<std::int32_t>(from.parts.size() - 1), nameBlockSize};

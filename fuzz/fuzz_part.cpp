@@ -25,12 +25,6 @@ int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const 
       [&](TorvPart& to) { return fuzzing::walkPartBody(body, version, embedded, stopEarly, to); });
 }
 
-int loadOldest(fuzzing::Bytes body, int version, const fuzzing::RecordPair<TorvPart>& pair) {
-  return fuzzing::loadPair(
-      body, pair, [&](auto& in, TorvPart& to) { return ReadPartFile(in, version, to); },
-      [&](TorvPart& to) { return fuzzing::walkOldestPart(body, version, to); });
-}
-
 // What a load sets in front of the body.
 void setBeside(TorvPart& part, int version) {
   part.version = version;
@@ -93,11 +87,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   pair.both([&](TorvPart& part) { setBeside(part, version); });
   const TorvPart& part = pair.read;
   if (version < frame::kFirstMainVersion) {
-    const int result = loadOldest(body, version, pair);
+    const auto loadOldest = [&] { return fuzzing::loadFilePair<frame::FileKind::part>(body, version, pair); };
+    const int result = loadOldest();
     fuzzing::expect(result == 1 || version == frame::kVersion5);
     loadByPath(file, result, pair, turn);
     // The second time the record already holds data.
-    fuzzing::expect(loadOldest(body, version, pair) == result);
+    fuzzing::expect(loadOldest() == result);
     for (const Shape& shape : part.shapes.shapes) fuzzing::expect(shape.valueCount == 9);
     return 0;
   }

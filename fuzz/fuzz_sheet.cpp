@@ -32,9 +32,7 @@ bool comesBack(const OldSheet& s, int version) {
 }
 
 int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSheet>& pair) {
-  return fuzzing::loadPair(
-      body, pair, [&](auto& in, OldSheet& to) { return ReadOldSheet(in, version, to); },
-      [&](OldSheet& to) { return fuzzing::walkSheet(body, version, to); });
+  return fuzzing::loadFilePair<frame::FileKind::sheet>(body, version, pair);
 }
 
 void save(const fuzzing::RecordPair<OldSheet>& pair, int version) {

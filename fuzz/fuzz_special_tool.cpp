@@ -10,9 +10,7 @@ using namespace oldtorvio;
 namespace {
 
 int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldSpecialTool>& pair) {
-  return fuzzing::loadPair(
-      body, pair, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
-      [&](OldSpecialTool& to) { return fuzzing::walkSpecialTool(body, version, to); });
+  return fuzzing::loadFilePair<frame::FileKind::specialTool>(body, version, pair);
 }
 
 // The current special tool has data from the inputs before, so only what every load sets is known.

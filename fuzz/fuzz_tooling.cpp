@@ -13,14 +13,10 @@ using namespace oldtorvio;
 namespace {
 
 int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldToolInventory>& pair) {
-  return fuzzing::loadPair(
-      body, pair, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
-      [&](OldToolInventory& to) { return fuzzing::walkToolInventory(body, version, to); });
+  return fuzzing::loadFilePair<frame::FileKind::toolInventory>(body, version, pair);
 }
 int load(fuzzing::Bytes body, int version, const fuzzing::RecordPair<OldMacro>& pair) {
-  return fuzzing::loadPair(
-      body, pair, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
-      [&](OldMacro& to) { return fuzzing::walkMacro(body, version, to); });
+  return fuzzing::loadFilePair<frame::FileKind::macro>(body, version, pair);
 }
 
 // A special tool whose file is not in the inventory's list ends the process when it is queried.

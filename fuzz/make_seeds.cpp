@@ -1,24 +1,18 @@
 // Writes what the fuzz targets start from into corpus folders: small files of every accepted
 // version, and some of them cut.
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
 
+#include "src/file_records.h"
 #include "src/frame/text/text.h"
-#include "src/frame/versions.h"
-#include "src/machine/machine_io.h"
-#include "src/material/material_io.h"
-#include "src/part/part_io.h"
-#include "src/tooling/inventory_io.h"
-#include "src/tooling/macro_io.h"
-#include "src/tooling/special_tool_io.h"
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
 
 #if defined(FUZZ_COMPANION)
-#include <cstddef>
 #include <initializer_list>
 #include <iterator>
 #include <span>
@@ -31,8 +25,18 @@
 #endif
 
 using namespace oldtorvio;
+using frame::FileKind;
+using testing_support::RandomRecords;
 
 namespace {
+
+// Tool inventories and macros share a target.
+std::filesystem::path seedPath(const std::filesystem::path& root, FileKind kind, int version) {
+  static constexpr const char* kFolders[] = {"part",     "group_part", "special_tool", "machine",
+                                             "material", "tooling",    "tooling",      "sheet"};
+  const char* const end = kind == FileKind::toolInventory ? "_inventory" : kind == FileKind::macro ? "_macro" : "";
+  return root / kFolders[static_cast<std::size_t>(kind)] / ("version_" + std::to_string(version) + end);
+}
 
 // Nothing writes these versions: a file of small numbers, so that counts are small as well.
 void oldestParts(const std::filesystem::path& folder) {
@@ -49,9 +53,8 @@ void oldestParts(const std::filesystem::path& folder) {
 // elements; with a part and a tool that it uses, or with an element in the lists of its own.
 enum class Extra { none, part, lists };
 void sheet(const std::filesystem::path& path, int version, Extra extra) {
-  testing_support::RandomRecords random(static_cast<std::uint32_t>(version), 0);
-  const auto s = std::make_unique<OldSheet>();
-  random.sheet(*s, version);
+  RandomRecords random(static_cast<std::uint32_t>(version), 0);
+  const auto s = random.newRecord<OldSheet>(version);
   random.paramTable(s->paramTable, 52);
   s->textWidth = 9;
   s->machine.path[8] = '\0';
@@ -117,21 +120,11 @@ void put(const std::filesystem::path& path, std::initializer_list<std::size_t> h
 void companionSeeds(const std::filesystem::path& root) {
   for (const char* target : {"convert", "detection", "diff", "json", "pictures"})
     std::filesystem::create_directories(root / target);
-  const struct {
-    frame::FileKind kind;
-    const char *folder, *end;
-  } kKinds[] = {{frame::FileKind::part, "part", ""},
-                {frame::FileKind::groupPart, "group_part", ""},
-                {frame::FileKind::specialTool, "special_tool", ""},
-                {frame::FileKind::machine, "machine", ""},
-                {frame::FileKind::material, "material", ""},
-                {frame::FileKind::toolInventory, "tooling", "_inventory"},
-                {frame::FileKind::macro, "tooling", "_macro"},
-                {frame::FileKind::sheet, "sheet", ""}};
-  for (const auto& [kind, folder, end] : kKinds) {
+  for (const frame::FileKindInfo& one : frame::kFileKinds) {
+    const FileKind kind = one.kind;
     std::vector<std::pair<int, Bytes>> files;
     for (int version = frame::kFirstMainVersion; version <= frame::VersionSet::kHighest; ++version) {
-      const std::filesystem::path path = root / folder / ("version_" + std::to_string(version) + end);
+      const std::filesystem::path path = seedPath(root, kind, version);
       if (std::filesystem::exists(path)) files.emplace_back(version, contentOf(path));
     }
     const auto number = static_cast<std::size_t>(kind);
@@ -141,7 +134,7 @@ void companionSeeds(const std::filesystem::path& root) {
     const Bytes& newest = files.back().second;
     for (const std::size_t at : {std::size_t{0}, files.size() / 2, files.size() - 1}) {
       const auto& [version, file] = files[at];
-      const std::string name(std::string(frame::infoOf(kind).name) + "_" + std::to_string(version));
+      const std::string name(std::string(one.name) + "_" + std::to_string(version));
       put(root / "detection" / name, {}, {file});
       const Bytes cut(file.begin(), file.end() - static_cast<std::ptrdiff_t>(file.size() / 3));
       put(root / "detection" / (name + "_cut"), {}, {cut});
@@ -171,8 +164,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path root(argv[1]);
-  for (const char* kind : {"part", "group_part", "special_tool", "machine", "material", "tooling", "sheet"})
-    std::filesystem::create_directories(root / kind);
+  for (const frame::FileKindInfo& one : frame::kFileKinds)
+    std::filesystem::create_directories(seedPath(root, one.kind, 0).parent_path());
 
   const auto shortened = [](const std::filesystem::path& path) {
     const auto size = std::filesystem::file_size(path);
@@ -182,50 +175,46 @@ int main(int argc, char** argv) {
     std::filesystem::resize_file(cut, size - size / 3);
   };
   for (int version = frame::kFirstMainVersion; version <= frame::VersionSet::kHighest; ++version) {
-    testing_support::RandomRecords random(static_cast<std::uint32_t>(version), 1);
-    const std::string name = "version_" + std::to_string(version);
-    if (frame::kPartVersions.has(version)) {
-      const auto part = std::make_unique<TorvPart>();
-      random.part(*part, version);
-      (void)SavePart((root / "part" / name).string().c_str(), *part, version);
-      if (version % 3 == 0) shortened(root / "part" / name);
+    RandomRecords random(static_cast<std::uint32_t>(version), 1);
+    const auto path = [&](FileKind kind) { return seedPath(root, kind, version); };
+    // A record of the kind, saved as it is.
+    const auto save = [&](auto file) {
+      const auto record = random.newRecord<typename decltype(file)::Record>(version);
+      (void)file.save(path(file.kKind).string().c_str(), *record, version);
+    };
+    if (frame::isPartVersion(version)) {
+      save(FileRecord<FileKind::part>());
+      if (version % 3 == 0) shortened(path(FileKind::part));
     }
-    if (version >= frame::kFirstGroupPartVersion && frame::kPartVersions.has(version)) {
-      SheetPartList list;
-      for (int n = random.upTo(1); n >= 0; --n) random.part(list.parts.emplace_back(), version);
-      (void)SaveGroupPart((root / "group_part" / name).string().c_str(), list, version, 1 + random.upTo(255));
-      shortened(root / "group_part" / name);
+    if (frame::isGroupPartVersion(version) && frame::isPartVersion(version)) {
+      const auto list = random.newRecord<SheetPartList>(version);
+      (void)SaveGroupPart(path(FileKind::groupPart).string().c_str(), *list, version, 1 + random.upTo(255));
+      shortened(path(FileKind::groupPart));
     }
     if (version % 4 == 0 && frame::isMachineVersion(version)) {
-      testing_support::RandomRecords few(static_cast<std::uint32_t>(version), version % 8 == 0 ? 0 : 1);
-      const auto machine = std::make_unique<OldMachine>();
-      few.machine(*machine, version);
+      RandomRecords few(static_cast<std::uint32_t>(version), version % 8 == 0 ? 0 : 1);
+      const auto machine = few.newRecord<OldMachine>(version);
       machine->gridMode = 0;  // cells are large and say little
-      (void)SaveMachine((root / "machine" / name).string().c_str(), *machine, version);
+      (void)SaveMachine(path(FileKind::machine).string().c_str(), *machine, version);
     }
     if (frame::isKnownSheetVersion(version) || version == frame::kFirstMainVersion)
-      sheet(root / "sheet" / name, version,
+      sheet(path(FileKind::sheet), version,
             version == 101 || version == 141 || version == 162 ? Extra::part
             : version % 2 == 1                                 ? Extra::lists
                                                                : Extra::none);
     if (frame::isMaterialVersion(version)) {
-      testing_support::RandomRecords few(static_cast<std::uint32_t>(version), 1);
-      const auto material = std::make_unique<OldMaterial>();
-      few.material(*material);
+      const auto material = RandomRecords(static_cast<std::uint32_t>(version), 1).newRecord<OldMaterial>(version);
       material->params = {};
       material->params.version = frame::isParamTableVersion(version) ? static_cast<std::uint16_t>(version) : 52;
       material->params.nameLength = 4;
-      (void)SaveMaterial((root / "material" / name).string().c_str(), *material, version);
-      if (version % 3 == 0) shortened(root / "material" / name);
+      (void)SaveMaterial(path(FileKind::material).string().c_str(), *material, version);
+      if (version % 3 == 0) shortened(path(FileKind::material));
     }
-    if (frame::isToolInventoryVersion(version))
-      (void)SaveToolInventory((root / "tooling" / (name + "_inventory")).string().c_str(), random.toolInventory(),
-                              version);
-    if (frame::isMacroVersion(version))
-      (void)SaveMacro((root / "tooling" / (name + "_macro")).string().c_str(), random.macro(), version);
-    if (frame::kSpecialToolVersions.has(version)) {
-      (void)SaveSpecialTool((root / "special_tool" / name).string().c_str(), random.specialTool(), version);
-      if (version % 3 == 0) shortened(root / "special_tool" / name);
+    if (frame::isToolInventoryVersion(version)) save(FileRecord<FileKind::toolInventory>());
+    if (frame::isMacroVersion(version)) save(FileRecord<FileKind::macro>());
+    if (frame::isSpecialToolVersion(version)) {
+      save(FileRecord<FileKind::specialTool>());
+      if (version % 3 == 0) shortened(path(FileKind::specialTool));
     }
   }
   oldestParts(root / "part");

@@ -1,15 +1,8 @@
 #include "fuzz/record_pair.h"
 
+#include "src/file_records.h"
 #include "src/frame/codec/reader.h"
-#include "src/machine/machine_layout.h"
-#include "src/material/material_layout.h"
-#include "src/part/old_part_layout.h"
-#include "src/part/part_layout.h"
-#include "src/sheet/sheet_layout.h"
-#include "src/tooling/inventory_layout.h"
-#include "src/tooling/macro_layout.h"
-#include "src/tooling/special_tool_layout.h"
-#include "tests/support/fread_walker.h"
+#include "tests/support/field_reader.h"
 #include "torvio/values/equal.h"
 
 using namespace oldtorvio;
@@ -20,7 +13,7 @@ namespace {
 // walk(walker) returns a status.
 template <class Walk>
 Walked walked(Bytes body, int version, Walk&& walk) {
-  bench::MemoryReader walker(body, version);
+  testing_support::MemoryReader walker(body, version);
   const int status = walk(walker);
   return {status, walker.left(), walker.forgave()};
 }
@@ -53,21 +46,20 @@ template bool equalContents(const OldMaterial&, const OldMaterial&);
 template bool equalContents(const OldMachine&, const OldMachine&);
 template bool equalContents(const OldSheet&, const OldSheet&);
 
+template <frame::FileKind kKind, class Record>
+Walked walkFile(Bytes body, int version, Record& record) {
+  return walked(body, version, [&](auto& walker) { return static_cast<int>(FileRecord<kKind>::walk(walker, record)); });
+}
+template Walked walkFile<frame::FileKind::part>(Bytes, int, TorvPart&);
+template Walked walkFile<frame::FileKind::groupPart>(Bytes, int, SheetPartList&);
+template Walked walkFile<frame::FileKind::specialTool>(Bytes, int, OldSpecialTool&);
+template Walked walkFile<frame::FileKind::toolInventory>(Bytes, int, OldToolInventory&);
+template Walked walkFile<frame::FileKind::macro>(Bytes, int, OldMacro&);
+template Walked walkFile<frame::FileKind::sheet>(Bytes, int, OldSheet&);
+
 Walked walkPartBody(Bytes body, int version, bool embedded, bool stopEarly, TorvPart& part) {
   return walkedWhole(body, version, part, PartForm{embedded ? PartForm::sheet : PartForm::file, 0, stopEarly});
 }
-Walked walkOldestPart(Bytes body, int version, TorvPart& part) {
-  return walked(body, version, [&](auto& walker) { return codec::resultOf(codec::walkOldestPart(walker, part)); });
-}
-Walked walkGroupPart(Bytes body, int version, SheetPartList& list) {
-  codec::GroupPartFile<std::vector<TorvPart>> file{list.parts};
-  return walkedWhole(body, version, file);
-}
-Walked walkSpecialTool(Bytes body, int version, OldSpecialTool& tool) { return walkedWhole(body, version, tool); }
-Walked walkToolInventory(Bytes body, int version, OldToolInventory& inventory) {
-  return walkedWhole(body, version, inventory);
-}
-Walked walkMacro(Bytes body, int version, OldMacro& macro) { return walkedWhole(body, version, macro); }
 Walked walkParamTable(Bytes body, ParamTable& table) {
   return walked(body, 0, [&](auto& walker) { return readParamTable(walker, table); });
 }
@@ -75,6 +67,5 @@ Walked walkMaterialBody(Bytes body, int version, OldMaterial& material) { return
 Walked walkMachine(Bytes body, int version, ShapeList* shapes, OldMachine& machine) {
   return walkedWhole(body, version, machine, MachineForm<ShapeList>{shapes});
 }
-Walked walkSheet(Bytes body, int version, OldSheet& sheet) { return walkedWhole(body, version, sheet); }
 
 }  // namespace fuzzing

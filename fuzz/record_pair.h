@@ -1,4 +1,4 @@
-// The other side of each comparison: what the walker of the benchmarks reads from the same bytes, and whether two
+// The other side of each comparison: what a reader that takes one field after the other makes of the same bytes, and whether two
 // records are equal. It is compiled without the fuzzer's instrumentation, so that only the reader counts as coverage.
 #pragma once
 #include <cstddef>
@@ -6,6 +6,7 @@
 #include <span>
 
 #include "OldTorvIO/records.h"
+#include "src/frame/file_kinds.h"
 
 namespace fuzzing {
 
@@ -24,16 +25,14 @@ struct Walked {
   bool forgave = false;    // whether anything failed that the format tolerates
 };
 
-// Each as the reader of its kind, of the bytes after the version word (a table's before it).
+// The bytes after the version word of a file, as FileRecord<kKind>::walk takes them.
+template <oldtorvio::frame::FileKind kKind, class Record>
+Walked walkFile(Bytes body, int version, Record& record);
+
+// The same of what a file is only a part of; a table begins with its version word.
 Walked walkPartBody(Bytes body, int version, bool embedded, bool stopEarly, oldtorvio::TorvPart& part);
-Walked walkOldestPart(Bytes body, int version, oldtorvio::TorvPart& part);
-Walked walkGroupPart(Bytes body, int version, oldtorvio::SheetPartList& list);
-Walked walkSpecialTool(Bytes body, int version, oldtorvio::OldSpecialTool& tool);
-Walked walkToolInventory(Bytes body, int version, oldtorvio::OldToolInventory& inventory);
-Walked walkMacro(Bytes body, int version, oldtorvio::OldMacro& macro);
 Walked walkParamTable(Bytes body, oldtorvio::ParamTable& table);
 Walked walkMaterialBody(Bytes body, int version, oldtorvio::OldMaterial& material);
 Walked walkMachine(Bytes body, int version, oldtorvio::ShapeList* shapes, oldtorvio::OldMachine& machine);
-Walked walkSheet(Bytes body, int version, oldtorvio::OldSheet& sheet);
 
 }  // namespace fuzzing

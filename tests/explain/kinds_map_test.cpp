@@ -94,17 +94,14 @@ TEST(KindsMap, MaterialsAndMachinesAreMappedAsTheyAreLoaded) {
   for (const int version : {61, 112, 152, 180}) {
     RandomRecords random(static_cast<std::uint32_t>(version), 1);
     const TempFolder folder;
-    const auto material = std::make_unique<OldMaterial>();
-    random.material(*material);
-    random.paramTable(material->params, version);
+    const auto material = random.newRecord<OldMaterial>(version, [=] { return version; });
     if (version != 152) {
       ASSERT_EQ(SaveMaterial(folder.path("m").c_str(), *material, version), 0) << version;
       expectMapFollowsLoad(
           TempFolder::read(folder.path("m")), FileKind::material,
           [&](const std::string& path) { return LoadOldMaterial(path.c_str(), material.get()); }, 997);
     }
-    const auto machine = std::make_unique<OldMachine>();
-    random.machine(*machine, version);
+    const auto machine = random.newRecord<OldMachine>(version);
     ASSERT_EQ(SaveMachine(folder.path("n").c_str(), *machine, version), 0) << version;
     expectMapFollowsLoad(
         TempFolder::read(folder.path("n")), FileKind::machine,
@@ -118,7 +115,7 @@ TEST(KindsMap, PartsWithBindingsAreMappedAsTheyAreLoaded) {
   const auto part = std::make_unique<TorvPart>();
   for (const int version : {110, 160, 180}) {
     RandomRecords random(static_cast<std::uint32_t>(version), 1);
-    random.part(*part, version);
+    random.record(*part, version);
     Pattern& group = part->patterns[0];
     group.groupKind = 32001;
     group.bindFirst.assign(2, {1, 2});

@@ -14,6 +14,7 @@
 
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
+#include "src/file_records.h"
 #include "src/frame/codec/writer.h"
 #include "src/part/part_io.h"
 #include "src/records/shape_layout.h"
@@ -280,39 +281,16 @@ TEST(FileMap, StatusIsThatOfTheLoad) {
 
 // Of nothing but a version word, which the load refuses or misses the rest of.
 TEST(FileMap, StatusIsThatOfTheLoadForEachVersionWordOfEachKind) {
-  using Kind = explain::FileKind;
   const TempFolder folder;
-  const auto expectSame = [&](Kind kind, auto load) {
-    const std::string path = folder.write("p", Bytes().i16(0));
-    for (int version = -3; version < 520; ++version) {
-      folder.overwrite("p", Bytes().i16(version));
-      EXPECT_EQ(explain::checkFile(path.c_str(), kind).status, load(path.c_str()))
-          << frame::infoOf(kind).name << ' ' << version;
-    }
-  };
-  expectSame(Kind::part, [part = std::make_unique<oldtorvio::TorvPart>()](const char* path) {
-    return LoadOldPart(path, part.get());
-  });
-  expectSame(Kind::groupPart,
-             [list = oldtorvio::SheetPartList()](const char* path) mutable { return LoadGroupPart(path, &list); });
-  expectSame(Kind::specialTool, [tool = std::make_unique<oldtorvio::OldSpecialTool>()](const char* path) {
-    return LoadOldSpecialTool(path, tool.get());
-  });
-  expectSame(Kind::machine, [machine = std::make_unique<oldtorvio::OldMachine>()](const char* path) {
-    return LoadOldMachine(path, machine.get());
-  });
-  expectSame(Kind::material, [material = std::make_unique<oldtorvio::OldMaterial>()](const char* path) {
-    return LoadOldMaterial(path, material.get());
-  });
-  expectSame(Kind::toolInventory, [inventory = std::make_unique<oldtorvio::OldToolInventory>()](const char* path) {
-    return LoadOldToolInventory(path, inventory.get());
-  });
-  expectSame(Kind::macro, [macro = std::make_unique<oldtorvio::OldMacro>()](const char* path) {
-    return LoadOldMacro(path, macro.get());
-  });
-  expectSame(Kind::sheet, [sheet = std::make_unique<oldtorvio::OldSheet>()](const char* path) {
-    return LoadOldSheet(path, sheet.get());
-  });
+  for (const frame::FileKindInfo& kind : frame::kFileKinds)
+    oldtorvio::withFileRecord(kind.kind, [&](auto file) {
+      const auto record = std::make_unique<typename decltype(file)::Record>();
+      for (int version = -3; version < 520; ++version) {
+        const std::string path = folder.overwrite("p", Bytes().i16(version));
+        EXPECT_EQ(explain::checkFile(path.c_str(), kind.kind).status, file.load(path.c_str(), *record))
+            << kind.name << ' ' << version;
+      }
+    });
 }
 
 TEST(Map, FileOfUnknownKindHasItsVersionAndAFaultThatSaysWhy) {

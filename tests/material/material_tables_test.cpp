@@ -18,8 +18,7 @@ template <class Pick, class Write, class Read>
 void expectMirrored(const Pick& pick, const Write& write, const Read& read) {
   for (const int version : kVersions) {
     RandomRecords random(static_cast<std::uint32_t>(version));
-    const auto stored = std::make_unique<OldMaterial>();
-    random.material(*stored);
+    const auto stored = random.newRecord<OldMaterial>(version);
     bool ok = false;
     const Bytes bytes = written([&](OutStream& s) { return write(s, version, pick(*stored)); }, &ok);
     ASSERT_TRUE(ok) << version;
@@ -63,6 +62,18 @@ TEST(SaveMaterial, TableWithoutABodyReturnsMinusTwoForFaults) {
   EXPECT_EQ(SaveMaterial((folder.path("no") + "/such/folder").c_str(), *material, 52), -2);
   material->params.nameLength = 0;
   EXPECT_EQ(SaveMaterial(folder.path("m").c_str(), *material, 52), -2);
+}
+
+TEST(SaveMaterial, TableOrBodyThatCannotBeStoredReturnsMinusTwo) {
+  const TempFolder folder;
+  const std::string path = folder.path("material");
+  const auto material = std::make_unique<OldMaterial>();
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), -2) << "a table without a name";
+  material->params.version = 52;
+  material->params.nameLength = 1;
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), 0);
+  material->name = std::string(10001, 'n');
+  EXPECT_EQ(SaveMaterial(path.c_str(), *material, 180), -2) << "a name that no load takes";
 }
 
 TEST(MaterialTables, SettingListComesBackAsItWasStored) {

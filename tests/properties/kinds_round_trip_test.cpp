@@ -7,11 +7,7 @@
 #include <map>
 #include <memory>
 
-#include "OldTorvIO.h"
-#include "src/machine/machine_io.h"
-#include "src/material/material_io.h"
-#include "src/tooling/inventory_io.h"
-#include "src/tooling/macro_io.h"
+#include "src/file_records.h"
 #include "tests/support/files.h"
 #include "tests/support/random_records.h"
 #include "tests/support/stored_forms/versions.h"
@@ -30,25 +26,25 @@ bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 //   fill(random, r, v)       random content that a load at version v leaves as it is
 //   save(path, r, v), load(path, r)
 //   stored(r, v)             the bytes that a save stores after the version word, without a file
-struct MaterialKind {
-  using Record = OldMaterial;
-  static bool isShort(int version) { return version == 52 || version == 60; }
-  static std::vector<int> versions() {
-    std::vector<int> all = longMaterialVersions();
-    all.insert(all.begin(), {52, 60});
-    return all;
+template <frame::FileKind kKind>
+struct KindOf {
+  using Record = typename FileRecord<kKind>::Record;
+  static void fill(RandomRecords& random, Record& r, int version) { random.record(r, version); }
+  static std::int64_t save(const std::string& path, Record& r, int version) {
+    return FileRecord<kKind>::save(path.c_str(), r, version);
   }
+  static std::int64_t load(const std::string& path, Record& r) { return FileRecord<kKind>::load(path.c_str(), r); }
+};
+
+struct MaterialKind : KindOf<frame::FileKind::material> {
+  static bool isShort(int version) { return version == 52 || version == 60; }
+  static std::vector<int> versions() { return joined({52, 60}, longMaterialVersions()); }
   static std::vector<int> reloadVersions() { return versions(); }
   static void fill(RandomRecords& random, OldMaterial& m, int version) {
     static constexpr int kTables[] = {52, 60, 79, 80, 499};
-    random.material(m);
-    // In front of a material the table has a version of its own.
-    random.paramTable(m.params, isShort(version) || random.flip() ? version : kTables[random.upTo(4)]);
+    // Before a material the table has a version of its own.
+    random.record(m, version, [&] { return random.flip() ? version : kTables[random.upTo(4)]; });
   }
-  static std::int64_t save(const std::string& path, OldMaterial& m, int version) {
-    return SaveMaterial(path.c_str(), m, version);
-  }
-  static std::int64_t load(const std::string& path, OldMaterial& m) { return LoadOldMaterial(path.c_str(), &m); }
   static Bytes stored(OldMaterial& m, int version) {
     return written([&](auto& s) {
       return WriteParamTable(s, m.params) && (isShort(version) || WriteOldMaterialBody(s, version, m));
@@ -56,48 +52,28 @@ struct MaterialKind {
   }
 };
 
-struct MachineKind {
-  using Record = OldMachine;
+struct MachineKind : KindOf<frame::FileKind::machine> {
   static std::vector<int> versions() { return allVersions(); }
   static std::vector<int> reloadVersions() {
     return {52,  59,  60,  61,  62,  71,  80,  90,  92,  100, 101, 110, 111, 112, 120, 121, 130,
             141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
   }
-  static void fill(RandomRecords& random, OldMachine& m, int version) { random.machine(m, version); }
-  static std::int64_t save(const std::string& path, OldMachine& m, int version) {
-    return SaveMachine(path.c_str(), m, version);
-  }
-  static std::int64_t load(const std::string& path, OldMachine& m) { return LoadOldMachine(path.c_str(), &m); }
   static Bytes stored(OldMachine& m, int version) {
     return written([&](auto& s) { return WriteOldMachine(s, version, nullptr, m, false); });
   }
 };
 
-struct InventoryKind {
-  using Record = OldToolInventory;
+struct InventoryKind : KindOf<frame::FileKind::toolInventory> {
   static std::vector<int> versions() { return inventoryVersions(); }
   static std::vector<int> reloadVersions() { return versions(); }
-  static void fill(RandomRecords& random, OldToolInventory& v, int) { v = random.toolInventory(); }
-  static std::int64_t save(const std::string& path, OldToolInventory& v, int version) {
-    return SaveToolInventory(path.c_str(), v, version);
-  }
-  static std::int64_t load(const std::string& path, OldToolInventory& v) {
-    return LoadOldToolInventory(path.c_str(), &v);
-  }
   static Bytes stored(OldToolInventory& v, int version) {
     return written([&](auto& s) { return WriteToolInventory(s, version, v); });
   }
 };
 
-struct MacroKind {
-  using Record = OldMacro;
+struct MacroKind : KindOf<frame::FileKind::macro> {
   static std::vector<int> versions() { return macroVersions(); }
   static std::vector<int> reloadVersions() { return versions(); }
-  static void fill(RandomRecords& random, OldMacro& m, int) { m = random.macro(); }
-  static std::int64_t save(const std::string& path, OldMacro& m, int version) {
-    return SaveMacro(path.c_str(), m, version);
-  }
-  static std::int64_t load(const std::string& path, OldMacro& m) { return LoadOldMacro(path.c_str(), &m); }
   static Bytes stored(OldMacro& m, int version) {
     return written([&](auto& s) { return WriteMacro(s, version, m); });
   }
@@ -142,7 +118,7 @@ TEST(KindsRoundTrip, MachineFilesBelowVersion152ChangeOnlyInTheirLateWords) {
     const std::string first = folder.path("first"), second = folder.path("second");
     RandomRecords random(static_cast<std::uint32_t>(version));
     const auto made = std::make_unique<OldMachine>(), loaded = std::make_unique<OldMachine>();
-    random.machine(*made, 180);
+    random.record(*made, 180);
     random.bits(made->machineWord124, made->machineWord128, made->machineWord132, made->lateByteC);
     made->lateByteC |= 1;
     ASSERT_EQ(SaveMachine(first.c_str(), *made, version), 0);

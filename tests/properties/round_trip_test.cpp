@@ -26,8 +26,7 @@ TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
     for (const int version : allVersions())
       for (const bool embedded : {false, true}) {
         RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
-        const auto made = std::make_unique<TorvPart>();
-        random.part(*made, version);
+        const auto made = random.newRecord<TorvPart>(version);
         // What a load derives or repairs, settled beforehand: the mirror is then perfect.
         for (auto* shapes : {&made->shapes.shapes, &made->placedShapes.shapes.shapes})
           for (Shape& s : *shapes) s.rangeValue = s.auxValue4;
@@ -53,7 +52,7 @@ TEST(RoundTrip, GroupPartFilesAtEveryVersion) {
     for (int version = 152; version <= kLastVersion; ++version) {
       RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
       SheetPartList made;
-      for (int n = random.upTo(2); n >= 0; --n) random.part(made.parts.emplace_back(), version);
+      random.record(made, version, 1 + random.upTo(2));
       for (TorvPart& part : made.parts) part.placedShapes.shapes.shapes.resize(1);
       const std::string first = folder.path("first"), second = folder.path("second");
       const std::int32_t nameSize = 1 + random.upTo(255);
@@ -69,7 +68,8 @@ TEST(RoundTrip, SpecialToolFilesAtEveryVersion) {
   for (int round = 0; round < 10 * rounds(); ++round)
     for (const int version : allVersions()) {
       RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
-      OldSpecialTool made = random.specialTool(), loaded;
+      OldSpecialTool made, loaded;
+      random.record(made, version);
       for (Shape& s : made.shapes.shapes) s.rangeValue = s.auxValue4;
       const Bytes stored = written([&](auto& s) { return WriteSpecialTool(s, version, made); });
       ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, version, loaded); }), 0);
@@ -114,8 +114,7 @@ TEST(Reload, PartOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsTheRest
     for (const int second : partVersions()) {
       const auto save = [&](int version, std::uint32_t seed) {
         RandomRecords random(seed);
-        const auto made = std::make_unique<TorvPart>();
-        random.part(*made, version);
+        const auto made = random.newRecord<TorvPart>(version);
         // A count of zero would keep what the first load left: that rule has tests of its own.
         made->shapes.shapes.resize(2);
         made->patterns[0].items.resize(2);

@@ -48,10 +48,7 @@ bool isListed(int version) {
 bool isSheet(int version) { return (version >= kFirst && version <= kLast) || version >= 500; }
 
 Sheet someSheet(std::uint32_t seed, int version, int mostElements = 3) {
-  RandomRecords random(seed, mostElements);
-  auto sheet = std::make_unique<OldSheet>();
-  random.sheet(*sheet, version);
-  return sheet;
+  return RandomRecords(seed, mostElements).newRecord<OldSheet>(version);
 }
 // The short table in a sheet without elements: as small as files get.
 Sheet smallSheet(std::uint32_t seed, int version, int mostElements = 0) {
@@ -442,8 +439,7 @@ TEST(SheetVersionWords, AllReturnWhatTheListsSayInEveryFunction) {
   const TempFolder folder;
   const std::string path = folder.write("word", Bytes().zeros(2)), missing = folder.path("missing");
   const std::string partPath = folder.path("part");
-  const auto part = std::make_unique<TorvPart>();
-  RandomRecords(1, 0).part(*part, 180);
+  const auto part = RandomRecords(1, 0).newRecord<TorvPart>(180);
   ASSERT_EQ(SavePart(partPath.c_str(), *part, 180), 0);
   const char* const p = path.c_str();
 
@@ -652,8 +648,7 @@ bool comesFromTheFile(const Value& value, int version, Lists lists) {
 // The machine's extension list is there in full and empty ones, the option word in the others.
 Bytes sheetForReload(std::uint32_t seed, int version, Lists lists) {
   RandomRecords random(seed, 2);
-  const auto s = std::make_unique<OldSheet>();
-  random.sheet(*s, version);
+  const auto s = random.newRecord<OldSheet>(version);
   random.paramTable(s->paramTable, 52);
   // Shorter texts would keep what the record holds after them.
   s->textWidth = 256;
@@ -860,8 +855,7 @@ TEST(SheetEdits, EachChangesTheBytesOfItsOwnFieldsAndNoOther) {
       if (HasFatalFailure()) return;
 
       // The part's shapes in the place of the skeleton's, and a list of parts without any.
-      const auto part = std::make_unique<TorvPart>();
-      RandomRecords(seed, 3).part(*part, 180);
+      const auto part = RandomRecords(seed, 3).newRecord<TorvPart>(180);
       ASSERT_EQ(SavePart(partPath.c_str(), *part, 180), 0);
       ASSERT_EQ(LoadOldPart(partPath.c_str(), part.get()), 0);
       const auto skeleton = extentOf(lines, "skeletonShapes"), parts = extentOf(lines, "partList");

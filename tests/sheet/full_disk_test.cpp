@@ -9,17 +9,15 @@
 #include <vector>
 
 #include "OldTorvIO.h"
-#include "src/frame/host/platform.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/files.h"
+#include "tests/support/full_file.h"
 #include "tests/support/io_faults.h"
 
 namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
-
-constexpr std::size_t kRoom = std::size_t{1} << 20U;
 
 std::unique_ptr<OldSheet> someSheet(int version) {
   auto sheet = std::make_unique<OldSheet>();
@@ -58,17 +56,6 @@ std::vector<std::size_t> places(std::size_t size, std::size_t ignored, std::size
   return all;
 }
 
-class FullFile {
- public:
-  // Takes that many bytes.
-  explicit FullFile(std::size_t bytes) { EXPECT_NE(stream_.room(kRoom - bytes), nullptr); }
-  auto& stream() { return stream_; }
-
- private:
-  frame::File file_ = frame::File::openToWrite("/dev/full");
-  codec::OutStream stream_{file_.handle()};
-};
-
 void expectResults(int version, std::size_t step) {
   const auto sheet = someSheet(version);
   const std::size_t size = stored(*sheet, version).size(), ignored = ignoredFrom(*sheet, version);
@@ -81,15 +68,13 @@ void expectResults(int version, std::size_t step) {
   }
 }
 
-bool hasAFullDevice() { return static_cast<bool>(frame::File::openToWrite("/dev/full")); }
-
 TEST(SheetOnAFullDisk, AtVersion80OnlyAFailureInTheNamedWorkListsIsIgnored) {
-  if (!hasAFullDevice()) GTEST_SKIP() << "no device that is always full";
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
   expectResults(80, 1);
 }
 
 TEST(SheetOnAFullDisk, AFailureIsIgnoredOnlyWhereNothingIsStoredAfterTheList) {
-  if (!hasAFullDevice()) GTEST_SKIP() << "no device that is always full";
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
   for (const int version :
        {52, 54, 59, 60, 61, 71, 79, 80, 89, 90, 100, 111, 130, 140, 151, 152, 154, 160, 161, 170, 180}) {
     expectResults(version, 331);
@@ -98,7 +83,7 @@ TEST(SheetOnAFullDisk, AFailureIsIgnoredOnlyWhereNothingIsStoredAfterTheList) {
 }
 
 TEST(SheetOnAFullDisk, ASheetWithoutNamedWorkListsIgnoresAFailureOfTheirCount) {
-  if (!hasAFullDevice()) GTEST_SKIP() << "no device that is always full";
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
   for (const int version : {60, 80, 89, 90}) {
     const auto sheet = someSheet(version);
     sheet->namedWorkLists.clear();

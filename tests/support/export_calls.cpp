@@ -24,8 +24,7 @@ using Files = ExportCall::Files;
 // ---- files ---------------------------------------------------------------------------------------
 
 Bytes bigPart(std::size_t many) {
-  const auto part = std::make_unique<TorvPart>();
-  RandomRecords(21, 1).part(*part, 180);
+  const auto part = RandomRecords(21, 1).newRecord<TorvPart>(180);
   part->shapes.shapes.resize(many);
   part->patterns.resize(1);
   part->patterns[0].items.resize(many);
@@ -46,10 +45,7 @@ Bytes bigMachine(std::size_t many) {
 }
 
 Bytes bigMaterial(std::size_t many) {
-  const auto m = std::make_unique<OldMaterial>();
-  RandomRecords random(8, 1);
-  random.material(*m);
-  random.paramTable(m->params, 180);
+  const auto m = RandomRecords(8, 1).newRecord<OldMaterial>(180, [] { return 180; });
   m->entryList.resize(many);
   return Bytes()
       .i16(180)
@@ -58,17 +54,17 @@ Bytes bigMaterial(std::size_t many) {
 }
 
 Bytes bigInventory(std::size_t many) {
-  OldToolInventory v = RandomRecords(9, 1).toolInventory();
-  v.tools.resize(many);
-  v.tools[0].shapeCode = 1;
-  return Bytes().i16(180).add(written([&](auto& s) { return WriteToolInventory(s, 180, v); }));
+  const auto v = RandomRecords(9, 1).newRecord<OldToolInventory>(180);
+  v->tools.resize(many);
+  v->tools[0].shapeCode = 1;
+  return Bytes().i16(180).add(written([&](auto& s) { return WriteToolInventory(s, 180, *v); }));
 }
 
 Bytes bigMacro(std::size_t many) {
-  OldMacro m = RandomRecords(10, 1).macro();
-  m.shapes.shapes.resize(many);
-  m.items.resize(many);
-  return Bytes().i16(180).add(written([&](auto& s) { return WriteMacro(s, 180, m); }));
+  const auto m = RandomRecords(10, 1).newRecord<OldMacro>(180);
+  m->shapes.shapes.resize(many);
+  m->items.resize(many);
+  return Bytes().i16(180).add(written([&](auto& s) { return WriteMacro(s, 180, *m); }));
 }
 
 Bytes bigSheet(std::size_t many) {

@@ -30,7 +30,7 @@ Bytes groupFile(int version) {
 }
 
 void fullMachine(RandomRecords& random, OldMachine* m, int version) {
-  random.machine(*m, version);
+  random.record(*m, version);
   m->limitsPresent = m->secondTextPresent = 1;
   m->blockMode = 2;
   m->gridMode = 2;
@@ -64,9 +64,7 @@ Bytes machineFile(int version) {
 
 Bytes materialFile(int version) {
   RandomRecords random(8, 1);
-  const auto m = std::make_unique<OldMaterial>();
-  random.material(*m);
-  random.paramTable(m->params, version);
+  const auto m = random.newRecord<OldMaterial>(version, [=] { return version; });
   const bool isTableAlone = version == 52 || version == 60;
   m->entryList.resize(1);
   m->toolSets.setCount = 1;
@@ -83,7 +81,8 @@ Bytes materialFile(int version) {
 
 Bytes inventoryFile(int version) {
   RandomRecords random(9, 1);
-  OldToolInventory v = random.toolInventory();
+  OldToolInventory v;
+  random.record(v, version);
   v.tools.assign(2, random.tool());
   v.tools[0].shapeCode = 1;
   v.tools[1].shapeCode = 108;
@@ -95,7 +94,8 @@ Bytes inventoryFile(int version) {
 
 Bytes macroFile(int version) {
   RandomRecords random(10, 1);
-  OldMacro m = random.macro();
+  OldMacro m;
+  random.record(m, version);
   m.shapes.shapes.assign(2, random.shape());
   m.items.resize(2);
   m.stationList.stations.assign(1, random.station());
@@ -122,7 +122,7 @@ void fullSheet(OldSheet& s, int version) {
   s.machine.extension.extensionEntries.resize(1);
   s.skeletonShapes.shapes.assign(1, random.shape());
   TorvPart& part = s.partList.parts.emplace_back();
-  random.part(part, version);
+  random.record(part, version);
   std::strcpy(part.partName, "PLATE");
   std::strcpy(part.partFullDosName, "C:\\PARTS\\PLATE.PRT");
   std::strcpy(part.woNumber, "W1");

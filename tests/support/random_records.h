@@ -5,9 +5,11 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <memory>
 #include <random>
 #include <string>
 
+#include "src/frame/versions.h"
 #include "torvio/values/all_members.h"
 
 namespace testing_support {
@@ -41,30 +43,41 @@ class RandomRecords {
   oldtorvio::PatternItem item() { return made<oldtorvio::PatternItem>(); }
   oldtorvio::WorkEntry work() { return made<oldtorvio::WorkEntry>(); }
   oldtorvio::MarkEntry mark() { return made<oldtorvio::MarkEntry>(); }
-  oldtorvio::OldToolInventory toolInventory() { return made<oldtorvio::OldToolInventory>(); }
-  oldtorvio::OldMacro macro() { return made<oldtorvio::OldMacro>(); }
-  oldtorvio::OldSpecialTool specialTool() { return made<oldtorvio::OldSpecialTool>(); }
   // A fixed text.
   template <std::size_t N>
   void name(char (&field)[N]) {
     fill(field);
   }
-  // As a part file keeps it.
-  void part(oldtorvio::TorvPart& part, int version) {
+  // ---- the record of a file of that version --------------------------------------------------------
+
+  // A sheet gets everything but blocks, which stay empty: no sound file leaves any.
+  template <class Record>
+  void record(Record& record, int version) {
     version_ = version;
-    fill(part);
+    fill(record);
   }
-  // Everything but path, version and params.
-  void material(oldtorvio::OldMaterial& material) { fill(material); }
-  void machine(oldtorvio::OldMachine& machine, int version) {
-    version_ = version;
-    fill(machine);
+  // tableVersion() is the version of the parameter table, if that is not all of the file.
+  template <class TableVersion>
+  void record(oldtorvio::OldMaterial& material, int version, TableVersion tableVersion) {
+    fill(material);
+    paramTable(material.params, oldtorvio::frame::isParamTableVersion(version) ? version : tableVersion());
   }
-  // Everything but blocks, which stay empty: no sound file leaves any.
-  void sheet(oldtorvio::OldSheet& sheet, int version) {
-    version_ = version;
-    fill(sheet);
+  void record(oldtorvio::OldMaterial& material, int version) {
+    record(material, version, [] { return 80; });
   }
+  // A group part.
+  void record(oldtorvio::SheetPartList& list, int version, int parts) {
+    for (; parts > 0; --parts) record(list.parts.emplace_back(), version);
+  }
+  void record(oldtorvio::SheetPartList& list, int version) { record(list, version, 1 + upTo(1)); }
+
+  template <class Record, class... Choice>
+  std::unique_ptr<Record> newRecord(int version, const Choice&... choice) {
+    auto owner = std::make_unique<Record>();
+    record(*owner, version, choice...);
+    return owner;
+  }
+
   // A table that the writer stores in the layout of its version word: 52, or 60 to 499.
   void paramTable(oldtorvio::ParamTable& table, int version) {
     fillMembers(table);

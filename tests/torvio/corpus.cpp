@@ -13,6 +13,7 @@
 #include "src/frame/codec/writer.h"
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
+#include "torvio/values/compiled_records.h"
 
 namespace testing_support {
 
@@ -112,65 +113,38 @@ std::vector<int> versionsOf(FileKind kind) {
   return versions;
 }
 
-void fillMaterialTable(Random& random, ParamTable& table, int version) {
-  if (frame::isParamTableVersion(version))
-    random.paramTable(table, version);
-  else
-    random.paramTable(table, random.upTo(4) == 0 ? 52 : version);
+template <FileKind kKind>
+Bytes soundFileOf(Random& random, int version) {
+  using Record = typename FileRecord<kKind>::Record;
+  if constexpr (kKind == FileKind::groupPart) {
+    std::vector<TorvPart> parts(static_cast<std::size_t>(between(random, 1, 3)));
+    for (TorvPart& part : parts) {
+      random.record(part, version);
+      random.name(part.partName);
+    }
+    const codec::GroupPartFile<const std::vector<TorvPart>> file{parts, static_cast<std::int32_t>(parts.size()) - 1,
+                                                                 random.flip() ? 256 : between(random, 20, 256)};
+    return Bytes().i16(version).add(body([&](auto& to) { return codec::writeRecord(to, version, file); }));
+  } else if constexpr (kKind == FileKind::sheet) {
+    const auto sheet = random.newRecord<Record>(version);
+    random.paramTable(sheet->paramTable, version < 60 ? 52 : version);
+    return readableSheetFile(*sheet, version);
+  } else {
+    if (kKind == FileKind::part && version <= frame::kVersion5)
+      return version == frame::kVersion5 ? version5Part(random) : version3Part(random, version);
+    const auto record = std::make_unique<Record>();
+    if constexpr (kKind == FileKind::material)
+      random.record(*record, version, [&] { return random.upTo(4) == 0 ? 52 : version; });
+    else
+      random.record(*record, version);
+    const values::SavedRecord saved = values::saveRecord<kKind>(*record, version);
+    if (saved.status != 0) throw std::runtime_error("a made record cannot be stored");
+    return Bytes::of(saved.bytes);
+  }
 }
 
 Bytes soundFile(Random& random, FileKind kind, int version) {
-  Bytes b = Bytes().i16(version);
-  switch (kind) {
-    case FileKind::part: {
-      if (version == frame::kVersion5) return version5Part(random);
-      if (version < frame::kVersion5) return version3Part(random, version);
-      const auto part = std::make_unique<TorvPart>();
-      random.part(*part, version);
-      return b.add(body([&](auto& to) { return WritePartBody(to, version, false, *part); }));
-    }
-    case FileKind::groupPart: {
-      std::vector<TorvPart> parts(static_cast<std::size_t>(between(random, 1, 3)));
-      for (TorvPart& part : parts) {
-        random.part(part, version);
-        random.name(part.partName);
-      }
-      const codec::GroupPartFile<const std::vector<TorvPart>> file{parts, static_cast<std::int32_t>(parts.size()) - 1,
-                                                                   random.flip() ? 256 : between(random, 20, 256)};
-      return b.add(body([&](auto& to) { return codec::writeRecord(to, version, file); }));
-    }
-    case FileKind::specialTool: {
-      const OldSpecialTool tool = random.specialTool();
-      return b.add(body([&](auto& to) { return WriteSpecialTool(to, version, tool); }));
-    }
-    case FileKind::machine: {
-      const auto machine = std::make_unique<OldMachine>();
-      random.machine(*machine, version);
-      return b.add(body([&](auto& to) { return WriteOldMachine(to, version, nullptr, *machine, false); }));
-    }
-    case FileKind::material: {
-      const auto material = std::make_unique<OldMaterial>();
-      random.material(*material);
-      fillMaterialTable(random, material->params, version);
-      const Bytes table = body([&](auto& to) { return WriteParamTable(to, material->params); });
-      if (frame::isParamTableVersion(version)) return table;
-      return b.add(table).add(body([&](auto& to) { return WriteOldMaterialBody(to, version, *material); }));
-    }
-    case FileKind::toolInventory: {
-      const OldToolInventory inventory = random.toolInventory();
-      return b.add(body([&](auto& to) { return WriteToolInventory(to, version, inventory); }));
-    }
-    case FileKind::macro: {
-      const OldMacro macro = random.macro();
-      return b.add(body([&](auto& to) { return WriteMacro(to, version, macro); }));
-    }
-    default: {
-      const auto sheet = std::make_unique<OldSheet>();
-      random.sheet(*sheet, version);
-      random.paramTable(sheet->paramTable, version < 60 ? 52 : version);
-      return readableSheetFile(*sheet, version);
-    }
-  }
+  return withFileRecord(kind, [&](auto file) { return soundFileOf<decltype(file)::kKind>(random, version); });
 }
 
 // Lists of the large kinds contain lists of lists. A few files have none of anything.

@@ -454,14 +454,14 @@ TEST(Pictures, RandomRecordsAreWellFormedAndBounded) {
   for (std::uint32_t seed = 1; seed <= 25; ++seed) {
     RandomRecords random(seed, 12);
     const auto sheet = std::make_unique<OldSheet>();
-    random.sheet(*sheet, 180);
+    random.record(*sheet, 180);
     if (seed % 2 == 0) sheet->width = 60, sheet->height = 45;
     const auto part = std::make_unique<TorvPart>();
-    random.part(*part, 180);
+    random.record(*part, 180);
     const auto machine = std::make_unique<OldMachine>();
-    random.machine(*machine, 180);
+    random.record(*machine, 180);
     SheetPartList list;
-    for (int i = 0; i < 5; ++i) random.part(list.parts.emplace_back(), 180);
+    random.record(list, 180, 5);
     for (const std::string& svg : {drawRecord(*sheet, file, {}), drawRecord(*part, file, {}),
                                    drawRecord(list, file, {}), drawRecord(*machine, file, {})}) {
       EXPECT_EQ(svgFault(svg), "") << seed;

@@ -1,11 +1,10 @@
 #include "tests/torvio/random_files.h"
 
-#include <cstring>
 #include <memory>
-#include <random>
 #include <span>
 #include <utility>
 
+#include "tests/support/any_content.h"
 #include "tests/support/random_records.h"
 #include "torvio/values/compiled_records.h"
 #include "torvio/values/equal.h"
@@ -15,22 +14,10 @@ namespace {
 
 using namespace oldtorvio;
 
-void fillRecord(RandomRecords& random, TorvPart& part, int version) { random.part(part, version); }
-void fillRecord(RandomRecords& random, SheetPartList& list, int version) {
-  for (int n = 1 + random.upTo(1); n > 0; --n) random.part(list.parts.emplace_back(), version);
-}
-void fillRecord(RandomRecords& random, OldSpecialTool& tool, int) { tool = random.specialTool(); }
-void fillRecord(RandomRecords& random, OldMachine& machine, int version) { random.machine(machine, version); }
-void fillRecord(RandomRecords& random, OldMaterial& material, int version) {
-  random.material(material);
-  random.paramTable(material.params, frame::isParamTableVersion(version) ? version : 80);
-}
-void fillRecord(RandomRecords& random, OldToolInventory& inventory, int) { inventory = random.toolInventory(); }
-void fillRecord(RandomRecords& random, OldMacro& macro, int) { macro = random.macro(); }
 // A save stores words of the machine that a load of the versions 60 to 151 does not expect: it takes them for what
 // follows the machine, which therefore has to be zeros.
-void fillRecord(RandomRecords& random, OldSheet& sheet, int version) {
-  random.sheet(sheet, version);
+void makeReadable(auto&, int) {}
+void makeReadable(OldSheet& sheet, int version) {
   if (version < 60 || version >= 152) return;
   OldMachine& m = sheet.machine;
   m.machineWord124 = m.machineWord126 = m.machineWord128 = m.machineWord131 = m.machineWord132 = 0;
@@ -55,55 +42,13 @@ Bytes randomFileOf(int version, std::uint32_t seed) {
   }
   // Sheets of such a version are stored as the newest, and have the word of their own.
   const bool isLate = kKind == frame::FileKind::sheet && version >= 500;
-  const auto record = std::make_unique<typename FileRecord<kKind>::Record>();
-  fillRecord(random, *record, isLate ? 180 : version);
-  const auto saved = values::saveRecord<kKind>(*record, isLate ? 180 : version);
+  const int layout = isLate ? 180 : version;
+  const auto record = random.newRecord<typename FileRecord<kKind>::Record>(layout);
+  makeReadable(*record, layout);
+  const auto saved = values::saveRecord<kKind>(*record, layout);
   if (!isLate) return Bytes::of(saved.bytes);
   return Bytes().i16(version).add(Bytes::of(std::span(saved.bytes).subspan(2)));
 }
-
-class AnyContent {
- public:
-  explicit AnyContent(std::uint32_t seed) : engine_(seed) {}
-
-  template <class T>
-  void fill(T& value) {
-    if constexpr (values::Number<T>) {
-      const std::uint64_t bits = chance(3) ? engine_() | static_cast<std::uint64_t>(engine_()) << 32U : engine_() % 100;
-      std::memcpy(&value, &bits, sizeof value);
-    } else if constexpr (values::FixedText<T>) {
-      // Full of them, or with a NUL somewhere and then zeros or anything.
-      const std::size_t size = std::size(value), nul = engine_() % (size + 1);
-      const bool isDirty = chance(3);
-      for (std::size_t i = 0; i < size; ++i) value[i] = i < nul || isDirty ? any() : '\0';
-      if (nul < size) value[nul] = '\0';
-    } else if constexpr (values::Text<T>) {
-      value.clear();
-      for (std::size_t n = engine_() % 20; n > 0; --n) value += any();
-    } else if constexpr (values::Array<T>) {
-      const bool isEmpty = chance(3);
-      for (auto& element : value)
-        if (!isEmpty || chance(50)) fill(element);
-    } else if constexpr (values::kIsPair<T>) {
-      fill(value.first);
-      fill(value.second);
-    } else if constexpr (values::List<T>) {
-      value.clear();
-      for (std::size_t n = engine_() % 3; n > 0; --n) fill(value.emplace_back());
-    } else if constexpr (values::Lazy<T>) {
-      if (chance(2)) fill(value[engine_() % T::size()]);
-      if (chance(2)) (void)value[engine_() % T::size()];
-    } else {
-      values::Members<T>::of(value, [this](const values::MemberInfo&, auto& member) { this->fill(member); });
-    }
-  }
-
- private:
-  bool chance(unsigned one) { return engine_() % one == 0; }
-  char any() { return static_cast<char>(1 + engine_() % 255); }
-
-  std::mt19937 engine_;
-};
 
 }  // namespace
 

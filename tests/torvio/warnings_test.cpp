@@ -289,7 +289,7 @@ TEST(ValueWarnings, ElementsOfLazyArraysAreRead) {
 TEST(ValueWarnings, AreFewHoweverManyValuesAreWrong) {
   auto sheet = plainSheet();
   RandomRecords random(3);
-  random.sheet(*sheet, 180);
+  random.record(*sheet, 180);
   sheet->shapes.shapes.resize(100'000);
   for (Shape& shape : sheet->shapes.shapes) shape.x = std::numeric_limits<float>::infinity();
   const auto warnings = archive::warningsOf(*sheet);

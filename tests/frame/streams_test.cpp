@@ -1,4 +1,4 @@
-// Streams, texts, numbers and version lists.
+// The streams that readers and writers work on.
 #include <gtest/gtest.h>
 #if !defined(_WIN32)
 #include <unistd.h>
@@ -6,21 +6,22 @@
 
 #include <cstdio>
 #include <cstring>
-#include <limits>
-#include <set>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "src/frame/entry.h"
-#include "src/frame/text/text.h"
 #include "src/part/part_layout.h"
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
+#include "tests/support/full_file.h"
 #include "tests/support/host.h"
 
 namespace {
 
 using namespace oldtorvio::codec;
 using namespace oldtorvio::frame;
-using oldtorvio::fixedText;
 using namespace testing_support;
 
 TEST(InStream, FailedReadLeavesTheStreamAtTheEndAndTheFieldAsItWas) {
@@ -138,6 +139,7 @@ TEST(InStream, TextFromAPipeThatEndsEarlyIsNotAppended) {
   }
   std::fclose(file);
 }
+
 #endif
 
 TEST(InStream, LastRunOfALargeFileIsAvailableWhereverItBegins) {
@@ -207,38 +209,6 @@ TEST(OutStream, OnlyByteIsKeptWhenTheBufferGrows) {
   EXPECT_EQ(TempFolder::read(path) == expected, true);
 }
 
-TEST(Platform, FilesOfAFolderAreWalkedUntilOneIsEnough) {
-  const TempFolder folder;
-  for (const char* name : {"a", "b", "c.spt"}) (void)folder.write(name, Bytes().u8(1));
-  std::filesystem::create_directory(folder.path("inside"));
-  std::filesystem::create_directory(folder.path("d.spt"));
-  std::set<std::string> names;
-  walkFolder(folder.path(), [&](const std::string& name, const std::string&) { return names.insert(name).second; });
-  EXPECT_EQ(names, (std::set<std::string>{"a", "b", "c.spt"}));
-  int visits = 0;
-  walkFolder(folder.path(), [&](const std::string&, const std::string&) { return ++visits < 2; });
-  EXPECT_EQ(visits, 2);
-}
-
-TEST(Platform, AFinalSeparatorIsLeftOutOfTheFolderThatIsWalked) {
-  const TempFolder folder;
-  std::filesystem::create_directory(folder.path("d"));
-  folder.write("d/one", Bytes().i32(1));
-  const auto walked = [](const std::string& path) {
-    std::set<std::string> names;
-    walkFolder(path, [&](const std::string& name, const std::string&) { return names.insert(name).second; });
-    return names;
-  };
-  EXPECT_EQ(walked(folder.path("d") + '\\'), std::set<std::string>{"one"});
-  EXPECT_EQ(walked(folder.path("dx")), std::set<std::string>{}) << "only a separator is left out";
-
-  // The shortest name there is.
-  const auto before = std::filesystem::current_path();
-  std::filesystem::current_path(folder.path());
-  EXPECT_EQ(walked("d\\"), std::set<std::string>{"one"});
-  std::filesystem::current_path(before);
-}
-
 TEST(OutStream, PassesLargeContentToTheFileInOrder) {
   const TempFolder folder;
   const std::string path = folder.path("f");
@@ -271,8 +241,8 @@ TEST(OutStream, PassesNothingOnWithoutContentOrFile) {
 }
 
 TEST(OutStream, TakesNothingMoreAfterAFailedWrite) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
-  File file = File::openToWrite("/dev/full");
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
+  const File file = openFullDevice();
   OutStream stream(file.handle());
   Writer io(stream, 180);
   const char text[4096] = {};
@@ -287,16 +257,13 @@ TEST(OutStream, TakesNothingMoreAfterAFailedWrite) {
 }
 
 TEST(OutStream, EachVerbFailsWhenTheFileTakesNoMore) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full on this system";
+  if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
   // With room for `left` bytes in front of the hand-over that fails.
   const auto fails = [](std::size_t left, const auto& verb) {
-    const File file = File::openToWrite("/dev/full");
-    OutStream stream(file.handle());
-    constexpr std::size_t kAll = std::size_t{1} << 20U;
-    EXPECT_NE(stream.room(kAll - left), nullptr);
-    EXPECT_EQ(stream.free().size(), left);
-    Writer io(stream, 180);
-    return !verb(io) && stream.failed();
+    FullFile full(left);
+    EXPECT_EQ(full.stream().free().size(), left);
+    Writer io(full.stream(), 180);
+    return !verb(io) && full.stream().failed();
   };
   const std::string note = "note";
   const std::int32_t numbers[3] = {1, 2, 3};
@@ -320,124 +287,6 @@ TEST(OutStream, EachVerbFailsWhenTheFileTakesNoMore) {
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.trailer(FIELDS(shapes), &oldtorvio::Shape::trailerValue); }))
         << left;
     EXPECT_TRUE(fails(left, [&](Writer& io) { return io.list(FIELDS(bindings), kPositiveCountFirst); })) << left;
-  }
-}
-
-TEST(Text, FieldsKeepTheBytesAfterTheNul) {
-  char field[8] = {'1', '2', '3', '4', '5', '6', '7', '8'};
-  EXPECT_EQ(fixedText(field), "12345678");
-  setText(field, "ab");
-  EXPECT_EQ(fixedText(field), "ab");
-  EXPECT_EQ(field[3], '4');
-  setText(field, "");
-  EXPECT_EQ(fixedText(field), "");
-  EXPECT_EQ(field[1], 'b');
-  EXPECT_DEATH(setText(field, "12345678"), "");
-}
-
-TEST(Text, DriveIsALetterAndAColon) {
-  for (const char* drive : {"a:", "z:", "A:", "Z:", "m:"})
-    EXPECT_EQ(baseName(std::string(drive) + "x.y"), "x") << drive;
-  for (const char* none : {"@:", "[:", "`:", "{:", "1:", "::", "aa:"})
-    EXPECT_EQ(baseName(std::string(none) + "x.y"), std::string(none) + "x") << none;
-  EXPECT_EQ(baseName("c:"), "");
-  EXPECT_EQ(baseName(":"), ":");
-}
-
-TEST(Text, ComparisonFoldsLettersAToZOnly) {
-  EXPECT_TRUE(equalNoCase("aZ09_", "Az09_"));
-  EXPECT_FALSE(equalNoCase("a", "ab"));
-  EXPECT_FALSE(equalNoCase("[", "{"));
-  EXPECT_FALSE(equalNoCase("@", "`"));
-  EXPECT_FALSE(equalNoCase("\xC4", "\xE4"));
-  for (int a = 0; a < 256; ++a)
-    for (int b = 0; b < 256; ++b) {
-      const char x = static_cast<char>(a), y = static_cast<char>(b);
-      const auto lower = [](int c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
-      ASSERT_EQ(equalNoCase({&x, 1}, {&y, 1}), lower(a) == lower(b));
-    }
-}
-
-TEST(Text, BaseNameHasNeitherDriveNorFoldersNorExtension) {
-  const std::pair<const char*, const char*> cases[] = {{"C:\\A\\B.PRT", "B"},
-                                                       {"c:b.prt", "b"},
-                                                       {"z:/a/b.c.prt", "b.c"},
-                                                       {"Z:b", "b"},
-                                                       {"{:b.prt", "{:b"},
-                                                       {"@:b.prt", "@:b"},
-                                                       {"1:b.prt", "1:b"},
-                                                       {"C:", ""},
-                                                       {":b", ":b"},
-                                                       {"", ""},
-                                                       {"C", "C"},
-                                                       {"a\\", ""},
-                                                       {".prt", ""},
-                                                       {"C:.prt", ""},
-                                                       {"cc:b", "cc:b"}};
-  for (const auto& [path, name] : cases) EXPECT_EQ(baseName(path), name) << path;
-}
-
-TEST(Text, NumbersPrintAsInTheCLocale) {
-  const double values[] = {0,
-                           -0.0,
-                           1,
-                           -1,
-                           0.5,
-                           1e-5,
-                           123456,
-                           1234567,
-                           1e100,
-                           -1e-300,
-                           3.14159265358979,
-                           std::numeric_limits<double>::max(),
-                           std::numeric_limits<double>::denorm_min()};
-  for (const double value : values) {
-    char printed[400];
-    (void)std::snprintf(printed, sizeof printed, "%g", value);
-    EXPECT_EQ(general(value), printed);
-    (void)std::snprintf(printed, sizeof printed, "%6.3f", value);
-    std::string fixed;
-    appendFixed3(fixed, value);
-    EXPECT_EQ(fixed, printed);
-  }
-  std::string integer;
-  appendInteger(integer, std::numeric_limits<std::int64_t>::min());
-  EXPECT_EQ(integer, "-9223372036854775808");
-}
-
-TEST(Text, FormatEndsWhereItsViewEnds) {
-  constexpr std::string_view kText = "a%I64d";
-  const auto printed = [&](std::size_t size) { return printedWithoutValues(kText.substr(0, size), 260); };
-  EXPECT_EQ(printed(0), "");
-  EXPECT_EQ(printed(1), "a");
-  EXPECT_EQ(printed(2), "a");
-  EXPECT_EQ(printed(3), "a");
-  EXPECT_EQ(printed(4), "a6");
-  EXPECT_EQ(printed(5), "a");
-  EXPECT_EQ(printed(6), "a0");
-}
-
-TEST(Versions, ListsContainExactlyTheirNumbers) {
-  int parts = 0, specialTools = 0;
-  for (int v = -70000; v < 70000; ++v) {
-    parts += kPartVersions.has(v) ? 1 : 0;
-    specialTools += kSpecialToolVersions.has(v) ? 1 : 0;
-  }
-  EXPECT_EQ(parts, 39);
-  EXPECT_EQ(specialTools, 34);
-  EXPECT_TRUE(kPartVersions.has(100));
-  EXPECT_FALSE(kPartVersions.has(53));
-  EXPECT_FALSE(kPartVersions.has(6));
-  EXPECT_FALSE(kSpecialToolVersions.has(61));
-  EXPECT_FALSE(kSpecialToolVersions.has(80));
-}
-
-TEST(EndProcess, Aborts) { EXPECT_EXIT(oldtorvio::EndProcess(), endedByTheLibrary(), ""); }
-
-TEST(FileKinds, OnlySpecialToolsHaveAnExtensionOfTheirOwn) {
-  for (const FileKindInfo& info : kFileKinds) {
-    const bool isTool = info.kind == FileKind::specialTool;
-    EXPECT_EQ(info.extension, isTool ? ".spt" : "") << info.name;
   }
 }
 

@@ -6,6 +6,7 @@
 // OLDTORVIO_LONG_TESTS=1 tests every bit and every number of every version, and prints the slowest load of each kind.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <functional>
@@ -18,14 +19,9 @@
 #include <vector>
 
 #include "OldTorvIO.h"
+#include "src/file_records.h"
 #include "src/frame/versions.h"
-#include "src/machine/machine_io.h"
-#include "src/material/material_io.h"
-#include "src/part/part_io.h"
 #include "src/records/tool_layout.h"
-#include "src/tooling/inventory_io.h"
-#include "src/tooling/macro_io.h"
-#include "src/tooling/special_tool_io.h"
 #include "tests/support/allocation_meter.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
@@ -38,6 +34,7 @@ namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
+using frame::FileKind;
 
 bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
@@ -46,14 +43,17 @@ constexpr double kMaxSeconds = 2;  // far more than any host needs
 
 // ---- the kinds -----------------------------------------------------------------------------------------
 
-// How a kind is loaded, queried and saved. `Record` is the record that its load fills.
-template <class Record>
+const Kind& kindOf(FileKind kind) { return kinds()[static_cast<std::size_t>(kind)]; }
+std::string nameOf(FileKind kind) {
+  std::string name = kindOf(kind).name;
+  std::ranges::replace(name, '-', ' ');
+  return name;
+}
+
+// How a kind is queried and saved.
+template <FileKind kKind>
 struct Subject {
-  const char* name;
-  explain::FileKind kind;
-  std::vector<int> versions;  // the first and the last in the short form
-  Bytes (*file)(int version);
-  std::int64_t (*load)(const char* path, Record* record);
+  using Record = typename FileRecord<kKind>::Record;
   // Makes the queries by path; `status` is that of the load.
   void (*queryByPath)(const char* path, std::int64_t status, const Record& record);
   // Stores the record, or returns false; records whose save would end the process are not saved.
@@ -61,6 +61,9 @@ struct Subject {
   // Prepares a record that already holds data, so that a load has the same result as one into a fresh record.
   void (*beforeLoad)(Record& record) = [](Record&) {};
   std::set<std::int64_t> statuses = {-1, 0, 1};
+  std::string name = nameOf(kKind);
+  std::vector<int> versions = kindOf(kKind).versions;  // the first and the last in the short form
+  Bytes (*file)(int version) = kindOf(kKind).file;
 };
 
 // Versions 2 and 3 (whose load always returns 1) and 5, which no writer stores. One element in each list.
@@ -199,119 +202,94 @@ void querySheet(const char* path, std::int64_t status, const OldSheet& sheet) {
 template <class Record>
 void noQueries(const char*, std::int64_t, const Record&) {}
 
-const Subject<TorvPart> kPart{
-    "part",
-    explain::FileKind::part,
-    {52, 62, 80, 110, 151, 161, 180},
-    [](int v) { return partFile(v, 32001); },
-    LoadOldPart,
-    queryPart,
-    [](OutStream& out, int version, TorvPart& part) { return WritePartBody(out, version, false, part); },
-    // Loads append to these.
-    [](TorvPart& part) { part.nestShapeGroups.clear(); }};
+Subject<FileKind::part> parts() {
+  return {queryPart,
+          [](OutStream& out, int version, TorvPart& part) { return WritePartBody(out, version, false, part); },
+          // Loads append to these.
+          [](TorvPart& part) { part.nestShapeGroups.clear(); }};
+}
 
-const Subject<TorvPart> kOldestPart{
-    "oldest part",
-    explain::FileKind::part,
-    {2, 3, 5},
-    oldestPartFile,
-    LoadOldPart,
-    queryPart,
-    [](OutStream& out, int, TorvPart& part) { return WritePartBody(out, 180, true, part); },
-    // These versions do not set the fields of later ones, which a damaged version word may have changed.
-    [](TorvPart& part) { part = TorvPart(); }};
+Subject<FileKind::part> oldestParts() {
+  return {.queryByPath = queryPart,
+          .store = [](OutStream& out, int, TorvPart& part) { return WritePartBody(out, 180, true, part); },
+          // These versions do not set the fields of later ones, which a damaged version word may have changed.
+          .beforeLoad = [](TorvPart& part) { part = TorvPart(); },
+          .name = "oldest part",
+          .versions = {2, 3, 5},
+          .file = oldestPartFile};
+}
 
-const Subject<SheetPartList> kGroup{"group part",
-                                    explain::FileKind::groupPart,
-                                    {152, 161, 180},
-                                    groupFile,
-                                    LoadGroupPart,
-                                    queryGroup,
-                                    [](OutStream& out, int version, SheetPartList& list) {
-                                      const bool isThere = !list.parts.empty();
-                                      return isThere && WritePartBody(out, version, false, list.parts.back());
-                                    },
-                                    [](SheetPartList&) {},
-                                    {0, 1}};
+Subject<FileKind::groupPart> groupParts() {
+  return {.queryByPath = queryGroup,
+          .store =
+              [](OutStream& out, int version, SheetPartList& list) {
+                return !list.parts.empty() && WritePartBody(out, version, false, list.parts.back());
+              },
+          .statuses = {0, 1}};
+}
 
-const Subject<OldSpecialTool> kSpecialToolFile{
-    "special tool",
-    explain::FileKind::specialTool,
-    {52, 110, 160, 180},
-    [](int v) {
-      return specialToolFile(v, {1, 2});
-    },
-    LoadOldSpecialTool,
-    querySpecialTool,
-    [](OutStream& out, int version, OldSpecialTool& tool) { return WriteSpecialTool(out, version, tool); },
-    // A file without entries keeps those of the record.
-    [](OldSpecialTool& tool) { tool.setupList = {}; }};
+Subject<FileKind::specialTool> specialTools() {
+  return {querySpecialTool,
+          [](OutStream& out, int version, OldSpecialTool& tool) { return WriteSpecialTool(out, version, tool); },
+          // A file without entries keeps those of the record.
+          [](OldSpecialTool& tool) { tool.setupList = {}; }};
+}
 
-const Subject<OldMachine> kMachine{"machine",
-                                   explain::FileKind::machine,
-                                   {52, 61, 80, 110, 152, 161, 180},
-                                   machineFile,
-                                   LoadOldMachine,
-                                   queryMachine,
-                                   [](OutStream& out, int version, OldMachine& machine) {
-                                     return WriteOldMachine(out, version, nullptr, machine, false);
-                                   }};
+Subject<FileKind::machine> machines() {
+  return {queryMachine, [](OutStream& out, int version, OldMachine& machine) {
+            return WriteOldMachine(out, version, nullptr, machine, false);
+          }};
+}
 
 bool storeMaterial(OutStream& out, int version, OldMaterial& material) {
   return WriteParamTable(out, material.params) &&
          (frame::isParamTableVersion(version) || WriteOldMaterialBody(out, version, material));
 }
-const Subject<OldMaterial> kMaterial{"material",
-                                     explain::FileKind::material,
-                                     {61, 90, 130, 152, 161, 180},
-                                     materialFile,
-                                     LoadOldMaterial,
-                                     noQueries<OldMaterial>,
-                                     storeMaterial};
-const Subject<OldMaterial> kTable{"parameter table", explain::FileKind::material, {52, 60},     materialFile,
-                                  LoadOldMaterial,   noQueries<OldMaterial>,      storeMaterial};
+Subject<FileKind::material> materials() {
+  Subject<FileKind::material> subject{noQueries<OldMaterial>, storeMaterial};
+  std::erase_if(subject.versions, frame::isParamTableVersion);
+  return subject;
+}
+Subject<FileKind::material> tables() {
+  return {
+      .queryByPath = noQueries<OldMaterial>, .store = storeMaterial, .name = "parameter table", .versions = {52, 60}};
+}
 
-const Subject<OldToolInventory> kInventory{"tool inventory",
-                                           explain::FileKind::toolInventory,
-                                           {54, 60, 110, 150, 180},
-                                           inventoryFile,
-                                           LoadOldToolInventory,
-                                           queryInventory,
-                                           [](OutStream& out, int version, OldToolInventory& inventory) {
-                                             return WriteToolInventory(out, version, inventory);
-                                           }};
+Subject<FileKind::toolInventory> inventories() {
+  return {queryInventory, [](OutStream& out, int version, OldToolInventory& inventory) {
+            return WriteToolInventory(out, version, inventory);
+          }};
+}
 
-const Subject<OldMacro> kMacro{
-    "macro",
-    explain::FileKind::macro,
-    {52, 60, 80, 160, 180},
-    macroFile,
-    LoadOldMacro,
-    noQueries<OldMacro>,
-    [](OutStream& out, int version, OldMacro& macro) { return WriteMacro(out, version, macro); }};
+Subject<FileKind::macro> macros() {
+  return {noQueries<OldMacro>,
+          [](OutStream& out, int version, OldMacro& macro) { return WriteMacro(out, version, macro); }};
+}
 
-const Subject<OldSheet> kSheet{"sheet",
-                               explain::FileKind::sheet,
-                               {52, 101, 152, 161, 180},
-                               smallSheetFile,
-                               LoadOldSheet,
-                               querySheet,
-                               [](OutStream& out, int version, OldSheet& sheet) {
-                                 return blocksCanBeStored(sheet.blocks, version) && WriteOldSheet(out, version, sheet);
-                               }};
+Subject<FileKind::sheet> sheets() {
+  return {.queryByPath = querySheet,
+          .store =
+              [](OutStream& out, int version, OldSheet& sheet) {
+                return blocksCanBeStored(sheet.blocks, version) && WriteOldSheet(out, version, sheet);
+              },
+          .versions = {52, 101, 152, 161, 180},
+          .file = smallSheetFile};
+}
 
 // ---- one damaged file ------------------------------------------------------------------------------------
 
-template <class Record>
+template <FileKind kKind>
 class Sweep {
  public:
-  Sweep(const Subject<Record>& subject, int version)
+  using Record = typename Subject<kKind>::Record;
+
+  Sweep(const Subject<kKind>& subject, int version)
       : subject_(subject), version_(version), good_(subject.file(version)), goodPath_(folder_.write("good", good_)) {
     const auto record = std::make_unique<Record>();
-    goodStatus_ = subject_.load(goodPath_.c_str(), record.get());
+    goodStatus_ = load(goodPath_, *record);
     EXPECT_EQ(goodStatus_, version == 2 || version == 3 ? 1 : 0) << subject_.name << " " << version;
     stored_ = storedForm(*record);
-    (void)explain::mapFile(goodPath_.c_str(), subject_.kind, [&](const explain::MapLine& line) {
+    (void)explain::mapFile(goodPath_.c_str(), kKind, [&](const explain::MapLine& line) {
       if (line.size == 1 || line.size == 2 || line.size == 4) numbers_.push_back(line);
     });
   }
@@ -357,6 +335,10 @@ class Sweep {
   const std::string& slowestCase() const { return slowestCase_; }
 
  private:
+  static std::int64_t load(const std::string& path, Record& record) {
+    return FileRecord<kKind>::load(path.c_str(), record);
+  }
+
   template <class Change>
   Bytes changed(std::size_t offset, unsigned size, Change&& change) const {
     std::vector<std::byte> bytes(good_.span().begin(), good_.span().end());
@@ -375,7 +357,7 @@ class Sweep {
   // Whether a load refuses exactly this value.
   bool isRefused(const Bytes& file, const explain::MapLine& line) {
     const auto report =
-        explain::mapFile(folder_.overwrite("refused", file).c_str(), subject_.kind, [](const explain::MapLine&) {});
+        explain::mapFile(folder_.overwrite("refused", file).c_str(), kKind, [](const explain::MapLine&) {});
     for (const auto& fault : {report.fault, report.tolerated})
       if (fault && fault->offset == line.offset && fault->reason.find("refused") != std::string::npos) return true;
     return false;
@@ -397,7 +379,7 @@ class Sweep {
   }
 
   void check(const Bytes& file, const std::string& what) {
-    SCOPED_TRACE(std::string(subject_.name) + " of version " + std::to_string(version_) + ", " + what);
+    SCOPED_TRACE(subject_.name + " of version " + std::to_string(version_) + ", " + what);
     ++count_;
     const std::string path = folder_.overwrite("damaged", file);
     const auto record = std::make_unique<Record>();
@@ -406,7 +388,7 @@ class Sweep {
     std::size_t peak = 0;
     {
       const AllocationMeter meter;
-      status = subject_.load(path.c_str(), record.get());
+      status = load(path, *record);
       peak = meter.peak();
     }
     const double seconds = static_cast<double>(std::clock() - from) / CLOCKS_PER_SEC;
@@ -421,11 +403,11 @@ class Sweep {
     (void)storedForm(*record);
     // A load of the sound file has the same result as one into a fresh record.
     subject_.beforeLoad(*record);
-    EXPECT_EQ(subject_.load(goodPath_.c_str(), record.get()), goodStatus_);
+    EXPECT_EQ(load(goodPath_, *record), goodStatus_);
     EXPECT_TRUE(storedForm(*record) == stored_) << "loaded again";
   }
 
-  const Subject<Record>& subject_;
+  const Subject<kKind>& subject_;
   int version_;
   TempFolder folder_;
   Bytes good_;
@@ -440,15 +422,15 @@ class Sweep {
 };
 
 // bounds: the limits of counts and widths in these files, of all versions together.
-template <class Record>
-void sweep(const Subject<Record>& subject, std::set<std::int64_t> bounds) {
+template <FileKind kKind>
+void sweep(const Subject<kKind>& subject, std::set<std::int64_t> bounds) {
   std::set<std::int64_t> found;
   std::size_t count = 0;
   double slowest = 0;
   std::string slowestCase;
   for (const int version : subject.versions) {
     if (!isLong() && version != subject.versions.front() && version != subject.versions.back()) continue;
-    Sweep<Record> one(subject, version);
+    Sweep<kKind> one(subject, version);
     one.flipBits();
     one.setNumbers();
     found.insert(one.bounds().begin(), one.bounds().end());
@@ -472,17 +454,17 @@ void sweep(const Subject<Record>& subject, std::set<std::int64_t> bounds) {
 // 20 steps, for parts 250 slots; for names and texts 256 bytes, in sheets 260; for materials a table version of 502, a
 // name of 10000 bytes, 6 tool sets and setting lists, 20 colours, 5 groups, 10 entries or 5 pairs of a rule; for machines
 // 8 clamps, 40000 cells, 255 triads, 3 columns; for sheets 25 rows.
-TEST(DamagedFiles, OfPartsDoNoHarm) { sweep(kPart, {2, 9, 20, 250}); }
-TEST(DamagedFiles, OfOldestPartsDoNoHarm) { sweep(kOldestPart, {}); }
-TEST(DamagedFiles, OfGroupPartsDoNoHarm) { sweep(kGroup, {2, 9, 20, 250, 256}); }
-TEST(DamagedFiles, OfSpecialToolsDoNoHarm) { sweep(kSpecialToolFile, {2, 9}); }
-TEST(DamagedFiles, OfMachinesDoNoHarm) { sweep(kMachine, {2, 3, 5, 6, 8, 9, 10, 20, 255, 256, 10000, 40000}); }
-TEST(DamagedFiles, OfMaterialsDoNoHarm) { sweep(kMaterial, {2, 5, 6, 9, 10, 20, 256, 502, 10000}); }
-TEST(DamagedFiles, OfParameterTablesDoNoHarm) { sweep(kTable, {256}); }
-TEST(DamagedFiles, OfToolInventoriesDoNoHarm) { sweep(kInventory, {20}); }
-TEST(DamagedFiles, OfMacrosDoNoHarm) { sweep(kMacro, {2, 9}); }
+TEST(DamagedFiles, OfPartsDoNoHarm) { sweep(parts(), {2, 9, 20, 250}); }
+TEST(DamagedFiles, OfOldestPartsDoNoHarm) { sweep(oldestParts(), {}); }
+TEST(DamagedFiles, OfGroupPartsDoNoHarm) { sweep(groupParts(), {2, 9, 20, 250, 256}); }
+TEST(DamagedFiles, OfSpecialToolsDoNoHarm) { sweep(specialTools(), {2, 9}); }
+TEST(DamagedFiles, OfMachinesDoNoHarm) { sweep(machines(), {2, 3, 5, 6, 8, 9, 10, 20, 255, 256, 10000, 40000}); }
+TEST(DamagedFiles, OfMaterialsDoNoHarm) { sweep(materials(), {2, 5, 6, 9, 10, 20, 256, 502, 10000}); }
+TEST(DamagedFiles, OfParameterTablesDoNoHarm) { sweep(tables(), {256}); }
+TEST(DamagedFiles, OfToolInventoriesDoNoHarm) { sweep(inventories(), {20}); }
+TEST(DamagedFiles, OfMacrosDoNoHarm) { sweep(macros(), {2, 9}); }
 TEST(DamagedFiles, OfSheetsDoNoHarm) {
-  sweep(kSheet, {2, 3, 5, 6, 8, 9, 10, 20, 25, 250, 255, 256, 260, 502, 10000, 40000});
+  sweep(sheets(), {2, 3, 5, 6, 8, 9, 10, 20, 25, 250, 255, 256, 260, 502, 10000, 40000});
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-// The baseline that reads as simple programs do: one fread for each field, with the same layouts. The fuzz targets
-// compare the reader with it, reading from memory: it reads field by field, without windows, runs or fast paths. See
-// fuzz/fuzz_checks.h.
+// A reader of the same layouts that takes one field after the other, without windows, runs or fast paths: from a file by
+// one fread for each, as simple programs do, it is a baseline of the benchmarks; from memory the fuzz targets compare the
+// library's reader with it, see fuzz/fuzz_checks.h.
 #pragma once
 #include <cstdio>
 #include <cstring>
@@ -10,7 +10,7 @@
 #include "src/frame/codec/reading.h"
 #include "src/frame/host/platform.h"
 
-namespace bench {
+namespace testing_support {
 
 namespace codec = oldtorvio::codec;
 namespace frame = oldtorvio::frame;
@@ -121,4 +121,4 @@ class FieldReader : public codec::Reading<FieldReader<Source>> {
 using FreadReader = FieldReader<FileSource>;
 using MemoryReader = FieldReader<MemorySource>;
 
-}  // namespace bench
+}  // namespace testing_support
