@@ -96,9 +96,14 @@ class Maker {
   }
   // A number that is stored in a narrower type.
   template <class Stored, class T>
-  void narrow(T& field) {
+  void narrow(T& field, T = T()) {
     if (fills_) field = values_.next<Stored>();
     append(static_cast<Stored>(field));
+  }
+  // One of which a load makes loaded(value).
+  template <class Stored, class T, class Fn>
+  void converted(T& field, Fn&&) {
+    narrow<Stored>(field);
   }
   // The next `size` bytes are one item: all its fields arrive, or none.
   void together(std::size_t) {}
@@ -136,10 +141,10 @@ class Maker {
   template <class List>
   void untouched(const List&, std::size_t = 0) {}
   // The count of a list. Returns whether its elements follow.
-  template <class List>
+  template <class Count = std::int32_t, class List>
   bool size(List& list, std::size_t count, std::size_t = 0) {
     list.resize(count);
-    bytes.i32(static_cast<std::int64_t>(count));
+    append(static_cast<Count>(count));
     return true;
   }
   // An element of `size` bytes that a load did not keep.
@@ -204,8 +209,12 @@ class Checker {
     at_ += N;
   }
   template <class Stored, class T>
-  void narrow(T& field) {
-    expect<T, sizeof(Stored)>(field, values_.next<Stored>(), T());
+  void narrow(T& field, T fresh = T()) {
+    expect<T, sizeof(Stored)>(field, values_.next<Stored>(), fresh);
+  }
+  template <class Stored, class T, class Fn>
+  void converted(T& field, Fn&& loaded) {
+    expect<T, sizeof(Stored)>(field, static_cast<T>(loaded(values_.next<Stored>())), T());
   }
   void together(std::size_t size) { itemEnd_ = at_ + size; }
   void stored(std::int32_t) { at_ += 4; }
@@ -250,10 +259,10 @@ class Checker {
   void clears(const List& list) {
     if (reaches(0)) cleared_.push_back(&list);
   }
-  template <class List>
+  template <class Count = std::int32_t, class List>
   bool size(List& list, std::size_t count, std::size_t freshCount = 0) {
-    const bool arrived = reaches(4);
-    at_ += 4;
+    const bool arrived = reaches(sizeof(Count));
+    at_ += sizeof(Count);
     if (!arrived) {
       untouched(list, freshCount);
     } else {
@@ -387,9 +396,9 @@ void elements(M& m, List& l, std::size_t count, Fn&& each) {
   }
 }
 // A list after its count.
-template <class M, class List, class Fn>
+template <class Count = std::int32_t, class M, class List, class Fn>
 void list(M& m, List& l, std::size_t count, Fn&& each, std::size_t freshCount = 0) {
-  if (m.size(l, count, freshCount)) elements(m, l, count, each);
+  if (m.template size<Count>(l, count, freshCount)) elements(m, l, count, each);
 }
 
 // The bytes from `at` on, and bytes of which some are replaced.
