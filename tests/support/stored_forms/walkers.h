@@ -62,12 +62,13 @@ class Maker {
   std::vector<Piece> pieces;
 
   explicit Maker(unsigned seed = 0) : values_(seed) {}
-  // Stores what the record holds, and changes nothing in it.
+  // Stores what the record holds, also its lists, and changes nothing in it. The form has to fit the record in all else.
   static Maker ofHeldValues() {
     Maker maker;
     maker.fills_ = false;
     return maker;
   }
+  bool fills() const { return fills_; }
 
   // Fills every field, also those that the version does not store and those that are never stored.
   static Maker ofEveryField(unsigned seed) {
@@ -112,13 +113,13 @@ class Maker {
   void zeros(std::size_t count) { bytes.zeros(count); }
   void raw(const Bytes& b) { bytes.add(b); }
   void text(std::string& field, const std::string& value) {
-    field = value;
-    bytes.lengthText(value);
+    if (fills_) field = value;
+    bytes.lengthText(field);
   }
   // A text of `width` stored bytes that ends at its first NUL. It arrives with the first `end` bytes of its section.
   void fixedText(std::string& field, const std::string& value, std::size_t width, int, std::size_t) {
-    field = value;
-    bytes.text(width, value);
+    if (fills_) field = value;
+    bytes.text(width, field);
   }
   // A field that is not stored: a load keeps it, or (reset) sets it to `value`.
   template <class T>
@@ -143,9 +144,13 @@ class Maker {
   // The count of a list. Returns whether its elements follow.
   template <class Count = std::int32_t, class List>
   bool size(List& list, std::size_t count, std::size_t = 0) {
-    list.resize(count);
-    append(static_cast<Count>(count));
+    append(static_cast<Count>(resized(list, count)));
     return true;
+  }
+  template <class List>
+  std::size_t resized(List& list, std::size_t count) {
+    if (fills_) list.resize(count);
+    return list.size();
   }
   // An element of `size` bytes that a load did not keep.
   void dropped(std::size_t) {}
@@ -361,6 +366,13 @@ void fixedOr(M& m, T& field, V value, T fresh) {
   m.fixed(field, value, fresh);
 }
 
+// A count in a field. Returns how many follow: of held values as many as the record has.
+template <class M, class T>
+int countIn(M& m, T& field, int count, T fresh = T()) {
+  m.fixed(field, count, fresh);
+  return M::kMakes ? static_cast<int>(field) : count;
+}
+
 // The first `width` bytes of a text, without a NUL; they arrive together.
 template <class M, std::size_t N>
 void leadingText(M& m, char (&field)[N], std::size_t width, char first) {
@@ -383,7 +395,7 @@ void piece(M& m, const std::string& name, Fn&& fn, int statusOfCut = 1) {
 // The elements of a list, of which a load keeps those that it could read. each(m, element, index).
 template <class M, class List, class Fn>
 void elements(M& m, List& l, std::size_t count, Fn&& each) {
-  if constexpr (M::kMakes) l.resize(count);
+  if constexpr (M::kMakes) count = m.resized(l, count);
   for (std::size_t i = 0; i < count; ++i) {
     if (i < l.size()) {
       each(m, l[i], i);
