@@ -29,6 +29,7 @@
 #include "tests/support/sheet_files.h"
 #include "tests/support/sheet_hazards.h"
 #include "tests/support/sheet_keys.h"
+#include "tests/support/stored_forms/oldest_parts.h"
 
 namespace {
 
@@ -66,29 +67,26 @@ struct Subject {
   Bytes (*file)(int version) = kindOf(kKind).file;
 };
 
-// Versions 2 and 3 (whose load always returns 1) and 5, which no writer stores. One element in each list.
+// Version 2 with items and 3 with fixes (their loads always return 1), and 5. One element in each list.
 Bytes oldestPartFile(int version) {
-  const auto shape = [](Bytes& b, int type) {
-    for (int i = 0; i < (type == 1 ? 1 : 3); ++i) b.f32(1.5F + static_cast<float>(i));
-  };
-  Bytes b;
-  b.i16(version);
   if (version == 5) {
-    b.text(21, "PLATE").f32(30).f32(20).text(21, "P").text(21, "A").text(21, "M").i16(1).i16(1).f32(0.05F);
-    b.i16(2);
-    for (const int type : {1, 3}) {
-      b.i8(type).i16(0).i16(0).f32(1).f32(2);
-      shape(b, type);
-    }
-    b.i16(1).i16(0).i16(1).i16(1).i32(0).i32(0).f32(0).f32(0).f32(1).f32(0).i16(1).i16(7).i16(1);
-    b.i16(1).fill(2 * 34, 0).zeros(8).i32(1).i32(2);
-    return b.i16(1).i16(3).i16(4).i32(5).i32(6).zeros(64);
+    const auto part = std::make_unique<TorvPart>();
+    Maker m;
+    storedVersion5Part(m, {}, *part);
+    return Bytes().i16(5).add(m.bytes).zeros(64);
   }
-  b.f32(30).f32(20).u8(1).u8(1).u8(0).u8(0).u8(0).zeros(47).u8(0).zeros(11).i16(1).i16(0).i16(0);
-  b.i8(1).zeros(8).f32(1).f32(2);
-  shape(b, 1);
-  b.i16(1).i16(2).zeros(27);
-  return b.zeros(12).i16(1).i16(7).i16(1).i16(1).i16(2).zeros(64);
+  Version3File file;
+  file.version = version;
+  file.hasItems = version == 2 ? 1 : 0;
+  file.hasShapeFixes = 1;
+  Shape& shape = file.shapes.emplace_back();
+  shape.type = 1;
+  shape.x = shape.y = shape.values[0] = 1.5F;
+  file.setupCount = 1;
+  file.setup = Version3Setup{2}.bytes();
+  file.last = version == 2 ? version3Items({PatternItem()}, {2}) : version3Fixes({{0, 2}});
+  file.last.zeros(64);
+  return file.bytes();
 }
 
 // Small in every respect: the short table, short texts.

@@ -13,33 +13,24 @@
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
 #include "src/records/record_io.h"
-#include "tests/support/bytes.h"
 #include "tests/support/files.h"
+#include "tests/support/stored_forms/oldest_parts.h"
 
 namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
 
-constexpr std::size_t kPiece = 27;
+constexpr std::size_t kPiece = kSetupTextSize;
 
-// A part without shapes and with that setup section, followed by no items and no fixes.
+// A part without shapes and with that setup section.
 Bytes oldestPart(int version, int setupCount, const Bytes& setup) {
-  Bytes b;
-  b.i16(version).f32(64.5F).f32(32.25F).zeros(5).zeros(59).i16(0).i16(0).i16(0);
-  return b.i16(setupCount).add(setup).zeros(4);
+  Version3File file;
+  file.version = version;
+  file.setupCount = setupCount;
+  file.setup = setup;
+  return file.bytes();
 }
-
-// A record that announces texts, with what its type has after it.
-Bytes headRecord(int type, std::size_t texts) {
-  Bytes b;
-  b.u16(static_cast<std::uint16_t>(type)).zeros(2).i16(static_cast<int>(texts)).zeros(6);
-  b.f32(0.5F).f32(1.5F).f32(2.5F).f32(3.5F).u8(9);
-  return b.zeros(type == 7 ? 8 : 0);
-}
-
-// Any 27 characters, for instance with bytes after a NUL.
-Bytes textRecord(const std::string& characters) { return Bytes().raw({0xD5, 0xD6}).text(kPiece, characters); }
 
 // The section of one record with those texts; then one of type 2, to show that the reading went on.
 struct Section {
@@ -48,9 +39,9 @@ struct Section {
 
   int count() const { return static_cast<int>(texts.size()) + 2; }
   Bytes bytes() const {
-    Bytes b = headRecord(type, texts.size());
-    for (const std::string& text : texts) b.add(textRecord(text));
-    return b.u16(2).zeros(10).f32(1).f32(2).f32(3).f32(4).u8(5).zeros(16);
+    Bytes b = Version3Setup{type, 0.5F, 1.5F, 2.5F, 3.5F, 9, static_cast<int>(texts.size())}.bytes();
+    for (const std::string& text : texts) b.add(setupTextRecord(text));
+    return b.add(Version3Setup{2, 1, 2, 3, 4, 5}.bytes());
   }
   std::string joined() const {
     std::string all;

@@ -16,8 +16,8 @@
 #include "OldTorvIO/records.h"
 #include "src/part/part_io.h"
 #include "src/records/record_io.h"
-#include "tests/support/bytes.h"
 #include "tests/support/files.h"
+#include "tests/support/sheet_files.h"
 #include "tests/support/stored_forms/versions.h"
 
 namespace {
@@ -67,7 +67,6 @@ std::size_t placeOf(const std::string& in, const std::string& what) {
 
 // ---- a sheet with a value of its own wherever the edits and queries look ---------------------------
 
-constexpr std::uint32_t kFirstOfNineWords = 0x5EED1234;
 const std::string kNcPath = "C:\\NC\\Out\\Plant";
 const std::string kAfterSheet = "bytes after the end, which a save drops";
 
@@ -153,7 +152,7 @@ Sheet someSheet() {
   machine.clampInfo.clampSpacing = 9.0F;
   for (int i = 0; i < 3; ++i) machine.clampInfo.clampPositions[i] = 70.0F + static_cast<float>(i);
   setText(machine.ncPath, kNcPath);
-  machine.machineWord124 = kFirstOfNineWords;
+  machine.machineWord124 = 0x5EED1234;
   sheet->textEntries.resize(1);
   sheet->skeletonShapes.shapes = {someShape(17, 40.0F), someShape(2, 41.0F)};
   sheet->skeletonShapes.listKind = 3;
@@ -168,13 +167,9 @@ Sheet someSheet() {
 }
 
 // What a save stores at this version and a load expects: below 152 without the machine's late words.
-std::string soundFile(const TempFolder& folder, OldSheet& sheet, int version) {
-  const auto path = folder.path("sound");
-  EXPECT_EQ(SaveOldSheet(path.c_str(), &sheet, static_cast<std::uint16_t>(version)), 0) << version;
-  std::string all = contentOf(path);
-  if (version >= 152) return all;
-  const auto words = placeOf(all, word(kFirstOfNineWords));
-  return version == 151 ? all.erase(words + 36, 1) : all.erase(words, 37);
+std::string soundFile(OldSheet& sheet, int version) {
+  const Bytes file = readableSheetFile(sheet, version);
+  return {reinterpret_cast<const char*>(file.span().data()), file.size()};
 }
 
 // What a load and a save make of a file.
@@ -256,7 +251,7 @@ TEST(SheetEdits, FilesThatCannotBeOpenedReturnMinusTwoAndShortOnesOne) {
 
 TEST(SheetEdits, SheetsOfTheOldestKnownVersionsAreNotChanged) {
   const TempFolder folder;
-  std::string file = soundFile(folder, *someSheet(), 52);
+  std::string file = soundFile(*someSheet(), 52);
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart())))
     for (char version : {'\x01', '\x06'}) {
       file[0] = version;
@@ -270,7 +265,7 @@ TEST(SheetEdits, FileIsChangedOnlyIfAllOfItLoads) {
   const TempFolder folder;
   const auto edits = everyEdit(partFile(folder, skeletonPart()));
   for (int version : {54, 112, 162}) {
-    const auto file = soundFile(folder, *someSheet(), version);
+    const auto file = soundFile(*someSheet(), version);
     int whole = 0;
     for (std::size_t cut = 2; cut < file.size(); cut += 1 + file.size() / 40) {
       const auto piece = file.substr(0, cut);
@@ -299,7 +294,7 @@ TEST(SheetEdits, SheetOfVersion60To150CannotBeLoadedAfterAnEdit) {
     bare->textEntries.clear();
     bare->namedWorkLists.clear();
     bare->optionWord = 0;
-    const auto file = soundFile(folder, *bare, version);
+    const auto file = soundFile(*bare, version);
     for (const Edit& edit : edits) {
       const auto path = put(folder, "sheet", file);
       auto sheet = std::make_unique<OldSheet>();
@@ -322,7 +317,7 @@ TEST(SheetEdits, BelowVersion60AndAt151TheFieldsAfterTheMachineAreLost) {
     bare->namedWorkLists.clear();
     for (const std::uint32_t option : {0x11223344U, 0U}) {
       bare->optionWord = option;
-      const auto file = soundFile(folder, *bare, version);
+      const auto file = soundFile(*bare, version);
       for (const Edit& edit : edits) {
         const auto path = put(folder, "sheet", file);
         auto sheet = loadedFrom(path);
@@ -345,7 +340,7 @@ TEST(SheetEdits, BelowVersion60AndAt151TheFieldsAfterTheMachineAreLost) {
 TEST(SheetEdits, SheetWithATableOfAnOldLayoutEndsInItsTable) {
   const TempFolder folder;
   constexpr std::size_t kMainLayoutWithoutName = 19792;
-  const auto sound = soundFile(folder, *someSheet(), 180);
+  const auto sound = soundFile(*someSheet(), 180);
   const std::size_t table = placeOf(sound, word(6) + std::string("STEEL\0", 6)) + 4 - kMainLayoutWithoutName;
   ASSERT_EQ(sound.substr(table, 2), stringOf(Bytes().u16(150)));
   const std::string after = sound.substr(table + kMainLayoutWithoutName + 6);
@@ -385,7 +380,7 @@ TEST(SheetEdits, SheetWhoseMachineHasAnotherTextWidthCannotBeLoadedAfterAnEdit) 
   lay(made->machine.machineText2, "SECOND OF THREE");
   lay(made->machine.machineText3, "THIRD OF THREE");
   for (int version : {152, 162, 180}) {
-    auto file = narrowed(soundFile(folder, *made, version), text, true);
+    auto file = narrowed(soundFile(*made, version), text, true);
     file = narrowed(narrowed(file, "SECOND OF THREE", false), "THIRD OF THREE", false);
     for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
       const auto path = put(folder, "sheet", file);
@@ -407,7 +402,7 @@ TEST(SheetEdits, SheetWhoseMachineHasAnotherSecondTextWidthLosesItsSmallValue) {
   lay(made->machine.secondText, "ANOTHER");
   lay(made->machine.machineText2, "SECOND OF THREE");
   lay(made->machine.machineText3, "THIRD OF THREE");
-  auto file = narrowed(soundFile(folder, *made, 180), "ANOTHER", true);
+  auto file = narrowed(soundFile(*made, 180), "ANOTHER", true);
   file.insert(placeOf(file, "ANOTHER") + 108, std::string(156, '\0'));  // after smallValue and shapesPresent
   file = narrowed(narrowed(file, "SECOND OF THREE", false), "THIRD OF THREE", false);
   for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
@@ -424,7 +419,7 @@ TEST(SheetEdits, SheetWhoseMachineHasAnotherSecondTextWidthLosesItsSmallValue) {
 TEST(SheetEdits, EditDropsBlocksAndBytesAfterTheSheet) {
   const TempFolder folder;
   const int version = 160;  // the last version whose sheets end with their blocks
-  const auto sound = soundFile(folder, *someSheet(), version);
+  const auto sound = soundFile(*someSheet(), version);
   ASSERT_EQ(sound.substr(sound.size() - 4), word(0));
   const Bytes shapes = written([&](OutStream& to) { return WriteShapeList(to, version, ShapeList()); });
   Bytes block = Bytes().i32(1);
@@ -447,7 +442,7 @@ TEST(SheetEdits, EditDropsBlocksAndBytesAfterTheSheet) {
 TEST(SheetEditsDeathTest, SheetThatEndsInItsOnlyBlockEndsTheProcess) {
   const TempFolder folder;
   for (int version : {152, 160}) {
-    const auto sound = soundFile(folder, *someSheet(), version);
+    const auto sound = soundFile(*someSheet(), version);
     const auto cut = sound.substr(0, sound.size() - 4) + word(1);
     for (const Edit& edit : everyEdit(partFile(folder, skeletonPart()))) {
       const auto path = put(folder, "sheet", cut);
@@ -463,7 +458,7 @@ TEST(SheetEditsDeathTest, SheetThatEndsInItsOnlyBlockEndsTheProcess) {
 TEST(SheetEdits, NewNcPathChangesOnlyItsTextAndItsNul) {
   const TempFolder folder;
   for (int version : savedVersions()) {
-    const auto file = soundFile(folder, *someSheet(), version);
+    const auto file = soundFile(*someSheet(), version);
     const auto untouched = resaved(folder, file, version);
     for (const std::string& fresh : {std::string("E:\\NEW"), std::string("C:\\NC\\Out\\Plant\\Two"), std::string("C:"),
                                      std::string("C:\\NC\\Out\\Planu"), std::string(255, 'x'), std::string()}) {
@@ -503,7 +498,7 @@ TEST(SheetEdits, NcPathThatDiffersOnlyInTheCaseOfAToZLeavesTheFileAsItWas) {
     for (const Row& row : rows) {
       auto sheet = someSheet();
       setText(sheet->machine.ncPath, row.now);
-      const auto file = soundFile(folder, *sheet, version) + kAfterSheet;
+      const auto file = soundFile(*sheet, version) + kAfterSheet;
       const auto path = put(folder, "sheet", file);
       EXPECT_EQ(ReplaceSheetMachineNcPath(path.c_str(), row.fresh.c_str()), 0);
       EXPECT_EQ(contentOf(path) == file, row.same) << version << " " << row.now << " " << row.fresh;
@@ -514,7 +509,7 @@ TEST(SheetEdits, NcPathThatDiffersOnlyInTheCaseOfAToZLeavesTheFileAsItWas) {
 
 TEST(SheetEdits, NcPathThatDoesNotFitEndsTheProcessBeforeTheFileIsOpened) {
   const TempFolder folder;
-  const auto file = soundFile(folder, *someSheet(), 180);
+  const auto file = soundFile(*someSheet(), 180);
   const auto path = put(folder, "sheet", file);
   for (std::size_t length : {256U, 257U, 1000U})
     EXPECT_DEATH(ReplaceSheetMachineNcPath(path.c_str(), std::string(length, 'x').c_str()), "") << length;
@@ -543,7 +538,7 @@ TEST(SheetEdits, PartAsSkeletonChangesOnlyTheSkeletonShapesAndTheListOfParts) {
     for (int version : savedVersions()) {
       auto sheet = someSheet();
       if (!withParts) sheet->partList.parts.clear();
-      const auto file = soundFile(folder, *sheet, version);
+      const auto file = soundFile(*sheet, version);
       Sheet loaded;
       const auto untouched = resaved(folder, file, version, &loaded);
       for (int partVersion : {52, 110, 161, 180}) {
@@ -577,7 +572,7 @@ TEST(SheetEdits, SheetThenHasNoPartsAndTheShapesOfThePart) {
   const auto part = partFile(folder, skeletonPart());
   for (int version = 152; version <= kLastVersion; ++version) {
     if (!isKnown(version)) continue;
-    const auto path = put(folder, "sheet", soundFile(folder, *someSheet(), version));
+    const auto path = put(folder, "sheet", soundFile(*someSheet(), version));
     ASSERT_EQ(ReplaceSheetSknPatListWithPartPatList(path.c_str(), part.c_str()), 0);
     const auto sheet = loadedFrom(path);
     EXPECT_EQ(sheet->version, version);
@@ -613,7 +608,7 @@ TEST(SheetEdits, PartThatCannotBeLoadedLeavesTheSheetAsItWas) {
                                         put(folder, "v53", refused),
                                         put(folder, "v2", oldest)};
   for (int version : {1, 6, 52, 152, 180}) {
-    std::string file = soundFile(folder, *someSheet(), std::max(version, 52)) + kAfterSheet;
+    std::string file = soundFile(*someSheet(), std::max(version, 52)) + kAfterSheet;
     file[0] = static_cast<char>(version);
     for (const auto& whole : {file, file.substr(0, 300)})  // a sheet's own faults come later
       for (const auto& part : bad) {
@@ -657,7 +652,7 @@ TEST(SheetEdits, NewWorkOrderNumberReplacesTheOldOneInEachPartOfThatBaseName) {
   };
   const TempFolder folder;
   for (int version : savedVersions()) {
-    const auto file = soundFile(folder, *someSheet(), version);
+    const auto file = soundFile(*someSheet(), version);
     const auto untouched = resaved(folder, file, version);
     for (const Row& row : rows)
       for (std::size_t turn = 0; turn < 4; ++turn) {
@@ -688,7 +683,7 @@ std::string onePart(const TempFolder& folder, const std::string& dosName, const 
   sheet->partList.parts.resize(1);
   setText(sheet->partList.parts[0].partFullDosName, dosName, 0);
   setText(sheet->partList.parts[0].woNumber, number, 'b');
-  return put(folder, "one_part", soundFile(folder, *sheet, 162) + kAfterSheet);
+  return put(folder, "one_part", soundFile(*sheet, 162) + kAfterSheet);
 }
 
 TEST(SheetEdits, BaseNameOfAPartHasNoDriveFolderOrExtension) {
@@ -917,10 +912,10 @@ TEST(SmallSheetQueries, EveryAcceptedVersionReturnsItsValues) {
   const TempFolder folder;
   const auto sheet = someSheet();
   for (int version = 52; version <= kLastVersion; ++version) {
-    auto path = put(folder, "sheet", soundFile(folder, *sheet, version));
+    auto path = put(folder, "sheet", soundFile(*sheet, version));
     checkAnswers(path, version, version >= 54 && isKnown(version), *sheet);
   }
-  auto newest = soundFile(folder, *sheet, 180);
+  auto newest = soundFile(*sheet, 180);
   for (int version : {500, 501, 502, 1000, 32767}) {
     newest.replace(0, 2, word(static_cast<std::uint32_t>(version)), 0, 2);
     checkAnswers(put(folder, "sheet", newest), version, false, *sheet);
@@ -935,7 +930,7 @@ TEST(SmallSheetQueries, ClampsAreThoseOfTheSheetButTheirPositionsThoseOfTheMachi
       sheet->clampInfo.clampCount = own == 0 ? -5 : own;
       sheet->machine.clampInfo.clampCount = machines;
       for (int i = 0; i < 8; ++i) sheet->machine.clampInfo.clampPositions[i] = 70.0F + static_cast<float>(i);
-      const auto path = put(folder, "sheet", soundFile(folder, *sheet, 180));
+      const auto path = put(folder, "sheet", soundFile(*sheet, 180));
       Answers answers;
       EXPECT_EQ(answers.clamps(path), 0);
       EXPECT_EQ(answers.clampCount, static_cast<std::uint32_t>(sheet->clampInfo.clampCount));
@@ -956,7 +951,7 @@ TEST(SmallSheetQueries, TextsAreCopiedUpToTheirNulOrTheirWidth) {
       sheet->textWidth = width;
       setText(sheet->partTexts[2], std::string(length, 'm'));
       setText(sheet->partTexts[4], std::string(length, 'n'));
-      const auto path = put(folder, "sheet", soundFile(folder, *sheet, 180));
+      const auto path = put(folder, "sheet", soundFile(*sheet, 180));
       Answers answers;
       EXPECT_EQ(answers.texts(path), 0);
       EXPECT_TRUE(answers.text3 == textOf(std::string(std::min(length, stored), 'm'))) << width << " " << length;
@@ -971,7 +966,7 @@ TEST(SmallSheetQueries, SequenceIsTheLengthOfTheWorkList) {
     auto sheet = someSheet();
     sheet->workList.resize(count);
     Answers answers;
-    EXPECT_EQ(answers.sequenceSize(put(folder, "sheet", soundFile(folder, *sheet, 180))), 0);
+    EXPECT_EQ(answers.sequenceSize(put(folder, "sheet", soundFile(*sheet, 180))), 0);
     EXPECT_EQ(answers.sequence, count);
   }
 }
@@ -979,7 +974,7 @@ TEST(SmallSheetQueries, SequenceIsTheLengthOfTheWorkList) {
 TEST(SmallSheetQueries, FlagsOfACutTableAreCopiedOutUpToTheCut) {
   const TempFolder folder;
   const auto numbers = storedNumbers();
-  const auto path = put(folder, "sheet", soundFile(folder, *someSheet(), 162));
+  const auto path = put(folder, "sheet", soundFile(*someSheet(), 162));
   const auto first = placeOf(contentOf(path), word(static_cast<std::uint32_t>(flagValue(55))));
   for (std::size_t whole = numbers.size() + 1; whole-- > 0;)
     for (std::size_t part : {3U, 0U}) {
@@ -997,7 +992,7 @@ TEST(SmallSheetQueries, OnlyTheLastTwoReportABodyThatCannotBeRead) {
   const TempFolder folder;
   const Answers fresh;
   for (int version : {54, 112, 140, 162}) {
-    const auto path = put(folder, "sheet", soundFile(folder, *someSheet(), version));
+    const auto path = put(folder, "sheet", soundFile(*someSheet(), version));
     auto size = static_cast<std::size_t>(std::filesystem::file_size(path));
     int failed = 0;
     while (size > 2) {
@@ -1028,7 +1023,7 @@ TEST(SmallSheetQueries, TableWithoutALayoutIsABodyThatCannotBeRead) {
   const TempFolder folder;
   const Answers fresh;
   const std::int32_t zeros[601] = {};
-  auto file = soundFile(folder, *someSheet(), 180);
+  auto file = soundFile(*someSheet(), 180);
   const auto table = placeOf(file, word(static_cast<std::uint32_t>(flagValue(55)))) - 256 - 2;
   for (std::uint32_t tableVersion : {0U, 53U, 59U, 503U, 0x8034U}) {
     file.replace(table, 2, word(tableVersion), 0, 2);

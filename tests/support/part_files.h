@@ -1,5 +1,7 @@
-// Small special tool files from hand-written bytes.
+// Small special tool files.
 #pragma once
+#include <numeric>
+
 #include "tests/support/stored_forms.h"
 
 namespace testing_support {
@@ -8,31 +10,28 @@ namespace testing_support {
 // symmetry byte, shapes of the types given, no setup entries.
 inline Bytes specialToolFile(int version, const std::vector<int>& shapeTypes, float dimension3 = 0,
                              std::uint8_t symmetryByte = 0, std::int32_t firstValueCount = 0) {
-  Bytes b;
-  b.i16(version).f32(0.5F).i32(108);
-  if (version >= 90) b.zeros(24);
-  b.i32(0).i32(0).f32(11).f32(12).f32(dimension3);
-  const auto row = [&](float first) {
-    for (int i = 0; i < 6; ++i)
-      if (version >= 110 || (i != 3 && i != 4)) b.f32(first + static_cast<float>(i));
-  };
-  b.i32(firstValueCount);
-  row(20);
-  b.i32(4);
-  row(30);
-  b.i32(0).i32(0);
-  if (version >= 60) b.f32(40).f32(41);
-  if (version >= 110) b.zeros(16);
-  if (version >= 111) b.zeros(264);
-  b.u8(symmetryByte).fill(59, 0xAB).f32(50);
-  b.i32(-1).i32(1).i32(static_cast<std::int64_t>(shapeTypes.size()));
+  OldSpecialTool file;
+  OldTool& tool = file.tool;
+  tool.orientation = 0.5F;
+  tool.shapeCode = 108;
+  tool.dimension1 = 11;
+  tool.dimension2 = 12;
+  tool.dimension3 = dimension3;
+  tool.firstValueCount = firstValueCount;
+  tool.secondValueCount = 4;
+  std::iota(std::begin(tool.firstValues), std::end(tool.firstValues), 20.0F);
+  std::iota(std::begin(tool.secondValues), std::end(tool.secondValues), 30.0F);
+  std::iota(std::begin(tool.extraValues), std::end(tool.extraValues), 40.0F);
+  file.specialValue = 50;
+  std::vector<ShapeForm> forms;
   for (const int type : shapeTypes) {
-    Maker maker;
-    Shape shape;
-    storedShape(maker, version, ShapeForm{type, 9, 2, false, ""}, shape);
-    b.add(maker.bytes);
+    Maker values;
+    storedShape(values, version, forms.emplace_back(ShapeForm{type}), file.shapes.shapes.emplace_back());
   }
-  return b.i32(0);
+  Maker front = Maker::ofHeldValues(), all = Maker::ofHeldValues();
+  storedTool(front, version, false, tool.shapeCode, tool);
+  storedSpecialTool(all, version, tool.shapeCode, file, forms, 0);
+  return Bytes().i16(version).add(patched(all.bytes, front.bytes.size(), Bytes().u8(symmetryByte).fill(59, 0xAB)));
 }
 
 }  // namespace testing_support

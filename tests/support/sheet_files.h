@@ -3,14 +3,10 @@
 #include <memory>
 #include <stdexcept>
 
-#include "src/machine/machine_io.h"
 #include "src/sheet/sheet_io.h"
-#include "tests/support/bytes.h"
+#include "tests/support/stored_forms/sheets.h"
 
 namespace testing_support {
-
-// Below version 152 a save stores words after the machine that no load expects there: how many bytes.
-inline std::size_t lateMachineBytes(int version) { return version < 151 ? 37 : version < 152 ? 1 : 0; }
 
 // The body that a save stores after the version word.
 inline Bytes sheetBody(oldtorvio::OldSheet& sheet, int version) {
@@ -20,29 +16,17 @@ inline Bytes sheetBody(oldtorvio::OldSheet& sheet, int version) {
   return body;
 }
 
-// Stored bytes from the end of the machine to the end of the file.
+// Stored bytes from the end of the machine to the end of the file, without blocks.
 inline std::size_t bytesAfterMachine(const oldtorvio::OldSheet& s, int version) {
-  const auto sizeOf = [](auto&& write) { return written(write).size(); };
-  const auto textWidth = static_cast<std::size_t>(s.textWidth);
-  std::size_t size = s.machine.hasExtension == 0 ? 4 : sizeOf([&](auto& to) {
-    return oldtorvio::WriteMachineExtensionEntries(to, s.machine.extension.extensionEntries);
-  });
-  if (version >= 60) {
-    size += sizeOf([&](auto& to) { return oldtorvio::WriteSheetTextEntries(to, version, s.textEntries); });
-    size += sizeOf([&](auto& to) { return oldtorvio::WriteNamedWorkLists(to, version, s.namedWorkLists); });
-  }
-  size += version >= 90 ? 3 * 4 : 0;
-  size += version >= 102 ? 4 : 0;
-  size += version >= 111 ? 5 * textWidth + 4 : 0;
-  size += version >= 112 ? 4 * 256 : 0;
-  size += version >= 130 ? 256 : 0;
-  size += version >= 140 ? 8 : 0;
-  size += version >= 152 ? 4 : 0;
-  size += version >= 161 ? 256 : 0;
-  return size;
+  SheetForm form;
+  form.width = s.textWidth;
+  form.extension = s.machine.hasExtension != 0;
+  Maker m = Maker::ofHeldValues();
+  storedSheetEnd(m, version, form, *std::make_unique<oldtorvio::OldSheet>(s));
+  return m.bytes.size();
 }
 
-// The file of the sheet without the words that no load expects. blocks has to be empty.
+// The file of the sheet without the bytes that no load expects. blocks has to be empty.
 inline Bytes readableSheetFile(oldtorvio::OldSheet& sheet, int version) {
   const Bytes body = sheetBody(sheet, version);
   const std::size_t machineEnd = body.size() - bytesAfterMachine(sheet, version);
@@ -54,31 +38,20 @@ inline Bytes readableSheetFile(oldtorvio::OldSheet& sheet, int version) {
 
 // The body of a saved sheet that holds nothing but that parameter table and a machine of that text width.
 inline Bytes freshSheetBody(int version, const Bytes& table, std::int32_t machineWidth = 256) {
-  Bytes b;
-  b.i32(256).zeros(256).f32(60).f32(45).u32(0x3D449BA6U).i32(0);
-  if (version >= 100) b.i32(260).zeros(260).i32(-1).i32(1).i32(0);
-  b.i32(0);                                                  // parts
-  b.i32(-1).i32(0).i32(0);                                   // shapes
-  b.i32(0).i32(0);                                           // work list, rows
-  b.zeros(16).i32(2).f32(5.5F).f32(11.0F).f32(5.5F).i32(0);  // clamps and their rows
-  if (version >= 154) b.i32(-1);                             // spare word
-  b.add(table);
-  b.zeros(version >= 54 ? 24 : 20);
-  if (version >= 61) b.zeros(256);
-  const auto machine = std::make_unique<oldtorvio::OldMachine>();
-  machine->textWidth = machineWidth;
-  b.add(written([&](auto& to) { return oldtorvio::WriteOldMachine(to, version, nullptr, *machine, false); }));
-  b.i32(0);
-  if (version >= 60) b.zeros(8);
-  if (version >= 90) b.zeros(12);
-  if (version >= 102) b.zeros(4);
-  if (version >= 111) b.zeros(5 * 256 + 4);
-  if (version >= 112) b.zeros(4 * 256);
-  if (version >= 130) b.zeros(256);
-  if (version >= 140) b.zeros(8);
-  if (version >= 152) b.zeros(4);
-  if (version >= 161) b.zeros(256);
-  return b;
+  SheetForm form;
+  form.writer = true;
+  form.shapes = false;
+  form.elements = 0;
+  form.rows = form.clampRows = 0;
+  form.machineWidth = machineWidth;
+  const auto sheet = std::make_unique<oldtorvio::OldSheet>();
+  Maker m = Maker::ofHeldValues();
+  storedSheetFront(m, version, form, *sheet);
+  storedSpareWord(m, version, form);
+  m.raw(table);
+  storedSheetMachine(m, version, form, *sheet);
+  storedSheetEnd(m, version, form, *sheet);
+  return m.bytes;
 }
 
 }  // namespace testing_support

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -14,6 +15,7 @@
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
 #include "torvio/values/compiled_records.h"
+#include "tests/support/stored_forms/oldest_parts.h"
 
 namespace testing_support {
 
@@ -42,65 +44,90 @@ Bytes body(const Write& write) {
 
 float size(Random& random) { return static_cast<float>(random.upTo(300000)) / 100.0F; }
 
-void oldGeometry(Random& random, Bytes& b, int type) {
-  b.f32(size(random)).f32(size(random));
-  for (int i = oldValueCount(static_cast<std::int8_t>(type)); i > 0; --i) b.f32(random.flip() ? 0 : size(random));
+Shape oldestShape(Random& random) {
+  Shape s;
+  s.type = static_cast<std::int8_t>(random.upTo(25));
+  s.auxWord = random.upTo(4);
+  s.flags = static_cast<std::uint32_t>(random.upTo(2)) * 128U;
+  s.x = size(random);
+  s.y = size(random);
+  for (int i = 0; i < oldestValueCount(s.type); ++i) s.values[i] = random.flip() ? 0 : size(random);
+  return s;
 }
-void oldSetupEntry(Random& random, Bytes& b) {
-  b.u16(static_cast<std::uint16_t>(between(random, 1, 17))).u16(static_cast<std::uint16_t>(random.upTo(3))).u8(0);
-  b.u16(static_cast<std::uint16_t>(random.upTo(100))).u8(0).u16(0).u8(1);
-  b.f32(size(random)).f32(size(random)).i32(random.upTo(9)).u8(0).i32(0).u16(0).i32(random.upTo(1));
+PatternItem oldestItem(Random& random) {
+  PatternItem item;
+  item.itemWord1 = static_cast<std::uint32_t>(random.upTo(100));
+  item.toolNumber = random.upTo(30);
+  return item;
+}
+SetupEntry oldestEntry(Random& random) {
+  SetupEntry e;
+  e.setupShort1 = static_cast<std::uint16_t>(between(random, 1, 17));
+  e.setupShort2 = static_cast<std::uint16_t>(random.upTo(3));
+  e.setupShort3 = static_cast<std::uint16_t>(random.upTo(100));
+  e.setupByte3 = 1;
+  const float first = size(random), second = size(random);
+  setFromBytes(e.setupBlock, Bytes().f32(first).f32(second).span());
+  e.setupWord1 = static_cast<std::uint32_t>(random.upTo(9));
+  e.setupWord3 = static_cast<std::uint32_t>(random.upTo(1));
+  return e;
 }
 
 Bytes version5Part(Random& random) {
   static constexpr std::string_view kNames[] = {"BRACKET", "COVER 12", "", "A-4711", "PLATE", "left door"};
-  const auto name = [&] { return kNames[random.upTo(5)]; };
-  Bytes b;
-  b.i16(5).text(21, name()).f32(size(random)).f32(size(random)).text(21, name()).text(21, name()).text(21, "1.4301");
-  b.i16(1).i16(random.upTo(3)).f32(static_cast<float>(random.upTo(60)) / 10.0F);
-  const int shapes = random.upTo(40);
-  b.i16(shapes);
-  for (int i = 0; i < shapes; ++i) {
-    const int type = random.upTo(25);
-    b.i8(type).i16(random.upTo(4)).i16(random.upTo(2) * 128);
-    oldGeometry(random, b, type);
-  }
-  const int patterns = random.upTo(2);
-  b.i16(patterns);
-  for (int i = 0; i < patterns; ++i) {
+  const auto part = std::make_unique<TorvPart>();
+  TorvPart& p = *part;
+  const auto put = [](auto& text, std::string_view value) {
+    std::fill(std::begin(text), std::end(text), '\0');
+    std::copy(value.begin(), value.end(), text);
+  };
+  const auto putName = [&](auto& text) { put(text, kNames[random.upTo(5)]); };
+  putName(p.partName);
+  p.width = size(random);
+  p.height = size(random);
+  putName(p.productName);
+  putName(p.assemblyName);
+  put(p.materialName, "1.4301");
+  p.partKind = 1;
+  p.partWord1 = random.upTo(3);
+  p.thickness = static_cast<float>(random.upTo(60)) / 10.0F;
+  for (int n = random.upTo(40); n > 0; --n) p.shapes.shapes.push_back(oldestShape(random));
+  for (int n = random.upTo(2); n > 0; --n) {
+    Pattern& pattern = p.patterns.emplace_back();
     const int items = random.upTo(10);
-    b.i16(0).i16(1).i16(1).f32(0).f32(0).f32(size(random)).f32(size(random)).f32(1).f32(0).i16(items);
-    for (int k = 0; k < items; ++k) b.i16(random.upTo(100)).i16(random.upTo(30));
+    pattern.originX = size(random);
+    pattern.originY = size(random);
+    for (int k = 0; k < items; ++k) pattern.items.push_back(oldestItem(random));
   }
-  const int entries = random.upTo(4);
-  b.i16(entries);
-  for (int i = 0; i <= entries; ++i) oldSetupEntry(random, b);
-  b.zeros(8).i32(0).i32(random.upTo(9));
-  const int marks = random.upTo(5);
-  b.i16(marks);
-  for (int i = 0; i < marks; ++i) b.i16(random.upTo(9)).i16(random.upTo(9)).f32(size(random)).f32(size(random));
-  return b;
+  for (int n = random.upTo(4); n > 0; --n) p.setupList.entries.push_back(oldestEntry(random));
+  p.setupList.current = oldestEntry(random);
+  p.setupList.tailWord2 = static_cast<std::uint32_t>(random.upTo(9));
+  for (int n = random.upTo(5); n > 0; --n) {
+    MarkEntry& mark = p.marks.emplace_back();
+    mark.markWord1 = static_cast<std::uint32_t>(random.upTo(9));
+    mark.markShort = static_cast<std::uint16_t>(random.upTo(9));
+    mark.markWord2 = std::bit_cast<std::uint32_t>(size(random));
+    mark.markWord3 = std::bit_cast<std::uint32_t>(size(random));
+  }
+  return version5File(p);
 }
 
 Bytes version3Part(Random& random, int version) {
-  const bool hasItems = random.flip();
-  Bytes b;
-  b.i16(version).f32(size(random)).f32(size(random)).u8(hasItems ? 1 : 0).u8(0).u8(random.flip() ? 1 : 0).u8(0).u8(0);
-  b.zeros(47).u8(0).zeros(11);
-  const int shapes = random.upTo(40);
-  b.i16(shapes).i16(0).i16(0);
-  for (int i = 0; i < shapes; ++i) {
-    const int type = random.upTo(25);
-    b.i8(type).u8(0).u8(0).i16(random.upTo(4)).u8(0).u8(0).i16(random.upTo(2) * 128);
-    oldGeometry(random, b, type);
+  Version3File file;
+  file.version = version;
+  file.ignored = 0;
+  file.hasItems = random.flip() ? 1 : 0;
+  file.width = size(random);
+  file.height = size(random);
+  file.hasSlots = random.flip() ? 1 : 0;
+  for (int n = random.upTo(40); n > 0; --n) file.shapes.push_back(oldestShape(random));
+  file.last = {};
+  if (file.hasItems == 1) {
+    std::vector<PatternItem> items;
+    for (std::size_t i = 0; i < file.shapes.size(); ++i) items.push_back(oldestItem(random));
+    file.last = version3Items(items);
   }
-  b.i16(0);
-  if (hasItems) {
-    b.i16(shapes);
-    for (int i = 0; i < shapes; ++i) b.i16(random.upTo(100)).i16(random.upTo(30));
-    b.i16(0);
-  }
-  return b;
+  return file.bytes();
 }
 
 // ---- all kinds ----------------------------------------------------------------------------------------------

@@ -16,6 +16,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/machines.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
 #include "torvio/convert/convert.h"
@@ -356,7 +357,7 @@ TEST(Recover, SheetThatASaveRuinedIsTheFileWithoutItsSurplus) {
     const Bytes ruined = sheetFile(version);
     const Recovered recovered = convert::recover(ruined.span(), FileKind::sheet);
     ASSERT_TRUE(isSound(recovered.bytes, FileKind::sheet)) << version;
-    EXPECT_EQ(recovered.bytes.size() + (version < 151 ? 37 : 1), ruined.size());
+    EXPECT_EQ(recovered.bytes.size() + lateMachineBytes(version), ruined.size());
     EXPECT_TRUE(recovered.report.losses.empty());
     EXPECT_TRUE(recovered.report.defaults.empty());
     ASSERT_EQ(recovered.report.leftOut.size(), 1U);

@@ -19,6 +19,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/sheet_files.h"
 #include "torvio/values/record_bytes.h"
 
 namespace {
@@ -313,21 +314,12 @@ TEST(InventoryWarnings, IndexOutsideTheFilesOfSpecialToolsEndsTheProcess) {
 
 // ---- edits -------------------------------------------------------------------------------------------
 
-// Removes what a save below version 152 stores too much: it follows a word that is nowhere else.
+// The file without what a save below version 152 stores too much.
 Bytes loadable(OldSheet& sheet, int version) {
-  constexpr std::uint32_t kMark = 0x5EED1234;
-  sheet.machine.machineWord124 = version < 151 ? kMark : 0;
+  sheet.machine.machineWord124 = version < 151 ? 0x5EED1234 : 0;
   sheet.machine.lateByteC = 0xA5;
-  sheet.optionWord = kMark;
-  const Bytes saved = bytesOf(sheet, version);
-  const Bytes mark = Bytes().u32(kMark);
-  const Bytes late = Bytes().u8(0xA5).u32(kMark);
-  const Bytes& from = version < 151 ? mark : late;
-  const auto all = saved.span();
-  const auto at = static_cast<std::size_t>(std::search(all.begin(), all.end(), from.span().begin(), from.span().end()) -
-                                           all.begin());
-  EXPECT_LT(at, all.size());
-  return Bytes::of(all.first(at)).add(Bytes::of(all.subspan(at + (version < 151 ? 37 : 1))));
+  sheet.optionWord = 0x5EED1234;
+  return readableSheetFile(sheet, version);
 }
 
 TEST(SaveTraces, EveryEditBelowVersion152IsFound) {

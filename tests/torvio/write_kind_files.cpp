@@ -1,29 +1,22 @@
 // Writes small sound files of every kind and version as KIND_VERSION.bin and KIND_VERSION_VARIANT.bin, for tests in other
 // languages.
 #include <cstdio>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/sheet_files.h"
 
 namespace {
 
 using namespace testing_support;
 using oldtorvio::explain::FileKind;
 
-// A save stores fields at the end of a machine that loads of versions below 152 do not read, and a sheet goes on after
-// its machine. So the sheet that a load reads has fewer bytes there.
 Bytes readableSheet(int version) {
-  const Bytes saved = sheetFile(version);
-  const std::size_t unread = version < 151 ? 9 * 4 + 1 : version < 152 ? 1 : 0;
-  if (unread == 0) return saved;
-  std::optional<std::size_t> at;
-  (void)explain::mapFile(saved.span(), FileKind::sheet, [&](const explain::MapLine& line) {
-    if (!at && line.path == "machine.extension.extensionEntries.count") at = static_cast<std::size_t>(line.offset);
-  });
-  const std::size_t from = at.value_or(saved.size() - unread);
-  return Bytes::of(saved.span().first(from)).add(Bytes::of(saved.span().subspan(from + unread)));
+  const auto sheet = std::make_unique<oldtorvio::OldSheet>();
+  fullSheet(*sheet, version);
+  return readableSheetFile(*sheet, version);
 }
 
 // A material file that is a table of such a version. All of its fields have fixed sizes, so it may hold anything.

@@ -19,6 +19,9 @@ struct MachineForm {
   std::int32_t lateLength = 5;  // of the discarded bytes after it
 };
 
+// Below version 152 a save stores fields at the end of a machine that no load expects there: how many bytes.
+inline std::size_t lateMachineBytes(int version) { return version < 151 ? 9 * 4 + 1 : version < 152 ? 1 : 0; }
+
 // The material inside a machine, without elements in any list.
 inline MaterialForm materialOfMachines() {
   MaterialForm form = MaterialForm::bare();
@@ -29,7 +32,7 @@ inline MaterialForm materialOfMachines() {
 template <class M>
 void storedClamp(M& m, int count, int base, ClampInfo& c) {
   for (auto* word : {&c.clampWord1, &c.clampWord2, &c.clampWord3, &c.clampWord4}) m.fixed(*word, base++);
-  fixedOr(m, c.clampCount, count, 2);
+  count = countIn(m, c.clampCount, count, 2);
   for (int i = 0; i < count; ++i) fixedOr(m, c.clampPositions[i], base++, 5.5F * static_cast<float>(i + 1));
   fixedOr(m, c.clampSpacing, base, 5.5F);
 }
@@ -360,9 +363,9 @@ void storedSince80(M& m, int version, const MachineForm& form, OldMachine& x, Sh
   m.section(57);
   since(m, version >= 101, [&](auto& n) {
     numbers(n, x.triadWord1, x.triadWord2);
-    n.fixed(x.triadCount, 3);
+    const int triads = countIn(n, x.triadCount, 3);
     n.section(58);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < triads; ++i) {
       n.together(7);
       each(n, x.triads[i]);
     }

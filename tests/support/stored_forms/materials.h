@@ -131,7 +131,7 @@ void storedStages(M& m, int version, MaterialStageTable& t) {
 template <class M>
 void storedRule(M& m, int count, bool paired, AngleRule& r) {
   m.number(r.ruleCode);
-  m.fixed(r.angleCount, count);
+  count = countIn(m, r.angleCount, count);
   const int n = paired ? 2 * count : count;
   for (int i = 0; i < n; ++i) {
     numberOr(m, r.ruleValues[i], 0.025F);
@@ -363,8 +363,8 @@ void storedMaterial(M& m, int version, const MaterialForm& f, OldMaterial& o) {
   numbersOf<std::uint32_t>(m, 0, o.setting9);
   numbersOf<std::int32_t>(m, 1, o.setting10, o.setting11);
   numbersOf<std::uint32_t>(m, 0, o.setting12);
-  m.fixed(o.settingListCount, f.lists, std::int16_t{6});
-  for (int i = 0; i < f.lists; ++i) storedSettings(m, f.settings, o.settingLists[i]);
+  const int lists = countIn(m, o.settingListCount, f.lists, std::int16_t{6});
+  for (int i = 0; i < lists; ++i) storedSettings(m, f.settings, o.settingLists[i]);
   storedHead(m, version, f, o.head);
   m.number(o.setting13);
   m.section(kReserved);

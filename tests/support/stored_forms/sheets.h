@@ -19,6 +19,7 @@ struct SheetForm {
   std::size_t elements = 2;  // of each list
   std::int32_t spare = -1;
   int tableVersion = 0;  // of the parameter table; 0: that of the file
+  int machineWidth = 256;
 };
 
 // The table and the machine inside a sheet.
@@ -28,6 +29,7 @@ inline ParamForm tableOf(int version, const SheetForm& form) {
 inline MachineForm machineOf(const SheetForm& form) {
   MachineForm machine;
   machine.writer = form.writer;
+  machine.width = form.machineWidth;
   machine.limits = machine.second = machine.steps = false;
   machine.blockMode = machine.gridMode = machine.programMode = machine.segments = 0;
   machine.extension = form.extension;
@@ -203,25 +205,35 @@ void storedSheetFront(M& m, int version, const SheetForm& form, OldSheet& s) {
   }
 }
 
-// The rest of it.
 template <class M>
-void storedSheetBack(M& m, int version, const SheetForm& form, OldSheet& s) {
+void storedSpareWord(M& m, int version, const SheetForm& form) {
   if (version >= 154)
     piece(
         m, "spare", [&] { m.stored(form.spare); }, 0);
   m.section(kSheetTable);
-  storedParamTable(m, tableOf(version, form), s.paramTable);
+}
+
+// After the parameter table.
+template <class M>
+void storedSheetMachine(M& m, int version, const SheetForm& form, OldSheet& s) {
   for (int i = 0; i < 5; ++i) piece(m, "leadWord", [&] { m.number(s.leadWords[i]); });
   if (version >= 54)
     piece(m, "leadWord", [&] { m.number(s.leadWords[5]); });
   else
     m.absent(s.leadWords[5], 0U);
   if (version >= 61) {
-    if constexpr (M::kMakes) std::memcpy(s.machine.path, kMachinePath.data(), kMachinePath.size());
-    piece(m, "machine path", [&] { m.raw(Bytes().text(static_cast<std::size_t>(form.width), kMachinePath)); });
+    if constexpr (M::kMakes)
+      if (m.fills()) std::memcpy(s.machine.path, kMachinePath.data(), kMachinePath.size());
+    const auto width = static_cast<std::size_t>(form.width);
+    piece(m, "machine path", [&] { m.raw(Bytes().text(width, fixedText(s.machine.path))); });
   }
   m.section(kSheetMachine);
   storedMachine(m, version, machineOf(form), s.machine, s.shapes);
+}
+
+// After the machine.
+template <class M>
+void storedSheetEnd(M& m, int version, const SheetForm& form, OldSheet& s) {
   if (form.extension) {
     storedExtensionEntries(m, form.elements, s.machine.extension.extensionEntries);
     m.absent(s.optionWord, 0U);
@@ -278,6 +290,15 @@ void storedSheetBack(M& m, int version, const SheetForm& form, OldSheet& s) {
     piece(m, "lateText", [&] { leading(m, s.lateText, 256); });
   else
     m.absent(s.lateText[0], '\0');
+}
+
+// What storedSheetFront leaves.
+template <class M>
+void storedSheetBack(M& m, int version, const SheetForm& form, OldSheet& s) {
+  storedSpareWord(m, version, form);
+  storedParamTable(m, tableOf(version, form), s.paramTable);
+  storedSheetMachine(m, version, form, s);
+  storedSheetEnd(m, version, form, s);
 }
 
 template <class M>

@@ -35,7 +35,7 @@ void storedSteps(M& m, int version, int steps, StepTable& t) {
   m.number(t.tableWord1);
   m.block(t.tableBlock);
   numbers(m, t.tableWord2, t.tableWord3);
-  m.fixed(t.stepCount, steps);
+  steps = countIn(m, t.stepCount, steps);
   for (int i = 0; i < 20; ++i)
     since(m, i < steps, [&](auto& n) {
       numberOr(n, t.stepByteA[i], std::uint8_t{255});

@@ -62,12 +62,13 @@ class Maker {
   std::vector<Piece> pieces;
 
   explicit Maker(unsigned seed = 0) : values_(seed) {}
-  // Stores what the record holds, and changes nothing in it.
+  // Stores what the record holds, also its lists, and changes nothing in it. The form has to fit the record in all else.
   static Maker ofHeldValues() {
     Maker maker;
     maker.fills_ = false;
     return maker;
   }
+  bool fills() const { return fills_; }
 
   // Fills every field, also those that the version does not store and those that are never stored.
   static Maker ofEveryField(unsigned seed) {
@@ -96,9 +97,14 @@ class Maker {
   }
   // A number that is stored in a narrower type.
   template <class Stored, class T>
-  void narrow(T& field) {
+  void narrow(T& field, T = T()) {
     if (fills_) field = values_.next<Stored>();
     append(static_cast<Stored>(field));
+  }
+  // One of which a load makes loaded(value).
+  template <class Stored, class T, class Fn>
+  void converted(T& field, Fn&&) {
+    narrow<Stored>(field);
   }
   // The next `size` bytes are one item: all its fields arrive, or none.
   void together(std::size_t) {}
@@ -107,13 +113,13 @@ class Maker {
   void zeros(std::size_t count) { bytes.zeros(count); }
   void raw(const Bytes& b) { bytes.add(b); }
   void text(std::string& field, const std::string& value) {
-    field = value;
-    bytes.lengthText(value);
+    if (fills_) field = value;
+    bytes.lengthText(field);
   }
   // A text of `width` stored bytes that ends at its first NUL. It arrives with the first `end` bytes of its section.
   void fixedText(std::string& field, const std::string& value, std::size_t width, int, std::size_t) {
-    field = value;
-    bytes.text(width, value);
+    if (fills_) field = value;
+    bytes.text(width, field);
   }
   // A field that is not stored: a load keeps it, or (reset) sets it to `value`.
   template <class T>
@@ -136,11 +142,15 @@ class Maker {
   template <class List>
   void untouched(const List&, std::size_t = 0) {}
   // The count of a list. Returns whether its elements follow.
-  template <class List>
+  template <class Count = std::int32_t, class List>
   bool size(List& list, std::size_t count, std::size_t = 0) {
-    list.resize(count);
-    bytes.i32(static_cast<std::int64_t>(count));
+    append(static_cast<Count>(resized(list, count)));
     return true;
+  }
+  template <class List>
+  std::size_t resized(List& list, std::size_t count) {
+    if (fills_) list.resize(count);
+    return list.size();
   }
   // An element of `size` bytes that a load did not keep.
   void dropped(std::size_t) {}
@@ -204,8 +214,12 @@ class Checker {
     at_ += N;
   }
   template <class Stored, class T>
-  void narrow(T& field) {
-    expect<T, sizeof(Stored)>(field, values_.next<Stored>(), T());
+  void narrow(T& field, T fresh = T()) {
+    expect<T, sizeof(Stored)>(field, values_.next<Stored>(), fresh);
+  }
+  template <class Stored, class T, class Fn>
+  void converted(T& field, Fn&& loaded) {
+    expect<T, sizeof(Stored)>(field, static_cast<T>(loaded(values_.next<Stored>())), T());
   }
   void together(std::size_t size) { itemEnd_ = at_ + size; }
   void stored(std::int32_t) { at_ += 4; }
@@ -250,10 +264,10 @@ class Checker {
   void clears(const List& list) {
     if (reaches(0)) cleared_.push_back(&list);
   }
-  template <class List>
+  template <class Count = std::int32_t, class List>
   bool size(List& list, std::size_t count, std::size_t freshCount = 0) {
-    const bool arrived = reaches(4);
-    at_ += 4;
+    const bool arrived = reaches(sizeof(Count));
+    at_ += sizeof(Count);
     if (!arrived) {
       untouched(list, freshCount);
     } else {
@@ -352,6 +366,13 @@ void fixedOr(M& m, T& field, V value, T fresh) {
   m.fixed(field, value, fresh);
 }
 
+// A count in a field. Returns how many follow: of held values as many as the record has.
+template <class M, class T>
+int countIn(M& m, T& field, int count, T fresh = T()) {
+  m.fixed(field, count, fresh);
+  return M::kMakes ? static_cast<int>(field) : count;
+}
+
 // The first `width` bytes of a text, without a NUL; they arrive together.
 template <class M, std::size_t N>
 void leadingText(M& m, char (&field)[N], std::size_t width, char first) {
@@ -374,7 +395,7 @@ void piece(M& m, const std::string& name, Fn&& fn, int statusOfCut = 1) {
 // The elements of a list, of which a load keeps those that it could read. each(m, element, index).
 template <class M, class List, class Fn>
 void elements(M& m, List& l, std::size_t count, Fn&& each) {
-  if constexpr (M::kMakes) l.resize(count);
+  if constexpr (M::kMakes) count = m.resized(l, count);
   for (std::size_t i = 0; i < count; ++i) {
     if (i < l.size()) {
       each(m, l[i], i);
@@ -387,9 +408,9 @@ void elements(M& m, List& l, std::size_t count, Fn&& each) {
   }
 }
 // A list after its count.
-template <class M, class List, class Fn>
+template <class Count = std::int32_t, class M, class List, class Fn>
 void list(M& m, List& l, std::size_t count, Fn&& each, std::size_t freshCount = 0) {
-  if (m.size(l, count, freshCount)) elements(m, l, count, each);
+  if (m.template size<Count>(l, count, freshCount)) elements(m, l, count, each);
 }
 
 // The bytes from `at` on, and bytes of which some are replaced.
