@@ -1,5 +1,6 @@
-// The other side of each comparison: what a reader that takes one field after the other makes of the same bytes, and whether two
-// records are equal. It is compiled without the fuzzer's instrumentation, so that only the reader counts as coverage.
+// The other side of each comparison: what a walker that takes one field after the other makes of the same bytes, and
+// whether two records are equal. It is compiled without the fuzzer's instrumentation, so that only the reader counts as
+// coverage.
 #pragma once
 #include <cstddef>
 #include <cstdint>

@@ -450,8 +450,8 @@ void sweep(const Subject<kKind>& subject, std::set<std::int64_t> bounds) {
 
 // The limits are, for shapes 9 values and 2 extra values, for stations 9 pair values and 2 extra words, for step tables
 // 20 steps, for parts 250 slots; for names and texts 256 bytes, in sheets 260; for materials a table version of 502, a
-// name of 10000 bytes, 6 tool sets and setting lists, 20 colours, 5 groups, 10 entries or 5 pairs of a rule; for machines
-// 8 clamps, 40000 cells, 255 triads, 3 columns; for sheets 25 rows.
+// name of 10000 bytes, 6 tool sets and setting lists, 20 colours, 5 groups, 10 entries or 5 pairs of a rule; for
+// machines 8 clamps, 40000 cells, 255 triads, 3 columns; for sheets 25 rows.
 TEST(DamagedFiles, OfPartsDoNoHarm) { sweep(parts(), {2, 9, 20, 250}); }
 TEST(DamagedFiles, OfOldestPartsDoNoHarm) { sweep(oldestParts(), {}); }
 TEST(DamagedFiles, OfGroupPartsDoNoHarm) { sweep(groupParts(), {2, 9, 20, 250, 256}); }

@@ -1,6 +1,6 @@
-// A reader of the same layouts that takes one field after the other, without windows, runs or fast paths: from a file by
-// one fread for each, as simple programs do, it is a baseline of the benchmarks; from memory the fuzz targets compare the
-// library's reader with it, see fuzz/fuzz_checks.h.
+// A reader of the same layouts that takes one field after the other, without windows, runs or fast paths. From a file,
+// by one fread for each as simple programs do, it is a baseline of the benchmarks. From memory, the fuzz targets compare
+// the library's reader with it: see fuzz/fuzz_checks.h.
 #pragma once
 #include <cstdio>
 #include <cstring>
