@@ -1,10 +1,9 @@
 // Materials, machines, tool inventories and macros with random content at every version, through their
-// files: the mirror of a file is perfect, any cut of it is harmless, and a record takes it over any other.
+// files: the mirror of a file is perfect, and any cut of it is harmless.
 // The short form runs in every build; OLDTORVIO_LONG_TESTS=1 takes a hundred times the content.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <map>
 #include <memory>
 
 #include "src/file_records.h"
@@ -22,7 +21,6 @@ bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 // What the properties ask of a kind of file:
 //   versions()               those whose files come back as they were
-//   reloadVersions()         the same, one at least on each side of every gate
 //   fill(random, r, v)       random content that a load at version v leaves as it is
 //   save(path, r, v), load(path, r)
 //   stored(r, v)             the bytes that a save stores after the version word, without a file
@@ -39,7 +37,6 @@ struct KindOf {
 struct MaterialKind : KindOf<frame::FileKind::material> {
   static bool isShort(int version) { return version == 52 || version == 60; }
   static std::vector<int> versions() { return joined({52, 60}, longMaterialVersions()); }
-  static std::vector<int> reloadVersions() { return versions(); }
   static void fill(RandomRecords& random, OldMaterial& m, int version) {
     static constexpr int kTables[] = {52, 60, 79, 80, 499};
     // Before a material the table has a version of its own.
@@ -54,10 +51,6 @@ struct MaterialKind : KindOf<frame::FileKind::material> {
 
 struct MachineKind : KindOf<frame::FileKind::machine> {
   static std::vector<int> versions() { return allVersions(); }
-  static std::vector<int> reloadVersions() {
-    return {52,  59,  60,  61,  62,  71,  80,  90,  92,  100, 101, 110, 111, 112, 120, 121, 130,
-            141, 150, 151, 152, 153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 170, 180};
-  }
   static Bytes stored(OldMachine& m, int version) {
     return written([&](auto& s) { return WriteOldMachine(s, version, nullptr, m, false); });
   }
@@ -65,7 +58,6 @@ struct MachineKind : KindOf<frame::FileKind::machine> {
 
 struct InventoryKind : KindOf<frame::FileKind::toolInventory> {
   static std::vector<int> versions() { return inventoryVersions(); }
-  static std::vector<int> reloadVersions() { return versions(); }
   static Bytes stored(OldToolInventory& v, int version) {
     return written([&](auto& s) { return WriteToolInventory(s, version, v); });
   }
@@ -73,7 +65,6 @@ struct InventoryKind : KindOf<frame::FileKind::toolInventory> {
 
 struct MacroKind : KindOf<frame::FileKind::macro> {
   static std::vector<int> versions() { return macroVersions(); }
-  static std::vector<int> reloadVersions() { return versions(); }
   static Bytes stored(OldMacro& m, int version) {
     return written([&](auto& s) { return WriteMacro(s, version, m); });
   }
@@ -210,249 +201,6 @@ TEST(KindsCut, InventoryFilesReturnZeroOrOneAndTheRecordLoadsAgain) {
   expectHarmlessCutsAtEveryVersion<InventoryKind>();
 }
 TEST(KindsCut, MacroFilesReturnZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MacroKind>(); }
-
-// ---- reload over another version -----------------------------------------------------------------
-
-// Of one field: a record may have bytes between its fields that are never set.
-template <class T>
-std::string valueOf(const T& field) {
-  static_assert(std::is_arithmetic_v<std::remove_all_extents_t<T>>);
-  return {reinterpret_cast<const char*>(&field), sizeof field};
-}
-
-template <class Record>
-struct Spot {
-  const char* name;
-  std::string (*value)(const Record&);
-  bool (*isSet)(int version);  // a load of that version sets it, from the file or a default
-};
-
-template <int first, class Record>
-Spot<Record> since(const char* name, std::string (*value)(const Record&)) {
-  return {name, value, [](int version) { return version >= first; }};
-}
-// A load of an older file sets its default.
-template <class Record>
-Spot<Record> always(const char* name, std::string (*value)(const Record&)) {
-  return {name, value, [](int) { return true; }};
-}
-
-// prepare(random, record, version): gives the lists that keep their elements at a count of zero some elements. That
-// rule has tests of its own. tail(version): stored bytes at the end that a load does not take.
-template <class Kind, class Prepare, class Tail>
-void expectReloadOverEveryOtherVersion(const std::vector<Spot<typename Kind::Record>>& spots, const Prepare& prepare,
-                                       const Tail& tail) {
-  using Record = typename Kind::Record;
-  const TempFolder folder;
-  const std::vector<int> versions = Kind::reloadVersions();
-  std::map<int, std::unique_ptr<Record>> before, alone;
-  const auto path = [&](int version, int which) {
-    return folder.path(std::to_string(version) + "_" + std::to_string(which));
-  };
-  for (const int version : versions)
-    for (const int which : {1, 2}) {
-      RandomRecords random(static_cast<std::uint32_t>(version * 10 + which), 2);
-      const auto made = std::make_unique<Record>();
-      Kind::fill(random, *made, version);
-      prepare(random, *made, version);
-      ASSERT_EQ(Kind::save(path(version, which), *made, version), 0);
-      auto& loaded = (which == 1 ? before : alone)[version] = std::make_unique<Record>();
-      ASSERT_EQ(Kind::load(path(version, which), *loaded), 0);
-    }
-  for (const int first : versions)
-    for (const int second : versions) {
-      const auto record = std::make_unique<Record>();
-      ASSERT_EQ(Kind::load(path(first, 1), *record), 0);
-      ASSERT_EQ(Kind::load(path(second, 2), *record), 0);
-      for (const auto& spot : spots) {
-        const Record& source = spot.isSet(second) ? *alone[second] : *before[first];
-        ASSERT_EQ(spot.value(*record), spot.value(source)) << spot.name << " of " << second << " over " << first;
-      }
-      const Bytes again = Kind::stored(*record, second), expected = Kind::stored(*alone[second], second);
-      ASSERT_EQ(again.size(), expected.size());
-      ASSERT_TRUE(again.cut(again.size() - tail(second)) == expected.cut(expected.size() - tail(second)))
-          << second << " over " << first;
-    }
-}
-
-constexpr auto kNoTail = [](int) -> std::size_t { return 0; };
-
-template <class List, class Field>
-std::string firstOf(const List& list, Field field) {
-  return list.empty() ? "none" : valueOf(list.front().*field);
-}
-
-TEST(KindsReload, MaterialOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsTheRest) {
-  using R = OldMaterial;
-  std::vector<Spot<R>> spots{
-      since<61, R>("modeA", [](const R& m) { return valueOf(m.modeA); }),
-      since<61, R>("toolSets", [](const R& m) { return valueOf(m.toolSets.toleranceB); }),
-      since<61, R>("angleRules", [](const R& m) { return firstOf(m.rules.angleRules, &AngleRule::ruleValues); }),
-      since<61, R>("choice8", [](const R& m) { return valueOf(m.choice8); }),
-      since<61, R>("setting13", [](const R& m) { return valueOf(m.setting13); }),
-      since<90, R>("setting14", [](const R& m) { return valueOf(m.setting14); }),
-      since<92, R>("headTail3", [](const R& m) { return valueOf(m.head.headTail3); }),
-      since<130, R>("groupsA", [](const R& m) { return valueOf(m.palette.groupsA[0].groupWord); }),
-      since<130, R>("setting40", [](const R& m) { return valueOf(m.setting40); }),
-      since<141, R>("setting41", [](const R& m) { return valueOf(m.setting41); }),
-      since<150, R>("stageTail", [](const R& m) { return valueOf(m.stages.stageTail); }),
-      since<151, R>("blocks[4]", [](const R& m) { return valueOf(m.stages.blocks[4].motionWord); }),
-      since<151, R>("blocks[0]", [](const R& m) { return valueOf(m.stages.blocks[0].lateWord1); }),
-      since<152, R>("blocks[7]", [](const R& m) { return valueOf(m.stages.blocks[7].motionWord); }),
-      since<154, R>("setting43", [](const R& m) { return valueOf(m.setting43); }),
-      since<155, R>("pairRules", [](const R& m) { return valueOf(m.rules.pairRules.at(0).sizeLimitX); }),
-      since<158, R>("programWord7", [](const R& m) { return valueOf(m.head.optionA.programWord7); }),
-      since<159, R>("setting55", [](const R& m) { return valueOf(m.setting55); }),
-      since<161, R>("setting105", [](const R& m) { return valueOf(m.setting105); }),
-      since<161, R>("sizeRulesA", [](const R& m) { return valueOf(m.rules.sizeRulesA.at(0).sizeValue5); }),
-      since<161, R>("sizeRulesB", [](const R& m) { return valueOf(m.rules.sizeRulesB.at(0).sizeValue6); }),
-      since<162, R>("setting109", [](const R& m) { return valueOf(m.setting109); }),
-      since<170, R>("setting166", [](const R& m) { return valueOf(m.setting166); }),
-      always<R>("version", [](const R& m) { return valueOf(m.version); }),
-      always<R>("intParams[55]", [](const R& m) { return valueOf(m.params.intParams[55]); }),
-      always<R>("name", [](const R& m) { return m.name; }),
-      {"title", [](const R& m) { return valueOf(m.params.title); }, [](int version) { return version >= 60; }},
-      {"intParams[551]", [](const R& m) { return valueOf(m.params.intParams[551]); },
-       [](int version) { return version >= 80; }},
-      {"realParams[600]", [](const R& m) { return valueOf(m.params.realParams[600]); },
-       [](int version) { return version >= 80; }},
-      {"textParams[400]", [](const R& m) { return valueOf(m.params.textParams[400]); }, [](int) { return false; }},
-  };
-  expectReloadOverEveryOtherVersion<MaterialKind>(
-      spots,
-      [](RandomRecords& random, OldMaterial& m, int version) {
-        // The table of the file's own version, so that its gates fall together with those of the material.
-        random.paramTable(m.params, version);
-        // A load takes the material's name from a table whose name is not empty and has a NUL.
-        m.params.name[0] = static_cast<char>('a' + random.upTo(25));
-        m.params.name[1] = '\0';
-        m.params.nameLength = 2;
-        m.palette.groupCount = 5;
-        m.rules.pairRules.resize(1);
-        random.bits(m.rules.pairRules[0].sizeLimitX);
-        m.rules.sizeRulesA.resize(1);
-        random.bits(m.rules.sizeRulesA[0].sizeValue5);
-        m.rules.sizeRulesB.resize(1);
-        random.bits(m.rules.sizeRulesB[0].sizeValue6);
-      },
-      kNoTail);
-}
-
-TEST(KindsReload, MachineOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsTheRest) {
-  using R = OldMachine;
-  const std::vector<Spot<R>> spots{
-      since<60, R>("frameValue4", [](const R& m) { return valueOf(m.frame.frameValue4); }),
-      since<60, R>("machineWord1", [](const R& m) { return valueOf(m.machineWord1); }),
-      always<R>("stationWord", [](const R& m) { return valueOf(m.stationWord); }),
-      since<61, R>("stationsB", [](const R& m) { return valueOf(m.stationsB.headerWord); }),
-      since<61, R>("stationsC", [](const R& m) { return firstOf(m.stationsC.stations, &ToolStation::values); }),
-      always<R>("stationModeWord", [](const R& m) { return valueOf(m.stationsA.stationModeWord); }),
-      always<R>("extraWords", [](const R& m) { return valueOf(m.stationsA.extraWords); }),
-      always<R>("machineWord97", [](const R& m) { return valueOf(m.machineWord97); }),
-      since<62, R>("machineWord12", [](const R& m) { return valueOf(m.machineWord12); }),
-      since<62, R>("machineWord53", [](const R& m) { return valueOf(m.machineWord53); }),
-      since<62, R>("ncExtension", [](const R& m) { return valueOf(m.ncExtension); }),
-      since<62, R>("machineWord61", [](const R& m) { return valueOf(m.machineWord61); }),
-      since<71, R>("machineWord63", [](const R& m) { return valueOf(m.machineWord63); }),
-      since<71, R>("programC", [](const R& m) { return valueOf(m.programC.programValue4); }),
-      since<80, R>("programD", [](const R& m) { return valueOf(m.programD.extValue3); }),
-      since<80, R>("machineWord64", [](const R& m) { return valueOf(m.machineWord64); }),
-      always<R>("machineWord65", [](const R& m) { return valueOf(m.machineWord65); }),
-      always<R>("machineWord66", [](const R& m) { return valueOf(m.machineWord66); }),
-      since<80, R>("wideValue2", [](const R& m) { return valueOf(m.wideValue2); }),
-      since<80, R>("material name", [](const R& m) { return m.material.name; }),
-      since<80, R>("machineWord82", [](const R& m) { return valueOf(m.machineWord82); }),
-      since<90, R>("material setting14", [](const R& m) { return valueOf(m.material.setting14); }),
-      since<90, R>("machineWord90", [](const R& m) { return valueOf(m.machineWord90); }),
-      since<90, R>("lateByteA", [](const R& m) { return valueOf(m.lateByteA); }),
-      since<90, R>("lateWord8", [](const R& m) { return valueOf(m.lateWord8); }),
-      since<100, R>("flagTriple", [](const R& m) { return valueOf(m.flagTriple); }),
-      since<101, R>("triadCount", [](const R& m) { return valueOf(m.triadCount); }),
-      since<110, R>("unitWord", [](const R& m) { return valueOf(m.unitWord); }),
-      since<110, R>("units", [](const R& m) { return std::to_string(m.unitTable.units.size()); }),
-      since<110, R>("machineWord123", [](const R& m) { return valueOf(m.machineWord123); }),
-      since<110, R>("numberColumns", [](const R& m) { return valueOf(m.numberColumns); }),
-      since<110, R>("textColumnB", [](const R& m) { return m.textColumnB[2]; }),
-      since<111, R>("displayName", [](const R& m) { return valueOf(m.displayName); }),
-      since<111, R>("displayTail", [](const R& m) { return valueOf(m.displayTail); }),
-      since<112, R>("lateWord2", [](const R& m) { return valueOf(m.lateWord2); }),
-      always<R>("lateWord3", [](const R& m) { return valueOf(m.lateWord3); }),
-      always<R>("lateWord4", [](const R& m) { return valueOf(m.lateWord4); }),
-      always<R>("lateWord5", [](const R& m) { return valueOf(m.lateWord5); }),
-      since<121, R>("unitValue16", [](const R& m) { return valueOf(m.unitTable.unitValue16); }),
-      since<130, R>("lateText2", [](const R& m) { return valueOf(m.lateText2); }),
-      since<130, R>("lateWord7", [](const R& m) { return valueOf(m.lateWord7); }),
-      since<141, R>("unitFlag5", [](const R& m) { return valueOf(m.unitTable.unitFlag5); }),
-      since<141, R>("lateByteB", [](const R& m) { return valueOf(m.lateByteB); }),
-      always<R>("machineWord124", [](const R& m) { return valueOf(m.machineWord124); }),
-      always<R>("machineWord127", [](const R& m) { return valueOf(m.machineWord127); }),
-      since<151, R>("machineWord128", [](const R& m) { return valueOf(m.machineWord128); }),
-      always<R>("machineWord130", [](const R& m) { return valueOf(m.machineWord130); }),
-      since<151, R>("machineWord132", [](const R& m) { return valueOf(m.machineWord132); }),
-      since<152, R>("lateByteC", [](const R& m) { return valueOf(m.lateByteC); }),
-      since<154, R>("setupWords", [](const R& m) { return valueOf(m.setupWords); }),
-      always<R>("setup2", [](const R& m) { return valueOf(m.setup2.machineWord92); }),
-      always<R>("setup3", [](const R& m) { return valueOf(m.setup3.machineWord92); }),
-      since<154, R>("unitValue22", [](const R& m) { return valueOf(m.unitTable.unitValue22); }),
-      since<157, R>("endText1", [](const R& m) { return valueOf(m.endText1); }),
-      since<157, R>("frameValue8", [](const R& m) { return valueOf(m.frame.frameValue8); }),
-      since<158, R>("programWord7", [](const R& m) { return valueOf(m.programC.programWord7); }),
-      since<170, R>("endWord", [](const R& m) { return valueOf(m.endWord); }),
-      since<180, R>("endText2", [](const R& m) { return valueOf(m.endText2); }),
-  };
-  expectReloadOverEveryOtherVersion<MachineKind>(
-      spots,
-      [](RandomRecords& random, OldMachine& m, int) {
-        for (auto* list : {&m.stationsA, &m.stationsB, &m.stationsC}) {
-          list->stations.assign(1, random.station());
-          list->tools.assign(1, random.tool());
-        }
-        m.segments.resize(1);
-        m.stepTables.assign(1, random.stepTable());
-      },
-      // The late words and lateByteC, which a save stores also where a load takes neither.
-      [](int version) -> std::size_t { return version < 151   ? 37
-                                              : version < 152 ? 1
-                                                              : 0; });
-}
-
-TEST(KindsReload, InventoryOverEveryOtherVersionHoldsWhatTheLaterFileStores) {
-  using R = OldToolInventory;
-  expectReloadOverEveryOtherVersion<InventoryKind>(
-      {always<R>("version", [](const R& v) { return valueOf(v.version); }),
-       always<R>("pairSecond", [](const R& v) { return valueOf(v.pairSecond); }),
-       always<R>("tools", [](const R& v) { return std::to_string(v.tools.size()); }),
-       // Entries are new at every load, so that a version without it leaves its default.
-       always<R>("entryNameC", [](const R& v) { return valueOf(v.entries.at(0).entryNameC); }),
-       always<R>("entryLateWord", [](const R& v) { return valueOf(v.entries.at(0).entryLateWord); }),
-       always<R>("specialToolFiles",
-                 [](const R& v) {
-                   return v.specialToolFiles.empty() ? std::string("none")
-                                                     : std::string(v.specialToolFiles.front().data(), 256);
-                 })},
-      [](RandomRecords&, OldToolInventory& v, int) { v.entries.resize(v.entries.size() + 1); }, kNoTail);
-}
-
-TEST(KindsReload, MacroOverEveryOtherVersionHoldsWhatTheLaterFileStoresAndKeepsTheRest) {
-  using R = OldMacro;
-  expectReloadOverEveryOtherVersion<MacroKind>(
-      {always<R>("version", [](const R& m) { return valueOf(m.version); }),
-       always<R>("macroBlockLong", [](const R& m) { return valueOf(m.macroBlockLong); }),
-       always<R>("shapes", [](const R& m) { return std::to_string(m.shapes.shapes.size()); }),
-       always<R>("trailerValue", [](const R& m) { return valueOf(m.shapes.shapes.at(0).trailerValue); }),
-       always<R>("items", [](const R& m) { return firstOf(m.items, &PatternItem::toolNumber); }),
-       since<60, R>("stationList", [](const R& m) { return valueOf(m.stationList.headerWord); }),
-       since<60, R>("stations", [](const R& m) { return firstOf(m.stationList.stations, &ToolStation::values); }),
-       since<60, R>("macroTailWords", [](const R& m) { return valueOf(m.macroTailWords); })},
-      [](RandomRecords& random, OldMacro& m, int) {
-        m.shapes.shapes.assign(1, random.shape());
-        m.shapes.shapes[0].rangeValue = m.shapes.shapes[0].auxValue4;
-        m.items.assign(1, random.item());
-        m.stationList.stations.assign(1, random.station());
-        m.stationList.tools.assign(1, random.tool());
-      },
-      kNoTail);
-}
 
 // ---- version words -------------------------------------------------------------------------------
 

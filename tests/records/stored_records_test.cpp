@@ -50,6 +50,11 @@ void expectStoredForm(const Stored& stored, const Read& read, const Write& write
       EXPECT_EQ(consumed, whole.size());
       Checker complete(record, before);
       stored(complete, version, record);
+      Record wanted = before;
+      Loader loader;
+      stored(loader, version, wanted);
+      std::string difference;
+      EXPECT_FALSE(values::findDifference(record, wanted, difference)) << difference;
       if (std::find(kGates.begin(), kGates.end(), version) == kGates.end()) continue;
       for (std::size_t cut = 0; cut < whole.size(); ++cut) {
         SCOPED_TRACE("cut at " + std::to_string(cut));

@@ -31,6 +31,7 @@ inline MaterialForm materialOfMachines() {
 
 template <class M>
 void storedClamp(M& m, int count, int base, ClampInfo& c) {
+  base += 1000 * static_cast<int>(m.seed());
   for (auto* word : {&c.clampWord1, &c.clampWord2, &c.clampWord3, &c.clampWord4}) m.fixed(*word, base++);
   count = countIn(m, c.clampCount, count, 2);
   for (int i = 0; i < count; ++i) fixedOr(m, c.clampPositions[i], base++, 5.5F * static_cast<float>(i + 1));
@@ -69,6 +70,7 @@ void storedGrid(M& m, std::size_t cells, MachineGrid& g) {
     fixedOr(m, g.gridCells[i], (i * 7 + 3) & 0xFFU, static_cast<std::uint8_t>(i < 10000 ? 1 : 0));
   numbersOr(m, 5.0F, g.cellSizeX, g.cellSizeY);
   fixedOr(m, g.gridWidth, 4321, 10);
+  m.reset(g.gridIsNarrow, 1);
   numbersOr(m, 8, g.gridValue1);
   numbersOr(m, 1.0F, g.gridValue2);
 }
@@ -179,7 +181,7 @@ void storedHeader(M& m, const MachineForm& form, OldMachine& x) {
   m.section(5);
   if (form.limits) {
     used += 16;
-    if (m.reached(73, 0) && !M::kMakes) {
+    if (M::kChecks && m.reached(73, 0)) {
       m.zeros(8);  // the finishing steps change them
     } else {
       fixedOr(m, x.limitA, 2.5, -0.1F);
@@ -187,6 +189,12 @@ void storedHeader(M& m, const MachineForm& form, OldMachine& x) {
     }
     numbersOr(m, 0.05F, x.limitC);
     numbers(m, x.limitWord);
+  } else {
+    if constexpr (M::kLoads) x.limitB = -0.125F;
+    if (m.reaches(0)) {
+      m.reset(x.limitC, 0.048F);
+      m.reset(x.limitWord, 0U);
+    }
   }
   m.section(6);
   m.fixed(x.secondTextPresent, form.second ? 1 : 0);
@@ -212,7 +220,7 @@ void storedHeader(M& m, const MachineForm& form, OldMachine& x) {
   } else {
     std::int8_t small = static_cast<std::int8_t>(x.smallValue);
     m.fixed(small, -3);
-    if constexpr (M::kMakes) x.smallValue = small;
+    if constexpr (!M::kChecks) x.smallValue = small;
     m.section(9);
     m.fixed(x.shapesPresent, form.shapes ? 1 : 0);
   }
@@ -247,8 +255,9 @@ void storedMiddle(M& m, int version, const MachineForm& form, OldMachine& x) {
   if (!skipped) {
     m.section(28);
     if (m.reached(28, 16 + 4 + 4 * 2 + 4)) {
+      if constexpr (M::kLoads) x.clampInfo = {};
       storedClamp(m, 2, 200, x.clampInfo);
-      if constexpr (!M::kMakes) {
+      if constexpr (M::kChecks) {
         EXPECT_EQ(x.clampInfo.clampPositions[2], 16.5F) << "of a fresh table, not of the first copy";
       }
     } else {
@@ -270,7 +279,7 @@ void storedMiddle(M& m, int version, const MachineForm& form, OldMachine& x) {
     n.section(34);
     numbers(n, x.machineWord93, x.machineWord94, x.machineWord95, x.machineWord96);
     if (form.writer || version < 62)
-      fixedOr(n, x.machineWord97, 88.25, 40.0F);
+      fixedOr(n, x.machineWord97, 88.25 + n.seed(), 40.0F);
     else
       n.raw(Bytes().f32(7.5F));
     numbers(n, x.machineWord98, x.machineWord99, x.machineWord100, x.machineWord101, x.machineWord102);
@@ -294,7 +303,8 @@ void storedSince60(M& m, int version, const MachineForm& form, OldMachine& x) {
     numbersOr(n, 3, x.machineWord25);
   });
   m.section(39);
-  if (version >= 62) fixedOr(m, x.machineWord97, 88.25, form.gridMode >= 0 && m.reached(34, 20) ? 7.5F : 40.0F);
+  if (version >= 62)
+    fixedOr(m, x.machineWord97, 88.25 + m.seed(), form.gridMode >= 0 && m.reached(34, 20) ? 7.5F : 40.0F);
   m.section(40);
   since(m, version >= 62, [&](auto& n) {
     numbers(n, x.machineWord26, x.machineWord27, x.machineWord28, x.machineWord29, x.machineWord30);
@@ -327,7 +337,14 @@ void storedSince80(M& m, int version, const MachineForm& form, OldMachine& x, Sh
     storedProgramEx(n, version, 2, x.programD);
     n.section(46);
     numbers(n, x.machineWord64);
-    numbersOr(n, -1, x.machineWord65, x.machineWord66);
+  });
+  for (auto* word : {&x.machineWord65, &x.machineWord66}) {
+    if (version >= 80)
+      numbersOr(m, -1, *word);
+    else
+      m.reset(*word, -1);
+  }
+  since(m, version >= 80, [&](auto& n) {
     numbers(n, x.machineWord67);
     numbersOr(n, 1000, x.machineWord68);
     numbers(n, x.machineWord69, x.machineWord70, x.machineWord71, x.machineWord72, x.machineWord73);
@@ -363,7 +380,7 @@ void storedSince80(M& m, int version, const MachineForm& form, OldMachine& x, Sh
   m.section(57);
   since(m, version >= 101, [&](auto& n) {
     numbers(n, x.triadWord1, x.triadWord2);
-    const int triads = countIn(n, x.triadCount, 3);
+    const int triads = countIn(n, x.triadCount, 3 + static_cast<int>(n.seed()));
     n.section(58);
     for (int i = 0; i < triads; ++i) {
       n.together(7);
@@ -405,12 +422,16 @@ void storedSince110(M& m, int version, const MachineForm& form, OldMachine& x) {
     n.block(x.displayTail);
   });
   m.section(66);
-  since(m, version >= 112, [&](auto& n) {
-    numbers(n, x.lateWord1, x.lateWord2);
-    numbersOr(n, 0.0001F, x.lateWord5);
-    numbers(n, x.lateWord4);
-    numbersOr(n, 1, x.lateWord3);
-  });
+  since(m, version >= 112, [&](auto& n) { numbers(n, x.lateWord1, x.lateWord2); });
+  if (version >= 112) {
+    numbersOr(m, 0.0001F, x.lateWord5);
+    numbers(m, x.lateWord4);
+    numbersOr(m, 1, x.lateWord3);
+  } else {
+    m.reset(x.lateWord5, 0.0001F);
+    m.reset(x.lateWord4, 0U);
+    m.reset(x.lateWord3, 1);
+  }
   m.section(67);
   since(m, version >= 130, [&](auto& n) {
     leadingText(n, x.lateText1, 256, 'e');
@@ -429,13 +450,20 @@ void storedSince110(M& m, int version, const MachineForm& form, OldMachine& x) {
   since(m, version >= 141, [&](auto& n) { numbers(n, x.lateByteB); });
 }
 
+// What a load derives from the fields before the last ones.
+inline void finishLoad(int version, OldMachine& x) {
+  x.limitA = x.limitB = std::max({x.limitB, x.workArea.areaValues[0], x.workArea.areaValues[1]});
+  x.setup2 = {x.sizeX, x.sizeY, x.clampInfo, x.clampValue1, x.clampValue2, x.machineWord91, x.machineWord92};
+  if (version < 154) x.setup3 = x.setup2;
+}
+
 template <class M>
 void storedEnd(M& m, int version, const MachineForm& form, OldMachine& x) {
   m.section(71);
   if (form.writer || version >= 151) {
     numbers(m, x.machineWord124, x.machineWord125, x.machineWord126, x.machineWord127, x.machineWord128);
     numbers(m, x.machineWord129, x.machineWord130, x.machineWord131, x.machineWord132);
-  } else if constexpr (!M::kMakes) {
+  } else {
     m.reset(x.machineWord124, 0U);
     m.reset(x.machineWord125, 1.5F);
     m.reset(x.machineWord126, 0U);
@@ -446,6 +474,7 @@ void storedEnd(M& m, int version, const MachineForm& form, OldMachine& x) {
   m.section(72);
   since(m, form.writer || version >= 152, [&](auto& n) { numbers(n, x.lateByteC); });
   m.section(73);
+  if constexpr (M::kLoads) finishLoad(version, x);
   since(m, version >= 154, [&](auto& n) {
     const float fresh[5] = {0, 0.5F, 0.5F, 0.04F, 0};
     for (int i = 0; i < 5; ++i) numbersOr(n, fresh[i], x.setupWords[i]);
@@ -510,10 +539,14 @@ void storedMachine(M& m, int version, const MachineForm& form, OldMachine& x, Sh
     numbers(m, x.stationWord);
     storedStations(m, version, {2}, x.stationsB);
     storedStations(m, version, {108}, x.stationsC);
-  } else if constexpr (!M::kMakes) {
-    EXPECT_EQ(x.stationWord, 0U);
-    EXPECT_TRUE(x.stationsB.stations.empty() && x.stationsC.stations.empty());
-    EXPECT_EQ(x.stationsB.stationModeWord, ToolStationList().stationModeWord) << "untouched";
+  } else {
+    m.reset(x.stationWord, 0U);
+  }
+  if constexpr (M::kChecks) {
+    if (version < 61) {
+      EXPECT_TRUE(x.stationsB.stations.empty() && x.stationsC.stations.empty());
+      EXPECT_EQ(x.stationsB.stationModeWord, ToolStationList().stationModeWord) << "untouched";
+    }
   }
   m.section(20);
   m.fixed(x.blockMode, form.blockMode);
@@ -523,9 +556,7 @@ void storedMachine(M& m, int version, const MachineForm& form, OldMachine& x, Sh
   m.section(22);
   if (!form.writer && form.gridMode < 0) {
     m.raw(Bytes().i32(form.gridMode));
-    if constexpr (!M::kMakes) {
-      EXPECT_EQ(x.gridMode, 0);
-    }
+    m.reset(x.gridMode, 0);
   } else {
     m.fixed(x.gridMode, form.gridMode);
   }

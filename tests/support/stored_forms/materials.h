@@ -38,10 +38,10 @@ enum MaterialSection { kRulesReserved = 101, kModes, kChoices, kSetting9, kReser
 // A count that its reader presets: what a cut leaves in it is tested apart.
 template <class M, class T>
 void presetCount(M& m, T& field, int value) {
-  if constexpr (M::kMakes)
-    m.fixed(field, value);
-  else
+  if constexpr (M::kChecks)
     m.zeros(sizeof(T));
+  else
+    m.fixed(field, value);
 }
 
 template <class M>
@@ -203,20 +203,24 @@ void storedRules(M& m, int version, const MaterialForm& f, MaterialRuleLists& r)
   numbersOr(m, 1, r.ruleFlag2);
   m.number(r.ruleWord2);
   numberOr(m, r.ruleAngle2, 1.5707964F);
-  // Any other number of rules is followed by the defaults in memory, see the tests of the rules.
-  if (f.rules == 6 || M::kMakes)
+  // Any other number of rules is followed by the defaults of a new record in memory.
+  if (f.rules == 6 || !M::kChecks)
     list(
         m, r.angleRules, f.rules, [&](auto& n, AngleRule& one, std::size_t) { storedRule(n, f.angles, false, one); },
         6);
   else
     m.stored(0);
+  if constexpr (M::kLoads) {
+    const std::vector<AngleRule> defaults = MaterialRuleLists().angleRules;
+    if (f.rules != 6) r.angleRules.insert(r.angleRules.end(), defaults.begin(), defaults.end());
+  }
   m.section(kRulesReserved);
   m.zeros(10);
   numbersOr(m, 1, r.ruleFlag3);
   if (version >= 155) {
     list(
         m, r.pairRules, f.pairs, [&](auto& n, AngleRule& one, std::size_t) { storedRule(n, f.angles, true, one); }, 6);
-  } else if constexpr (!M::kMakes) {
+  } else if constexpr (M::kChecks) {
     expectDefaultRules(r.pairRules);
   }
   if (version >= 161) {
@@ -233,7 +237,7 @@ void storedRules(M& m, int version, const MaterialForm& f, MaterialRuleLists& r)
           numbers(n, s.sizeValue1, s.sizeValue2, s.sizeValue3, s.sizeValue4, s.sizeValue5, s.sizeValue6);
         },
         4);
-  } else if constexpr (!M::kMakes) {
+  } else if constexpr (M::kChecks) {
     expectDefaultSizes(r);
     EXPECT_EQ(r.ruleFlag4, 0);
   }

@@ -59,11 +59,11 @@ bool storedPatternFront(M& m, int version, const PatternForm& form, bool resetsG
     for (std::uint16_t& one : p.bindShorts) numberOr(n, one, std::uint16_t{0xFFFF});
     hasBindings = n.size(p.bindFirst, form.bindings);
     if (!hasBindings) return;
-    if constexpr (M::kMakes) {
-      p.bindSecond.resize(form.bindings);
-      p.bindThird.resize(form.bindings);
-      p.bindFourth.resize(form.bindings);
-      p.bindFifth.resize(form.bindings);
+    if constexpr (!M::kChecks) {
+      m.resized(p.bindSecond, form.bindings);
+      m.resized(p.bindThird, form.bindings);
+      m.resized(p.bindFourth, form.bindings);
+      m.resized(p.bindFifth, form.bindings);
     }
     for (std::size_t i = 0; i < form.bindings; ++i) {
       if (i >= p.bindFirst.size()) return n.dropped(16 + (version >= 156 ? 4 : 0) + (version >= 160 ? 8 : 0));
@@ -76,7 +76,7 @@ bool storedPatternFront(M& m, int version, const PatternForm& form, bool resetsG
   since(m, isGroup && version >= 151, [&](auto& n) {
     numbers(n, p.lateWord1, p.lateWord2, p.lateWord3);
     if (version <= 155 && hasBindings)
-      for (std::uint32_t third : p.bindThird) n.reset(third, n.reaches(0) ? p.lateWord3 : 0U);
+      for (std::uint32_t& third : p.bindThird) n.reset(third, n.reaches(0) ? p.lateWord3 : 0U);
   });
   return comesToLateData;
 }
@@ -192,7 +192,7 @@ void storedPartFront(M& m, int version, const StoredPartForm& form, TorvPart& p)
     storedStations(m, version, form.bare ? std::vector<std::int32_t>{} : std::vector<std::int32_t>{1, 108, 107},
                    p.toolStations);
     m.section(kPartPattern);
-    if constexpr (M::kMakes) p.patterns.resize(1);
+    if constexpr (!M::kChecks) p.patterns.resize(1);
     if (!m.reaches(0))
       m.untouched(p.patterns);
     else if (p.patterns.empty())
@@ -216,7 +216,7 @@ void storedPartFront(M& m, int version, const StoredPartForm& form, TorvPart& p)
     m.block(p.descriptionC);
     numberOr(m, p.lateIndex, -1);
   } else {
-    for (const char* text : {p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC})
+    for (char* text : {p.descriptionA, p.descriptionB, p.revision, p.materialType, p.descriptionC})
       m.reset(*text, '\0');
     m.reset(p.lateIndex, -1);
   }

@@ -48,7 +48,9 @@ inline const std::vector<ShapeForm>& someShapes() {
 
 template <class M>
 void storedShapes(M& m, int version, const std::vector<ShapeForm>& forms, std::vector<Shape>& shapes) {
-  list(m, shapes, forms.size(), [&](auto& n, Shape& s, std::size_t i) { storedShape(n, version, forms[i], s); });
+  unlessZero(m, shapes, forms.size(), [&] {
+    list(m, shapes, forms.size(), [&](auto& n, Shape& s, std::size_t i) { storedShape(n, version, forms[i], s); });
+  });
 }
 
 template <class M>

@@ -17,6 +17,7 @@ struct SheetForm {
   bool shapes = true, extension = false;
   int slots = 2, clamps = 3, rows = 2, clampRows = 2;
   std::size_t elements = 2;  // of each list
+  std::size_t ownWork = 2;   // of the lists that only a sheet with shapes stores
   std::int32_t spare = -1;
   int tableVersion = 0;  // of the parameter table; 0: that of the file
   int machineWidth = 256;
@@ -64,15 +65,15 @@ void pieces(M& m, const std::string& name, List& l, std::size_t count, Fn&& each
 template <class M>
 void storedSheetSetup(M& m, std::size_t n, SheetSetupList& l) {
   // All entries are kept, also those that the file does not have.
-  piece(m, "setup count", [&] { m.size(l.entries, n); });
-  if constexpr (!M::kMakes) l.entries.resize(n);
+  unlessZero(m, l.entries, n, [&] { piece(m, "setup count", [&] { m.size(l.entries, n); }); });
+  if (n == 0) return;
+  if constexpr (M::kChecks) l.entries.resize(n);
   for (SheetSetupEntry& e : l.entries) {
     piece(m, "setup", [&] {
       storedSetupEntry(m, e.entry);
       for (auto& one : e.entryBlocks) m.block(one);
     });
   }
-  if (n == 0) return;
   piece(m, "setup tail", [&] {
     storedSetupEntry(m, l.current);
     for (auto& one : l.currentBlocks) m.block(one);
@@ -134,7 +135,9 @@ void storedExtensionEntry(M& m, MachineExtensionEntry& e) {
 }
 template <class M>
 void storedExtensionEntries(M& m, std::size_t count, std::vector<MachineExtensionEntry>& l) {
-  pieces(m, "extension", l, count, [](auto& n, MachineExtensionEntry& e) { storedExtensionEntry(n, e); });
+  unlessZero(m, l, count, [&] {
+    pieces(m, "extension", l, count, [](auto& n, MachineExtensionEntry& e) { storedExtensionEntry(n, e); });
+  });
 }
 
 // A sheet up to the spare word before its parameter table.
@@ -149,19 +152,20 @@ void storedSheetFront(M& m, int version, const SheetForm& form, OldSheet& s) {
   if (version >= 100) {
     piece(m, "length", [&] { m.stored(form.dosLength); });
     piece(m, "skeletonDosName", [&] { leading(m, s.skeletonDosName, form.dosLength); });
-    storedShapeList(m, version, someShapes(), s.skeletonShapes);
+    storedShapeList(m, version, form.elements > 0 ? someShapes() : std::vector<ShapeForm>{}, s.skeletonShapes);
   } else {
     m.absent(s.skeletonDosName[0], '\0');
-    m.absent(s.skeletonShapes.shapes.size(), std::size_t{0});
+    m.untouched(s.skeletonShapes.shapes);
     m.absent(s.skeletonShapes.listKind, 1);
   }
   bool hasParts = true;
-  piece(m, "part count", [&] { hasParts = m.size(s.partList.parts, form.elements); });
+  unlessZero(m, s.partList.parts, form.elements,
+             [&] { piece(m, "part count", [&] { hasParts = m.size(s.partList.parts, form.elements); }); });
   if (form.elements > 0)
     piece(m, "nameWidth", [&] { m.fixed(s.partList.nameWidth, form.nameWidth, 256); });
   else
     m.absent(s.partList.nameWidth, 256);
-  if (hasParts)
+  if (hasParts && form.elements > 0)
     elements(m, s.partList.parts, form.elements, [&](auto& n, TorvPart& p, std::size_t) {
       piece(n, "part[]", [&] {
         leading(n, p.partName, form.nameWidth);
@@ -176,15 +180,19 @@ void storedSheetFront(M& m, int version, const SheetForm& form, OldSheet& s) {
   if (form.shapes) {
     piece(m, "slots", [&] { m.fixed(s.processSlotCount, form.slots); });
     for (int i = 0; i < form.slots; ++i) storedSlot(m, version, s.processSlots[i]);
-    storedMarks(m, 2, s.marks);
-    storedProfiles(m, version, 1, s.profiles);
-    storedStepTables(m, version, 2, 3, s.stepTables);
-    storedSheetSetup(m, form.elements, s.setupList);
-    storedItems(m, version, 2, s.patternItems);
+    const std::size_t n = form.ownWork;
+    unlessZero(m, s.marks, n, [&] { storedMarks(m, n, s.marks); });
+    unlessZero(m, s.profiles, n, [&] { storedProfiles(m, version, std::min(n, std::size_t{1}), s.profiles); });
+    unlessZero(m, s.stepTables, n, [&] { storedStepTables(m, version, n, 3, s.stepTables); });
+    storedSheetSetup(m, std::min(n, form.elements), s.setupList);
+    unlessZero(m, s.patternItems, n, [&] { storedItems(m, version, n, s.patternItems); });
   } else {
-    m.absent(int{s.processSlotCount}, 0);
-    m.absent(s.marks.size() + s.profiles.size() + s.stepTables.size(), std::size_t{0});
-    m.absent(s.setupList.entries.size() + s.patternItems.size(), std::size_t{0});
+    m.absent(s.processSlotCount, std::int8_t{0});
+    m.untouched(s.marks);
+    m.untouched(s.profiles);
+    m.untouched(s.stepTables);
+    m.untouched(s.setupList.entries);
+    m.untouched(s.patternItems);
     m.absent(s.setupList.current.setupReal2, -1.0F);
   }
   pieces(m, "work", s.workList, form.elements, [&](auto& n, WorkEntry& w) { storedWork(n, version, w); });
@@ -221,6 +229,7 @@ void storedSheetMachine(M& m, int version, const SheetForm& form, OldSheet& s) {
     piece(m, "leadWord", [&] { m.number(s.leadWords[5]); });
   else
     m.absent(s.leadWords[5], 0U);
+  if constexpr (M::kLoads) (void)setFixedText(s.machine.path, version >= 61 ? kMachinePath : "");
   if (version >= 61) {
     if constexpr (M::kMakes)
       if (m.fills()) std::memcpy(s.machine.path, kMachinePath.data(), kMachinePath.size());
@@ -244,7 +253,8 @@ void storedSheetEnd(M& m, int version, const SheetForm& form, OldSheet& s) {
     storedTextEntries(m, version, form.elements, s.textEntries);
     storedNamedLists(m, version, form.elements, s.namedWorkLists);
   } else {
-    m.absent(s.textEntries.size() + s.namedWorkLists.size(), std::size_t{0});
+    m.untouched(s.textEntries);
+    m.untouched(s.namedWorkLists);
   }
   for (auto& word : s.trailingWords) {
     if (version >= 90)
@@ -282,10 +292,12 @@ void storedSheetEnd(M& m, int version, const SheetForm& form, OldSheet& s) {
         m, "lateValue", [&] { m.number(s.lateValue); }, 0);
   else
     m.absent(s.lateValue, 0.0);
-  if (version >= 152)
+  if (version >= 152) {
+    m.clears(s.blocks);
     piece(
         m, "blocks", [&] { m.stored(0); }, version >= 161 ? 1 : 0);
-  m.absent(s.blocks.size(), std::size_t{0});
+  }
+  m.untouched(s.blocks);
   if (version >= 161)
     piece(m, "lateText", [&] { leading(m, s.lateText, 256); });
   else

@@ -122,8 +122,8 @@ void storedItem(M& m, int version, PatternItem& i) {
     }
     numbers(m, i.itemShort1, i.itemShort2, i.itemWord3, i.itemWord4);
   } else {
-    for (const auto* word : {&i.itemWord2, &i.itemPair1[0], &i.itemPair1[1], &i.itemPair2[0], &i.itemPair2[1],
-                             &i.itemShort1, &i.itemShort2, &i.itemWord3, &i.itemWord4})
+    for (auto* word : {&i.itemWord2, &i.itemPair1[0], &i.itemPair1[1], &i.itemPair2[0], &i.itemPair2[1], &i.itemShort1,
+                       &i.itemShort2, &i.itemWord3, &i.itemWord4})
       m.reset(*word, 0U);
   }
   since(m, version >= 90, [&](auto& n) { n.number(i.lateWord); });

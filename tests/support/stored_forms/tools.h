@@ -94,7 +94,7 @@ void storedStations(M& m, int version, const std::vector<std::int32_t>& codes, T
   neverStored(m, [&](auto& n) { n.number(l.spareWord); });
   const std::size_t count = codes.size();
   if (!m.size(l.stations, count)) return;
-  if constexpr (M::kMakes) l.tools.resize(count);
+  if constexpr (!M::kChecks) m.resized(l.tools, count);
   for (std::size_t i = 0; i < count; ++i) {
     ToolStation noStation;
     OldTool noTool;

@@ -3,7 +3,8 @@
 //
 // A function storedX(m, version, ..., record) names the fields of one record in stored order with their widths, and the
 // default of each field that is not 0. With a Maker it fills the record with values of its own and puts the bytes
-// together; with a Checker it compares a record that was read with the same values.
+// together; with a Checker it compares a record that was read with the same values, up to a cut; with a Loader it makes
+// of a record what a load of these bytes makes of it.
 #pragma once
 #include <gtest/gtest.h>
 
@@ -12,6 +13,8 @@
 #include <cstring>
 #include <limits>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -21,6 +24,7 @@
 #include "OldTorvIO/records.h"
 #include "tests/support/bytes.h"
 #include "tests/support/stored_forms/versions.h"
+#include "torvio/values/equal.h"
 
 namespace testing_support {
 
@@ -56,12 +60,14 @@ struct Piece {
 
 class Maker {
  public:
-  static constexpr bool kMakes = true;
+  static constexpr bool kMakes = true, kChecks = false, kLoads = false;
   Bytes bytes;
   Sections sections;
   std::vector<Piece> pieces;
 
-  explicit Maker(unsigned seed = 0) : values_(seed) {}
+  explicit Maker(unsigned seed = 0) : seed_(seed), values_(seed) {}
+  // What is added to fixed texts and values: 0 is what a Checker and a Loader expect.
+  unsigned seed() const { return seed_; }
   // Stores what the record holds, also its lists, and changes nothing in it. The form has to fit the record in all else.
   static Maker ofHeldValues() {
     Maker maker;
@@ -113,12 +119,12 @@ class Maker {
   void zeros(std::size_t count) { bytes.zeros(count); }
   void raw(const Bytes& b) { bytes.add(b); }
   void text(std::string& field, const std::string& value) {
-    if (fills_) field = value;
+    if (fills_) field = value + std::string(value.empty() ? 0 : seed_, '+');
     bytes.lengthText(field);
   }
   // A text of `width` stored bytes that ends at its first NUL. It arrives with the first `end` bytes of its section.
   void fixedText(std::string& field, const std::string& value, std::size_t width, int, std::size_t) {
-    if (fills_) field = value;
+    if (fills_) field = value + std::string(seed_, '+');
     bytes.text(width, field);
   }
   // A field that is not stored: a load keeps it, or (reset) sets it to `value`.
@@ -165,6 +171,7 @@ class Maker {
   void append(T value) {
     bytes.add(bytesOf(value));
   }
+  unsigned seed_;
   Values values_;
   bool fills_ = true;
 };
@@ -173,7 +180,8 @@ class Maker {
 // the load began with the record `before`, its values.
 class Checker {
  public:
-  static constexpr bool kMakes = false;
+  static constexpr bool kMakes = false, kChecks = true, kLoads = false;
+  static constexpr unsigned seed() { return 0; }
   static constexpr std::size_t kNoCut = std::numeric_limits<std::size_t>::max();
 
   explicit Checker(std::size_t cut = kNoCut, const Sections* sections = nullptr) : cut_(cut), sections_(sections) {}
@@ -325,6 +333,93 @@ class Checker {
   Values values_;
 };
 
+// Sets what a load of the complete bytes sets. Everything else in the record stays, so that a record that already held
+// data can be compared with it as a whole.
+class Loader {
+ public:
+  static constexpr bool kMakes = false, kChecks = false, kLoads = true;
+  static constexpr unsigned seed() { return 0; }
+
+  template <class T>
+  void number(T& field, T = T()) {
+    field = values_.next<T>();
+  }
+  template <class T, class V>
+  void fixed(T& field, V value, T = T()) {
+    field = static_cast<T>(value);
+  }
+  template <class T, std::size_t N>
+  void block(T (&field)[N], std::string_view = {}) {
+    for (T& one : field) one = static_cast<T>(values_.nextByte());
+  }
+  template <class Stored, class T>
+  void narrow(T& field, T = T()) {
+    field = values_.next<Stored>();
+  }
+  template <class Stored, class T, class Fn>
+  void converted(T& field, Fn&& loaded) {
+    field = static_cast<T>(loaded(values_.next<Stored>()));
+  }
+  void together(std::size_t) {}
+  void stored(std::int32_t) {}
+  void zeros(std::size_t) {}
+  void raw(const Bytes&) {}
+  void text(std::string& field, const std::string& value) {
+    if (!value.empty()) field = value;
+  }
+  void fixedText(std::string& field, const std::string& value, std::size_t, int, std::size_t) { field = value; }
+  template <class T>
+  void absent(const T&, const T&) {}
+  template <class T>
+  void reset(T& field, const T& value) {
+    field = value;
+  }
+  template <class T>
+  void preset(T& field, T, bool) {
+    number(field);
+  }
+  template <class T>
+  void replaced(T& field, T value) {
+    (void)values_.next<T>();
+    field = value;
+  }
+  template <class List>
+  void clears(List& list) {
+    list.clear();
+  }
+  template <class List>
+  void untouched(const List&, std::size_t = 0) {}
+  template <class Count = std::int32_t, class List>
+  bool size(List& list, std::size_t count, std::size_t = 0) {
+    resized(list, count);
+    return true;
+  }
+  // All elements are new.
+  template <class List>
+  std::size_t resized(List& list, std::size_t count) {
+    list.clear();
+    list.resize(count);
+    return count;
+  }
+  void dropped(std::size_t) {}
+  bool reaches(std::size_t) const { return true; }
+  void section(int) {}
+  bool reached(int, std::size_t) const { return true; }
+  void rest() {}
+
+ private:
+  Values values_;
+};
+
+// Compares all of a record after a complete load over `before`. stored(m, record) names its form.
+template <class Record, class Fn>
+void expectLoaded(const Record& loaded, const Record& before, Fn&& stored) {
+  const auto wanted = std::make_unique<Record>(before);
+  Loader loader;
+  stored(loader, *wanted);
+  EXPECT_EQ(oldtorvio::values::firstDifference(loaded, *wanted), std::nullopt);
+}
+
 // Fields of some versions only: without them a record shows its defaults, or what it held before.
 template <class M, class Fn>
 void since(M& m, bool isStored, Fn&& fn) {
@@ -332,7 +427,7 @@ void since(M& m, bool isStored, Fn&& fn) {
     fn(m);
   } else if constexpr (M::kMakes) {
     if (m.fillsEveryField) fn(m);
-  } else {
+  } else if constexpr (M::kChecks) {
     Checker none = m.skipping();
     fn(none);
   }
@@ -377,7 +472,7 @@ int countIn(M& m, T& field, int count, T fresh = T()) {
 template <class M, std::size_t N>
 void leadingText(M& m, char (&field)[N], std::size_t width, char first) {
   m.together(width);
-  for (std::size_t i = 0; i < width; ++i) m.fixed(field[i], first + static_cast<char>(i % 7));
+  for (std::size_t i = 0; i < width; ++i) m.fixed(field[i], first + static_cast<char>(m.seed() + i % 7));
 }
 
 // Names what `fn` stores.
@@ -395,7 +490,7 @@ void piece(M& m, const std::string& name, Fn&& fn, int statusOfCut = 1) {
 // The elements of a list, of which a load keeps those that it could read. each(m, element, index).
 template <class M, class List, class Fn>
 void elements(M& m, List& l, std::size_t count, Fn&& each) {
-  if constexpr (M::kMakes) count = m.resized(l, count);
+  if constexpr (!M::kChecks) count = m.resized(l, count);
   for (std::size_t i = 0; i < count; ++i) {
     if (i < l.size()) {
       each(m, l[i], i);
@@ -411,6 +506,14 @@ void elements(M& m, List& l, std::size_t count, Fn&& each) {
 template <class Count = std::int32_t, class M, class List, class Fn>
 void list(M& m, List& l, std::size_t count, Fn&& each, std::size_t freshCount = 0) {
   if (m.template size<Count>(l, count, freshCount)) elements(m, l, count, each);
+}
+
+// A count of 0 leaves the list as it was.
+template <class M, class List, class Fn>
+void unlessZero(M& m, List& l, std::size_t count, Fn&& stored) {
+  if (M::kMakes || count > 0) return stored();
+  m.stored(0);
+  m.untouched(l);
 }
 
 // The bytes from `at` on, and bytes of which some are replaced.
