@@ -14,8 +14,8 @@
 #include "src/frame/codec/writer.h"
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
-#include "torvio/values/compiled_records.h"
 #include "tests/support/stored_forms/oldest_parts.h"
+#include "torvio/values/compiled_records.h"
 
 namespace testing_support {
 

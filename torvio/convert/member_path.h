@@ -22,8 +22,7 @@ std::vector<PathStep> stepsOf(std::string_view path);
 struct Place {
   const values::Type* type = nullptr;
   const void* value = nullptr;
-  const void* fresh =
-      nullptr;  // the same in a new record; null if it has none, as for an element of a list of numbers
+  const void* fresh = nullptr;  // the same in a new record; null if it has none, as for an element of a list of numbers
 };
 std::optional<Place> placeAt(const values::Type& type, const void* record, std::string_view path);
 
