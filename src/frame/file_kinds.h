@@ -1,5 +1,5 @@
-// The kinds of files: their names, the versions that their loads and saves accept, and what a load returns for any other.
-// For the record of each kind and how it is read, stored and walked, see src/frame/file_record.h.
+// The kinds of files: their names, the versions that their loads and saves accept, and what a load returns for any
+// other. For the record of each kind and how it is read, stored and walked, see src/frame/file_record.h.
 #pragma once
 #include <array>
 #include <cstddef>
