@@ -1,5 +1,5 @@
-// What the exported functions share: no exception leaves them, files are opened and closed in one place, and so are
-// version words read, stored and checked. Loads and saves of a kind of file: src/frame/file_record.h.
+// What the exported functions share: no exception leaves them, and files are opened and closed, version words read,
+// stored and checked in one place. For loads and saves of a kind of file, see src/frame/file_record.h.
 #pragma once
 #include <cstdint>
 #include <new>

@@ -1,6 +1,6 @@
-// Loads and saves of the record of a file, made of what its family says about it.
+// Loads and saves that are the same for all kinds of files.
 //
-// FileRecord<kind>, in a header of the family, has
+// FileRecord<kind>, in a header of the family of the kind, has
 //   kKind                           the kind
 //   Record                          the record that a load fills
 //   setVersion(record, version)     keeps the version word; some records have no place for it
