@@ -62,6 +62,37 @@ TEST_F(SharedOptions, NoCommandReplacesTheFileThatItReads) {
     }
 }
 
+TEST_F(SharedOptions, EmptyValuesAreRefusedAndReplaceNothing) {
+  const std::string before = asText(TempFolder::read(tool_));
+  const auto expectRefusal = [&](const std::string& command, const std::string& arguments, const std::string& option) {
+    const Outcome run = torvio(command + " " + arguments + " " + tool_ + " " + tool_);
+    EXPECT_EQ(run.code, 2) << command << " " << arguments;
+    EXPECT_EQ(run.output, "") << command << " " << arguments;
+    EXPECT_EQ(run.errors,
+              "torvio: " + command + ": " + option + " has an empty value\nTry \"torvio " + command + " --help\".\n");
+    EXPECT_EQ(asText(TempFolder::read(tool_)), before) << command << " " << arguments;
+  };
+  // The next argument is not the value.
+  for (const std::string command : {"json", "map", "draw", "from-json", "format", "schema"})
+    expectRefusal(command, "--output=", "--output");
+  expectRefusal("draw", "--html --output=", "--output");
+  for (const std::string option : {"--catalogue", "--files-from", "--kind", "--only", "--json"})
+    expectRefusal("check", option + "=", option);
+  expectRefusal("diff", "--part=", "--part");
+  expectRefusal("map", "--find=", "--find");
+  EXPECT_EQ(torvio("--none= " + tool_).errors, "torvio: --none has an empty value\nTry \"torvio --help\".\n");
+
+  expectRefusal("draw", "--html -o \"\"", "--output");
+  expectRefusal("draw", "--html --output \"\"", "--output");
+  expectRefusal("check", "-o \"\"", "--catalogue");
+  expectRefusal("check", "--files-from \"\"", "--files-from");
+  expectRefusal("diff", "--part \"\"", "--part");
+
+  // After "--" it is the name of a file.
+  EXPECT_EQ(torvio("check -- --output=").output,
+            "--output=: unreadable, cannot be opened: No such file or directory\n");
+}
+
 TEST_F(SharedOptions, DocumentsAreWrittenToTheOutput) {
   for (const std::string& arguments :
        {std::string("format macro"), std::string("format sheet --as kaitai"), std::string("format shape"),
