@@ -231,6 +231,29 @@ TEST_F(Catalogues, FilesThatAreGoneLeaveOnlyTheFoldersThatWereRead) {
   EXPECT_EQ(value("SELECT count(*) FROM file WHERE verdict <> 'unreadable'"), "2");
 }
 
+TEST_F(Catalogues, FolderWithTooLongPathsKeepsItsRows) {
+  if (!kIsPosix) GTEST_SKIP() << "no such limit";
+  files_.write("a.nst", nest());
+  const std::string gone = files_.write("gone.nst", nest());
+  EXPECT_EQ(check().code, 0);
+  fs::remove(gone);
+  const auto deepFolder = [](std::string path) {
+    for (int i = 0; i < 15; ++i) path += '/' + std::string(200, 'd');
+    fs::create_directories(path);
+    return path;
+  };
+  // Longer paths are not made at once.
+  const std::string outer = deepFolder(files_.path("x")) + "/inner", inner = other_.path("b");
+  (void)deepFolder(inner);
+  fs::rename(inner, outer);
+  const Outcome run = check();
+  fs::rename(outer, inner);
+  EXPECT_EQ(run.code, 3);
+  EXPECT_EQ(value("SELECT count(*) FROM file"), "2");
+  EXPECT_EQ(check().code, 0);
+  EXPECT_EQ(value("SELECT count(*) FROM file"), "1");
+}
+
 TEST_F(Catalogues, UnreadableFilesAreTriedAgain) {
   if (!kIsPosix) GTEST_SKIP() << "no links";
   fs::create_symlink(files_.path("later"), files_.path("link.nst"));

@@ -41,6 +41,7 @@ class FolderEntries {
   struct Entry {
     std::string name;
     Type type = Type::other;
+    std::error_code error;  // why the type is not known
   };
 
   // Sets the error if the folder cannot be opened.

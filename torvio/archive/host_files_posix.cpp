@@ -46,12 +46,14 @@ struct FolderEntries::Search {
 
 namespace {
 
-FolderEntries::Type typeOf(const fs::directory_entry& entry) {
-  std::error_code error;
+FolderEntries::Type typeOf(const fs::directory_entry& entry, std::error_code& error) {
   fs::file_type type = entry.symlink_status(error).type();
+  // Removed since it was listed.
+  if (type == fs::file_type::not_found) error.clear();
   if (type == fs::file_type::directory) return FolderEntries::Type::folder;
   if (type == fs::file_type::symlink) {
-    type = entry.status(error).type();
+    std::error_code ofTarget;
+    type = entry.status(ofTarget).type();
     // The target does not exist, or the link leads to itself: not a file that was passed over.
     if (type == fs::file_type::not_found || type == fs::file_type::none) type = fs::file_type::regular;
   }
@@ -70,7 +72,8 @@ FolderEntries::~FolderEntries() = default;
 std::optional<FolderEntries::Entry> FolderEntries::next(std::error_code& error) {
   if (!search_) return std::nullopt;
   const fs::directory_entry& found = *search_->at;
-  Entry entry{found.path().filename().string(), typeOf(found)};
+  Entry entry{found.path().filename().string(), Type::other, {}};
+  entry.type = typeOf(found, entry.error);
   search_->at.increment(error);
   if (search_->at == fs::directory_iterator()) search_.reset();
   return entry;

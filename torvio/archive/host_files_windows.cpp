@@ -130,7 +130,7 @@ std::optional<FolderEntries::Entry> FolderEntries::next(std::error_code& error) 
   while (search_) {
     const std::wstring_view name = search_->found.cFileName;
     const bool isEntry = name != L"." && name != L"..";
-    Entry entry{narrowName(name), typeOf(search_->found)};
+    Entry entry{narrowName(name), typeOf(search_->found), {}};
     if (::FindNextFileW(search_->handle, &search_->found) == 0) {
       if (::GetLastError() != ERROR_NO_MORE_FILES) error = lastError();
       search_.reset();

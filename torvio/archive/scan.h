@@ -18,7 +18,7 @@ namespace oldtorvio::archive {
 struct FoundFile {
   std::string path;
   bool isNamed = true;  // by the caller, not found in a folder
-  std::string error;    // of a folder that cannot be read, or of a name that is none
+  std::string error;    // of a folder that cannot be read, of what may be one, or of a name that is none
   bool isFolder = false;
 };
 
