@@ -112,6 +112,22 @@ TEST_F(SharedOptions, DocumentsAreWrittenToTheOutput) {
   }
 }
 
+TEST_F(SharedOptions, LostOutputIsAnErrorWhateverElseIsReported) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device";
+  const std::string damaged = folder_.write("damaged.spt", specialToolFile(60, {3}).cut(20));
+  for (const std::string& arguments :
+       {"convert --json " + damaged + " out --version 60", "convert " + damaged + " out --version 60",
+        "json " + damaged, "json --pretty " + damaged, "map " + damaged, "diff " + damaged + " " + damaged,
+        "check " + damaged, "info " + damaged}) {
+    const Outcome run = torvio(arguments + " >/dev/full");
+    EXPECT_EQ(run.code, 3) << arguments;
+    const std::string error = "torvio: cannot write the output: No space left on device\n";
+    EXPECT_TRUE(run.errors.ends_with(error)) << arguments << ": " << run.errors;
+    EXPECT_EQ(run.errors.find(error), run.errors.rfind(error)) << arguments << ": " << run.errors;
+  }
+  EXPECT_FALSE(std::filesystem::exists("out"));
+}
+
 TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   folder_.write("-name", specialToolFile(60, {3}));
