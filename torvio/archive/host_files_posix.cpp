@@ -1,4 +1,6 @@
 #if !defined(_WIN32)
+#include <sys/stat.h>
+
 #include <chrono>
 #include <filesystem>
 
@@ -23,6 +25,17 @@ bool isFolder(const std::string& name) {
 bool isSameFile(const std::string& one, const std::string& other) {
   std::error_code error;
   return fs::equivalent(one, other, error) && !error;
+}
+
+std::optional<FileIdentity> identityOf(const std::string& name) {
+  struct stat info {};
+  if (::stat(name.c_str(), &info) != 0) return std::nullopt;
+  return FileIdentity{info.st_dev, info.st_ino};
+}
+std::optional<FileIdentity> identityOf(std::FILE* file) {
+  struct stat info {};
+  if (::fstat(::fileno(file), &info) != 0) return std::nullopt;
+  return FileIdentity{info.st_dev, info.st_ino};
 }
 
 std::string lastName(const std::string& path) { return path.substr(path.rfind('/') + 1); }

@@ -166,6 +166,10 @@ std::mutex largeFiles;
 
 }  // namespace
 
+bool isExcluded(const FoundFile& file, const ScanOptions& options) {
+  return file.error.empty() && options.isExcluded && options.isExcluded(file.path);
+}
+
 FileResult measure(const FoundFile& file) {
   FileResult result;
   result.path = file.path;
@@ -293,7 +297,7 @@ class Pipeline {
     std::exception_ptr error;
     try {
       do file = names_->next();
-      while (file && !file->isNamed && options_.isExcluded && options_.isExcluded(file->path));
+      while (file && isExcluded(*file, options_));
     } catch (...) {
       error = std::current_exception();
     }
@@ -339,7 +343,7 @@ class Pipeline {
 
 void scanAlone(FileNames& names, const ScanOptions& options, const std::function<void(FileResult&)>& take) {
   while (const auto file = names.next()) {
-    if (!file->isNamed && options.isExcluded && options.isExcluded(file->path)) continue;
+    if (isExcluded(*file, options)) continue;
     FileResult result = examine(*file, options);
     take(result);
   }

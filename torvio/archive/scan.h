@@ -64,9 +64,12 @@ struct ScanOptions : ExamineOptions {
   // Called from several threads with path, time and size of a regular file: what an earlier run found. Such a file is
   // not read.
   std::function<std::optional<FileResult>(const FileResult&)> known;
-  // Called from several threads: whether to pass over a file that was found in a folder.
+  // Called from several threads: whether to pass over a file.
   std::function<bool(const std::string&)> isExcluded;
 };
+
+// Whether a scan passes over the file.
+bool isExcluded(const FoundFile& file, const ScanOptions& options);
 
 // What there is before a file is read: name, size and time, or why it is none. The verdict is not yet one.
 FileResult measure(const FoundFile& file);
