@@ -470,6 +470,37 @@ TEST_F(FromJsonCommand, SheetThatNoSaveCanStoreIsRefused) {
   EXPECT_FALSE(std::filesystem::exists(out_));
 }
 
+TEST_F(FromJsonCommand, PartIsNotSavedAsWhatALoadMisreads) {
+  const std::string part = folder_.write("a.part", partFile(180)), json = folder_.path("a.json");
+  ASSERT_EQ(torvio("json " + part + " -o " + json).code, 0);
+  for (const int version : {2, 3, 5}) {
+    const Outcome run = torvio("from-json " + json + " -o " + out_ + " --version " + std::to_string(version));
+    EXPECT_EQ(run.code, 1) << version;
+    EXPECT_EQ(run.errors,
+              "torvio: " + json + ": a part file cannot be saved in version " + std::to_string(version) + "\n");
+    EXPECT_FALSE(std::filesystem::exists(out_));
+  }
+  EXPECT_EQ(torvio("from-json " + json + " -o " + out_ + " --version 52").errors, "");
+}
+
+TEST_F(FromJsonCommand, FileThatNoLoadReadsToItsEndIsReported) {
+  const std::string sheet = folder_.path("a.sheet"), json = folder_.path("a.json"), fixed = folder_.path("b.sheet");
+  OldSheet record;
+  record.textEntries.resize(3);
+  const std::string text = values::jsonOf<FileKind::sheet>(record, 112);
+  folder_.write("a.json", Bytes::of(std::as_bytes(std::span(text))));
+  const Outcome run = torvio("from-json " + json + " -o " + sheet);
+  EXPECT_EQ(run.code, 0);
+  EXPECT_EQ(run.errors.find("torvio: " + sheet + ": a load does not read this file to its end: "), 0U) << run.errors;
+  EXPECT_TRUE(run.errors.ends_with("; \"torvio convert --version 112\" fixes it\n")) << run.errors;
+  // The bytes are those of the save.
+  EXPECT_TRUE(TempFolder::read(sheet) == Bytes::of(values::saveRecord<FileKind::sheet>(record, 112).bytes));
+  EXPECT_EQ(torvio("convert --version 112 " + sheet + " " + fixed).code, 0);
+  EXPECT_EQ(torvio("check " + fixed).output.find(fixed + ": sound, sheet, version 112"), 0U);
+  for (const int version : {152, 180})
+    EXPECT_EQ(torvio("from-json " + json + " -o " + sheet + " --version " + std::to_string(version)).errors, "");
+}
+
 TEST_F(FromJsonCommand, FoldersLinksAndDevicesAreNotReplaced) {
   EXPECT_EQ(torvio("from-json " + json_ + " -o " + folder_.path()).code, 3);
   EXPECT_EQ(torvio("from-json " + json_ + " -o " + folder_.path("none") + "/out").code, 3);

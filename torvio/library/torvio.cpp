@@ -118,7 +118,7 @@ void fromJson(Answer& answer, const Input& input, std::int32_t version) {
   if (!read.error.empty()) fail(refused(read.error));
   if (version == 0) version = read.version;
   codec::OutStream stream;
-  const std::int64_t status = values::storeRecord(stream, read, version);
+  const std::int64_t status = values::storeLoadable(stream, read, version);
   if (status != frame::kDone) fail(refused(values::refusalOf(read, status, version)));
   answer.append(asText(stream.bytes()));
 }

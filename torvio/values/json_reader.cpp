@@ -774,6 +774,11 @@ std::int64_t storeRecord(codec::OutStream& to, const JsonRecord& record, int ver
   });
 }
 
+std::int64_t storeLoadable(codec::OutStream& to, const JsonRecord& record, int version) {
+  if (record.kind == frame::FileKind::part && version < frame::kFirstMainVersion) return frame::kWrongVersion;
+  return storeRecord(to, record, version);
+}
+
 std::string refusalOf(const JsonRecord& record, std::int64_t status, int version) {
   const std::string kind(frame::infoOf(record.kind).name);
   if (status == frame::kWrongVersion) return "no " + kind + " file is saved in version " + std::to_string(version);
