@@ -128,6 +128,22 @@ TEST_F(SharedOptions, LostOutputIsAnErrorWhateverElseIsReported) {
   EXPECT_FALSE(std::filesystem::exists("out"));
 }
 
+TEST_F(SharedOptions, SignalLeavesNoUnfinishedFile) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  for (const std::string signal : {"TERM", "HUP"}) {
+    const TempFolder folder;
+    // The page is begun when torvio waits for the pipe.
+    const Outcome run = runShell("cd " + folder.path() + "; mkfifo in; " + TORVIO_COMMAND +
+                                 " draw --html in -o out.html & pid=$!; for i in $(seq 200); do"
+                                 " [ -e " +
+                                 folder.path() +
+                                 "/.torvio-*.tmp ] && echo begun && break; sleep 0.05; done;"
+                                 " kill -" +
+                                 signal + " $pid; wait $pid; echo $?; ls -A " + folder.path());
+    EXPECT_EQ(run.output, std::string("begun\n") + (signal == "TERM" ? "143" : "129") + "\nin\n") << run.errors;
+  }
+}
+
 TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   folder_.write("-name", specialToolFile(60, {3}));
