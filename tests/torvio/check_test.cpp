@@ -486,7 +486,7 @@ TEST_F(Check, NamesCannotAffectLinesOrTerminals) {
 TEST_F(Check, MisuseIsAnError) {
   for (const std::string arguments :
        {"", "--null x", "--jobs 0 x", "--jobs 1000 x", "--jobs x x", "--summary --no-summary x",
-        "--encoding nonsense x", "--only", "--ext", "--catalogue"}) {
+        "--encoding nonsense x", "--only", "--ext", "--catalogue", "-o - x"}) {
     const Outcome run = check(arguments);
     EXPECT_EQ(run.code, 2) << arguments;
     EXPECT_EQ(run.output, "") << arguments;

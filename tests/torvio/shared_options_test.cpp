@@ -128,6 +128,33 @@ TEST_F(SharedOptions, LostOutputIsAnErrorWhateverElseIsReported) {
   EXPECT_FALSE(std::filesystem::exists("out"));
 }
 
+TEST_F(SharedOptions, HyphenIsStandardOutputOrRefused) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  const std::string inFolder = "cd " + folder_.path() + " && " + TORVIO_COMMAND + " ";
+  EXPECT_EQ(runShell(inFolder + "json tool.abc --ext special-tool=.abc -o tool.json").code, 0);
+  EXPECT_EQ(runShell(inFolder + "from-json tool.json -o out.spt").code, 0);
+  const Outcome printed = runShell(inFolder + "from-json tool.json -o -");
+  EXPECT_EQ(printed.code, 0) << printed.errors;
+  EXPECT_EQ(printed.output, asText(TempFolder::read(folder_.path("out.spt"))));
+  EXPECT_EQ(runShell(inFolder + "from-json tool.json -o - >/dev/full").code, 3);
+
+  for (const std::string command : {"convert --version 60", "recover"}) {
+    const Outcome run = runShell(inFolder + command + " tool.abc -");
+    EXPECT_EQ(run.code, 2) << command;
+    EXPECT_EQ(run.output, "");
+    EXPECT_NE(run.errors.find(": OUT cannot be -, since the report is printed; \"./-\" is a file of that name\n"),
+              std::string::npos)
+        << run.errors;
+  }
+  const Outcome catalogue = runShell(inFolder + "check tool.abc -o -");
+  EXPECT_EQ(catalogue.code, 2);
+  EXPECT_EQ(catalogue.errors.find("torvio: check: a catalogue cannot be -; \"./-\" is a file of that name\n"), 0U)
+      << catalogue.errors;
+  EXPECT_FALSE(std::filesystem::exists(folder_.path("-")));
+  EXPECT_EQ(runShell(inFolder + "convert --allow-loss --version 60 --ext special-tool=.abc tool.abc ./-").code, 0);
+  EXPECT_TRUE(std::filesystem::exists(folder_.path("-")));
+}
+
 TEST_F(SharedOptions, SignalLeavesNoUnfinishedFile) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   for (const std::string signal : {"TERM", "HUP"}) {

@@ -245,6 +245,7 @@ class CheckCommand : public Command {
     if (paths_.empty() && list_.empty()) {
       return usageError("check", "PATH is required");
     }
+    if (catalogue_ == "-") return usageError("check", "a catalogue cannot be -; \"./-\" is a file of that name");
     ListFile list(list_);
     if (!list.error().empty()) {
       printError(onOneLine(list_) + ": cannot be opened: " + list.error());
