@@ -501,6 +501,14 @@ TEST_F(FromJsonCommand, FileThatNoLoadReadsToItsEndIsReported) {
     EXPECT_EQ(torvio("from-json " + json + " -o " + sheet + " --version " + std::to_string(version)).errors, "");
 }
 
+TEST_F(FromJsonCommand, StandardInputIsNotReplaced) {
+  const std::string before = asText(TempFolder::read(json_));
+  const Outcome run = torvio("from-json -o " + json_ + " < " + json_);
+  EXPECT_EQ(run.code, 2);
+  EXPECT_NE(run.errors.find("\" is both a file to read and the output\n"), std::string::npos) << run.errors;
+  EXPECT_EQ(asText(TempFolder::read(json_)), before);
+}
+
 TEST_F(FromJsonCommand, FoldersLinksAndDevicesAreNotReplaced) {
   EXPECT_EQ(torvio("from-json " + json_ + " -o " + folder_.path()).code, 3);
   EXPECT_EQ(torvio("from-json " + json_ + " -o " + folder_.path("none") + "/out").code, 3);
