@@ -198,6 +198,7 @@ TEST_F(Check, ListNamesAFileInEachLine) {
     EXPECT_EQ(checkedBy("d/c.spt --files-from - <list"),
               (std::vector<std::string>{"d/c.spt", "a b.spt", "d/c.spt", "a b.spt"}));
   }
+  EXPECT_EQ(checkedBy("--files-from none --files-from list"), expected);
   EXPECT_EQ(check("--files-from none").code, 3);
   EXPECT_EQ(check("--files-from none").errors, "torvio: none: cannot be opened: No such file or directory\n");
 }

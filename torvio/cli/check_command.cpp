@@ -217,8 +217,9 @@ class CheckCommand : public Command {
     addFiles(*command, "PATH", paths_, "Files, and folders with all that is in them");
     addFile(*command, "--files-from", list_,
             "Also check the files that FILE lists, one a line; - is the standard input")
-        ->type_name("FILE");
-    command->add_flag("--null", isNullSeparated_, "With --files-from: names end with NUL, not with a line")
+        ->type_name("FILE")
+        ->take_last();
+    command->add_flag("--null", isNullSeparated_, "With --files-from: names end with NUL, not with a newline")
         ->needs("--files-from");
     addJudging(*command, judge_);
     command->add_option("--only", only_, "Print only files with this verdict; may be repeated")
