@@ -176,7 +176,8 @@ class DiffCommand : public Command {
                      "Compare this part of a sheet or group part file, by its name or its position, from 0")
         ->type_name("PART")
         ->take_last();
-    command->add_option("--tolerance", options_.tolerance, "Real numbers that differ by no more are the same")
+    command
+        ->add_option("--tolerance", options_.tolerance, "Real numbers that differ by no more are the same (0 to 1e300)")
         ->type_name("NUMBER")
         ->take_last()
         ->check(isTolerance());
@@ -224,7 +225,7 @@ class DiffCommand : public Command {
               const bool isNumber = CLI::detail::lexical_cast(text, value);
               return isNumber && value >= 0 && value <= 1e300
                          ? std::string()
-                         : "--tolerance requires a number that is not negative, not " + inQuotes(text);
+                         : "--tolerance requires a number from 0 to 1e300, not " + inQuotes(text);
             },
             ""};
   }

@@ -252,7 +252,7 @@ TORVIO_API torvio_status torvio_draw_page(const torvio_input* inputs, size_t cou
  *            same encoding
  * part       of sheets and group part files, the part to compare: its name, or its position from 0. NULL: the complete
  *            files, or the part that is in both
- * tolerance  real numbers that differ by no more than this are the same; 0 compares every bit
+ * tolerance  real numbers that differ by no more than this are the same, at most 1e300; 0 compares every bit
  * flags      0 or TORVIO_COMMON
  * same       set to 1 if there is no difference, to 0 if there is one. Unchanged without a result; may be NULL
  *

@@ -431,7 +431,7 @@ torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const ch
   const torvio_status status = answered(result, error, [&](Answer& answer) {
     allow(flags, TORVIO_COMMON);
     constexpr double kLargest = 1e300;
-    if (!(tolerance >= 0 && tolerance <= kLargest)) fail(badArgument("tolerance is negative or no number"));
+    if (!(tolerance >= 0 && tolerance <= kLargest)) fail(badArgument("tolerance is not within 0 and 1e300"));
     const Input inputA(a), inputB(b);
     if (inputA.encodingName() != inputB.encodingName()) fail(badArgument("the encodings of a and b differ"));
     compare::DiffOptions options;
