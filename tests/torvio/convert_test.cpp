@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -578,6 +580,42 @@ TEST_F(ConvertCommand, FullDiskLeavesNoFile) {
   if (std::filesystem::exists("/dev/full")) {
     EXPECT_EQ(convert(out_ + " --version 180 > /dev/full").code, 3);
   }
+}
+
+// examples/convert_file.sh
+TEST_F(ConvertCommand, ScriptKeepsNoResultOfAFileThatIsNowRefused) {
+  if (!kIsPosix || runShell("bash --version").code != 0) GTEST_SKIP() << "no bash";
+  namespace fs = std::filesystem;
+  const std::string from = folder_.path("from"), to = folder_.path("to"), file = from + "/tool.spt";
+  const std::string report = to + ".reports/tool.spt.json";
+  fs::create_directories(from);
+  const auto runScript = [&](const std::string& torvioFolder) {
+    return runShell("PATH=" + torvioFolder + ":$PATH bash " TORVIO_SOURCE "/examples/convert_file.sh 180 " + from +
+                    " " + to + " " + file);
+  };
+  const std::string tools = fs::path(TORVIO_COMMAND).parent_path().string();
+  // Each is newer than the report of the one before.
+  int age = 4;
+  const auto write = [&](const Bytes& bytes) {
+    folder_.write("from/tool.spt", bytes);
+    if (fs::exists(report)) fs::last_write_time(report, fs::file_time_type::clock::now() - std::chrono::hours(age--));
+  };
+  const Bytes sound = TempFolder::read(in_);
+  write(sound);
+  EXPECT_EQ(runScript(tools).code, 0);
+  EXPECT_TRUE(fs::exists(to + "/tool.spt"));
+  write(sound.cut(30));
+  EXPECT_EQ(runScript(tools).code, 0);
+  EXPECT_FALSE(fs::exists(to + "/tool.spt"));
+  EXPECT_NE(asText(TempFolder::read(report)).find("is damaged"), std::string::npos);
+
+  // A report that is lost is an error.
+  std::ofstream(folder_.path("torvio")) << "#!/bin/sh\necho new >\"$3\"\n";
+  fs::permissions(folder_.path("torvio"), fs::perms::owner_all);
+  write(sound);
+  const Outcome lost = runScript(folder_.path());
+  EXPECT_EQ(lost.code, 3);
+  EXPECT_EQ(lost.errors, "convert_file.sh: " + file + ": torvio convert printed no report\n");
 }
 
 TEST_F(ConvertCommand, OddNamesAreEscaped) {
