@@ -171,6 +171,15 @@ TEST_F(SharedOptions, SignalLeavesNoUnfinishedFile) {
   }
 }
 
+TEST_F(SharedOptions, UsageShowsRequiredOptions) {
+  EXPECT_NE(torvio("convert --help").output.find("\nUsage: torvio convert [OPTIONS] --version VERSION IN [OUT]\n"),
+            std::string::npos)
+      << torvio("convert --help").output;
+  EXPECT_NE(torvio("from-json --help").output.find("\nUsage: torvio from-json [OPTIONS] --output OUT [IN]\n"),
+            std::string::npos);
+  EXPECT_NE(torvio("check --help").output.find("\nUsage: torvio check [OPTIONS] [PATH...]\n"), std::string::npos);
+}
+
 TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   folder_.write("-name", specialToolFile(60, {3}));

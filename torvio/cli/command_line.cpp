@@ -18,6 +18,14 @@ constexpr std::size_t kFirstColumn = 16;
 // Omits "TEXT REQUIRED" and the like: the usage line shows what is required.
 class HelpFormatter : public CLI::Formatter {
  public:
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    constexpr std::string_view kOptions = "[OPTIONS]";
+    std::string usage = CLI::Formatter::make_usage(app, std::move(name));
+    for (const CLI::Option* option : app->get_options())
+      if (!option->get_positional() && option->get_required())
+        usage.insert(usage.find(kOptions) + kOptions.size(), " " + option->get_name() + " " + valueName(*option));
+    return usage;
+  }
   std::string make_option_opts(const CLI::Option* option) const override {
     return option->get_positional() || option->get_type_size() == 0 ? "" : " " + valueName(*option);
   }
