@@ -439,7 +439,7 @@ TEST_F(FromJsonCommand, ReadsStandardInputAndSavesInAnotherVersion) {
   EXPECT_TRUE(TempFolder::read(out_) == saved(tool_, 110));
   const Outcome refused = torvio("from-json --version 51 -o " + out_ + " < " + json_);
   EXPECT_EQ(refused.code, 1);
-  EXPECT_EQ(refused.errors, "torvio: standard input: no special-tool file is saved in version 51\n");
+  EXPECT_EQ(refused.errors, "torvio: standard input: a special-tool file cannot be saved in version 51\n");
   EXPECT_EQ(torvio("from-json --version 40000 -o " + out_ + " < " + json_).code, 2);
   EXPECT_EQ(torvio("from-json --version x -o " + out_ + " < " + json_).code, 2);
   EXPECT_EQ(torvio("from-json < " + json_).code, 2);

@@ -284,8 +284,8 @@ class CheckCommand : public Command {
 
   static std::string help() {
     return "A line has the verdict, kind, version, the status that a load returns, the bytes\n"
-           "that it reads, where a damaged file breaks, and warnings of what a sound\n"
-           "structure does not show.\n"
+           "that it reads, where a damaged file breaks, and warnings of values that are\n"
+           "suspicious although the file is sound.\n"
            "\n"
            "In a folder, links to folders, pipes and devices are passed over; links to\n"
            "files are not. A PATH may be a pipe. A file of more than " +

@@ -56,7 +56,7 @@ class ConvertCommand : public NewFileCommand {
     if (report.from) summary += " of version " + std::to_string(*report.from);
     summary += " to version " + std::to_string(version_);
     if (!converted.bytes.empty() && report.isComplete()) summary += ", nothing is lost";
-    if (!converted.error.empty() && report.newSize > 0) converted.error += "; --allow-loss makes it all the same";
+    if (!converted.error.empty() && report.newSize > 0) converted.error += "; --allow-loss writes it anyway";
     return {std::move(converted.bytes), std::move(converted.report), std::move(converted.error), std::move(summary)};
   }
 

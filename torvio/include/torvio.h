@@ -285,7 +285,7 @@ TORVIO_API torvio_status torvio_convert(const torvio_input* input, int32_t versi
 
 #define TORVIO_ALLOW_LOSS UINT32_C(8) /* makes the file even if something is lost or changed */
 
-/* Makes a file that loads of the sound beginning of a damaged one, as `torvio recover` does, without writing it
+/* Builds a loadable file from the sound part of a damaged one, as `torvio recover` does, without writing it
  * anywhere. Everything before the first fault is kept; what follows has the defaults of a new record.
  *
  * flags     0
