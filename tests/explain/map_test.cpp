@@ -305,7 +305,7 @@ TEST(Map, FileOfUnknownKindHasItsVersionAndAFaultThatSaysWhy) {
   EXPECT_EQ(mapped(Bytes().i16(7).zeros(9)),
             "version = 7; at 00000000 in version: 7 is not a version of any kind of file");
   EXPECT_EQ(mapped(Bytes().i16(180).zeros(9)),
-            "version = 180; at 00000000 in version: the contents fit no kind of this version; choose the kind");
+            "version = 180; at 00000000 in version: unlike any kind of file; choose the kind (--kind)");
   const Bytes part = Bytes().i16(180);
   EXPECT_EQ(mapFile(part.span(), std::optional(FileKind::part), [](const MapLine&) {}).fault->offset, 2U);
 }

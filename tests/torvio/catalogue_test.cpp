@@ -231,6 +231,69 @@ TEST_F(Catalogues, FilesThatAreGoneLeaveOnlyTheFoldersThatWereRead) {
   EXPECT_EQ(value("SELECT count(*) FROM file WHERE verdict <> 'unreadable'"), "2");
 }
 
+TEST_F(Catalogues, FolderWithTooLongPathsKeepsItsRows) {
+  if (!kIsPosix) GTEST_SKIP() << "no such limit";
+  files_.write("a.nst", nest());
+  const std::string gone = files_.write("gone.nst", nest());
+  EXPECT_EQ(check().code, 0);
+  fs::remove(gone);
+  const auto deepFolder = [](std::string path) {
+    for (int i = 0; i < 15; ++i) path += '/' + std::string(200, 'd');
+    fs::create_directories(path);
+    return path;
+  };
+  // Longer paths are not made at once.
+  const std::string outer = deepFolder(files_.path("x")) + "/inner", inner = other_.path("b");
+  (void)deepFolder(inner);
+  fs::rename(inner, outer);
+  const Outcome run = check();
+  fs::rename(outer, inner);
+  EXPECT_EQ(run.code, 3);
+  EXPECT_EQ(value("SELECT count(*) FROM file"), "2");
+  EXPECT_EQ(check().code, 0);
+  EXPECT_EQ(value("SELECT count(*) FROM file"), "1");
+}
+
+TEST_F(Catalogues, CatalogueIsNeverReadAsAFile) {
+  const std::string sheet = files_.write("a.nst", nest());
+  const std::string name = fs::path(files_.path()).filename().string();
+  std::vector<std::string> catalogues = {files_.path("c.sqlite"), files_.path() + "/../" + name + "/c.sqlite"};
+  if (kIsPosix) {
+    fs::create_directory_symlink(files_.path(), other_.path("folder"));
+    fs::create_symlink(files_.path("c.sqlite"), other_.path("link"));
+    catalogues.push_back(other_.path("folder") + "/c.sqlite");
+    catalogues.push_back(other_.path("link"));
+  }
+  for (const std::string& catalogue : catalogues)
+    for (const std::string& paths :
+         {files_.path(), files_.path("c.sqlite") + " " + sheet, files_.path() + " " + catalogue}) {
+      // The second run finds the catalogue of the first.
+      for (int run = 0; run < 2; ++run) {
+        const Outcome found = torvio("check " + paths + " --ext sheet=.nst -o " + catalogue + " --jobs 2");
+        EXPECT_EQ(found.code, 0) << catalogue << ": " << found.errors;
+        EXPECT_EQ(found.output.find(sheet + ": sound"), 0U) << catalogue << " " << paths << ": " << found.output;
+        EXPECT_EQ(std::count(found.output.begin(), found.output.end(), '\n'), 1) << catalogue << ": " << found.output;
+      }
+      EXPECT_EQ(rowsOf(files_.path("c.sqlite"), "SELECT path FROM file"), std::vector<std::string>{sheet});
+      fs::remove(files_.path("c.sqlite"));
+    }
+}
+
+TEST_F(Catalogues, RunsAtATimeKeepACatalogueInTheirFolder) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  for (int i = 0; i < 300; ++i) files_.write(std::to_string(i) + ".nst", nest());
+  const std::string name = fs::path(files_.path()).filename().string();
+  const std::string run =
+      std::string(TORVIO_COMMAND) + " check . --ext sheet=.nst -o ../" + name + "/c.sqlite >/dev/null";
+  std::string all = "cd " + files_.path() + "; for i in 1 2 3 4 5 6; do { " + run;
+  all += "; echo $? >>" + other_.path("codes") + "; } & done; wait";
+  (void)runShell(all);
+  EXPECT_EQ(asText(TempFolder::read(other_.path("codes"))), "0\n0\n0\n0\n0\n0\n");
+  EXPECT_EQ(valueOf(files_.path("c.sqlite"), "PRAGMA integrity_check"), "ok");
+  EXPECT_EQ(valueOf(files_.path("c.sqlite"), "SELECT count(*) FROM file WHERE verdict = 'sound'"), "300");
+  EXPECT_EQ(valueOf(files_.path("c.sqlite"), "SELECT count(*) FROM file"), "300");
+}
+
 TEST_F(Catalogues, UnreadableFilesAreTriedAgain) {
   if (!kIsPosix) GTEST_SKIP() << "no links";
   fs::create_symlink(files_.path("later"), files_.path("link.nst"));

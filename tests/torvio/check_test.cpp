@@ -142,6 +142,48 @@ TEST_F(Check, FolderThatCannotBeReadIsReportedAndTheOthersAreChecked) {
   EXPECT_EQ(run.output.find("a/closed: unreadable, cannot be opened: Permission denied\na/open/tool.spt: sound"), 0U);
 }
 
+TEST_F(Check, FilesOfAFolderThatCannotBeSearchedAreReported) {
+  if (!kIsPosix) GTEST_SKIP() << "no permissions";
+  makeFolder("a/listed");
+  folder_.write("a/listed/tool.spt", sound_);
+  fs::permissions(folder_.path("a/listed"), fs::perms::owner_read | fs::perms::owner_write);
+  std::error_code error;
+  const bool maySearch = fs::exists(folder_.path("a/listed/tool.spt"), error) && !error;
+  const Outcome run = check("a");
+  fs::permissions(folder_.path("a/listed"), fs::perms::owner_all);
+  if (maySearch) GTEST_SKIP() << "this user may search all folders";
+  EXPECT_EQ(run.code, 3);
+  EXPECT_EQ(run.output, "a/listed/tool.spt: unreadable, cannot be opened: Permission denied\n");
+}
+
+TEST_F(Check, FoldersWithTooLongPathsAreReported) {
+  if (!kIsPosix) GTEST_SKIP() << "no such limit";
+  const auto deepFolder = [&](std::string path) {
+    for (int i = 0; i < 15; ++i) {
+      path += '/' + std::string(200, 'd');
+      makeFolder(path);
+      folder_.write(path + "/tool.spt", sound_);
+    }
+    return path;
+  };
+  // Longer paths are not made at once.
+  const std::string outer = folder_.path(deepFolder("a")) + "/inner", inner = folder_.path("b");
+  (void)deepFolder("b");
+  fs::rename(inner, outer);
+  const Outcome run = check("a");
+  fs::rename(outer, inner);
+  EXPECT_EQ(run.code, 3);
+  const std::vector<std::string> lines = linesOf(run.output);
+  ASSERT_GE(lines.size(), 17U);
+  std::size_t tooLong = 0;
+  for (const std::string& line : lines)
+    if (line.find("/tool.spt: sound") == std::string::npos) {
+      ++tooLong;
+      EXPECT_TRUE(line.ends_with("d: unreadable, cannot be opened: File name too long")) << line;
+    }
+  EXPECT_EQ(tooLong, 1U);
+}
+
 // ---- lists ---------------------------------------------------------------------------------------------
 
 TEST_F(Check, ListNamesAFileInEachLine) {
@@ -156,6 +198,7 @@ TEST_F(Check, ListNamesAFileInEachLine) {
     EXPECT_EQ(checkedBy("d/c.spt --files-from - <list"),
               (std::vector<std::string>{"d/c.spt", "a b.spt", "d/c.spt", "a b.spt"}));
   }
+  EXPECT_EQ(checkedBy("--files-from none --files-from list"), expected);
   EXPECT_EQ(check("--files-from none").code, 3);
   EXPECT_EQ(check("--files-from none").errors, "torvio: none: cannot be opened: No such file or directory\n");
 }
@@ -444,7 +487,7 @@ TEST_F(Check, NamesCannotAffectLinesOrTerminals) {
 TEST_F(Check, MisuseIsAnError) {
   for (const std::string arguments :
        {"", "--null x", "--jobs 0 x", "--jobs 1000 x", "--jobs x x", "--summary --no-summary x",
-        "--encoding nonsense x", "--only", "--ext", "--catalogue"}) {
+        "--encoding nonsense x", "--only", "--ext", "--catalogue", "-o - x"}) {
     const Outcome run = check(arguments);
     EXPECT_EQ(run.code, 2) << arguments;
     EXPECT_EQ(run.output, "") << arguments;

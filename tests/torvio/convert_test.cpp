@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -71,7 +73,7 @@ void expectReportOfWhatDiffers(const Bytes& saved, int from, int to) {
   const auto difference = differenceOf(kKind, before.record.get(), after.record.get());
   const convert::Report& report = converted.report;
   const bool isOtherDefault = std::any_of(report.notes.begin(), report.notes.end(), [](const std::string& note) {
-    return note.find("of which the new file has other defaults") != std::string::npos;
+    return note.find("is not in the old file; the new file has defaults") != std::string::npos;
   });
   ASSERT_EQ(report.losses.empty() && !isOtherDefault, !difference.has_value()) << difference.value_or("nothing");
 
@@ -138,7 +140,8 @@ TEST(Convert, VersionsThatNoSaveStoresAreRefusedWithThoseThatAre) {
     const convert::Converted converted = convert::convert(
         randomFile(one.kind, one.kind == FileKind::groupPart ? 160 : 80, 1).span(), one.kind, one.version, kAllowLoss);
     EXPECT_TRUE(converted.bytes.empty());
-    EXPECT_NE(converted.error.find("file is saved in version " + std::to_string(one.version)), std::string::npos);
+    EXPECT_NE(converted.error.find("file cannot be saved in version " + std::to_string(one.version)),
+              std::string::npos);
     EXPECT_NE(converted.error.find(one.versions), std::string::npos) << converted.error;
   }
 }
@@ -579,6 +582,42 @@ TEST_F(ConvertCommand, FullDiskLeavesNoFile) {
   if (std::filesystem::exists("/dev/full")) {
     EXPECT_EQ(convert(out_ + " --version 180 > /dev/full").code, 3);
   }
+}
+
+// examples/convert_file.sh
+TEST_F(ConvertCommand, ScriptKeepsNoResultOfAFileThatIsNowRefused) {
+  if (!kIsPosix || runShell("bash --version").code != 0) GTEST_SKIP() << "no bash";
+  namespace fs = std::filesystem;
+  const std::string from = folder_.path("from"), to = folder_.path("to"), file = from + "/tool.spt";
+  const std::string report = to + ".reports/tool.spt.json";
+  fs::create_directories(from);
+  const auto runScript = [&](const std::string& torvioFolder) {
+    return runShell("PATH=" + torvioFolder + ":$PATH bash " TORVIO_SOURCE "/examples/convert_file.sh 180 " + from +
+                    " " + to + " " + file);
+  };
+  const std::string tools = fs::path(TORVIO_COMMAND).parent_path().string();
+  // Each is newer than the report of the one before.
+  int age = 4;
+  const auto write = [&](const Bytes& bytes) {
+    folder_.write("from/tool.spt", bytes);
+    if (fs::exists(report)) fs::last_write_time(report, fs::file_time_type::clock::now() - std::chrono::hours(age--));
+  };
+  const Bytes sound = TempFolder::read(in_);
+  write(sound);
+  EXPECT_EQ(runScript(tools).code, 0);
+  EXPECT_TRUE(fs::exists(to + "/tool.spt"));
+  write(sound.cut(30));
+  EXPECT_EQ(runScript(tools).code, 0);
+  EXPECT_FALSE(fs::exists(to + "/tool.spt"));
+  EXPECT_NE(asText(TempFolder::read(report)).find("is damaged"), std::string::npos);
+
+  // A report that is lost is an error.
+  std::ofstream(folder_.path("torvio")) << "#!/bin/sh\necho new >\"$3\"\n";
+  fs::permissions(folder_.path("torvio"), fs::perms::owner_all);
+  write(sound);
+  const Outcome lost = runScript(folder_.path());
+  EXPECT_EQ(lost.code, 3);
+  EXPECT_EQ(lost.errors, "convert_file.sh: " + file + ": torvio convert printed no report\n");
 }
 
 TEST_F(ConvertCommand, OddNamesAreEscaped) {

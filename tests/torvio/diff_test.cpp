@@ -1002,8 +1002,12 @@ TEST_F(DiffCommand, ToleranceMakesThemTheSame) {
   EXPECT_EQ(torvio("diff " + a_ + ' ' + c).code, 1);
   EXPECT_EQ(torvio("diff --tolerance 0.5 " + a_ + ' ' + c).code, 0);
   EXPECT_EQ(torvio("diff --tolerance 1e-3 " + a_ + ' ' + c).code, 1);
+  EXPECT_EQ(torvio("diff --tolerance 1e300 " + a_ + ' ' + c).code, 0);
   for (const std::string bad : {"-1", "x", "nan", "inf", "1x", "''"})
     EXPECT_EQ(torvio("diff --tolerance=" + bad + ' ' + a_ + ' ' + c).code, 2) << bad;
+  EXPECT_EQ(torvio("diff --tolerance 1e308 " + a_ + ' ' + c).errors,
+            "torvio: diff: --tolerance requires a number from 0 to 1e300, not \"1e308\"\n"
+            "Try \"torvio diff --help\".\n");
 }
 
 TEST_F(DiffCommand, VersionIsGivenAsTheReason) {

@@ -439,7 +439,7 @@ TEST_F(FromJsonCommand, ReadsStandardInputAndSavesInAnotherVersion) {
   EXPECT_TRUE(TempFolder::read(out_) == saved(tool_, 110));
   const Outcome refused = torvio("from-json --version 51 -o " + out_ + " < " + json_);
   EXPECT_EQ(refused.code, 1);
-  EXPECT_EQ(refused.errors, "torvio: standard input: no special-tool file is saved in version 51\n");
+  EXPECT_EQ(refused.errors, "torvio: standard input: a special-tool file cannot be saved in version 51\n");
   EXPECT_EQ(torvio("from-json --version 40000 -o " + out_ + " < " + json_).code, 2);
   EXPECT_EQ(torvio("from-json --version x -o " + out_ + " < " + json_).code, 2);
   EXPECT_EQ(torvio("from-json < " + json_).code, 2);
@@ -468,6 +468,45 @@ TEST_F(FromJsonCommand, SheetThatNoSaveCanStoreIsRefused) {
   EXPECT_EQ(run.code, 1);
   EXPECT_NE(run.errors.find("blocks: "), std::string::npos) << run.errors;
   EXPECT_FALSE(std::filesystem::exists(out_));
+}
+
+TEST_F(FromJsonCommand, PartIsNotSavedAsWhatALoadMisreads) {
+  const std::string part = folder_.write("a.part", partFile(180)), json = folder_.path("a.json");
+  ASSERT_EQ(torvio("json " + part + " -o " + json).code, 0);
+  for (const int version : {2, 3, 5}) {
+    const Outcome run = torvio("from-json " + json + " -o " + out_ + " --version " + std::to_string(version));
+    EXPECT_EQ(run.code, 1) << version;
+    EXPECT_EQ(run.errors,
+              "torvio: " + json + ": a part file cannot be saved in version " + std::to_string(version) + "\n");
+    EXPECT_FALSE(std::filesystem::exists(out_));
+  }
+  EXPECT_EQ(torvio("from-json " + json + " -o " + out_ + " --version 52").errors, "");
+}
+
+TEST_F(FromJsonCommand, FileThatNoLoadReadsToItsEndIsReported) {
+  const std::string sheet = folder_.path("a.sheet"), json = folder_.path("a.json"), fixed = folder_.path("b.sheet");
+  OldSheet record;
+  record.textEntries.resize(3);
+  const std::string text = values::jsonOf<FileKind::sheet>(record, 112);
+  folder_.write("a.json", Bytes::of(std::as_bytes(std::span(text))));
+  const Outcome run = torvio("from-json " + json + " -o " + sheet);
+  EXPECT_EQ(run.code, 0);
+  EXPECT_EQ(run.errors.find("torvio: " + sheet + ": a load does not read this file to its end: "), 0U) << run.errors;
+  EXPECT_TRUE(run.errors.ends_with("; \"torvio convert --version 112\" fixes it\n")) << run.errors;
+  // The bytes are those of the save.
+  EXPECT_TRUE(TempFolder::read(sheet) == Bytes::of(values::saveRecord<FileKind::sheet>(record, 112).bytes));
+  EXPECT_EQ(torvio("convert --version 112 " + sheet + " " + fixed).code, 0);
+  EXPECT_EQ(torvio("check " + fixed).output.find(fixed + ": sound, sheet, version 112"), 0U);
+  for (const int version : {152, 180})
+    EXPECT_EQ(torvio("from-json " + json + " -o " + sheet + " --version " + std::to_string(version)).errors, "");
+}
+
+TEST_F(FromJsonCommand, StandardInputIsNotReplaced) {
+  const std::string before = asText(TempFolder::read(json_));
+  const Outcome run = torvio("from-json -o " + json_ + " < " + json_);
+  EXPECT_EQ(run.code, 2);
+  EXPECT_NE(run.errors.find("\" is both a file to read and the output\n"), std::string::npos) << run.errors;
+  EXPECT_EQ(asText(TempFolder::read(json_)), before);
 }
 
 TEST_F(FromJsonCommand, FoldersLinksAndDevicesAreNotReplaced) {

@@ -299,6 +299,9 @@ TEST(Infos, OfOtherFilesAreTheirVerdict) {
   const Info foreign = infoOf("x", Bytes().raw({0xFF, 0xFF, 1}).span(), {}, {});
   EXPECT_EQ(foreign.verdict, Verdict::foreign);
   EXPECT_TRUE(foreign.facts.empty() && foreign.tables.empty());
+  // Its first bytes are no version.
+  const Info text = infoOf("x", Bytes().text(20, "hi, this is a note").span(), {}, {});
+  EXPECT_EQ(infoText("x", text, 40), "x\n  verdict  foreign\n");
   const Info refused = infoOfKind(Bytes().i16(499).zeros(1000), explain::FileKind::sheet);
   EXPECT_EQ(refused.verdict, Verdict::refusedVersion);
   EXPECT_TRUE(refused.facts.empty() && refused.tables.empty());

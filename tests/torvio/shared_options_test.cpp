@@ -62,6 +62,37 @@ TEST_F(SharedOptions, NoCommandReplacesTheFileThatItReads) {
     }
 }
 
+TEST_F(SharedOptions, EmptyValuesAreRefusedAndReplaceNothing) {
+  const std::string before = asText(TempFolder::read(tool_));
+  const auto expectRefusal = [&](const std::string& command, const std::string& arguments, const std::string& option) {
+    const Outcome run = torvio(command + " " + arguments + " " + tool_ + " " + tool_);
+    EXPECT_EQ(run.code, 2) << command << " " << arguments;
+    EXPECT_EQ(run.output, "") << command << " " << arguments;
+    EXPECT_EQ(run.errors,
+              "torvio: " + command + ": " + option + " has an empty value\nTry \"torvio " + command + " --help\".\n");
+    EXPECT_EQ(asText(TempFolder::read(tool_)), before) << command << " " << arguments;
+  };
+  // The next argument is not the value.
+  for (const std::string command : {"json", "map", "draw", "from-json", "format", "schema"})
+    expectRefusal(command, "--output=", "--output");
+  expectRefusal("draw", "--html --output=", "--output");
+  for (const std::string option : {"--catalogue", "--files-from", "--kind", "--only", "--json"})
+    expectRefusal("check", option + "=", option);
+  expectRefusal("diff", "--part=", "--part");
+  expectRefusal("map", "--find=", "--find");
+  EXPECT_EQ(torvio("--none= " + tool_).errors, "torvio: --none has an empty value\nTry \"torvio --help\".\n");
+
+  expectRefusal("draw", "--html -o \"\"", "--output");
+  expectRefusal("draw", "--html --output \"\"", "--output");
+  expectRefusal("check", "-o \"\"", "--catalogue");
+  expectRefusal("check", "--files-from \"\"", "--files-from");
+  expectRefusal("diff", "--part \"\"", "--part");
+
+  // After "--" it is the name of a file.
+  EXPECT_EQ(torvio("check -- --output=").output,
+            "--output=: unreadable, cannot be opened: No such file or directory\n");
+}
+
 TEST_F(SharedOptions, DocumentsAreWrittenToTheOutput) {
   for (const std::string& arguments :
        {std::string("format macro"), std::string("format sheet --as kaitai"), std::string("format shape"),
@@ -79,6 +110,74 @@ TEST_F(SharedOptions, DocumentsAreWrittenToTheOutput) {
         << nowhere.errors;
     std::filesystem::remove(out);
   }
+}
+
+TEST_F(SharedOptions, LostOutputIsAnErrorWhateverElseIsReported) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device";
+  const std::string damaged = folder_.write("damaged.spt", specialToolFile(60, {3}).cut(20));
+  for (const std::string& arguments :
+       {"convert --json " + damaged + " out --version 60", "convert " + damaged + " out --version 60",
+        "json " + damaged, "json --pretty " + damaged, "map " + damaged, "diff " + damaged + " " + damaged,
+        "check " + damaged, "info " + damaged}) {
+    const Outcome run = torvio(arguments + " >/dev/full");
+    EXPECT_EQ(run.code, 3) << arguments;
+    const std::string error = "torvio: cannot write the output: No space left on device\n";
+    EXPECT_TRUE(run.errors.ends_with(error)) << arguments << ": " << run.errors;
+    EXPECT_EQ(run.errors.find(error), run.errors.rfind(error)) << arguments << ": " << run.errors;
+  }
+  EXPECT_FALSE(std::filesystem::exists("out"));
+}
+
+TEST_F(SharedOptions, HyphenIsStandardOutputOrRefused) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  const std::string inFolder = "cd " + folder_.path() + " && " + TORVIO_COMMAND + " ";
+  EXPECT_EQ(runShell(inFolder + "json tool.abc --ext special-tool=.abc -o tool.json").code, 0);
+  EXPECT_EQ(runShell(inFolder + "from-json tool.json -o out.spt").code, 0);
+  const Outcome printed = runShell(inFolder + "from-json tool.json -o -");
+  EXPECT_EQ(printed.code, 0) << printed.errors;
+  EXPECT_EQ(printed.output, asText(TempFolder::read(folder_.path("out.spt"))));
+  EXPECT_EQ(runShell(inFolder + "from-json tool.json -o - >/dev/full").code, 3);
+
+  for (const std::string command : {"convert --version 60", "recover"}) {
+    const Outcome run = runShell(inFolder + command + " tool.abc -");
+    EXPECT_EQ(run.code, 2) << command;
+    EXPECT_EQ(run.output, "");
+    EXPECT_NE(run.errors.find(": OUT cannot be -, since the report is printed; \"./-\" is a file of that name\n"),
+              std::string::npos)
+        << run.errors;
+  }
+  const Outcome catalogue = runShell(inFolder + "check tool.abc -o -");
+  EXPECT_EQ(catalogue.code, 2);
+  EXPECT_EQ(catalogue.errors.find("torvio: check: a catalogue cannot be -; \"./-\" is a file of that name\n"), 0U)
+      << catalogue.errors;
+  EXPECT_FALSE(std::filesystem::exists(folder_.path("-")));
+  EXPECT_EQ(runShell(inFolder + "convert --allow-loss --version 60 --ext special-tool=.abc tool.abc ./-").code, 0);
+  EXPECT_TRUE(std::filesystem::exists(folder_.path("-")));
+}
+
+TEST_F(SharedOptions, SignalLeavesNoUnfinishedFile) {
+  if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
+  for (const std::string signal : {"TERM", "HUP"}) {
+    const TempFolder folder;
+    // The page is begun when torvio waits for the pipe.
+    const Outcome run = runShell("cd " + folder.path() + "; mkfifo in; " + TORVIO_COMMAND +
+                                 " draw --html in -o out.html & pid=$!; for i in $(seq 200); do"
+                                 " [ -e " +
+                                 folder.path() +
+                                 "/.torvio-*.tmp ] && echo begun && break; sleep 0.05; done;"
+                                 " kill -" +
+                                 signal + " $pid; wait $pid; echo $?; ls -A " + folder.path());
+    EXPECT_EQ(run.output, std::string("begun\n") + (signal == "TERM" ? "143" : "129") + "\nin\n") << run.errors;
+  }
+}
+
+TEST_F(SharedOptions, UsageShowsRequiredOptions) {
+  EXPECT_NE(torvio("convert --help").output.find("\nUsage: torvio convert [OPTIONS] --version VERSION IN [OUT]\n"),
+            std::string::npos)
+      << torvio("convert --help").output;
+  EXPECT_NE(torvio("from-json --help").output.find("\nUsage: torvio from-json [OPTIONS] --output OUT [IN]\n"),
+            std::string::npos);
+  EXPECT_NE(torvio("check --help").output.find("\nUsage: torvio check [OPTIONS] [PATH...]\n"), std::string::npos);
 }
 
 TEST_F(SharedOptions, FileNameThatBeginsWithAHyphenIsExplained) {

@@ -11,7 +11,7 @@ std::optional<Batch> Batches::next() {
   while (weight < bytes_ && batch.files.size() < kMostFiles && batch.ready.size() < kMostFiles) {
     auto file = names_->next();
     if (!file) break;
-    if (!file->isNamed && options_.isExcluded && options_.isExcluded(file->path)) continue;
+    if (isExcluded(*file, options_)) continue;
     FileResult measured = measure(*file);
     if (auto result = withoutReading(measured, options_)) {
       batch.ready.push_back(std::move(*result));

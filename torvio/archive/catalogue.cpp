@@ -1,6 +1,7 @@
 #include "torvio/archive/catalogue.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -195,6 +196,7 @@ class Catalogue::Database {
         open();
         prepare();
         beginRun(settings);
+        setIdentities();
         break;
       } catch (const DatabaseIsBusy&) {
         close();
@@ -250,9 +252,10 @@ class Catalogue::Database {
 
   bool isOwnFile(const std::string& path) const {
     const std::string own = cataloguePath(path);
-    if (!own.starts_with(ownPath_)) return false;
-    const std::string_view rest = std::string_view(own).substr(ownPath_.size());
-    return rest.empty() || rest == "-wal" || rest == "-shm" || rest == "-journal";
+    const auto hasName = [&](const char* suffix) { return own == ownPath_ + suffix; };
+    if (std::any_of(kSuffixes.begin(), kSuffixes.end(), hasName)) return true;
+    const auto identity = identityOf(path);
+    return identity && std::find(identities_.begin(), identities_.end(), *identity) != identities_.end();
   }
 
   // Results are collected and written together: other processes can write between two transactions, but not during one.
@@ -299,6 +302,8 @@ class Catalogue::Database {
   using Statement = sqlite3_stmt*;
   using Clock = std::chrono::steady_clock;
   static constexpr std::chrono::milliseconds kShortestPause{5}, kLongestPause{100};
+  // Of the files that SQLite keeps beside a database.
+  static constexpr std::array<const char*, 4> kSuffixes{"", "-wal", "-shm", "-journal"};
 
   // Another process had the database locked for as long as this one waits.
   class DatabaseIsBusy : public CatalogueError {
@@ -412,6 +417,13 @@ class Catalogue::Database {
       if (result != SQLITE_BUSY) return;
       std::this_thread::sleep_for(std::chrono::milliseconds(random() % 20));
     }
+  }
+
+  // The files stay the same ones while the database is open. If the path is a link, SQLite keeps them beside its target.
+  void setIdentities() {
+    const std::string path = sqlite3_db_filename(database_, "main");
+    for (const char* const suffix : kSuffixes)
+      if (const auto identity = identityOf(path + suffix)) identities_.push_back(*identity);
   }
 
   void prepare() {
@@ -576,6 +588,7 @@ class Catalogue::Database {
   }
 
   const std::string path_, ownPath_;
+  std::vector<FileIdentity> identities_;  // of its files
   std::mutex mutex_;
   sqlite3* database_ = nullptr;
   std::vector<Statement> statements_;

@@ -38,7 +38,8 @@ class Catalogue {
 
   // What is known of the file of that path, if it has the same size and time. May be called from any thread.
   std::optional<FileResult> find(const FileResult& file) const;
-  // Whether the path is the catalogue itself or a file that SQLite keeps beside it. May be called from any thread.
+  // Whether this is the catalogue itself or a file that SQLite keeps beside it, by any path. Such a file must not be
+  // opened: SQLite would lose its locks when it is closed. May be called from any thread.
   bool isOwnFile(const std::string& path) const;
 
   // Replaces what is known of that path.

@@ -17,6 +17,13 @@ bool existsFile(const std::string& name);
 bool isFolder(const std::string& name);
 // Whether two names refer to the same file or folder.
 bool isSameFile(const std::string& one, const std::string& other);
+// What no other file or folder has at the same time, whatever its name is.
+struct FileIdentity {
+  std::uint64_t device = 0, number = 0;
+  bool operator==(const FileIdentity&) const = default;
+};
+std::optional<FileIdentity> identityOf(const std::string& name);
+std::optional<FileIdentity> identityOf(std::FILE* file);
 // The name after the last folder.
 std::string lastName(const std::string& path);
 
@@ -41,6 +48,7 @@ class FolderEntries {
   struct Entry {
     std::string name;
     Type type = Type::other;
+    std::error_code error;  // why the type is not known
   };
 
   // Sets the error if the folder cannot be opened.

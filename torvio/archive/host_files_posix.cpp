@@ -1,4 +1,6 @@
 #if !defined(_WIN32)
+#include <sys/stat.h>
+
 #include <chrono>
 #include <filesystem>
 
@@ -25,6 +27,17 @@ bool isSameFile(const std::string& one, const std::string& other) {
   return fs::equivalent(one, other, error) && !error;
 }
 
+std::optional<FileIdentity> identityOf(const std::string& name) {
+  struct stat info {};
+  if (::stat(name.c_str(), &info) != 0) return std::nullopt;
+  return FileIdentity{info.st_dev, info.st_ino};
+}
+std::optional<FileIdentity> identityOf(std::FILE* file) {
+  struct stat info {};
+  if (::fstat(::fileno(file), &info) != 0) return std::nullopt;
+  return FileIdentity{info.st_dev, info.st_ino};
+}
+
 std::string lastName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
 std::optional<FileMeasures> measuresOf(const std::string& name) {
@@ -46,12 +59,14 @@ struct FolderEntries::Search {
 
 namespace {
 
-FolderEntries::Type typeOf(const fs::directory_entry& entry) {
-  std::error_code error;
+FolderEntries::Type typeOf(const fs::directory_entry& entry, std::error_code& error) {
   fs::file_type type = entry.symlink_status(error).type();
+  // Removed since it was listed.
+  if (type == fs::file_type::not_found) error.clear();
   if (type == fs::file_type::directory) return FolderEntries::Type::folder;
   if (type == fs::file_type::symlink) {
-    type = entry.status(error).type();
+    std::error_code ofTarget;
+    type = entry.status(ofTarget).type();
     // The target does not exist, or the link leads to itself: reported, not skipped.
     if (type == fs::file_type::not_found || type == fs::file_type::none) type = fs::file_type::regular;
   }
@@ -70,7 +85,8 @@ FolderEntries::~FolderEntries() = default;
 std::optional<FolderEntries::Entry> FolderEntries::next(std::error_code& error) {
   if (!search_) return std::nullopt;
   const fs::directory_entry& found = *search_->at;
-  Entry entry{found.path().filename().string(), typeOf(found)};
+  Entry entry{found.path().filename().string(), Type::other, {}};
+  entry.type = typeOf(found, entry.error);
   search_->at.increment(error);
   if (search_->at == fs::directory_iterator()) search_.reset();
   return entry;

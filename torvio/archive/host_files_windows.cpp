@@ -1,4 +1,5 @@
 #if defined(_WIN32)
+#include <io.h>
 #include <windows.h>
 
 #include <cerrno>
@@ -19,6 +20,14 @@ std::error_code lastError() {
   return {condition.value(), std::generic_category()};
 }
 
+std::optional<BY_HANDLE_FILE_INFORMATION> informationOf(HANDLE handle) {
+  BY_HANDLE_FILE_INFORMATION found{};
+  if (handle == INVALID_HANDLE_VALUE || ::GetFileType(handle) != FILE_TYPE_DISK ||
+      ::GetFileInformationByHandle(handle, &found) == 0)
+    return std::nullopt;
+  return found;
+}
+
 class Handle {
  public:
   // For the attributes of a file or folder.
@@ -32,13 +41,7 @@ class Handle {
     if (handle_ != INVALID_HANDLE_VALUE) (void)::CloseHandle(handle_);
   }
 
-  std::optional<BY_HANDLE_FILE_INFORMATION> information() const {
-    BY_HANDLE_FILE_INFORMATION found{};
-    if (handle_ == INVALID_HANDLE_VALUE || ::GetFileType(handle_) != FILE_TYPE_DISK ||
-        ::GetFileInformationByHandle(handle_, &found) == 0)
-      return std::nullopt;
-    return found;
-  }
+  std::optional<BY_HANDLE_FILE_INFORMATION> information() const { return informationOf(handle_); }
 
  private:
   HANDLE handle_;
@@ -49,6 +52,10 @@ bool isFolder(const BY_HANDLE_FILE_INFORMATION& about) {
 }
 
 std::uint64_t joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32U | low; }
+
+FileIdentity identityIn(const BY_HANDLE_FILE_INFORMATION& about) {
+  return {about.dwVolumeSerialNumber, joined(about.nFileIndexHigh, about.nFileIndexLow)};
+}
 
 }  // namespace
 
@@ -76,6 +83,16 @@ bool isSameFile(const std::string& one, const std::string& other) {
   const auto a = first.information(), b = second.information();
   return a && b && a->dwVolumeSerialNumber == b->dwVolumeSerialNumber && a->nFileIndexHigh == b->nFileIndexHigh &&
          a->nFileIndexLow == b->nFileIndexLow;
+}
+
+std::optional<FileIdentity> identityOf(const std::string& name) {
+  const Handle file(name);
+  const auto about = file.information();
+  return about ? std::optional(identityIn(*about)) : std::nullopt;
+}
+std::optional<FileIdentity> identityOf(std::FILE* file) {
+  const auto about = informationOf(reinterpret_cast<HANDLE>(::_get_osfhandle(::_fileno(file))));
+  return about ? std::optional(identityIn(*about)) : std::nullopt;
 }
 
 std::string lastName(const std::string& path) { return path.substr(path.find_last_of("/\\:") + 1); }
@@ -130,7 +147,7 @@ std::optional<FolderEntries::Entry> FolderEntries::next(std::error_code& error) 
   while (search_) {
     const std::wstring_view name = search_->found.cFileName;
     const bool isEntry = name != L"." && name != L"..";
-    Entry entry{narrowName(name), typeOf(search_->found)};
+    Entry entry{narrowName(name), typeOf(search_->found), {}};
     if (::FindNextFileW(search_->handle, &search_->found) == 0) {
       if (::GetLastError() != ERROR_NO_MORE_FILES) error = lastError();
       search_.reset();

@@ -419,8 +419,9 @@ Info unreadableInfo(std::string_view reason) {
 std::string infoText(std::string_view name, const Info& info, std::size_t mostRows) {
   std::vector<std::pair<std::string, std::string>> lines;
   std::string kind = info.kind;
-  if (info.version) kind.append(kind.empty() ? "version " : ", version ").append(std::to_string(*info.version));
-  if (!kind.empty()) lines.emplace_back("kind", kind);
+  // Of a foreign file the first two bytes are no version.
+  if (info.version) kind.append(", version ").append(std::to_string(*info.version));
+  if (!info.kind.empty()) lines.emplace_back("kind", kind);
   lines.emplace_back("verdict", std::string(nameOf(info.verdict)) + (info.remark.empty() ? "" : ", " + info.remark));
   for (const InfoFact& fact : info.facts) lines.emplace_back(fact.label, fact.text);
   std::size_t width = 0;

@@ -39,9 +39,20 @@ class FileNames::Folder {
 
   const std::string& error() const { return error_; }
 
-  // The next file, and the next folder; nothing after the last one that was read.
-  std::optional<std::string> nextFile() { return take(files_); }
-  std::optional<std::string> nextFolder() { return take(folders_); }
+  // The next file; else the next folder.
+  std::optional<FoundFile> nextFile() {
+    if (files_.empty()) return std::nullopt;
+    const File file = std::move(files_.back());
+    files_.pop_back();
+    if (!file.error) return FoundFile{path_ + file.name, false, {}, false};
+    return FoundFile{path_ + file.name, false, "cannot be opened: " + inWords(file.error), true};
+  }
+  std::optional<std::string> nextFolder() {
+    if (folders_.empty()) return std::nullopt;
+    std::string path = path_ + folders_.back();
+    folders_.pop_back();
+    return path;
+  }
   // Reads more names; call it after all others were taken. False at the end.
   bool readMore() {
     files_.clear();
@@ -51,11 +62,11 @@ class FileNames::Folder {
       const auto entry = entries_->next(error);
       if (error) error_ = "cannot be read to its end: " + inWords(error);
       if (!entry) break;
-      if (entry->type == FolderEntries::Type::file) files_.push_back(entry->name);
+      if (entry->type == FolderEntries::Type::file || entry->error) files_.push_back({entry->name, entry->error});
       if (entry->type == FolderEntries::Type::folder) folders_.push_back(entry->name);
     }
     // The next name is taken from the back.
-    std::sort(files_.begin(), files_.end(), std::greater<>());
+    std::sort(files_.begin(), files_.end(), [](const File& a, const File& b) { return a.name > b.name; });
     std::sort(folders_.begin(), folders_.end(), std::greater<>());
     return !files_.empty() || !folders_.empty() || !entries_->isAtEnd();
   }
@@ -63,17 +74,16 @@ class FileNames::Folder {
   const std::string& path() const { return path_; }
 
  private:
-  std::optional<std::string> take(std::vector<std::string>& names) const {
-    if (names.empty()) return std::nullopt;
-    std::string path = path_ + names.back();
-    names.pop_back();
-    return path;
-  }
+  struct File {
+    std::string name;
+    std::error_code error;  // why it is not known whether it is a file
+  };
 
   std::string path_;
   std::string error_;
   std::optional<FolderEntries> entries_;
-  std::vector<std::string> files_, folders_;
+  std::vector<File> files_;
+  std::vector<std::string> folders_;
 };
 
 FileNames::FileNames(std::vector<std::string> paths) : paths_(std::move(paths)) {}
@@ -93,7 +103,7 @@ std::optional<FoundFile> FileNames::next() {
       continue;
     }
     Folder& folder = *folders_.back();
-    if (auto file = folder.nextFile()) return FoundFile{std::move(*file), false, {}, false};
+    if (auto file = folder.nextFile()) return file;
     if (auto inner = folder.nextFolder()) {
       if (auto failed = enter(*inner, false)) return failed;
       continue;
@@ -155,6 +165,10 @@ constexpr std::uint64_t kLargeFile = 64U << 20U;
 std::mutex largeFiles;
 
 }  // namespace
+
+bool isExcluded(const FoundFile& file, const ScanOptions& options) {
+  return file.error.empty() && options.isExcluded && options.isExcluded(file.path);
+}
 
 FileResult measure(const FoundFile& file) {
   FileResult result;
@@ -283,7 +297,7 @@ class Pipeline {
     std::exception_ptr error;
     try {
       do file = names_->next();
-      while (file && !file->isNamed && options_.isExcluded && options_.isExcluded(file->path));
+      while (file && isExcluded(*file, options_));
     } catch (...) {
       error = std::current_exception();
     }
@@ -329,7 +343,7 @@ class Pipeline {
 
 void scanAlone(FileNames& names, const ScanOptions& options, const std::function<void(FileResult&)>& take) {
   while (const auto file = names.next()) {
-    if (!file->isNamed && options.isExcluded && options.isExcluded(file->path)) continue;
+    if (isExcluded(*file, options)) continue;
     FileResult result = examine(*file, options);
     take(result);
   }

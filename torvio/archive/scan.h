@@ -18,7 +18,7 @@ namespace oldtorvio::archive {
 struct FoundFile {
   std::string path;
   bool isNamed = true;  // by the caller, not found in a folder
-  std::string error;    // why a folder cannot be read, or a name is not a file name
+  std::string error;    // why a folder, or what may be one, cannot be read, or a name is not a file name
   bool isFolder = false;
 };
 
@@ -64,9 +64,12 @@ struct ScanOptions : ExamineOptions {
   // Called from several threads with path, time and size of a regular file; returns what an earlier run found, if
   // anything. The file is then not read.
   std::function<std::optional<FileResult>(const FileResult&)> known;
-  // Called from several threads: whether to skip a file that was found in a folder.
+  // Called from several threads: whether to skip a file.
   std::function<bool(const std::string&)> isExcluded;
 };
+
+// Whether a scan skips the file.
+bool isExcluded(const FoundFile& file, const ScanOptions& options);
 
 // What is known before a file is read: name, size and time, or why it cannot be one. The verdict is not yet set.
 FileResult measure(const FoundFile& file);

@@ -308,9 +308,9 @@ std::optional<Warning> traceOfSave(std::span<const std::byte> bytes, const expla
   const auto surplus = convert::surplusOf(bytes, explain::FileKind::sheet, report);
   if (!surplus) return std::nullopt;
   return Warning{"saved-below-152", "machine",
-                 "Without " + std::to_string(surplus->size) + (surplus->size == 1 ? " byte" : " bytes") +
-                     " after the machine the file ends where it should: a save or an edit below version 152 stores as "
-                     "many there, which no load expects"};
+                 std::to_string(surplus->size) + (surplus->size == 1 ? " surplus byte" : " surplus bytes") +
+                     " after the machine, as a save or an edit below version 152 writes " +
+                     (surplus->size == 1 ? "it" : "them")};
 }
 
 }  // namespace oldtorvio::archive

@@ -215,9 +215,11 @@ class CheckCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("check", "Judge files and folders: a line for each file");
     addFiles(*command, "PATH", paths_, "Files, and folders with all that is in them");
-    addFile(*command, "--files-from", list_, "Also check the files that FILE lists, one per line; - is standard input")
-        ->type_name("FILE");
-    command->add_flag("--null", isNullSeparated_, "With --files-from: names end with a NUL, not a newline")
+    addFile(*command, "--files-from", list_,
+            "Also check the files that FILE lists, one per line; - is standard input")
+        ->type_name("FILE")
+        ->take_last();
+    command->add_flag("--null", isNullSeparated_, "With --files-from: names end with NUL, not with a newline")
         ->needs("--files-from");
     addJudging(*command, judge_);
     command->add_option("--only", only_, "Print only files with this verdict; may be repeated")
@@ -244,6 +246,7 @@ class CheckCommand : public Command {
     if (paths_.empty() && list_.empty()) {
       return usageError("check", "PATH is required");
     }
+    if (catalogue_ == "-") return usageError("check", "a catalogue cannot be -; \"./-\" is a file of that name");
     ListFile list(list_);
     if (!list.error().empty()) {
       printError(onOneLine(list_) + ": cannot be opened: " + list.error());
@@ -281,8 +284,8 @@ class CheckCommand : public Command {
 
   static std::string help() {
     return "A line has the verdict, kind, version, the status that a load returns, the bytes\n"
-           "that it reads, where a damaged file breaks, and warnings about values in a\n"
-           "sound structure.\n"
+           "that it reads, where a damaged file breaks, and warnings of values that are\n"
+           "suspicious although the file is sound.\n"
            "\n"
            "In a folder, links to folders, pipes and devices are skipped; links to files\n"
            "are not. A PATH may be a pipe. A file of more than " +

@@ -186,8 +186,12 @@ bool isPageName(const std::string& output) { return output.ends_with(".html") ||
 
 bool isInputToo(const std::string& command, const std::string& output, const std::vector<std::string>& inputs) {
   if (output.empty() || output == "-") return false;
-  if (std::none_of(inputs.begin(), inputs.end(), [&](const std::string& input) { return isSameFile(input, output); }))
-    return false;
+  const auto isOutput = [&](const std::string& input) {
+    if (!input.empty()) return isSameFile(input, output);
+    const auto identity = oldtorvio::archive::identityOf(stdin);
+    return identity && identity == oldtorvio::archive::identityOf(output);
+  };
+  if (std::none_of(inputs.begin(), inputs.end(), isOutput)) return false;
   (void)usageError(command, inQuotes(output) + " is both a file to read and the output");
   return true;
 }

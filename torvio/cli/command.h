@@ -89,7 +89,8 @@ bool takesFile(const CLI::Option& option);
 ExitCode writeOutput(const std::string& output, const std::function<ExitCode(OutputText&)>& write);
 // Whether an output of that name is an HTML page.
 bool isPageName(const std::string& output);
-// Whether the output is one of the files that are read. If so, prints that as an error of that command.
+// Whether the output is one of the files that are read; "" is standard input. If so, prints that as an error of that
+// command.
 bool isInputToo(const std::string& command, const std::string& output, const std::vector<std::string>& inputs);
 // Prints an error of the command line, found when a command runs.
 ExitCode usageError(const std::string& command, const std::string& error);

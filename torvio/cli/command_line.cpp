@@ -1,6 +1,9 @@
 #include "torvio/cli/command_line.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "torvio/archive/host_files.h"
@@ -15,6 +18,14 @@ constexpr std::size_t kFirstColumn = 16;
 // Omits "TEXT REQUIRED" and the like: the usage line shows what is required.
 class HelpFormatter : public CLI::Formatter {
  public:
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    constexpr std::string_view kOptions = "[OPTIONS]";
+    std::string usage = CLI::Formatter::make_usage(app, std::move(name));
+    for (const CLI::Option* option : app->get_options())
+      if (!option->get_positional() && option->get_required())
+        usage.insert(usage.find(kOptions) + kOptions.size(), " " + option->get_name() + " " + valueName(*option));
+    return usage;
+  }
   std::string make_option_opts(const CLI::Option* option) const override {
     return option->get_positional() || option->get_type_size() == 0 ? "" : " " + valueName(*option);
   }
@@ -31,6 +42,20 @@ void describe(CLI::App& app) {
   app.formatter(formatter);
   app.allow_windows_style_options(false);
   app.set_help_flag("-h,--help", "Print this help and exit");
+}
+
+ExitCode usageErrorOfTool(const std::string& error) {
+  printError(error + "\nTry \"torvio --help\".");
+  return kUsageError;
+}
+
+// CLI11 takes the next argument as the value of "--output=".
+constexpr const char* kEmptyValue = " has an empty value";
+bool hasEmptyValue(const std::string& argument) {
+  return argument.starts_with("--") && argument.find('=') == argument.size() - 1;
+}
+CLI::Validator isNotEmpty(const std::string& name) {
+  return {[name](const std::string& value) { return value.empty() ? name + kEmptyValue : std::string(); }, ""};
 }
 
 std::vector<std::string> namesOf(const std::vector<const CLI::App*>& commands) {
@@ -83,6 +108,8 @@ void CommandLine::add(Command& command) {
   CLI::App* const added = command.addTo(app_);
   describe(*added);
   added->group("Commands");
+  for (CLI::Option* option : added->get_options())
+    if (!option->get_positional() && option->get_type_size() > 0) option->check(isNotEmpty(option->get_name()));
   added->callback([this, runs = &command] { chosen_ = runs; });
 }
 
@@ -95,6 +122,8 @@ ExitCode CommandLine::run(int argc, char** argv) {
     (void)std::fputs(app_.help().c_str(), stderr);
     return kUsageError;
   }
+  for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i)
+    if (const std::string argument = argv[i]; hasEmptyValue(argument)) return emptyValue(argument, argv[1]);
   // CLI11 expects them in reverse order.
   std::vector<std::string> arguments;
   for (int i = argc - 1; i > 0; --i) arguments.push_back(marked(argv[i]));
@@ -129,6 +158,14 @@ std::string CommandLine::withoutValue(const std::string& error) const {
   return error;
 }
 
+// Of an argument "--output=" after that command.
+ExitCode CommandLine::emptyValue(const std::string& argument, const std::string& command) const {
+  const std::string error = onOneLine(argument.substr(0, argument.size() - 1)) + kEmptyValue;
+  const std::vector<std::string> names = namesOf(commands());
+  if (std::find(names.begin(), names.end(), command) != names.end()) return usageError(command, error);
+  return usageErrorOfTool(error);
+}
+
 ExitCode CommandLine::wrongArguments(std::string error) const {
   const auto chosen = app_.get_subcommands();
   const bool isAboutCommand = !chosen.empty() && app_.remaining().empty();
@@ -145,9 +182,7 @@ ExitCode CommandLine::wrongArguments(std::string error) const {
   } else if (chosen.empty()) {
     error = "a command is required\n" + wrapped("Commands", namesOf(commands()));
   }
-  if (isAboutCommand) return usageError(command, error);
-  printError(error + "\nTry \"torvio --help\".");
-  return kUsageError;
+  return isAboutCommand ? usageError(command, error) : usageErrorOfTool(error);
 }
 
 }  // namespace torvio

@@ -25,6 +25,7 @@ class CommandLine {
  private:
   void add(Command& command);
   std::string withoutValue(const std::string& error) const;
+  ExitCode emptyValue(const std::string& argument, const std::string& command) const;
   ExitCode wrongArguments(std::string error) const;
 
   CLI::App app_;

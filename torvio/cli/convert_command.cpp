@@ -15,12 +15,12 @@ class ConvertCommand : public NewFileCommand {
  public:
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("convert", "Save a file in another version, and report what that loses");
-    addShared(*command);
     command->add_option("--version", version_, "The version of the new file")
         ->type_name("VERSION")
         ->required()
         ->take_last()
         ->check(inRange(0, int{std::numeric_limits<std::int16_t>::max()}));
+    addShared(*command);
     command->add_flag("--allow-loss", options_.allowLoss, "Make the new file even if something is lost or changed");
     command->footer(
         "The report lists each member that the new version cannot store, or stores with\n"
@@ -56,7 +56,7 @@ class ConvertCommand : public NewFileCommand {
     if (report.from) summary += " of version " + std::to_string(*report.from);
     summary += " to version " + std::to_string(version_);
     if (!converted.bytes.empty() && report.isComplete()) summary += ", nothing is lost";
-    if (!converted.error.empty() && report.newSize > 0) converted.error += "; --allow-loss makes it all the same";
+    if (!converted.error.empty() && report.newSize > 0) converted.error += "; --allow-loss writes it anyway";
     return {std::move(converted.bytes), std::move(converted.report), std::move(converted.error), std::move(summary)};
   }
 

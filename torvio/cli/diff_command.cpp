@@ -176,7 +176,8 @@ class DiffCommand : public Command {
                      "Compare this part of a sheet or group part file, by its name or its position, from 0")
         ->type_name("PART")
         ->take_last();
-    command->add_option("--tolerance", options_.tolerance, "Real numbers that differ by no more are the same")
+    command
+        ->add_option("--tolerance", options_.tolerance, "Real numbers that differ by no more are the same (0 to 1e300)")
         ->type_name("NUMBER")
         ->take_last()
         ->check(isTolerance());
@@ -224,7 +225,7 @@ class DiffCommand : public Command {
               const bool isNumber = CLI::detail::lexical_cast(text, value);
               return isNumber && value >= 0 && value <= 1e300
                          ? std::string()
-                         : "--tolerance requires a number that is not negative, not " + inQuotes(text);
+                         : "--tolerance requires a number from 0 to 1e300, not " + inQuotes(text);
             },
             ""};
   }
@@ -252,13 +253,14 @@ class DiffCommand : public Command {
            "An object of --json has change (changed, onlyInA, onlyInB, moved), fieldInA and\n"
            "fieldInB, a and b with the complete values, name of the innermost element that\n"
            "has one, and notStoredIn (a or b). The last line has a member summary instead,\n"
-           "with same, differences, printed and notStored, and facts about each file.\n"
+           "with same, differences, printed and notStored, and each file with its kind and\n"
+           "version.\n"
            "\n"
            "Examples:\n"
            "  torvio diff nest.sheet nest_old.sheet\n"
            "      Show what has changed in a nest.\n"
            "  torvio diff --quiet a.part b.part && echo same\n"
-           "      Ask only whether two parts are the same.\n"
+           "      Test whether two parts are the same.\n"
            "  torvio diff plate.part nest.sheet --part PLATE\n"
            "      Compare a part with its copy in a nest.\n"
            "\n" +

@@ -1,8 +1,11 @@
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <limits>
 #include <memory>
 #include <new>
+#include <optional>
+#include <span>
 #include <string>
 #include <system_error>
 
@@ -16,6 +19,7 @@
 #include "torvio/cli/commands.h"
 #include "torvio/cli/output.h"
 #include "torvio/cli/output_file.h"
+#include "torvio/convert/sheet_surplus.h"
 #include "torvio/values/json_reader.h"
 
 namespace torvio {
@@ -71,8 +75,11 @@ class FromJsonCommand : public Command {
         ->check(inRange(int{std::numeric_limits<std::int16_t>::min()}, int{std::numeric_limits<std::int16_t>::max()}));
     command->footer(
         "\"torvio json\" prints this JSON. OUT is replaced once the new file is\n"
-        "complete. A member that is unknown, missing or of another type is an error.\n"
-        "\"torvio schema\" describes the JSON.\n\n"
+        "complete; - is standard output. A member that is unknown, missing or of another\n"
+        "type is an error. \"torvio schema\" describes the JSON.\n\n"
+        "Below version 152, the save of a sheet or machine stores bytes that no load\n"
+        "expects: \"torvio convert\" makes a file without them. A file that a load does\n"
+        "not read to its end is reported.\n\n"
         "Examples:\n"
         "  torvio from-json nest.json -o nest.sheet\n"
         "      Make a file from JSON that was edited.\n"
@@ -101,16 +108,38 @@ class FromJsonCommand : public Command {
  private:
   ExitCode save(const values::JsonRecord& read) const {
     const int version = version_.value_or(read.version);
-    OutputFile output(output_);
-    if (output.handle() == nullptr) return failed(onOneLine(output_) + ": " + output.error(), kNotReadOrWritten);
-    codec::OutStream stream(output.handle());
-    const std::int64_t status = values::storeRecord(stream, read, version);
-    const bool isFlushed = stream.flush();
-    if (stream.failed() || !isFlushed)
-      return failed(onOneLine(output_) + ": cannot be written: " + inWords(errno), kNotReadOrWritten);
+    std::optional<OutputFile> output;
+    if (output_ != "-") output.emplace(output_);
+    if (output && output->handle() == nullptr) return notWritten(*output);
+    codec::OutStream stream;
+    const std::int64_t status = values::storeLoadable(stream, read, version);
     if (status != frame::kDone) return failed(inputName() + ": " + values::refusalOf(read, status, version), kDamaged);
-    if (!output.commit()) return failed(onOneLine(output_) + ": " + output.error(), kNotReadOrWritten);
+    if (output && !(output->write(stream.bytes()) && output->commit())) return notWritten(*output);
+    if (!output) printBytes(stream.bytes());
+    warnOfMisread(stream.bytes(), read.kind, version);
     return kSound;
+  }
+
+  static void printBytes(std::span<const std::byte> bytes) {
+#if defined(_WIN32)
+    (void)::_setmode(::_fileno(stdout), _O_BINARY);
+#endif
+    print({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  }
+
+  // Some saves store what no load expects.
+  void warnOfMisread(std::span<const std::byte> bytes, frame::FileKind kind, int version) const {
+    const explain::FileReport report = explain::checkFile(bytes, kind);
+    if (report.endsExactly()) return;
+    std::string text = (output_ == "-" ? "standard output" : onOneLine(output_)) + ": a load does not read this file " +
+                       "to its end: " + (report.fault ? explain::describe(*report.fault) : report.unread());
+    if (convert::surplusOf(bytes, kind, report))
+      text += "; \"torvio convert --version " + std::to_string(version) + "\" fixes it";
+    printError(text);
+  }
+
+  ExitCode notWritten(const OutputFile& output) const {
+    return failed(onOneLine(output_) + ": " + output.error(), kNotReadOrWritten);
   }
 
   std::string inputName() const { return input_.empty() ? "standard input" : onOneLine(input_); }

@@ -34,7 +34,7 @@ class JsonCommand : public Command {
         "Examples:\n"
         "  torvio json --pretty nest.sheet -o nest.json\n"
         "      Write everything that a file holds, for an editor or a script.\n"
-        "  torvio json nest.sheet | jq '.record.parts | length'\n"
+        "  torvio json nest.sheet | jq '.record.partList.parts | length'\n"
         "      Pick a value.\n\n" +
         wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
     return command;

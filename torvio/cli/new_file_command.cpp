@@ -26,6 +26,8 @@ void NewFileCommand::addShared(CLI::App& command) {
 
 ExitCode NewFileCommand::run() try {
   if (output_.empty() && !isDryRun_) return usageError(name(), "OUT is required, or --dry-run");
+  if (output_ == "-")
+    return usageError(name(), "OUT cannot be -, since the report is printed; \"./-\" is a file of that name");
   if (isInputToo(name(), output_, {input_})) return kUsageError;
   return make();
 } catch (const std::bad_alloc&) {

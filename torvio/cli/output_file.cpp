@@ -17,6 +17,7 @@
 #include "torvio/explain/file_names.h"
 #else
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -71,6 +72,32 @@ class OutputFile::Place {
 
 #else
 
+// The temporary file of the command, which a signal that ends the process removes. A command has one at a time.
+constexpr std::size_t kLongestName = 64;
+volatile int unfinishedFolder = -1;
+char unfinishedName[kLongestName];
+
+extern "C" void removeUnfinished(int signal) {
+  if (unfinishedFolder >= 0) (void)::unlinkat(unfinishedFolder, unfinishedName, 0);
+  // The default action is back, and is taken when this returns.
+  (void)::raise(signal);
+}
+
+void removeOnSignal(int folder, const std::string& name) {
+  unfinishedFolder = -1;
+  unfinishedName[name.copy(unfinishedName, kLongestName - 1)] = '\0';
+  unfinishedFolder = folder;
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    // One that is ignored stays so, as after nohup.
+    if (::sigaction(signal, nullptr, &before) != 0 || before.sa_handler != SIG_DFL) continue;
+    struct sigaction action {};
+    action.sa_handler = removeUnfinished;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    (void)::sigaction(signal, &action, nullptr);
+  }
+}
+
 // The folder is opened once: both names are in it, even if its path leads elsewhere later.
 class OutputFile::Place {
  public:
@@ -84,6 +111,7 @@ class OutputFile::Place {
   Place(const Place&) = delete;
   Place& operator=(const Place&) = delete;
   ~Place() {
+    unfinishedFolder = -1;
     if (folder_ >= 0) (void)::close(folder_);
   }
 
@@ -100,6 +128,7 @@ class OutputFile::Place {
     constexpr mode_t kForAll = 0666, kPermissions = 0777;
     struct stat before {};
     const bool isReplacing = ::fstatat(folder_, name_.c_str(), &before, AT_SYMLINK_NOFOLLOW) == 0;
+    removeOnSignal(folder_, temporary_);
     const int file = ::openat(folder_, temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForAll);
     if (file < 0) return nullptr;
     // The new file has the permissions of the one that it replaces.

@@ -14,6 +14,7 @@ namespace torvio {
 
 // A file that appears under its name once it is complete: until then it has another name in the same folder. A file
 // of that name is replaced, but not a folder, device or link, and a link that appears in the meantime is not followed.
+// Except on Windows, the file beside it is removed if SIGINT, SIGTERM or SIGHUP ends the process.
 class OutputFile {
  public:
   explicit OutputFile(const std::string& path);

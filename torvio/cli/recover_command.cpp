@@ -9,11 +9,11 @@ namespace {
 
 using namespace oldtorvio;
 
-// Makes a loadable file from the sound beginning of a damaged one, and says what is lost.
+// Builds a loadable file from the sound part of a damaged one, and says what is lost.
 class RecoverCommand : public NewFileCommand {
  public:
   CLI::App* addTo(CLI::App& tool) override {
-    CLI::App* command = tool.add_subcommand("recover", "Make a loadable file from what is sound in a damaged one");
+    CLI::App* command = tool.add_subcommand("recover", "Build a loadable file from the sound part of a damaged one");
     addShared(*command);
     command->footer(
         "Everything before the first fault is kept. A list that breaks there keeps its\n"
@@ -21,8 +21,8 @@ class RecoverCommand : public NewFileCommand {
         "the defaults of a new record. The report says where the file breaks, which bytes\n"
         "are left out, which list is shorter, and which members have defaults: check\n"
         "those before the file is used. Nothing is written for a sound file. Unread bytes\n"
-        "after the last field are dropped, and so are the surplus bytes of a save below\n"
-        "version 152. The version stays the same if files are saved in it.\n\n"
+        "after the last field are dropped, and so are the surplus bytes that a save below\n"
+        "version 152 stores. The version stays the same if files are saved in it.\n\n"
         "Examples:\n"
         "  torvio recover damaged.sheet recovered.sheet\n"
         "      Keep what is sound, and say what is lost.\n\n" +

@@ -99,7 +99,8 @@ std::vector<std::byte> completed(std::vector<std::byte> bytes, const auto&, int)
 template <FileKind kKind>
 std::string refusal(std::int64_t status, int version) {
   const std::string kind(frame::infoOf(kKind).name);
-  if (status == frame::kWrongVersion) return "no " + kind + " file is saved in version " + std::to_string(version);
+  if (status == frame::kWrongVersion)
+    return "a " + kind + " file cannot be saved in version " + std::to_string(version);
   return "cannot be saved in version " + std::to_string(version) +
          ": a count, a width or a version in it is not possible, or a list that has to have elements is empty";
 }
@@ -141,8 +142,8 @@ template <FileKind kKind>
 CompleteSave saveCompletely(typename FileRecord<kKind>::Record& record, int version) {
   if (!isSaved(kKind, version))
     return {{},
-            "no " + std::string(frame::infoOf(kKind).name) + " file is saved in version " + std::to_string(version) +
-                "; versions that are: " + savedVersions(kKind)};
+            "a " + std::string(frame::infoOf(kKind).name) + " file cannot be saved in version " +
+                std::to_string(version) + "; possible versions: " + savedVersions(kKind)};
   makeStorable(record, version);
   values::SavedRecord saved = values::saveRecord<kKind>(record, version);
   if (saved.status != frame::kDone) return {{}, refusal<kKind>(saved.status, version)};

@@ -39,7 +39,7 @@ std::string obstacle(const explain::FileReport& report, FileKind kind) {
 void noteOtherDefaults(const values::Type& type, const ReadFields& read, Report& report) {
   std::erase_if(report.losses, [&](const Loss& loss) {
     if (!read.lackOwnerOf(type, loss.path)) return false;
-    report.notes.push_back("The file does not have " + loss.member + ", of which the new file has other defaults.");
+    report.notes.push_back(loss.member + " is not in the old file; the new file has defaults that differ.");
     return true;
   });
 }
@@ -82,9 +82,8 @@ Converted convert(std::span<const std::byte> bytes, FileKind kind, int version, 
   report.from = file.version;
   std::vector<std::byte> fixed;
   if (const auto surplus = surplusOf(bytes, kind, file)) {
-    report.notes.push_back("fixed: without " + bytesText(surplus->size) + " from " +
-                           explain::hexOffset(surplus->offset) +
-                           " on, which a save below version 152 stored and no load expects");
+    report.notes.push_back("fixed: removed " + bytesText(surplus->size) + " at " + explain::hexOffset(surplus->offset) +
+                           ", which a save below version 152 stored and no load expects");
     fixed = without(bytes, *surplus);
     bytes = fixed;
     file = explain::checkFile(bytes, kind);

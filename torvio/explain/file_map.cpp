@@ -111,7 +111,7 @@ FileReport mapFile(std::span<const std::byte> bytes, std::optional<FileKind> kin
                                    [version](const FileKindInfo& info) { return info.accepts(version); });
   if (!isKnown) report.status = kWrongVersion;
   const std::string other = std::to_string(version) + " is not a version of any kind of file";
-  report.fault = Fault{0, "version", isKnown ? "the contents fit no kind of this version; choose the kind" : other};
+  report.fault = Fault{0, "version", isKnown ? "unlike any kind of file; choose the kind (--kind)" : other};
   return report;
 }
 

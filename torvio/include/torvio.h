@@ -252,7 +252,7 @@ TORVIO_API torvio_status torvio_draw_page(const torvio_input* inputs, size_t cou
  *            Both must name the same encoding
  * part       in sheets and group part files, the part to compare: its name, or its position from 0. NULL: the complete
  *            files, or the part that is in both
- * tolerance  real numbers that differ by no more than this are the same; 0 compares every bit
+ * tolerance  real numbers that differ by no more than this are the same, at most 1e300; 0 compares every bit
  * flags      0 or TORVIO_COMMON
  * same       set to 1 if there is no difference, to 0 if there is one. Unchanged without a result; may be NULL
  *
@@ -285,7 +285,7 @@ TORVIO_API torvio_status torvio_convert(const torvio_input* input, int32_t versi
 
 #define TORVIO_ALLOW_LOSS UINT32_C(8) /* makes the file even if something is lost or changed */
 
-/* Makes a loadable file from the sound beginning of a damaged one, as `torvio recover` does, without writing it
+/* Builds a loadable file from the sound part of a damaged one, as `torvio recover` does, without writing it
  * anywhere. Everything before the first fault is kept; what follows has the defaults of a new record.
  *
  * flags     0

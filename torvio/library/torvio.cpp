@@ -118,7 +118,7 @@ void fromJson(Answer& answer, const Input& input, std::int32_t version) {
   if (!read.error.empty()) fail(refused(read.error));
   if (version == 0) version = read.version;
   codec::OutStream stream;
-  const std::int64_t status = values::storeRecord(stream, read, version);
+  const std::int64_t status = values::storeLoadable(stream, read, version);
   if (status != frame::kDone) fail(refused(values::refusalOf(read, status, version)));
   answer.append(asText(stream.bytes()));
 }
@@ -432,7 +432,7 @@ torvio_status torvio_diff(const torvio_input* a, const torvio_input* b, const ch
   const torvio_status status = answered(result, error, [&](Answer& answer) {
     allow(flags, TORVIO_COMMON);
     constexpr double kLargest = 1e300;
-    if (!(tolerance >= 0 && tolerance <= kLargest)) fail(badArgument("tolerance is negative or no number"));
+    if (!(tolerance >= 0 && tolerance <= kLargest)) fail(badArgument("tolerance is not within 0 and 1e300"));
     const Input inputA(a), inputB(b);
     if (inputA.encodingName() != inputB.encodingName()) fail(badArgument("the encodings of a and b differ"));
     compare::DiffOptions options;

@@ -135,6 +135,8 @@ std::string optionSection(const CLI::App& app) {
 
 std::string synopsisOf(const CLI::App& app) {
   std::string roff = "[" + italic("OPTIONS") + "]";
+  for (const CLI::Option* option : optionsOf(app))
+    if (option->get_required()) roff += " " + bold(option->get_name()) + " " + italic(valueName(*option));
   for (const CLI::Option* option : argumentsOf(app)) {
     const std::string dots = option->get_expected_max() > 1 ? "..." : "";
     const std::string value = italic(valueName(*option)) + dots;

@@ -774,9 +774,15 @@ std::int64_t storeRecord(codec::OutStream& to, const JsonRecord& record, int ver
   });
 }
 
+std::int64_t storeLoadable(codec::OutStream& to, const JsonRecord& record, int version) {
+  if (record.kind == frame::FileKind::part && version < frame::kFirstMainVersion) return frame::kWrongVersion;
+  return storeRecord(to, record, version);
+}
+
 std::string refusalOf(const JsonRecord& record, std::int64_t status, int version) {
   const std::string kind(frame::infoOf(record.kind).name);
-  if (status == frame::kWrongVersion) return "no " + kind + " file is saved in version " + std::to_string(version);
+  if (status == frame::kWrongVersion)
+    return "a " + kind + " file cannot be saved in version " + std::to_string(version);
   if (record.kind == frame::FileKind::sheet && mayEndProcess(record.as<frame::FileKind::sheet>(), version))
     return "blocks: cannot be saved, and has to be empty in version " + std::to_string(version);
   return "the record cannot be saved in version " + std::to_string(version) +

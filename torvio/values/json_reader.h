@@ -43,7 +43,9 @@ JsonRecord readJson(std::string_view text);
 // Saves the record as its kind does; returns the status of the save. The caller flushes the stream. Throws
 // std::bad_alloc.
 std::int64_t storeRecord(codec::OutStream& to, const JsonRecord& record, int version);
-// Why such a save returned that status, which must not be 0, in words.
+// The same, but refuses versions whose files no load reads as such a save stores them: parts below version 52.
+std::int64_t storeLoadable(codec::OutStream& to, const JsonRecord& record, int version);
+// Why such a save returned that status, which is not 0, in words.
 std::string refusalOf(const JsonRecord& record, std::int64_t status, int version);
 
 }  // namespace oldtorvio::values
