@@ -215,8 +215,7 @@ class CheckCommand : public Command {
   CLI::App* addTo(CLI::App& tool) override {
     CLI::App* command = tool.add_subcommand("check", "Judge files and folders: a line for each file");
     addFiles(*command, "PATH", paths_, "Files, and folders with all that is in them");
-    addFile(*command, "--files-from", list_,
-            "Also check the files that FILE lists, one per line; - is standard input")
+    addFile(*command, "--files-from", list_, "Also check the files that FILE lists, one per line; - is standard input")
         ->type_name("FILE")
         ->take_last();
     command->add_flag("--null", isNullSeparated_, "With --files-from: names end with NUL, not with a newline")
