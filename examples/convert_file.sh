@@ -31,6 +31,7 @@ if [ -n "$trouble" ]; then
   echo "convert_file.sh: $file: torvio convert $trouble" >&2
   exit "$code"
 fi
-if [ "$code" = 1 ]; then rm -f "$new"; fi  # of what the file was before
+# The result of what the file was before.
+if [[ $code = 1 && " ${options[*]} " != *" --dry-run "* ]]; then rm -f "$new"; fi
 # A file of unknown kind has no report.
 if [ -s "$report.new" ]; then mv "$report.new" "$report"; else rm -f "$report.new" "$report"; fi

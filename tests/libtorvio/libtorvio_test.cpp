@@ -14,6 +14,7 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/part_files.h"
 #include "tests/support/sanitizers.h"
 #include "torvio/include/torvio.h"
 
@@ -164,6 +165,20 @@ TEST(Libtorvio, EveryFunctionHasAResultForItsSamples) {
     EXPECT_EQ(outcome.hasResult, !isRefused) << call.name;
     EXPECT_EQ(outcome.message.empty(), outcome.status == TORVIO_OK) << call.name;
     if (outcome.status == TORVIO_INTERNAL_ERROR) ADD_FAILURE() << call.name << ": " << outcome.message;
+  }
+}
+
+TEST(Libtorvio, PartIsNotSavedAsWhatALoadMisreads) {
+  const Bytes file = partFile(180);
+  const torvio_input part = inputOf(file, "part");
+  const std::string json = called([&](auto r, auto e) { return torvio_json(&part, 0, r, e); }).result;
+  torvio_input text{};
+  text.data = json.data();
+  text.size = json.size();
+  for (const int version : {2, 3, 5, 52}) {
+    const Outcome outcome = called([&](auto r, auto e) { return torvio_from_json(&text, version, 0, r, e); });
+    EXPECT_EQ(outcome.status, version < 52 ? TORVIO_REFUSED : TORVIO_OK) << version;
+    EXPECT_EQ(outcome.hasResult, version >= 52) << version;
   }
 }
 

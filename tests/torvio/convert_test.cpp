@@ -591,13 +591,13 @@ TEST_F(ConvertCommand, ScriptKeepsNoResultOfAFileThatIsNowRefused) {
   const std::string from = folder_.path("from"), to = folder_.path("to"), file = from + "/tool.spt";
   const std::string report = to + ".reports/tool.spt.json";
   fs::create_directories(from);
-  const auto runScript = [&](const std::string& torvioFolder) {
+  const auto runScript = [&](const std::string& torvioFolder, const std::string& options = "") {
     return runShell("PATH=" + torvioFolder + ":$PATH bash " TORVIO_SOURCE "/examples/convert_file.sh 180 " + from +
-                    " " + to + " " + file);
+                    " " + to + " " + options + file);
   };
   const std::string tools = fs::path(TORVIO_COMMAND).parent_path().string();
   // Each is newer than the report of the one before.
-  int age = 4;
+  int age = 9;
   const auto write = [&](const Bytes& bytes) {
     folder_.write("from/tool.spt", bytes);
     if (fs::exists(report)) fs::last_write_time(report, fs::file_time_type::clock::now() - std::chrono::hours(age--));
@@ -605,6 +605,9 @@ TEST_F(ConvertCommand, ScriptKeepsNoResultOfAFileThatIsNowRefused) {
   const Bytes sound = TempFolder::read(in_);
   write(sound);
   EXPECT_EQ(runScript(tools).code, 0);
+  EXPECT_TRUE(fs::exists(to + "/tool.spt"));
+  write(sound.cut(30));
+  EXPECT_EQ(runScript(tools, "--dry-run ").code, 0);
   EXPECT_TRUE(fs::exists(to + "/tool.spt"));
   write(sound.cut(30));
   EXPECT_EQ(runScript(tools).code, 0);
