@@ -68,7 +68,8 @@ class Maker {
   explicit Maker(unsigned seed = 0) : seed_(seed), values_(seed) {}
   // What is added to fixed texts and values: 0 is what a Checker and a Loader expect.
   unsigned seed() const { return seed_; }
-  // Stores what the record holds, also its lists, and changes nothing in it. The form has to fit the record in all else.
+  // Stores what the record holds, also its lists, and changes nothing in it. The form has to fit the record in
+  // everything else.
   static Maker ofHeldValues() {
     Maker maker;
     maker.fills_ = false;
@@ -104,7 +105,7 @@ class Maker {
   // A number that is stored in a narrower type.
   template <class Stored, class T>
   void narrow(T& field, T = T()) {
-    if (fills_) field = values_.next<Stored>();
+    if (fills_) field = static_cast<T>(values_.next<Stored>());
     append(static_cast<Stored>(field));
   }
   // One of which a load makes loaded(value).
@@ -223,7 +224,7 @@ class Checker {
   }
   template <class Stored, class T>
   void narrow(T& field, T fresh = T()) {
-    expect<T, sizeof(Stored)>(field, values_.next<Stored>(), fresh);
+    expect<T, sizeof(Stored)>(field, static_cast<T>(values_.next<Stored>()), fresh);
   }
   template <class Stored, class T, class Fn>
   void converted(T& field, Fn&& loaded) {
@@ -354,7 +355,7 @@ class Loader {
   }
   template <class Stored, class T>
   void narrow(T& field, T = T()) {
-    field = values_.next<Stored>();
+    field = static_cast<T>(values_.next<Stored>());
   }
   template <class Stored, class T, class Fn>
   void converted(T& field, Fn&& loaded) {
