@@ -15,7 +15,7 @@ namespace oldtorvio::codec {
 
 // Type, auxWord and flags have been read.
 inline bool describeOldGeometry(auto& io, auto& s) {
-  return io.afterRead(s, "only types 2 to 5 keep bit 0 of flags", [](auto& r) {
+  return io.afterRead(s, "only types 10 to 13 keep bit 0 of flags", [](auto& r) {
              if (!keepsFirstFlag(r.type)) r.flags &= ~1U;
            })
       && io.fields(FIELDS(s.x, s.y))
