@@ -22,8 +22,8 @@
  *               read, loaded again and destroyed.
  *   Outputs     If a function fails, its outputs are unchanged unless its description says otherwise. Text
  *               outputs have no size argument unless one is named: the caller provides enough room.
- *   Null        A null path returns -2, and so does a null record of a load or save. Other pointers must be valid
- *               unless the description of the function says what null does.
+ *   Null        A null path returns -2 (1 from GetOldPartInfo_v1), and so does a null record of a load or save. Other
+ *               pointers must be valid unless the description of the function says what null does.
  *   Process end Some misuse ends the process (abort), as each function says: a text that does not fit where
  *               it is copied, an index outside a list. The contents of a file can do so only in these
  *               functions: GetOldToolInventoryInformation, LoadOldStationToolFromMachine, GetOldSheetInfo,

@@ -48,7 +48,7 @@ inline constexpr std::array kFileKinds{
 
 inline const FileKindInfo& infoOf(FileKind kind) { return kFileKinds[static_cast<std::size_t>(kind)]; }
 
-// The version word of such a material is that of the table which is all of the file.
+// The version word of such a material file is that of the parameter table, which is all that it contains.
 constexpr bool startsWithTable(FileKind kind, int version) {
   return kind == FileKind::material && isParamTableVersion(version);
 }
