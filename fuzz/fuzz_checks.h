@@ -129,9 +129,9 @@ std::vector<std::byte> stored(Write&& write) {
 }
 
 // A record that was loaded can be saved, and what is saved loads and saves again as the same bytes:
-// whatever a load repairs is settled after the first.
+// whatever a load corrects, it corrects the first time.
 template <class Record, class Read, class Write>
-void expectSettled(Record& record, Read&& read, Write&& write) {
+void expectStable(Record& record, Read&& read, Write&& write) {
   const auto first = stored([&](auto& out) { return write(out, record); });
   auto& again = fresh<std::remove_const_t<Record>, 1>();
   oldtorvio::codec::InStream stream(first);

@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::int32_t extraPartCount = 0, nameBlockSize = 0;
     fuzzing::expect(codec::readRecord(again, version, extraPartCount) &&
                     codec::readRecord(again, version, nameBlockSize));
-    fuzzing::expectSettled(
+    fuzzing::expectStable(
         pair.read, [&](auto& in, SheetPartList& to) { return ReadGroupPart(in, version, to); },
         [&](auto& out, const SheetPartList& from) {
           const codec::GroupPartFile<const std::vector<TorvPart>> all{

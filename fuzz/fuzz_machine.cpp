@@ -105,7 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto saved = fuzzing::stored([&](auto& out) { return write(out, machine); });
     fuzzing::expect(saved == fuzzing::stored([&](auto& out) { return write(out, pair.walked); }));
     if (settles) {
-      fuzzing::expectSettled(
+      fuzzing::expectStable(
           machine, [&](auto& in, OldMachine& to) { return ReadOldMachine(in, version, nullptr, to); }, write);
       (void)fuzzing::stored([&](auto& out) { return write(out, pair.walked); });
     }

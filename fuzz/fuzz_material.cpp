@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzzing::expect(tableStatus >= -1 && tableStatus <= 1);
   // Tables of version 500 to 502 are stored in a layout that does not match their version.
   if (tableStatus == 0 && material.params.version < 500)
-    fuzzing::expectSettled(
+    fuzzing::expectStable(
         material.params, [](auto& in, ParamTable& to) { return ReadParamTable(in, to); },
         [](auto& out, const ParamTable& from) { return WriteParamTable(out, from); });
 
@@ -69,10 +69,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   if (!hasBody) return 0;
 
-  // A load appends rules to angle rules that are not six: these never settle.
+  // A load appends rules to angle rules that are not six: the bytes never become stable.
   if (status == 0 && material.rules.angleRules.size() == 6) {
     const auto write = [&](auto& out, OldMaterial& from) { return WriteOldMaterialBody(out, version, from); };
-    fuzzing::expectSettled(
+    fuzzing::expectStable(
         material, [&](auto& in, OldMaterial& to) { return ReadOldMaterialBody(in, version, to); }, write);
     // A save changes the record.
     (void)fuzzing::stored([&](auto& out) { return write(out, pair.walked); });

@@ -104,7 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzzing::expect(part.patterns.front().items.size() == part.shapes.shapes.size());
     fuzzing::expect(part.toolStations.stations.size() == part.toolStations.tools.size());
     fuzzing::expect(fitsWriter(part));
-    fuzzing::expectSettled(
+    fuzzing::expectStable(
         part, [&](auto& in, TorvPart& to) { return ReadPartBody(in, version, false, to); },
         [&](auto& out, const TorvPart& from) { return WritePartBody(out, version, false, from); });
   }

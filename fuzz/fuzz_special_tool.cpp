@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     askByPath(status, pair.read);
   }
   if (status == 0)
-    fuzzing::expectSettled(
+    fuzzing::expectStable(
         pair.read, [&](auto& in, OldSpecialTool& to) { return ReadSpecialTool(in, version, to); },
         [&](auto& out, const OldSpecialTool& from) { return WriteSpecialTool(out, version, from); });
 

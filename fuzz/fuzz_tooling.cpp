@@ -56,7 +56,7 @@ void inventory(fuzzing::Bytes file, int version, std::size_t turn) {
     askByPath(status, pair.read);
   }
   if (status == 0)
-    fuzzing::expectSettled(
+    fuzzing::expectStable(
         pair.read, [&](auto& in, OldToolInventory& to) { return ReadToolInventory(in, version, to); },
         [&](auto& out, const OldToolInventory& from) { return WriteToolInventory(out, version, from); });
   (void)load(body, version < 110 ? 180 : 54, pair);
@@ -73,7 +73,7 @@ void macro(fuzzing::Bytes file, int version, std::size_t turn) {
   }
   if (status == 0) {
     fuzzing::expect(pair.read.stationList.stations.size() == pair.read.stationList.tools.size());
-    fuzzing::expectSettled(
+    fuzzing::expectStable(
         pair.read, [&](auto& in, OldMacro& to) { return ReadMacro(in, version, to); },
         [&](auto& out, const OldMacro& from) { return WriteMacro(out, version, from); });
   }

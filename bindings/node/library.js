@@ -105,7 +105,7 @@ function utf8(text, what) {
   if (text === null || text === undefined) return null;
   withoutNul(text, what);
   // Halves of a pair have no UTF-8.
-  if (/[\uD800-\uDFFF]/u.test(text)) throw new RangeError(`${what} is no Unicode text`);
+  if (/[\uD800-\uDFFF]/u.test(text)) throw new RangeError(`${what} is not valid Unicode`);
   return Buffer.from(text + '\0', 'utf8');
 }
 

@@ -46,7 +46,7 @@ def main():
     for name, language, code in re.findall(r"<!-- (\S+) -->\n```(\w+)\n(.*?)\n```", page, re.S):
         found[language] += 1
         if LANGUAGES.get(language) != name:
-            wrong.append(f"{name} is no example in {language}")
+            wrong.append(f"{name} is not an example in {language}")
         elif not contains((root / name).read_text(encoding="utf-8").split("\n"), code.split("\n")):
             wrong.append(f"docs/calling.md differs from {name}: {code.splitlines()[0]}")
     wrong += [f"docs/calling.md has {found[one]} pieces of code in {one}, not {JOBS}" for one in LANGUAGES

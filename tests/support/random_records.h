@@ -16,11 +16,11 @@ namespace testing_support {
 
 namespace values = oldtorvio::values;
 
-// A record takes random content in each member that files store; settle() then corrects what a writer refuses or
+// A record takes random content in each member that files store; makeStorable() then corrects what a writer refuses or
 // a load changes. The same seed makes the same records on every host.
 class RandomRecords {
  public:
-  // Any bits, so that floats include numbers that are none; or sizes, small numbers and names as real files have them.
+  // Any bits, so that floats include infinities and NaN; or sizes, small numbers and names as real files have them.
   enum class Content { anyBits, plausible };
 
   explicit RandomRecords(std::uint32_t seed, int mostElements = 3, Content content = Content::anyBits)
@@ -118,7 +118,7 @@ class RandomRecords {
       for (int n = upTo(most_); n > 0; --n) fill(value.emplace_back());
     } else if constexpr (values::HasMembers<T>) {
       fillMembers(value);
-      settle(value);
+      makeStorable(value);
     }  // Owners fill as much of a lazy array as they count.
   }
   // Whether the value is a number or a text, which has plausible content now.
@@ -243,8 +243,8 @@ class RandomRecords {
 
   // ---- what is stored and comes back ---------------------------------------------------------------
 
-  void settle(auto&) {}
-  void settle(oldtorvio::Shape& s) {
+  void makeStorable(auto&) {}
+  void makeStorable(oldtorvio::Shape& s) {
     static const oldtorvio::Shape kFresh;
     choose(s.type, 25);
     choose(s.valueCount, 9);
@@ -255,7 +255,7 @@ class RandomRecords {
     if (s.textFlag <= 0) clearText(s.text);
     if (s.type == 4 || s.type == 5) s.rangeValue = s.auxValue4;
   }
-  void settle(oldtorvio::OldTool& t) {
+  void makeStorable(oldtorvio::OldTool& t) {
     static constexpr int kCodes[] = {0, 1, 3, 103, 107, 108, 999, -1};
     t.shapeCode = kCodes[upTo(7)];
     if (t.shapeCode != 108) {
@@ -265,19 +265,19 @@ class RandomRecords {
     t.symmetryFlags = 0;
     t.fileVersion = 0;
   }
-  void settle(oldtorvio::OldSpecialTool& s) {
+  void makeStorable(oldtorvio::OldSpecialTool& s) {
     clearText(s.tool.specialToolPath);
     s.tool.symmetryFlags = static_cast<std::uint32_t>(1 + upTo(1));
   }
-  void settle(oldtorvio::ToolStation& s) {
+  void makeStorable(oldtorvio::ToolStation& s) {
     s.stationType = flip() ? 0 : 2;
     s.valueCount = 1 + upTo(5);
   }
-  void settle(oldtorvio::ToolStationList& l) {
+  void makeStorable(oldtorvio::ToolStationList& l) {
     l.tools.clear();
     for (std::size_t n = l.stations.size(); n > 0; --n) l.tools.push_back(tool());
   }
-  void settle(oldtorvio::StepTable& t) {
+  void makeStorable(oldtorvio::StepTable& t) {
     static const oldtorvio::StepTable kFresh;
     t.stepCount = static_cast<std::int8_t>(flip() ? upTo(20) : -upTo(100));
     keep(t.stepCount, t.stepByteA, kFresh.stepByteA);
@@ -285,14 +285,14 @@ class RandomRecords {
     keep(t.stepCount, t.stepByteB, kFresh.stepByteB);
     keep(t.stepCount, t.stepByteC, kFresh.stepByteC);
   }
-  void settle(oldtorvio::SetupList& l) {
+  void makeStorable(oldtorvio::SetupList& l) {
     if (l.entries.empty()) l = {};
   }
-  void settle(oldtorvio::SheetSetupList& l) {
+  void makeStorable(oldtorvio::SheetSetupList& l) {
     if (l.entries.empty()) l = {};
   }
   // Half of them groups.
-  void settle(oldtorvio::Pattern& p) {
+  void makeStorable(oldtorvio::Pattern& p) {
     p.groupKind = flip() ? 32000 + upTo(version_ < 110 ? 4 : 6) : 0;
     const std::size_t bindings = p.groupKind == 0 ? 0 : p.bindFirst.size();
     p.bindFirst.resize(bindings);
@@ -310,7 +310,7 @@ class RandomRecords {
     p.bindWord1 = p.bindWord2 = p.bindWord3 = p.bindWord4 = p.lateWord1 = p.lateWord2 = p.lateWord3 = 0;
     p.bindByte = 0;
   }
-  void settle(oldtorvio::PlacedShapeList& l) {
+  void makeStorable(oldtorvio::PlacedShapeList& l) {
     const oldtorvio::ShapeList fresh;
     l.shapes.listKind = fresh.listKind;
     l.shapes.listTag = fresh.listTag;
@@ -318,7 +318,7 @@ class RandomRecords {
     for (oldtorvio::Shape& s : l.shapes.shapes) s.note += '-';
   }
   // As a part file keeps it: one pattern, whose head is reset and that has an item for each shape.
-  void settle(oldtorvio::TorvPart& p) {
+  void makeStorable(oldtorvio::TorvPart& p) {
     const oldtorvio::Pattern fresh;
     clearText(p.partFullDosName);
     p.version = 0;
@@ -343,7 +343,7 @@ class RandomRecords {
     fill(p.patterns);
   }
 
-  void settle(oldtorvio::OldMaterial& m) {
+  void makeStorable(oldtorvio::OldMaterial& m) {
     m.version = 0;
     m.name = letters(most_ == 0 ? 0 : upTo(40) == 0 ? 10000 : upTo(30));
     if (m.modeB == 6) m.modeB = 10;
@@ -356,12 +356,12 @@ class RandomRecords {
     }
     count(m.settingListCount, 6);
   }
-  void settle(oldtorvio::MaterialToolSetTable& t) { count(t.setCount, 6); }
-  void settle(oldtorvio::MaterialPalette& p) {
+  void makeStorable(oldtorvio::MaterialToolSetTable& t) { count(t.setCount, 6); }
+  void makeStorable(oldtorvio::MaterialPalette& p) {
     count(p.colourCount, 20);
     count(p.groupCount, 5);
   }
-  void settle(oldtorvio::MaterialRuleLists& l) {
+  void makeStorable(oldtorvio::MaterialRuleLists& l) {
     // A load adds the default rules after any other number.
     l.angleRules.clear();
     while (l.angleRules.size() < 6) l.angleRules.push_back(made<oldtorvio::AngleRule>());
@@ -369,15 +369,15 @@ class RandomRecords {
     for (oldtorvio::AngleRule& r : l.pairRules) r.angleCount = static_cast<std::int8_t>(upTo(8) - 3);
   }
 
-  void settle(oldtorvio::ClampInfo& c) { count(c.clampCount, 8); }
-  void settle(oldtorvio::MachineGrid& g) {
+  void makeStorable(oldtorvio::ClampInfo& c) { count(c.clampCount, 8); }
+  void makeStorable(oldtorvio::MachineGrid& g) {
     static const oldtorvio::MachineGrid kFresh;
     choose(g.gridWidth, 65535);
     g.cellByteCount = 1 + (most_ > 0 && upTo(30) == 0 ? upTo(39999) : upTo(most_ == 0 ? 9 : 99));
     keep(g.cellByteCount, g.gridCells, kFresh.gridCells);
   }
-  void settle(oldtorvio::MachineExtension& e) { e.extensionEntries.clear(); }  // only sheets store them
-  void settle(oldtorvio::OldMachine& m) {
+  void makeStorable(oldtorvio::MachineExtension& e) { e.extensionEntries.clear(); }  // only sheets store them
+  void makeStorable(oldtorvio::OldMachine& m) {
     m.version = 0;
     clearText(m.path);
     // A save stores this width of every text, whatever the record says.
@@ -410,16 +410,16 @@ class RandomRecords {
     }
   }
 
-  void settle(oldtorvio::OldToolInventory& v) { v.version = 0; }
-  void settle(oldtorvio::OldMacro& m) { m.version = 0; }
+  void makeStorable(oldtorvio::OldToolInventory& v) { v.version = 0; }
+  void makeStorable(oldtorvio::OldMacro& m) { m.version = 0; }
 
-  void settle(oldtorvio::RowTable& t) { count(t.count, most_ == 0 ? 0 : 25); }
-  void settle(oldtorvio::ClampRowTable& t) { count(t.count, most_ == 0 ? 0 : 25); }
-  void settle(oldtorvio::SheetPartList& l) {
+  void makeStorable(oldtorvio::RowTable& t) { count(t.count, most_ == 0 ? 0 : 25); }
+  void makeStorable(oldtorvio::ClampRowTable& t) { count(t.count, most_ == 0 ? 0 : 25); }
+  void makeStorable(oldtorvio::SheetPartList& l) {
     l.nameWidth = l.parts.empty() ? 256 : 1 + upTo(255);
     for (oldtorvio::TorvPart& p : l.parts) place(p, l.nameWidth);
   }
-  void settle(oldtorvio::OldSheet& s) {
+  void makeStorable(oldtorvio::OldSheet& s) {
     static constexpr int kTables[] = {52, 60, 79, 80, 499};
     s.version = 0;
     s.textWidth = 1 + upTo(255);

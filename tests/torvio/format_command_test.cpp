@@ -165,9 +165,10 @@ TEST(FormatCommand, RefusesKaitaiDescriptionsOfRecordsAndUnknownLanguages) {
   const Outcome record = torvio("format shape --as kaitai"), language = torvio("format part --as xml");
   EXPECT_EQ(record.code, 2);
   EXPECT_EQ(record.output, "");
-  EXPECT_EQ(record.errors.find("torvio: format: \"shape\" is a record, and Kaitai descriptions are of kinds of files\n"
-                               "Kinds: part,"),
-            0U)
+  EXPECT_EQ(
+      record.errors.find("torvio: format: \"shape\" is a record; Kaitai descriptions exist only for kinds of files\n"
+                         "Kinds: part,"),
+      0U)
       << record.errors;
   EXPECT_EQ(language.code, 2);
   EXPECT_EQ(language.errors.find("torvio: format: unknown language \"xml\"\nLanguages: markdown, kaitai"), 0U)

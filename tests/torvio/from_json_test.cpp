@@ -235,8 +235,8 @@ TEST(FromJson, WrongMembersAreNamedByTheirPath) {
   EXPECT_EQ(changed(shape + "/text", {{"text", std::string(sizeof(Shape::text), 'x')}, {"after", ""}}).substr(0, 36),
             "shapes.shapes[0].text: has room for ");
   EXPECT_EQ(changed(shape, 1), "shapes.shapes[0]: must be an object, not a number");
-  EXPECT_EQ(changed(shape + "/z", 1), "shapes.shapes[0]: \"z\" is no member of Shape");
-  EXPECT_EQ(changed("/record/\x1b[2J", 1), "\"\\u001b[2J\" is no member of OldMacro");
+  EXPECT_EQ(changed(shape + "/z", 1), "shapes.shapes[0]: \"z\" is not a member of Shape");
+  EXPECT_EQ(changed("/record/\x1b[2J", 1), "\"\\u001b[2J\" is not a member of OldMacro");
   EXPECT_EQ(without(shape, "y"), "shapes.shapes[0].y: is missing");
   EXPECT_EQ(without("/record", "macroTailWords"), "macroTailWords: is missing");
   EXPECT_EQ(changed("/record/macroBlock", "0g"), "macroBlock: must be pairs of hexadecimal digits");
@@ -251,14 +251,14 @@ TEST(FromJson, WrongDocumentsAreNamed) {
   };
   EXPECT_EQ(changed("format", 2), "format: 2 is not known; this program reads format 1");
   EXPECT_EQ(changed("format", "1"), "format: must be an integer, not a string");
-  EXPECT_EQ(changed("kind", "punch"), "kind: \"punch\" is no kind of file");
+  EXPECT_EQ(changed("kind", "punch"), "kind: \"punch\" is not a kind of file");
   EXPECT_EQ(changed("kind", nullptr), "kind: must be a string, not null");
   EXPECT_EQ(changed("version", 70000), "version: must be within -32768 and 32767");
   EXPECT_EQ(changed("version", 1.5), "version: must be an integer, not 1.5");
-  EXPECT_EQ(changed("encoding", "utf-8"), "encoding: \"utf-8\" is no encoding");
-  EXPECT_EQ(changed("record", nullptr), "record: there is none: the file could not be loaded as any kind and version");
+  EXPECT_EQ(changed("encoding", "utf-8"), "encoding: \"utf-8\" is not an encoding");
+  EXPECT_EQ(changed("record", nullptr), "record: null, because the file could not be loaded as any kind and version");
   EXPECT_EQ(changed("record", Json::array()), "record: must be an object, not an array");
-  EXPECT_EQ(changed("extra", 1), "\"extra\" is no member of a document");
+  EXPECT_EQ(changed("extra", 1), "\"extra\" is not a member of a document");
   EXPECT_EQ(changed("fault", {{"offset", 3}, {"field", "a"}, {"reason", "b"}}).substr(0, 27),
             "fault: the file was damaged");
   EXPECT_EQ(changed("fault", {{"offset", "3"}}), "fault.offset: must be an integer, not a string");
@@ -286,8 +286,7 @@ TEST(FromJson, MembersThatAreThereTwiceAreRefused) {
 }
 
 TEST(FromJson, TextThatIsNoJsonIsRefusedWithItsPlace) {
-  EXPECT_EQ(values::readJson("{\n  \"format\": nonsense}").error.substr(0, 40),
-            "line 2, column 14: this is no JSON text:");
+  EXPECT_EQ(values::readJson("{\n  \"format\": nonsense}").error.substr(0, 34), "line 2, column 14: not valid JSON:");
   std::string text = document().dump();
   text.insert(text.find("note\",") + 2, "\xFF");
   EXPECT_NE(values::readJson(text).error.find("UTF-8"), std::string::npos) << values::readJson(text).error;

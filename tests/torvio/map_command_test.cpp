@@ -426,8 +426,8 @@ TEST_F(MapCommand, OptionsThatContradictEachOtherAreRefused) {
   } cases[] = {{"--json --html ", "--json excludes --html"},
                {"--find x --html ", "--find excludes --html"},
                {"--offset 1 --html ", "--offset excludes --html"},
-               {"--find a..b ", "\"a..b\" is no field: a name is missing"},
-               {"--offset x ", "\"x\" is no offset and no range of offsets"},
+               {"--find a..b ", "\"a..b\" is not a field path: a name is missing"},
+               {"--offset x ", "\"x\" is neither an offset nor a range of offsets"},
                {"--encoding utf9 ", "unknown encoding \"utf9\""}};
   for (const auto& one : cases) {
     const Outcome run = torvio("map " + std::string(one.arguments) + part_);

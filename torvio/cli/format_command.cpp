@@ -38,7 +38,7 @@ class FormatCommand : public Command {
     command->footer(wrapped("Kinds", kindNames()) + "\n\n" + wrapped("Records", recordNames()) +
                     "\n\nAn object of --json has fields (a list of names), storedAs (how each of them is\n"
                     "stored; empty for a rule about earlier fields) and condition."
-                    "\n\nKaitai descriptions are of kinds. Their text says what they leave out."
+                    "\n\nKaitai descriptions exist only for kinds of files; their text says what they leave out."
                     "\n\nExamples:\n"
                     "  torvio format sheet\n"
                     "      Print every field of a sheet file in the order of its bytes.\n"
@@ -61,7 +61,7 @@ class FormatCommand : public Command {
 
   ExitCode printKaitai(std::optional<frame::FileKind> kind) const {
     if (!kind) {
-      printError("format: " + inQuotes(table_) + " is a record, and Kaitai descriptions are of kinds of files\n" +
+      printError("format: " + inQuotes(table_) + " is a record; Kaitai descriptions exist only for kinds of files\n" +
                  wrapped("Kinds", kindNames()));
       return kUsageError;
     }

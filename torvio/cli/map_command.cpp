@@ -64,14 +64,14 @@ class MapCommand : public Command {
         ->check([this](const std::string& text) {
           std::string error;
           filter_.path = explain::PathPattern::parsed(text, error);
-          return filter_.path ? std::string() : inQuotes(text) + " is no field: " + error;
+          return filter_.path ? std::string() : inQuotes(text) + " is not a field path: " + error;
         });
     command->add_option("--offset", offset_, "Print the fields at these bytes: 500, 0x1f4, 0x1f4..0x200, 500..")
         ->type_name("A[..B]")
         ->take_last()
         ->check([this](const std::string& text) {
           filter_.range = explain::OffsetRange::parsed(text);
-          return filter_.range ? std::string() : inQuotes(text) + " is no offset and no range of offsets";
+          return filter_.range ? std::string() : inQuotes(text) + " is neither an offset nor a range of offsets";
         });
     CLI::Option* json = command->add_flag("--json", json_, "Print a JSON object for each field, one per line");
     CLI::Option* html = command->add_flag("--html", html_, "Print an HTML page with bytes and fields side by side");

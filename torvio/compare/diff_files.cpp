@@ -293,7 +293,7 @@ class FileDiffer {
       if (difference.notStoredIn != Side::none) ++result_.notStored;
       return sink_(difference);
     };
-    bool goesOn = true, areSame = true;
+    bool continues = true, areSame = true;
     // Some records do not keep the version of their file.
     const bool keepsVersion = std::any_of(values_[0].type->members.begin(), values_[0].type->members.end(),
                                           [](const auto& member) { return member.name == kVersion; });
@@ -304,9 +304,9 @@ class FileDiffer {
       difference.pathInA = difference.pathInB = kVersion;
       difference.a = std::to_string(*loaded_[0].version);
       difference.b = std::to_string(*loaded_[1].version);
-      goesOn = counting(difference);
+      continues = counting(difference);
     }
-    if (goesOn) {
+    if (continues) {
       const MemberNode tree =
           memberTree(*values_[0].type, options_, [this](const std::string& path, bool isInElement, auto entry) {
             return treatmentOf(path, isInElement, entry);

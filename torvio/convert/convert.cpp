@@ -38,7 +38,7 @@ std::string obstacle(const explain::FileReport& report, FileKind kind) {
 // defaults cannot be stored.
 void noteOtherDefaults(const values::Type& type, const ReadFields& read, Report& report) {
   std::erase_if(report.losses, [&](const Loss& loss) {
-    if (!read.lackOwnerOf(type, loss.path)) return false;
+    if (!read.lacksOwnerOf(type, loss.path)) return false;
     report.notes.push_back(loss.member + " is not in the old file; the new file has defaults that differ.");
     return true;
   });

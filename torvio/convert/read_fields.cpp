@@ -41,7 +41,7 @@ void ReadFields::add(std::string pattern) {
   }
 }
 
-bool ReadFields::lackOwnerOf(const values::Type& root, std::string_view path) const {
+bool ReadFields::lacksOwnerOf(const values::Type& root, std::string_view path) const {
   const values::Type* type = &root;
   for (const PathStep& step : stepsOf(path)) {
     const auto member = std::find_if(type->members.begin(), type->members.end(),

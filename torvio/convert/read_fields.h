@@ -20,7 +20,7 @@ class ReadFields {
   // Whether a field with that path (without indexes) was read, or one inside it.
   bool has(std::string_view pattern) const { return patterns_.find(pattern) != patterns_.end(); }
   // Whether nothing was read of an embedded record or a list that holds the member at that path.
-  bool lackOwnerOf(const values::Type& root, std::string_view path) const;
+  bool lacksOwnerOf(const values::Type& root, std::string_view path) const;
   std::uint64_t count() const { return count_; }
 
  private:

@@ -235,10 +235,10 @@ void dropIncomplete(OldMachine& machine) {
   for (ToolStationList* list : {&machine.stationsA, &machine.stationsB, &machine.stationsC}) dropIncomplete(*list);
 }
 
-void settle(TorvPart& part, const SoundPart&) { dropIncomplete(part.toolStations); }
-void settle(OldMacro& macro, const SoundPart&) { dropIncomplete(macro.stationList); }
-void settle(OldMachine& machine, const SoundPart&) { dropIncomplete(machine); }
-void settle(OldSheet& sheet, const SoundPart& sound) {
+void makeConsistent(TorvPart& part, const SoundPart&) { dropIncomplete(part.toolStations); }
+void makeConsistent(OldMacro& macro, const SoundPart&) { dropIncomplete(macro.stationList); }
+void makeConsistent(OldMachine& machine, const SoundPart&) { dropIncomplete(machine); }
+void makeConsistent(OldSheet& sheet, const SoundPart& sound) {
   dropIncomplete(sheet.machine);
   // A load keeps these lists with elements that it could not read.
   if (sound.broken() && sound.broken()->list == "setupList.entries")
@@ -247,7 +247,7 @@ void settle(OldSheet& sheet, const SoundPart& sound) {
   // A load reads the path before the machine, and sets it after the machine was read.
   if (sheet.machine.path[0] == '\0') frame::setPath(sheet.machine.path, sound.machinePath());
 }
-void settle(auto&, const SoundPart&) {}
+void makeConsistent(auto&, const SoundPart&) {}
 
 // Reduces the count of rows. Returns what it was if it was higher.
 std::optional<std::uint64_t> shortenRows(const Type& type, void* record, const std::string& owner, const Rows& rows,
@@ -342,7 +342,7 @@ void recoverAs(std::span<const std::byte> bytes, SoundPart& sound, const std::st
   std::optional<std::uint64_t> rowsBefore;
   if (broken && broken->listRows != nullptr)
     rowsBefore = shortenRows(type, &record, broken->owner, *broken->listRows, broken->rowCount);
-  settle(record, sound);
+  makeConsistent(record, sound);
   if constexpr (kKind == FileKind::groupPart)
     if (record.parts.empty()) {
       to.error = "nothing can be recovered: not one part is complete";
@@ -419,7 +419,7 @@ Recovered recover(std::span<const std::byte> bytes, FileKind kind, const std::st
 
   report.to = nearestSaved(kind, *file.version);
   if (report.to != *file.version)
-    report.notes.push_back("No file is saved in version " + std::to_string(*file.version) +
+    report.notes.push_back("Files cannot be saved in version " + std::to_string(*file.version) +
                            ": the new one has version " + std::to_string(report.to) + ".");
   report.fault = firstFault(file);
   const std::uint64_t end = report.fault ? report.fault->offset : file.walked;

@@ -470,7 +470,7 @@ class SheetPicture {
       });
     if (hasGroups_) picture_.assume(kGroupsAssumed);
     if (isMerged_)
-      picture_.assume("copies whose grid step is no length are one rectangle, marked \xC3\x97 with their number");
+      picture_.assume("copies whose grid step is not a length are one rectangle, marked \xC3\x97 with their number");
     if (isGrid_)
       picture_.assume("the grid steps are the bits of real numbers, gridStep1 along x and gridStep2 along y");
     if (isTurned_)
@@ -479,7 +479,7 @@ class SheetPicture {
     picture_.leaveOut(beyondCap_, "copy", "copies", "beyond the first 10,000 rectangles");
     picture_.leaveOut(outside_, "copy", "copies", "far outside of the plate");
     picture_.leaveOut(withoutSize_, "placement", "placements", "the size of the part is not positive");
-    picture_.leaveOut(withoutPlace_, "placement", "placements", "the origin is no number");
+    picture_.leaveOut(withoutPlace_, "placement", "placements", "the origin is not a number");
     picture_.leaveOut(marksOutside_, "shape of a part", "shapes of parts", "outside of its rectangle");
     picture_.leaveOut(marksLeft_, "shape of a part", "shapes of parts", "beyond the first 2,000 of the part");
   }

@@ -62,8 +62,8 @@ std::string FormatPrinter::pathOf(std::string names) const {
 void FormatPrinter::add(std::size_t i, const std::string& stored, const std::string& rule) {
   const std::string condition = defaults_.empty() ? rule : defaults_[defaults_.size() == 1 ? 0 : i] + " below";
   if (names_[i] == "itself") names_[i] = "value";
-  const bool goesOn = rows_.size() > runFrom_ && rows_.back().stored == stored && rows_.back().condition == condition;
-  if (goesOn && !stored.starts_with("block"))
+  const bool joinsRow = rows_.size() > runFrom_ && rows_.back().stored == stored && rows_.back().condition == condition;
+  if (joinsRow && !stored.starts_with("block"))
     rows_.back().names.push_back(name(i));
   else
     rows_.push_back({{name(i)}, stored, conditions_, condition});

@@ -198,16 +198,16 @@ void Mapper::remark(std::string text) {
 }
 
 void Mapper::leave() {
-  row_ = around_.back().row;
-  around_.pop_back();
-  if (named_ <= around_.size()) return;
-  named_ = around_.size();
-  path_.resize(around_.empty() ? 0 : around_.back().pathSize);
+  row_ = levels_.back().row;
+  levels_.pop_back();
+  if (named_ <= levels_.size()) return;
+  named_ = levels_.size();
+  path_.resize(levels_.empty() ? 0 : levels_.back().pathSize);
 }
 
 const std::string& Mapper::path() {
-  for (; named_ < around_.size(); ++named_) {
-    Around& next = around_[named_];
+  for (; named_ < levels_.size(); ++named_) {
+    Level& next = levels_[named_];
     appendName(path_, next.name, next.row);
     path_ += '.';
     next.pathSize = path_.size();

@@ -119,7 +119,7 @@ class Mapper : public codec::Reading<Mapper> {
 
   template <class Names>
   void enter(const Names& names, std::int64_t index = -1, std::size_t list = 0) {
-    around_.push_back({{names(), list, index}, row_, 0});
+    levels_.push_back({{names(), list, index}, row_, 0});
   }
   void leave();
   void atRow(std::int64_t row) { row_ = row; }
@@ -198,14 +198,14 @@ class Mapper : public codec::Reading<Mapper> {
   codec::InStream& in_;
   MapSink sink_;
   OffsetRange wanted_;
-  struct Around {
+  struct Level {
     Name name;
     std::int64_t row;      // of the enclosing record or list
     std::size_t pathSize;  // with its own name, once that is part of path_
   };
   // The records and lists that the walk is inside. Most walks need few paths, so each is made when it is needed:
   // path_ has the names of the first named_ of them.
-  std::vector<Around> around_;
+  std::vector<Level> levels_;
   std::string path_;
   FieldNames names_;
   std::size_t named_ = 0;

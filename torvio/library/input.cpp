@@ -65,11 +65,11 @@ Input::Input(const torvio_input* input) {
     name_ = input_.path;
   if (input_.kind != nullptr) {
     kind_ = explain::kindNamed(input_.kind);
-    if (!kind_) fail(badArgument("the kind of the input is none of " + listed(explain::kindNames())));
+    if (!kind_) fail(badArgument("the kind of the input is not one of " + listed(explain::kindNames())));
   }
   if (input_.encoding != nullptr) {
     const auto encoding = values::TextEncoding::named(input_.encoding);
-    if (!encoding) fail(badArgument("the encoding of the input is none of " + listed(values::TextEncoding::names())));
+    if (!encoding) fail(badArgument("the encoding of the input is not one of " + listed(values::TextEncoding::names())));
     encoding_ = *encoding;
   }
 }

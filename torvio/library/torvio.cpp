@@ -130,11 +130,11 @@ explain::MapFilter filterOf(const char* find, const char* range) {
   if (find != nullptr) {
     std::string error;
     filter.path = explain::PathPattern::parsed(find, error);
-    if (!filter.path) fail(badArgument("find is no field: " + error));
+    if (!filter.path) fail(badArgument("find is not a field path: " + error));
   }
   if (range != nullptr) {
     filter.range = explain::OffsetRange::parsed(range);
-    if (!filter.range) fail(badArgument("range is no offset and no range of offsets"));
+    if (!filter.range) fail(badArgument("range is neither an offset nor a range of offsets"));
   }
   return filter;
 }
@@ -172,18 +172,18 @@ void map(Answer& answer, const Input& input, const explain::MapFilter& filter, b
 void format(Answer& answer, const std::string& name, const std::string& language) {
   const auto kind = explain::kindNamed(name);
   const std::vector<explain::FormatRow> rows = kind ? explain::formatRows(*kind) : explain::recordRows(name);
-  if (rows.empty()) fail(badArgument("name is no kind of file and no record"));
+  if (rows.empty()) fail(badArgument("name is neither a kind of file nor a record"));
   if (language == "markdown") {
     answer.append(explain::markdownOf(rows));
   } else if (language == "json") {
     answer.append(report::formatJson(rows));
   } else if (language == "kaitai") {
-    if (!kind) fail(refused("Kaitai descriptions are of kinds of files"));
+    if (!kind) fail(refused("Kaitai descriptions exist only for kinds of files"));
     const report::KaitaiDescription description = report::kaitaiDescription(*kind);
     if (!description.problems.empty()) fail(refused("cannot be described for Kaitai: " + description.problems.front()));
     answer.append(description.text);
   } else {
-    fail(badArgument("language is none of markdown, json, kaitai"));
+    fail(badArgument("language is not one of markdown, json, kaitai"));
   }
 }
 
@@ -386,7 +386,7 @@ torvio_status torvio_from_json(const torvio_input* input, int32_t version, uint3
 torvio_status torvio_schema(const char* kind, torvio_buffer** result, torvio_error** error) noexcept {
   return answered(result, error, [&](Answer& answer) {
     const auto known = explain::kindNamed(required(kind, "kind"));
-    if (!known) fail(badArgument("kind is no kind of file"));
+    if (!known) fail(badArgument("kind is not a kind of file"));
     answer.append(values::jsonSchema(*known));
   });
 }

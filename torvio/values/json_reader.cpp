@@ -143,7 +143,7 @@ class RecordBuilder {
 
   JsonRecord result(bool isParsed) {
     if (error_.empty() && characters_.error() != nullptr) error_ = characters_.error();
-    if (error_.empty() && !isParsed) error_ = "this is no JSON text";
+    if (error_.empty() && !isParsed) error_ = "not valid JSON";
     if (error_.empty()) checkHead();
     JsonRecord read;
     read.error = error_;
@@ -159,7 +159,7 @@ class RecordBuilder {
 
   bool null() {
     if (isHead() && current() == Key::record && !frames_.empty()) {
-      return fail("there is none: the file could not be loaded as any kind and version");
+      return fail("null, because the file could not be loaded as any kind and version");
     }
     return scalar("null");
   }
@@ -290,7 +290,7 @@ class RecordBuilder {
       return std::string(rest.substr(0, std::min({rest.find(after), rest.size(), std::size_t{100}})));
     };
     const std::string place = between("parse error at ", ":"), reason = between(" - ", ";");
-    error_ = (place.empty() ? "" : place + ": ") + "this is no JSON text" + (reason.empty() ? "" : ": " + reason);
+    error_ = (place.empty() ? "" : place + ": ") + "not valid JSON" + (reason.empty() ? "" : ": " + reason);
     return false;
   }
 
@@ -470,7 +470,7 @@ class RecordBuilder {
     }
     if (i == members.size()) {
       frame.index = 0;
-      return fail(nameInQuotes(name) + " is no member of " + std::string(frame.type->name));
+      return fail(nameInQuotes(name) + " is not a member of " + std::string(frame.type->name));
     }
     frame.index = i + 1;
     char& seen = seen_[frame.seenFrom + i];
@@ -518,7 +518,7 @@ class RecordBuilder {
     const auto& names = headNames();
     const auto found = std::find(names.begin(), names.end(), name);
     currentHead_ = std::nullopt;
-    if (found == names.end()) return fail(nameInQuotes(name) + " is no member of a document");
+    if (found == names.end()) return fail(nameInQuotes(name) + " is not a member of a document");
     currentHead_ = static_cast<Key>(found - names.begin());
     if (hasHead(*currentHead_)) return fail("is there twice");
     headSeen_ |= std::uint64_t{1} << headIndex(*currentHead_);
@@ -589,14 +589,14 @@ class RecordBuilder {
             head_.kind = info.kind;
             return true;
           }
-        return fail(nameInQuotes(value) + " is no kind of file");
+        return fail(nameInQuotes(value) + " is not a kind of file");
       case Key::encoding:
         if (const auto encoding = TextEncoding::named(value)) {
           encoding_ = *encoding;
           head_.encoding = value;
           return true;
         }
-        return fail(nameInQuotes(value) + " is no encoding");
+        return fail(nameInQuotes(value) + " is not an encoding");
       default:
         return fail("must be " + wantedInHead() + ", not a string");
     }

@@ -100,7 +100,7 @@ function viewOf(bytes, what) {
 function utf8(text, what) {
   if (typeof text !== 'string') throw new TypeError(`${what} must be a string`);
   // Halves of a surrogate pair have no UTF-8.
-  if (/\p{Surrogate}/u.test(text)) throw badArgument(`${what} is no Unicode text`);
+  if (/\p{Surrogate}/u.test(text)) throw badArgument(`${what} is not valid Unicode`);
   try {
     return encoder.encode(text);
   } catch (error) {

@@ -63,9 +63,9 @@ class PartBuilder:
     def save(self, path: _paths.Path, version: int) -> None:
         """Saves the part as it is now. More can be added, and it can be saved again."""
         if not 0 <= version <= 32767:
-            raise Error(f"no part file is saved in version {version}", status=-1)
+            raise Error(f"a part file cannot be saved in version {version}", status=-1)
         status = self._builder.save(_paths.encoded(path), version)
         if status != 0:
-            reason = {-1: f"no part file is saved in version {version}"}.get(
+            reason = {-1: f"a part file cannot be saved in version {version}"}.get(
                 status, "cannot be written" if len(self) else "a part without shapes cannot be saved")
             raise Error(f"{_paths.shown(path)}: {reason}", status=status, path=path, version=version)

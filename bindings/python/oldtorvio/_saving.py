@@ -8,7 +8,7 @@ from ._errors import Error
 def dumps(record: _core.Record, version: int) -> bytes:
     """The bytes of the file that save() writes."""
     if not 0 <= version <= 32767:
-        raise Error(f"no file is saved in version {version}", status=-1)
+        raise Error(f"a file cannot be saved in version {version}", status=-1)
     data: bytes
     data, status, reason = _core._dumps(record, version)
     if status != 0:

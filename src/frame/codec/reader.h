@@ -119,7 +119,7 @@ class Reader : public Reading<Reader> {
   std::uint64_t position() const { return in_.position(); }
 
   template <class V, class... A>
-  std::int64_t quickRun(V& list, std::int64_t count, const A&... more) {
+  std::int64_t appendFast(V& list, std::int64_t count, const A&... more) {
     if constexpr (HasFastPath<typename V::value_type>)
       return readRunFast(list, count, more...);
     else

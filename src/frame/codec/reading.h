@@ -236,7 +236,7 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
   void atRow(std::int64_t) {}
   // A walker may have a faster way through elements: appends as many of `count` as it can that way.
   template <class V, class... A>
-  std::int64_t quickRun(V&, std::int64_t /*count*/, const A&...) {
+  std::int64_t appendFast(V&, std::int64_t /*count*/, const A&...) {
     return 0;
   }
   // The same for one element, which has its default values.
@@ -293,9 +293,9 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
     auto& list = x.only();
     using Element = typename std::remove_cvref_t<decltype(list)>::value_type;
     makeRoom(list, count, minStoredSizeOf<Element>());
-    if constexpr (kHoldsLists<Element>) return appendHolders(count, x, more...);
-    for (std::int64_t i = self().quickRun(list, count, more...); i < count;
-         i += 1 + self().quickRun(list, count - i - 1, more...)) {
+    if constexpr (kContainsLists<Element>) return appendNested(count, x, more...);
+    for (std::int64_t i = self().appendFast(list, count, more...); i < count;
+         i += 1 + self().appendFast(list, count - i - 1, more...)) {
       if (elementAt(x, i, list.emplace_back(), more...)) continue;
       list.pop_back();
       return false;
@@ -406,39 +406,39 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
   template <class V>
   void makeRoom(V& list, std::int64_t count, std::size_t least) {
     const std::size_t room = roomFor(count, least);
-    for (Holders* around = holders_; around != nullptr && room > 0; around = around->around)
-      if (around->release != nullptr && std::uint64_t{room} * least + around->claimed > self().left())
-        std::exchange(around->release, nullptr)(around->list);
+    for (OpenList* outer = openLists_; outer != nullptr && room > 0; outer = outer->outer)
+      if (outer->release != nullptr && std::uint64_t{room} * least + outer->claimed > self().left())
+        std::exchange(outer->release, nullptr)(outer->list);
     list.reserve(list.size() + room);
   }
 
   // A list whose elements contain lists, while one of these is read. If a file claims more for an inner list and the
   // elements after it than it contains, the memory of both would add up: so the outer list releases its spare room. The
   // element that is being read is not part of its list until it is complete.
-  struct Holders {
-    Holders* around;
+  struct OpenList {
+    OpenList* outer;
     std::uint64_t claimed;  // the least number of bytes that the elements after the current one take
     void* list;
     void (*release)(void* list);  // null after a call, because each call may copy all elements
   };
   template <class Element>
-  static constexpr bool kHoldsLists = !std::is_trivially_copyable_v<Element> && !HasFastPath<Element>;
+  static constexpr bool kContainsLists = !std::is_trivially_copyable_v<Element> && !HasFastPath<Element>;
 
   template <class X, class... A>
-  bool appendHolders(std::int64_t count, const X& x, const A&... more) {
+  bool appendNested(std::int64_t count, const X& x, const A&... more) {
     auto& list = x.only();
     using List = std::remove_cvref_t<decltype(list)>;
     const std::size_t least = minStoredSizeOf<typename List::value_type>();
-    Holders here{holders_, 0, &list, [](void* all) { releaseRoom(*static_cast<List*>(all)); }};
+    OpenList here{openLists_, 0, &list, [](void* all) { releaseRoom(*static_cast<List*>(all)); }};
     for (std::int64_t i = 0; i < count; ++i) {
       const std::int64_t following = std::min(count - i, static_cast<std::int64_t>(list.capacity() - list.size())) - 1;
       here.claimed = following > 0 ? static_cast<std::uint64_t>(following) * least : 0;
-      holders_ = &here;
+      openLists_ = &here;
       typename List::value_type element;
       self().enter(x.names, i);
       const bool ok = walk(element, more...);
       self().leave();
-      holders_ = here.around;
+      openLists_ = here.outer;
       if (!ok) return false;
       if (list.size() == list.capacity()) list.reserve(grown(list.size(), 1 + roomFor(count - i - 1, least)));
       list.push_back(std::move(element));
@@ -483,7 +483,7 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
 
   Stop stop_ = Stop::none;
   bool forgave_ = false;
-  Holders* holders_ = nullptr;
+  OpenList* openLists_ = nullptr;
 };
 
 }  // namespace oldtorvio::codec
