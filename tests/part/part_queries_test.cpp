@@ -22,62 +22,43 @@ using namespace testing_support;
 
 // ---- files ---------------------------------------------------------------------------------------
 
-struct ToolForm {
-  int code = 1;
-  float d1 = 0, d2 = 0, d3 = 0, orientation = 0;
-  std::string path = {};
-};
-
-Bytes toolBytes(int version, bool pathIsStored, const ToolForm& t) {
-  Bytes b;
-  b.f32(t.orientation).i32(t.code);
-  if (t.code == 108 && version >= 90) b.zeros(24);
-  b.i32(0);
-  if (pathIsStored && t.code == 108) b.text(256, t.path);
-  b.i32(0).f32(t.code == 107 ? t.d2 : t.d1).f32(t.code == 107 ? t.d1 : t.d2).f32(t.d3);
-  b.zeros(2 * (4 + (version < 110 ? 16U : 24U)) + 8);
-  return b.zeros((version >= 60 ? 8U : 0U) + (version >= 110 ? 16U : 0U) + (version >= 111 ? 264U : 0U));
+OldTool tool(std::int32_t code, float dimension1, float dimension2, float dimension3, float orientation) {
+  OldTool t;
+  t.shapeCode = code;
+  t.dimension1 = dimension1;
+  t.dimension2 = dimension2;
+  t.dimension3 = dimension3;
+  t.orientation = orientation;
+  return t;
+}
+// The path may fill its field.
+OldTool special(const std::string& path, float orientation = 0) {
+  OldTool t = tool(108, 0, 0, 0, orientation);
+  path.copy(t.specialToolPath, sizeof t.specialToolPath);
+  return t;
 }
 
-struct PartForm {
-  std::vector<ToolForm> tools;
-  float width = 40, height = 25, thickness = 0.125F;
-  std::string material = "steel", revision = "rev B";
-  float cosine = 1, sine = 0;
-};
-
-Bytes partBody(int version, const PartForm& p) {
-  const auto since = [version](int first, std::size_t bytes) { return version >= first ? bytes : 0; };
-  Bytes b;
-  b.f32(p.width).f32(p.height).zeros(3 * 21 + 8).f32(p.thickness).zeros(4);
-  b.i32(-1).i32(1).i32(0).i32(0).zeros(256 + since(80, 501));
-  b.zeros(4 + since(61, 4) + since(90, 4));
-  if (version >= 100) b.i32(2).zeros(8);
-  b.i32(static_cast<std::int64_t>(p.tools.size()));
-  for (const ToolForm& t : p.tools) {
-    b.i32(1).f32(0).i32(0).i32(1).zeros(4 * 15 + 3 + 4 + since(60, 8) + since(61, 36) + since(90, 49));
-    if (version >= 100) b.zeros(4).i32(2).zeros(20);
-    b.zeros(since(110, 4) + since(112, 4) + since(130, 8)).add(toolBytes(version, true, t));
-  }
-  b.i32(0).i32(1).i32(1).zeros(16).f32(p.cosine).f32(p.sine).zeros(12 + since(80, 8));
-  b.zeros(1 + 12 + 8);
-  if (version >= 62) b.zeros(512).text(21, p.revision).text(256, p.material).zeros(260);
-  b.zeros(since(71, 8) + since(102, 12) + since(110, 5 * 256 + 16) + since(111, 512) + since(112, 256));
-  return b.zeros(since(140, 16) + since(151, 4) + since(152, 24) + since(154, 4) + since(161, 4) + since(180, 1032));
+TorvPart partWith(const std::vector<OldTool>& tools = {}) {
+  TorvPart part;
+  part.width = 40;
+  part.height = 25;
+  part.thickness = 0.125F;
+  std::strcpy(part.materialType, "steel");
+  std::strcpy(part.revision, "rev B");
+  part.patterns.resize(1);
+  part.toolStations.stations.resize(tools.size());
+  part.toolStations.tools = tools;
+  return part;
 }
 
-Bytes partFile(int version, const PartForm& p) { return Bytes().i16(version).add(partBody(version, p)); }
-
-Bytes groupFile(int version, std::int32_t extra, int nameBlock, const std::vector<PartForm>& parts,
-                const std::vector<std::string>& names = {"part0", "part1", "part2"}) {
-  Bytes b;
-  b.i16(version).i32(extra).i32(nameBlock);
-  for (std::size_t i = 0; i < parts.size(); ++i)
-    b.text(static_cast<std::size_t>(nameBlock), names[i]).add(partBody(version, parts[i]));
-  return b;
+Bytes partFile(int version, const std::vector<OldTool>& tools = {}) { return heldPartFile(version, partWith(tools)); }
+// One part for each list of tools.
+Bytes groupFile(int version, std::int32_t extra, std::int32_t nameSize,
+                const std::vector<std::vector<OldTool>>& toolsOfParts) {
+  std::vector<Bytes> bodies;
+  for (const auto& tools : toolsOfParts) bodies.push_back(heldPartBody(version, partWith(tools)));
+  return storedGroupFile(version, extra, nameSize, bodies);
 }
-
-ToolForm special(const std::string& path, float orientation = 0) { return {108, 0, 0, 0, orientation, path}; }
 
 // Calls check(n) with the file shortened to n bytes, from the longest cut down; `wanted` picks the cuts.
 template <class Wanted, class Check>
@@ -156,14 +137,13 @@ void expectRefused(const char* path, std::int64_t status) {
 
 TEST(PartQueries, EveryVersionSupportsEveryQuery) {
   const TempFolder folder;
-  PartForm form;
-  form.cosine = 0;
-  form.sine = 1;
-  form.tools = {{1, 0.5F, 0, 0, 0},           special("C:\\S\\star.one.spt", 90), {0, 1, 2, 3, 4},
-                {107, 1.25F, -2, 12345, -45}, special("/s/moon.SPT", 0.0625F),    {-3, 1, 1, 1, 1}};
+  TorvPart part = partWith({tool(1, 0.5F, 0, 0, 0), special("C:\\S\\star.one.spt", 90), tool(0, 1, 2, 3, 4),
+                            tool(107, 1.25F, -2, 12345, -45), special("/s/moon.SPT", 0.0625F), tool(-3, 1, 1, 1, 1)});
+  part.patterns[0].rotationCos = 0;
+  part.patterns[0].rotationSin = 1;
   for (const int v : partVersions()) {
     SCOPED_TRACE(v);
-    const std::string path = folder.write("p", partFile(v, form));
+    const std::string path = folder.write("p", heldPartFile(v, part));
     Room room;
     float w = 0, h = 0, t = 0;
     ASSERT_EQ(GetOldPartInfo(path.c_str(), room.text, &w, &h, &t), 0);
@@ -183,9 +163,9 @@ TEST(PartQueries, EveryVersionSupportsEveryQuery) {
 TEST(PartQueries, RefusedVersionsAndFilesLeaveTheOutputs) {
   const TempFolder folder;
   for (const int v : {-32768, -1, 0, 1, 4, 6, 51, 53, 63, 70, 72, 163, 169, 171, 179, 181, 32767})
-    expectRefused(folder.write("p", partFile(v, {})).c_str(), -1);
+    expectRefused(folder.write("p", partFile(v)).c_str(), -1);
   for (const int v : {2, 3}) {
-    expectRefused(folder.write("p", partFile(v, {})).c_str(), 1);
+    expectRefused(folder.write("p", partFile(v)).c_str(), 1);
     expectRefused(folder.write("p", Bytes().i16(v).zeros(500)).c_str(), 1);
   }
   expectRefused(folder.path("missing").c_str(), -2);
@@ -195,7 +175,7 @@ TEST(PartQueries, RefusedVersionsAndFilesLeaveTheOutputs) {
 TEST(PartQueries, CutFileReturnsOne) {
   const TempFolder folder;
   for (const int v : {61, 112, 180}) {
-    const Bytes whole = partFile(v, {{special("a.spt"), {3, 1, 2, 3, 4}}});
+    const Bytes whole = partFile(v, {special("a.spt"), tool(3, 1, 2, 3, 4)});
     const std::string path = folder.write(std::to_string(v), whole);
     const auto some = [&](std::size_t n) { return n < 8 || n + 12 > whole.size() || n % 11 == 0; };
     atEachCut(path, whole.size(), some, [&](std::size_t) { expectRefused(path.c_str(), 1); });
@@ -204,7 +184,7 @@ TEST(PartQueries, CutFileReturnsOne) {
 
 TEST(PartQueries, KeysIgnoreCaseAndUnknownOnesAndNullsReturnOne) {
   const TempFolder folder;
-  const std::string path = folder.write("p", partFile(180, {}));
+  const std::string path = folder.write("p", partFile(180));
   for (const char* key : {"ANGLE", "Angle", "aNgLe"}) EXPECT_EQ(answer(path, key), "0");
   EXPECT_EQ(answer(path, "REVISION"), "rev B");
   EXPECT_EQ(answer(path, "mattype"), "steel");
@@ -218,7 +198,7 @@ TEST(PartQueries, KeysIgnoreCaseAndUnknownOnesAndNullsReturnOne) {
   EXPECT_EQ(GetOldPartInfo_v1(folder.path("missing").c_str(), nullptr, room.text), 1);
   // The part is loaded before the key is checked.
   EXPECT_EQ(GetOldPartInfo_v1(folder.path("missing").c_str(), "Width", room.text), -2);
-  EXPECT_EQ(GetOldPartInfo_v1(folder.write("q", partFile(53, {})).c_str(), "Width", room.text), -1);
+  EXPECT_EQ(GetOldPartInfo_v1(folder.write("q", partFile(53)).c_str(), "Width", room.text), -1);
   EXPECT_TRUE(room.untouched());
 }
 
@@ -231,10 +211,11 @@ TEST(PartQueries, AngleIsTheArcTangentInRadians) {
       {{2, -2}, "-0.785398"}, {{1e30F, 1e-30F}, "1e-60"}, {{1, 1e-6F}, "1e-06"}, {{kNan, 0}, "nan"},
   };
   for (const auto& [pair, text] : table) {
-    PartForm form;
-    form.cosine = pair.first;
-    form.sine = pair.second;
-    EXPECT_EQ(answer(folder.write("p", partFile(150, form)), "angle"), text) << pair.first << ' ' << pair.second;
+    TorvPart part = partWith();
+    part.patterns[0].rotationCos = pair.first;
+    part.patterns[0].rotationSin = pair.second;
+    const std::string path = folder.write("p", heldPartFile(150, part));
+    EXPECT_EQ(answer(path, "angle"), text) << pair.first << ' ' << pair.second;
   }
 }
 
@@ -247,10 +228,9 @@ TEST(PartQueries, NumbersPrintAsTheirFormatsSay) {
   const TempFolder folder;
   constexpr float kInf = std::numeric_limits<float>::infinity(), kNan = std::numeric_limits<float>::quiet_NaN();
   const auto path = [&](float value) {
-    PartForm form;
-    form.thickness = value;
-    form.tools = {{3, value, 0, 0, 0}};
-    return folder.write("p", partFile(162, form));
+    TorvPart part = partWith({tool(3, value, 0, 0, 0)});
+    part.thickness = value;
+    return folder.write("p", heldPartFile(162, part));
   };
   struct Row {
     float value;
@@ -308,7 +288,7 @@ TEST(PartQueries, SpecialToolIsNamedByItsBaseName) {
       {"C:\\" + wide, wide},
   };
   for (const auto& [stored, name] : table) {
-    const std::string path = folder.write("p", partFile(100, {{special(stored, 1.5F)}}));
+    const std::string path = folder.write("p", partFile(100, {special(stored, 1.5F)}));
     EXPECT_EQ(toolString(path), "108 " + name + "  1.500,") << stored;
     EXPECT_EQ(sptString(path), "," + stored + ",") << "the complete path is returned";
   }
@@ -316,19 +296,19 @@ TEST(PartQueries, SpecialToolIsNamedByItsBaseName) {
 
 TEST(PartQueries, TextWithoutANulIsCopiedUpToItsWidth) {
   const TempFolder folder;
-  PartForm form;
-  form.material = std::string(256, 'm');
-  form.revision = std::string(21, 'r');
-  form.tools = {special(std::string(256, 't'))};
-  const std::string path = folder.write("p", partFile(180, form));
+  const std::string material(256, 'm'), revision(21, 'r'), toolPath(256, 't');
+  TorvPart part = partWith({special(toolPath)});
+  material.copy(part.materialType, sizeof part.materialType);
+  revision.copy(part.revision, sizeof part.revision);
+  const std::string path = folder.write("p", heldPartFile(180, part));
   Room room;
   float w = 0, h = 0, t = 0;
   EXPECT_EQ(GetOldPartInfo(path.c_str(), room.text, &w, &h, &t), 0);
-  EXPECT_EQ(room.taken(), form.material);
-  EXPECT_EQ(answer(path, "MatType"), form.material);
-  EXPECT_EQ(answer(path, "Revision"), form.revision);
-  EXPECT_EQ(sptString(path), "," + form.tools[0].path + ",");
-  EXPECT_EQ(groupString(folder.write("g", groupFile(180, 0, 256, {form}))), form.tools[0].path + ",");
+  EXPECT_EQ(room.taken(), material);
+  EXPECT_EQ(answer(path, "MatType"), material);
+  EXPECT_EQ(answer(path, "Revision"), revision);
+  EXPECT_EQ(sptString(path), "," + toolPath + ",");
+  EXPECT_EQ(groupString(folder.write("g", groupFile(180, 0, 256, {{special(toolPath)}}))), toolPath + ",");
 }
 
 // Copies only where the length is below the size, with sign.
@@ -348,16 +328,18 @@ void expectCopiesBelowSize(SizedQuery query, const std::string& path, const std:
 
 TEST(PartQueries, ToolStringIsCopiedWhenItsLengthIsBelowTheSize) {
   const TempFolder folder;
-  const std::string path = folder.write("p", partFile(180, {{{1, 0.5F, 0, 0, 0}}}));
+  const std::string path = folder.write("p", partFile(180, {tool(1, 0.5F, 0, 0, 0)}));
   expectCopiesBelowSize(GetOldPartTool, path, "1  0.500  0.000  0.000  0.000,");
-  expectCopiesBelowSize(GetOldPartTool, folder.write("q", partFile(180, {{{0, 1, 1, 1, 1}}})), "");
-  expectCopiesBelowSize(GetOldPartTool, folder.write("r", partFile(180, {})), "");
+  expectCopiesBelowSize(GetOldPartTool, folder.write("q", partFile(180, {tool(0, 1, 1, 1, 1)})), "");
+  expectCopiesBelowSize(GetOldPartTool, folder.write("r", partFile(180)), "");
 }
 
 TEST(PartQueries, SpecialToolsAreAppendedEachBetweenCommas) {
   const TempFolder folder;
-  const std::string none = folder.write("n", partFile(180, {{{1, 1, 1, 1, 1}, {0, 1, 1, 1, 1, "x"}}}));
-  const std::string two = folder.write("t", partFile(180, {{special("A"), {1, 1, 1, 1, 1}, special("B")}}));
+  OldTool unused = tool(0, 1, 1, 1, 1);
+  std::strcpy(unused.specialToolPath, "x");
+  const std::string none = folder.write("n", partFile(180, {tool(1, 1, 1, 1, 1), unused}));
+  const std::string two = folder.write("t", partFile(180, {special("A"), tool(1, 1, 1, 1, 1), special("B")}));
   EXPECT_EQ(sptString(none, "before"), "before");
   EXPECT_EQ(sptString(two), ",A,,B,");
   EXPECT_EQ(sptString(two, sptString(two)), ",A,,B,,A,,B,");
@@ -365,7 +347,7 @@ TEST(PartQueries, SpecialToolsAreAppendedEachBetweenCommas) {
 
 TEST(PartQueries, CommaLocaleOfTheHostChangesNoNumber) {
   const TempFolder folder;
-  const std::string path = folder.write("p", partFile(180, {{{1, 0.5F, 0, 0, 0}}}));
+  const std::string path = folder.write("p", partFile(180, {tool(1, 0.5F, 0, 0, 0)}));
   const CommaLocale comma;
   if (!comma.isSet()) GTEST_SKIP() << "neither a locale with a decimal comma nor its sources are installed";
   EXPECT_EQ(toolString(path), "1  0.500  0.000  0.000  0.000,");
@@ -379,12 +361,11 @@ List newList() { return {CreateOldPartlistInfo(), DeleteOldPartlistInfo}; }
 
 TEST(GroupPartQueries, SpecialToolsAreClosedByACommaEachAndDoublesStay) {
   const TempFolder folder;
-  std::vector<PartForm> forms(3);
-  forms[0].tools = {special("a"), {1, 1, 1, 1, 1}, special("a")};
-  forms[2].tools = {special("c"), {0, 0, 0, 0, 0}};
+  const std::vector<std::vector<OldTool>> tools{
+      {special("a"), tool(1, 1, 1, 1, 1), special("a")}, {}, {special("c"), tool(0, 0, 0, 0, 0)}};
   for (const int v : {152, 153, 154, 161, 162, 163, 179, 180, 181, 1000, 32767}) {
     SCOPED_TRACE(v);
-    const std::string path = folder.write("g", groupFile(v, 2, 256, forms).fill(7, 0xFF));
+    const std::string path = folder.write("g", groupFile(v, 2, 256, tools).fill(7, 0xFF));
     EXPECT_EQ(groupString(path), "a,a,c,");
   }
 }
@@ -407,9 +388,9 @@ TEST(GroupPartQueries, VersionBelow152ReturnsOneAndNeverMinusOne) {
 TEST(GroupPartQueries, CutFileKeepsThePartsBeforeTheCut) {
   const TempFolder folder;
   for (const int v : {152, 180}) {
-    const PartForm form{{special("a.spt")}};
-    const Bytes whole = groupFile(v, 2, 40, {form, form, form});
-    const std::size_t part = 40 + partBody(v, form).size();
+    const std::vector<OldTool> tools{special("a.spt")};
+    const Bytes whole = groupFile(v, 2, 40, {tools, tools, tools});
+    const std::size_t part = 40 + heldPartBody(v, partWith(tools)).size();
     ASSERT_EQ(whole.size(), 10 + 3 * part);
     const std::string path = folder.write(std::to_string(v), whole);
     const auto some = [&](std::size_t n) { return n < 12 || (n - 6) % part < 8 || n % 17 == 0; };
@@ -424,7 +405,7 @@ TEST(GroupPartQueries, CutFileKeepsThePartsBeforeTheCut) {
 
 TEST(GroupPartQueries, PathsAreCopiedWhenTheirLengthIsBelowTheSize) {
   const TempFolder folder;
-  const std::string path = folder.write("g", groupFile(180, 1, 256, {{{special("C:\\x.spt")}}, {{special("")}}}));
+  const std::string path = folder.write("g", groupFile(180, 1, 256, {{special("C:\\x.spt")}, {special("")}}));
   expectCopiesBelowSize(GetOldSptFromGroupPart, path, "C:\\x.spt,,");
   expectCopiesBelowSize(GetOldSptFromGroupPart, folder.write("h", groupFile(180, 0, 256, {{}})), "");
 }

@@ -1,5 +1,7 @@
-// Patterns and part bodies.
+// Patterns, part bodies and files of parts.
 #pragma once
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "tests/support/stored_forms/shapes.h"
@@ -144,6 +146,8 @@ struct StoredPartForm {
   std::vector<ShapeForm> shapes = someShapes();
   int items = -1;     // of each pattern; -1: one for each shape
   bool bare = false;  // without elements in the other lists
+  // Of the tools at the stations of a part file.
+  std::vector<std::int32_t> toolCodes = bare ? std::vector<std::int32_t>{} : std::vector<std::int32_t>{1, 108, 107};
 
   std::size_t elements(std::size_t count) const { return bare ? 0 : count; }
 };
@@ -189,8 +193,7 @@ void storedPartFront(M& m, int version, const StoredPartForm& form, TorvPart& p)
     m.section(kPartPattern);
     list(m, p.patterns, 2, storedOne);
   } else {
-    storedStations(m, version, form.bare ? std::vector<std::int32_t>{} : std::vector<std::int32_t>{1, 108, 107},
-                   p.toolStations);
+    storedStations(m, version, form.toolCodes, p.toolStations);
     m.section(kPartPattern);
     if constexpr (!M::kChecks) p.patterns.resize(1);
     if (!m.reaches(0))
@@ -274,6 +277,41 @@ void storedPart(M& m, int version, const StoredPartForm& form, TorvPart& p) {
     n.block(p.finalTextD);
     numbers(n, p.finalWord1, p.finalWord2);
   });
+}
+
+// A part that a Maker fills, and part files and group part files of such parts.
+inline Bytes storedPartBody(int version, const StoredPartForm& form = {}) {
+  Maker m;
+  storedPart(m, version, form, *std::make_unique<TorvPart>());
+  return m.bytes;
+}
+inline Bytes storedPartFile(int version, const StoredPartForm& form = {}) {
+  return Bytes().i16(version).add(storedPartBody(version, form));
+}
+// The parts are named "PART 0", "PART 1" and so on.
+inline Bytes storedGroupFile(int version, std::int32_t extraPartCount, std::int32_t nameSize,
+                             const std::vector<Bytes>& bodies) {
+  Bytes b = Bytes().i16(version).i32(extraPartCount).i32(nameSize);
+  for (std::size_t i = 0; i < bodies.size(); ++i)
+    b.text(static_cast<std::size_t>(nameSize), "PART " + std::to_string(i)).add(bodies[i]);
+  return b;
+}
+inline Bytes storedGroupFile(int version, std::int32_t extraPartCount = 0, std::int32_t nameSize = 256,
+                             std::size_t parts = 1) {
+  return storedGroupFile(version, extraPartCount, nameSize, std::vector<Bytes>(parts, storedPartBody(version)));
+}
+
+// A part with the values that it holds. Its lists are empty except for the stations with their tools and one pattern
+// without items.
+inline Bytes heldPartBody(int version, const TorvPart& part) {
+  StoredPartForm form{false, part.hasOptions != 0, 0, {}, 0, true};
+  for (const OldTool& tool : part.toolStations.tools) form.toolCodes.push_back(tool.shapeCode);
+  Maker m = Maker::ofHeldValues();
+  storedPart(m, version, form, *std::make_unique<TorvPart>(part));
+  return m.bytes;
+}
+inline Bytes heldPartFile(int version, const TorvPart& part) {
+  return Bytes().i16(version).add(heldPartBody(version, part));
 }
 
 }  // namespace testing_support
