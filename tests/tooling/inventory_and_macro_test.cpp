@@ -321,33 +321,6 @@ TEST(Inventory, KeepsItsPathAndCutsOneThatIsTooLong) {
 
 // ---- the query of one tool -----------------------------------------------------------------------
 
-Bytes toolForm(int version, const OldTool& t) {
-  Bytes b = Bytes().f32(t.orientation).i32(t.shapeCode);
-  if (t.shapeCode == 108 && version >= 90) b.fill(24, 0x5A);
-  b.i32(t.specialToolIndex).u32(t.auxWord1);
-  const bool triangle = t.shapeCode == 107;
-  b.f32(triangle ? t.dimension2 : t.dimension1).f32(triangle ? t.dimension1 : t.dimension2).f32(t.dimension3);
-  for (const auto& [count, values] :
-       {std::pair{t.firstValueCount, t.firstValues}, std::pair{t.secondValueCount, t.secondValues}}) {
-    b.i32(count);
-    for (int i = 0; i < 6; ++i)
-      if (version >= 110 || (i != 3 && i != 4)) b.f32(values[i]);
-  }
-  b.u32(0).u32(0);
-  if (version >= 60) b.zeros(8);
-  if (version >= 110) b.zeros(16);
-  if (version >= 111) b.zeros(8 + 256);
-  return b;
-}
-
-Bytes inventoryOf(int version, const std::vector<OldTool>& tools, const std::vector<std::string>& files) {
-  Bytes b = Bytes().i16(version).i32(static_cast<std::int64_t>(tools.size())).zeros(160);
-  for (const OldTool& tool : tools) b.add(toolForm(version, tool));
-  b.i32(0).i32(static_cast<std::int64_t>(files.size()));
-  for (const std::string& file : files) b.text(256, file);
-  return b;
-}
-
 OldTool someTool(std::int32_t code, std::int32_t first = 0, std::int32_t second = 0) {
   OldTool t;
   t.orientation = 7.5F;
@@ -398,7 +371,7 @@ TEST(Inventory, NamesToolsByTheirShapeCodeAndLeavesTheNameOfOthers) {
     std::vector<OldTool> tools;
     for (const int code : codes) tools.push_back(someTool(code));
     for (OldTool& tool : tools) tool.specialToolIndex = 2;
-    ASSERT_EQ(counted(folder, inventoryOf(version, tools, {"small.spt", "C:\\x\\BIG.spt"})), tools.size());
+    ASSERT_EQ(counted(folder, storedInventoryFile(version, tools, {"small.spt", "C:\\x\\BIG.spt"})), tools.size());
     for (std::size_t i = 0; i < codes.size(); ++i) {
       const Info info(static_cast<std::int32_t>(i));
       std::string want = "as it was";
@@ -420,7 +393,7 @@ TEST(Inventory, QueryCopiesAsManyValuesAsACountOfOneToSix) {
   tools.push_back(someTool(1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()));
   const TempFolder folder;
   for (const int version : {54, 102, 110, 150}) {
-    ASSERT_EQ(counted(folder, inventoryOf(version, tools, {})), tools.size());
+    ASSERT_EQ(counted(folder, storedInventoryFile(version, tools, {})), tools.size());
     for (std::size_t n = 0; n < tools.size(); ++n) {
       const Info info(static_cast<std::int32_t>(n));
       const int first = tools[n].firstValueCount, second = tools[n].secondValueCount;
@@ -457,7 +430,7 @@ TEST(Inventory, NamesASpecialToolByTheBaseNameOfItsFile) {
     tools.back().specialToolIndex = static_cast<std::int32_t>(files.size());
   }
   const TempFolder folder;
-  counted(folder, inventoryOf(150, tools, files));
+  counted(folder, storedInventoryFile(150, tools, files));
   for (std::size_t i = 0; i < names.size(); ++i)
     EXPECT_EQ(std::string(Info(static_cast<std::int32_t>(i)).name), names[i].second) << names[i].first;
 }
@@ -472,8 +445,8 @@ TEST(Inventory, QueryOfAMissingToolOrFileNameEndsTheProcess) {
   tools.push_back(someTool(1));
   tools.back().specialToolIndex = 99;
   // A larger inventory leaves a tool with a name in the memory after the last one.
-  (void)counted(folder, inventoryOf(150, std::vector<OldTool>(8, someTool(1)), {}));
-  const auto size = static_cast<std::int32_t>(counted(folder, inventoryOf(150, tools, {"a.spt", "b.spt"})));
+  (void)counted(folder, storedInventoryFile(150, std::vector<OldTool>(8, someTool(1)), {}));
+  const auto size = static_cast<std::int32_t>(counted(folder, storedInventoryFile(150, tools, {"a.spt", "b.spt"})));
   ASSERT_EQ(size, 6);
   for (std::int32_t i = 0; i < 5; ++i) EXPECT_DEATH(Info{i}, "invalid vector<T> subscript") << i;
   EXPECT_STREQ(Info(5).name, "ROUND");
@@ -482,8 +455,11 @@ TEST(Inventory, QueryOfAMissingToolOrFileNameEndsTheProcess) {
 
 TEST(Inventory, CountOfADamagedFileIsZeroButItsToolsAreKept) {
   const TempFolder folder;
-  const Bytes whole = inventoryOf(150, {someTool(3), someTool(103)}, {"a.spt"});
-  const std::size_t firstEnd = 2 + 4 + 160 + toolForm(150, someTool(3)).size();
+  const Bytes whole = storedInventoryFile(150, {someTool(3), someTool(103)}, {"a.spt"});
+  Maker first;
+  OldTool tool;
+  storedTool(first, 150, false, 3, tool);
+  const std::size_t firstEnd = 2 + 4 + 160 + first.bytes.size();
   for (std::size_t cut = 2; cut < whole.size(); ++cut) {
     const std::string path = folder.write("cut.inv", whole.cut(cut));
     std::uint32_t count = 99;
@@ -499,7 +475,7 @@ TEST(Inventory, CountOfADamagedFileIsZeroButItsToolsAreKept) {
 
 TEST(Inventory, MissingShortAndRefusedFilesKeepTheCurrentTools) {
   const TempFolder folder;
-  counted(folder, inventoryOf(60, {someTool(112)}, {}));
+  counted(folder, storedInventoryFile(60, {someTool(112)}, {}));
   std::uint32_t count = 9;
   EXPECT_EQ(LoadOldToolInventoryForCount(folder.path("none").c_str(), &count), -2);
   EXPECT_EQ(LoadOldToolInventoryForCount(folder.write("s", Bytes().u8(1)).c_str(), &count), 1);

@@ -10,6 +10,7 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
+#include "tests/support/stored_forms/tooling.h"
 
 namespace {
 
@@ -18,31 +19,11 @@ using namespace testing_support;
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
-struct StoredTool {
-  std::int32_t code;
-  std::int32_t specialToolIndex;
-};
-
-Bytes toolBytes(int version, const StoredTool& tool) {
-  Bytes b;
-  b.f32(0.5F).i32(tool.code);
-  if (tool.code == 108 && version >= 90) b.zeros(24);
-  b.i32(tool.specialToolIndex).i32(0).f32(11).f32(12).f32(13);
-  const std::size_t row = version >= 110 ? 24 : 16;
-  b.i32(0).zeros(row).i32(0).zeros(row).i32(0).i32(0);
-  if (version >= 60) b.zeros(8);
-  if (version >= 110) b.zeros(16);
-  if (version >= 111) b.zeros(264);
-  return b;
-}
-
-Bytes inventoryBytes(int version, const std::vector<StoredTool>& tools, const std::vector<std::string>& files) {
-  Bytes b;
-  b.i16(version).i32(static_cast<std::int64_t>(tools.size())).zeros(160);
-  for (const StoredTool& tool : tools) b.add(toolBytes(version, tool));
-  b.i32(0).i32(static_cast<std::int64_t>(files.size()));
-  for (const std::string& file : files) b.text(256, file);
-  return b;
+OldTool toolOf(std::int32_t shapeCode, std::int32_t specialToolIndex) {
+  OldTool tool;
+  tool.shapeCode = shapeCode;
+  tool.specialToolIndex = specialToolIndex;
+  return tool;
 }
 
 // What the query returns as the name of a tool; "kept" where it sets none.
@@ -70,9 +51,9 @@ TEST(InventoryNames, AnIndexOutsideTheFilesEndsTheProcessWithTheTextOfTheError) 
   for (const int version : {54, 150})
     for (const auto& files : lists) {
       const auto size = static_cast<std::int32_t>(files.size());
-      std::vector<StoredTool> tools;
-      for (const std::int32_t index : {0, -1, kMin, size + 1, kMax}) tools.push_back({108, index});
-      ASSERT_EQ(load(inventoryBytes(version, tools, files)), tools.size());
+      std::vector<OldTool> tools;
+      for (const std::int32_t index : {0, -1, kMin, size + 1, kMax}) tools.push_back(toolOf(108, index));
+      ASSERT_EQ(load(storedInventoryFile(version, tools, files)), tools.size());
       for (std::size_t i = 0; i < tools.size(); ++i)
         EXPECT_DEATH((void)nameOf(static_cast<std::int32_t>(i)), kText)
             << "index " << tools[i].specialToolIndex << " of " << size << " files, version " << version;
@@ -80,14 +61,14 @@ TEST(InventoryNames, AnIndexOutsideTheFilesEndsTheProcessWithTheTextOfTheError) 
 }
 
 TEST(InventoryNames, TheProcessEndsAsTheLibraryEndsIt) {
-  ASSERT_EQ(load(inventoryBytes(150, {{108, 2}}, {"a.spt"})), 1U);
+  ASSERT_EQ(load(storedInventoryFile(150, {toolOf(108, 2)}, {"a.spt"})), 1U);
   EXPECT_EXIT((void)nameOf(0), endedByTheLibrary(), kText);
 }
 
 TEST(InventoryNames, EachIndexOfTheFilesSelectsItsName) {
   for (const int version : {54, 90, 110, 150, 180}) {
-    const std::vector<StoredTool> tools = {{108, 1}, {108, 2}, {108, 3}};
-    ASSERT_EQ(load(inventoryBytes(version, tools, {"C:\\x\\BIG.spt", "a.b.spt", "third"})), 3U);
+    const std::vector<OldTool> tools = {toolOf(108, 1), toolOf(108, 2), toolOf(108, 3)};
+    ASSERT_EQ(load(storedInventoryFile(version, tools, {"C:\\x\\BIG.spt", "a.b.spt", "third"})), 3U);
     EXPECT_EQ(nameOf(0), "BIG");
     EXPECT_EQ(nameOf(1), "a.b");
     EXPECT_EQ(nameOf(2), "third");
@@ -96,9 +77,9 @@ TEST(InventoryNames, EachIndexOfTheFilesSelectsItsName) {
 
 TEST(InventoryNames, AToolOfAnyOtherCodeMayHaveAnyIndex) {
   for (const std::int32_t index : {0, -1, 2, 99, kMin, kMax}) {
-    const std::vector<StoredTool> tools = {{1, index},   {2, index}, {107, index},
-                                           {109, index}, {0, index}, {-108, index}};
-    ASSERT_EQ(load(inventoryBytes(150, tools, {"a.spt"})), tools.size());
+    std::vector<OldTool> tools;
+    for (const std::int32_t code : {1, 2, 107, 109, 0, -108}) tools.push_back(toolOf(code, index));
+    ASSERT_EQ(load(storedInventoryFile(150, tools, {"a.spt"})), tools.size());
     EXPECT_EQ(nameOf(0), "ROUND");
     EXPECT_EQ(nameOf(1), "kept");
     for (std::int32_t i = 2; i < 6; ++i) EXPECT_NE(nameOf(i), "a") << index;
@@ -106,9 +87,9 @@ TEST(InventoryNames, AToolOfAnyOtherCodeMayHaveAnyIndex) {
 }
 
 TEST(InventoryNames, TheFilesOfTheInventoryBeforeAreGone) {
-  ASSERT_EQ(load(inventoryBytes(150, {{108, 2}}, {"a.spt", "b.spt"})), 1U);
+  ASSERT_EQ(load(storedInventoryFile(150, {toolOf(108, 2)}, {"a.spt", "b.spt"})), 1U);
   EXPECT_EQ(nameOf(0), "b");
-  ASSERT_EQ(load(inventoryBytes(150, {{108, 2}}, {})), 1U);
+  ASSERT_EQ(load(storedInventoryFile(150, {toolOf(108, 2)}, {})), 1U);
   EXPECT_DEATH((void)nameOf(0), kText);
 }
 

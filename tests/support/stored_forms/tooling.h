@@ -1,6 +1,7 @@
 // Special tools, inventories and macros.
 #pragma once
 #include <array>
+#include <string>
 #include <vector>
 
 #include "tests/support/stored_forms/shapes.h"
@@ -57,6 +58,19 @@ void storedInventory(M& m, int version, const InventoryForm& form, OldToolInvent
     n.together(file.size());
     for (char& one : file) n.number(one);
   });
+}
+
+// The file of an inventory without entries.
+inline Bytes storedInventoryFile(int version, const std::vector<OldTool>& tools,
+                                 const std::vector<std::string>& specialToolFiles) {
+  InventoryForm form{{}, 0, specialToolFiles.size()};
+  for (const OldTool& tool : tools) form.codes.push_back(tool.shapeCode);
+  OldToolInventory inventory;
+  inventory.tools = tools;
+  for (const std::string& file : specialToolFiles) file.copy(inventory.specialToolFiles.emplace_back().data(), 256);
+  Maker m = Maker::ofHeldValues();
+  storedInventory(m, version, form, inventory);
+  return Bytes().i16(version).add(m.bytes);
 }
 
 struct MacroForm {
