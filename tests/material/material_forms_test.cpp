@@ -15,6 +15,7 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/stored_forms/materials.h"
+#include "tests/support/stored_forms/param_tables.h"
 #include "tests/support/stored_forms/versions.h"
 
 namespace {
@@ -663,25 +664,12 @@ TEST(MaterialBody, SettingListsAreStoredUpToTheirCount) {
 const std::set<int> kShort{52, 60, 500, 501, 502};
 const std::set<int> kLong(longMaterialVersions().begin(), longMaterialVersions().end());
 
-// The layouts of parameter tables are not this file's concern: all that is used here is that a table of
-// zeros is as long as its reader takes it, and that nameLength and name are last below version 500.
-// Tables from 500 on have no name here.
-Bytes tableBytes(int version, const std::string& name) {
-  const Bytes word = Bytes().u16(static_cast<std::uint16_t>(version));
-  std::size_t used = 0;
-  auto t = std::make_unique<ParamTable>();
-  readFrom(
-      Bytes(word).zeros(100000), [&](InStream& s) { return ReadParamTable(s, *t); }, &used);
-  if (version >= 500) return Bytes(word).zeros(used - 2);
-  const std::size_t stored = std::min<std::size_t>(name.size() + 1, 256);
-  return Bytes(word).zeros(used - 6).i32(static_cast<std::int64_t>(stored)).text(stored, name);
-}
 TEST(LoadOldMaterial, LongFileIsAVersionATableAndABody) {
   TempFolder folder;
   const Form f;
   for (int word : kLong)
     for (int tableVersion : {52, 60, 61, 180, 500, 501, 502}) {
-      const Bytes file = Bytes().u16(static_cast<std::uint16_t>(word)).add(tableBytes(tableVersion, "table"));
+      const Bytes file = Bytes().u16(static_cast<std::uint16_t>(word)).add(zeroParamBytes(tableVersion, "table"));
       const std::string path = folder.write("m", Bytes(file).add(madeBody(word, f)));
       auto o = fresh();
       const auto open = openFiles();
@@ -734,7 +722,7 @@ TEST(LoadOldMaterial, MissingShortAndRefusedFilesSetOnlyWhatWasReached) {
   EXPECT_TRUE(o->entryList.empty());
   // a body that ends in its reserved bytes loads with success, one that ends elsewhere does not
   Sections at;
-  const Bytes whole = madeBody(90, Form::bare(), &at), table = tableBytes(60, "t");
+  const Bytes whole = madeBody(90, Form::bare(), &at), table = zeroParamBytes(60, "t");
   const std::size_t front = 2 + table.size();
   const Bytes file = Bytes().u16(90).add(table).add(whole);
   for (auto [cut, status] : {std::pair{front, 1},
@@ -757,7 +745,7 @@ TEST(LoadOldMaterial, ShortFileIsATableWhoseNameNamesTheMaterial) {
          {std::size_t{0}, std::size_t{1}, std::size_t{5}, std::size_t{254}, std::size_t{255}, std::size_t{256}}) {
       if (word >= 500 && length > 0) continue;
       const std::string name(length, 'k');
-      const std::string path = folder.write("m", tableBytes(word, name));
+      const std::string path = folder.write("m", zeroParamBytes(word, name));
       auto o = fresh();
       EXPECT_EQ(readBody(madeBody(180, Form()), 180, *o), 0);
       ASSERT_EQ(LoadOldMaterial(path.c_str(), o.get()), 0) << word << " " << length;

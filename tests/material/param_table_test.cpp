@@ -38,10 +38,7 @@ Table filled(int version, int seed, std::int32_t nameLength) {
 Table copyOf(const Table& table) { return std::make_unique<ParamTable>(*table); }
 
 Bytes storedForm(const Table& table, bool writer = false) {
-  const Table held = copyOf(table);
-  Maker m = Maker::ofHeldValues();
-  storedParamTable(m, {table->version, table->nameLength, writer}, *held);
-  return m.bytes;
+  return heldParamBytes({table->version, table->nameLength, writer}, *table);
 }
 Bytes writtenForm(const Table& table) { return storedForm(table, true); }
 

@@ -15,6 +15,7 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/param_tables.h"
 #include "tests/support/stored_forms/versions.h"
 
 namespace {
@@ -25,39 +26,11 @@ using namespace testing_support;
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
-struct Range {
-  int first, last;
-};
-
-// The numbers that a table of that version stores.
-std::vector<Range> rangesOf(int version) {
-  if (version < 60) return {{55, 89}, {101, 125}};
-  if (version < 80) return {{55, 89}, {101, 125}, {401, 500}};
-  return {{55, 89}, {101, 125}, {401, 500}, {551, 600}};
-}
-bool isStored(int version, int number) {
-  for (const Range& range : rangesOf(version))
-    if (range.first <= number && number <= range.last) return true;
-  return false;
-}
 int tableVersion(int fileVersion) { return fileVersion < 60 ? 52 : fileVersion; }
 
 // The stored table of a file of that version, from the record's own values.
 Bytes tableBytes(int fileVersion, const ParamTable& table, std::int32_t nameLength) {
-  const int version = tableVersion(fileVersion);
-  Bytes b;
-  b.u16(static_cast<std::uint16_t>(version));
-  if (version >= 60) b.add(Bytes::of(std::as_bytes(std::span(table.title))));
-  for (const Range& range : rangesOf(version))
-    for (int n = range.first; n <= range.last; ++n) b.i32(table.intParams[n]);
-  for (const Range& range : rangesOf(version))
-    for (int n = range.first; n <= range.last; ++n) b.f64(table.realParams[n]);
-  if (version >= 60) {
-    for (const Range& range : rangesOf(version))
-      for (int n = range.first; n <= range.last; ++n) b.add(Bytes::of(std::as_bytes(std::span(table.textParams[n]))));
-  }
-  b.i32(nameLength);
-  return b.add(Bytes::of(std::as_bytes(std::span(table.name).first(static_cast<std::size_t>(nameLength)))));
+  return heldParamBytes({tableVersion(fileVersion), nameLength, true}, table);
 }
 
 // A saved sheet that holds nothing but that table and a machine of that text width.
@@ -115,38 +88,28 @@ TEST(TableOfAFreshSheet, IsZeroWithANameOfOneNulWhereNothingWasSet) {
     const std::unique_ptr<OldSheet, void (*)(OldSheet*)> sheet(CreateSheetInfo(), DeleteSheetInfo);
     ASSERT_NE(sheet, nullptr);
     ASSERT_EQ(save(path, *sheet, version), 0) << version;
-    Bytes table = Bytes().u16(static_cast<std::uint16_t>(tableVersion(version)));
-    if (version < 60)
-      table.zeros(60 * 4 + 60 * 8);
-    else
-      table.zeros(256 + (version < 80 ? 160U : 210U) * (4 + 8 + 81));
-    table.i32(1).u8(0);
-    EXPECT_TRUE(TempFolder::read(path) == sheetBytes(version, table)) << version;
+    EXPECT_TRUE(TempFolder::read(path) == sheetBytes(version, zeroParamBytes(tableVersion(version)))) << version;
   }
 }
 
 TEST(TableOfAFreshSheet, RoundTrips) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
-  const auto sheet = filledSheet();
-  const ParamTable& made = sheet->paramTable;
   for (const int version : allSheetVersions()) {
+    const ParamForm form{tableVersion(version), 10, true, false};
+    const auto sheet = filledSheet();
+    Maker maker;
+    storedParamTable(maker, form, sheet->paramTable);
+    sheet->paramTable.version = 0;
+    sheet->paramTable.nameLength = 0;
     ASSERT_EQ(save(path, *sheet, version), 0) << version;
     const auto loaded = std::make_unique<OldSheet>();
     ASSERT_EQ(LoadOldSheet(path.c_str(), loaded.get()), 0) << version;
     const ParamTable& table = loaded->paramTable;
-    EXPECT_EQ(table.version, tableVersion(version));
-    EXPECT_EQ(table.nameLength, 10) << version;
+    Checker checker;
+    storedParamTable(checker, form, loaded->paramTable);
     EXPECT_STREQ(table.name, "STEEL 2.0") << version;
-    const char empty[256] = {};
-    EXPECT_EQ(std::memcmp(table.title, version < 60 ? empty : made.title, 256), 0) << version;
-    for (int n = 0; n < ParamTable::kNumbers; ++n) {
-      const bool stored = isStored(version, n);
-      ASSERT_EQ(table.intParams[n], stored ? made.intParams[n] : 0) << n << " at " << version;
-      ASSERT_EQ(table.realParams[n], stored ? made.realParams[n] : 0.0) << n << " at " << version;
-      ASSERT_EQ(std::memcmp(table.textParams[n], stored && version >= 60 ? made.textParams[n] : empty, 81), 0)
-          << n << " at " << version;
-    }
+    ASSERT_FALSE(HasFailure()) << version;
     EXPECT_EQ(loaded->machine.textWidth, 256) << version;
     // What was loaded is complete: it can be saved, with the same table.
     ASSERT_EQ(save(folder.path("again"), *loaded, version), 0) << version;

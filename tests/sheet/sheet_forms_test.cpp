@@ -18,6 +18,7 @@
 #include "src/sheet/sheet_io.h"
 #include "tests/support/files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/param_tables.h"
 #include "tests/support/stored_forms/sheets.h"
 
 namespace {
@@ -530,12 +531,7 @@ TEST(SheetBody, LateTextIsReadAfterTheFirstBlock) {
 
 // The body of a fresh sheet as a save lays it out.
 Bytes freshBytes(int version, std::int32_t machineWidth = 256) {
-  Bytes table = Bytes().u16(static_cast<std::uint16_t>(version < 60 ? 52 : version));
-  if (version < 60)
-    table.zeros((35 + 25) * (4 + 8));
-  else
-    table.zeros(256 + (35 + 25 + 100 + (version >= 80 ? 50 : 0)) * std::size_t{4 + 8 + 81});
-  return freshSheetBody(version, table.i32(1).u8(0), machineWidth);
+  return freshSheetBody(version, zeroParamBytes(version < 60 ? 52 : version), machineWidth);
 }
 
 TEST(SaveOldSheet, FreshSheetIsSavedAndLoadedAtEveryVersion) {

@@ -1,8 +1,10 @@
 // Parameter tables in their five layouts.
 #pragma once
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <set>
+#include <string>
 
 #include "tests/support/stored_forms/walkers.h"
 
@@ -75,6 +77,24 @@ inline Bytes paramBytes(const ParamForm& form) {
   const auto scratch = std::make_unique<ParamTable>();
   storedParamTable(m, form, *scratch);
   return m.bytes;
+}
+// A table with the values that it holds, but the version and name length of the form.
+inline Bytes heldParamBytes(const ParamForm& form, const ParamTable& table) {
+  const auto held = std::make_unique<ParamTable>(table);
+  held->version = static_cast<std::uint16_t>(form.version);
+  held->nameLength = form.nameLength;
+  Maker m = Maker::ofHeldValues();
+  storedParamTable(m, form, *held);
+  return m.bytes;
+}
+// A table of zeros with that name; from version 500 on it has none.
+inline Bytes zeroParamBytes(int version, const std::string& name = "") {
+  const std::size_t nameSize = version >= 500 ? 0 : std::min<std::size_t>(name.size() + 1, 256);
+  const auto nameLength = static_cast<std::int32_t>(nameSize);
+  const std::size_t size = paramBytes({version, nameLength}).size();
+  const Bytes word = Bytes().u16(static_cast<std::uint16_t>(version));
+  if (version >= 500) return Bytes(word).zeros(size - 2);
+  return Bytes(word).zeros(size - 2 - 4 - nameSize).i32(nameLength).text(nameSize, name);
 }
 
 }  // namespace testing_support
