@@ -201,17 +201,10 @@ TEST(Map, RefusedValueIsTheFault) {
 
 // ---- complete files ------------------------------------------------------------------------------
 
-Bytes partFile(int version) {
-  Maker maker;
-  const auto part = std::make_unique<TorvPart>();
-  storedPart(maker, version, {}, *part);
-  return Bytes().i16(version).add(maker.bytes);
-}
-
 TEST(FileMap, SoundFilesAreWalkedToTheirEnd) {
   const TempFolder folder;
   for (const int version : partVersions()) {
-    const Bytes file = partFile(version);
+    const Bytes file = storedPartFile(version);
     const std::string path = folder.write("p", file);
     for (const explain::FileReport& report :
          {explain::checkFile(path.c_str(), explain::FileKind::part),
@@ -233,14 +226,14 @@ TEST(FileMap, OnlyASoundFileThatGoesOnHasARemarkAboutItsRest) {
                            [&](const MapLine& line) { remarks += line.size == 0 ? 1 : 0; });
     return remarks;
   };
-  EXPECT_EQ(remarksOf(partFile(180)), 0);
-  EXPECT_EQ(remarksOf(partFile(180).zeros(1)), 1);
-  EXPECT_EQ(remarksOf(partFile(180).zeros(2)), 1);
+  EXPECT_EQ(remarksOf(storedPartFile(180)), 0);
+  EXPECT_EQ(remarksOf(storedPartFile(180).zeros(1)), 1);
+  EXPECT_EQ(remarksOf(storedPartFile(180).zeros(2)), 1);
 }
 
 TEST(FileMap, BytesAfterTheLastFieldAreReportedAndNoFault) {
   const TempFolder folder;
-  const std::string path = folder.write("p", partFile(180).zeros(5));
+  const std::string path = folder.write("p", storedPartFile(180).zeros(5));
   std::string last;
   const auto report =
       explain::mapFile(path.c_str(), explain::FileKind::part, [&](const MapLine& line) { last = line.value; });

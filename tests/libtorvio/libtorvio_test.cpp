@@ -16,6 +16,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/sanitizers.h"
+#include "tests/support/stored_forms/parts.h"
 #include "torvio/include/torvio.h"
 
 namespace {
@@ -169,7 +170,7 @@ TEST(Libtorvio, EveryFunctionHasAResultForItsSamples) {
 }
 
 TEST(Libtorvio, PartIsNotSavedAsWhatALoadMisreads) {
-  const Bytes file = partFile(180);
+  const Bytes file = storedPartFile(180);
   const torvio_input part = inputOf(file, "part");
   const std::string json = called([&](auto r, auto e) { return torvio_json(&part, 0, r, e); }).result;
   torvio_input text{};

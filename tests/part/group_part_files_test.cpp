@@ -16,19 +16,6 @@ namespace {
 
 using namespace testing_support;
 
-Bytes groupFile(int version, std::int32_t extra, std::int32_t nameSize, int parts) {
-  Bytes b = Bytes().i16(version).i32(extra).i32(nameSize);
-  for (int i = 0; i < parts; ++i) {
-    const std::string name = "PART " + std::to_string(i);
-    b.text(static_cast<std::size_t>(nameSize), name);
-    Maker maker;
-    const auto part = std::make_unique<TorvPart>();
-    storedPart(maker, version, {}, *part);
-    b.add(maker.bytes);
-  }
-  return b;
-}
-
 struct List {
   SheetPartList* list = CreateOldPartlistInfo();
   ~List() { DeleteOldPartlistInfo(list); }
@@ -47,7 +34,7 @@ TEST(LoadGroupPart, AppendsEachPartInStoredOrder) {
   for (const int version : {152, 155, 160, 161, 162, 170, 180, 181, 500, 32767})
     for (const std::int32_t nameSize : {7, 255, 256}) {
       const List one;
-      const std::string path = folder.write("g", groupFile(version, 2, nameSize, 3));
+      const std::string path = folder.write("g", storedGroupFile(version, 2, nameSize, 3));
       for (const std::size_t loads : {1U, 2U}) {
         ASSERT_EQ(LoadGroupPart(path.c_str(), one.list), 0) << version;
         ASSERT_EQ(one.list->parts.size(), 3 * loads);
@@ -76,8 +63,8 @@ TEST(LoadGroupPart, NameIsReadOverTheDefault) {
   for (const Row& row : {Row{3, "PAR", "PAR PART"}, Row{4, "ABCD", "ABCDPART"}, Row{1, "x", "xEW PART"},
                          Row{9, "ABCD", "ABCD"}, Row{10, "ABCDEFGHIJ", "ABCDEFGHIJ"}, Row{256, "", ""}}) {
     const List one;
-    const Bytes file =
-        patched(groupFile(152, 0, static_cast<std::int32_t>(row.size), 1), 10, Bytes().text(row.size, row.stored));
+    const Bytes file = patched(storedGroupFile(152, 0, static_cast<std::int32_t>(row.size), 1), 10,
+                               Bytes().text(row.size, row.stored));
     ASSERT_EQ(LoadGroupPart(folder.write("g", file).c_str(), one.list), 0);
     EXPECT_STREQ(one.list->parts[0].partName, row.name);
   }
@@ -91,7 +78,7 @@ TEST(LoadGroupPart, AllVersionWordsBelow152ReturnOneAndNoneMinusOne) {
     const std::string path = folder.overwrite("v", Bytes().u16(static_cast<std::uint16_t>(word)).add(rest));
     ASSERT_EQ(LoadGroupPart(path.c_str(), one.list), 1) << word;
   }
-  const Bytes whole = groupFile(180, 0, 256, 1);
+  const Bytes whole = storedGroupFile(180, 0, 256, 1);
   for (const int version : {151, 0, -1, 52}) {
     const Bytes file = Bytes().i16(version).add(Bytes::of(whole.span().subspan(2)));
     EXPECT_EQ(LoadGroupPart(folder.write("v", file).c_str(), one.list), 1);
@@ -105,8 +92,8 @@ TEST(LoadGroupPart, MissingShortAndNull) {
   EXPECT_EQ(LoadGroupPart(folder.path("none").c_str(), one.list), -2);
   EXPECT_EQ(LoadGroupPart("", one.list), -2);
   EXPECT_EQ(LoadGroupPart(nullptr, one.list), -2);
-  EXPECT_EQ(LoadGroupPart(folder.write("g", groupFile(180, 0, 256, 1)).c_str(), nullptr), -2);
-  const Bytes whole = groupFile(180, 0, 256, 1);
+  EXPECT_EQ(LoadGroupPart(folder.write("g", storedGroupFile(180, 0, 256, 1)).c_str(), nullptr), -2);
+  const Bytes whole = storedGroupFile(180, 0, 256, 1);
   for (std::size_t cut = 0; cut < 300; ++cut)
     EXPECT_EQ(LoadGroupPart(folder.write("g", whole.cut(cut)).c_str(), one.list), 1);
 }
@@ -133,7 +120,7 @@ TEST(LoadGroupPart, CountOfFurtherPartsIsSigned) {
   for (const Row& row :
        {Row{-2147483647 - 1, 0, 1}, Row{-1, 0, 1}, Row{0, 0, 1}, Row{1, 0, 2}, Row{2, 1, 2}, Row{2000000000, 1, 2}}) {
     const List one;
-    const std::string path = folder.write("g", groupFile(180, row.extra, 256, 2));
+    const std::string path = folder.write("g", storedGroupFile(180, row.extra, 256, 2));
     EXPECT_EQ(LoadGroupPart(path.c_str(), one.list), row.status) << row.extra;
     EXPECT_EQ(one.list->parts.size(), row.parts) << row.extra;
   }

@@ -20,17 +20,10 @@ namespace {
 
 using namespace testing_support;
 
-Bytes partFile(int version) {
-  Maker maker;
-  const auto part = std::make_unique<TorvPart>();
-  storedPart(maker, version, {}, *part);
-  return Bytes().i16(version).add(maker.bytes);
-}
-
 TEST(LoadOldPart, LoadsEveryAcceptedVersionAndRemembersPathAndVersion) {
   const TempFolder folder;
   for (const int version : partVersions()) {
-    const std::string path = folder.write("a.part", partFile(version));
+    const std::string path = folder.write("a.part", storedPartFile(version));
     const auto part = std::make_unique<TorvPart>();
     ASSERT_EQ(LoadOldPart(path.c_str(), part.get()), 0) << version;
     EXPECT_EQ(part->version, version);
@@ -39,13 +32,13 @@ TEST(LoadOldPart, LoadsEveryAcceptedVersionAndRemembersPathAndVersion) {
     storedPart(checker, version, {}, *part);
     const std::string copy = folder.path("copy.part");
     ASSERT_EQ(SavePart(copy.c_str(), *part, version), 0);
-    EXPECT_EQ(TempFolder::read(copy), partFile(version));
+    EXPECT_EQ(TempFolder::read(copy), storedPartFile(version));
   }
 }
 
 TEST(LoadOldPart, CopiesThePathAndKeepsTheBytesAfterIt) {
   const TempFolder folder;
-  const std::string path = folder.write("a", partFile(62));
+  const std::string path = folder.write("a", storedPartFile(62));
   const auto part = std::make_unique<TorvPart>();
   std::memset(part->partFullDosName, 'x', sizeof part->partFullDosName);
   ASSERT_EQ(LoadOldPart(path.c_str(), part.get()), 0);
@@ -62,7 +55,7 @@ TEST(LoadOldPart, LongPathsLoadAndKeepTheirFirst259Characters) {
     std::filesystem::create_directory(deep);
   }
   const std::string path = deep + "/a.part";
-  std::filesystem::copy_file(folder.write("a.part", partFile(62)), path);
+  std::filesystem::copy_file(folder.write("a.part", storedPartFile(62)), path);
   const auto part = std::make_unique<TorvPart>();
   ASSERT_EQ(LoadOldPart(path.c_str(), part.get()), 0);
   EXPECT_EQ(std::string(part->partFullDosName), path.substr(0, 259));
@@ -71,7 +64,7 @@ TEST(LoadOldPart, LongPathsLoadAndKeepTheirFirst259Characters) {
 TEST(LoadOldPart, BytesAfterTheLastFieldAreIgnored) {
   const TempFolder folder;
   const auto part = std::make_unique<TorvPart>();
-  EXPECT_EQ(LoadOldPart(folder.write("a", partFile(110).fill(1000, 0xEE)).c_str(), part.get()), 0);
+  EXPECT_EQ(LoadOldPart(folder.write("a", storedPartFile(110).fill(1000, 0xEE)).c_str(), part.get()), 0);
 }
 
 TEST(LoadOldPart, FilesLargerThanTheReadingWindowLoadWhereverAFieldCrossesItsEdge) {
@@ -103,7 +96,7 @@ TEST(LoadOldPart, FilesLargerThanTheReadingWindowLoadWhereverAFieldCrossesItsEdg
 #if !defined(_WIN32)
 TEST(LoadOldPart, ReadsFromAPipeAsFromAFile) {
   const TempFolder folder;
-  const std::string pipe = folder.path("pipe"), file = folder.write("a", partFile(180).fill(200000, 1));
+  const std::string pipe = folder.path("pipe"), file = folder.write("a", storedPartFile(180).fill(200000, 1));
   ASSERT_EQ(std::system(("mkfifo '" + pipe + "' && (cat '" + file + "' > '" + pipe + "' &)").c_str()), 0);
   const auto part = std::make_unique<TorvPart>();
   EXPECT_EQ(LoadOldPart(pipe.c_str(), part.get()), 0);
@@ -135,9 +128,7 @@ Bytes emptyBody(int version, bool options = false) {
   part->optionCount = 8;
   part->optionValue = 9;
   std::strcpy(part->optionText, "option");
-  Maker m = Maker::ofHeldValues();
-  storedPart(m, version, {false, options, 0, {}, 0, true}, *part);
-  return m.bytes;
+  return heldPartBody(version, *part);
 }
 
 const std::vector<int>& allAccepted() {

@@ -15,6 +15,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/sheet_keys.h"
+#include "tests/support/stored_forms/parts.h"
 
 namespace testing_support {
 namespace {
@@ -584,8 +585,8 @@ std::vector<ExportCall> makeCalls() {
 
 Samples::Samples(std::size_t many, int version) : many_(many) {
   const int sheetVersion = std::max(version, 152);
-  add("part", many == 0 ? partFile(version, 32001) : bigPart(many));
-  add("group", many == 0 ? groupFile(sheetVersion) : bigGroup(many));
+  add("part", many == 0 ? storedPartFile(version, {.groupKind = 32001}) : bigPart(many));
+  add("group", many == 0 ? storedGroupFile(sheetVersion) : bigGroup(many));
   add("tool.spt", specialToolFile(version, std::vector<int>(many + 2, 1)));
   add("other.spt", specialToolFile(60, {3}));
   add("named.spt", specialToolFile(162, {1, 2}));

@@ -12,22 +12,11 @@
 #include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/parts.h"
 
 namespace testing_support {
 
 using namespace oldtorvio;
-
-Bytes partFile(int version, std::int32_t groupKind) {
-  Maker maker;
-  const auto part = std::make_unique<TorvPart>();
-  storedPart(maker, version, {false, true, groupKind}, *part);
-  return Bytes().i16(version).add(maker.bytes);
-}
-
-Bytes groupFile(int version) {
-  const Bytes part = partFile(version);
-  return Bytes().i16(version).i32(0).i32(256).text(256, "A").add(Bytes::of(part.span().subspan(2)));
-}
 
 void fullMachine(RandomRecords& random, OldMachine* m, int version) {
   random.record(*m, version);
@@ -156,8 +145,9 @@ Kind kindOf(std::vector<int> versions, Bytes (*file)(int version)) {
 const std::vector<Kind>& kinds() {
   using frame::FileKind;
   static const std::vector<Kind> all{
-      kindOf<FileKind::part>({52, 62, 80, 110, 151, 161, 180}, [](int v) { return partFile(v, 32001); }),
-      kindOf<FileKind::groupPart>({152, 161, 180}, groupFile),
+      kindOf<FileKind::part>({52, 62, 80, 110, 151, 161, 180},
+                             [](int v) { return storedPartFile(v, {.groupKind = 32001}); }),
+      kindOf<FileKind::groupPart>({152, 161, 180}, [](int v) { return storedGroupFile(v); }),
       kindOf<FileKind::specialTool>({52, 110, 160, 180},
                                     [](int v) {
                                       return specialToolFile(v, {1, 2});

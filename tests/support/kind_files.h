@@ -13,8 +13,6 @@ namespace testing_support {
 
 namespace explain = oldtorvio::explain;
 
-Bytes partFile(int version, std::int32_t groupKind = 0);
-Bytes groupFile(int version);
 Bytes machineFile(int version);
 Bytes materialFile(int version);
 Bytes inventoryFile(int version);

@@ -15,6 +15,7 @@
 
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "torvio/archive/scan.h"
 
@@ -366,7 +367,7 @@ TEST_F(Check, OnlyHidesLinesButNothingElse) {
 
 TEST_F(Check, ExtensionsNameKinds) {
   folder_.write("a.NST", sheetFile(180).cut(3000));
-  folder_.write("b.prt", partFile(110));
+  folder_.write("b.prt", storedPartFile(110));
   const Outcome run = check("--ext sheet=.nst a.NST --ext part=prt b.prt");
   EXPECT_EQ(run.code, 1);
   EXPECT_EQ(run.output.find("a.NST: damaged, sheet, version 180, status 1"), 0U) << run.output;

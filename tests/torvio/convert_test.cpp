@@ -17,6 +17,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/stored_forms/machines.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
 #include "torvio/convert/complete_save.h"
@@ -224,7 +225,7 @@ TEST(ConvertReport, BytesThatNoLoadKeepsAreLeftOut) {
   EXPECT_TRUE(Bytes::of(convert::convert(longer.span(), FileKind::macro, 180, kAllowLoss).bytes) == macro);
 
   // A part has 499 reserved bytes.
-  const Bytes part = partFile(180);
+  const Bytes part = storedPartFile(180);
   std::optional<std::uint64_t> at;
   (void)explain::mapFile(part.span(), FileKind::part, [&](const explain::MapLine& line) {
     if (line.path == "reserved" && !at) at = line.offset;

@@ -21,6 +21,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
 #include "torvio/compare/alignment.h"
@@ -863,7 +864,7 @@ TEST_F(PartFiles, ListsOfPartsAndMachinesAreFoundInSheets) {
 }
 
 TEST(DiffFiles, DamagedFileIsComparedAsFarAsItWasRead) {
-  const Bytes whole = partFile(180);
+  const Bytes whole = storedPartFile(180);
   std::size_t cuts = 0;
   for (std::size_t size = 2; size < whole.size(); size += whole.size() / 40) {
     const Bytes cut = whole.cut(size);

@@ -26,6 +26,7 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/output_checks.h"
 #include "torvio/draw/contact_sheet.h"
@@ -522,7 +523,7 @@ TEST(Pictures, OfAPartSayThatItsPatternMovesNothing) {
 }
 
 TEST(Pictures, PartsHaveNoNameThatTheirFileLacks) {
-  const Bytes file = partFile(180);
+  const Bytes file = storedPartFile(180);
   EXPECT_FALSE(contains(drawFile(file.span(), frame::FileKind::part, "p.part", {}).svg, "NEW PART"));
 }
 

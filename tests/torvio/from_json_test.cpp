@@ -14,6 +14,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
 #include "torvio/values/json_reader.h"
@@ -470,7 +471,7 @@ TEST_F(FromJsonCommand, SheetThatNoSaveCanStoreIsRefused) {
 }
 
 TEST_F(FromJsonCommand, PartIsNotSavedAsWhatALoadMisreads) {
-  const std::string part = folder_.write("a.part", partFile(180)), json = folder_.path("a.json");
+  const std::string part = folder_.write("a.part", storedPartFile(180)), json = folder_.path("a.json");
   ASSERT_EQ(torvio("json " + part + " -o " + json).code, 0);
   for (const int version : {2, 3, 5}) {
     const Outcome run = torvio("from-json " + json + " -o " + out_ + " --version " + std::to_string(version));

@@ -19,6 +19,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "torvio/archive/facts.h"
 #include "torvio/explain/read_members.h"
@@ -210,8 +211,8 @@ TEST(Infos, SayNothingOfWhatAVersionDoesNotStore) {
   EXPECT_FALSE(jsonOf(machineFile(61), explain::FileKind::machine).contains("ncExtension"));
   EXPECT_TRUE(jsonOf(machineFile(62), explain::FileKind::machine).contains("ncExtension"));
   // The name of a part is stored in sheets and group parts only.
-  EXPECT_FALSE(jsonOf(partFile(180), explain::FileKind::part).contains("name"));
-  EXPECT_TRUE(jsonOf(groupFile(180), explain::FileKind::groupPart)["parts"][0].contains("name"));
+  EXPECT_FALSE(jsonOf(storedPartFile(180), explain::FileKind::part).contains("name"));
+  EXPECT_TRUE(jsonOf(storedGroupFile(180), explain::FileKind::groupPart)["parts"][0].contains("name"));
 }
 
 TEST(Infos, OfTheOldestPartsAreWhatTheirLoadReads) {

@@ -17,6 +17,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/stored_forms/machines.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
 #include "torvio/convert/convert.h"
@@ -263,7 +264,7 @@ TEST(Recover, SecondCopyOfTheClampsLeavesTheFirst) {
 }
 
 TEST(Recover, PartThatBreaksInItsPatternGetsOneWithoutTools) {
-  const Bytes file = partFile(180, 32001);
+  const Bytes file = storedPartFile(180, {.groupKind = 32001});
   const auto before = values::loadRecord<FileKind::part>(file.span());
   ASSERT_FALSE(before.record->patterns[0].items.empty());
   const Bytes cut = file.cut(offsetOf(file, FileKind::part, "patterns[0].items[0].toolNumber"));

@@ -8,6 +8,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 
 namespace {
@@ -39,7 +40,7 @@ TEST_F(SharedOptions, EveryCommandThatReadsFilesTakesExtensions) {
           << refused.errors;
     }
   }
-  const std::string part = folder_.write("part.xyz", partFile(180));
+  const std::string part = folder_.write("part.xyz", storedPartFile(180));
   EXPECT_EQ(torvio("draw --ext part=.xyz " + part).code, 0);
   EXPECT_EQ(torvio("draw --ext material=.xyz " + part).code, 1);
   EXPECT_EQ(torvio("diff --ext part=.xyz " + part + " " + part).code, 0);

@@ -10,6 +10,7 @@
 
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "tests/torvio/corpus.h"
 #include "torvio/archive/plausibility.h"
 
@@ -100,7 +101,7 @@ TEST(Verdict, LoadOfTheOldestPartsNeverSucceeds) {
 
 TEST(Verdict, BytesAfterTheLastFieldAndToleratedFaultsAreLosses) {
   EXPECT_EQ(textOf(judged(specialToolFile(60, {3}).zeros(7))), "sound with losses, special-tool");
-  EXPECT_EQ(textOf(judged(partFile(80).zeros(37))), "sound with losses, part");
+  EXPECT_EQ(textOf(judged(storedPartFile(80).zeros(37))), "sound with losses, part");
   const Bytes machine = machineFile(152);
   const Judgement cut = judged(machine.cut(machine.size() - 1));
   EXPECT_EQ(textOf(cut), "sound with losses, machine");
@@ -108,7 +109,7 @@ TEST(Verdict, BytesAfterTheLastFieldAndToleratedFaultsAreLosses) {
 }
 
 TEST(Verdict, ExtensionDecidesTheKind) {
-  const Bytes part = partFile(60), tool = specialToolFile(60, {3});
+  const Bytes part = storedPartFile(60), tool = specialToolFile(60, {3});
   EXPECT_EQ(textOf(judged(part)), "sound, part");
   EXPECT_EQ(textOf(judged(part, "x.spt.bak")), "sound, part");
   for (const char* path : {"a.spt", "C:\\tools\\A.SpT", ".spt"}) {
@@ -145,7 +146,7 @@ TEST(Verdict, NamedKindMayRefuseTheVersion) {
   EXPECT_EQ(judgement.report.version, 50);
   JudgeOptions options;
   options.kind = FileKind::groupPart;
-  EXPECT_EQ(textOf(judge("", partFile(80).span(), options)), "refused version, group-part");
+  EXPECT_EQ(textOf(judge("", storedPartFile(80).span(), options)), "refused version, group-part");
   EXPECT_EQ(textOf(judged(Bytes().i16(50).zeros(9))), "foreign, no kind") << "unless a name says what it is";
 }
 

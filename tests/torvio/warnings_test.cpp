@@ -20,6 +20,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/parts.h"
 #include "torvio/values/record_bytes.h"
 
 namespace {
@@ -339,7 +340,7 @@ TEST(SaveTraces, EveryEditBelowVersion152IsFound) {
 
     const std::string path = folder.write("nest", before);
     const TempFolder parts;
-    const std::string part = parts.write("part", partFile(180));
+    const std::string part = parts.write("part", storedPartFile(180));
     ASSERT_EQ(ReplaceSheetSknPatListWithPartPatList(path.c_str(), part.c_str()), 0) << version;
     const Bytes after = TempFolder::read(path);
     ASSERT_FALSE(after == before) << version;

@@ -7,6 +7,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/parts.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ int main(int argc, char** argv) {
          ++version) {
       if (!info.accepts(version)) continue;
       write(kind.name, version, "", kind.kind == FileKind::sheet ? readableSheet(version) : kind.file(version));
-      if (kind.kind == FileKind::part) write(kind.name, version, "_plain", partFile(version));
+      if (kind.kind == FileKind::part) write(kind.name, version, "_plain", storedPartFile(version));
     }
   }
   for (int version = 500; version <= 502; ++version) write("material", version, "", oldTable(version));
