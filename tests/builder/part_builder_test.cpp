@@ -40,12 +40,7 @@ Bytes toolFile(const OldTool& t, const std::vector<Shape>& shapes, int version =
   file.shapes.listTag = 6;
   file.shapes.listKind = 9;
   file.setupList.entries.resize(1);
-  std::vector<ShapeForm> forms;
-  for (const Shape& s : shapes) forms.push_back({s.type, s.valueCount, s.extraCount, s.textFlag > 0, s.note});
-  Maker tool = Maker::ofHeldValues(), all = Maker::ofHeldValues();
-  storedTool(tool, version, false, t.shapeCode, file.tool);
-  storedSpecialTool(all, version, t.shapeCode, file, forms, 1);
-  return Bytes().i16(version).add(patched(all.bytes, tool.bytes.size(), Bytes().u8(firstByte).fill(59, 1)));
+  return heldSpecialToolFile(version, file, firstByte, 1);
 }
 
 OldTool someTool(int code = 108, std::int32_t firstValueCount = 3) {

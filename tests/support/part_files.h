@@ -23,15 +23,11 @@ inline Bytes specialToolFile(int version, const std::vector<int>& shapeTypes, fl
   std::iota(std::begin(tool.secondValues), std::end(tool.secondValues), 30.0F);
   std::iota(std::begin(tool.extraValues), std::end(tool.extraValues), 40.0F);
   file.specialValue = 50;
-  std::vector<ShapeForm> forms;
   for (const int type : shapeTypes) {
     Maker values;
-    storedShape(values, version, forms.emplace_back(ShapeForm{type}), file.shapes.shapes.emplace_back());
+    storedShape(values, version, ShapeForm{type}, file.shapes.shapes.emplace_back());
   }
-  Maker front = Maker::ofHeldValues(), all = Maker::ofHeldValues();
-  storedTool(front, version, false, tool.shapeCode, tool);
-  storedSpecialTool(all, version, tool.shapeCode, file, forms, 0);
-  return Bytes().i16(version).add(patched(all.bytes, front.bytes.size(), Bytes().u8(symmetryByte).fill(59, 0xAB)));
+  return heldSpecialToolFile(version, file, symmetryByte);
 }
 
 }  // namespace testing_support

@@ -104,13 +104,9 @@ TEST(SpecialToolFile, FirstSymmetryByteAddsToWhatTheDimensionSays) {
             OldSpecialTool made, tool, again;
             made.tool.shapeCode = code;
             made.tool.dimension3 = dimension3;
-            Maker all = Maker::ofHeldValues(), toolOnly = Maker::ofHeldValues();
-            storedSpecialTool(all, version, code, made, {}, 0);
-            storedTool(toolOnly, version, false, code, made.tool);
-            const Bytes bytes =
-                patched(all.bytes, toolOnly.bytes.size(),
-                        Bytes().u8(static_cast<std::uint8_t>(first)).fill(59, static_cast<std::uint8_t>(others)));
-            ASSERT_EQ(readFrom(bytes, [&](auto& s) { return ReadSpecialTool(s, version, tool); }), 0);
+            const Bytes file =
+                heldSpecialToolFile(version, made, static_cast<std::uint8_t>(first), static_cast<std::uint8_t>(others));
+            ASSERT_EQ(readFrom(from(file, 2), [&](auto& s) { return ReadSpecialTool(s, version, tool); }), 0);
             unsigned flags = code == 108 && dimension3 == 1 ? 1U : code == 108 && dimension3 == 2 ? 2U : 0U;
             if (first == 1 || first == 2) flags |= static_cast<unsigned>(first);
             EXPECT_EQ(tool.tool.symmetryFlags, flags) << code << " " << dimension3 << " " << first << " " << others;

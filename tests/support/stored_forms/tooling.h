@@ -21,6 +21,19 @@ void storedSpecialTool(M& m, int version, std::int32_t shapeCode, OldSpecialTool
   storedSetupList(m, setupEntries, s.setupList);
 }
 
+// The file of a special tool with the values that it holds.
+inline Bytes heldSpecialToolFile(int version, OldSpecialTool file, std::uint8_t symmetryByte = 0,
+                                 std::uint8_t otherBytes = 0xAB) {
+  std::vector<ShapeForm> forms;
+  for (const Shape& s : file.shapes.shapes)
+    forms.push_back({s.type, s.valueCount, s.extraCount, s.textFlag > 0, s.note});
+  Maker tool = Maker::ofHeldValues(), all = Maker::ofHeldValues();
+  storedTool(tool, version, false, file.tool.shapeCode, file.tool);
+  storedSpecialTool(all, version, file.tool.shapeCode, file, forms, file.setupList.entries.size());
+  const Bytes symmetry = Bytes().u8(symmetryByte).fill(59, otherBytes);
+  return Bytes().i16(version).add(patched(all.bytes, tool.bytes.size(), symmetry));
+}
+
 template <class M>
 void storedEntry(M& m, int version, int steps, InventoryEntry& e) {
   numberOr(m, e.entryHead, std::uint16_t{256});
