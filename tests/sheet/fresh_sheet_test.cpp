@@ -26,11 +26,9 @@ using namespace testing_support;
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
-int tableVersion(int fileVersion) { return fileVersion < 60 ? 52 : fileVersion; }
-
 // The stored table of a file of that version, from the record's own values.
 Bytes tableBytes(int fileVersion, const ParamTable& table, std::int32_t nameLength) {
-  return heldParamBytes({tableVersion(fileVersion), nameLength, true}, table);
+  return heldParamBytes({tableVersionOf(fileVersion), nameLength, true}, table);
 }
 
 // A saved sheet that holds nothing but that table and a machine of that text width.
@@ -88,7 +86,7 @@ TEST(TableOfAFreshSheet, IsZeroWithANameOfOneNulWhereNothingWasSet) {
     const std::unique_ptr<OldSheet, void (*)(OldSheet*)> sheet(CreateSheetInfo(), DeleteSheetInfo);
     ASSERT_NE(sheet, nullptr);
     ASSERT_EQ(save(path, *sheet, version), 0) << version;
-    EXPECT_TRUE(TempFolder::read(path) == sheetBytes(version, zeroParamBytes(tableVersion(version)))) << version;
+    EXPECT_TRUE(TempFolder::read(path) == sheetBytes(version, zeroParamBytes(tableVersionOf(version)))) << version;
   }
 }
 
@@ -96,7 +94,7 @@ TEST(TableOfAFreshSheet, RoundTrips) {
   const TempFolder folder;
   const std::string path = folder.path("sheet");
   for (const int version : allSheetVersions()) {
-    const ParamForm form{tableVersion(version), 10, true, false};
+    const ParamForm form{tableVersionOf(version), 10, true, false};
     const auto sheet = filledSheet();
     Maker maker;
     storedParamTable(maker, form, sheet->paramTable);

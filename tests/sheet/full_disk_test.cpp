@@ -13,6 +13,7 @@
 #include "tests/support/files.h"
 #include "tests/support/full_file.h"
 #include "tests/support/io_faults.h"
+#include "tests/support/stored_forms/param_tables.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ using namespace testing_support;
 
 std::unique_ptr<OldSheet> someSheet(int version) {
   auto sheet = std::make_unique<OldSheet>();
-  sheet->paramTable.version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
+  sheet->paramTable.version = static_cast<std::uint16_t>(tableVersionOf(version));
   sheet->paramTable.nameLength = 1;
   sheet->machine.textWidth = 256;
   sheet->workList.resize(1);

@@ -531,7 +531,7 @@ TEST(SheetBody, LateTextIsReadAfterTheFirstBlock) {
 
 // The body of a fresh sheet as a save lays it out.
 Bytes freshBytes(int version, std::int32_t machineWidth = 256) {
-  return freshSheetBody(version, zeroParamBytes(version < 60 ? 52 : version), machineWidth);
+  return freshSheetBody(version, zeroParamBytes(tableVersionOf(version)), machineWidth);
 }
 
 TEST(SaveOldSheet, FreshSheetIsSavedAndLoadedAtEveryVersion) {
@@ -557,7 +557,7 @@ TEST(SaveOldSheet, FreshSheetIsSavedAndLoadedAtEveryVersion) {
     EXPECT_EQ(s->thickness, 0.048F);
     EXPECT_EQ(s->textWidth, 256);
     EXPECT_STREQ(s->sheetName, "NEW SHEET");
-    EXPECT_EQ(s->paramTable.version, version < 60 ? 52 : version);
+    EXPECT_EQ(s->paramTable.version, tableVersionOf(version));
     EXPECT_EQ(s->paramTable.nameLength, 1);
     EXPECT_EQ(s->machine.textWidth, 256);
     EXPECT_EQ(s->shapes.listKind, 0);

@@ -12,6 +12,7 @@
 #include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/part_files.h"
+#include "tests/support/stored_forms/param_tables.h"
 #include "tests/support/stored_forms/parts.h"
 
 namespace testing_support {
@@ -95,7 +96,7 @@ Bytes macroFile(int version) {
 void fullSheet(OldSheet& s, int version) {
   RandomRecords random(11, 1);
   fullMachine(random, &s.machine, version);
-  random.paramTable(s.paramTable, version < 60 ? 52 : version);
+  random.paramTable(s.paramTable, tableVersionOf(version));
   s.shapes.shapes.assign(1, random.shape());
   s.setupList.entries.resize(1);
   s.patternItems.resize(30);

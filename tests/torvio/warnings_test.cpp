@@ -20,6 +20,7 @@
 #include "tests/support/kind_files.h"
 #include "tests/support/part_files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/stored_forms/param_tables.h"
 #include "tests/support/stored_forms/parts.h"
 #include "torvio/values/record_bytes.h"
 
@@ -328,7 +329,7 @@ TEST(SaveTraces, EveryEditBelowVersion152IsFound) {
   for (const int version :
        {52, 54, 60, 80, 90, 91, 92, 100, 101, 102, 110, 111, 112, 120, 121, 130, 140, 141, 150, 151}) {
     auto sheet = plainSheet();
-    sheet->paramTable.version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
+    sheet->paramTable.version = static_cast<std::uint16_t>(tableVersionOf(version));
     sheet->utilization = 0.5F;
     sheet->workList.resize(2);
     sheet->textEntries.resize(1);

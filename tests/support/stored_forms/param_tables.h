@@ -10,6 +10,9 @@
 
 namespace testing_support {
 
+// Of the table in a sheet, unless it has one of its own.
+inline int tableVersionOf(int sheetVersion) { return sheetVersion < 60 ? 52 : sheetVersion; }
+
 struct ParamForm {
   int version = 180;  // selects the layout
   std::int32_t nameLength = 9;

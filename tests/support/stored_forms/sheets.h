@@ -25,7 +25,7 @@ struct SheetForm {
 
 // The table and the machine inside a sheet.
 inline ParamForm tableOf(int version, const SheetForm& form) {
-  return {form.tableVersion != 0 ? form.tableVersion : version < 60 ? 52 : version, 7};
+  return {form.tableVersion != 0 ? form.tableVersion : tableVersionOf(version), 7};
 }
 inline MachineForm machineOf(const SheetForm& form) {
   MachineForm machine;
