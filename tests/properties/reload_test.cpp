@@ -2,7 +2,6 @@
 // file stores, the defaults that its load sets, and everything else as it was. The stored forms say which is which.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -14,6 +13,7 @@
 #include "src/material/material_io.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/stored_forms.h"
 #include "tests/support/stored_forms/materials.h"
 #include "tests/support/stored_forms/param_tables.h"
@@ -239,7 +239,6 @@ std::unique_ptr<OldSheet> usedSheet(int version) {
 }
 
 TEST(SheetReload, OverEveryOtherVersionTheRecordHoldsWhatTheLaterFileStoresAndKeepsTheRest) {
-  const bool isLong = std::getenv("OLDTORVIO_LONG_TESTS") != nullptr;
   const std::vector<int> versions{52,  53,  54,  59,  60,  61,  62,  70,  71,  79,  80,  89,  90,  91,  92,  99,  100,
                                   101, 102, 109, 110, 111, 112, 120, 121, 129, 130, 139, 140, 141, 149, 150, 151, 152,
                                   153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 169, 170, 179, 180, 500};
@@ -254,7 +253,7 @@ TEST(SheetReload, OverEveryOtherVersionTheRecordHoldsWhatTheLaterFileStoresAndKe
       storedSheet(m, second, form, *made);
       for (const int first : versions) {
         // Each version over each other with full lists; with empty ones every seventh pair, but where it is long.
-        if (lists != Lists::full && !isLong && (first * 3 + second) % 7 != 0) continue;
+        if (lists != Lists::full && !isLongRun() && (first * 3 + second) % 7 != 0) continue;
         const OldSheet& before = *befores[first];
         const auto record = std::make_unique<OldSheet>(before);
         ASSERT_EQ(readFrom(m.bytes, [&](auto& from) { return ReadOldSheet(from, second, *record); }), 0)

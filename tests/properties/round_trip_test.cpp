@@ -2,7 +2,6 @@
 // The short form runs in every build; OLDTORVIO_LONG_TESTS=1 takes a hundred times the content.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "OldTorvIO.h"
@@ -12,6 +11,7 @@
 #include "src/tooling/special_tool_io.h"
 #include "src/tooling/special_tool_layout.h"
 #include "tests/support/files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 using namespace testing_support;
 
-int rounds() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr ? 500 : 5; }
+int rounds() { return isLongRun() ? 500 : 5; }
 
 TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
   for (int round = 0; round < rounds(); ++round)

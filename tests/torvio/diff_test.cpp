@@ -20,6 +20,7 @@
 
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
@@ -169,7 +170,7 @@ TEST(Diff, ChangeOfOneMemberIsReportedAtItsPath) {
         if (leaves < 60) record = anyRecord<kKind>(seed);
       }
       const auto copy = std::make_unique<typename decltype(file)::Record>(*record);
-      const std::size_t step = isLong() ? 1 : std::max<std::size_t>(leaves / 300, 1);
+      const std::size_t step = isLongRun() ? 1 : std::max<std::size_t>(leaves / 300, 1);
       std::size_t number = 0, unstored = 0;
       Leaves([&](const std::string& path, const values::Type& leaf, void* at, bool isStored) {
         if (number++ % step != 0 && isStored) return;
@@ -447,7 +448,8 @@ TEST(Diff, OneElementInsertedRemovedOrMovedAnywhereIsOneDifference) {
       for (std::uint32_t seed = 0; seed < 3; ++seed) {
         const auto record = anyRecord<decltype(file)::kKind>(seed);
         for (const auto what : {ListChanger::What::insert, ListChanger::What::erase, ListChanger::What::move}) {
-          const std::size_t lists = listsIn(*record, what), step = isLong() ? 1 : std::max<std::size_t>(lists / 20, 1);
+          const std::size_t lists = listsIn(*record, what),
+                            step = isLongRun() ? 1 : std::max<std::size_t>(lists / 20, 1);
           for (std::size_t i = 0; i < lists; i += step) {
             const auto copy = std::make_unique<Record>(*record);
             ListChanger changer(seed, what);
@@ -886,7 +888,7 @@ TEST(DiffFiles, AnyBytesAsAnyKindHaveADefinedResult) {
     files.emplace_back(kind.kind, kind.file(kind.versions[kind.versions.size() / 2]));
   }
   std::size_t compared = 0;
-  for (int round = 0; round < (isLong() ? 20000 : 1500); ++round) {
+  for (int round = 0; round < (isLongRun() ? 20000 : 1500); ++round) {
     std::array<Bytes, 2> bytes;
     std::array<FileKind, 2> fileKinds{};
     const std::size_t first = engine() % files.size();

@@ -13,6 +13,7 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
@@ -46,7 +47,7 @@ void expectSameFileByWayOfJson(const Bytes& bytes, int version) {
 }
 
 TEST(FromJson, FilesOfEveryKindAndVersionAreSavedAsWithoutJson) {
-  const int least = isLong() ? 10000 : 500;
+  const int least = isLongRun() ? 10000 : 500;
   int files = 0;
   for (std::uint32_t round = 0; files < least; ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds)
@@ -65,7 +66,7 @@ TEST(FromJson, FilesOfEveryKindAndVersionAreSavedAsWithoutJson) {
 
 TEST(FromJson, RecordsOfAnyContentComeBackInEveryEncoding) {
   const std::vector<std::string> encodings = values::TextEncoding::names();
-  for (std::uint32_t round = 0; round < (isLong() ? 500U : 16U); ++round)
+  for (std::uint32_t round = 0; round < (isLongRun() ? 500U : 16U); ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds)
       withFileRecord(info.kind, [&](auto file) {
         constexpr FileKind kKind = decltype(file)::kKind;
@@ -82,7 +83,7 @@ TEST(FromJson, RecordsOfAnyContentComeBackInEveryEncoding) {
 TEST(FromJson, EveryFloatComesBackToItsBits) {
   OldMacro macro;
   std::mt19937 engine(1);
-  macro.shapes.shapes.resize(isLong() ? 200000 : 5000);
+  macro.shapes.shapes.resize(isLongRun() ? 200000 : 5000);
   for (Shape& shape : macro.shapes.shapes)
     for (float& value : shape.values) value = std::bit_cast<float>(static_cast<std::uint32_t>(engine()));
   const values::JsonRecord read = values::readJson(values::jsonOf<FileKind::macro>(macro, 180));
@@ -324,7 +325,7 @@ TEST(FromJson, ChangedTextsDoNoHarm) {
       constexpr FileKind kKind = decltype(file)::kKind;
       const auto loaded = values::loadRecord<kKind>(randomFile(kKind, 160, 1).span());
       const std::string json = values::jsonOf<kKind>(*loaded.record, 160);
-      for (int i = 0; i < (isLong() ? 20000 : 300); ++i) {
+      for (int i = 0; i < (isLongRun() ? 20000 : 300); ++i) {
         std::string text = json;
         for (std::uint32_t n = 1 + engine() % 2; n > 0; --n)
           text.replace(engine() % text.size(), engine() % 3, parts[engine() % std::size(parts)]);
@@ -343,7 +344,7 @@ TEST(FromJson, ChangedTextsDoNoHarm) {
 
 TEST(FromJson, RecordsOfAnyContentAreSavedOrRefused) {
   int saved = 0;
-  for (std::uint32_t round = 0; round < (isLong() ? 300U : 10U); ++round)
+  for (std::uint32_t round = 0; round < (isLongRun() ? 300U : 10U); ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds)
       withFileRecord(info.kind, [&](auto file) {
         const auto record = std::make_unique<typename decltype(file)::Record>();
