@@ -12,11 +12,12 @@
 #include "src/tooling/special_tool_layout.h"
 #include "tests/support/files.h"
 #include "tests/support/long_tests.h"
-#include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
+using namespace oldtorvio;
 using namespace testing_support;
 
 int rounds() { return isLongRun() ? 500 : 5; }
@@ -65,24 +66,6 @@ TEST(RoundTrip, SpecialToolFilesAtEveryVersion) {
       ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, version, loaded); }), 0);
       const Bytes again = written([&](auto& s) { return WriteSpecialTool(s, version, loaded); });
       ASSERT_EQ(again, stored);
-    }
-}
-
-// ---- reload over another version -----------------------------------------------------------------
-
-TEST(Reload, SpecialToolOverEveryOtherVersionHoldsWhatTheLaterFileStores) {
-  for (const int first : allVersions())
-    for (const int second : allVersions()) {
-      OldSpecialTool tool, alone;
-      const Bytes a = Bytes::of(specialToolFile(first, {1, 2}, 2.0F, 1).span().subspan(2));
-      const Bytes b = Bytes::of(specialToolFile(second, {3}, 1.0F).span().subspan(2));
-      ASSERT_EQ(readFrom(a, [&](auto& s) { return ReadSpecialTool(s, first, tool); }), 0);
-      ASSERT_EQ(readFrom(b, [&](auto& s) { return ReadSpecialTool(s, second, tool); }), 0);
-      ASSERT_EQ(readFrom(b, [&](auto& s) { return ReadSpecialTool(s, second, alone); }), 0);
-      ASSERT_EQ(written([&](auto& s) { return WriteSpecialTool(s, second, tool); }),
-                written([&](auto& s) { return WriteSpecialTool(s, second, alone); }));
-      ASSERT_EQ(tool.tool.extraValues[0], second >= 60 || first >= 60 ? 40.0F : 0.0F);
-      ASSERT_EQ(tool.tool.symmetryFlags, 1U);
     }
 }
 
