@@ -335,7 +335,7 @@ TEST(IoFaults, AWriteThatFailsInALargeFileLeavesWhatHadBeenWritten) {
   expectFailedWritesToBeReported(bench, {ENOSPC}, {false}, [](std::size_t size) { return std::vector{size / 2}; });
 }
 
-TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
+TEST(IoFaults, AFailedCloseIsReportedOnlyByASave) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     const Outcome good = bench.undisturbed(call);
@@ -352,7 +352,7 @@ TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
   }
 }
 
-TEST(IoFaults, AFailedCloseMattersToARefusedSaveOnlyIfItHasStoredAVersionWord) {
+TEST(IoFaults, ARefusedSaveReportsAFailedCloseOnlyIfItHasStoredAVersionWord) {
   const TempFolder folder;
   const std::string path = folder.path("saved");
   const auto sheet = std::make_unique<OldSheet>();
@@ -384,7 +384,7 @@ TEST(IoFaults, AFileThatGetsShorterWhileItIsReadEndsThere) {
             bench.samples.restore(call.input);
           },
           [&](IoWatch& watch) {
-            watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, complete.cut(size)); });
+            watch.before(IoCall::read, 0, [&] { bench.samples.change(call.input, complete.cut(size)); });
           });
     }
   }
@@ -404,7 +404,7 @@ TEST(IoFaults, AFileThatGetsLongerWhileItIsReadIsReadAsItWas) {
           expectSame(seen.output, good.output, "another output");
           bench.samples.restore(call.input);
         },
-        [&](IoWatch& watch) { watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, longer); }); });
+        [&](IoWatch& watch) { watch.before(IoCall::read, 0, [&] { bench.samples.change(call.input, longer); }); });
   }
 }
 

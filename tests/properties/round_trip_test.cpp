@@ -69,29 +69,29 @@ TEST(RoundTrip, SpecialToolFilesAtEveryVersion) {
     }
 }
 
-// ---- least sizes ---------------------------------------------------------------------------------
+// ---- minimum stored sizes ------------------------------------------------------------------------
 
 template <class Record, class... More>
-void expectLeastSize(const char* name, const More&... more) {
+void expectAtLeastMinStoredSize(const char* name, const More&... more) {
   const auto record = std::make_unique<Record>();
   const Bytes stored = written([&](auto& s) { return codec::writeRecord(s, 52, *record, more...); });
   EXPECT_GE(stored.size(), codec::Layout<Record>::kMinStoredSize) << name;
 }
 
-TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
-  expectLeastSize<OldTool>("tool", false);
-  expectLeastSize<ToolStation>("station");
-  expectLeastSize<ProcessSlot>("slot");
-  expectLeastSize<SetupEntry>("setup entry");
-  expectLeastSize<ProfileRecord>("profile");
-  expectLeastSize<PatternItem>("item");
-  expectLeastSize<WorkEntry>("work");
-  expectLeastSize<MarkEntry>("mark");
-  expectLeastSize<Pattern>("pattern", true);
-  expectLeastSize<PlacedShapeList>("placed shapes");
-  expectLeastSize<ContourGroup>("contour group");
-  expectLeastSize<BindingSet>("binding set");
-  expectLeastSize<TorvPart>("part", PartForm{PartForm::sheet});
+TEST(MinStoredSize, NoRecordIsStoredShorterThanIt) {
+  expectAtLeastMinStoredSize<OldTool>("tool", false);
+  expectAtLeastMinStoredSize<ToolStation>("station");
+  expectAtLeastMinStoredSize<ProcessSlot>("slot");
+  expectAtLeastMinStoredSize<SetupEntry>("setup entry");
+  expectAtLeastMinStoredSize<ProfileRecord>("profile");
+  expectAtLeastMinStoredSize<PatternItem>("item");
+  expectAtLeastMinStoredSize<WorkEntry>("work");
+  expectAtLeastMinStoredSize<MarkEntry>("mark");
+  expectAtLeastMinStoredSize<Pattern>("pattern", true);
+  expectAtLeastMinStoredSize<PlacedShapeList>("placed shapes");
+  expectAtLeastMinStoredSize<ContourGroup>("contour group");
+  expectAtLeastMinStoredSize<BindingSet>("binding set");
+  expectAtLeastMinStoredSize<TorvPart>("part", PartForm{PartForm::sheet});
   const auto atLeast = [](const auto& record, int version, const auto&... more) {
     using Form = codec::Layout<std::remove_cvref_t<decltype(record)>>;
     const Bytes stored = written([&](auto& s) { return codec::writeRecord(s, version, record, more...); });
@@ -103,9 +103,9 @@ TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
     atLeast(Pattern(), version, true);
     atLeast(ProfileRecord(), version);
   }
-  Shape least;
-  least.valueCount = least.extraCount = 0;
-  EXPECT_EQ(written([&](auto& s) { return codec::writeRecord(s, 52, least); }).size(),
+  Shape smallest;
+  smallest.valueCount = smallest.extraCount = 0;
+  EXPECT_EQ(written([&](auto& s) { return codec::writeRecord(s, 52, smallest); }).size(),
             codec::Layout<Shape>::kMinStoredSize);
   // A step table may end before its count.
   EXPECT_EQ(codec::Layout<StepTable>::kMinStoredSize, 20U);

@@ -80,7 +80,7 @@ TEST(SheetMirror, FromVersion152OnASavedSheetLoadsAndSavesAsTheSameBytes) {
     }
 }
 
-TEST(SheetMirror, Below152AFileLoadsAndSavesAsBeforeOnceTheMachinesLateWordsAreCutOut) {
+TEST(SheetMirror, Below152AFileWithoutTheLateWordsOfTheMachineLoadsAndIsSavedWithThem) {
   for (int round = 0; round < (isLongRun() ? 100 : 1); ++round)
     for (int version = kFirst; version < 152; ++version) {
       const TempFolder folder;
@@ -666,7 +666,7 @@ void useTheStations(OldSheet& sheet, int version) {
   slots(sheet.processSlots, sheet.processSlotCount);
 }
 
-TEST(SheetQuestions, LeaveNoTraceInTheFileTheProcessOrTheRecord) {
+TEST(SheetQueries, ChangeNeitherTheFileNorTheProcessNorTheRecord) {
   const TempFolder folder;
   std::vector<char> answer(100'000);
   for (int round = 0; round < (isLongRun() ? 100 : 2); ++round)

@@ -853,7 +853,7 @@ TEST(SheetLists, SetupListFailsOnlyForItsLastThreeFields) {
   }
 }
 
-TEST(SheetLists, SetupListCountsOfZeroAndBelow) {
+TEST(SheetLists, SetupListCountOfZeroKeepsTheEntriesAndANegativeOneRemovesThem) {
   Maker m;
   SheetSetupList other;
   storedSheetSetup(m, 1, other);

@@ -103,7 +103,7 @@ TEST(Convert, ReportIsEmptyExactlyIfTheNewFileHasTheSameContents) {
   EXPECT_GT(pairs, 300);
 }
 
-TEST(Convert, FileOfASaveComesBackInItsVersion) {
+TEST(Convert, SavedFileIsUnchangedInItsOwnVersion) {
   for (const frame::FileKindInfo& info : frame::kFileKinds)
     for (const int version : someOf(versionsOf(info.kind), 2)) {
       const bool hasSurplus = (info.kind == FileKind::sheet || info.kind == FileKind::machine) && version < 152;

@@ -1,4 +1,4 @@
-// Differences of records and files: what counts as one, how elements of lists are matched, and what the command prints.
+// Differences of records and files: what is one, how elements of lists are matched, and what the command prints.
 #include "torvio/compare/diff.h"
 
 #include <gtest/gtest.h>
@@ -380,7 +380,7 @@ TEST(Diff, RenamedPartIsOneWithAnotherName) {
   EXPECT_EQ(texts(a, b), (Texts{"- parts[2]", "+ parts[2]"}));
 }
 
-TEST(Diff, InsertedPartInFrontOfTwoThousandIsOneDifference) {
+TEST(Diff, PartInsertedBeforeTwoThousandIsOneDifference) {
   SheetPartList a, b;
   for (int i = 0; i < 2000; ++i) a.parts.push_back(partCalled("p" + std::to_string(i % 500), static_cast<float>(i)));
   b = a;
@@ -487,7 +487,7 @@ void expectMirrored(const Record& a, const Record& b, const DiffOptions& options
   EXPECT_EQ(one, other);
 }
 
-TEST(Diff, OtherWayRoundTheSameDifferencesAreMirrored) {
+TEST(Diff, SwappedRecordsHaveTheMirroredDifferences) {
   for (const frame::FileKindInfo& info : frame::kFileKinds)
     withFileRecord(info.kind, [&](auto file) {
       constexpr FileKind kKind = decltype(file)::kKind;
@@ -534,7 +534,7 @@ std::size_t longestCommon(const std::vector<compare::Key>& a, const std::vector<
   return best[a.size()][b.size()];
 }
 
-TEST(Alignment, PairsInOrderAsManyAsCanBe) {
+TEST(Alignment, PairsAsManyElementsInOrderAsPossible) {
   std::mt19937 engine(3);
   for (int round = 0; round < 2000; ++round) {
     std::vector<compare::Key> a(engine() % 20), b(engine() % 20);
@@ -821,7 +821,7 @@ TEST_F(PartFiles, PartIsChosenByNameOrPosition) {
   EXPECT_FALSE(diffOf({sheet, FileKind::sheet, "0", {}}, {sheet, FileKind::sheet, "PLATE 1", {}}).result.areSame);
 }
 
-TEST_F(PartFiles, WhatCannotBeComparedIsSaid) {
+TEST_F(PartFiles, FilesThatCannotBeComparedAreReported) {
   const auto unnamed = diffOf(partFile("x.prt"), {sheet, FileKind::sheet, {}, {}});
   EXPECT_EQ(unnamed.result.error,
             "has no part with the name of the part file; its parts are \"PLATE 0\", \"PLATE 1\", \"PLATE 2\"");
@@ -1048,7 +1048,7 @@ TEST_F(DiffCommand, PartIsFoundInASheet) {
   EXPECT_EQ(torvio("diff --part 1 " + a_ + ' ' + b_).code, 2);
 }
 
-TEST_F(DiffCommand, TroubleHasItsExitCode) {
+TEST_F(DiffCommand, FilesThatCannotBeComparedAndMisuseReturnTwo) {
   const Outcome none = torvio("diff " + a_ + ' ' + folder_.path("none"));
   EXPECT_EQ(none.code, 2);
   EXPECT_NE(none.errors.find("none: cannot be opened"), std::string::npos);
@@ -1066,7 +1066,7 @@ TEST_F(DiffCommand, TroubleHasItsExitCode) {
   EXPECT_EQ(torvio("diff --kind machine " + refused + ' ' + refused).code, 2);
 }
 
-TEST_F(DiffCommand, DamagedFileIsTroubleButCompared) {
+TEST_F(DiffCommand, DamagedFileIsComparedAndReturnsTwo) {
   const Bytes whole = TempFolder::read(b_);
   const std::string cut = folder_.write("cut.prt", whole.cut(whole.size() - 1000));
   const Outcome run = torvio("diff --kind part " + a_ + ' ' + cut);

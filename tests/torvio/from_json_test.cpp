@@ -113,7 +113,7 @@ TEST(FromJson, MembersMayComeInAnyOrder) {
   EXPECT_EQ(read.version, 180);
 }
 
-TEST(FromJson, FloatsAreReadFromAnyWayToWriteThem) {
+TEST(FromJson, FloatsAreReadInAnyNotation) {
   const struct {
     const char* json;
     std::uint32_t bits;
@@ -180,7 +180,7 @@ TEST(FromJson, TextsMayHaveEscapesAndEveryFormOfAFixedText) {
   EXPECT_EQ(std::string_view(macroIn(read).shapes.shapes[0].text, size), std::string(size, 'x'));
 }
 
-TEST(FromJson, WhatIsSaidOfTheFileIsIgnored) {
+TEST(FromJson, RemarksAboutTheFileAreIgnored) {
   Json json = document();
   json["unread"] = 5;
   json["tolerated"] = {{"offset", 3}, {"field", "a"}, {"reason", "b"}};
@@ -277,7 +277,7 @@ TEST(FromJson, WrongDocumentsAreNamed) {
     EXPECT_NE(values::readJson(text).error, "") << text;
 }
 
-TEST(FromJson, MembersThatAreThereTwiceAreRefused) {
+TEST(FromJson, DuplicateMembersAreRefused) {
   std::string text = document().dump();
   text.replace(text.find("\"macroBlock\""), 12, "\"macroHead\"");
   EXPECT_EQ(values::readJson(text).error, "macroHead: is there twice");
@@ -286,7 +286,7 @@ TEST(FromJson, MembersThatAreThereTwiceAreRefused) {
   EXPECT_EQ(values::readJson(text).error, "format: is there twice");
 }
 
-TEST(FromJson, TextThatIsNoJsonIsRefusedWithItsPlace) {
+TEST(FromJson, InvalidJsonIsRefusedWithItsPosition) {
   EXPECT_EQ(values::readJson("{\n  \"format\": nonsense}").error.substr(0, 34), "line 2, column 14: not valid JSON:");
   std::string text = document().dump();
   text.insert(text.find("note\",") + 2, "\xFF");
@@ -396,7 +396,7 @@ TEST(FromJson, EndlessTextsAreRefusedEarly) {
   }
 }
 
-TEST(FromJson, LongTextsOfStringsThatMayBeLongAreRead) {
+TEST(FromJson, LongTextsAreReadWhereTheFieldHasNoLimit) {
   Json json = document();
   json["record"]["shapes"]["shapes"][0]["note"] = std::string(10U << 20U, 'n');
   const values::JsonRecord read = readOf(json);

@@ -104,7 +104,7 @@ TEST(Recover, EveryCutOfEveryKindIsSoundOrNothing) {
 }
 
 // Sheets below version 152, which a save does not leave sound.
-TEST(Recover, CutsOfSheetsOfOldVersions) {
+TEST(Recover, EveryCutOfSheetsOfOldVersionsIsSoundOrNothing) {
   for (const int version : {52, 60, 80, 110, 151}) {
     const Bytes file = cleanCopy(sheetFile(version), FileKind::sheet, version);
     for (std::size_t size = 0; size < file.size(); size += isLongRun() ? 7 : 1 + file.size() / 40) {
@@ -144,7 +144,7 @@ TEST(Recover, RefusedValuesAreCutOff) {
   EXPECT_GT(tried, 300U);
 }
 
-TEST(Recover, RandomDamageAndRandomBytes) {
+TEST(Recover, RandomDamageAndRandomBytesAreSoundOrNothing) {
   std::mt19937 engine(4);
   for (int round = 0; round < (isLongRun() ? 3000 : 120); ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds) {
@@ -252,7 +252,7 @@ TEST(Recover, SecondCopyOfTheClampsLeavesTheFirst) {
   EXPECT_TRUE(recovered.report.shorter.empty());
 }
 
-TEST(Recover, PartThatBreaksInItsPatternGetsOneWithoutTools) {
+TEST(Recover, PartDamagedInItsPatternGetsAPatternWithoutTools) {
   const Bytes file = partFile(180, 32001);
   const auto before = values::loadRecord<FileKind::part>(file.span());
   ASSERT_FALSE(before.record->patterns[0].items.empty());
