@@ -33,7 +33,7 @@ inline void expect(bool holds) {
   if (!holds) std::abort();
 }
 
-// The version word in front of every file; false for a file without one.
+// The version word at the beginning of every file; false for a file without one.
 inline bool readVersion(oldtorvio::codec::InStream& stream, int& version) {
   std::int16_t word = 0;
   if (!oldtorvio::codec::readRecord(stream, 0, word)) return false;

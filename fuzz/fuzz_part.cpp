@@ -25,7 +25,7 @@ int load(fuzzing::Bytes body, int version, bool embedded, bool stopEarly, const 
       [&](TorvPart& to) { return fuzzing::walkPartBody(body, version, embedded, stopEarly, to); });
 }
 
-// What a load sets in front of the body.
+// What a load sets before it reads the body.
 void setBeside(TorvPart& part, int version) {
   part.version = version;
   frame::setPath(part.partFullDosName, fuzzing::ScratchFile::path());

@@ -116,7 +116,7 @@ void put(const std::filesystem::path& path, std::initializer_list<std::size_t> h
     to.write(reinterpret_cast<const char*>(part.data()), static_cast<std::streamsize>(part.size()));
 }
 
-// Of the files of each kind the oldest, one between and the newest, alone and in pairs.
+// For each kind the oldest file, one between and the newest: single files and pairs.
 void companionSeeds(const std::filesystem::path& root) {
   for (const char* target : {"convert", "detection", "diff", "json", "pictures"})
     std::filesystem::create_directories(root / target);

@@ -1,6 +1,6 @@
 // The other side of each comparison: what a walker that takes one field after the other makes of the same bytes, and
-// whether two records are equal. It is compiled without the fuzzer's instrumentation, so that only the reader counts as
-// coverage.
+// whether two records are equal. It is compiled without the fuzzer's instrumentation, so that coverage counts only
+// the reader.
 #pragma once
 #include <cstddef>
 #include <cstdint>

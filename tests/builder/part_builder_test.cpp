@@ -444,7 +444,7 @@ TEST(NamedTools, FindsTheFolderWithAndWithoutItsSeparatorAndReadsTheSettingAtEac
   }
 }
 
-TEST(NamedTools, LooksPastAFolderOfTheSameName) {
+TEST(NamedTools, IgnoresAFolderOfTheSameName) {
   Bench bench;
   const WinIni ini(bench.setting());
   fs::create_directory(bench.folder.path("abc.spt"));

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <ctime>
 #include <functional>
 #include <iostream>
@@ -25,6 +24,7 @@
 #include "tests/support/allocation_meter.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/support/sheet_files.h"
 #include "tests/support/sheet_hazards.h"
@@ -36,8 +36,6 @@ namespace {
 using namespace oldtorvio;
 using namespace testing_support;
 using frame::FileKind;
-
-bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 constexpr std::size_t kMiB = 1U << 20U;
 constexpr double kMaxSeconds = 2;  // far more than any host needs
@@ -296,7 +294,7 @@ class Sweep {
     constexpr std::size_t kBitsOfTheShortForm = 250;
     const std::size_t bits = good_.size() * 8;
     // Odd, so that every bit of a byte is flipped at times.
-    const std::size_t step = isLong() ? 1 : (bits / kBitsOfTheShortForm) | 1U;
+    const std::size_t step = isLongRun() ? 1 : (bits / kBitsOfTheShortForm) | 1U;
     for (std::size_t bit = 0; bit < bits; bit += step)
       check(changed(bit / 8, 1, [bit](std::uint64_t byte) { return byte ^ (1U << (bit % 8)); }),
             "bit " + std::to_string(bit));
@@ -306,7 +304,7 @@ class Sweep {
     std::set<std::string> seen;
     for (const explain::MapLine& line : numbers_) {
       // One element of each list and array is enough, and one of each group of numbered fields.
-      if (!isLong() && !seen.insert(withoutDigits(line.path)).second) continue;
+      if (!isLongRun() && !seen.insert(withoutDigits(line.path)).second) continue;
       const auto size = static_cast<unsigned>(line.size);
       const std::int64_t largest = (std::int64_t{1} << (8 * size - 1)) - 1;
       const auto set = [&](std::int64_t value) {
@@ -316,7 +314,7 @@ class Sweep {
       // A byte may be a count up to 255.
       const std::int64_t highest = size == 1 && !isRefused(set(largest), line) ? 255 : largest;
       const bool hasBound = isRefused(set(highest), line);
-      if (!isLong() && !hasBound && !isCount(line.path)) continue;
+      if (!isLongRun() && !hasBound && !isCount(line.path)) continue;
       std::set<std::int64_t> values = {0, 1, -1, largest, -largest - 1};
       if (hasBound) {
         const std::int64_t bound = largestAccepted(highest, [&](std::int64_t v) { return !isRefused(set(v), line); });
@@ -427,7 +425,7 @@ void sweep(const Subject<kKind>& subject, std::set<std::int64_t> bounds) {
   double slowest = 0;
   std::string slowestCase;
   for (const int version : subject.versions) {
-    if (!isLong() && version != subject.versions.front() && version != subject.versions.back()) continue;
+    if (!isLongRun() && version != subject.versions.front() && version != subject.versions.back()) continue;
     Sweep<kKind> one(subject, version);
     one.flipBits();
     one.setNumbers();
@@ -443,7 +441,7 @@ void sweep(const Subject<kKind>& subject, std::set<std::int64_t> bounds) {
   testing::Test::RecordProperty("files", static_cast<int>(count));
   testing::Test::RecordProperty("slowest_microseconds", static_cast<int>(slowest * 1e6));
   testing::Test::RecordProperty("slowest", slowestCase);
-  if (isLong())
+  if (isLongRun())
     std::cout << subject.name << ": " << count << " files, slowest load " << slowest * 1e3 << " ms (" << slowestCase
               << ")\n";
 }

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -12,6 +11,7 @@
 #include "tests/support/export_calls.h"
 #include "tests/support/io_faults.h"
 #include "tests/support/linked_exports.h"
+#include "tests/support/long_tests.h"
 
 #if !defined(_WIN32)
 #include <fcntl.h>
@@ -51,8 +51,6 @@ void expectSame(const std::string& a, const std::string& b, const char* what) {
   EXPECT_TRUE(a == b) << what << ": " << a.size() << " and " << b.size() << " bytes, differing at "
                       << differ - a.begin();
 }
-
-bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 const auto kNothing = [](IoWatch&) {};
 const std::function<void()> kNoChange = [] {};
@@ -203,7 +201,7 @@ TEST(IoFaults, AReadThatFailsIsTheEndOfTheFile) {
   for (const int version : sampleVersions()) {
     SCOPED_TRACE(version);
     const Bench bench(0, version);
-    expectFaultsToBeEnds(bench, [](std::size_t size) { return placesIn(size, isLong() ? 300 : 30); }, {false, true});
+    expectFaultsToBeEnds(bench, [](std::size_t size) { return placesIn(size, isLongRun() ? 300 : 30); }, {false, true});
   }
 }
 
@@ -212,7 +210,8 @@ TEST(IoFaults, AReadThatFailsInALargeFileIsItsEnd) {
   // Each is several windows long.
   for (const char* input : {"part", "group", "tool.spt", "machine", "material", "inventory", "macro", "sheet"})
     EXPECT_GT(bench.samples.content(input).size(), 600U << 10U) << input;
-  if (isLong()) return expectFaultsToBeEnds(bench, [](std::size_t size) { return placesIn(size, 10); }, {false, true});
+  if (isLongRun())
+    return expectFaultsToBeEnds(bench, [](std::size_t size) { return placesIn(size, 10); }, {false, true});
   expectFaultsToBeEnds(bench, [](std::size_t size) { return std::vector{size / 2}; }, {false});
 }
 
@@ -330,13 +329,13 @@ TEST(IoFaults, AWriteThatFailsInALargeFileLeavesWhatHadBeenWritten) {
     if (writes(call) && call.form != "fresh, in the oldest layout") {
       EXPECT_GT(bench.undisturbed(call).written.size(), 2U) << call.title();
     }
-  if (isLong())
+  if (isLongRun())
     return expectFailedWritesToBeReported(bench, {ENOSPC}, {false, true},
                                           [](std::size_t size) { return placesIn(size, 9); });
   expectFailedWritesToBeReported(bench, {ENOSPC}, {false}, [](std::size_t size) { return std::vector{size / 2}; });
 }
 
-TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
+TEST(IoFaults, AFailedCloseIsReportedOnlyByASave) {
   const Bench bench;
   for (const ExportCall& call : exportCalls()) {
     const Outcome good = bench.undisturbed(call);
@@ -353,7 +352,7 @@ TEST(IoFaults, AFailedCloseMattersOnlyToASave) {
   }
 }
 
-TEST(IoFaults, AFailedCloseMattersToARefusedSaveOnlyIfItHasStoredAVersionWord) {
+TEST(IoFaults, ARefusedSaveReportsAFailedCloseOnlyIfItHasStoredAVersionWord) {
   const TempFolder folder;
   const std::string path = folder.path("saved");
   const auto sheet = std::make_unique<OldSheet>();
@@ -385,7 +384,7 @@ TEST(IoFaults, AFileThatGetsShorterWhileItIsReadEndsThere) {
             bench.samples.restore(call.input);
           },
           [&](IoWatch& watch) {
-            watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, complete.cut(size)); });
+            watch.before(IoCall::read, 0, [&] { bench.samples.change(call.input, complete.cut(size)); });
           });
     }
   }
@@ -405,7 +404,7 @@ TEST(IoFaults, AFileThatGetsLongerWhileItIsReadIsReadAsItWas) {
           expectSame(seen.output, good.output, "another output");
           bench.samples.restore(call.input);
         },
-        [&](IoWatch& watch) { watch.inFrontOf(IoCall::read, 0, [&] { bench.samples.change(call.input, longer); }); });
+        [&](IoWatch& watch) { watch.before(IoCall::read, 0, [&] { bench.samples.change(call.input, longer); }); });
   }
 }
 

@@ -58,7 +58,7 @@ std::vector<std::int32_t> boxesWithOneNumber(std::size_t count) {
   return boxes;
 }
 
-TEST(ListsOfLists, KeepTheirRoomAsLongAsTheFileCanHoldAllThatIsClaimed) {
+TEST(ListsOfLists, KeepTheirCapacityWhileTheFileCanHoldAllClaimedElements) {
   EXPECT_EQ(roomAfter(10, {5}, 8 + 5 * 4 + 9 * 8), 10U) << "nine more of the smallest";
   EXPECT_EQ(roomAfter(10, {5}, 8 + 5 * 4 + 9 * 8 - 1), 1U) << "a byte less";
   EXPECT_EQ(roomAfter(2, {5}, 8 + 5 * 4 + 8, 100), 100U);
@@ -66,17 +66,17 @@ TEST(ListsOfLists, KeepTheirRoomAsLongAsTheFileCanHoldAllThatIsClaimed) {
   EXPECT_EQ(roomAfter(1, {5}, 8 + 5 * 4, 100), 100U) << "nothing is claimed after the last";
 }
 
-TEST(ListsOfLists, GiveRoomBackForAListThatWantsSome) {
+TEST(ListsOfLists, ReleaseUnusedCapacityWhenAnInnerListNeedsMemory) {
   EXPECT_EQ(roomAfter(kTooMany, {0}, 80), 11U) << "an empty one wants none";
   EXPECT_EQ(roomAfter(kTooMany, {1}, 80), 1U);
 }
 
-TEST(ListsOfLists, KeepRoomThatIsHalfUsed) {
+TEST(ListsOfLists, KeepCapacityThatIsHalfUsed) {
   EXPECT_EQ(roomAfter(kTooMany, {0, 0, 0, 0, 0, 0, 1}, 88), 12U) << "six of twelve";
   EXPECT_EQ(roomAfter(kTooMany, {0, 0, 0, 0, 0, 1}, 88), 11U) << "five: room for what came and can come";
 }
 
-TEST(ListsOfLists, GiveRoomBackOnce) {
+TEST(ListsOfLists, ReleaseCapacityOnlyOnce) {
   // 255 boxes, then room for all that can come: it stays, although the lists that follow need some as well.
   std::vector<std::int32_t> boxes = boxesWithOneNumber(256);
   const std::size_t room = roomAfter(kTooMany, boxes, 8156);
@@ -85,7 +85,7 @@ TEST(ListsOfLists, GiveRoomBackOnce) {
   EXPECT_EQ(roomAfter(kTooMany, boxes, 8156), room);
 }
 
-TEST(ListsOfLists, GrowByDoublingToAQuarterOfWhatCanComeThenToAll) {
+TEST(ListsOfLists, DoubleTheirCapacityUpToAQuarterOfThePossibleElementsThenReserveAll) {
   const std::size_t room[] = {1, 3, 3, 7, 7, 7, 7, 15};
   for (std::size_t count = 1; count <= 8; ++count)
     EXPECT_EQ(roomAfter(kTooMany, boxesWithOneNumber(count), 9236), room[count - 1]) << count;

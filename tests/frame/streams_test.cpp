@@ -258,7 +258,7 @@ TEST(OutStream, TakesNothingMoreAfterAFailedWrite) {
 
 TEST(OutStream, EachVerbFailsWhenTheFileTakesNoMore) {
   if (!hasFullDevice()) GTEST_SKIP() << "no device that is always full";
-  // With room for `left` bytes in front of the hand-over that fails.
+  // With room for `left` bytes before the write that fails.
   const auto fails = [](std::size_t left, const auto& verb) {
     FullFile full(left);
     EXPECT_EQ(full.stream().free().size(), left);

@@ -222,7 +222,7 @@ TEST(Libtorvio, EncodingOfTheInputDecodesItsTexts) {
   EXPECT_NE(called(json).result.find("\"encoding\":\"cp1252\""), std::string::npos);
 }
 
-TEST(Libtorvio, NamesThatAreNoUtf8AndActiveCharactersHaveNoEffect) {
+TEST(Libtorvio, NamesThatAreNotUtf8AndActiveCharactersHaveNoEffect) {
   const Bytes bytes = Bytes().i16(180);
   torvio_input input = inputOf(bytes, "part");
   input.name = "a\x1B[31m\n<script>\xFF";
@@ -289,7 +289,7 @@ TEST(Libtorvio, EveryFailingAllocationIsReportedAndNothingIsLost) {
 #endif
 }
 
-TEST(Libtorvio, EightThreadsAtATimeGetWhatOneGets) {
+TEST(Libtorvio, EightThreadsGetTheSameResultsAsOne) {
   const Samples samples;
   const std::vector<Call> calls = samples.calls();
   std::atomic<bool> begins = false;

@@ -301,7 +301,7 @@ TEST(PartBody, ReservedRunIsDiscardedAndStoredAsZeros) {
   EXPECT_EQ(written([&](auto& s) { return WritePartBody(s, 80, false, *part); }), made.bytes);
 }
 
-TEST(PartBody, GroupCutInItsShortsLeavesItemsMadeUpFromTheShapes) {
+TEST(PartBody, GroupCutInItsShortsGetsADefaultItemForEachShape) {
   const MadePart made(110, {false, true, 32006});
   const std::size_t pattern = made.sections.at(kPartPattern);
   for (const std::size_t shorts : {0U, 1U, 8U, 15U}) {

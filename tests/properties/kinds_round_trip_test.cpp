@@ -3,11 +3,11 @@
 // The short form runs in every build; OLDTORVIO_LONG_TESTS=1 takes a hundred times the content.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "src/file_records.h"
 #include "tests/support/files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/random_records.h"
 #include "tests/support/stored_forms/versions.h"
 #include "torvio/explain/file_map.h"
@@ -16,8 +16,6 @@ namespace {
 
 using namespace oldtorvio;
 using namespace testing_support;
-
-bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 // What the properties ask of a kind of file:
 //   versions()               those whose files come back as they were
@@ -74,7 +72,7 @@ struct MacroKind : KindOf<frame::FileKind::macro> {
 
 template <class Kind>
 void expectPerfectMirror(int rounds) {
-  if (isLong()) rounds *= 100;
+  if (isLongRun()) rounds *= 100;
   for (int round = 0; round < rounds; ++round)
     for (const int version : Kind::versions()) {
       // New files: to save over one takes longer than everything else here.
@@ -134,7 +132,7 @@ TEST(KindsRoundTrip, TablesOfTheOldestLayoutsKeepTheirContentInALaterOne) {
   } forms[] = {{500, 16 * 4 - 9 * 2 + 21}, {501, 35 * 10 + 21}, {502, 60 * 10 + 21}};
   const TempFolder folder;
   for (const auto& form : forms)
-    for (std::uint32_t seed = 0; seed < (isLong() ? 1000U : 5U); ++seed) {
+    for (std::uint32_t seed = 0; seed < (isLongRun() ? 1000U : 5U); ++seed) {
       RandomRecords random(seed);
       Bytes file = Bytes().i16(form.version);
       for (std::size_t i = 0; i < form.afterTheWord; ++i) file.u8(static_cast<std::uint8_t>(random.upTo(127)));
@@ -189,10 +187,10 @@ void expectHarmlessCutsAtEveryVersion() {
   const std::vector<int> versions = Kind::versions();
   // Every byte where there is little content, every seventh of a large one, some at every version.
   expectHarmlessCuts<Kind>(versions.front(), 0, 0, 1);
-  expectHarmlessCuts<Kind>(versions.back(), 0, 0, isLong() ? 1 : 3);
-  expectHarmlessCuts<Kind>(versions.back(), 3, 0, isLong() ? 1 : 7);
+  expectHarmlessCuts<Kind>(versions.back(), 0, 0, isLongRun() ? 1 : 3);
+  expectHarmlessCuts<Kind>(versions.back(), 3, 0, isLongRun() ? 1 : 7);
   for (std::size_t i = 0; i < versions.size(); ++i)
-    expectHarmlessCuts<Kind>(versions[i], 2, i % 97, isLong() ? 7 : 997);
+    expectHarmlessCuts<Kind>(versions[i], 2, i % 97, isLongRun() ? 7 : 997);
 }
 
 TEST(KindsCut, MaterialFilesReturnZeroOrOneAndTheRecordLoadsAgain) { expectHarmlessCutsAtEveryVersion<MaterialKind>(); }

@@ -2,7 +2,6 @@
 // file stores, the defaults that its load sets, and everything else as it was. The stored forms say which is which.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -14,6 +13,7 @@
 #include "src/material/material_io.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/stored_forms.h"
 #include "tests/support/stored_forms/materials.h"
 #include "tests/support/stored_forms/param_tables.h"
@@ -89,6 +89,32 @@ struct MachineKind {
   }
 };
 
+struct SpecialToolKind {
+  using Record = OldSpecialTool;
+  static std::vector<int> versions() { return specialToolVersions(); }
+  // Only the load of a tool with code 108 sets the flags of its symmetry, here to none.
+  static std::int32_t code(int version, bool isEarlier) { return isEarlier || version % 2 == 0 ? 108 : 107; }
+  static Bytes file(int version, bool isEarlier) {
+    OldSpecialTool made;
+    Maker m(isEarlier ? 1 : 0);
+    if (!isEarlier) {
+      storedSpecialTool(m, version, code(version, false), made);
+      return m.bytes;
+    }
+    storedSpecialTool(m, version, code(version, true), made, {ShapeForm()}, 3);
+    Maker tool = Maker::ofHeldValues();
+    storedTool(tool, version, false, made.tool.shapeCode, made.tool);
+    return patched(m.bytes, tool.bytes.size(), Bytes().u8(1));  // flag 1
+  }
+  static constexpr auto load = LoadOldSpecialTool;
+  static void apply(int version, const OldSpecialTool& before, OldSpecialTool& tool) {
+    EXPECT_EQ(before.tool.symmetryFlags, 1U);
+    if (code(version, false) == 108) tool.tool.symmetryFlags = 0;
+    Loader loader;
+    storedSpecialTool(loader, version, code(version, false), tool);
+  }
+};
+
 struct InventoryKind {
   using Record = OldToolInventory;
   static std::vector<int> versions() { return inventoryVersions(); }
@@ -152,16 +178,21 @@ struct PartKind {
   }
 };
 
-// What the load of a file makes of its path.
+// What the load of a file makes of its version.
+void setVersion(auto& record, int version) { record.version = static_cast<decltype(record.version)>(version); }
+void setVersion(OldSpecialTool& record, int version) { record.tool.fileVersion = static_cast<std::int16_t>(version); }
+
+// And of its path.
 void setPath(OldMaterial& record, const std::string& path) { EXPECT_TRUE(setFixedText(record.path, path)); }
 void setPath(OldToolInventory& record, const std::string& path) { EXPECT_TRUE(setFixedText(record.path, path)); }
 void setPath(OldMachine&, const std::string&) {}
+void setPath(OldSpecialTool&, const std::string&) {}
 void setPath(OldMacro&, const std::string&) {}
 void setPath(TorvPart& record, const std::string& path) { EXPECT_TRUE(setFixedText(record.partFullDosName, path)); }
 
 template <class Kind>
 class Reload : public ::testing::Test {};
-using Kinds = ::testing::Types<MaterialKind, MachineKind, InventoryKind, MacroKind, PartKind>;
+using Kinds = ::testing::Types<MaterialKind, MachineKind, SpecialToolKind, InventoryKind, MacroKind, PartKind>;
 TYPED_TEST_SUITE(Reload, Kinds);
 
 TYPED_TEST(Reload, OverEveryOtherVersionTheRecordHoldsWhatTheLaterFileStoresAndKeepsTheRest) {
@@ -185,7 +216,7 @@ TYPED_TEST(Reload, OverEveryOtherVersionTheRecordHoldsWhatTheLaterFileStoresAndK
       const auto record = std::make_unique<Record>(before), wanted = std::make_unique<Record>(before);
       ASSERT_EQ(TypeParam::load(later[second].c_str(), record.get()), 0) << second << " over " << first;
       TypeParam::apply(second, before, *wanted);
-      wanted->version = static_cast<decltype(wanted->version)>(second);
+      setVersion(*wanted, second);
       setPath(*wanted, later[second]);
       ASSERT_EQ(firstDifference(*record, *wanted), std::nullopt) << second << " over " << first;
     }
@@ -239,7 +270,6 @@ std::unique_ptr<OldSheet> usedSheet(int version) {
 }
 
 TEST(SheetReload, OverEveryOtherVersionTheRecordHoldsWhatTheLaterFileStoresAndKeepsTheRest) {
-  const bool isLong = std::getenv("OLDTORVIO_LONG_TESTS") != nullptr;
   const std::vector<int> versions{52,  53,  54,  59,  60,  61,  62,  70,  71,  79,  80,  89,  90,  91,  92,  99,  100,
                                   101, 102, 109, 110, 111, 112, 120, 121, 129, 130, 139, 140, 141, 149, 150, 151, 152,
                                   153, 154, 155, 156, 157, 158, 159, 160, 161, 162, 169, 170, 179, 180, 500};
@@ -254,7 +284,7 @@ TEST(SheetReload, OverEveryOtherVersionTheRecordHoldsWhatTheLaterFileStoresAndKe
       storedSheet(m, second, form, *made);
       for (const int first : versions) {
         // Each version over each other with full lists; with empty ones every seventh pair, but where it is long.
-        if (lists != Lists::full && !isLong && (first * 3 + second) % 7 != 0) continue;
+        if (lists != Lists::full && !isLongRun() && (first * 3 + second) % 7 != 0) continue;
         const OldSheet& before = *befores[first];
         const auto record = std::make_unique<OldSheet>(before);
         ASSERT_EQ(readFrom(m.bytes, [&](auto& from) { return ReadOldSheet(from, second, *record); }), 0)

@@ -2,7 +2,6 @@
 // The short form runs in every build; OLDTORVIO_LONG_TESTS=1 takes a hundred times the content.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "OldTorvIO.h"
@@ -12,14 +11,16 @@
 #include "src/tooling/special_tool_io.h"
 #include "src/tooling/special_tool_layout.h"
 #include "tests/support/files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/random_records.h"
+#include "tests/support/stored_forms/versions.h"
 
 namespace {
 
+using namespace oldtorvio;
 using namespace testing_support;
 
-int rounds() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr ? 500 : 5; }
+int rounds() { return isLongRun() ? 500 : 5; }
 
 TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
   for (int round = 0; round < rounds(); ++round)
@@ -27,11 +28,6 @@ TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
       for (const bool embedded : {false, true}) {
         RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
         const auto made = random.newRecord<TorvPart>(version);
-        // What a load derives or repairs, settled beforehand: the mirror is then perfect.
-        for (auto* shapes : {&made->shapes.shapes, &made->placedShapes.shapes.shapes})
-          for (Shape& s : *shapes) s.rangeValue = s.auxValue4;
-        for (ShapeGroup& g : made->nestShapeGroups)
-          for (Shape& s : g.shapes.shapes) s.rangeValue = s.auxValue4;
         const Bytes stored = written([&](auto& s) { return WritePartBody(s, version, embedded, *made); });
         const auto loaded = std::make_unique<TorvPart>();
         std::size_t consumed = 0;
@@ -39,9 +35,6 @@ TEST(RoundTrip, PartsInBothFormsAtEveryVersion) {
                       stored, [&](auto& s) { return ReadPartBody(s, version, embedded, *loaded); }, &consumed),
                   0);
         ASSERT_EQ(consumed, stored.size());
-        // placedShapes reads with one element: texts and notes that a shape lacks come from the one before.
-        for (std::size_t i = 0; i < made->placedShapes.shapes.shapes.size() && version >= 160; ++i)
-          if (made->placedShapes.shapes.shapes[i].note.empty()) loaded->placedShapes.shapes.shapes[i].note.clear();
         ASSERT_EQ(written([&](auto& s) { return WritePartBody(s, version, embedded, *loaded); }), stored) << version;
       }
 }
@@ -53,7 +46,6 @@ TEST(RoundTrip, GroupPartFilesAtEveryVersion) {
       RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
       SheetPartList made;
       random.record(made, version, 1 + random.upTo(2));
-      for (TorvPart& part : made.parts) part.placedShapes.shapes.shapes.resize(1);
       const std::string first = folder.path("first"), second = folder.path("second");
       const std::int32_t nameSize = 1 + random.upTo(255);
       ASSERT_EQ(SaveGroupPart(first.c_str(), made, version, nameSize), 0);
@@ -70,7 +62,6 @@ TEST(RoundTrip, SpecialToolFilesAtEveryVersion) {
       RandomRecords random(static_cast<std::uint32_t>(round * 1000 + version));
       OldSpecialTool made, loaded;
       random.record(made, version);
-      for (Shape& s : made.shapes.shapes) s.rangeValue = s.auxValue4;
       const Bytes stored = written([&](auto& s) { return WriteSpecialTool(s, version, made); });
       ASSERT_EQ(readFrom(stored, [&](auto& s) { return ReadSpecialTool(s, version, loaded); }), 0);
       const Bytes again = written([&](auto& s) { return WriteSpecialTool(s, version, loaded); });
@@ -78,47 +69,29 @@ TEST(RoundTrip, SpecialToolFilesAtEveryVersion) {
     }
 }
 
-// ---- reload over another version -----------------------------------------------------------------
-
-TEST(Reload, SpecialToolOverEveryOtherVersionHoldsWhatTheLaterFileStores) {
-  for (const int first : allVersions())
-    for (const int second : allVersions()) {
-      OldSpecialTool tool, alone;
-      const Bytes a = Bytes::of(specialToolFile(first, {1, 2}, 2.0F, 1).span().subspan(2));
-      const Bytes b = Bytes::of(specialToolFile(second, {3}, 1.0F).span().subspan(2));
-      ASSERT_EQ(readFrom(a, [&](auto& s) { return ReadSpecialTool(s, first, tool); }), 0);
-      ASSERT_EQ(readFrom(b, [&](auto& s) { return ReadSpecialTool(s, second, tool); }), 0);
-      ASSERT_EQ(readFrom(b, [&](auto& s) { return ReadSpecialTool(s, second, alone); }), 0);
-      ASSERT_EQ(written([&](auto& s) { return WriteSpecialTool(s, second, tool); }),
-                written([&](auto& s) { return WriteSpecialTool(s, second, alone); }));
-      ASSERT_EQ(tool.tool.extraValues[0], second >= 60 || first >= 60 ? 40.0F : 0.0F);
-      ASSERT_EQ(tool.tool.symmetryFlags, 1U);
-    }
-}
-
-// ---- least sizes ---------------------------------------------------------------------------------
+// ---- minimum stored sizes ------------------------------------------------------------------------
 
 template <class Record, class... More>
-void expectLeastSize(const char* name, const More&... more) {
+void expectAtLeastMinStoredSize(const char* name, const More&... more) {
   const auto record = std::make_unique<Record>();
   const Bytes stored = written([&](auto& s) { return codec::writeRecord(s, 52, *record, more...); });
   EXPECT_GE(stored.size(), codec::Layout<Record>::kMinStoredSize) << name;
 }
 
-TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
-  expectLeastSize<OldTool>("tool", false);
-  expectLeastSize<ToolStation>("station");
-  expectLeastSize<ProcessSlot>("slot");
-  expectLeastSize<SetupEntry>("setup entry");
-  expectLeastSize<ProfileRecord>("profile");
-  expectLeastSize<PatternItem>("item");
-  expectLeastSize<WorkEntry>("work");
-  expectLeastSize<MarkEntry>("mark");
-  expectLeastSize<Pattern>("pattern", true);
-  expectLeastSize<PlacedShapeList>("placed shapes");
-  expectLeastSize<ContourGroup>("contour group");
-  expectLeastSize<BindingSet>("binding set");
-  expectLeastSize<TorvPart>("part", PartForm{PartForm::sheet});
+TEST(MinStoredSize, NoRecordIsStoredShorterThanIt) {
+  expectAtLeastMinStoredSize<OldTool>("tool", false);
+  expectAtLeastMinStoredSize<ToolStation>("station");
+  expectAtLeastMinStoredSize<ProcessSlot>("slot");
+  expectAtLeastMinStoredSize<SetupEntry>("setup entry");
+  expectAtLeastMinStoredSize<ProfileRecord>("profile");
+  expectAtLeastMinStoredSize<PatternItem>("item");
+  expectAtLeastMinStoredSize<WorkEntry>("work");
+  expectAtLeastMinStoredSize<MarkEntry>("mark");
+  expectAtLeastMinStoredSize<Pattern>("pattern", true);
+  expectAtLeastMinStoredSize<PlacedShapeList>("placed shapes");
+  expectAtLeastMinStoredSize<ContourGroup>("contour group");
+  expectAtLeastMinStoredSize<BindingSet>("binding set");
+  expectAtLeastMinStoredSize<TorvPart>("part", PartForm{PartForm::sheet});
   const auto atLeast = [](const auto& record, int version, const auto&... more) {
     using Form = codec::Layout<std::remove_cvref_t<decltype(record)>>;
     const Bytes stored = written([&](auto& s) { return codec::writeRecord(s, version, record, more...); });
@@ -130,9 +103,9 @@ TEST(LeastSize, NoRecordIsStoredShorterThanItsLeastSize) {
     atLeast(Pattern(), version, true);
     atLeast(ProfileRecord(), version);
   }
-  Shape least;
-  least.valueCount = least.extraCount = 0;
-  EXPECT_EQ(written([&](auto& s) { return codec::writeRecord(s, 52, least); }).size(),
+  Shape smallest;
+  smallest.valueCount = smallest.extraCount = 0;
+  EXPECT_EQ(written([&](auto& s) { return codec::writeRecord(s, 52, smallest); }).size(),
             codec::Layout<Shape>::kMinStoredSize);
   // A step table may end before its count.
   EXPECT_EQ(codec::Layout<StepTable>::kMinStoredSize, 20U);

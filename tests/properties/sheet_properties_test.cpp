@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -21,6 +20,7 @@
 #include "src/records/record_io.h"
 #include "src/sheet/sheet_io.h"
 #include "tests/support/files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/random_records.h"
 #include "tests/support/sheet_files.h"
 #include "tests/support/sheet_keys.h"
@@ -33,8 +33,6 @@ using namespace oldtorvio;
 using namespace testing_support;
 
 using Sheet = std::unique_ptr<OldSheet>;
-
-bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 constexpr int kFirst = kFirstVersion, kLast = kLastVersion;  // that can be saved
 
@@ -65,7 +63,7 @@ int load(const Bytes& file, OldSheet& sheet, std::size_t* consumed = nullptr) {
 // ---- the mirror ----------------------------------------------------------------------------------
 
 TEST(SheetMirror, FromVersion152OnASavedSheetLoadsAndSavesAsTheSameBytes) {
-  for (int round = 0; round < (isLong() ? 200 : 2); ++round)
+  for (int round = 0; round < (isLongRun() ? 200 : 2); ++round)
     for (int version = 152; version <= kLast; ++version) {
       const TempFolder folder;
       const std::string first = folder.path("first"), second = folder.path("second");
@@ -82,8 +80,8 @@ TEST(SheetMirror, FromVersion152OnASavedSheetLoadsAndSavesAsTheSameBytes) {
     }
 }
 
-TEST(SheetMirror, Below152AFileLoadsAndSavesAsBeforeOnceTheMachinesLateWordsAreCutOut) {
-  for (int round = 0; round < (isLong() ? 100 : 1); ++round)
+TEST(SheetMirror, Below152AFileWithoutTheLateWordsOfTheMachineLoadsAndIsSavedWithThem) {
+  for (int round = 0; round < (isLongRun() ? 100 : 1); ++round)
     for (int version = kFirst; version < 152; ++version) {
       const TempFolder folder;
       const std::string path = folder.path("second");
@@ -122,7 +120,7 @@ TEST(SheetMirror, Below152ASavedFileLoadsUpToTheLateWordsOfTheMachine) {
 
 TEST(SheetMirror, BodiesFrom500OnRoundTripThoughNoSaveStoresSuchAVersion) {
   const TempFolder folder;
-  for (std::uint32_t seed = 0; seed < (isLong() ? 500U : 5U); ++seed)
+  for (std::uint32_t seed = 0; seed < (isLongRun() ? 500U : 5U); ++seed)
     for (const int version : {500, 501, 32767}) {
       const Sheet made = someSheet(seed, version);
       const Bytes file = Bytes().i16(version).add(sheetBody(*made, version));
@@ -355,7 +353,7 @@ void expectCuts(OldSheet& made, int version, bool every) {
 
 TEST(SheetCut, EveryVersionReturnsTheStatusOfTheCutFieldAndKeepsThoseBeforeIt) {
   for (int version = kFirst; version <= kLast; ++version) {
-    expectCuts(*smallSheet(static_cast<std::uint32_t>(version), version), version, isLong());
+    expectCuts(*smallSheet(static_cast<std::uint32_t>(version), version), version, isLongRun());
     ASSERT_FALSE(HasFatalFailure());
   }
 }
@@ -388,7 +386,7 @@ TEST(SheetCut, FilesWithElementsInEveryList) {
     if (made->machine.hasExtension == 0) made->machine.extension.extensionEntries.clear();
     one(made->textEntries, [&] { return SheetTextEntry{}; });
     one(made->namedWorkLists, [&] { return NamedWorkList{{'a'}, 1, 2, 3, {random.work(), random.work()}}; });
-    expectCuts(*made, version, isLong());
+    expectCuts(*made, version, isLongRun());
     ASSERT_FALSE(HasFatalFailure());
   }
 }
@@ -404,7 +402,7 @@ TEST(SheetCut, EveryFunctionAgreesAndTheRecordLoadsTheCompleteFileAgain) {
     ASSERT_EQ(LoadOldSheet(whole.c_str(), record.get()), 0) << version;
     const Bytes expected = sheetBody(*record, version);
     auto line = lines.rbegin();
-    for (std::size_t n = file.size() - 1; n > 1; n -= std::min<std::size_t>(n, isLong() ? 1 : 61)) {
+    for (std::size_t n = file.size() - 1; n > 1; n -= std::min<std::size_t>(n, isLongRun() ? 1 : 61)) {
       while (line->begin > n) ++line;
       std::filesystem::resize_file(cut, n);
       const int status = statusOfCutAt(*line, version);
@@ -518,7 +516,7 @@ TEST(SheetVersionWords, SaveStores52To180AndOfAnyOtherOnlyTheVersion) {
 TEST(SheetVersionWords, From500OnEveryWordReadsTheNewestLayout) {
   const Sheet made = smallSheet(1, kLast);
   const Bytes body = sheetBody(*made, kLast);
-  for (int version = 500; version <= 32767; version += isLong() ? 1 : 61) {
+  for (int version = 500; version <= 32767; version += isLongRun() ? 1 : 61) {
     const auto loaded = std::make_unique<OldSheet>();
     ASSERT_EQ(readFrom(body, [&](auto& from) { return ReadOldSheet(from, version, *loaded); }), 0) << version;
     ASSERT_TRUE(sheetBody(*loaded, kLast) == body) << version;
@@ -580,7 +578,7 @@ std::vector<int> editedVersions() {
 TEST(SheetEdits, EachChangesTheBytesOfItsOwnFieldsAndNoOther) {
   const TempFolder folder;
   const std::string partPath = folder.path("part");
-  for (int round = 0; round < (isLong() ? 50 : 1); ++round)
+  for (int round = 0; round < (isLongRun() ? 50 : 1); ++round)
     for (const int version : editedVersions()) {
       const auto seed = static_cast<std::uint32_t>(round * 1000 + version);
       const Sheet made = sheetToEdit(seed, version);
@@ -668,10 +666,10 @@ void useTheStations(OldSheet& sheet, int version) {
   slots(sheet.processSlots, sheet.processSlotCount);
 }
 
-TEST(SheetQuestions, LeaveNoTraceInTheFileTheProcessOrTheRecord) {
+TEST(SheetQueries, ChangeNeitherTheFileNorTheProcessNorTheRecord) {
   const TempFolder folder;
   std::vector<char> answer(100'000);
-  for (int round = 0; round < (isLong() ? 100 : 2); ++round)
+  for (int round = 0; round < (isLongRun() ? 100 : 2); ++round)
     for (const int version : knownVersions()) {
       const Sheet made = someSheet(static_cast<std::uint32_t>(round * 1000 + version), version);
       useTheStations(*made, version);

@@ -20,7 +20,7 @@ struct Seven {
 };
 using Fifty = LazyArray<Seven, 50>;
 
-TEST(LazyArray, AllHoldTheirDefaultAndTakeNoMemoryUntilOneIsWrittenTo) {
+TEST(LazyArray, HoldsDefaultsAndTakesNoMemoryUntilAnElementIsWritten) {
   const AllocationMeter meter;
   const oldtorvio::ProcessSlots slots;
   int count = 0;
@@ -34,7 +34,7 @@ TEST(LazyArray, AllHoldTheirDefaultAndTakeNoMemoryUntilOneIsWrittenTo) {
   EXPECT_EQ(meter.count(), 0U);
 }
 
-TEST(LazyArray, ElementsHoldWhatWasWrittenAndTheOthersTheirDefault) {
+TEST(LazyArray, ElementsThatWereNotWrittenHoldTheirDefault) {
   for (std::size_t written = 0; written < Fifty::size(); ++written) {
     Fifty places;
     places[written].value = 1;
@@ -49,7 +49,7 @@ TEST(LazyArray, ElementsHoldWhatWasWrittenAndTheOthersTheirDefault) {
   EXPECT_EQ(number, 50);
 }
 
-TEST(LazyArray, ReferencesStayGoodWhenOthersAreWrittenTo) {
+TEST(LazyArray, ReferencesStayValidWhenOtherElementsAreWritten) {
   Fifty places;
   Seven& first = places[0];
   for (std::size_t i = 1; i < Fifty::size(); ++i) places[i].value = 2;
@@ -57,7 +57,7 @@ TEST(LazyArray, ReferencesStayGoodWhenOthersAreWrittenTo) {
   EXPECT_EQ(places[0].value, 5);
 }
 
-TEST(LazyArray, WorkWithTheAlgorithmsOfTheStandardLibrary) {
+TEST(LazyArray, WorksWithTheAlgorithmsOfTheStandardLibrary) {
   Fifty places;
   static_assert(std::forward_iterator<decltype(places.begin())>);
   static_assert(std::forward_iterator<decltype(std::as_const(places).begin())>);
@@ -71,7 +71,7 @@ TEST(LazyArray, WorkWithTheAlgorithmsOfTheStandardLibrary) {
   EXPECT_EQ(std::distance(std::as_const(places).begin(), std::as_const(places).end()), 50);
 }
 
-TEST(LazyArray, PositionsInTwoArraysAreNeverEqual) {
+TEST(LazyArray, IteratorsOfTwoArraysAreNeverEqual) {
   Fifty first, second;
   EXPECT_TRUE(first.begin() == first.begin());
   EXPECT_TRUE(first.begin() != second.begin());

@@ -251,7 +251,7 @@ TEST(SetupList, CountBeyondTheFileFailsWithTheEntriesThatAreThere) {
 
 // ---- single records ------------------------------------------------------------------------------
 
-TEST(StepTable, NegativeCountReadsNoStepsStaysAndIsSavedAgain) {
+TEST(StepTable, NegativeCountReadsNoStepsAndIsKeptAndSaved) {
   for (int count : {-1, -20, -127, -128}) {
     const Bytes bytes = Bytes().u32(11).fill(8, 1).u32(12).u32(13).i8(count).u8(0x51).u8(0x52);
     StepTable table;

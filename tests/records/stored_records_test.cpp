@@ -80,7 +80,7 @@ constexpr auto kProfileTail = [](int v, std::size_t cut, std::size_t size) {
   return cut >= size - ((v >= 150 ? 4U : 0U) + (v >= 151 ? 8U : 0U) + (v >= 152 ? 1U : 0U) + (v >= 161 ? 4U : 0U));
 };
 
-TEST(StoredRecords, ToolOfEveryShapeCodeWithAndWithoutItsPath) {
+TEST(StoredRecords, ToolOfEveryShapeCodeIsStoredFieldByFieldAndAnyCutFails) {
   for (const std::int32_t code : {0, 1, 3, 107, 108, 109, 111, -5, -108, 364, std::numeric_limits<int>::min()})
     for (const bool path : {true, false})
       expectStoredForm<OldTool>(
@@ -103,7 +103,7 @@ TEST(StoredRecords, ToolStationToleratesAnEndInItsLastTwoWords) {
                                 kStationTail);
 }
 
-TEST(StoredRecords, ToolStationList) {
+TEST(StoredRecords, ToolStationListIsStoredFieldByFieldAndAnyCutFails) {
   expectStoredForm<ToolStationList>(
       [](auto& m, int v, ToolStationList& r) {
         storedStations(m, v, {1, 108, 107, 0}, r);
@@ -127,13 +127,13 @@ TEST(StoredRecords, ShapeWithEveryCountAndWithTextAndNoteToleratesAnEndInItsLast
     }
 }
 
-TEST(StoredRecords, ShapeList) {
+TEST(StoredRecords, ShapeListToleratesAnEndInTheLastPairOfItsLastShape) {
   expectStoredForm<ShapeList>([](auto& m, int v, ShapeList& r) { storedShapeList(m, v, someShapes(), r); },
                               [](auto& s, int v, ShapeList& r) { return ReadShapeList(s, v, r); },
                               [](auto& s, int v, const ShapeList& r) { return WriteShapeList(s, v, r); }, kShapeTail);
 }
 
-TEST(StoredRecords, ProcessSlot) {
+TEST(StoredRecords, ProcessSlotIsStoredFieldByFieldAndAnyCutFails) {
   expectStoredForm<ProcessSlot>([](auto& m, int v, ProcessSlot& r) { storedSlot(m, v, r); },
                                 [](auto& s, int v, ProcessSlot& r) { return ReadProcessSlot(s, v, r); },
                                 [](auto& s, int v, const ProcessSlot& r) { return WriteProcessSlot(s, v, r); },
@@ -148,13 +148,13 @@ TEST(StoredRecords, StepTableToleratesAnEndBeforeItsCount) {
                                 [](int, std::size_t cut, std::size_t) { return cut == 20; });
 }
 
-TEST(StoredRecords, SetupEntry) {
+TEST(StoredRecords, SetupEntryIsStoredFieldByFieldAndAnyCutFails) {
   expectStoredForm<SetupEntry>([](auto& m, int, SetupEntry& r) { storedSetupEntry(m, r); },
                                [](auto& s, int, SetupEntry& r) { return ReadSetupEntry(s, r); },
                                [](auto& s, int, const SetupEntry& r) { return WriteSetupEntry(s, r); }, kNothing);
 }
 
-TEST(StoredRecords, SetupList) {
+TEST(StoredRecords, SetupListIsStoredFieldByFieldAndAnyCutFails) {
   for (const std::size_t entries : {1U, 3U})
     expectStoredForm<SetupList>([&](auto& m, int, SetupList& r) { storedSetupList(m, entries, r); },
                                 [](auto& s, int, SetupList& r) { return ReadSetupList(s, r); },
@@ -178,7 +178,7 @@ TEST(StoredRecords, ProfileRecordToleratesAnEndInItsLateFields) {
                                   kProfileTail);
 }
 
-TEST(StoredRecords, ProfileListAndStepTableList) {
+TEST(StoredRecords, ListsOfProfilesAndStepTablesTolerateAnEndInTheirLastElement) {
   expectStoredForm<ProfileList>([](auto& m, int v, ProfileList& r) { storedProfiles(m, v, 2, r); },
                                 [](auto& s, int v, ProfileList& r) { return ReadProfileList(s, v, r); },
                                 [](auto& s, int v, const ProfileList& r) { return WriteProfileList(s, v, r); },
@@ -192,7 +192,7 @@ TEST(StoredRecords, ProfileListAndStepTableList) {
                                   });
 }
 
-TEST(StoredRecords, PatternItemAndItsList) {
+TEST(StoredRecords, PatternItemAndItsListAreStoredFieldByFieldAndAnyCutFails) {
   expectStoredForm<PatternItem>([](auto& m, int v, PatternItem& r) { storedItem(m, v, r); },
                                 [](auto& s, int v, PatternItem& r) { return ReadPatternItem(s, v, r); },
                                 [](auto& s, int v, const PatternItem& r) { return WritePatternItem(s, v, r); },
@@ -203,13 +203,13 @@ TEST(StoredRecords, PatternItemAndItsList) {
       [](auto& s, int v, const PatternItemList& r) { return WritePatternItemList(s, v, r); }, kNothing);
 }
 
-TEST(StoredRecords, WorkEntry) {
+TEST(StoredRecords, WorkEntryIsStoredFieldByFieldAndAnyCutFails) {
   expectStoredForm<WorkEntry>([](auto& m, int v, WorkEntry& r) { storedWork(m, v, r); },
                               [](auto& s, int v, WorkEntry& r) { return ReadWorkEntry(s, v, r); },
                               [](auto& s, int v, const WorkEntry& r) { return WriteWorkEntry(s, v, r); }, kNothing);
 }
 
-TEST(StoredRecords, MarkEntryAndItsList) {
+TEST(StoredRecords, MarkEntryAndItsListAreStoredFieldByFieldAndAnyCutFails) {
   expectStoredForm<MarkEntry>([](auto& m, int, MarkEntry& r) { storedMark(m, r); },
                               [](auto& s, int, MarkEntry& r) { return ReadMarkEntry(s, r); },
                               [](auto& s, int, const MarkEntry& r) { return WriteMarkEntry(s, r); }, kNothing);
@@ -228,7 +228,7 @@ TolerantRange lateGroupData(int version, std::size_t bindings) {
   return {from, from + 16 + 4 + bindings * row + (version >= 151 ? 12U : 0U)};
 }
 
-TEST(StoredRecords, PatternPlainAndAsAGroupInBothForms) {
+TEST(StoredRecords, PatternToleratesAnEndInItsLateGroupDataAndItsLastStepTable) {
   for (const bool embedded : {true, false})
     for (const std::int32_t kind : {0, 1, 31999, 32000, 32004, 32005, 32006, 32007, -32000}) {
       const PatternForm form{kind, embedded, 2, 3};

@@ -58,11 +58,13 @@ TEST(PartListWidth, NegativeCountKeepsAnyWidthAndEmptiesTheList) {
           EXPECT_EQ(consumed, 8U);
           EXPECT_EQ(list.nameWidth, width);
           EXPECT_TRUE(list.parts.empty());
+          // A save stores a count of 0, which has no width.
+          EXPECT_EQ(written([&](auto& to) { return WriteSheetPartList(to, version, list); }), Bytes().i32(0));
         }
 }
 
-TEST(PartListWidth, ANegativeCountNeedsTheWidth) {
-  for (const std::int32_t count : kNegativeCounts)
+TEST(PartListWidth, FileThatEndsBeforeTheWidthFailsAndLeavesTheList) {
+  for (const std::int32_t count : {kMin, kMin + 1, -1000, -2, -1, 1, 2})
     for (std::size_t cut = 0; cut < 8; ++cut) {
       SheetPartList list = usedList();
       EXPECT_EQ(readList(Bytes().i32(count).i32(9).cut(cut), 180, list), 1) << cut;

@@ -567,7 +567,7 @@ TEST(SheetEdits, PartAsSkeletonChangesOnlyTheSkeletonShapesAndTheListOfParts) {
     }
 }
 
-TEST(SheetEdits, SheetThenHasNoPartsAndTheShapesOfThePart) {
+TEST(SheetEdits, PartAsSkeletonRemovesAllPartsAndCopiesTheShapesOfThePart) {
   const TempFolder folder;
   const auto part = partFile(folder, skeletonPart());
   for (int version = 152; version <= kLastVersion; ++version) {

@@ -738,41 +738,6 @@ TEST(LoadOldSheet, TheCurrentSheetTakesKnownVersionsFrom54OnWhateverTheBody) {
 
 // ---- the lists -------------------------------------------------------------------------------------
 
-TEST(SheetLists, CountOfZeroKeepsThePartsAndANegativeOneRemovesThem) {
-  SheetPartList list;
-  list.parts.resize(3);
-  list.nameWidth = 17;
-  const auto read = [&](const Bytes& b, std::size_t* used = nullptr) {
-    return readFrom(
-        b, [&](InStream& from) { return ReadSheetPartList(from, 180, list); }, used);
-  };
-  EXPECT_EQ(read(Bytes()), 1);
-  EXPECT_EQ(read(word(2).cut(3)), 1);
-  std::size_t used = 0;
-  EXPECT_EQ(read(word(0).i32(9), &used), 0);
-  EXPECT_EQ(used, 4U);
-  EXPECT_EQ(read(word(2)), 1);
-  EXPECT_EQ(list.parts.size(), 3U);
-  EXPECT_EQ(list.nameWidth, 17);
-  EXPECT_EQ(read(word(-1).i32(9).i32(5), &used), 0);
-  EXPECT_EQ(used, 8U);
-  EXPECT_EQ(list.nameWidth, 9);
-  EXPECT_TRUE(list.parts.empty());
-  EXPECT_EQ(written([&](OutStream& to) { return WriteSheetPartList(to, 180, list); }), word(0));
-}
-
-// No name is read by the width, which is kept whatever it is.
-TEST(SheetLists, NegativeCountOfPartsAcceptsAnyWidth) {
-  for (const int width : {256, 0, -4, 257, 2147483647}) {
-    SheetPartList list;
-    list.parts.resize(3);
-    EXPECT_EQ(readFrom(word(-5).i32(width), [&](InStream& from) { return ReadSheetPartList(from, 180, list); }), 0)
-        << width;
-    EXPECT_TRUE(list.parts.empty()) << width;
-    EXPECT_EQ(list.nameWidth, width);
-  }
-}
-
 TEST(SheetLists, PartNamesEndAtTheirNulAndAreStoredWithWhatFollows) {
   for (int width : {1, 4, 255, 256}) {
     Maker body;
@@ -884,7 +849,7 @@ TEST(SheetLists, SetupListFailsOnlyForItsLastThreeFields) {
   }
 }
 
-TEST(SheetLists, SetupListCountsOfZeroAndBelow) {
+TEST(SheetLists, SetupListCountOfZeroKeepsTheEntriesAndANegativeOneRemovesThem) {
   Maker m;
   SheetSetupList other;
   storedSheetSetup(m, 1, other);

@@ -1,7 +1,6 @@
 // One table with a call of every export on content with which it succeeds: for what is true of all exports.
 #pragma once
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
@@ -9,6 +8,7 @@
 
 #include "tests/support/exports.h"
 #include "tests/support/files.h"
+#include "tests/support/long_tests.h"
 
 namespace testing_support {
 
@@ -79,7 +79,7 @@ const std::vector<ExportCall>& exportCalls();
 
 // Of every age, for the samples of what does not depend on one version.
 inline std::vector<int> sampleVersions() {
-  if (std::getenv("OLDTORVIO_LONG_TESTS") != nullptr) return {60, 90, 101, 110, 130, 152, 160, 161, 162, 170, 180};
+  if (isLongRun()) return {60, 90, 101, 110, 130, 152, 160, 161, 162, 170, 180};
   return {60, 152, 180};
 }
 

@@ -31,7 +31,7 @@ namespace testing_support {
 IoWatch::IoWatch(const IoFault& fault) : fault_(fault) { watch = this; }
 IoWatch::~IoWatch() { watch = nullptr; }
 
-void IoWatch::inFrontOf(IoCall call, std::size_t n, std::function<void()> act) {
+void IoWatch::before(IoCall call, std::size_t n, std::function<void()> act) {
   actCall_ = call;
   actAt_ = n;
   act_ = std::move(act);
@@ -66,7 +66,7 @@ bool IoWatch::noteClosed(const void* file) {
 
 }  // namespace testing_support
 
-// The names that the linker puts in front of the host's own.
+// The names by which the linker replaces those of the host.
 #define OPENS(name)                                                   \
   std::FILE* __real_##name(const char* path, const char* mode);       \
   std::FILE* __wrap_##name(const char* path, const char* mode) {      \

@@ -40,8 +40,8 @@ class IoWatch {
   IoWatch(const IoWatch&) = delete;
   IoWatch& operator=(const IoWatch&) = delete;
 
-  // Calls act() in front of the n-th call.
-  void inFrontOf(IoCall call, std::size_t n, std::function<void()> act);
+  // Calls act() before the n-th call.
+  void before(IoCall call, std::size_t n, std::function<void()> act);
 
   bool happened() const { return happened_; }
   const std::array<std::size_t, kIoCalls>& counts() const { return counts_; }

@@ -628,18 +628,6 @@ TEST(Macro, CutAtAnyByteFailsAndKeepsTheFieldsBeforeIt) {
   }
 }
 
-TEST(Macro, ReloadKeepsWhatTheVersionDoesNotStore) {
-  for (const int version : {52, 54, 59}) {
-    OldMacro macro = madeMacro(180).second;
-    const OldMacro before = macro;
-    ASSERT_EQ(readMacro(madeMacro(version).first, version, macro), 0);
-    EXPECT_EQ(macro.stationList.stations.size(), 2U);
-    EXPECT_EQ(macro.stationList.headerWord, before.stationList.headerWord);
-    EXPECT_TRUE(sameRaw(macro.macroTailWords, before.macroTailWords));
-    for (const Shape& shape : macro.shapes.shapes) EXPECT_EQ(shape.trailerValue, 0U);
-  }
-}
-
 // A stored shape count of 0 keeps the shapes, and then the trailer has a value for each of them.
 TEST(Macro, TrailerHasOneValueForEachShapeOfTheRecord) {
   const MacroForm none{{}, 0, {}};

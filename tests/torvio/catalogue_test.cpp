@@ -212,7 +212,7 @@ TEST_F(Catalogues, OtherSettingsReadAllFilesAgain) {
   EXPECT_EQ(value("SELECT kind, material_type, examined_in FROM file"), "sheet|St\u207F|3");
 }
 
-TEST_F(Catalogues, FilesThatAreGoneLeaveOnlyTheFoldersThatWereRead) {
+TEST_F(Catalogues, DeletedFilesAreRemovedOnlyFromFoldersThatWereRead) {
   files_.write("a.nst", nest());
   const std::string gone = files_.write("gone.nst", nest());
   const std::string elsewhere = other_.write("elsewhere.nst", nest());
@@ -279,7 +279,7 @@ TEST_F(Catalogues, CatalogueIsNeverReadAsAFile) {
     }
 }
 
-TEST_F(Catalogues, RunsAtATimeKeepACatalogueInTheirFolder) {
+TEST_F(Catalogues, ConcurrentRunsKeepACatalogueInTheirFolder) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   for (int i = 0; i < 300; ++i) files_.write(std::to_string(i) + ".nst", nest());
   const std::string name = fs::path(files_.path()).filename().string();
@@ -328,7 +328,7 @@ TEST_F(Catalogues, HostileNamesAndTextsAreOnlyData) {
   EXPECT_EQ(value("SELECT examined_in, seen_in FROM file"), "1|2");
 }
 
-TEST_F(Catalogues, NamesThatAreNoUtf8StayApart) {
+TEST_F(Catalogues, NamesThatAreNotUtf8StayDistinct) {
   if (!kIsPosix) GTEST_SKIP() << "names of files are texts";
   files_.write("\xE4.nst", nest());
   files_.write("\xF6.nst", nest());
@@ -418,7 +418,7 @@ TEST_F(Catalogues, KilledRunsLoseAndDoubleNothing) {
 
 // ---- two runs at a time --------------------------------------------------------------------------------
 
-TEST_F(Catalogues, TwoRunsAtATimeMakeOneCatalogue) {
+TEST_F(Catalogues, TwoConcurrentRunsMakeOneCatalogue) {
   if (!kIsPosix) GTEST_SKIP() << "no POSIX shell";
   constexpr int kFiles = 300;
   for (int i = 0; i < kFiles; ++i) files_.write(std::to_string(i) + ".nst", nest());

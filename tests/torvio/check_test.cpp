@@ -102,7 +102,7 @@ TEST_F(Check, LinksToFoldersAreNotFollowed) {
   EXPECT_EQ(checkedBy("a/out"), (std::vector<std::string>{"a/out/other.spt"}));
 }
 
-TEST_F(Check, PipesInFoldersArePassedOver) {
+TEST_F(Check, PipesInFoldersAreSkipped) {
   if (!kIsPosix) GTEST_SKIP() << "no pipes";
   makeFolder("a");
   folder_.write("a/tool.spt", sound_);
@@ -204,7 +204,7 @@ TEST_F(Check, ListNamesAFileInEachLine) {
   EXPECT_EQ(check("--files-from none").errors, "torvio: none: cannot be opened: No such file or directory\n");
 }
 
-TEST_F(Check, LinesOfAListEndAsThoseOfTheSystem) {
+TEST_F(Check, CarriageReturnEndsALineOfAListOnlyOnWindows) {
   folder_.write("a.spt", sound_);
   std::ofstream(folder_.path("list"), std::ios::binary) << "a.spt\r\n\r\n";
   if (kIsPosix)
@@ -229,7 +229,7 @@ TEST_F(Check, ListWithNulsNamesAnyFile) {
   EXPECT_EQ(inFolder("find . -name '*.spt' -print0 | " + torvio_ + " check --files-from - --null").code, 0);
 }
 
-TEST_F(Check, NamesThatAreNoneAreReported) {
+TEST_F(Check, LinesThatCannotBeFileNamesAreReported) {
   folder_.write("a", sound_);
   std::ofstream(folder_.path("list"), std::ios::binary)
       << std::string("a\0b\n", 4) << std::string(70'000, 'x') << "\na\n";
@@ -328,7 +328,7 @@ TEST(Scans, FoldersOfManyNamesAreReadPieceByPiece) {
 
 // ---- verdicts and exit codes -----------------------------------------------------------------------------
 
-TEST_F(Check, ForeignFilesCountOnlyIfTheyAreNamed) {
+TEST_F(Check, ForeignFilesChangeTheExitCodeOnlyIfTheyAreNamed) {
   makeFolder("a");
   folder_.write("a/notes.txt", Bytes().i16(50).text(48, "notes"));
   folder_.write("a/tool.spt", sound_);
@@ -341,7 +341,7 @@ TEST_F(Check, ForeignFilesCountOnlyIfTheyAreNamed) {
   EXPECT_EQ(check("--files-from list").code, 1);
 }
 
-TEST_F(Check, HighestCodeWins) {
+TEST_F(Check, HighestExitCodeIsReturned) {
   makeFolder("a");
   folder_.write("a/1.spt", sound_);
   EXPECT_EQ(check("a").code, 0);
@@ -353,7 +353,7 @@ TEST_F(Check, HighestCodeWins) {
   EXPECT_EQ(check("none a").code, 3);
 }
 
-TEST_F(Check, OnlyHidesLinesButNothingElse) {
+TEST_F(Check, OptionOnlyHidesLinesAndChangesNothingElse) {
   folder_.write("1.spt", sound_);
   folder_.write("2.spt", cut_);
   folder_.write("3.spt", Bytes(sound_).zeros(1));

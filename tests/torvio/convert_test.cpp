@@ -15,11 +15,13 @@
 
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/support/stored_forms/machines.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
+#include "tests/torvio/sound_files.h"
 #include "torvio/convert/complete_save.h"
 #include "torvio/convert/recover.h"
 #include "torvio/convert/sheet_surplus.h"
@@ -33,10 +35,6 @@ using frame::FileKind;
 
 const convert::ConvertOptions kAllowLoss{true, "cp1252"};
 
-bool isSound(std::span<const std::byte> bytes, FileKind kind) {
-  const explain::FileReport report = explain::checkFile(bytes, kind);
-  return report.endsExactly() && !report.tolerated;
-}
 int versionOf(std::span<const std::byte> bytes) {
   return static_cast<std::int16_t>(std::to_integer<unsigned>(bytes[0]) | std::to_integer<unsigned>(bytes[1]) << 8U);
 }
@@ -44,13 +42,6 @@ const Loss* find(const convert::Report& report, std::string_view member) {
   const auto found = std::find_if(report.losses.begin(), report.losses.end(),
                                   [member](const Loss& loss) { return loss.member == member; });
   return found == report.losses.end() ? nullptr : &*found;
-}
-
-// A load may replace values before it, and a save stores those.
-Bytes cleanCopy(const Bytes& file, FileKind kind, int version) {
-  const convert::Converted copy = convert::convert(file.span(), kind, version, kAllowLoss);
-  EXPECT_EQ(copy.error, "");
-  return Bytes::of(copy.bytes);
 }
 
 // ---- every kind and version -----------------------------------------------------------------------------
@@ -85,7 +76,7 @@ void expectReportOfWhatDiffers(const Bytes& saved, int from, int to) {
 
 // All, or some that are other ones in each round.
 std::vector<int> someOf(const std::vector<int>& all, std::size_t round) {
-  if (isLong()) return all;
+  if (isLongRun()) return all;
   std::vector<int> some{all.front(), all.back()};
   const std::size_t step = std::max<std::size_t>(all.size() / 7, 1);
   for (std::size_t i = round % step; i < all.size(); i += step) some.push_back(all[i]);
@@ -113,7 +104,7 @@ TEST(Convert, ReportIsEmptyExactlyIfTheNewFileHasTheSameContents) {
   EXPECT_GT(pairs, 300);
 }
 
-TEST(Convert, FileOfASaveComesBackInItsVersion) {
+TEST(Convert, SavedFileIsUnchangedInItsOwnVersion) {
   for (const frame::FileKindInfo& info : frame::kFileKinds)
     for (const int version : someOf(versionsOf(info.kind), 2)) {
       const bool hasSurplus = (info.kind == FileKind::sheet || info.kind == FileKind::machine) && version < 152;

@@ -1,4 +1,4 @@
-// Differences of records and files: what counts as one, how elements of lists are matched, and what the command prints.
+// Differences of records and files: what is one, how elements of lists are matched, and what the command prints.
 #include "torvio/compare/diff.h"
 
 #include <gtest/gtest.h>
@@ -20,6 +20,7 @@
 
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
@@ -170,7 +171,7 @@ TEST(Diff, ChangeOfOneMemberIsReportedAtItsPath) {
         if (leaves < 60) record = anyRecord<kKind>(seed);
       }
       const auto copy = std::make_unique<typename decltype(file)::Record>(*record);
-      const std::size_t step = isLong() ? 1 : std::max<std::size_t>(leaves / 300, 1);
+      const std::size_t step = isLongRun() ? 1 : std::max<std::size_t>(leaves / 300, 1);
       std::size_t number = 0, unstored = 0;
       Leaves([&](const std::string& path, const values::Type& leaf, void* at, bool isStored) {
         if (number++ % step != 0 && isStored) return;
@@ -380,7 +381,7 @@ TEST(Diff, RenamedPartIsOneWithAnotherName) {
   EXPECT_EQ(texts(a, b), (Texts{"- parts[2]", "+ parts[2]"}));
 }
 
-TEST(Diff, InsertedPartInFrontOfTwoThousandIsOneDifference) {
+TEST(Diff, PartInsertedBeforeTwoThousandIsOneDifference) {
   SheetPartList a, b;
   for (int i = 0; i < 2000; ++i) a.parts.push_back(partCalled("p" + std::to_string(i % 500), static_cast<float>(i)));
   b = a;
@@ -448,7 +449,8 @@ TEST(Diff, OneElementInsertedRemovedOrMovedAnywhereIsOneDifference) {
       for (std::uint32_t seed = 0; seed < 3; ++seed) {
         const auto record = anyRecord<decltype(file)::kKind>(seed);
         for (const auto what : {ListChanger::What::insert, ListChanger::What::erase, ListChanger::What::move}) {
-          const std::size_t lists = listsIn(*record, what), step = isLong() ? 1 : std::max<std::size_t>(lists / 20, 1);
+          const std::size_t lists = listsIn(*record, what),
+                            step = isLongRun() ? 1 : std::max<std::size_t>(lists / 20, 1);
           for (std::size_t i = 0; i < lists; i += step) {
             const auto copy = std::make_unique<Record>(*record);
             ListChanger changer(seed, what);
@@ -486,7 +488,7 @@ void expectMirrored(const Record& a, const Record& b, const DiffOptions& options
   EXPECT_EQ(one, other);
 }
 
-TEST(Diff, OtherWayRoundTheSameDifferencesAreMirrored) {
+TEST(Diff, SwappedRecordsHaveTheMirroredDifferences) {
   for (const frame::FileKindInfo& info : frame::kFileKinds)
     withFileRecord(info.kind, [&](auto file) {
       constexpr FileKind kKind = decltype(file)::kKind;
@@ -533,7 +535,7 @@ std::size_t longestCommon(const std::vector<compare::Key>& a, const std::vector<
   return best[a.size()][b.size()];
 }
 
-TEST(Alignment, PairsInOrderAsManyAsCanBe) {
+TEST(Alignment, PairsAsManyElementsInOrderAsPossible) {
   std::mt19937 engine(3);
   for (int round = 0; round < 2000; ++round) {
     std::vector<compare::Key> a(engine() % 20), b(engine() % 20);
@@ -820,7 +822,7 @@ TEST_F(PartFiles, PartIsChosenByNameOrPosition) {
   EXPECT_FALSE(diffOf({sheet, FileKind::sheet, "0", {}}, {sheet, FileKind::sheet, "PLATE 1", {}}).result.areSame);
 }
 
-TEST_F(PartFiles, WhatCannotBeComparedIsSaid) {
+TEST_F(PartFiles, FilesThatCannotBeComparedAreReported) {
   const auto unnamed = diffOf(partFile("x.prt"), {sheet, FileKind::sheet, {}, {}});
   EXPECT_EQ(unnamed.result.error,
             "has no part with the name of the part file; its parts are \"PLATE 0\", \"PLATE 1\", \"PLATE 2\"");
@@ -887,7 +889,7 @@ TEST(DiffFiles, AnyBytesAsAnyKindHaveADefinedResult) {
     files.emplace_back(kind.kind, kind.file(kind.versions[kind.versions.size() / 2]));
   }
   std::size_t compared = 0;
-  for (int round = 0; round < (isLong() ? 20000 : 1500); ++round) {
+  for (int round = 0; round < (isLongRun() ? 20000 : 1500); ++round) {
     std::array<Bytes, 2> bytes;
     std::array<FileKind, 2> fileKinds{};
     const std::size_t first = engine() % files.size();
@@ -1047,7 +1049,7 @@ TEST_F(DiffCommand, PartIsFoundInASheet) {
   EXPECT_EQ(torvio("diff --part 1 " + a_ + ' ' + b_).code, 2);
 }
 
-TEST_F(DiffCommand, TroubleHasItsExitCode) {
+TEST_F(DiffCommand, FilesThatCannotBeComparedAndMisuseReturnTwo) {
   const Outcome none = torvio("diff " + a_ + ' ' + folder_.path("none"));
   EXPECT_EQ(none.code, 2);
   EXPECT_NE(none.errors.find("none: cannot be opened"), std::string::npos);
@@ -1065,7 +1067,7 @@ TEST_F(DiffCommand, TroubleHasItsExitCode) {
   EXPECT_EQ(torvio("diff --kind machine " + refused + ' ' + refused).code, 2);
 }
 
-TEST_F(DiffCommand, DamagedFileIsTroubleButCompared) {
+TEST_F(DiffCommand, DamagedFileIsComparedAndReturnsTwo) {
   const Bytes whole = TempFolder::read(b_);
   const std::string cut = folder_.write("cut.prt", whole.cut(whole.size() - 1000));
   const Outcome run = torvio("diff --kind part " + a_ + ' ' + cut);

@@ -168,7 +168,7 @@ TEST(SheetPictures, CopiesWithoutAStepAreOneRectangleWithTheirNumber) {
                        "21</text>"));
 }
 
-TEST(SheetPictures, AMillionCopiesGiveABoundedPictureThatSaysSo) {
+TEST(SheetPictures, OfAMillionCopiesAreBoundedAndSaySo) {
   const auto sheet = plate(60, 45);
   Pattern& grid = place(*sheet, 0.1F, 0.1F, 0, 0);
   grid.gridCount1 = grid.gridCount2 = 1000;
@@ -181,7 +181,7 @@ TEST(SheetPictures, AMillionCopiesGiveABoundedPictureThatSaysSo) {
   EXPECT_EQ(svgFault(svg), "");
 }
 
-TEST(SheetPictures, WhatIsFarAwayDoesNotUseUpTheRoomOfOthers) {
+TEST(SheetPictures, DistantCopiesAreLeftOutAndDoNotCountTowardsTheLimit) {
   const auto sheet = plate(60, 45);
   Pattern& far = place(*sheet, 10, 8, 0, 0);
   far.gridCount1 = far.gridCount2 = 0xFFFFFFFF;

@@ -13,6 +13,7 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
@@ -47,7 +48,7 @@ void expectSameFileByWayOfJson(const Bytes& bytes, int version) {
 }
 
 TEST(FromJson, FilesOfEveryKindAndVersionAreSavedAsWithoutJson) {
-  const int least = isLong() ? 10000 : 500;
+  const int least = isLongRun() ? 10000 : 500;
   int files = 0;
   for (std::uint32_t round = 0; files < least; ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds)
@@ -66,7 +67,7 @@ TEST(FromJson, FilesOfEveryKindAndVersionAreSavedAsWithoutJson) {
 
 TEST(FromJson, RecordsOfAnyContentComeBackInEveryEncoding) {
   const std::vector<std::string> encodings = values::TextEncoding::names();
-  for (std::uint32_t round = 0; round < (isLong() ? 500U : 16U); ++round)
+  for (std::uint32_t round = 0; round < (isLongRun() ? 500U : 16U); ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds)
       withFileRecord(info.kind, [&](auto file) {
         constexpr FileKind kKind = decltype(file)::kKind;
@@ -83,7 +84,7 @@ TEST(FromJson, RecordsOfAnyContentComeBackInEveryEncoding) {
 TEST(FromJson, EveryFloatComesBackToItsBits) {
   OldMacro macro;
   std::mt19937 engine(1);
-  macro.shapes.shapes.resize(isLong() ? 200000 : 5000);
+  macro.shapes.shapes.resize(isLongRun() ? 200000 : 5000);
   for (Shape& shape : macro.shapes.shapes)
     for (float& value : shape.values) value = std::bit_cast<float>(static_cast<std::uint32_t>(engine()));
   const values::JsonRecord read = values::readJson(values::jsonOf<FileKind::macro>(macro, 180));
@@ -113,7 +114,7 @@ TEST(FromJson, MembersMayComeInAnyOrder) {
   EXPECT_EQ(read.version, 180);
 }
 
-TEST(FromJson, FloatsAreReadFromAnyWayToWriteThem) {
+TEST(FromJson, FloatsAreReadInAnyNotation) {
   const struct {
     const char* json;
     std::uint32_t bits;
@@ -180,7 +181,7 @@ TEST(FromJson, TextsMayHaveEscapesAndEveryFormOfAFixedText) {
   EXPECT_EQ(std::string_view(macroIn(read).shapes.shapes[0].text, size), std::string(size, 'x'));
 }
 
-TEST(FromJson, WhatIsSaidOfTheFileIsIgnored) {
+TEST(FromJson, RemarksAboutTheFileAreIgnored) {
   Json json = document();
   json["unread"] = 5;
   json["tolerated"] = {{"offset", 3}, {"field", "a"}, {"reason", "b"}};
@@ -277,7 +278,7 @@ TEST(FromJson, WrongDocumentsAreNamed) {
     EXPECT_NE(values::readJson(text).error, "") << text;
 }
 
-TEST(FromJson, MembersThatAreThereTwiceAreRefused) {
+TEST(FromJson, DuplicateMembersAreRefused) {
   std::string text = document().dump();
   text.replace(text.find("\"macroBlock\""), 12, "\"macroHead\"");
   EXPECT_EQ(values::readJson(text).error, "macroHead: is there twice");
@@ -286,7 +287,7 @@ TEST(FromJson, MembersThatAreThereTwiceAreRefused) {
   EXPECT_EQ(values::readJson(text).error, "format: is there twice");
 }
 
-TEST(FromJson, TextThatIsNoJsonIsRefusedWithItsPlace) {
+TEST(FromJson, InvalidJsonIsRefusedWithItsPosition) {
   EXPECT_EQ(values::readJson("{\n  \"format\": nonsense}").error.substr(0, 34), "line 2, column 14: not valid JSON:");
   std::string text = document().dump();
   text.insert(text.find("note\",") + 2, "\xFF");
@@ -325,7 +326,7 @@ TEST(FromJson, ChangedTextsDoNoHarm) {
       constexpr FileKind kKind = decltype(file)::kKind;
       const auto loaded = values::loadRecord<kKind>(randomFile(kKind, 160, 1).span());
       const std::string json = values::jsonOf<kKind>(*loaded.record, 160);
-      for (int i = 0; i < (isLong() ? 20000 : 300); ++i) {
+      for (int i = 0; i < (isLongRun() ? 20000 : 300); ++i) {
         std::string text = json;
         for (std::uint32_t n = 1 + engine() % 2; n > 0; --n)
           text.replace(engine() % text.size(), engine() % 3, parts[engine() % std::size(parts)]);
@@ -344,7 +345,7 @@ TEST(FromJson, ChangedTextsDoNoHarm) {
 
 TEST(FromJson, RecordsOfAnyContentAreSavedOrRefused) {
   int saved = 0;
-  for (std::uint32_t round = 0; round < (isLong() ? 300U : 10U); ++round)
+  for (std::uint32_t round = 0; round < (isLongRun() ? 300U : 10U); ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds)
       withFileRecord(info.kind, [&](auto file) {
         const auto record = std::make_unique<typename decltype(file)::Record>();
@@ -396,7 +397,7 @@ TEST(FromJson, EndlessTextsAreRefusedEarly) {
   }
 }
 
-TEST(FromJson, LongTextsOfStringsThatMayBeLongAreRead) {
+TEST(FromJson, LongTextsAreReadWhereTheFieldHasNoLimit) {
   Json json = document();
   json["record"]["shapes"]["shapes"][0]["note"] = std::string(10U << 20U, 'n');
   const values::JsonRecord read = readOf(json);

@@ -345,7 +345,7 @@ TEST(Infos, LongTablesAreCutInTextOnly) {
   EXPECT_EQ(json::parse(infoJson("s", info))["parts"].size(), 100U);
 }
 
-TEST(Infos, NumbersThatAreNoneAreNullInJson) {
+TEST(Infos, NanAndInfinityAreNullInJson) {
   const auto sheet = nest();
   sheet->width = std::numeric_limits<float>::quiet_NaN();
   sheet->partList.parts[0].height = -std::numeric_limits<float>::infinity();

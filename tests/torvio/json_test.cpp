@@ -11,6 +11,7 @@
 
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
@@ -259,7 +260,7 @@ TEST(Json, DamagedFileHasWhatWasReadAndTheFault) {
   for (const Kind& kind : kinds())
     for (const int version : kind.versions) {
       const Bytes whole = kind.file(version);
-      const std::size_t step = isLong() ? 7 : std::max<std::size_t>(whole.size() / 20, 1);
+      const std::size_t step = isLongRun() ? 7 : std::max<std::size_t>(whole.size() / 20, 1);
       for (std::size_t size = 0; size <= whole.size(); size += step) {
         const Bytes cut = whole.cut(size);
         const explain::FileReport report = explain::checkFile(cut.span(), kind.kind);

@@ -1,7 +1,6 @@
 // Files with random content of every kind and version, and records with any content at all.
 #pragma once
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,8 +9,6 @@
 #include "tests/support/bytes.h"
 
 namespace testing_support {
-
-inline bool isLong() { return std::getenv("OLDTORVIO_LONG_TESTS") != nullptr; }
 
 // The versions of which there are random files. Parts of versions 2 and 3 never load.
 std::vector<int> versionsOf(oldtorvio::frame::FileKind kind);

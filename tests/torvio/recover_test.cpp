@@ -15,11 +15,13 @@
 
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
+#include "tests/support/long_tests.h"
 #include "tests/support/part_files.h"
 #include "tests/support/stored_forms/machines.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
+#include "tests/torvio/sound_files.h"
 #include "torvio/convert/convert.h"
 #include "torvio/values/compiled_records.h"
 
@@ -29,18 +31,6 @@ using namespace oldtorvio;
 using namespace testing_support;
 using convert::Recovered;
 using frame::FileKind;
-
-bool isSound(std::span<const std::byte> bytes, FileKind kind) {
-  const explain::FileReport report = explain::checkFile(bytes, kind);
-  return report.endsExactly() && !report.tolerated;
-}
-
-// A load may replace values before it, and a save stores those.
-Bytes cleanCopy(const Bytes& file, FileKind kind, int version) {
-  const convert::Converted copy = convert::convert(file.span(), kind, version, {true, "cp1252"});
-  EXPECT_EQ(copy.error, "");
-  return Bytes::of(copy.bytes);
-}
 
 // Everything that must hold of the outcome for any bytes.
 void expectSoundOrNothing(const Recovered& recovered, std::span<const std::byte> file, FileKind kind) {
@@ -100,14 +90,14 @@ TEST(Recover, EveryCutOfEveryKindIsSoundOrNothing) {
     for (const int version : kind.versions) {
       const Bytes file = cleanCopy(kind.file(version), kind.kind, version);
       SCOPED_TRACE(testing::Message() << kind.name << " of version " << version);
-      const std::size_t step = isLong() ? 1 : std::max<std::size_t>(file.size() / 60, 1);
+      const std::size_t step = isLongRun() ? 1 : std::max<std::size_t>(file.size() / 60, 1);
       for (std::size_t size = 0; size < file.size() && !testing::Test::HasFailure();
-           size += 1 + (isLong() ? 0 : size * 7919 % step)) {
+           size += 1 + (isLongRun() ? 0 : size * 7919 % step)) {
         const Bytes cut = file.cut(size);
         const Recovered recovered = convert::recover(cut.span(), kind.kind);
         SCOPED_TRACE(testing::Message() << "cut at " << size);
         expectSoundOrNothing(recovered, cut.span(), kind.kind);
-        if (cuts++ % (isLong() ? 50 : 5) == 0) expectFieldsKept(recovered, cut.span(), kind.kind);
+        if (cuts++ % (isLongRun() ? 50 : 5) == 0) expectFieldsKept(recovered, cut.span(), kind.kind);
         recoveredFiles += recovered.bytes.empty() ? 0U : 1U;
       }
     }
@@ -115,10 +105,10 @@ TEST(Recover, EveryCutOfEveryKindIsSoundOrNothing) {
 }
 
 // Sheets below version 152, which a save does not leave sound.
-TEST(Recover, CutsOfSheetsOfOldVersions) {
+TEST(Recover, EveryCutOfSheetsOfOldVersionsIsSoundOrNothing) {
   for (const int version : {52, 60, 80, 110, 151}) {
     const Bytes file = cleanCopy(sheetFile(version), FileKind::sheet, version);
-    for (std::size_t size = 0; size < file.size(); size += isLong() ? 7 : 1 + file.size() / 40) {
+    for (std::size_t size = 0; size < file.size(); size += isLongRun() ? 7 : 1 + file.size() / 40) {
       const Bytes cut = file.cut(size);
       SCOPED_TRACE(testing::Message() << version << ", cut at " << size);
       const Recovered recovered = convert::recover(cut.span(), FileKind::sheet);
@@ -134,13 +124,13 @@ TEST(Recover, RefusedValuesAreCutOff) {
   std::uint64_t tried = 0;
   for (const Kind& kind : kinds())
     for (const int version : kind.versions) {
-      if (!isLong() && version != kind.versions.front() && version != kind.versions.back()) continue;
+      if (!isLongRun() && version != kind.versions.front() && version != kind.versions.back()) continue;
       const Bytes file = kind.file(version);
       std::vector<explain::MapLine> counts;
       (void)explain::mapFile(file.span(), kind.kind, [&](const explain::MapLine& line) {
         if (line.size > 0 && isCount(line.path)) counts.push_back(line);
       });
-      const std::size_t step = isLong() ? 1 : 1 + counts.size() / 25;
+      const std::size_t step = isLongRun() ? 1 : 1 + counts.size() / 25;
       for (std::size_t i = 0; i < counts.size(); i += step)
         for (const int value : {0x7F, 0x80, 0xFF}) {
           std::vector<std::byte> damaged(file.span().begin(), file.span().end());
@@ -155,9 +145,9 @@ TEST(Recover, RefusedValuesAreCutOff) {
   EXPECT_GT(tried, 300U);
 }
 
-TEST(Recover, RandomDamageAndRandomBytes) {
+TEST(Recover, RandomDamageAndRandomBytesAreSoundOrNothing) {
   std::mt19937 engine(4);
-  for (int round = 0; round < (isLong() ? 3000 : 120); ++round)
+  for (int round = 0; round < (isLongRun() ? 3000 : 120); ++round)
     for (const frame::FileKindInfo& info : frame::kFileKinds) {
       const std::vector<int> versions = versionsOf(info.kind);
       const Bytes file = randomFile(info.kind, versions[engine() % versions.size()], static_cast<std::uint32_t>(round));
@@ -263,7 +253,7 @@ TEST(Recover, SecondCopyOfTheClampsLeavesTheFirst) {
   EXPECT_TRUE(recovered.report.shorter.empty());
 }
 
-TEST(Recover, PartThatBreaksInItsPatternGetsOneWithoutTools) {
+TEST(Recover, PartDamagedInItsPatternGetsAPatternWithoutTools) {
   const Bytes file = storedPartFile(180, {.groupKind = 32001});
   const auto before = values::loadRecord<FileKind::part>(file.span());
   ASSERT_FALSE(before.record->patterns[0].items.empty());

@@ -61,7 +61,7 @@ TEST(JsonStrings, ControlCharactersQuotesAndBackslashesAreEscaped) {
   EXPECT_EQ(json, "\"a\\\"b\\\\c\\n\\t\\r\\u001b\\u007f\\u0000d\u00E4\"");
 }
 
-TEST(FileNames, BytesThatAreNoUtf8AreReplaced) {
+TEST(FileNames, BytesThatAreNotUtf8AreReplaced) {
   const struct {
     const char* name;
     const char* utf8;

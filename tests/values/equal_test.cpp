@@ -105,7 +105,7 @@ TEST(EqualContents, DifferWhereAnyMemberDiffers) {
 }
 
 // What the memory held before shows in the padding and nowhere else.
-TEST(EqualContents, TakeNoNoticeOfPadding) {
+TEST(EqualContents, IgnoresPadding) {
   EveryRecord::each([]<class Record>() {
     struct Memory {
       alignas(Record) std::byte bytes[sizeof(Record)];
