@@ -33,6 +33,7 @@ struct Pattern {
   std::uint32_t lateWord1 = 0;                                // groups, since 151
   std::uint8_t bindByte = 0;                                  // groups, since 110
   std::uint32_t bindWord4 = 0;                                // groups, since 110
+  // Groups, since 110.
   std::uint16_t bindShorts[8] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
   std::uint32_t lateWord2 = 0, lateWord3 = 0;                       // groups, since 151
   std::vector<std::pair<std::uint32_t, std::uint32_t>> bindFirst;   // groups, since 110

@@ -17,6 +17,7 @@
 #include "src/frame/entry.h"
 #include "src/frame/text/text.h"
 #include "src/part/part_io.h"
+#include "src/records/shape_groups.h"
 #include "src/records/tool_layout.h"
 #include "src/tooling/special_tool_io.h"
 
@@ -28,8 +29,6 @@ using namespace frame;
 
 TorvPart partBuilder;
 
-constexpr std::uint32_t kGroupMember = 128;
-constexpr std::int8_t kGroupHead = 7;
 // The longest path that fits a 256-byte text with its NUL.
 constexpr std::size_t kLongestToolPath = 255;
 // For the tool of a group: checked before its file is searched for.

@@ -34,7 +34,7 @@ inline constexpr VersionSet kPartVersions{2,   3,   5,   52,  54,  60,  61,  62,
 inline constexpr VersionSet kSpecialToolVersions{0,   1,   52,  54,  60,  90,  91,  92,  100,        101, 102,
                                                  110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 
-// The queries and edits of sheets and the queries of machines test the version word against this list first.
+// Edits of sheets accept these version words; queries of sheets and machines only those of them from 54 on.
 inline constexpr VersionSet KnownSheetVersions{1,   6,   52,  54,  60,  80,  90,  91,  92,         100, 101, 102,
                                                110, 111, 112, 120, 121, 130, 140, 141, {150, 162}, 170, 180};
 

@@ -104,7 +104,7 @@ struct Layout<OldMachine> {
         && io.when(notEquals(FIELDS(segmentCount), 0), [&] {
              return io.clear(FIELDS(m.segments))
                  && io.fields(FIELDS(m.segmentBox))
-                 && io.list(FIELDS(m.segments), counted(segmentCount));
+                 && io.list(FIELDS(m.segments), appended(segmentCount));
            })
         && io.fields(FIELDS(m.gridFlag1, m.gridFlag2))
         && describeClampInfoAgain(io, m)
@@ -131,7 +131,7 @@ struct Layout<OldMachine> {
              return io.fields(FIELDS(m.machineWord1, m.machineWord2, m.machineWord3, m.machineWord4, m.machineWord5,
                                      m.machineWord6, m.machineWord7, m.machineWord8, m.machineWord9, m.machineWord10,
                                      m.machineWord11))
-                 && io.afterRead(m, "machineWord1 becomes sizeX if it is below 0.0001",
+                 && io.afterRead(m, "machineWord1 becomes sizeX if its absolute value is below 0.0001",
                                  [](auto& r) { if (isBelowLimit(r.machineWord1)) r.machineWord1 = r.sizeX; });
            })
         && io.since(62, FIELDS(m.machineWord12, m.machineWord13, m.machineWord14, m.machineWord15, m.machineWord16,
@@ -162,7 +162,7 @@ struct Layout<OldMachine> {
   static bool describeMaterial(auto& io, auto& m, const auto& form) {
     return io.record(FIELDS(m.material))
         && io.fields(FIELDS(m.machineWord80, m.machineWord81, m.machineWord82))
-        && io.when(custom("read, or written with the shapes of a sheet", io.either(true, form.writeShapeFlag)), [&] {
+        && io.when(custom("reader (writer only with the shapes of a sheet)", io.either(true, form.writeShapeFlag)), [&] {
              return io.when(custom("in a machine file", form.shapes == nullptr),
                             [&] { return io.require(notEquals(FIELDS(m.shapesPresent), 1)); })
                  && io.when(equals(FIELDS(m.shapesPresent), 1), [&] { return describeTrailer(io, form.shapes); });

@@ -18,8 +18,7 @@ struct FileRecord<frame::FileKind::material> {
     const int status = ReadParamTable(stream, material.params);
     if (status != 0) return status;
     if (!frame::isParamTableVersion(version)) return ReadOldMaterialBody(stream, version, material);
-    const std::string_view name = fixedText(material.params.name);
-    if (!name.empty() && name.size() < sizeof material.params.name) material.name = name;
+    takeNameOfTable(material);
     return frame::kDone;
   }
   static bool store(codec::OutStream& stream, int version, Record& material) {
@@ -29,11 +28,19 @@ struct FileRecord<frame::FileKind::material> {
   static std::int64_t walk(auto& io, Record& material) {
     const bool isRead = io.record(FIELDS(material.params));
     if (const int status = paramTableStatus(io, material.params, isRead); status != 0) return status;
-    return frame::statusOf(frame::isParamTableVersion(io.version()) || io.walk(material));
+    if (!frame::isParamTableVersion(io.version())) return frame::statusOf(io.walk(material));
+    return frame::statusOf(io.keep(material, [](auto& read) { takeNameOfTable(read); }));
   }
   static std::int64_t load(const char* path, Record& material) { return LoadOldMaterial(path, &material); }
   static std::int64_t save(const char* path, Record& material, int version) {
     return SaveMaterial(path, material, version);
+  }
+
+ private:
+  // A file that is only a table has the name of the table, unless that is empty or as long as its field.
+  static void takeNameOfTable(Record& material) {
+    const std::string_view name = fixedText(material.params.name);
+    if (!name.empty() && name.size() < sizeof material.params.name) material.name = name;
   }
 };
 

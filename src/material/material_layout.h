@@ -121,7 +121,7 @@ struct Layout<AngleRule> {
         && describeEntries(io, r, paired ? doubled(r.angleCount) : r.angleCount)
         && io.fields(FIELDS(r.sizeLimitX, r.sizeLimitY))
         && io.reserved(10)
-        && io.when(custom("of pairRules", paired), [&] {
+        && io.when(custom("in pairRules", paired), [&] {
              return io.afterRead(r, "angleCount becomes half of the count that was walked", [](auto& rule) {
              rule.angleCount = static_cast<std::int8_t>(doubled(rule.angleCount) / 2);
              });
@@ -134,7 +134,7 @@ struct Layout<AngleRule> {
 
   static bool describeEntries(auto& io, auto& r, std::int8_t entryCount) {
     return io.require(atMost(FIELDS(entryCount), 10))
-        && io.rows(entryCount, [&](std::size_t i) { return io.fields(FIELDS(r.ruleValues[i], r.ruleAngles[i])); });
+        && io.rows(computed("of entryCount", entryCount), [&](std::size_t i) { return io.fields(FIELDS(r.ruleValues[i], r.ruleAngles[i])); });
   }
 };
 
@@ -199,11 +199,11 @@ struct Layout<OldMaterial> {
                             s.setting7))
         && io.fields(FIELDS(s.choice1, s.choice2, s.choice3, s.choice4, s.choice5, s.choice6, s.choice7, s.choice8))
         && io.fields(FIELDS(s.setting8, s.setting9))
-        && io.afterRead(s, "choices outside their two banks become 1 or 1001", [](auto& r) {
+        && io.afterRead(s, "a choice below 0 becomes 1, one above its high bank 1001", [](auto& r) {
              for (const auto& [choice, limit] : kChoiceLimits) r.*choice = choiceAfterReading(r.*choice, limit);
            })
         // Too late for what has just been stored: only the next save stores it.
-        && io.beforeWrite(s, "choices above their high bank become 1000 and their last digit", [](auto& r) {
+        && io.beforeWrite(s, "a choice above its high bank becomes 1000 plus its last digit", [](auto& r) {
              for (const auto& [choice, limit] : kChoiceLimits) r.*choice = choiceAfterWriting(r.*choice, limit);
            })
         && io.fields(FIELDS(s.setting10, s.setting11, s.setting12, s.settingListCount))

@@ -97,7 +97,7 @@ struct Layout<Version5Part> {
         && io.rows(entryCount, [&](std::size_t i) {
              SetupEntry e;
              return io.element(FIELDS(l.entries), i, [&] { return describeShortSetupEntry(io, e); })
-                 && io.afterRead(e, "continuations of a text are merged or dropped", [&](auto& r) { if (filter.keeps(r)) l.entries.push_back(r); });
+                 && io.afterRead(e, "dropped if it continues a text that has all its continuations", [&](auto& r) { if (filter.keeps(r)) l.entries.push_back(r); });
            })
         && describeShortSetupEntry(io, l.current)
         && io.fields(FIELDS(l.tailBlock, l.tailWord1, l.tailWord2));
@@ -140,7 +140,7 @@ struct Layout<Version3Part> {
   }
 
  private:
-  static PlaceCondition nothingFollows() { return custom("nothing after this is read", false); }
+  static CustomCondition nothingFollows() { return custom("nothing after this is read", false); }
 
   static bool describeShapes(auto& io, TorvPart& p, std::int16_t shapeCount, bool hasItems) {
     OldShapeConverter converter(hasItems);
@@ -157,7 +157,7 @@ struct Layout<Version3Part> {
                              })
                           && describeOldGeometry(io, s);
                     })
-                 && io.afterRead(s, "angles are limited to a full turn, types and flags are converted", [&](auto& r) {
+                 && io.afterRead(s, "angles are limited to a full turn; auxWord, flags, some values, and the places of group members are converted", [&](auto& r) {
                       limitToFullTurn(r, kFullTurnVersion3);
                       converter.convert(r, p.shapes.shapes.size());
                       p.shapes.shapes.push_back(r);

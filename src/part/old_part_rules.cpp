@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "src/frame/codec/reader.h"
+#include "src/records/shape_groups.h"
 
 namespace oldtorvio {
 namespace {
@@ -19,8 +20,6 @@ static_assert(std::bit_cast<std::uint32_t>(kFullTurnVersion3) == 0x40C90FD4U);
 
 constexpr int kTypes = 26;
 constexpr int kArc = 9;
-constexpr int kGroupHead = 7;
-constexpr std::uint32_t kGroupMember = 128;
 
 enum class Class : std::uint8_t { other, contour, head };
 

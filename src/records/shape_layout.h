@@ -21,7 +21,7 @@ struct Layout<Shape> {
         && io.fields(FIELDS(s.auxValue2, s.auxValue3, s.auxValue4))
         && io.between(112, 120, [&] {
              return io.fields(FIELDS(s.rangeValue))
-                 && io.afterRead(s, "of types 4 and 5 auxValue4 becomes rangeValue",
+                 && io.afterRead(s, "for types 4 and 5, auxValue4 becomes rangeValue",
                                  [](auto& r) { if (r.type == 4 || r.type == 5) r.auxValue4 = r.rangeValue; });
            })
         && io.since(151, FIELDS(s.lateByte1, s.lateByte2, s.lateByte3, s.lateWord1))

@@ -389,6 +389,16 @@ TEST(Verbs, ConditionsCompareTheFieldThatWasRead) {
     EXPECT_EQ(codec::atMost(FIELDS(value), 1).holds, value <= 1) << value;
     EXPECT_EQ(codec::within(FIELDS(value), 0, 2).holds, value >= 0 && value <= 2) << value;
     EXPECT_EQ(codec::oneOf(FIELDS(value), -1, 3).holds, value == -1 || value == 3) << value;
+    EXPECT_EQ(codec::atLeast(FIELDS(value), 1).holds, value >= 1) << value;
+    const auto inRanges = codec::inRanges(FIELDS(value), codec::Range{-1, -1}, codec::Range{1, 3});
+    EXPECT_EQ(inRanges.holds, value == -1 || (value >= 1 && value <= 3)) << value;
+    EXPECT_EQ(codec::decided(inRanges, true).holds, true);
+    EXPECT_EQ(codec::decided(inRanges, false).holds, false);
+    for (const int version : {kVersion - 1, kVersion}) {
+      const std::int32_t highest = version < kVersion ? 1 : 2;
+      const auto within = codec::within(FIELDS(value), 0, codec::GrownLimit{2, kVersion, 1}, version);
+      EXPECT_EQ(within.holds, value >= 0 && value <= highest) << value;
+    }
   }
 }
 

@@ -159,7 +159,7 @@ class Weigher : public Reading<Weigher> {
       structure(kAccepted);
     return Reading::require(condition);
   }
-  [[nodiscard]] bool require(const PlaceCondition& condition) { return Reading::require(condition); }
+  [[nodiscard]] bool require(const CustomCondition& condition) { return Reading::require(condition); }
   template <class X, class Rule, class... A>
   [[nodiscard]] bool list(const X& x, Rule rule, const A&... more) {
     const std::size_t least = minStoredSizeOf(x);

@@ -64,7 +64,7 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
     return nested(x);
   }
   template <class X>
-  [[nodiscard]] bool when(const codec::PlaceCondition& condition, const X& x) {
+  [[nodiscard]] bool when(const codec::CustomCondition& condition, const X& x) {
     return !condition.holds || nested(x);
   }
 
@@ -107,7 +107,7 @@ class Walker : public codec::RecordWalker<Walker>, public explain::LayoutWalker<
   [[nodiscard]] bool require(const codec::Condition<Names, kTest, kCount>&) {
     return true;
   }
-  [[nodiscard]] static bool require(const codec::PlaceCondition& condition) { return condition.holds; }
+  [[nodiscard]] static bool require(const codec::CustomCondition& condition) { return condition.holds; }
 
   template <class R, class... A>
   [[nodiscard]] bool walk(R& record, const A&... more) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "src/records/shape_groups.h"
 #include "src/tooling/tool_kinds.h"
 
 namespace oldtorvio::draw {
@@ -131,15 +132,13 @@ const OldTool* toolAt(const ToolStationList& list, std::int64_t number) {
 }
 
 ShapePlaces::Place ShapePlaces::placeOf(const Shape& shape) {
-  constexpr std::int8_t kHead = 7;
-  constexpr std::uint32_t kMember = 128;
   const Place own{static_cast<double>(shape.x), static_cast<double>(shape.y), 0};
-  if ((shape.flags & kMember) != 0 && hasHead_) {
+  if ((shape.flags & kGroupMember) != 0 && hasHead_) {
     hasMembers_ = true;
     const double cosine = std::cos(head_.turned), sine = std::sin(head_.turned);
     return {head_.x + own.x * cosine - own.y * sine, head_.y + own.x * sine + own.y * cosine, head_.turned};
   }
-  if (shape.type == kHead) {
+  if (shape.type == kGroupHead) {
     hasHead_ = true;
     head_ = own;
     if (std::isfinite(shape.values[2])) head_.turned = static_cast<double>(shape.values[2]);

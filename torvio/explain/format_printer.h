@@ -77,7 +77,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
     return inside({0, "if " + name + " is " + comparison(kTest, condition.comparedWith)}, x);
   }
   template <class X>
-  [[nodiscard]] bool when(const codec::PlaceCondition& condition, const X& x) {
+  [[nodiscard]] bool when(const codec::CustomCondition& condition, const X& x) {
     if (place_ == Place::given || condition.text == nullptr) return !condition.holds || inside({}, x);
     return inside({0, condition.text}, x);
   }
@@ -161,7 +161,7 @@ class FormatPrinter : public LayoutWalker<FormatPrinter> {
     addRule(path_ + fieldNames(condition.names()).front(), text);
     return true;
   }
-  [[nodiscard]] bool require(const codec::PlaceCondition& condition) {
+  [[nodiscard]] bool require(const codec::CustomCondition& condition) {
     remark("end", "", std::string("refused: ") + condition.text);
     return true;
   }

@@ -75,7 +75,7 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
     return under(comparison(condition), x);
   }
   template <class X>
-  [[nodiscard]] bool when(const codec::PlaceCondition& condition, const X& x) {
+  [[nodiscard]] bool when(const codec::CustomCondition& condition, const X& x) {
     return !condition.holds || nested(x);
   }
 
@@ -143,7 +143,7 @@ class KaitaiPrinter : public explain::LayoutWalker<KaitaiPrinter> {
     addRule(fieldNames(condition.names()).front(), condition.value, comparison(condition));
     return true;
   }
-  [[nodiscard]] bool require(const codec::PlaceCondition& condition) {
+  [[nodiscard]] bool require(const codec::CustomCondition& condition) {
     if (!condition.holds) notes_.insert(std::string("Refused by a load: ") + condition.text + ".");
     return true;
   }

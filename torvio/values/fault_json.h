@@ -1,4 +1,4 @@
-// A fault as JSON, in one form for all documents.
+// A fault as JSON on one line, for maps and reports.
 #pragma once
 #include <string>
 

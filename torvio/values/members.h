@@ -7,7 +7,7 @@
 //
 //   Members<MarkEntry>::of(mark, [](const MemberInfo& info, auto& member) { ... });
 //
-// visits them. Everything that works on values uses this list: comparison, random records for tests.
+// visits them. Everything that works on values uses this list: JSON, its schemas, comparison, random records of tests.
 #pragma once
 #include <algorithm>
 #include <array>

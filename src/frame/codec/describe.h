@@ -9,7 +9,8 @@
 //   };
 //
 // `&&` is the stop rule: after a failure nothing more is evaluated. Fields read so far keep their new values, the rest
-// their old ones. Where a verb takes FIELDS(...) it also takes a lambda with a chain of its own.
+// their old ones. A chain is a lambda; since (without a default), below, between, when, optionalTail, endOnFailure and
+// continueOnFailure take FIELDS(...) or a chain.
 //
 // Fields
 //   fields(FIELDS(a, b))            stored in this order
@@ -20,7 +21,8 @@
 //   when(condition, FIELDS(a))      stored if the condition holds, see "Conditions" below
 //   leading(n, FIELDS(a, b, c))     the first n of these numbers, or of one array of numbers
 //   slice(FIELDS(a), first, last)   these entries of an array; slice<T> stores each as a T
-//   sized(FIELDS(text), n)          n bytes of a fixed text or block as one item; n below 1 is a failed read
+//   sized(FIELDS(text), n)          n bytes of a fixed text or block as one item; n below 1 or above its size is
+//                                   refused
 //   lengthText(FIELDS(s))           i32 length and that many bytes, kept up to their first NUL; a length below 1
 //                                   leaves s as it is
 //   lengthText(FIELDS(s), n)        the same, but a length below 1 empties s and one above n is refused
@@ -33,19 +35,23 @@
 // Rules
 //   require(condition)              refused unless the condition holds; readers and writers alike
 //   afterRead(record, "what", [](auto& r) {...})    readers only, when all before it succeeded
-//   keep(record, [](auto& r) {...}) the same where a local becomes the member that it is named after: no table says so
+//   keep(record, [](auto& r) {...}) moves a local variable into the record. No table prints it; walkers that only need
+//                                   sizes run it too
 //   beforeWrite(record, "what", [](auto& r) {...})  writers only, when all before it succeeded
 //   optionalTail(FIELDS(a))         a short read inside ends the record with success; a refusal does not
-//   endOnFailure(chain)             any failure inside ends the record with success
-//   continueOnFailure(chain)        a failure inside is ignored, by a writer too: the walk goes on after it
+//   endOnFailure(FIELDS(a))         any failure inside ends the record with success
+//   continueOnFailure(FIELDS(a))    a failure inside is ignored, by a writer too: the walk goes on after it
 //
-// padded, slice, endOnFailure and lengthText(n) have one user each. They are verbs because readers, writers and tables
-// each do something of their own there.
+// padded, slice, endOnFailure, lengthText(n), textItem, differs and element have one user each. They are verbs because
+// readers, writers and tables each do something of their own there.
 //
 // Where readers and writers differ
 //   differs(chain, chain)           what a reader walks, what a writer walks
 //   onlyRead([&](auto& io) {...})   what no writer stores
 //   either(a, b)                    a value: a for a reader, b for a writer
+//   countOf(list)                   a value: 0 for a reader, the size of the list for a writer
+//   unchanged(record)               the record; const for a writer, so that reading a lazy array allocates nothing
+// version() is the version of the file. Only a reader has has(n): whether n more bytes are left.
 //
 // Records and lists. Further arguments go to the description of the element.
 //   record(FIELDS(r))               an embedded record
@@ -100,7 +106,7 @@ inline constexpr bool kIsFields<Fields<Names, T...>> = true;
 //   within(FIELDS(a), 1, GrownLimit{6, 110, 4}, version)    the highest is 6, below version 110 it is 4
 //   inRanges(FIELDS(a), Range{52, 52}, Range{60, 502})
 //   decided(condition, holds)                the comparison is printed, but a writer has a rule of its own
-//   custom("in a sheet", holds)              not a comparison: it does not depend on a field
+//   custom("in a sheet", holds)              not a comparison of one field: tables print the text
 //   chosen(holds)                            decided by where the record is embedded: each place has its own table
 
 enum class Test : std::uint8_t { equals, notEquals, above, atLeast, atMost, within, withinGrown, oneOf, inRanges };
@@ -125,8 +131,8 @@ struct GrownLimit {
   constexpr std::int64_t at(int version) const { return version < since ? before : now; }
 };
 
-// A condition that depends on no field.
-struct PlaceCondition {
+// A condition that is not a comparison of one field.
+struct CustomCondition {
   const char* text;  // null if no table prints it
   bool holds;
 };
@@ -190,8 +196,8 @@ constexpr auto decided(Condition<Names, kTest, kCount> condition, bool holds) {
   condition.holds = holds;
   return condition;
 }
-constexpr PlaceCondition custom(const char* text, bool holds) { return {text, holds}; }
-constexpr PlaceCondition chosen(bool holds) { return {nullptr, holds}; }
+constexpr CustomCondition custom(const char* text, bool holds) { return {text, holds}; }
+constexpr CustomCondition chosen(bool holds) { return {nullptr, holds}; }
 
 // ---- Numbers that no field holds: how many rows, entries or fill bytes there are.
 

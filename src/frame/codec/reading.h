@@ -9,7 +9,7 @@
 //   left()                bytes up to the end of the file
 //   has(n)                whether n more bytes are left
 //   position()            bytes from the beginning of the file
-// and may hide the hooks at the end, to follow the walk.
+// and may hide the hooks below, to follow the walk.
 #pragma once
 #include <algorithm>
 #include <array>
@@ -264,7 +264,7 @@ class Reading : public Gates<Self>, public ReadingSide<Self> {
   bool refuse(const Condition<Names, kTest, kCount>& condition) {
     return refuseValue(condition.names, condition.value);
   }
-  bool refuse(const PlaceCondition&) {
+  bool refuse(const CustomCondition&) {
     self().refusedHere();
     return refuseSilently();
   }
