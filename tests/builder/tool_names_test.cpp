@@ -8,7 +8,7 @@
 #include "OldTorvIO.h"
 #include "OldTorvIO/records.h"
 #include "tests/support/files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 
 #include "tests/support/files.h"
 #include "tests/support/io_faults.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "torvio/explain/file_map.h"
 
 namespace {

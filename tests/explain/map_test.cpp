@@ -22,7 +22,7 @@
 #include "src/records/tool_layout.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "torvio/explain/file_map.h"
 #include "torvio/explain/kind_names.h"
 #include "torvio/explain/map_fields.h"

@@ -25,10 +25,10 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/long_tests.h"
-#include "tests/support/part_files.h"
 #include "tests/support/sheet_files.h"
 #include "tests/support/sheet_hazards.h"
 #include "tests/support/sheet_keys.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/oldest_parts.h"
 
 namespace {

@@ -23,8 +23,8 @@
 #include "tests/support/files.h"
 #include "tests/support/host.h"
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
 #include "tests/support/random_records.h"
+#include "tests/support/special_tool_files.h"
 #include "torvio/explain/file_map.h"
 #include "torvio/explain/map.h"
 

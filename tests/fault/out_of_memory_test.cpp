@@ -17,7 +17,7 @@
 #include "tests/support/allocation_meter.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 
 namespace {
 

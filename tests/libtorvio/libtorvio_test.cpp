@@ -14,8 +14,8 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
 #include "tests/support/sanitizers.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/parts.h"
 #include "torvio/include/torvio.h"
 

@@ -130,7 +130,7 @@ std::size_t partListAt(int version) { return 2 + 4 + 256 + 16 + (version >= 100 
 // A sheet without parts that has something to recognise after the part list.
 Bytes sheetWithoutParts(int version) {
   const auto sheet = std::make_unique<OldSheet>();
-  sheet->paramTable.version = static_cast<std::uint16_t>(version < 60 ? 52 : version);
+  sheet->paramTable.version = static_cast<std::uint16_t>(tableVersionOf(version));
   sheet->paramTable.nameLength = 1;
   sheet->paramTable.intParams[60] = 606;
   sheet->machine.textWidth = 256;

@@ -13,8 +13,8 @@
 #include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
 #include "tests/support/sheet_keys.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/parts.h"
 
 namespace testing_support {

@@ -11,7 +11,7 @@
 #include "src/tooling/inventory_io.h"
 #include "src/tooling/macro_io.h"
 #include "src/tooling/special_tool_io.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/param_tables.h"
 #include "tests/support/stored_forms/parts.h"
 

@@ -5,7 +5,7 @@
 #include "src/tooling/special_tool_io.h"
 #include "tests/support/files.h"
 #include "tests/support/host.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/versions.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/support/files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/tools/run_torvio.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/support/files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/tools/run_torvio.h"
 #include "torvio/explain/format_table.h"
 

@@ -14,7 +14,7 @@
 
 #include "src/sheet/sheet_io.h"
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/tools/run_torvio.h"
 
 #if defined(TORVIO_WITH_SQLITE)

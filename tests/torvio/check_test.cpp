@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "torvio/archive/scan.h"

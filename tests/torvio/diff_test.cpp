@@ -21,7 +21,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/long_tests.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"

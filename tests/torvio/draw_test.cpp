@@ -783,7 +783,7 @@ TEST_F(DrawCommand, KeepsTheOutputFileWhenNothingCanBeDrawn) {
   const std::string out = folder_.write("out.svg", Bytes().raw({'o', 'l', 'd'}));
   const Outcome material = torvio("draw " + quoted(material_) + " -o " + quoted(out));
   EXPECT_EQ(material.code, 1);
-  EXPECT_TRUE(contains(material.errors, "only sheets, parts, group parts and machines have")) << material.errors;
+  EXPECT_TRUE(contains(material.errors, "only sheets, parts, group parts and machines do")) << material.errors;
   EXPECT_EQ(torvio("draw " + quoted(folder_.path("none")) + " -o " + quoted(out)).code, 3);
   EXPECT_EQ(torvio("draw " + quoted(folder_.write("text", Bytes().raw({0xFF, 0xFF, 1}))) + " -o " + quoted(out)).code,
             1);

@@ -14,7 +14,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/long_tests.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
 #include "tests/torvio/random_files.h"
@@ -264,7 +264,7 @@ TEST(FromJson, WrongDocumentsAreNamed) {
   EXPECT_EQ(changed("fault", {{"offset", 3}, {"field", "a"}, {"reason", "b"}}).substr(0, 27),
             "fault: the file was damaged");
   EXPECT_EQ(changed("fault", {{"offset", "3"}}), "fault.offset: must be an integer, not a string");
-  EXPECT_EQ(changed("tolerated", Json::object()), "tolerated: must have offset, path and reason");
+  EXPECT_EQ(changed("tolerated", Json::object()), "tolerated: must have offset, field and reason");
   for (const char* member : {"format", "kind", "version", "encoding", "record"}) {
     Json json = document();
     json.erase(member);

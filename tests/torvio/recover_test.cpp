@@ -16,7 +16,7 @@
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
 #include "tests/support/long_tests.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/machines.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/tools/run_torvio.h"
@@ -463,7 +463,7 @@ TEST_F(RecoverCommand, WritesAFileThatLoadsAndReportsWhatIsLost) {
   EXPECT_EQ(run.code, 0) << run.errors;
   EXPECT_EQ(run.errors, "");
   EXPECT_EQ(run.output.find(in_ + ": sheet of version 180\n  breaks at "), 0U) << run.output;
-  EXPECT_NE(run.output.find("not read, so that they have their defaults:\n"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("not read; these have the defaults of a new record:\n"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("  written: " + out_ + ", "), std::string::npos) << run.output;
   EXPECT_TRUE(isSound(TempFolder::read(out_).span(), FileKind::sheet));
   EXPECT_TRUE(TempFolder::read(in_) == before);

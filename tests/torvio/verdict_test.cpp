@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/parts.h"
 #include "tests/torvio/corpus.h"
 #include "torvio/archive/plausibility.h"

@@ -18,8 +18,8 @@
 #include "tests/support/bytes.h"
 #include "tests/support/files.h"
 #include "tests/support/kind_files.h"
-#include "tests/support/part_files.h"
 #include "tests/support/sheet_files.h"
+#include "tests/support/special_tool_files.h"
 #include "tests/support/stored_forms/param_tables.h"
 #include "tests/support/stored_forms/parts.h"
 #include "torvio/values/record_bytes.h"
@@ -210,7 +210,7 @@ TEST(ToolNumberWarnings, NumbersFurtherPastTheLastStationAreIgnored) {
   const Warning* const warning = find(warnings, "tool-past-stations");
   ASSERT_TRUE(warning);
   EXPECT_EQ(warning->field, "partList.parts[0].patterns[0].items[1].toolNumber");
-  EXPECT_EQ(warning->text, "Tool number 3 is past the last of 1 station and is ignored, and so in 2 more places");
+  EXPECT_EQ(warning->text, "Tool number 3 is past the last of 1 station and is ignored; the same in 2 more places");
   EXPECT_FALSE(find(warnings, "tool-ends-process"));
 }
 
@@ -272,7 +272,7 @@ TEST(ValueWarnings, TextsWithoutANulAreReportedOncePerField) {
   const auto warnings = archive::warningsOf(list);
   const std::vector<Warning> expected = {
       {"text-fills-field", "parts[0].productName",
-       "The text fills its field of 21 bytes and has no NUL, and so in 2 more places"}};
+       "The text fills its field of 21 bytes and has no NUL; the same in 2 more places"}};
   EXPECT_EQ(warnings, expected);
 }
 

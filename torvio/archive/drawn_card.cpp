@@ -17,8 +17,8 @@ DrawnCard drawCard(const std::string& path, const std::string& name, std::span<c
   const bool isRefused = judgement.verdict == Verdict::refusedVersion && !judgement.report.endsInRest();
   if (!kind || isRefused) return refuse("cannot be drawn: not a file of a known kind and version");
   if (!draw::canDraw(*kind))
-    return refuse("cannot be drawn: a " + std::string(frame::infoOf(*kind).name) + " file has no picture, only " +
-                  draw::kDrawableKinds + " have");
+    return refuse("cannot be drawn: a " + std::string(frame::infoOf(*kind).name) + " file has no picture; only " +
+                  draw::kDrawableKinds + " do");
   draw::PictureOptions options;
   options.encoding = encoding;
   options.idPrefix = "f" + std::to_string(number);

@@ -68,7 +68,7 @@ class Collector {
     for (std::size_t i = 0; i < warnings_.size(); ++i)
       if (counts_[i] > 1)
         warnings_[i].text +=
-            ", and so in " + std::to_string(counts_[i] - 1) + " more place" + (counts_[i] > 2 ? "s" : "");
+            "; the same in " + std::to_string(counts_[i] - 1) + " more place" + (counts_[i] > 2 ? "s" : "");
     if (leftOut_ > 0) {
       const std::string more = std::to_string(leftOut_) + " more field" + (leftOut_ > 1 ? "s have" : " has");
       warnings_.back().text += "; " + more + " warnings that are left out";
@@ -309,8 +309,7 @@ std::optional<Warning> traceOfSave(std::span<const std::byte> bytes, const expla
   if (!surplus) return std::nullopt;
   return Warning{"saved-below-152", "machine",
                  std::to_string(surplus->size) + (surplus->size == 1 ? " surplus byte" : " surplus bytes") +
-                     " after the machine, as a save or an edit below version 152 writes " +
-                     (surplus->size == 1 ? "it" : "them")};
+                     " after the machine, such as a save or an edit below version 152 writes"};
 }
 
 }  // namespace oldtorvio::archive

@@ -209,16 +209,31 @@ const char* const kExitCodes =
     "  3  a file could not be read, or the output could not be written\n"
     "With several files, the highest code is returned.";
 
+const char* const kExitCodesOfOneFile =
+    "Exit code:\n"
+    "  0  the file is sound\n"
+    "  1  the file is damaged, or its kind or version is unknown\n"
+    "  2  the command line is wrong\n"
+    "  3  the file could not be read, or the output could not be written";
+
+const char* const kExitCodesOfPictures =
+    "Exit code:\n"
+    "  0  every file is sound\n"
+    "  1  a file is damaged, has no picture, or its kind or version is unknown\n"
+    "  2  the command line is wrong\n"
+    "  3  a file could not be read, or the output could not be written\n"
+    "With several files, the highest code is returned.";
+
 const char* const kExitCodesWithoutFiles =
     "Exit code:\n"
     "  0  all is well\n"
     "  2  the command line is wrong\n"
     "  3  the output could not be written";
 
-std::string fileHelp() {
-  return wrapped("Kinds", kindNames()) + "\n\nA FILE may be a pipe, such as /dev/stdin. A file of more than\n" +
+std::string fileHelp(const char* exitCodes) {
+  return wrapped("Kinds", kindNames()) + "\n\nA FILE may be a pipe, such as /dev/stdin. A file of more than " +
          std::to_string(oldtorvio::explain::FileContent::kLargestMiB) +
-         " MiB is not read.\nArguments after \"--\" are files, even if they begin with \"-\".\n\n" + kExitCodes;
+         " MiB is not\nread. Arguments after \"--\" are files, even if they begin with \"-\".\n\n" + exitCodes;
 }
 
 }  // namespace torvio

@@ -95,10 +95,12 @@ bool isInputToo(const std::string& command, const std::string& output, const std
 // Prints an error of the command line, found when a command runs.
 ExitCode usageError(const std::string& command, const std::string& error);
 
-// The ends of help texts: the exit codes; those of a command that reads no file; the kinds, what may be read, and the
-// exit codes. "Exit code:" and "Examples:" begin lists, and blank lines separate paragraphs: see help_text.h.
+// The ends of help texts: the exit codes, also of commands for one file, for pictures and without files; the kinds,
+// what may be read, and exit codes. "Exit code:" and "Examples:" begin lists, and blank lines separate paragraphs: see help_text.h.
 extern const char* const kExitCodes;
+extern const char* const kExitCodesOfOneFile;
+extern const char* const kExitCodesOfPictures;
 extern const char* const kExitCodesWithoutFiles;
-std::string fileHelp();
+std::string fileHelp(const char* exitCodes = kExitCodes);
 
 }  // namespace torvio

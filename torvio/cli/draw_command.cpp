@@ -42,7 +42,7 @@ class DrawCommand : public Command {
         "      Draw a nest with its parts, clamps and tools.\n"
         "  torvio draw *.sheet -o nests.html\n"
         "      Make a page with a picture of each nest.\n\n" +
-        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
+        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp(kExitCodesOfPictures));
     return command;
   }
 

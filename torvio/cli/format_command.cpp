@@ -38,7 +38,7 @@ class FormatCommand : public Command {
     command->footer(wrapped("Kinds", kindNames()) + "\n\n" + wrapped("Records", recordNames()) +
                     "\n\nAn object of --json has fields (a list of names), storedAs (how each of them is\n"
                     "stored; empty for a rule about earlier fields) and condition."
-                    "\n\nKaitai descriptions exist only for kinds of files; their text says what they leave out."
+                    "\n\nKaitai descriptions exist only for kinds of files; their text says what they\nleave out."
                     "\n\nExamples:\n"
                     "  torvio format sheet\n"
                     "      Print every field of a sheet file in the order of its bytes.\n"

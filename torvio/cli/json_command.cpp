@@ -36,7 +36,7 @@ class JsonCommand : public Command {
         "      Write everything that a file holds, for an editor or a script.\n"
         "  torvio json nest.sheet | jq '.record.partList.parts | length'\n"
         "      Pick a value.\n\n" +
-        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp());
+        wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp(kExitCodesOfOneFile));
     return command;
   }
 

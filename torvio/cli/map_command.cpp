@@ -106,8 +106,8 @@ class MapCommand : public Command {
            "  shapes.x          the x of all shapes\n"
            "  shapes[3]         all of shape 3; also shapes[2..5], shapes[*]\n"
            "  parts[0].**.*Count  below part 0, at any depth, names that end in Count\n\n"
-           "A alone is the field that contains this byte, A..B the fields that overlap these\n"
-           "bytes, both included. With --find and --offset, a field has to match both.\n\n"
+           "A selects the field that contains this byte, A..B all fields that overlap these\n"
+           "bytes, both ends included. With --find and --offset, a field has to match both.\n\n"
            "JSON: {\"offset\":2,\"size\":4,\"field\":\"width\",\"type\":\"f32\",\"value\":12.5}. Texts are\n"
            "strings up to their first NUL, raw bytes strings of hexadecimal digits, reserved\n"
            "bytes null; \"note\" says what the value leaves out. Fields that are stored as one\n"
@@ -128,7 +128,7 @@ class MapCommand : public Command {
            "      Say what these bytes are.\n"
            "  torvio map nest.sheet -o nest.html\n"
            "      Make a page that shows bytes and fields side by side.\n\n" +
-           wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp();
+           wrapped("Encodings", values::TextEncoding::names()) + "\n\n" + fileHelp(kExitCodesOfOneFile);
   }
 
   // An output with the name of a page is one, unless options say otherwise.

@@ -39,7 +39,8 @@ std::string obstacle(const explain::FileReport& report, FileKind kind) {
 void noteOtherDefaults(const values::Type& type, const ReadFields& read, Report& report) {
   std::erase_if(report.losses, [&](const Loss& loss) {
     if (!read.lacksOwnerOf(type, loss.path)) return false;
-    report.notes.push_back(loss.member + " is not in the old file; the new file has defaults that differ.");
+    report.notes.push_back(loss.member +
+                           " is not in the old file; the new file has defaults other than those of a new record.");
     return true;
   });
 }

@@ -182,7 +182,7 @@ std::string textOf(const Report& report) {
   appendLosses(text, report, Loss::Effect::changed, " changed");
   appendLosses(text, report, Loss::Effect::added, " added");
   if (!report.defaults.empty()) {
-    text += "  not read, so that they have their defaults:\n";
+    text += "  not read; these have the defaults of a new record:\n";
     appendWrapped(text, withRuns(report.defaults));
   }
   for (const std::string& note : report.notes) text += "  " + note + "\n";

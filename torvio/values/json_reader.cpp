@@ -239,7 +239,7 @@ class RecordBuilder {
     if (frame.place == Place::record && !hasAllMembers(frame)) return false;
     if (frame.place == Place::textObject && !endTextObject(frame)) return false;
     if (frame.place == Place::bitsObject && frame.seen != 1) return failIn("bits: is missing");
-    if (frame.place == Place::fault && frame.seen != 7) return failIn("must have offset, path and reason");
+    if (frame.place == Place::fault && frame.seen != 7) return failIn("must have offset, field and reason");
     pop();
     return true;
   }
