@@ -69,7 +69,8 @@ Input::Input(const torvio_input* input) {
   }
   if (input_.encoding != nullptr) {
     const auto encoding = values::TextEncoding::named(input_.encoding);
-    if (!encoding) fail(badArgument("the encoding of the input is not one of " + listed(values::TextEncoding::names())));
+    if (!encoding)
+      fail(badArgument("the encoding of the input is not one of " + listed(values::TextEncoding::names())));
     encoding_ = *encoding;
   }
 }
