@@ -163,7 +163,7 @@ export class SaveView implements View {
       ...fixed.map((text) => `Fixed: ${typeof text === 'string' ? text : JSON.stringify(text)}`), ...notes
     ];
     if (defaults.length > 0)
-      lines.push(`Not read, so that they have the values of a new record: ${defaults.join(', ')}`);
+      lines.push(`Not read; these have the defaults of a new record: ${defaults.join(', ')}`);
     if (lines.length > 0) nodes.push(h('ul', {}, ...lines.map((line) => h('li', {}, visible(line)))));
     return nodes;
   }
