@@ -6,7 +6,6 @@
 
 namespace oldtorvio {
 
-using codec::Reader;
 using codec::readRecord;
 using codec::resultOf;
 using codec::Writer;

@@ -199,6 +199,7 @@ std::string drawRecord(const SheetPartList& list, const FileNote& file, const Pi
   }
 
   std::vector<double> textWidths;
+  textWidths.reserve(parts.size());
   for (const TorvPart* part : parts)
     textWidths.push_back(std::min(textWidth(picture.decoded(part->partName), 13, true) + 1, Shelves::kWidestText));
 

@@ -294,8 +294,9 @@ void stationTable(Picture& picture, const ToolStationList& list, bool (*holdsToo
   bool hasCross = false;
   for (std::size_t n = 0; n < shown.size(); ++n) {
     const OldTool& tool = list.tools[shown[n]];
-    const double x = kMargin + kWidth * static_cast<double>(n % kColumns);
-    const double y = top + kHeight * static_cast<double>(n / kColumns);
+    const std::size_t column = n % kColumns, row = n / kColumns;
+    const double x = kMargin + kWidth * static_cast<double>(column);
+    const double y = top + kHeight * static_cast<double>(row);
     const std::string number = std::to_string(list.stations[shown[n]].stationNumber);
     svg.text({x + kPad, y + 18}, number, {.size = 13, .isBold = true});
     if (uses != nullptr && (*uses)[shown[n]] > 0)

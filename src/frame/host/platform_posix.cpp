@@ -93,7 +93,7 @@ void walkFolder(const std::string& folder,
     if (!open) continue;
     while (const dirent* entry = ::readdir(open.get())) {
       const std::string name(entry->d_name);
-      const std::string path = spelling + '/' + name;
+      const std::string path = std::string(spelling).append("/").append(name);
       if (isFolder(path)) continue;
       if (!visit(name, path)) return;
     }
