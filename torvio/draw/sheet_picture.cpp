@@ -118,8 +118,8 @@ class SheetPicture {
     if (near > room) addTo(beyondCap_, near - room);
     for (std::uint64_t n = 0; n < std::min(near, room); ++n) {
       Placed one = first;
-      const double dx = across.step * static_cast<double>(columns.first + n % columns.count);
-      const double dy = up.step * static_cast<double>(rows.first + n / columns.count);
+      const std::uint64_t column = columns.first + n % columns.count, row = rows.first + n / columns.count;
+      const double dx = across.step * static_cast<double>(column), dy = up.step * static_cast<double>(row);
       one.x += dx, one.bounds.x += dx;
       one.y += dy, one.bounds.y += dy;
       for (Point& corner : one.corners) corner.x += dx, corner.y += dy;
@@ -375,10 +375,10 @@ class SheetPicture {
     const double textSize = textWidth(label->text, label->size, true), line = label->size * 1.3;
     // Squares along the text, so that turned labels claim no more than they cover.
     const double radians = degrees / kDegrees, rest = std::max(textSize - line, 0.0);
-    const double steps = std::ceil(rest / line);
+    const auto steps = static_cast<std::size_t>(std::ceil(rest / line));
     std::vector<Box> boxes;
-    for (double step = 0; step <= steps; ++step) {
-      const double along = steps > 0 ? rest * (step / steps - 0.5) : 0;
+    for (std::size_t step = 0; step <= steps; ++step) {
+      const double along = steps > 0 ? rest * (static_cast<double>(step) / static_cast<double>(steps) - 0.5) : 0;
       boxes.push_back({centre.x + along * std::cos(radians) - line / 2, centre.y - along * std::sin(radians) - line / 2,
                        line, line});
     }
@@ -494,8 +494,9 @@ class SheetPicture {
     Svg& svg = picture_.svg();
     for (std::size_t i = 0; i < listed; ++i) {
       const TorvPart& part = parts()[i];
-      const double x = kMargin + kColumn * static_cast<double>(i / rows);
-      const double y = top + kRow * static_cast<double>(i % rows), line = y + 14;
+      const std::size_t column = i / rows, row = i % rows;
+      const double x = kMargin + kColumn * static_cast<double>(column);
+      const double y = top + kRow * static_cast<double>(row), line = y + 14;
       svg.rect({x, y + 2, 34, 16}).set("fill", partColour(i)).set("stroke", kInk).set("stroke-width", 0.6).close();
       svg.text({x + 17, y + 14.5}, std::to_string(i + 1), {.size = 12, .anchor = "middle", .isBold = true});
       svg.text({x + 44, line}, shortened(picture_.decoded(part.partName), 226, kSize), {.size = kSize});

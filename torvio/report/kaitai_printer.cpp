@@ -296,6 +296,7 @@ std::string KaitaiPrinter::comparison(const std::string& name, std::int64_t valu
       return left + " >= " + values[0] + " and " + left + " <= " + values[1];
     case codec::Test::oneOf: {
       std::vector<std::string> all;
+      all.reserve(values.size());
       for (const std::string& one : values) all.push_back(left + " == " + one);
       return joined(all, " or ");
     }
