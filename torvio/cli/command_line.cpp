@@ -60,6 +60,7 @@ CLI::Validator isNotEmpty(const std::string& name) {
 
 std::vector<std::string> namesOf(const std::vector<const CLI::App*>& commands) {
   std::vector<std::string> names;
+  names.reserve(commands.size());
   for (const CLI::App* command : commands) names.push_back(command->get_name());
   return names;
 }
