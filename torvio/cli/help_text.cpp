@@ -83,9 +83,8 @@ std::vector<HelpSection> helpSections(const std::string& text) {
       endNamed();
       named.title = line.substr(0, line.size() - 1);
       section = &named;
-    } else if (isContinued && line.starts_with("  ") && parts.back().term.empty() && parts.back().text.ends_with(',')) {
-      goOn(parts.back().text, withoutBlanks(line));
-    } else if (isContinued && line.starts_with("   ")) {
+    } else if (isContinued && (line.starts_with("   ") || (line.starts_with("  ") && parts.back().term.empty() &&
+                                                           parts.back().text.ends_with(',')))) {
       goOn(parts.back().text, withoutBlanks(line));
     } else if (line.starts_with("  ")) {
       parts.push_back(entryIn(withoutBlanks(line)));

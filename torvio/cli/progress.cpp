@@ -1,5 +1,6 @@
 #include "torvio/cli/progress.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <string_view>
 
@@ -23,7 +24,7 @@ namespace {
 
 // "45 s", "12 min", "3 h 20 min".
 std::string inWords(double seconds) {
-  const auto whole = static_cast<std::uint64_t>(seconds + 0.5);
+  const auto whole = static_cast<std::uint64_t>(std::llround(seconds));
   if (whole < 100) return std::to_string(whole) + " s";
   const std::uint64_t minutes = (whole + 30) / 60;
   if (minutes < 100) return std::to_string(minutes) + " min";
@@ -38,7 +39,7 @@ std::string progressText(std::uint64_t done, std::uint64_t total, double seconds
   text += " files";
   if (seconds <= 0 || done == 0) return text;
   const double rate = static_cast<double>(done) / seconds;
-  text += ", " + std::to_string(static_cast<std::uint64_t>(rate + 0.5)) + " files/s";
+  text += ", " + std::to_string(std::llround(rate)) + " files/s";
   if (total >= done && total > 0) text += ", " + inWords(static_cast<double>(total - done) / rate) + " left";
   return text;
 }
