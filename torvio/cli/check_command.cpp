@@ -40,6 +40,7 @@ std::string argumentOf(Verdict verdict) {
 
 std::vector<std::string> verdictArguments() {
   std::vector<std::string> names;
+  names.reserve(archive::kVerdicts);
   for (int i = 0; i < archive::kVerdicts; ++i) names.push_back(argumentOf(static_cast<Verdict>(i)));
   return names;
 }

@@ -96,7 +96,8 @@ bool isInputToo(const std::string& command, const std::string& output, const std
 ExitCode usageError(const std::string& command, const std::string& error);
 
 // The ends of help texts: the exit codes, also of commands for one file, for pictures and without files; the kinds,
-// what may be read, and exit codes. "Exit code:" and "Examples:" begin lists, and blank lines separate paragraphs: see help_text.h.
+// what may be read, and exit codes. "Exit code:" and "Examples:" begin lists, and blank lines separate paragraphs: see
+// help_text.h.
 extern const char* const kExitCodes;
 extern const char* const kExitCodesOfOneFile;
 extern const char* const kExitCodesOfPictures;
