@@ -452,7 +452,7 @@ class Catalogue::Database {
 
   void beginRun(const std::string& settings) {
     begin();
-    const Statement insert = prepared("INSERT INTO run (started, settings) VALUES (?, ?)");
+    Statement insert = prepared("INSERT INTO run (started, settings) VALUES (?, ?)");
     const std::string now = nowAsText();
     {
       Use use(*this, insert);
@@ -578,7 +578,7 @@ class Catalogue::Database {
     return statement;
   }
   void finalizeAll() {
-    for (const Statement statement : statements_) (void)sqlite3_finalize(statement);
+    for (Statement statement : statements_) (void)sqlite3_finalize(statement);
     statements_.clear();
   }
   void close() {
