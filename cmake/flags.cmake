@@ -21,6 +21,13 @@ function(oldtorvio_flags target)
   oldtorvio_link_flags(${target})
 endfunction()
 
+# The flags of tests and fuzz targets, which are most of the code to compile.
+function(oldtorvio_test_flags target)
+  oldtorvio_flags(${target})
+  separate_arguments(flags NATIVE_COMMAND "${OLDTORVIO_TEST_FLAGS}")
+  target_compile_options(${target} PRIVATE ${flags})
+endfunction()
+
 function(oldtorvio_link_flags target)
   if(MINGW)
     # Links the runtime of the compiler statically: the DLL depends only on DLLs of the system.

@@ -38,10 +38,7 @@ std::vector<int> savedVersions() { return {knownVersions().begin() + 2, knownVer
 // ---- files ---------------------------------------------------------------------------------------
 
 std::string stringOf(const Bytes& all) { return {reinterpret_cast<const char*>(all.span().data()), all.size()}; }
-std::string contentOf(const std::string& path) {
-  std::ifstream from(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(from), std::istreambuf_iterator<char>()};
-}
+std::string contentOf(const std::string& path) { return stringOf(TempFolder::read(path)); }
 std::string put(const TempFolder& folder, const std::string& name, const std::string& all) {
   std::ofstream(folder.path(name), std::ios::binary) << all;
   return folder.path(name);

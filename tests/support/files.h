@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
+#include <span>
+#include <sstream>
 #include <string>
 
 #include "tests/support/bytes.h"
@@ -51,9 +52,9 @@ class TempFolder {
     return path(name);
   }
   static Bytes read(const std::string& path) {
-    std::ifstream from(path, std::ios::binary);
-    const std::string all((std::istreambuf_iterator<char>(from)), std::istreambuf_iterator<char>());
-    return Bytes::of(std::as_bytes(std::span(all.data(), all.size())));
+    std::ostringstream all;
+    all << std::ifstream(path, std::ios::binary).rdbuf();
+    return Bytes::of(std::as_bytes(std::span(all.view())));
   }
 
  private:
