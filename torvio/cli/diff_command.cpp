@@ -33,11 +33,6 @@ constexpr auto kTrouble = static_cast<ExitCode>(2);
 std::string counted(std::uint64_t count, const std::string& what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
-std::string titleOf(frame::FileKind kind) {
-  std::string title(frame::infoOf(kind).name);
-  std::replace(title.begin(), title.end(), '-', ' ');
-  return title;
-}
 
 // One path for both files: "parts[3].width" and "parts[7].width" are "parts[3|7].width".
 std::string joinedPaths(const std::string& a, const std::string& b) {
@@ -376,7 +371,8 @@ class DiffCommand : public Command {
     return text + "\n";
   }
   static std::string lineFor(const std::string& name, const File& file, const compare::ComparedFile& compared) {
-    std::string text = name + "  " + onOneLine(file.path) + ": " + titleOf(*file.judgement.kind);
+    std::string text = name + "  " + onOneLine(file.path) + ": ";
+    text += frame::infoOf(*file.judgement.kind).name;
     if (compared.version) text += ", version " + std::to_string(*compared.version);
     if (!compared.place.empty()) text += ", " + compared.place;
     if (!compared.part.empty()) text += ' ' + compared.part;
