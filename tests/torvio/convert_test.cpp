@@ -583,11 +583,16 @@ TEST_F(ConvertCommand, ScriptKeepsNoResultOfAFileThatIsNowRefused) {
   const std::string from = folder_.path("from"), to = folder_.path("to"), file = from + "/tool.spt";
   const std::string report = to + ".reports/tool.spt.json";
   fs::create_directories(from);
-  const auto runScript = [&](const std::string& torvioFolder, const std::string& options = "") {
-    return runShell("PATH=" + torvioFolder + ":$PATH bash " TORVIO_SOURCE "/examples/convert_file.sh 180 " + from +
+  const auto runScript = [&](const std::string& options = "") {
+    return runShell("PATH=" + folder_.path() + ":$PATH bash " TORVIO_SOURCE "/examples/convert_file.sh 180 " + from +
                     " " + to + " " + options + file);
   };
-  const std::string tools = fs::path(TORVIO_COMMAND).parent_path().string();
+  const auto putTorvio = [&](const std::string& script) {
+    std::ofstream(folder_.path("torvio")) << "#!/bin/sh\n" << script << '\n';
+    fs::permissions(folder_.path("torvio"), fs::perms::owner_all);
+  };
+  // On an emulated host the command is that of the emulator.
+  putTorvio("exec " TORVIO_COMMAND " \"$@\"");
   // Each is newer than the report of the one before.
   int age = 9;
   const auto write = [&](const Bytes& bytes) {
@@ -596,21 +601,20 @@ TEST_F(ConvertCommand, ScriptKeepsNoResultOfAFileThatIsNowRefused) {
   };
   const Bytes sound = TempFolder::read(in_);
   write(sound);
-  EXPECT_EQ(runScript(tools).code, 0);
+  EXPECT_EQ(runScript().code, 0);
   EXPECT_TRUE(fs::exists(to + "/tool.spt"));
   write(sound.cut(30));
-  EXPECT_EQ(runScript(tools, "--dry-run ").code, 0);
+  EXPECT_EQ(runScript("--dry-run ").code, 0);
   EXPECT_TRUE(fs::exists(to + "/tool.spt"));
   write(sound.cut(30));
-  EXPECT_EQ(runScript(tools).code, 0);
+  EXPECT_EQ(runScript().code, 0);
   EXPECT_FALSE(fs::exists(to + "/tool.spt"));
   EXPECT_NE(asText(TempFolder::read(report)).find("is damaged"), std::string::npos);
 
   // A report that is lost is an error.
-  std::ofstream(folder_.path("torvio")) << "#!/bin/sh\necho new >\"$3\"\n";
-  fs::permissions(folder_.path("torvio"), fs::perms::owner_all);
+  putTorvio("echo new >\"$3\"");
   write(sound);
-  const Outcome lost = runScript(folder_.path());
+  const Outcome lost = runScript();
   EXPECT_EQ(lost.code, 3);
   EXPECT_EQ(lost.errors, "convert_file.sh: " + file + ": torvio convert printed no report\n");
 }
