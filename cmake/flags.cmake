@@ -21,7 +21,9 @@ function(oldtorvio_flags target)
   oldtorvio_link_flags(${target})
 endfunction()
 
-# The flags of tests and fuzz targets, which are most of the code to compile.
+# The flags of tests and fuzz targets, which are most of the code to compile. If they are not optimised, their programs
+# may also contain unoptimised copies of the library's inline functions and templates; the shared library and torvio do
+# not.
 function(oldtorvio_test_flags target)
   oldtorvio_flags(${target})
   separate_arguments(flags NATIVE_COMMAND "${OLDTORVIO_TEST_FLAGS}")
