@@ -22,30 +22,28 @@
 namespace oldtorvio {
 
 struct OldSheet;
-// Sets these fields to the values of a new sheet, as the constructor does: sheetName to "NEW SHEET", the size to 60 by
-// 45 and 0.048 thick, listKind of shapes to 0, textWidth to 256, processSlotMode and auxiliaryFlag to 1;
-// processSlotCount, headerWord, leadWords, rowTable, clampRowTable, trailingWords, utilization and partTextWord to 0;
-// sheetPath, sheetLabel, skeletonDosName, partTexts, materialGroup, materialType, materialText3 to materialText5 and
-// lateText to empty. All other fields, including the lists, are unchanged.
+// Sets these fields to the values of a new sheet: sheetName to "NEW SHEET", the size to 60 by 45 and 0.048 thick,
+// listKind of shapes to 0, textWidth to 256, processSlotMode and auxiliaryFlag to 1; processSlotCount, headerWord,
+// leadWords, rowTable, clampRowTable, trailingWords, utilization and partTextWord to 0; sheetPath, sheetLabel,
+// skeletonDosName, partTexts, materialGroup, materialType, materialText3 to materialText5 and lateText to empty. All
+// other fields, including the lists, are unchanged.
 void InitOldSheet(OldSheet& sheet);
 
 // About 208 KiB without its lists: allocate it on the heap. Texts are raw bytes of the file: a text that fills its
 // field has no NUL. Fields without a comment on their meaning are only loaded and saved. If a file stores no entries of
 // shapes, it stores none of processSlotCount, processSlots, marks, profiles, stepTables, setupList and patternItems,
 // and a load leaves them unchanged.
-//
-// The constructor calls InitOldSheet, which lists the values that differ from the initializers below.
 struct OldSheet {
-  OldSheet() { InitOldSheet(*this); }
+  OldSheet() { shapes.listKind = 0; }
 
-  std::uint16_t version = 0;    // version word of the file, even if it is refused
-  char sheetName[256] = {};     // memory only; no load changes it
-  char sheetPath[260] = {};     // memory only; LoadOldSheetInformation sets it
-  float width = 0, height = 0;  // of the plate, in the suite's length unit
-  float thickness = 0;          // of the plate
+  std::uint16_t version = 0;            // version word of the file, even if it is refused
+  char sheetName[256] = "NEW SHEET";    // memory only; no load changes it
+  char sheetPath[260] = {};             // memory only; LoadOldSheetInformation sets it
+  float width = 60.0F, height = 45.0F;  // of the plate, in the suite's length unit
+  float thickness = 0.048F;             // of the plate
   SheetPartList partList;
   SheetSetupList setupList;
-  ShapeList shapes;              // of the sheet itself
+  ShapeList shapes;              // of the sheet itself; its listKind is 0 in a new sheet
   PatternItemList patternItems;  // of the sheet itself
   MarkList marks;
   ProfileList profiles;
@@ -55,12 +53,12 @@ struct OldSheet {
   std::uint32_t headerWord = 0;
   StepTableList stepTables;
   std::int8_t processSlotCount = 0;                  // how many of processSlots are stored; below 1 none
-  std::int32_t processSlotMode = 0;                  // memory only
+  std::int32_t processSlotMode = 1;                  // memory only
   ProcessSlots processSlots;                         // 250
   std::vector<std::array<char, 256>> auxiliaryList;  // memory only
-  std::uint8_t auxiliaryFlag = 0;                    // memory only
+  std::uint8_t auxiliaryFlag = 1;                    // memory only
   std::vector<ShapeWorkBlock> blocks;  // since 152; a load keeps only blocks that it cannot read completely
-  std::int32_t textWidth = 0;  // bytes of sheetLabel, the machine path and each of partTexts in the file, 1 to 256
+  std::int32_t textWidth = 256;  // bytes of sheetLabel, the machine path and each of partTexts in the file, 1 to 256
   char sheetLabel[256] = {};
   WorkList workList;  // the sequence of the sheet
   RowTable rowTable;
