@@ -7,14 +7,8 @@
 namespace oldtorvio {
 
 float reducedAngle(float angle, std::uint32_t symmetryFlags) {
-  double step = 0;
-  if ((symmetryFlags & kHalfTurnSymmetry) != 0)
-    step = std::numbers::pi;
-  else if ((symmetryFlags & kQuarterTurnSymmetry) != 0)
-    step = std::numbers::pi / 2;
-  else
-    return angle;
-
+  if ((symmetryFlags & (kHalfTurnSymmetry | kQuarterTurnSymmetry)) == 0) return angle;
+  const double step = (symmetryFlags & kHalfTurnSymmetry) != 0 ? std::numbers::pi : std::numbers::pi / 2;
   for (;;) {
     const auto wide = static_cast<double>(angle);
     if (wide >= 0 && wide <= step) return angle;

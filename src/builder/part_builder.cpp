@@ -51,7 +51,6 @@ void prepareToAdd(std::size_t count) {
   }
   Pattern first;
   first.items.reserve(count);
-  partBuilder.patterns.reserve(1);
   partBuilder.patterns.push_back(std::move(first));
 }
 

@@ -28,6 +28,20 @@ Result guarded([[maybe_unused]] Result outOfMemory, Fn&& body) noexcept {
 #endif
 }
 
+// Runs body(). If memory runs out, it ends there, and what it has done stays.
+template <class Body>
+void attempt(Body&& body) noexcept {
+#if defined(__cpp_exceptions)
+  try {
+    body();
+  } catch (...) {
+    // The caller sees by its own variables how far body() came.
+  }
+#else
+  body();
+#endif
+}
+
 // Reads the version word and passes it to keep(version), even if it is then refused. If accepts(version), returns the
 // status of read(stream, version), which starts after the version word.
 template <class Keep, class Accepts, class Read>

@@ -28,9 +28,9 @@ std::int64_t loadCurrent(const char* path, SetOutputs&& setOutputs) noexcept {
       },
       isKnownSheetVersion,
       [&](InStream& stream, int version) -> std::int64_t {
-        const auto status = guarded(
-            kDamaged, [&]() -> std::int64_t { return ReadOldMachine(stream, version, nullptr, currentMachine); });
-        if (status == kDone) setOutputs(version);
+        attempt([&] {
+          if (ReadOldMachine(stream, version, nullptr, currentMachine) == 0) setOutputs(version);
+        });
         return kDone;
       });
 }

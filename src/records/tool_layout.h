@@ -70,7 +70,7 @@ struct Layout<ToolStation> {
     return io.fields(FIELDS(s.stationNumber, s.orientation, s.stationType, s.toolCount, s.stationValue, s.limits,
                             s.valueCount))
         && io.afterRead(s, "if stationType is 0, valueCount becomes at least 1",
-                        [](auto& r) { if (r.stationType == 0 && r.valueCount < 1) r.valueCount = 1; })
+                        [](auto& r) { if (r.stationType == 0) r.valueCount = std::max(r.valueCount, 1); })
         && io.fields(FIELDS(s.values, s.offsets, s.byteA, s.byteB, s.byteD, s.realC))
         && io.since(60, FIELDS(s.placeValue, s.placeWord))
         && io.since(61, FIELDS(s.wordsC, s.realsE))

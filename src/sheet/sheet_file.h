@@ -14,23 +14,21 @@ namespace oldtorvio {
 template <class Accepts, class Use>
 std::int64_t withSheet(const char* path, Accepts&& accepts, Use&& use) noexcept {
   std::unique_ptr<OldSheet> loaded;
-  int loadedVersion = 0;
   const std::int64_t status = frame::loadFile(
-      path, [&](int version) { loadedVersion = version; }, accepts,
+      path, [](int) {}, accepts,
       [&](codec::InStream& stream, int version) -> std::int64_t {
-        (void)frame::guarded(frame::kDamaged, [&]() -> std::int64_t {
-          if (!frame::isSheetVersion(version)) return frame::kDone;
+        frame::attempt([&] {
+          if (!frame::isSheetVersion(version)) return;
           auto sheet = std::make_unique<OldSheet>();
           sheet->version = static_cast<std::uint16_t>(version);
           if (ReadOldSheet(stream, version, *sheet) == 0) loaded = std::move(sheet);
-          return frame::kDone;
         });
         return frame::kDone;
       });
   // The file is closed here, so that an edit can write it.
   if (status != frame::kDone || !loaded) return status;
   return frame::guarded(frame::kDone, [&]() -> std::int64_t {
-    use(*loaded, loadedVersion);
+    use(*loaded, loaded->version);
     return frame::kDone;
   });
 }

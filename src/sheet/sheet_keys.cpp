@@ -34,8 +34,7 @@ template <class Item>
 std::string listOf(const OldSheet& sheet, const Item& append) {
   std::string text;
   for (const TorvPart& part : sheet.partList.parts) append(text, part);
-  if (text.size() < 2) return {};
-  text.pop_back();
+  if (!text.empty()) text.pop_back();
   return text;
 }
 

@@ -44,7 +44,7 @@ extern "C" int32_t LoadOldSheetInformation(const char* path) noexcept {
       },
       isKnownSheetVersion,
       [&](InStream& stream, int version) -> std::int64_t {
-        (void)guarded(kDamaged, [&]() -> std::int64_t { return ReadOldSheet(stream, version, currentSheet); });
+        attempt([&] { (void)ReadOldSheet(stream, version, currentSheet); });
         return kDone;
       }));
 }

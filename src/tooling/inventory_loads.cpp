@@ -47,9 +47,10 @@ extern "C" int64_t LoadOldToolInventory(const char* path, OldToolInventory* inve
 extern "C" int32_t LoadOldToolInventoryForCount(const char* path, uint32_t* count) noexcept {
   *count = 0;
   const auto read = [&](InStream& stream, int version) {
-    const auto status =
-        guarded(kDamaged, [&]() -> std::int64_t { return ReadToolInventory(stream, version, currentToolInventory); });
-    if (status == kDone) *count = static_cast<std::uint32_t>(currentToolInventory.tools.size());
+    attempt([&] {
+      if (ReadToolInventory(stream, version, currentToolInventory) == 0)
+        *count = static_cast<std::uint32_t>(currentToolInventory.tools.size());
+    });
     return kDone;
   };
   return static_cast<std::int32_t>(loadRecord<FileKind::toolInventory>(path, currentToolInventory, read));

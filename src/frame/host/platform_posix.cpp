@@ -50,7 +50,7 @@ bool isFolder(std::FILE* file) noexcept {
 
 std::optional<std::uint64_t> sizeOfFile(std::FILE* file) noexcept {
   struct stat info {};
-  if (::fstat(::fileno(file), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size < 0) return std::nullopt;
+  if (::fstat(::fileno(file), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
   return static_cast<std::uint64_t>(info.st_size);
 }
 
