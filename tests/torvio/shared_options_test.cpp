@@ -63,6 +63,45 @@ TEST_F(SharedOptions, NoCommandReplacesTheFileThatItReads) {
     }
 }
 
+TEST_F(SharedOptions, NoTextReplacesAFileOfAKnownKind) {
+  for (const Kind& kind : kinds())
+    for (const bool isDamaged : {false, true}) {
+      Bytes bytes = kind.file(kind.versions.back());
+      if (isDamaged) bytes = bytes.cut(bytes.size() - 1);
+      const std::string out = folder_.write("data", bytes), before = asText(TempFolder::read(out));
+      for (const std::string& arguments : {std::string("format macro"), std::string("schema part"), "json " + tool_,
+                                           "map " + tool_, "map --html " + tool_, "draw --html " + tool_}) {
+        const Outcome run = torvio(arguments + " -o " + out);
+        EXPECT_EQ(run.code, 3) << arguments;
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.errors, "torvio: " + out + ": is a " + kind.name + " file, which no text replaces\n");
+        EXPECT_EQ(asText(TempFolder::read(out)), before) << arguments << " " << kind.name;
+      }
+    }
+}
+
+TEST_F(SharedOptions, TextsReplaceTexts) {
+  const std::string part = folder_.write("part.abc", storedPartFile(180)), out = folder_.path("out");
+  const std::vector<std::string> commands = {
+      "format macro", "format macro --as kaitai", "schema part",        "json " + part, "json --pretty " + part,
+      "map " + part,  "map --json " + part,       "map --html " + part, "draw " + part, "draw --html " + part};
+  const std::string utf8Mark = "\xEF\xBB\xBF", utf16Mark = "\xFF\xFE";
+  std::vector<std::string> texts = {"", "x", "\n\n", "\t\t", "a,b\n1,2\n", utf8Mark + "text", utf16Mark + "t"};
+  const auto expectReplaced = [&](const std::string& text, const std::string& command, const std::string& printed) {
+    (void)folder_.write("out", Bytes().text(text.size(), text));
+    const Outcome run = torvio(command + " -o " + out);
+    EXPECT_EQ(run.code, 0) << command << " over " << text.substr(0, 20) << ": " << run.errors;
+    EXPECT_EQ(asText(TempFolder::read(out)), printed) << command << " over " << text.substr(0, 20);
+  };
+  for (const std::string& command : commands) {
+    const std::string printed = torvio(command).output;
+    expectReplaced(printed, command, printed);
+    texts.push_back(printed);
+  }
+  const std::string schema = torvio("schema part").output;
+  for (const std::string& text : texts) expectReplaced(text, "schema part", schema);
+}
+
 TEST_F(SharedOptions, EmptyValuesAreRefusedAndReplaceNothing) {
   const std::string before = asText(TempFolder::read(tool_));
   const auto expectRefusal = [&](const std::string& command, const std::string& arguments, const std::string& option) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "torvio/archive/host_files.h"
+#include "torvio/archive/verdict.h"
 #include "torvio/cli/commands.h"
 #include "torvio/cli/help_text.h"
 #include "torvio/cli/output.h"
@@ -169,7 +171,27 @@ std::vector<std::string> acceptedValues(const CLI::Option& option) {
 
 bool takesFile(const CLI::Option& option) { return option.get_type_name().ends_with(std::string(":") + kFileMark); }
 
+namespace {
+
+// The kind of the file of that name; none for a text, for what is no file, and for files that torvio does not know.
+std::optional<oldtorvio::frame::FileKind> kindOfData(const std::string& path) {
+  // The formats have no magic number, but no text begins with such a version word: its second character would be a
+  // control character below the tab.
+  constexpr int kTextsFrom = 0x0900;
+  if (!oldtorvio::archive::measuresOf(path)) return std::nullopt;
+  const oldtorvio::explain::FileContent file(path);
+  const auto judged = oldtorvio::archive::judge(path, file.bytes(), {});
+  return judged.report.version.value_or(kTextsFrom) < kTextsFrom ? judged.kind : std::nullopt;
+}
+
+}  // namespace
+
 ExitCode writeOutput(const std::string& output, const std::function<ExitCode(OutputText&)>& write) {
+  if (const auto kind = kindOfData(output)) {
+    printError(onOneLine(output) + ": is a " + std::string(oldtorvio::frame::infoOf(*kind).name) +
+               " file, which no text replaces");
+    return kNotReadOrWritten;
+  }
   try {
     OutputText text(output);
     const ExitCode code = write(text);

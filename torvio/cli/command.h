@@ -85,7 +85,8 @@ bool takesFile(const CLI::Option& option);
 // ---- what commands share when they run --------------------------------------------------------------------
 
 // Calls write() with the file that --output names, or standard output for "" and "-", and completes the file. Returns
-// the code of write(). If a file cannot be written, prints why. Throws OutputError for standard output.
+// the code of write(). If a file cannot be written, prints why. Throws OutputError for standard output. A file of a
+// known kind is not replaced: in "draw -o *.sheet" the shell makes the first sheet the output.
 ExitCode writeOutput(const std::string& output, const std::function<ExitCode(OutputText&)>& write);
 // Whether an output of that name is an HTML page.
 bool isPageName(const std::string& output);
