@@ -35,10 +35,8 @@ class DrawCommand : public Command {
     addJudging(*command, judge_);
     addEncoding(*command, encoding_);
     command->footer(
-        "OUT is replaced only by a complete picture, and not if it is a sheet or another\n"
-        "file of a kind below. An OUT that ends in \".html\" implies --html. For a\n"
-        "damaged file, what can be read is drawn. What the files do not say is named in\n"
-        "the picture as an assumption.\n\n"
+        "OUT is replaced only by a complete picture. An OUT that ends in \".html\" implies\n--html. For a damaged "
+        "file, what can be read is drawn. What the files do not say\nis named in the picture as an assumption.\n\n"
         "Examples:\n"
         "  torvio draw nest.sheet -o nest.svg\n"
         "      Draw a nest with its parts, clamps and tools.\n"
