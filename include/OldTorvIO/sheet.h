@@ -22,11 +22,11 @@
 namespace oldtorvio {
 
 struct OldSheet;
-// Sets these fields to the values of a new sheet: sheetName to "NEW SHEET", the size to 60 by 45 and 0.048 thick,
-// listKind of shapes to 0, textWidth to 256, processSlotMode and auxiliaryFlag to 1; processSlotCount, headerWord,
-// leadWords, rowTable, clampRowTable, trailingWords, utilization and partTextWord to 0; sheetPath, sheetLabel,
-// skeletonDosName, partTexts, materialGroup, materialType, materialText3 to materialText5 and lateText to empty. All
-// other fields, including the lists, are unchanged.
+// Sets these fields to the values of a new sheet, which the initializers of OldSheet show: sheetName, width, height,
+// thickness, listKind of shapes, textWidth, processSlotMode, auxiliaryFlag, processSlotCount, headerWord, leadWords,
+// rowTable, clampRowTable, trailingWords, utilization and partTextWord. Makes these texts empty: sheetPath, sheetLabel,
+// skeletonDosName, partTexts, materialGroup, materialType, materialText3 to materialText5 and lateText. All other
+// fields, including the lists, are unchanged.
 void InitOldSheet(OldSheet& sheet);
 
 // About 208 KiB without its lists: allocate it on the heap. Texts are raw bytes of the file: a text that fills its

@@ -1,5 +1,6 @@
 // Stored form of OldTool, ToolStation and ToolStationList.
 #pragma once
+#include <algorithm>
 #include <cmath>
 #include "OldTorvIO/tool_station.h"
 #include "src/frame/codec/describe.h"

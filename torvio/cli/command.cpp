@@ -115,7 +115,8 @@ oldtorvio::values::TextEncoding encodingNamed(const std::string& name) {
 }
 
 CLI::Option* addOutput(CLI::App& command, std::string& output) {
-  return addFile(command, "-o,--output", output, "Write to this file instead of standard output")
+  return addFile(command, "-o,--output", output,
+                 "Write to this file instead of standard output; files of the suite are not replaced")
       ->type_name("OUT")
       ->take_last();
 }
@@ -173,10 +174,10 @@ bool takesFile(const CLI::Option& option) { return option.get_type_name().ends_w
 
 namespace {
 
-// The kind of the file of that name; none for a text, for what is no file, and for files that torvio does not know.
+// The kind of the file of that name; none for a text, for what is no regular file, and for files of no known kind.
 std::optional<oldtorvio::frame::FileKind> kindOfData(const std::string& path) {
-  // The formats have no magic number, but no text begins with such a version word: its second character would be a
-  // control character below the tab.
+  // The formats have no magic number, but no text begins with a version word below this one: its second character would
+  // be a control character before the tab.
   constexpr int kTextsFrom = 0x0900;
   if (!oldtorvio::archive::measuresOf(path)) return std::nullopt;
   const oldtorvio::explain::FileContent file(path);
